@@ -1,0 +1,90 @@
+#include "Host/GameThreadTasks.h"
+
+#include "Async/Async.h"
+#include "CoreGlobals.h"
+#include "CoreTypes.h"
+
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <thread>
+
+namespace
+{
+	using FTask = TUniqueFunction<void()>;
+
+	struct FTasks
+	{
+		std::mutex Mutex;
+		std::condition_variable Added;
+		std::deque<FTask> Queue;
+		bool bClosed = false;
+		std::thread::id GameThread = std::this_thread::get_id();
+
+		std::deque<FTask> TakeAll()
+		{
+			const std::scoped_lock Lock(Mutex);
+			return std::exchange(Queue, {});
+		}
+	};
+
+	FTasks& theTasks()
+	{
+		static FTasks& Tasks = *new FTasks(); // never destroyed: threads may still post while statics go
+		return Tasks;
+	}
+} // namespace
+
+bool IsInGameThread()
+{
+	const std::scoped_lock Lock(theTasks().Mutex);
+	return theTasks().GameThread == std::this_thread::get_id();
+}
+
+void AsyncTask(ENamedThreads::Type, FTask Function)
+{
+	FTasks& Tasks = theTasks();
+	const std::scoped_lock Lock(Tasks.Mutex);
+	if (!Tasks.bClosed)
+	{
+		Tasks.Queue.push_back(std::move(Function));
+		Tasks.Added.notify_one();
+	}
+}
+
+void GameThreadTasks::BindToThisThread()
+{
+	FTasks& Tasks = theTasks();
+	const std::scoped_lock Lock(Tasks.Mutex);
+	Tasks.GameThread = std::this_thread::get_id();
+	Tasks.bClosed = false;
+}
+
+int GameThreadTasks::RunQueued()
+{
+	std::deque<FTask> Taken = theTasks().TakeAll();
+	int Number = 0;
+	for (; !Taken.empty(); ++Number)
+	{
+		const FTask Task = std::move(Taken.front());
+		Taken.pop_front();
+		Task();
+	}
+	return Number;
+}
+
+bool GameThreadTasks::WaitUntil(std::chrono::steady_clock::time_point Deadline)
+{
+	FTasks& Tasks = theTasks();
+	std::unique_lock Lock(Tasks.Mutex);
+	return Tasks.Added.wait_until(Lock, Deadline, [&Tasks] { return !Tasks.Queue.empty(); });
+}
+
+void GameThreadTasks::Drop(bool bForGood)
+{
+	{
+		const std::scoped_lock Lock(theTasks().Mutex);
+		theTasks().bClosed = bForGood;
+	}
+	theTasks().TakeAll(); // destroyed outside the lock: what a task captured may post in its destructor
+}

@@ -1,0 +1,127 @@
+#include "Containers/UnrealString.h"
+
+#include "Containers/StringConv.h"
+
+#include <fmt/args.h>
+#include <fmt/printf.h>
+
+namespace
+{
+	TCHAR toLowerAscii(TCHAR Unit)
+	{
+		return Unit >= u'A' && Unit <= u'Z' ? static_cast<TCHAR>(Unit + ('a' - 'A')) : Unit;
+	}
+
+	TCHAR toUpperAscii(TCHAR Unit)
+	{
+		return Unit >= u'a' && Unit <= u'z' ? static_cast<TCHAR>(Unit - ('a' - 'A')) : Unit;
+	}
+
+	bool equalUnits(TCHAR A, TCHAR B)
+	{
+		return toLowerAscii(A) == toLowerAscii(B);
+	}
+} // namespace
+
+bool FString::Equals(const FString& Other, ESearchCase::Type Case) const
+{
+	if (Case == ESearchCase::CaseSensitive)
+	{
+		return Text == Other.Text;
+	}
+	return std::equal(Text.begin(), Text.end(), Other.Text.begin(), Other.Text.end(), equalUnits);
+}
+
+size_t GetTypeHash(const FString& Value)
+{
+	size_t Hash = 14695981039346656037ull; // FNV-1a over the lower-cased units
+	for (const TCHAR Unit : Value.Text)
+	{
+		Hash = (Hash ^ toLowerAscii(Unit)) * 1099511628211ull;
+	}
+	return Hash;
+}
+
+int32 FString::Find(const FString& Part, ESearchCase::Type Case, ESearchDir::Type Direction) const
+{
+	const auto Same = [Case](TCHAR A, TCHAR B) { return Case == ESearchCase::IgnoreCase ? equalUnits(A, B) : A == B; };
+	if (Direction == ESearchDir::FromStart)
+	{
+		const auto Found = std::search(Text.begin(), Text.end(), Part.Text.begin(), Part.Text.end(), Same);
+		return Found == Text.end() && !Part.IsEmpty() ? INDEX_NONE : static_cast<int32>(Found - Text.begin());
+	}
+	const auto Found = std::search(Text.rbegin(), Text.rend(), Part.Text.rbegin(), Part.Text.rend(), Same);
+	return Found == Text.rend() && !Part.IsEmpty() ? INDEX_NONE : static_cast<int32>(Text.rend() - Found) - Part.Len();
+}
+
+bool FString::StartsWith(const FString& Prefix, ESearchCase::Type Case) const
+{
+	return Prefix.Len() <= Len() && Left(Prefix.Len()).Equals(Prefix, Case);
+}
+
+FString FString::Mid(int32 Start, int32 Count) const
+{
+	const int32 From = std::clamp(Start, 0, Len());
+	const int32 Number = std::clamp(Count, 0, Len() - From);
+	return ConstructFromPtrSize(Text.data() + From, Number);
+}
+
+FString FString::ToUpper() const
+{
+	FString Result(*this);
+	std::transform(Result.Text.begin(), Result.Text.end(), Result.Text.begin(), toUpperAscii);
+	return Result;
+}
+
+int32 FString::ParseIntoArray(TArray<FString>& Parts, const TCHAR* Delimiter, bool bCullEmpty) const
+{
+	Parts.Reset();
+	const FStringView Cut(Delimiter);
+	FStringView Rest(Text);
+	while (!Rest.empty())
+	{
+		const size_t End = Cut.empty() ? FStringView::npos : Rest.find(Cut);
+		const FStringView Part = Rest.substr(0, End);
+		if (!Part.empty() || !bCullEmpty)
+		{
+			Parts.Add(FString(Part));
+		}
+		if (End == FStringView::npos)
+		{
+			return Parts.Num();
+		}
+		Rest.remove_prefix(End + Cut.size());
+		if (Rest.empty() && !bCullEmpty)
+		{
+			Parts.Add(FString()); // a delimiter at the very end leaves an empty last part
+		}
+	}
+	return Parts.Num();
+}
+
+FString FString::PrintfImpl(const TCHAR* Format, std::initializer_list<FArgument> Arguments)
+{
+	fmt::dynamic_format_arg_store<fmt::printf_context> Store;
+	for (const FArgument& Argument : Arguments)
+	{
+		if (const TCHAR* const* Units = std::get_if<const TCHAR*>(&Argument))
+		{
+			Store.push_back(std::string(FTCHARToUTF8(*Units).Get()));
+		}
+		else if (const int64* Signed = std::get_if<int64>(&Argument))
+		{
+			Store.push_back(*Signed);
+		}
+		else if (const uint64* Unsigned = std::get_if<uint64>(&Argument))
+		{
+			Store.push_back(*Unsigned);
+		}
+		else
+		{
+			Store.push_back(std::get<double>(Argument));
+		}
+	}
+	const std::string Result = fmt::vsprintf(FTCHARToUTF8(Format).Get(), Store);
+	const FUTF8ToTCHAR Units(Result.data(), static_cast<int32>(Result.size()));
+	return ConstructFromPtrSize(Units.Get(), Units.Length());
+}

@@ -1,0 +1,9 @@
+#pragma once
+
+namespace ENamedThreads
+{
+	enum Type
+	{
+		GameThread
+	};
+} // namespace ENamedThreads

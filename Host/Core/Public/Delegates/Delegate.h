@@ -1,0 +1,51 @@
+#pragma once
+
+#include <functional>
+#include <utility>
+
+template <class T>
+struct TWeakObjectPtr;
+
+template <class Signature>
+class TDelegate;
+
+/** A delegate with at most one binding. Bind it before the work starts that may execute it. */
+template <class... Args>
+class TDelegate<void(Args...)>
+{
+public:
+	/** Binds a method of an engine object. The object is held weakly, and kept from being freed while the method runs. */
+	template <class ObjectType, class ClassType>
+	void BindUObject(ObjectType* Object, void (ClassType::*Method)(Args...))
+	{
+		Target = [Weak = TWeakObjectPtr<ObjectType>(Object), Method](Args... Arguments)
+		{
+			if (const auto Pinned = Weak.Pin())
+			{
+				(Pinned.Get()->*Method)(std::forward<Args>(Arguments)...);
+			}
+		};
+	}
+
+	template <class Callable>
+	void BindLambda(Callable&& Body)
+	{
+		Target = std::forward<Callable>(Body);
+	}
+
+	bool IsBound() const { return static_cast<bool>(Target); }
+	void Unbind() { Target = nullptr; }
+
+	/** @return false when nothing is bound. */
+	bool ExecuteIfBound(Args... Arguments) const
+	{
+		if (Target)
+		{
+			Target(std::forward<Args>(Arguments)...);
+		}
+		return IsBound();
+	}
+
+private:
+	std::function<void(Args...)> Target;
+};

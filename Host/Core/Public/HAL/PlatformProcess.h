@@ -1,0 +1,12 @@
+#pragma once
+
+#include "CoreTypes.h"
+
+class FEvent;
+
+struct FPlatformProcess
+{
+	/** @return an event that resets itself when a wait succeeds; give it back with ReturnSynchEventToPool. Thread: any. */
+	static FEvent* GetSynchEventFromPool();
+	static void ReturnSynchEventToPool(FEvent* Event);
+};

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "Containers/UnrealString.h"
+
+/** Path arithmetic; nothing here asks whether a path exists. Thread: any. */
+class FPaths
+{
+public:
+	/** The project directory, with a slash at its end; it may be relative to the base directory. */
+	static FString ProjectDir();
+
+	/**
+	 * Makes a path absolute: relative ones start at the base directory, back slashes become slashes, doubled slashes and
+	 * the steps "." and ".." go. An empty path gives the base directory with a slash at its end.
+	 */
+	static FString ConvertRelativePathToFull(const FString& Path);
+};

@@ -1,0 +1,90 @@
+#pragma once
+
+#include "CoreTypes.h"
+
+#include <memory>
+#include <utility>
+
+enum class ESPMode : uint8
+{
+	NotThreadSafe,
+	ThreadSafe
+};
+
+template <class T, ESPMode Mode = ESPMode::ThreadSafe>
+class TSharedPtr;
+
+/** A shared pointer that is never null. Counting is safe from any thread in both modes. */
+template <class T, ESPMode Mode = ESPMode::ThreadSafe>
+class TSharedRef
+{
+public:
+	template <class U>
+	TSharedRef(const TSharedRef<U, Mode>& Other)
+		: Pointer(Other.Pointer)
+	{
+	}
+
+	T* operator->() const { return Pointer.get(); }
+	T& operator*() const { return *Pointer; }
+	T& Get() const { return *Pointer; }
+
+private:
+	template <class, ESPMode>
+	friend class TSharedRef;
+	template <class, ESPMode>
+	friend class TSharedPtr;
+	template <class U, class... Args>
+	friend TSharedRef<U> MakeShared(Args&&... Arguments);
+
+	explicit TSharedRef(std::shared_ptr<T> InPointer)
+		: Pointer(std::move(InPointer))
+	{
+		HOST_CHECK(Pointer);
+	}
+
+	std::shared_ptr<T> Pointer;
+};
+
+template <class T, ESPMode Mode>
+class TSharedPtr
+{
+public:
+	TSharedPtr() = default;
+	TSharedPtr(std::nullptr_t) {}
+	explicit TSharedPtr(T* Object)
+		: Pointer(Object)
+	{
+	}
+	template <class U>
+	TSharedPtr(const TSharedPtr<U, Mode>& Other)
+		: Pointer(Other.Pointer)
+	{
+	}
+	template <class U>
+	TSharedPtr(const TSharedRef<U, Mode>& Other)
+		: Pointer(Other.Pointer)
+	{
+	}
+
+	bool IsValid() const { return Pointer != nullptr; }
+	explicit operator bool() const { return IsValid(); }
+	T* Get() const { return Pointer.get(); }
+	T* operator->() const { return Pointer.get(); }
+	T& operator*() const { return *Pointer; }
+	void Reset() { Pointer.reset(); }
+	TSharedRef<T, Mode> ToSharedRef() const { return TSharedRef<T, Mode>(Pointer); }
+	friend bool operator==(const TSharedPtr& Left, const TSharedPtr& Right) { return Left.Pointer == Right.Pointer; }
+
+private:
+	template <class, ESPMode>
+	friend class TSharedPtr;
+
+	std::shared_ptr<T> Pointer;
+};
+
+template <class T, class... Args>
+TSharedRef<T> MakeShared(Args&&... Arguments)
+{
+	return TSharedRef<T>(std::make_shared<T>(std::forward<Args>(Arguments)...));
+}

@@ -1,0 +1,133 @@
+#!/usr/bin/env python3
+"""Checks which room includes which, and that every header of the host is needed by somebody.
+
+Prints one line per fault and ends with status 1 when there is any.
+"""
+
+import pathlib
+import re
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
+
+HOST_LIBRARIES = ["Host/Core", "Host/CoreUObject", "Host/Engine", "Host/HTTP"]
+
+# Room -> the rooms whose headers it may include, besides its own.
+MAY_INCLUDE = {
+    "Host/Core": [],
+    "Host/CoreUObject": ["Host/Core"],
+    "Host/Engine": ["Host/Core", "Host/CoreUObject"],
+    "Host/HTTP": ["Host/Core", "Host/CoreUObject"],
+    "Host/Launch": ["Host/Core", "Host/CoreUObject", "Host/HTTP"],
+    "Host/HeaderTool": [],
+    "Host/Script": ["Host/Core", "Host/CoreUObject", "Host/Engine"],
+    "Host/Program": HOST_LIBRARIES + ["Host/Launch", "Host/Script", "Source/Corvane/Public"],
+    "Source/Corvane/Public": HOST_LIBRARIES,
+    "Source/Corvane/Private": HOST_LIBRARIES + ["Source/Corvane/Public"],
+}
+
+# Inside the module: a room may include itself and what stands to its right. Files at the top bind the rooms together.
+MODULE_ROOMS = {
+    "Nodes": ["Requests", "Downloads", "Uploads", "Pages", "Completion", "Rules"],
+    "Requests": ["Downloads", "Uploads", "Pages", "Completion", "Rules"],
+    "Downloads": ["Completion", "Rules"],
+    "Uploads": ["Completion", "Rules"],
+    "Pages": ["Completion", "Rules"],
+    "Completion": ["Rules"],
+    "Files": ["Rules"],
+    "Rules": [],
+}
+
+# Where an include is looked up, besides beside the including file.
+INCLUDE_ROOTS = [
+    *(library + "/Public" for library in HOST_LIBRARIES),
+    "Host/Launch", "Host/HeaderTool", "Host/Script", "Host/Program", "Source/Corvane/Public", "Source/Corvane/Private",
+]
+
+
+def sources(*rooms):
+    for room in rooms:
+        yield from sorted(p for p in (ROOT / room).rglob("*") if p.suffix in (".h", ".cpp"))
+
+
+def resolve(file, name):
+    for base in [file.parent, *(ROOT / root for root in INCLUDE_ROOTS)]:
+        if (base / name).is_file():
+            return (base / name).resolve()
+    return None  # a library's or a generated header
+
+
+def includes(file):
+    return [found for name in INCLUDE.findall(file.read_text()) if (found := resolve(file, name))]
+
+
+def place(file):
+    return file.relative_to(ROOT).as_posix()
+
+
+def room_of(file, rooms):
+    return next((room for room in rooms if place(file).startswith(room + "/")), None)
+
+
+def module_room(file):
+    parts = place(file).split("/")
+    return parts[3] if place(file).startswith("Source/Corvane/Private/") and len(parts) > 4 else None
+
+
+def check_directions():
+    for file in sources("Host", "Source"):
+        room = room_of(file, MAY_INCLUDE)
+        if room is None:
+            yield f"{place(file)}: stands in no known room"
+            continue
+        for target in includes(file):
+            other = room_of(target, MAY_INCLUDE)
+            if other != room and other not in MAY_INCLUDE[room]:
+                yield f"{place(file)}: {room} may not include {place(target)}"
+            if other in HOST_LIBRARIES and other != room and "/Public/" not in place(target):
+                yield f"{place(file)}: {place(target)} is private to {other}"
+            if room.startswith("Source/") and "/Public/Host/" in place(target):
+                yield f"{place(file)}: the engine has no {place(target)}"
+            mine, theirs = module_room(file), module_room(target)
+            if mine and theirs and mine != theirs and theirs not in MODULE_ROOMS.get(mine, []):
+                yield f"{place(file)}: {mine} may not include {theirs} ({place(target)})"
+
+
+def needs():
+    """The headers that somebody asks for from outside their own room; tests may ask for the host's own doors only."""
+    for file in sources("Source", "Host"):
+        yield from (target for target in includes(file) if room_of(target, MAY_INCLUDE) != room_of(file, MAY_INCLUDE))
+    for file in sources("Tests", "Benchmarks"):
+        yield from (target for target in includes(file) if "/Public/Host/" in place(target))
+
+
+def check_host_surface():
+    needed = set()
+    queue = list(needs())
+    while queue:
+        file = queue.pop()
+        if file not in needed:
+            needed.add(file)
+            queue.extend(includes(file))
+    for header in sources(*(library + "/Public" for library in HOST_LIBRARIES)):
+        if header.resolve() not in needed:
+            yield f"{place(header)}: nobody needs this host header"
+
+
+def check_one_source():
+    for file in sources("Source"):
+        for number, line in enumerate(file.read_text().splitlines(), 1):
+            if re.match(r"\s*#\s*(if|ifdef|ifndef|elif)\b", line):
+                yield f"{place(file)}:{number}: the module may not ask where it runs"
+
+
+def main():
+    faults = [*check_directions(), *check_host_surface(), *check_one_source()]
+    for fault in faults:
+        print(fault)
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,34 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that the build and the tests need and that are not there yet.
+# --bench and --check name the extra packages of the benchmarks and of the format and layout checks.
+set -euo pipefail
+
+packages=(
+	g++ cmake ninja-build pkg-config git
+	libcurl4-openssl-dev libssl-dev libfmt-dev libcli11-dev nlohmann-json3-dev liblua5.4-dev libcpp-httplib-dev
+	libgtest-dev libgmock-dev nginx-light ca-certificates
+)
+for option in "$@"; do
+	case "$option" in
+	--bench) packages+=(libbenchmark-dev) ;;
+	--check) packages+=(clang-format python3) ;;
+	*)
+		echo "usage: $0 [--bench] [--check]" >&2
+		exit 2
+		;;
+	esac
+done
+
+missing=()
+for package in "${packages[@]}"; do
+	status=$(dpkg-query -W -f='${Status}' "$package" 2>/dev/null || true)
+	[ "$status" = "install ok installed" ] || missing+=("$package")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+as_root=()
+[ "$(id -u)" -eq 0 ] || as_root=(sudo)
+echo "Installing: ${missing[*]}" >&2
+export DEBIAN_FRONTEND=noninteractive
+"${as_root[@]}" apt-get update -qq >&2
+"${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2

@@ -1,0 +1,16 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds and runs the tests.
+# usage: Scripts/test.sh [--preset default|debug|asan|tsan] [further arguments for ctest]
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+preset=default
+if [ "${1:-}" = "--preset" ]; then
+	preset=$2
+	shift 2
+fi
+
+Scripts/setup.sh
+[ -f "build/$preset/build.ninja" ] || cmake --preset "$preset"
+cmake --build --preset "$preset"
+ctest --preset "$preset" --parallel "$(nproc)" "$@"

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "CoreMinimal.h"
+#include "Interfaces/IHttpRequest.h"
+
+/** What a job calls. The numbers of the download kinds are kept free for them. */
+enum class ECorvJobType : int32
+{
+	Complete = 0,
+	ProgressDownload = 4,
+	ProgressServerSendEvent = 5
+};
+
+/** One callback on its way to the request worker; its pointers keep request and response alive until it has run. */
+struct FCorvTheadJob
+{
+	ECorvJobType jobType;
+	FHttpRequestPtr request;
+	// completion
+	FHttpResponsePtr response;
+	bool bWasSuccessful = false;
+	// progress
+	uint64 bytesSent = 0;
+	uint64 bytesReceived = 0;
+};

@@ -1,0 +1,111 @@
+#include "Completion/CorvThread.h"
+
+#include "CorvaneRequestCompleteObject.h"
+#include "HAL/Event.h"
+#include "HAL/PlatformProcess.h"
+#include "HAL/RunnableThread.h"
+#include "Misc/Guid.h"
+
+FCorvThread::FCorvThread(UCorvaneRequestCompleteObject* InOwner, int64 InRunNumber)
+	: completeObject(InOwner)
+	, runNumber(InRunNumber)
+	, wakeUp(FPlatformProcess::GetSynchEventFromPool())
+{
+	thread = FRunnableThread::Create(this, *(TEXT("FCorvThread") + FGuid::NewGuid().ToString()));
+}
+
+FCorvThread::~FCorvThread()
+{
+	delete thread;
+	FCorvTheadJob* Job = nullptr;
+	while (jobQueue.Dequeue(Job))
+	{
+		delete Job;
+	}
+	FPlatformProcess::ReturnSynchEventToPool(wakeUp);
+}
+
+void FCorvThread::addJob(FCorvTheadJob* InJob)
+{
+	jobQueue.Enqueue(InJob);
+	pauseThread(false);
+}
+
+void FCorvThread::pauseThread(bool bInPause)
+{
+	isPaused = bInPause;
+	wakeUp->Trigger();
+}
+
+void FCorvThread::stopThread()
+{
+	isRunning = false;
+	pauseThread(false);
+}
+
+void FCorvThread::Stop()
+{
+	stopThread();
+}
+
+void FCorvThread::waitForEnd()
+{
+	if (thread)
+	{
+		thread->WaitForCompletion();
+	}
+}
+
+uint32 FCorvThread::Run()
+{
+	while (isRunning)
+	{
+		runQueuedJobs();
+		if (!isRunning)
+		{
+			break;
+		}
+		isPaused = true;
+		// The queue is looked at again behind the flag: a job that came in between has cleared it too early.
+		while (isPaused && isRunning && jobQueue.IsEmpty())
+		{
+			wakeUp->Wait();
+		}
+	}
+	ended = true;
+	completeObject->workerEnded(runNumber);
+	return 0;
+}
+
+void FCorvThread::runQueuedJobs()
+{
+	// A completion job ends the loop of Run, yet what is queued behind it still runs; only stopThread leaves jobs behind.
+	bool bCompleted = false;
+	FCorvTheadJob* Job = nullptr;
+	while ((isRunning || bCompleted) && jobQueue.Dequeue(Job))
+	{
+		runJob(*Job);
+		if (Job->jobType == ECorvJobType::Complete)
+		{
+			bCompleted = true;
+			isRunning = false;
+		}
+		delete Job;
+	}
+}
+
+void FCorvThread::runJob(const FCorvTheadJob& InJob)
+{
+	switch (InJob.jobType)
+	{
+	case ECorvJobType::Complete:
+		completeObject->requestCompleteInternal(InJob.request, InJob.response, InJob.bWasSuccessful);
+		break;
+	case ECorvJobType::ProgressDownload:
+		completeObject->requestProgressDownloadInternal(InJob.request, InJob.bytesSent, InJob.bytesReceived);
+		break;
+	case ECorvJobType::ProgressServerSendEvent:
+		completeObject->requestProgressServerSendEventInternal(InJob.request, InJob.bytesSent, InJob.bytesReceived);
+		break;
+	}
+}

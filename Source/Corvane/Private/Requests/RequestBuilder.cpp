@@ -1,0 +1,39 @@
+#include "Requests/RequestBuilder.h"
+
+#include "CorvaneRequestCompleteObject.h"
+#include "Misc/Guid.h"
+#include "UObject/UObjectGlobals.h"
+
+FString CorvaneBuilder::idOrNew(const FString& OptionalRequestID)
+{
+	return OptionalRequestID.IsEmpty() ? FGuid::NewGuid().ToString() : OptionalRequestID;
+}
+
+bool CorvaneBuilder::isUrlLongEnough(const FString& Url)
+{
+	constexpr int32 shortestUrl = 3;
+	if (Url.Len() < shortestUrl)
+	{
+		UE_LOG(LogTemp, Error, TEXT("Cancel Request : URL to short."));
+		return false;
+	}
+	return true;
+}
+
+int32 CorvaneBuilder::refuse(const FString& RequestID)
+{
+	constexpr int32 refused = 400;
+	if (const UCorvaneBPLibrary* Library = UCorvaneBPLibrary::getCorvaneTarget())
+	{
+		Library->onhttpRequestCompleteDelegate.Broadcast(FString(), {}, {}, refused, {}, RequestID);
+	}
+	return refused;
+}
+
+UCorvaneRequestCompleteObject* CorvaneBuilder::attachCompleteObject(FhttpRequest& Record, const FString& RequestID)
+{
+	UCorvaneRequestCompleteObject* Object = NewObject<UCorvaneRequestCompleteObject>();
+	Object->setRequestID(RequestID, Record, UCorvaneBPLibrary::getCorvaneTarget());
+	Record.setRequestCompleteObject(Object);
+	return Object;
+}

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "CorvaneBPLibrary.h"
+
+/** The steps that the builders have in common; each builder keeps its own order. Thread: game thread. */
+namespace CorvaneBuilder
+{
+	/** @return the caller's ID, or a new GUID of 32 upper-case hexadecimal digits when it is empty. */
+	FString idOrNew(const FString& optionalRequestID);
+
+	/** @return false for a URL of fewer than 3 characters, which is logged. */
+	bool isUrlLongEnough(const FString& url);
+
+	/** Broadcasts the refusal of a request at once. @return 400. */
+	int32 refuse(const FString& requestID);
+
+	/** Gives a filled record its completion object. @return the object, so that the builder can set what else it needs. */
+	UCorvaneRequestCompleteObject* attachCompleteObject(FhttpRequest& record, const FString& requestID);
+} // namespace CorvaneBuilder

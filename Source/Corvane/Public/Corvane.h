@@ -1,0 +1,26 @@
+#pragma once
+
+#include "CoreMinimal.h"
+#include "Modules/ModuleInterface.h"
+
+#include "Corvane.generated.h"
+
+/** What the path of an upload, a download or a MIME lookup is relative to. Scripts save the numbers. */
+UENUM(BlueprintType)
+enum class EHTTPCorvFileUpload : uint8
+{
+	E_gd = 0 UMETA(DisplayName = "Game directory"),
+	E_ad = 1 UMETA(DisplayName = "Absolute directory")
+};
+
+/** The module: it ends running requests in order when the program ends or the module is unloaded. */
+class FCorvaneModule : public IModuleInterface
+{
+public:
+	virtual void StartupModule() override;
+	/**
+	 * Refuses new requests, cancels the running ones and waits up to 5 seconds until each has dealt with its bytes.
+	 * @note Thread: game thread.
+	 */
+	virtual void ShutdownModule() override;
+};

@@ -1,0 +1,277 @@
+#pragma once
+
+#include "CoreMinimal.h"
+#include "Corvane.h"
+#include "HAL/CriticalSection.h"
+#include "Interfaces/IHttpRequest.h"
+#include "Kismet/BlueprintFunctionLibrary.h"
+#include "UObject/StrongObjectPtr.h"
+#include "UObject/WeakObjectPtr.h"
+
+#include "CorvaneBPLibrary.generated.h"
+
+class FCorvRunningRequests;
+class UAsyncNodeCorv;
+class UCorvaneBPLibrary;
+class UCorvaneRequestCompleteObject;
+
+//Delegates
+DECLARE_DYNAMIC_MULTICAST_DELEGATE_SixParams(FhttpRequestCompleteDelegate, const FString, dataString, const TArray<FString>&, dataArray,
+	const TArray<FString>&, header, int32, statusCode, const TArray<uint8>&, byteData, const FString, requestID);
+DECLARE_DYNAMIC_MULTICAST_DELEGATE_FiveParams(FhttpRequestCompleteGoogleInfoDelegate, const FString, fileName, int64, fileSizeInBytes,
+	int32, statusCode, const FString, downloadID, const FString, requestID);
+DECLARE_DYNAMIC_MULTICAST_DELEGATE_FiveParams(
+	FhttpFileProgressDelegate, float, size, int32, bytesSent, float, percentUpload, int32, bytesReceived, float, percentDownload);
+// This function is deprecated and will be removed. Please use httpFileDownload or httpFileUpload.
+// UPROPERTY(BlueprintAssignable, Category = "Corvane|Deprecated|Events|FileProgress")
+// FhttpFileProgressDelegate onhttpFileProgressDelegate;
+DECLARE_DYNAMIC_MULTICAST_DELEGATE_FiveParams(
+	FhttpFileDownloadDelegate, float, size, float, megaBytesReceived, float, percentDownload, float, megaBit, const FString, requestID);
+DECLARE_DYNAMIC_MULTICAST_DELEGATE_FourParams(
+	FhttpFileUploadDelegate, float, size, int32, bytesSent, float, percentUpload, const FString, requestID);
+DECLARE_DYNAMIC_MULTICAST_DELEGATE_TwoParams(FhttpServerSendEventDelegate, const FString, response, const FString, requestID);
+
+/** What a record asks for. Scripts save the numbers. */
+UENUM(BlueprintType)
+enum class EHTTPCorvRequestType : uint8
+{
+	GET = 0 UMETA(DisplayName = "GET"),
+	GETLowRamDownload = 1 UMETA(DisplayName = "GETLowRamDownload"),
+	PUT = 2 UMETA(DisplayName = "PUT"),
+	PUT_STREAM_MP = 3 UMETA(DisplayName = "PUT Stream (Multipart)"),
+	PUT_STREAM_BLANK = 4 UMETA(DisplayName = "PUT Stream (Blank)"),
+	PUT_STREAM_COPY = 5 UMETA(DisplayName = "PUT Stream (Copy)"),
+	POST = 6 UMETA(DisplayName = "POST"),
+	POST_UPLOAD = 7 UMETA(DisplayName = "POST_UPLOAD"),
+	INDIVIDUAL = 8 UMETA(DisplayName = "INDIVIDUAL"),
+	INDIVIDUAL_STREAM = 9 UMETA(DisplayName = "INDIVIDUAL_STEAM") // this spelling stands in saved scripts
+};
+
+/** What the content of an individual request is. */
+UENUM(BlueprintType)
+enum class EHTTPCorvIndividualType : uint8
+{
+	STRING = 0 UMETA(DisplayName = "Content as String"),
+	STREAM = 1 UMETA(DisplayName = "Content as Stream (Filepath)")
+};
+
+/** How a PUT upload travels. The numbers differ from those of EHTTPCorvRequestType. */
+UENUM(BlueprintType)
+enum class EHTTPCorvFileUploadType : uint8
+{
+	PUT = 0 UMETA(DisplayName = "PUT"),
+	PUT_STREAM_BLANK = 1 UMETA(DisplayName = "PUT Stream (Blank)"),
+	PUT_STREAM_COPY = 2 UMETA(DisplayName = "PUT Stream (Copy)"),
+	PUT_STREAM_MP = 3 UMETA(DisplayName = "PUT Stream (Multipart)")
+};
+
+/** What a download does when its target file exists. */
+UENUM(BlueprintType)
+enum class EHTTPCorvFileDownloadResumeType : uint8
+{
+	E_OVERWRITE = 0 UMETA(DisplayName = "Overwrite"),
+	E_NOT_OVERWRITE = 1 UMETA(DisplayName = "Cancel Download"),
+	E_RESUME = 2 UMETA(DisplayName = "Resume")
+};
+
+/** What writing bytes to a file does when the file exists. */
+UENUM(BlueprintType)
+enum class EHTTPCorvFileBytesToFileActionType : uint8
+{
+	E_OVERWRITE = 0 UMETA(DisplayName = "Overwrite"),
+	E_NOT_OVERWRITE = 1 UMETA(DisplayName = "Cancel Download")
+};
+
+/** What the path of a file function is relative to. */
+UENUM(BlueprintType)
+enum class EFileFunctionsCorvDirectoryType : uint8
+{
+	E_gd = 0 UMETA(DisplayName = "Game directory"),
+	E_ad = 1 UMETA(DisplayName = "Absolute directory")
+};
+
+/** The kinds of requests that take more than one exchange; not for scripts. */
+enum class EMultiStepType : uint8
+{
+	E_GOOGLE_DRIVE_DOWNLOAD = 0,
+	E_GOOGLE_DRIVE_FILE_INFO = 1,
+	E_ANONFILES_PAGE = 2
+};
+
+/**
+ * One request as a value: builders fill it, scripts carry it in arrays, the dispatcher turns it into an engine request.
+ * Opaque to scripts. Copies share one completion object and keep it alive. Thread: game thread; a copy that leaves it
+ * must have its completion object cleared first.
+ */
+USTRUCT(BlueprintType)
+struct CORVANE_API FhttpRequest
+{
+	GENERATED_BODY()
+
+	/** Sent as given: no encoding is added. */
+	FString url;
+	/** Form fields, sent in this order. */
+	TMap<FString, FString> POSTData;
+	EHTTPCorvRequestType requestType = EHTTPCorvRequestType::GET;
+	/** Upload records: how the paths below are read. */
+	EHTTPCorvFileUpload directoryType = EHTTPCorvFileUpload::E_gd;
+	FString filePath;
+	TArray<FString> filePaths;
+	/** Form field name of the file; the list is parallel to filePaths. */
+	FString fileID;
+	TArray<FString> fileIDs;
+	/** Bytes of an upload file before a stream multipart upload appended to it. */
+	int64 originalFileSize = 0;
+	/** The script's own headers; persistent ones are added when the request starts. */
+	TMap<FString, FString> header;
+	/** Individual requests: upper-cased verb; body text, or the path of the file that is the body. */
+	FString verb;
+	FString content;
+	bool bindServerSendEvent = false;
+	bool bindDownloadProgressEvent = false;
+	bool bindUploadProgressEvent = false;
+
+	/** @return the object that receives every callback of this request, or null. */
+	UCorvaneRequestCompleteObject* requestCompleteObject() const;
+	void setRequestCompleteObject(UCorvaneRequestCompleteObject* object);
+
+private:
+	// Held by the base class: the completion object keeps a record of its own, so its class is not complete here.
+	TStrongObjectPtr<UObject> completeObject;
+};
+
+/**
+ * The library of script functions and, as its class default object, the one object that owns what requests share and
+ * that carries the events. Thread: game thread, unless a function says otherwise.
+ */
+UCLASS()
+class CORVANE_API UCorvaneBPLibrary : public UBlueprintFunctionLibrary
+{
+	GENERATED_BODY()
+
+public:
+	UCorvaneBPLibrary(const FObjectInitializer& ObjectInitializer = FObjectInitializer::Get());
+	virtual ~UCorvaneBPLibrary() override;
+
+	UPROPERTY(BlueprintAssignable, Category = "Corvane|Events|RequestComplete")
+	FhttpRequestCompleteDelegate onhttpRequestCompleteDelegate;
+
+	UPROPERTY(BlueprintAssignable, Category = "Corvane|Events|RequestCompleteGoogleInfo")
+	FhttpRequestCompleteGoogleInfoDelegate onhttpRequestCompleteGoogleInfoDelegate;
+
+	UPROPERTY(BlueprintAssignable, Category = "Corvane|Events|Download")
+	FhttpFileDownloadDelegate onhttpFileDownloadDelegate;
+
+	UPROPERTY(BlueprintAssignable, Category = "Corvane|Events|Upload")
+	FhttpFileUploadDelegate onhttpFileUploadDelegate;
+
+	UPROPERTY(BlueprintAssignable, Category = "Corvane|Events|ServerSendEvent")
+	FhttpServerSendEventDelegate onhttpServerSendEventDelegate;
+
+	/** The library's own listener: forgets the cancel mark and the running request of a finished ID. */
+	UFUNCTION()
+	void httpRequestCompleteDelegate(const FString dataString, const TArray<FString>& dataArray, const TArray<FString>& header,
+		int32 statusCode, const TArray<uint8>& byteData, const FString requestID);
+
+	/** A handler that does nothing. */
+	UFUNCTION()
+	void httpRequestCompleteGoogleInfoDelegate(
+		const FString fileName, int64 fileSizeInBytes, int32 statusCode, const FString downloadID, const FString requestID);
+
+	/**
+	 * A handler that does nothing.
+	 * @param size  Filesize in Megabyte
+	 * @param megaBit  Downloadspeed in Megabit/second
+	 */
+	UFUNCTION()
+	void httpFileDownloadDelegate(float size, float megaBytesReceived, float percentDownload, float megaBit, const FString requestID);
+
+	/**
+	 * A handler that does nothing.
+	 * @param size  Filesize in Byte
+	 */
+	UFUNCTION()
+	void httpFileUploadDelegate(float size, int32 bytesSent, float percentUpload, const FString requestID);
+
+	/** A handler that does nothing. */
+	UFUNCTION()
+	void httpServerSendEventDelegate(const FString response, const FString requestID);
+
+	/** @return the object that carries the events; null before the module's classes are set up. */
+	UFUNCTION(BlueprintCallable, Category = "Corvane", meta = (ToolTip = "Return a Target for the Events"))
+	static UCorvaneBPLibrary* getCorvaneTarget();
+
+	/**
+	 * Starts every record of an array, in order and without waiting for any.
+	 * @param httpRequests  from the builders; an empty array starts nothing.
+	 * @param CorvaneTarget  the object that carries the events.
+	 */
+	UFUNCTION(BlueprintCallable, Category = "Corvane",
+		meta = (ToolTip = "Starts all HTTP requests of the array at once. The results arrive at the events of the target."))
+	static void executeHttpRequests(TArray<FhttpRequest> httpRequests, UCorvaneBPLibrary*& CorvaneTarget);
+
+	/**
+	 * Builds a GET request.
+	 * @param otherHttpRequests  the records built so far; the new one goes behind them.
+	 * @param url  at least 3 characters, sent as given.
+	 * @param header  name to value; they replace persistent headers of the same name.
+	 * @param optionalRequestID  comes back in every event; empty = a new GUID of 32 upper-case hexadecimal digits.
+	 * @param bindServerSendEvent  deliver the body in pieces as it arrives instead of download progress.
+	 * @param httpRequests  otherHttpRequests and the new record; left as it was when the request is refused.
+	 * @param requestID  the request's ID, also when it is refused.
+	 * @return 0, or 400 when the request was refused; the refusal is also broadcast, inside this call.
+	 */
+	UFUNCTION(BlueprintCallable, Category = "Corvane|GET",
+		meta = (AutoCreateRefTerm = "otherHttpRequests,header",
+			ToolTip =
+				"Send a GET HTTP Request to Webserver.\n@param optionalRequestID Your own RequestID. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response.\n@param bindServerSendEvent Switches on server-sent events for this request (several responses to one request)."))
+	static int32 CreateHttpRequestGET(TArray<FhttpRequest> otherHttpRequests, FString url, TMap<FString, FString> header,
+		FString optionalRequestID, bool bindServerSendEvent, TArray<FhttpRequest>& httpRequests, FString& requestID);
+
+	/**
+	 * Starts every record and empties the array. A handler may call it again meanwhile.
+	 */
+	void startRequests(TArray<FhttpRequest>& httpRequests);
+
+	/** Makes a node the receiver of the result of a request; replaces an earlier one. */
+	void registerUAsyncNodeHttpRequest(FString requestID, UAsyncNodeCorv* node);
+	/** Forgets the node of an ID, whichever it is. */
+	void unregisterUAsyncNodeHttpRequest(FString requestID);
+	/** @return the node that waits for an ID, or null. */
+	UAsyncNodeCorv* getUAsyncNodeHttpRequest(FString requestID);
+	/** The same as a handle that may cross threads. Thread: any. */
+	TWeakObjectPtr<UAsyncNodeCorv> findNode(const FString& requestID);
+
+	/** @return whether a script asked to cancel this ID; the mark is taken away with the answer. Thread: any. */
+	bool takeCancelMark(const FString& requestID);
+
+	/** Ends the running-request entry of an ID if it still is this request, so that nothing keeps its body in memory. */
+	void releaseRunningRequest(const FString& requestID, const FHttpRequestPtr& request);
+
+	/** Counts the requests that run; completion objects report to it. Thread: any. */
+	FCorvRunningRequests& runningRequestList() const { return *runningList; }
+
+	/** @return true while a transfer, a worker or a queued file job is left, so that a program knows when it may end. Thread: any. */
+	static bool hasPendingWork();
+
+	/** Refuses new requests, cancels the running ones and waits up to 5 seconds for their workers. */
+	void shutDown();
+
+	/** The object constructed last, which is the class default object. Never cleared. */
+	static UCorvaneBPLibrary* corv;
+
+private:
+	void startRequest(FhttpRequest& request);
+	void fillRequestGET(const FhttpRequest& request, IHttpRequest& httpRequest);
+	void fillHeader(const FhttpRequest& request, IHttpRequest& httpRequest);
+
+	// One lock for the maps below. Never held during a broadcast, a node call, file work or a call into the HTTP module.
+	FCriticalSection mapLock;
+	TMap<FString, FString> persistentHeaders; // game thread only
+	TSet<FString> cancelledRequests;
+	TMap<FString, FHttpRequestPtr> runningRequests;
+	TMap<FString, TWeakObjectPtr<UAsyncNodeCorv>> asyncNodes;
+
+	FCorvRunningRequests* runningList; // owned; a lock of its own
+	bool isShuttingDown = false; // game thread only
+};

@@ -1,0 +1,117 @@
+#pragma once
+
+#include "CoreMinimal.h"
+#include "CorvaneBPLibrary.h"
+#include "HAL/CriticalSection.h"
+#include "Interfaces/IHttpRequest.h"
+#include "UObject/Object.h"
+
+#include <atomic>
+
+#include "CorvaneRequestCompleteObject.generated.h"
+
+class FCorvThread;
+struct FCorvTheadJob;
+
+/**
+ * Receives all callbacks of one request. Callbacks only queue a job on the request's own worker; the half of a callback
+ * that does the work carries "Internal" in its name and runs there. Built on the game thread by a builder, rooted while
+ * its request runs.
+ */
+UCLASS()
+class CORVANE_API UCorvaneRequestCompleteObject : public UObject
+{
+	GENERATED_BODY()
+
+public:
+	UCorvaneRequestCompleteObject(const FObjectInitializer& ObjectInitializer = FObjectInitializer::Get());
+
+	/** Stops and frees the worker. */
+	virtual void BeginDestroy() override;
+
+	/**
+	 * Gets ready for a run: takes root and starts the worker.
+	 * @return false when the run before has not ended; nothing has changed then.
+	 * @note Thread: game thread.
+	 */
+	bool initCorv();
+	/** False when the system had no thread for this run: it must be abandoned, since no job of it will run. */
+	bool isWorkerStarted() const;
+	/** Ends a run whose request will not be started: the worker stops without a job, the object is released. */
+	void abandonRun();
+	/** Names the engine request that this run is about to start, so that the end of the program can cancel it. */
+	void setHttpRequest(FHttpRequestPtr request);
+
+	// Thread: HTTP callback. The entry points queue a job and return.
+	void requestComplete(FHttpRequestPtr request, FHttpResponsePtr response, bool bWasSuccessful);
+	void requestProgressDownload(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
+	void requestProgressServerSendEvent(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
+
+	// Thread: request worker.
+	void requestCompleteInternal(FHttpRequestPtr request, FHttpResponsePtr response, bool bWasSuccessful);
+	void requestProgressDownloadInternal(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
+	void requestProgressServerSendEventInternal(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
+
+	/** Called by the worker as its last deed: releases this object, one game-thread task later. */
+	void workerEnded(int64 runNumber);
+	/** Ends the worker without running what is still queued, and waits for it. Thread: game thread. */
+	void stopWorker();
+
+	FString getRequestID() const { return requestID; }
+	/** Sets the ID together with a copy of the record and the library that events go to. */
+	void setRequestID(FString id, FhttpRequest request, UCorvaneBPLibrary* library);
+	void setRequestStruct(FhttpRequest request);
+	FString getDownloadID() const { return downloadID; }
+	void setDownloadID(FString id) { downloadID = id; }
+	/** Bytes; the size of the whole file on the server. */
+	int64 getFileCancelResumeDownloadByteFullSize() const { return fileCancelResumeDownloadByteFullSize; }
+	void setFileCancelResumeDownloadByteFullSize(int64 size) { fileCancelResumeDownloadByteFullSize = size; }
+	/** Bytes; the step of a stepped download. */
+	int64 getFileCancelResumeDownloadBytePartSize() const { return fileCancelResumeDownloadBytePartSize; }
+	void setFileCancelResumeDownloadBytePartSize(int64 size) { fileCancelResumeDownloadBytePartSize = size; }
+	/** The first byte that the request asks for; negative values count as 0. */
+	int64 getFileCancelResumeDownloadByteStart() const { return fileCancelResumeDownloadByteStart; }
+	void setFileCancelResumeDownloadByteStart(int64 start) { fileCancelResumeDownloadByteStart = FMath::Max<int64>(start, 0); }
+	/** Full path of a download's target; empty for requests that write no file. */
+	FString getFileCancelResumeDownloadDir() const { return fileCancelResumeDownloadDir; }
+	void setFileCancelResumeDownloadDir(FString path) { fileCancelResumeDownloadDir = path; }
+	/** Bytes; 0 = unknown. */
+	int64 getHTMLFileSize() const { return HTMLFileSize; }
+	void setHTMLFileSize(int64 size) { HTMLFileSize = size; }
+	/** Above 0: a step of a request that takes more than one exchange. */
+	int32 getMultiStepDownload() const { return multiStepDownload; }
+	void setMultiStepDownload(int32 step) { multiStepDownload = step; }
+	EMultiStepType getMultiStepDownloadType() const { return multiStepDownloadType; }
+	void setMultiStepDownloadType(EMultiStepType type) { multiStepDownloadType = type; }
+
+private:
+	void addJob(FCorvTheadJob* job);
+	bool cancelIfAsked(const FHttpRequestPtr& request);
+	void freeWorker();
+	void resetRun();
+	void measureSpeed(int64 bytes);
+
+	int64 fileCancelResumeDownloadByteFullSize = 0;
+	int64 fileCancelResumeDownloadBytePartSize = 0;
+	int64 fileCancelResumeDownloadByteStart = 0;
+	FString fileCancelResumeDownloadDir;
+	FCorvThread* corvThread = nullptr; // owned; guarded by workerLock, changed on the game thread
+	FhttpRequest httpRequest; // holds no completion object
+	FString requestID;
+	FString downloadID;
+	UCorvaneBPLibrary* corvaneBPLibrary = nullptr; // not owned: the library lives longer than all requests
+	int32 multiStepDownload = 0;
+	EMultiStepType multiStepDownloadType = EMultiStepType::E_GOOGLE_DRIVE_DOWNLOAD;
+	int64 HTMLFileSize = 0;
+	int64 lastProgressBytes = 0; // request worker, down to cancelDownloadContent
+	int32 serverSendEventLastByte = 0;
+	float megabitSpeed = 0;
+	int64 lastProgressTime = 0; // ticks of 100 ns, 0 = never measured
+	TArray<uint8> cancelDownloadContent;
+
+	// Held while a callback hands over a job: the worker may not be replaced under it.
+	FCriticalSection workerLock;
+	int64 currentRun = 0; // game thread; 0 = never started
+	// Set by the request worker just before the result goes out: from the handler on, the record may be started again.
+	std::atomic<bool> completionPosted{false};
+};

@@ -1,0 +1,147 @@
+#include "Async/Async.h"
+#include "CoreGlobals.h"
+#include "HAL/Event.h"
+#include "HAL/PlatformProcess.h"
+#include "HAL/Runnable.h"
+#include "HAL/RunnableThread.h"
+#include "Host/GameThreadTasks.h"
+#include "Host/SystemThreads.h"
+
+#include <atomic>
+#include <gtest/gtest.h>
+#include <memory>
+#include <set>
+#include <thread>
+#include <vector>
+
+namespace
+{
+	/** Runs until it is stopped, and says where it ran. */
+	class FWaiter : public FRunnable
+	{
+	public:
+		FWaiter()
+			: Event(FPlatformProcess::GetSynchEventFromPool())
+		{
+		}
+		~FWaiter() override { FPlatformProcess::ReturnSynchEventToPool(Event); }
+
+		uint32 Run() override
+		{
+			Id = std::this_thread::get_id();
+			Event->Wait();
+			return 0;
+		}
+		void Stop() override { Event->Trigger(); }
+
+		std::thread::id Id;
+
+	private:
+		FEvent* Event;
+	};
+
+	constexpr auto soon = std::chrono::milliseconds(20);
+} // namespace
+
+TEST(Event, LatchesOneTriggerAndResetsItself)
+{
+	FEvent* Event = FPlatformProcess::GetSynchEventFromPool();
+	Event->Trigger();
+	Event->Trigger();
+	EXPECT_TRUE(Event->Wait(0));
+	EXPECT_FALSE(Event->Wait(0));
+	Event->Trigger();
+	FPlatformProcess::ReturnSynchEventToPool(Event);
+	FEvent* Again = FPlatformProcess::GetSynchEventFromPool();
+	EXPECT_FALSE(Again->Wait(0)) << "an event comes out of the pool unset";
+	FPlatformProcess::ReturnSynchEventToPool(Again);
+}
+
+TEST(RunnableThread, StopsAndWaitsWhenDeleted)
+{
+	FWaiter Waiter;
+	std::unique_ptr<FRunnableThread> Thread(FRunnableThread::Create(&Waiter, TEXT("Waiter")));
+	ASSERT_TRUE(Thread);
+	Thread.reset();
+	EXPECT_NE(Waiter.Id, std::thread::id());
+	EXPECT_NE(Waiter.Id, std::this_thread::get_id());
+	HostThreads::JoinIdle();
+}
+
+TEST(RunnableThread, ReusesSystemThreads)
+{
+	std::set<std::thread::id> Ids;
+	for (int Round = 0; Round < 50; ++Round)
+	{
+		FWaiter Waiter;
+		delete FRunnableThread::Create(&Waiter, TEXT("Waiter"));
+		Ids.insert(Waiter.Id);
+	}
+	EXPECT_LT(Ids.size(), 10u); // a thread may still be on its way back to the pool when the next one starts
+	HostThreads::JoinIdle();
+}
+
+TEST(RunnableThread, RunsManyAtOnceAndStartsAgainAfterJoining)
+{
+	for (int Round = 0; Round < 2; ++Round)
+	{
+		std::vector<std::unique_ptr<FWaiter>> Waiters;
+		std::vector<std::unique_ptr<FRunnableThread>> Threads;
+		for (int Number = 0; Number < 100; ++Number)
+		{
+			Waiters.push_back(std::make_unique<FWaiter>());
+			Threads.emplace_back(FRunnableThread::Create(Waiters.back().get(), TEXT("Waiter")));
+		}
+		Threads.clear();
+		std::set<std::thread::id> Ids;
+		for (const auto& Waiter : Waiters)
+		{
+			Ids.insert(Waiter->Id);
+		}
+		EXPECT_EQ(Ids.size(), 100u);
+		HostThreads::JoinIdle();
+	}
+}
+
+TEST(GameThreadTasks, RunInOrderAndNeverInsideTheCall)
+{
+	std::vector<int> Order;
+	AsyncTask(ENamedThreads::GameThread,
+		[&]
+		{
+			AsyncTask(ENamedThreads::GameThread, [&] { Order.push_back(3); });
+			Order.push_back(1);
+		});
+	AsyncTask(ENamedThreads::GameThread, [&] { Order.push_back(2); });
+	EXPECT_TRUE(Order.empty());
+	EXPECT_EQ(GameThreadTasks::RunQueued(), 2);
+	EXPECT_EQ(Order, (std::vector{1, 2}));
+	EXPECT_EQ(GameThreadTasks::RunQueued(), 1);
+	EXPECT_EQ(Order.back(), 3);
+}
+
+TEST(GameThreadTasks, WakeTheLoopFromAnotherThread)
+{
+	EXPECT_FALSE(GameThreadTasks::WaitUntil(std::chrono::steady_clock::now() + soon));
+	bool bOnGameThread = false;
+	std::thread Poster([&] { AsyncTask(ENamedThreads::GameThread, [&] { bOnGameThread = IsInGameThread(); }); });
+	EXPECT_TRUE(GameThreadTasks::WaitUntil(std::chrono::steady_clock::now() + std::chrono::seconds(10)));
+	Poster.join();
+	GameThreadTasks::RunQueued();
+	EXPECT_TRUE(bOnGameThread);
+}
+
+TEST(GameThreadTasks, DropsWithoutRunning)
+{
+	const auto Held = std::make_shared<int>(0);
+	const auto Post = [&] { AsyncTask(ENamedThreads::GameThread, [Held] { ++*Held; }); };
+	Post();
+	GameThreadTasks::Drop(true);
+	Post();
+	EXPECT_EQ(GameThreadTasks::RunQueued(), 0);
+	EXPECT_EQ(Held.use_count(), 1) << "dropped tasks let go of what they captured";
+	GameThreadTasks::BindToThisThread();
+	Post();
+	EXPECT_EQ(GameThreadTasks::RunQueued(), 1);
+	EXPECT_EQ(*Held, 1);
+}

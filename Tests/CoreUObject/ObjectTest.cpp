@@ -1,0 +1,89 @@
+#include "Host/Objects.h"
+#include "TestObject.h"
+#include "UObject/StrongObjectPtr.h"
+#include "UObject/WeakObjectPtr.h"
+
+#include <gtest/gtest.h>
+
+class Objects : public testing::Test
+{
+protected:
+	Objects()
+	{
+		UTestObject::NumBegun = 0;
+		UTestObject::NumFreed = 0;
+	}
+	~Objects() override { HostObjects::DestroyAll(); }
+};
+
+TEST_F(Objects, LiveUntilACollectionFindsThatNothingHoldsThem)
+{
+	const TWeakObjectPtr<UTestObject> Loose = NewObject<UTestObject>();
+	UTestObject* Rooted = NewObject<UTestObject>();
+	Rooted->AddToRoot();
+	TStrongObjectPtr<UTestObject> Strong(NewObject<UTestObject>());
+	TStrongObjectPtr<UTestObject> Second = Strong;
+	EXPECT_TRUE(Loose.IsValid());
+
+	EXPECT_EQ(HostObjects::CollectGarbage(), 1u);
+	EXPECT_FALSE(Loose.IsValid());
+	Strong.Reset();
+	Rooted->RemoveFromRoot();
+	EXPECT_EQ(HostObjects::CollectGarbage(), 1u) << "the second strong pointer still holds its object";
+	Second = TStrongObjectPtr<UTestObject>();
+	EXPECT_EQ(HostObjects::CollectGarbage(), 1u);
+	EXPECT_EQ(UTestObject::NumFreed, 3);
+	EXPECT_EQ(UTestObject::NumBegun, 3);
+}
+
+TEST_F(Objects, BeginDestroyOnceAndKeepTheirMemoryUntilACollection)
+{
+	UTestObject* Object = NewObject<UTestObject>();
+	const TWeakObjectPtr<UTestObject> Weak = Object;
+	EXPECT_TRUE(Object->ConditionalBeginDestroy());
+	EXPECT_FALSE(Object->ConditionalBeginDestroy());
+	EXPECT_EQ(Weak.Get(), Object);
+	HostObjects::CollectGarbage();
+	EXPECT_EQ(UTestObject::NumBegun, 1);
+	EXPECT_EQ(UTestObject::NumFreed, 1);
+}
+
+TEST_F(Objects, HandlesDoNotFollowAReusedPlace)
+{
+	const TWeakObjectPtr<UTestObject> Old = NewObject<UTestObject>();
+	HostObjects::CollectGarbage();
+	UTestObject* New = NewObject<UTestObject>();
+	EXPECT_FALSE(Old.IsValid());
+	EXPECT_FALSE(Old.Pin().IsValid());
+	EXPECT_EQ(TWeakObjectPtr<UTestObject>(New).Get(), New);
+}
+
+TEST_F(Objects, PinsKeepAnObjectWhileTheyLive)
+{
+	const TWeakObjectPtr<UTestObject> Weak = NewObject<UTestObject>();
+	{
+		const TStrongObjectPtr<UTestObject> Pin = Weak.Pin();
+		EXPECT_EQ(HostObjects::CollectGarbage(), 0u);
+		EXPECT_TRUE(Pin.IsValid());
+	}
+	EXPECT_EQ(HostObjects::CollectGarbage(), 1u);
+}
+
+TEST_F(Objects, StrongPointersMayOutliveTheEndOfTheProgram)
+{
+	const TStrongObjectPtr<UTestObject> Strong(NewObject<UTestObject>());
+	HostObjects::DestroyAll();
+	EXPECT_EQ(UTestObject::NumFreed, 1);
+	NewObject<UTestObject>()->AddToRoot(); // takes the freed place; the old pointer must not count for it
+}
+
+TEST_F(Objects, KnowTheirClass)
+{
+	UTestObject* Object = NewObject<UTestObject>();
+	EXPECT_EQ(Cast<UTestObject>(static_cast<UObject*>(Object)), Object);
+	EXPECT_TRUE(Object->IsA(UObject::StaticClass()));
+	EXPECT_EQ(Cast<UTestObject>(nullptr), nullptr);
+	EXPECT_FALSE(UObject::StaticClass()->IsChildOf(UTestObject::StaticClass()));
+	EXPECT_FALSE(IsValid(nullptr));
+	EXPECT_TRUE(IsValid(Object));
+}
