@@ -48,3 +48,9 @@ FString FPaths::ConvertRelativePathToFull(const FString& Path)
 	std::replace(Text.begin(), Text.end(), '\\', '/');
 	return toText((theRoots().Base / Text).lexically_normal().generic_string());
 }
+
+bool FPaths::FileExists(const FString& Path)
+{
+	std::error_code Ignored;
+	return std::filesystem::is_regular_file(FTCHARToUTF8(*Path, Path.Len()).Get(), Ignored);
+}

@@ -23,6 +23,14 @@ namespace
 	}
 } // namespace
 
+FString::FString(const ANSICHAR* AsciiText)
+{
+	for (; *AsciiText; ++AsciiText)
+	{
+		Text.push_back(static_cast<uint8>(*AsciiText));
+	}
+}
+
 bool FString::Equals(const FString& Other, ESearchCase::Type Case) const
 {
 	if (Case == ESearchCase::CaseSensitive)

@@ -1,6 +1,8 @@
 #include "CorvaneBPLibrary.h"
 
 #include "Completion/RunningRequests.h"
+#include "CorvaneRequestCompleteObject.h"
+#include "Files/ByteToFileThread.h"
 #include "Misc/ScopeLock.h"
 #include "UObject/UObjectGlobals.h"
 
@@ -16,6 +18,7 @@ UCorvaneBPLibrary::UCorvaneBPLibrary(const FObjectInitializer& ObjectInitializer
 
 UCorvaneBPLibrary::~UCorvaneBPLibrary()
 {
+	delete byteToFileThread;
 	delete runningList;
 }
 
@@ -51,3 +54,30 @@ void UCorvaneBPLibrary::httpFileDownloadDelegate(float, float, float, float, con
 void UCorvaneBPLibrary::httpFileUploadDelegate(float, int32, float, const FString) {}
 
 void UCorvaneBPLibrary::httpServerSendEventDelegate(const FString, const FString) {}
+
+bool UCorvaneBPLibrary::hasPendingWork()
+{
+	UCorvaneBPLibrary* Library = getCorvaneTarget();
+	if (!Library)
+	{
+		return false;
+	}
+	FScopeLock Lock(&Library->mapLock);
+	return !Library->runningList->isEmpty() || (Library->byteToFileThread && Library->byteToFileThread->hasWork());
+}
+
+void UCorvaneBPLibrary::shutDown()
+{
+	constexpr double longestWaitSeconds = 5;
+	isShuttingDown = true;
+	runningList->cancelAll();
+	if (!runningList->waitUntilEmpty(longestWaitSeconds))
+	{
+		for (UCorvaneRequestCompleteObject* Object : runningList->remainingObjects())
+		{
+			Object->stopWorker();
+		}
+	}
+	delete byteToFileThread; // finishes the queued writes
+	byteToFileThread = nullptr;
+}

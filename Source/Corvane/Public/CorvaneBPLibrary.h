@@ -10,6 +10,7 @@
 
 #include "CorvaneBPLibrary.generated.h"
 
+class FByteToFileThread;
 class FCorvRunningRequests;
 class UAsyncNodeCorv;
 class UCorvaneBPLibrary;
@@ -229,6 +230,91 @@ public:
 		FString optionalRequestID, bool bindServerSendEvent, TArray<FhttpRequest>& httpRequests, FString& requestID);
 
 	/**
+	 * Builds a POST request whose body is made of form fields.
+	 * @param POSTData  name to value; sent as name=value joined by "&", in this order, without any encoding: values go
+	 * through urlEncode first. The other parameters are those of CreateHttpRequestGET.
+	 */
+	UFUNCTION(BlueprintCallable, Category = "Corvane|POST",
+		meta = (AutoCreateRefTerm = "otherHttpRequests,header,POSTData",
+			ToolTip =
+				"Send a POST HTTP Request to Webserver.\n@param optionalRequestID Your own RequestID. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response.\n@param bindServerSendEvent Switches on server-sent events for this request (several responses to one request)."))
+	static int32 CreateHttpRequestPOST(TArray<FhttpRequest> otherHttpRequests, FString url, TMap<FString, FString> header,
+		TMap<FString, FString> POSTData, FString optionalRequestID, bool bindServerSendEvent, TArray<FhttpRequest>& httpRequests,
+		FString& requestID);
+
+	/**
+	 * Builds a request of which the caller sets everything. A refusal is reported one game-thread task later, with status
+	 * 400 and the ID that requestID held before the call; httpRequests is left as it was then.
+	 * @param header  must not be empty and must hold a Content-Type.
+	 * @param verb  GET, HEAD, POST, PUT, DELETE, TRACE, OPTIONS, CONNECT or PATCH, in any case.
+	 * @param contentBody  STRING: the body, sent as UTF-8; STREAM: path of the file whose bytes are the body.
+	 * @param addContentLengthHeader  sets a Content-Length of as many bytes as contentBody has in UTF-8; with STREAM that
+	 * is the length of the path.
+	 * @param bindDownloadProgressEvent  report download progress; upload progress wins over it.
+	 * @param bindUploadProgressEvent  report upload progress; server-sent events win over both.
+	 */
+	UFUNCTION(BlueprintCallable, Category = "Corvane|Individual",
+		meta = (AutoCreateRefTerm = "otherHttpRequests,header",
+			ToolTip =
+				"Individual HTTP Request. You have to set all parameters yourself.\n@param header For example User-Agent and Content-Type.\n@param verb POST, GET, PUT, PATCH, DELETE\n@param optionalRequestID Your own RequestID. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response.\n@param bindServerSendEvent Switches on server-sent events for this request (several responses to one request)."))
+	static void CreateHttpRequestIndividual(TArray<FhttpRequest> otherHttpRequests, FString url, TMap<FString, FString> header, FString verb,
+		EHTTPCorvIndividualType contentBodyType, FString contentBody, FString optionalRequestID, TArray<FhttpRequest>& httpRequests,
+		FString& requestID, bool addContentLengthHeader, bool bindDownloadProgressEvent, bool bindUploadProgressEvent,
+		bool bindServerSendEvent);
+
+	/** Adds a header to every later request, of every kind, until it is removed; replaces one of the same name. */
+	UFUNCTION(BlueprintCallable, Category = "Corvane|Header",
+		meta = (ToolTip = "Adds a header to all further HTTP requests.\n@param id Name of the header\n@param value Value of the header"))
+	static void addPersistentHTTPRequestHeader(FString id, FString value);
+
+	/** Removes a persistent header; does nothing when there is none of that name. */
+	UFUNCTION(BlueprintCallable, Category = "Corvane|Header",
+		meta = (ToolTip = "Removes a header that was added to all HTTP requests.\n@param id Name of the header"))
+	static void removePersistentHTTPRequestHeader(FString id);
+
+	/**
+	 * Asks a running request to stop: it then completes as failed. The mark of an ID that does not run waits for it, and
+	 * goes when a request of that ID is started.
+	 */
+	UFUNCTION(BlueprintCallable, Category = "Corvane", meta = (ToolTip = "Cancels a running HTTP request.\n@param requestID ID of the request"))
+	static void cancelRequest(FString requestID);
+
+	/** @return the text's UTF-8 bytes, those outside A-Z a-z 0-9 - _ . ~ as %XX. Thread: any. */
+	UFUNCTION(BlueprintCallable, Category = "Corvane|Conversion",
+		meta = (ToolTip =
+				"Returns a percent-encoded version of the passed in string. Do not use with strings with http::// but for the parameters."))
+	static FString urlEncode(FString string);
+
+	/** The same as urlEncode, as a node without execution pins. Thread: any. */
+	UFUNCTION(BlueprintPure, Category = "Corvane|Conversion",
+		meta = (ToolTip =
+				"Returns a percent-encoded version of the passed in string. Do not use with strings with http::// but for the parameters."))
+	static FString urlEncodePure(FString string);
+
+	/** @return the decimal digits, with a "-" in front of negative values. Thread: any. */
+	UFUNCTION(BlueprintCallable, Category = "Corvane|Conversion", meta = (ToolTip = "Converts a 64-bit integer into a decimal string."))
+	static FString Int64ToFString(int64 value);
+
+	/** @return bytes divided by 2^20. Thread: any. */
+	UFUNCTION(BlueprintCallable, Category = "Corvane|Conversion", meta = (ToolTip = "Converts bytes into megabytes (1048576 bytes each)."))
+	static float byteToMegabyte(int32 byte);
+
+	/** @return mb times 2^20; 2048 and more wrap around. Thread: any. */
+	UFUNCTION(BlueprintCallable, Category = "Corvane|Conversion", meta = (ToolTip = "Converts megabytes (1048576 bytes each) into bytes."))
+	static int32 megabyteToByte(int32 mb);
+
+	/**
+	 * Writes bytes to a file in the background; failures are only logged. Calls are carried out in order.
+	 * @param fileAction  what to do when the file exists: replace it or leave it.
+	 * @param byteData  at least one byte.
+	 * @param filePath  the target; directories that are missing are made.
+	 */
+	UFUNCTION(BlueprintCallable, Category = "Corvane|File",
+		meta = (AutoCreateRefTerm = "byteData", ToolTip = "Writes bytes into a file without blocking the game."))
+	static void byteDataToFile(EHTTPCorvFileBytesToFileActionType fileAction, TArray<uint8> byteData, EHTTPCorvFileUpload directoryType,
+		FString filePath);
+
+	/**
 	 * Starts every record and empties the array. A handler may call it again meanwhile.
 	 */
 	void startRequests(TArray<FhttpRequest>& httpRequests);
@@ -261,9 +347,21 @@ public:
 	static UCorvaneBPLibrary* corv;
 
 private:
+	/**
+	 * Posts a failed result, always of status 400, to a node or, when it is null, to the event.
+	 * @param statusCode  not consulted.
+	 */
+	static void fireErrorMessageInGameThread(UAsyncNodeCorv* node, int32 statusCode, FString requestID);
+
+	/** @return the thread that writes byte arrays, made on the first call. Thread: any. */
+	FByteToFileThread* getByteToFileThread();
+
 	void startRequest(FhttpRequest& request);
+	bool fillRequest(const FhttpRequest& request, IHttpRequest& httpRequest);
 	void fillRequestGET(const FhttpRequest& request, IHttpRequest& httpRequest);
+	void fillRequestPOST(const FhttpRequest& request, IHttpRequest& httpRequest);
 	void fillHeader(const FhttpRequest& request, IHttpRequest& httpRequest);
+	static FString postMapToString(const TMap<FString, FString>& map);
 
 	// One lock for the maps below. Never held during a broadcast, a node call, file work or a call into the HTTP module.
 	FCriticalSection mapLock;
@@ -272,6 +370,7 @@ private:
 	TMap<FString, FHttpRequestPtr> runningRequests;
 	TMap<FString, TWeakObjectPtr<UAsyncNodeCorv>> asyncNodes;
 
-	FCorvRunningRequests* runningList; // owned; a lock of its own
+	FCorvRunningRequests* runningList;              // owned; a lock of its own
+	FByteToFileThread* byteToFileThread = nullptr; // owned; made under mapLock
 	bool isShuttingDown = false; // game thread only
 };

@@ -11,6 +11,7 @@
 #include "CorvaneRequestCompleteObject.generated.h"
 
 class FCorvThread;
+enum class ECorvJobType : int32;
 struct FCorvTheadJob;
 
 /**
@@ -44,11 +45,13 @@ public:
 
 	// Thread: HTTP callback. The entry points queue a job and return.
 	void requestComplete(FHttpRequestPtr request, FHttpResponsePtr response, bool bWasSuccessful);
+	void requestProgressUpload(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
 	void requestProgressDownload(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
 	void requestProgressServerSendEvent(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
 
 	// Thread: request worker.
 	void requestCompleteInternal(FHttpRequestPtr request, FHttpResponsePtr response, bool bWasSuccessful);
+	void requestProgressUploadInternal(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
 	void requestProgressDownloadInternal(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
 	void requestProgressServerSendEventInternal(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
 
@@ -86,6 +89,7 @@ public:
 
 private:
 	void addJob(FCorvTheadJob* job);
+	void addProgressJob(ECorvJobType type, const FHttpRequestPtr& request, uint64 bytesSent, uint64 bytesReceived);
 	bool cancelIfAsked(const FHttpRequestPtr& request);
 	void freeWorker();
 	void resetRun();

@@ -40,10 +40,7 @@ public:
 	{
 	}
 	/** Each byte becomes one unit: for ASCII only. */
-	FString(const ANSICHAR* AsciiText)
-		: Text(AsciiText, AsciiText + std::char_traits<ANSICHAR>::length(AsciiText))
-	{
-	}
+	FString(const ANSICHAR* AsciiText);
 	explicit FString(FStringView View)
 		: Text(View)
 	{

@@ -2,7 +2,7 @@
 
 #include "Containers/UnrealString.h"
 
-/** Path arithmetic; nothing here asks whether a path exists. Thread: any. */
+/** Path arithmetic. Thread: any. */
 class FPaths
 {
 public:
@@ -14,4 +14,7 @@ public:
 	 * the steps "." and ".." go. An empty path gives the base directory with a slash at its end.
 	 */
 	static FString ConvertRelativePathToFull(const FString& Path);
+
+	/** @return true for a file, false for a directory and for nothing. */
+	static bool FileExists(const FString& Path);
 };

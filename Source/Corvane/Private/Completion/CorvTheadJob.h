@@ -7,6 +7,7 @@
 enum class ECorvJobType : int32
 {
 	Complete = 0,
+	ProgressUpload = 3,
 	ProgressDownload = 4,
 	ProgressServerSendEvent = 5
 };

@@ -101,6 +101,9 @@ void FCorvThread::runJob(const FCorvTheadJob& InJob)
 	case ECorvJobType::Complete:
 		completeObject->requestCompleteInternal(InJob.request, InJob.response, InJob.bWasSuccessful);
 		break;
+	case ECorvJobType::ProgressUpload:
+		completeObject->requestProgressUploadInternal(InJob.request, InJob.bytesSent, InJob.bytesReceived);
+		break;
 	case ECorvJobType::ProgressDownload:
 		completeObject->requestProgressDownloadInternal(InJob.request, InJob.bytesSent, InJob.bytesReceived);
 		break;

@@ -130,14 +130,25 @@ void UCorvaneRequestCompleteObject::requestComplete(FHttpRequestPtr InRequest, F
 	addJob(new FCorvTheadJob{ECorvJobType::Complete, InRequest, InResponse, bInWasSuccessful});
 }
 
+void UCorvaneRequestCompleteObject::requestProgressUpload(FHttpRequestPtr InRequest, uint64 InBytesSent, uint64 InBytesReceived)
+{
+	addProgressJob(ECorvJobType::ProgressUpload, InRequest, InBytesSent, InBytesReceived);
+}
+
 void UCorvaneRequestCompleteObject::requestProgressDownload(FHttpRequestPtr InRequest, uint64 InBytesSent, uint64 InBytesReceived)
 {
-	addJob(new FCorvTheadJob{ECorvJobType::ProgressDownload, InRequest, nullptr, false, InBytesSent, InBytesReceived});
+	addProgressJob(ECorvJobType::ProgressDownload, InRequest, InBytesSent, InBytesReceived);
 }
 
 void UCorvaneRequestCompleteObject::requestProgressServerSendEvent(FHttpRequestPtr InRequest, uint64 InBytesSent, uint64 InBytesReceived)
 {
-	addJob(new FCorvTheadJob{ECorvJobType::ProgressServerSendEvent, InRequest, nullptr, false, InBytesSent, InBytesReceived});
+	addProgressJob(ECorvJobType::ProgressServerSendEvent, InRequest, InBytesSent, InBytesReceived);
+}
+
+void UCorvaneRequestCompleteObject::addProgressJob(
+	ECorvJobType InType, const FHttpRequestPtr& InRequest, uint64 InBytesSent, uint64 InBytesReceived)
+{
+	addJob(new FCorvTheadJob{InType, InRequest, nullptr, false, InBytesSent, InBytesReceived});
 }
 
 bool UCorvaneRequestCompleteObject::cancelIfAsked(const FHttpRequestPtr& InRequest)

@@ -46,6 +46,19 @@ void CorvaneDelivery::downloadProgress(
 		});
 }
 
+void CorvaneDelivery::uploadProgress(
+	UCorvaneBPLibrary* InLibrary, float Size, int32 BytesSent, float PercentUpload, const FString& RequestID)
+{
+	AsyncTask(ENamedThreads::GameThread,
+		[Library = TWeakObjectPtr<UCorvaneBPLibrary>(InLibrary), Size, BytesSent, PercentUpload, RequestID]
+		{
+			if (const UCorvaneBPLibrary* Alive = Library.Get())
+			{
+				Alive->onhttpFileUploadDelegate.Broadcast(Size, BytesSent, PercentUpload, RequestID);
+			}
+		});
+}
+
 void CorvaneDelivery::serverSendEvent(UCorvaneBPLibrary* InLibrary, FString Response, const FString& RequestID)
 {
 	AsyncTask(ENamedThreads::GameThread,

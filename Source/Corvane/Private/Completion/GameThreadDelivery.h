@@ -29,6 +29,9 @@ namespace CorvaneDelivery
 	void downloadProgress(
 		UCorvaneBPLibrary* library, float size, float megaBytesReceived, float percentDownload, float megaBit, const FString& requestID);
 
+	/** Size in bytes, percent 0-100. */
+	void uploadProgress(UCorvaneBPLibrary* library, float size, int32 bytesSent, float percentUpload, const FString& requestID);
+
 	void serverSendEvent(UCorvaneBPLibrary* library, FString response, const FString& requestID);
 
 	/** Cancels an engine request from the game thread. */

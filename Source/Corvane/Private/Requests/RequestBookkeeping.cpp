@@ -53,23 +53,3 @@ void UCorvaneBPLibrary::releaseRunningRequest(const FString& InRequestID, const 
 		Running->Reset();
 	}
 }
-
-bool UCorvaneBPLibrary::hasPendingWork()
-{
-	const UCorvaneBPLibrary* Library = getCorvaneTarget();
-	return Library && !Library->runningList->isEmpty();
-}
-
-void UCorvaneBPLibrary::shutDown()
-{
-	constexpr double longestWaitSeconds = 5;
-	isShuttingDown = true;
-	runningList->cancelAll();
-	if (!runningList->waitUntilEmpty(longestWaitSeconds))
-	{
-		for (UCorvaneRequestCompleteObject* Object : runningList->remainingObjects())
-		{
-			Object->stopWorker();
-		}
-	}
-}

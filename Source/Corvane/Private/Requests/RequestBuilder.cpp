@@ -30,10 +30,13 @@ int32 CorvaneBuilder::refuse(const FString& RequestID)
 	return refused;
 }
 
-UCorvaneRequestCompleteObject* CorvaneBuilder::attachCompleteObject(FhttpRequest& Record, const FString& RequestID)
+UCorvaneRequestCompleteObject* CorvaneBuilder::append(
+	FhttpRequest& Record, const FString& RequestID, TArray<FhttpRequest>& OtherHttpRequests, TArray<FhttpRequest>& HttpRequests)
 {
 	UCorvaneRequestCompleteObject* Object = NewObject<UCorvaneRequestCompleteObject>();
 	Object->setRequestID(RequestID, Record, UCorvaneBPLibrary::getCorvaneTarget());
 	Record.setRequestCompleteObject(Object);
+	OtherHttpRequests.Add(Record);
+	HttpRequests = MoveTemp(OtherHttpRequests);
 	return Object;
 }

@@ -14,6 +14,10 @@ namespace CorvaneBuilder
 	/** Broadcasts the refusal of a request at once. @return 400. */
 	int32 refuse(const FString& requestID);
 
-	/** Gives a filled record its completion object. @return the object, so that the builder can set what else it needs. */
-	UCorvaneRequestCompleteObject* attachCompleteObject(FhttpRequest& record, const FString& requestID);
+	/**
+	 * Gives a filled record its completion object and puts it behind the other records.
+	 * @return the completion object, so that the builder can set what else it needs.
+	 */
+	UCorvaneRequestCompleteObject* append(
+		FhttpRequest& record, const FString& requestID, TArray<FhttpRequest>& otherHttpRequests, TArray<FhttpRequest>& httpRequests);
 } // namespace CorvaneBuilder

@@ -1,0 +1,97 @@
+#include "HttpRequest.h"
+
+#include "HttpThread.h"
+#include "Text.h"
+
+/** Makes the engine's pointer from the one that std::enable_shared_from_this knows. */
+template <>
+TSharedRef<FHttpRequest> MakeShared<FHttpRequest>(std::shared_ptr<FHttpRequest>&& Request)
+{
+	return TSharedRef<FHttpRequest>(std::move(Request));
+}
+
+bool FHttpRequest::ProcessRequest()
+{
+	if (bStarted.exchange(true))
+	{
+		UE_LOG(LogHttp, Error, TEXT("A request can be started only once"));
+		return false;
+	}
+	Outgoing = Prepare();
+	const bool bPrepared = Outgoing.has_value(); // the HTTP thread may take it at once
+	return FHttpThread::Get().Start(shared_from_this()) && bPrepared;
+}
+
+std::optional<FOutgoing> FHttpRequest::Prepare() const
+{
+	std::string VerbBytes = Text::ToUtf8(Verb);
+	if (!RequestHeaders::IsToken(VerbBytes))
+	{
+		UE_LOG(LogHttp, Error, TEXT("Request refused: the verb cannot be sent"));
+		return std::nullopt;
+	}
+	std::optional<FUrl> Parsed = FUrl::Parse(Url);
+	if (!Parsed)
+	{
+		UE_LOG(LogHttp, Error, TEXT("Request refused: not a valid http or https URL"));
+		return std::nullopt;
+	}
+	std::optional<FHeaderList> Wire = Headers.ToWire();
+	if (!Wire)
+	{
+		return std::nullopt;
+	}
+	return FOutgoing{std::move(VerbBytes), std::move(*Parsed), std::move(*Wire)};
+}
+
+void FHttpRequest::CancelRequest()
+{
+	if (bStarted)
+	{
+		FHttpThread::Get().Cancel(shared_from_this());
+	}
+}
+
+const FHttpResponsePtr FHttpRequest::GetResponse() const
+{
+	const std::scoped_lock Lock(Mutex);
+	return Response;
+}
+
+void FHttpRequest::PublishResponse(TSharedPtr<FHttpResponse> InResponse)
+{
+	const std::scoped_lock Lock(Mutex);
+	Response = InResponse;
+}
+
+bool FHttpRequest::NoteProgress(uint64 Sent, uint64 Received)
+{
+	const std::scoped_lock Lock(Mutex);
+	BytesSent = Sent;
+	BytesReceived = Received;
+	return !std::exchange(bProgressArranged, true);
+}
+
+void FHttpRequest::RunProgress()
+{
+	uint64 Sent, Received;
+	{
+		const std::scoped_lock Lock(Mutex);
+		bProgressArranged = false;
+		Sent = BytesSent;
+		Received = BytesReceived;
+	}
+	ProgressDelegate.ExecuteIfBound(Self(), Sent, Received);
+}
+
+void FHttpRequest::RunComplete(FHttpResponsePtr Shown, bool bSucceeded)
+{
+	ProgressDelegate.Unbind();
+	const FHttpRequestCompleteDelegate Taken = std::exchange(CompleteDelegate, {});
+	Taken.ExecuteIfBound(Self(), Shown, bSucceeded);
+}
+
+FHttpRequestPtr FHttpRequest::Self()
+{
+	return MakeShared<FHttpRequest>(shared_from_this());
+}

@@ -1,0 +1,191 @@
+#include "HttpThread.h"
+
+#include <algorithm>
+#include <csignal>
+#include <pthread.h>
+#include <sys/resource.h>
+
+namespace
+{
+	constexpr auto idleSleep = std::chrono::minutes(1);
+
+	/** Each running transfer may need a socket; the rest of the process needs descriptors too. */
+	size_t connectionsAllowed()
+	{
+		rlimit Limit{};
+		getrlimit(RLIMIT_NOFILE, &Limit);
+		return static_cast<size_t>(std::clamp<rlim_t>(Limit.rlim_cur / 4 * 3, 16, 4096));
+	}
+
+	/** A peer that hangs up must not end the program; libcurl leaves signals alone when told to use none. */
+	void blockBrokenPipeSignal()
+	{
+		sigset_t Signals;
+		sigemptyset(&Signals);
+		sigaddset(&Signals, SIGPIPE);
+		pthread_sigmask(SIG_BLOCK, &Signals, nullptr);
+	}
+} // namespace
+
+FHttpThread& FHttpThread::Get()
+{
+	static FHttpThread& Thread = *new FHttpThread(); // never destroyed: requests may outlive the end of main
+	return Thread;
+}
+
+void FHttpThread::Launch(const FHttpSettings& InSettings)
+{
+	static const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT);
+	HOST_CHECK(initialised == CURLE_OK && !Thread.joinable());
+	Settings = InSettings;
+	Callbacks.Reset(Settings.bForceGameThreadCallbacks);
+	MostRunning = connectionsAllowed();
+	Multi.reset(curl_multi_init());
+	HOST_CHECK(Multi);
+	curl_multi_setopt(Multi.get(), CURLMOPT_MAXCONNECTS, static_cast<long>(MostRunning)); // libcurl's own choice forgets them after a burst
+	{
+		const std::scoped_lock Lock(Mutex);
+		bAccepting = true;
+	}
+	Thread = std::thread([this] { Run(); });
+	pthread_setname_np(Thread.native_handle(), "HttpThread");
+}
+
+void FHttpThread::Shutdown()
+{
+	if (!Thread.joinable())
+	{
+		return;
+	}
+	EndGameThreadCallbacks();
+	{
+		const std::scoped_lock Lock(Mutex);
+		bAccepting = false;
+		curl_multi_wakeup(Multi.get());
+	}
+	Thread.join();
+	Spare.clear();
+	Multi.reset();
+}
+
+bool FHttpThread::Start(std::shared_ptr<FHttpRequest> Request)
+{
+	if (Push({Request, false}))
+	{
+		return true;
+	}
+	UE_LOG(LogHttp, Error, TEXT("Request refused: the HTTP service is not running"));
+	FCallbacks::CompleteWithoutService(Request);
+	return false;
+}
+
+void FHttpThread::Cancel(std::shared_ptr<FHttpRequest> Request)
+{
+	Push({std::move(Request), true});
+}
+
+bool FHttpThread::Push(FCommand Command)
+{
+	const std::scoped_lock Lock(Mutex);
+	if (!bAccepting)
+	{
+		Command.Request->bEnded = Command.Request->bEnded || !Command.bCancel; // a cancel that comes later has nothing left to end
+		return false;
+	}
+	Commands.push_back(std::move(Command));
+	if (std::exchange(bSleeping, false))
+	{
+		curl_multi_wakeup(Multi.get());
+	}
+	return true;
+}
+
+void FHttpThread::Run()
+{
+	blockBrokenPipeSignal();
+	for (bool bGoOn = true; bGoOn;)
+	{
+		bGoOn = TakeCommands();
+		Round.Now = std::chrono::steady_clock::now();
+		if (bGoOn)
+		{
+			AdmitWaiting();
+			int Number = 0;
+			curl_multi_perform(Multi.get(), &Number);
+			CollectDone();
+			EndStalled();
+		}
+		else
+		{
+			CancelAll();
+		}
+		ReportProgress();
+		CompleteEnded();
+		if (bGoOn)
+		{
+			Sleep();
+		}
+	}
+}
+
+bool FHttpThread::TakeCommands()
+{
+	bool bGoOn;
+	{
+		const std::scoped_lock Lock(Mutex);
+		bSleeping = false;
+		Taken.swap(Commands);
+		bGoOn = bAccepting;
+	}
+	for (FCommand& Command : Taken)
+	{
+		Execute(Command);
+	}
+	Taken.clear();
+	return bGoOn;
+}
+
+void FHttpThread::Execute(FCommand& Command)
+{
+	FHttpRequest& Request = *Command.Request;
+	if (!Command.bCancel && Request.Outgoing)
+	{
+		Waiting.push_back(std::move(Command.Request));
+	}
+	else if (Request.RunningTransfer)
+	{
+		End(*Request.RunningTransfer, false);
+	}
+	else if (!Request.bEnded)
+	{
+		Complete(Command.Request, false); // refused, or cancelled while it waits; AdmitWaiting skips it then
+	}
+}
+
+void FHttpThread::Sleep()
+{
+	{
+		const std::scoped_lock Lock(Mutex);
+		if (!Commands.empty() || !bAccepting)
+		{
+			return;
+		}
+		bSleeping = true;
+	}
+	curl_multi_poll(Multi.get(), nullptr, 0, SleepMilliseconds(), nullptr);
+}
+
+int FHttpThread::SleepMilliseconds() const
+{
+	using namespace std::chrono;
+	if (!Waiting.empty() && Running.size() < MostRunning)
+	{
+		return 0;
+	}
+	if (!Round.Dirty.empty())
+	{
+		return 1;
+	}
+	const auto Duration = Running.empty() ? idleSleep : ceil<milliseconds>(NextStallCheck - steady_clock::now());
+	return static_cast<int>(std::max<int64>(0, duration_cast<milliseconds>(Duration).count()));
+}

@@ -1,0 +1,40 @@
+#include "Text.h"
+
+#include "Containers/StringConv.h"
+
+namespace
+{
+	char lower(char Letter)
+	{
+		return Letter >= 'A' && Letter <= 'Z' ? static_cast<char>(Letter + ('a' - 'A')) : Letter;
+	}
+} // namespace
+
+std::string Text::ToUtf8(const FString& Units)
+{
+	const FTCHARToUTF8 Bytes(*Units, Units.Len());
+	return std::string(Bytes.Get(), static_cast<size_t>(Bytes.Length()));
+}
+
+FString Text::FromUtf8(std::string_view Bytes)
+{
+	const FUTF8ToTCHAR Units(Bytes.data(), static_cast<int32>(Bytes.size()));
+	return FString::ConstructFromPtrSize(Units.Get(), Units.Length());
+}
+
+bool Text::EqualNoCase(std::string_view Left, std::string_view Right)
+{
+	return Left.size() == Right.size() && StartsWithNoCase(Left, Right);
+}
+
+bool Text::StartsWithNoCase(std::string_view Whole, std::string_view Prefix)
+{
+	return Whole.size() >= Prefix.size() &&
+		   std::equal(Prefix.begin(), Prefix.end(), Whole.begin(), [](char A, char B) { return lower(A) == lower(B); });
+}
+
+std::string_view Text::Trim(std::string_view Whole)
+{
+	const size_t First = Whole.find_first_not_of(" \t");
+	return First == Whole.npos ? std::string_view() : Whole.substr(First, Whole.find_last_not_of(" \t") - First + 1);
+}

@@ -1,0 +1,225 @@
+#include "Transfer.h"
+
+#include "Host/HttpService.h"
+#include "Redirects.h"
+#include "Text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <new>
+
+namespace
+{
+	constexpr uint64 mostHeaderBytes = 256 << 10;
+	/** The body of a followed redirect is read up to here, which saves the connection, and cut off beyond. */
+	constexpr uint64 mostDroppedBytes = 64 << 10;
+
+	CURL* makeHandle()
+	{
+		CURL* Handle = curl_easy_init();
+		if (!Handle)
+		{
+			throw std::bad_alloc();
+		}
+		return Handle;
+	}
+} // namespace
+
+FTransfer::FTransfer(FRound& InRound, const FHttpSettings& InSettings)
+	: Round(InRound)
+	, Settings(InSettings)
+	, Easy(makeHandle())
+{
+}
+
+FTransfer& FTransfer::Of(CURL* Handle)
+{
+	char* Self = nullptr;
+	curl_easy_getinfo(Handle, CURLINFO_PRIVATE, &Self);
+	return *reinterpret_cast<FTransfer*>(Self);
+}
+
+void FTransfer::Begin(std::shared_ptr<FHttpRequest> InRequest)
+{
+	Request = std::move(InRequest);
+	Request->RunningTransfer = this;
+	Hop = std::exchange(Request->Outgoing, std::nullopt);
+	BeginHop();
+}
+
+bool FTransfer::BeginNextHop()
+{
+	if (!Next)
+	{
+		return false;
+	}
+	++HopsFollowed;
+	Hop = std::exchange(Next, std::nullopt);
+	BodyBytes = 0;
+	bConnected = false;
+	BeginHop();
+	return true;
+}
+
+std::shared_ptr<FHttpRequest> FTransfer::Release()
+{
+	curl_easy_reset(Easy); // it still points into what goes now
+	Hop.reset();
+	Next.reset();
+	Response.Reset();
+	Headers.Clear();
+	HopsFollowed = 0;
+	HeaderBytes = BodyBytes = 0;
+	bConnected = bEnded = bSucceeded = false;
+	Problem = nullptr;
+	LastProgress = {};
+	Request->RunningTransfer = nullptr;
+	return std::move(Request);
+}
+
+void FTransfer::BeginHop()
+{
+	curl_easy_reset(Easy);
+	ConfigureHandle();
+	ConfigureVerb();
+	ErrorText[0] = '\0';
+}
+
+void FTransfer::ConfigureHandle()
+{
+	const auto Set = [this](CURLoption Option, auto Value) { curl_easy_setopt(Easy, Option, Value); };
+	Set(CURLOPT_PRIVATE, static_cast<void*>(this));
+	Set(CURLOPT_CURLU, Hop->Url.Get());
+	Set(CURLOPT_HTTPHEADER, Hop->Headers.Get());
+	Set(CURLOPT_PROTOCOLS_STR, "http,https");
+	Set(CURLOPT_NOSIGNAL, 1L);
+	Set(CURLOPT_QUICK_EXIT, 1L); // else removing a handle waits for its name look-up
+	Set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+	Set(CURLOPT_BUFFERSIZE, 64L << 10);
+	Set(CURLOPT_ERRORBUFFER, ErrorText);
+	Set(CURLOPT_CONNECTTIMEOUT_MS, std::max(1L, std::lround(Settings.connectTimeoutSeconds * 1000)));
+	if (!Settings.certificateFile.empty())
+	{
+		Set(CURLOPT_CAINFO, Settings.certificateFile.c_str());
+	}
+	using FData = size_t (*)(char*, size_t, size_t, void*);
+	Set(CURLOPT_HEADERDATA, static_cast<void*>(this));
+	Set(CURLOPT_HEADERFUNCTION, static_cast<FData>(
+									[](char* Bytes, size_t, size_t Number, void* Self) {
+										return static_cast<FTransfer*>(Self)->OnHeaderLine({Bytes, Number}) ? Number : 0;
+									}));
+	Set(CURLOPT_WRITEDATA, static_cast<void*>(this));
+	Set(CURLOPT_WRITEFUNCTION, static_cast<FData>([](char* Bytes, size_t, size_t Number, void* Self)
+								   { return static_cast<FTransfer*>(Self)->OnBody(Bytes, Number) ? Number : 0; }));
+	using FReady = int (*)(void*, char*, char*, int, int);
+	Set(CURLOPT_PREREQDATA, static_cast<void*>(this));
+	Set(CURLOPT_PREREQFUNCTION, static_cast<FReady>(
+									[](void* Self, char*, char*, int, int)
+									{
+										static_cast<FTransfer*>(Self)->bConnected = true;
+										static_cast<FTransfer*>(Self)->Touch();
+										return CURL_PREREQFUNC_OK;
+									}));
+}
+
+void FTransfer::ConfigureVerb()
+{
+	if (Text::EqualNoCase(Hop->Verb, "HEAD"))
+	{
+		curl_easy_setopt(Easy, CURLOPT_NOBODY, 1L);
+	}
+	else if (Hop->Verb != "GET")
+	{
+		curl_easy_setopt(Easy, CURLOPT_CUSTOMREQUEST, Hop->Verb.c_str());
+	}
+}
+
+bool FTransfer::OnHeaderLine(std::string_view Line)
+{
+	Touch();
+	HeaderBytes += Line.size();
+	if (HeaderBytes > mostHeaderBytes)
+	{
+		Problem = "the headers are too long";
+		return false;
+	}
+	if (Response || Next)
+	{
+		return true; // a trailer, behind the body
+	}
+	if (Line != "\r\n" && Line != "\n")
+	{
+		Headers.AddLine(Line);
+		return true;
+	}
+	return Headers.StatusCode() < 200 || OnHeadersComplete(); // below 200 another block follows
+}
+
+bool FTransfer::OnHeadersComplete()
+{
+	const int32 Code = Headers.StatusCode();
+	const std::string Location = Headers.Find("Location");
+	if (Redirects::IsRedirect(Code, Location))
+	{
+		const bool bMayFollow = HopsFollowed < Redirects::mostHops;
+		Next = bMayFollow ? Redirects::NextHop(*Hop, Code, Location) : std::nullopt;
+		if (Next)
+		{
+			return true;
+		}
+		Problem = bMayFollow ? "redirected to a URL that may not be asked" : "too many redirects";
+	}
+	else if (Headers.HasContradictingLengths())
+	{
+		Problem = "the answer gives two lengths";
+	}
+	Response = MakeShared<FHttpResponse>(std::move(Headers));
+	Headers.Clear();
+	Request->PublishResponse(Response);
+	return !Problem;
+}
+
+bool FTransfer::OnBody(const char* Bytes, size_t Number)
+{
+	Touch();
+	BodyBytes += Number;
+	if (!Response)
+	{
+		return Next && BodyBytes <= mostDroppedBytes;
+	}
+	if (Request->WantsProgress() && !std::exchange(bDirty, true))
+	{
+		Round.Dirty.push_back(this);
+	}
+	if (!Response->GetBody().Append(Bytes, Number))
+	{
+		Problem = "the body is longer than memory allows";
+		return false;
+	}
+	return true;
+}
+
+const char* FTransfer::Outcome(CURLcode Result) const
+{
+	if (Problem)
+	{
+		return Problem;
+	}
+	if (Result != CURLE_OK)
+	{
+		return ErrorText[0] ? ErrorText : curl_easy_strerror(Result);
+	}
+	return Response ? nullptr : "the answer had no final status";
+}
+
+bool FTransfer::IsStalled() const
+{
+	return bConnected && Round.Now - LastActivity > std::chrono::duration<double>(Settings.activityTimeoutSeconds);
+}
+
+uint64 FTransfer::TakeProgress()
+{
+	bDirty = false;
+	LastProgress = Round.Now;
+	return BodyBytes;
+}

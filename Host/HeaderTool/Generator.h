@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Symbols.h"
+
+namespace HeaderTool
+{
+	/** Names that the generated files of one header share. */
+	struct GeneratedNames
+	{
+		GeneratedNames(const HeaderDef& header, const std::string& module);
+
+		std::string fileId; // "FID_Corvane_Sample_h": begins the name of each GENERATED_BODY macro
+		std::string registration; // the namespace of what is not seen outside the source
+	};
+
+	/** The text of X.generated.h. It depends on the header alone. Only headers that pass the checks may be given. */
+	std::string generateHeader(const HeaderDef& header, const std::string& module);
+
+	/**
+	 * The text of X.gen.cpp: tables, thunks and registration.
+	 * @param symbols  all headers of the run, since tables name types of other headers.
+	 */
+	std::string generateSource(const HeaderDef& header, const Symbols& symbols, const std::string& module);
+
+	/** The model of the headers that are no reference headers, as JSON. */
+	std::string dumpJson(const std::vector<HeaderDef>& headers, const std::string& module);
+} // namespace HeaderTool

@@ -1,0 +1,248 @@
+#include "Lexer.h"
+
+#include "StringLiteral.h"
+
+#include <algorithm>
+#include <array>
+
+namespace HeaderTool
+{
+	namespace
+	{
+		bool isDigit(char c)
+		{
+			return c >= '0' && c <= '9';
+		}
+
+		/** Letters of other alphabets count: they may stand in identifiers and must not end one in the middle. */
+		bool isWordCharacter(char c)
+		{
+			return isDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || static_cast<unsigned char>(c) >= 0x80;
+		}
+
+		bool isSpace(char c)
+		{
+			return c == ' ' || c == '\t' || c == '\v' || c == '\f' || c == '\n';
+		}
+
+		/** The text after joining continued lines, with the line on which each character stood before. */
+		struct JoinedText
+		{
+			std::string characters;
+			std::vector<int> lines;
+		};
+
+		JoinedText joinLines(std::string_view text)
+		{
+			constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+			if (text.starts_with(byteOrderMark))
+			{
+				text.remove_prefix(byteOrderMark.size());
+			}
+			JoinedText joined;
+			int line = 1;
+			for (size_t i = 0; i < text.size(); ++i)
+			{
+				if (text.substr(i).starts_with("\\\n") || text.substr(i).starts_with("\\\r\n"))
+				{
+					i = text.find('\n', i);
+					++line;
+					continue;
+				}
+				if (text.substr(i).starts_with("\r\n"))
+				{
+					continue;
+				}
+				joined.characters += text[i];
+				joined.lines.push_back(line);
+				line += text[i] == '\n';
+			}
+			joined.lines.push_back(line);
+			return joined;
+		}
+
+		class Lexer
+		{
+		public:
+			explicit Lexer(std::string_view text)
+				: source(joinLines(text))
+				, rest(source.characters)
+			{
+			}
+
+			/** The tokens so far survive a ParseError. */
+			void run()
+			{
+				while (skipBlank(), !rest.empty())
+				{
+					readToken();
+				}
+			}
+
+			std::vector<Token> takeTokens()
+			{
+				tokens.push_back({TokenKind::End, "", "", currentLine(), 0});
+				return std::move(tokens);
+			}
+
+		private:
+			int currentLine() const { return source.lines[source.characters.size() - rest.size()]; }
+
+			std::string_view take(size_t count)
+			{
+				const std::string_view taken = rest.substr(0, count);
+				rest.remove_prefix(taken.size());
+				return taken;
+			}
+
+			/** @return false when there is no comment here. */
+			bool skipComment()
+			{
+				if (rest.starts_with("//"))
+				{
+					take(std::min(rest.find('\n'), rest.size()));
+					return true;
+				}
+				if (rest.starts_with("/*"))
+				{
+					const size_t end = rest.find("*/", 2);
+					if (end == std::string_view::npos)
+					{
+						throw ParseError(currentLine(), "this comment does not end");
+					}
+					take(end + 2);
+					return true;
+				}
+				return false;
+			}
+
+			void skipBlank()
+			{
+				while (!rest.empty())
+				{
+					if (isSpace(rest.front()))
+					{
+						lineHasToken = lineHasToken && rest.front() != '\n';
+						take(1);
+					}
+					else if (!skipComment())
+					{
+						return;
+					}
+				}
+			}
+
+			void add(TokenKind kind, int line, std::string_view text) { tokens.push_back({kind, std::string(text), "", line, 0}); }
+
+			void readToken()
+			{
+				const int line = currentLine();
+				const bool first = !lineHasToken;
+				lineHasToken = true;
+				if (first && rest.front() == '#')
+				{
+					readDirective(line);
+				}
+				else if (isDigit(rest.front()) || (rest.size() > 1 && rest.front() == '.' && isDigit(rest[1])))
+				{
+					readNumber(line);
+				}
+				else if (rest.front() == '"')
+				{
+					readString(line, "");
+				}
+				else if (rest.front() == '\'')
+				{
+					add(TokenKind::Character, line, take(quotedLength(rest, line)));
+				}
+				else if (isWordCharacter(rest.front()))
+				{
+					readWord(line);
+				}
+				else
+				{
+					add(TokenKind::Symbol, line, take(rest.starts_with("::") ? 2 : 1));
+				}
+			}
+
+			void readDirective(int line)
+			{
+				take(1);
+				std::string text;
+				while (!rest.empty() && rest.front() != '\n')
+				{
+					if (skipComment())
+					{
+						text += ' ';
+					}
+					else
+					{
+						// A "//" in quotes is no comment. Apostrophes stay alone: #error lines may hold one.
+						text += take(rest.front() == '"' ? quotedLength(rest, line) : 1);
+					}
+				}
+				const size_t begin = std::min(text.find_first_not_of(" \t"), text.size());
+				add(TokenKind::Directive, line, std::string_view(text).substr(begin, text.find_last_not_of(" \t") + 1 - begin));
+			}
+
+			void readNumber(int line)
+			{
+				size_t length = 1;
+				while (length < rest.size())
+				{
+					const char c = rest[length];
+					const char before = rest[length - 1];
+					const bool exponentSign = (c == '+' || c == '-') && (before == 'e' || before == 'E') && !rest.starts_with("0x");
+					if (!isWordCharacter(c) && c != '.' && c != '\'' && !exponentSign)
+					{
+						break;
+					}
+					++length;
+				}
+				add(TokenKind::Number, line, take(length));
+			}
+
+			void readWord(int line)
+			{
+				const auto end = std::find_if_not(rest.begin(), rest.end(), isWordCharacter);
+				const std::string_view word = take(static_cast<size_t>(end - rest.begin()));
+				constexpr std::array<std::string_view, 9> prefixes = {"u8", "u", "U", "L", "R", "u8R", "uR", "UR", "LR"};
+				if (rest.starts_with("\"") && std::find(prefixes.begin(), prefixes.end(), word) != prefixes.end())
+				{
+					readString(line, word);
+				}
+				else
+				{
+					add(TokenKind::Identifier, line, word);
+				}
+			}
+
+			void readString(int line, std::string_view prefix)
+			{
+				const bool raw = prefix.ends_with("R");
+				const std::string_view quoted = take(raw ? rawLength(rest, line) : quotedLength(rest, line));
+				tokens.push_back({TokenKind::String, raw ? std::string(quoted) : unescape(quoted.substr(1, quoted.size() - 2), line),
+					std::string(prefix), line, 0});
+			}
+
+			JoinedText source;
+			std::string_view rest;
+			std::vector<Token> tokens;
+			bool lineHasToken = false;
+		};
+	} // namespace
+
+	std::vector<Token> lex(std::string_view text, const std::string& path, Diagnostics& diagnostics)
+	{
+		Lexer lexer(text);
+		try
+		{
+			lexer.run();
+		}
+		catch (const ParseError& error)
+		{
+			diagnostics.push_back({path, error.line, error.what()});
+		}
+		return lexer.takeTokens();
+	}
+} // namespace HeaderTool

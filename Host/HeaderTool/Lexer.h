@@ -1,0 +1,38 @@
+#pragma once
+
+#include "Diagnostics.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace HeaderTool
+{
+	enum class TokenKind
+	{
+		Identifier, // keywords too
+		Number,
+		String,
+		Character,
+		Symbol, // one character, except "::"
+		Directive, // a whole preprocessor line
+		End // always the last token
+	};
+
+	struct Token
+	{
+		TokenKind kind = TokenKind::End;
+		std::string text; // the spelling; of a string its value in UTF-8; of a directive what follows the '#'
+		std::string prefix; // of a string: "", "u8", "u", "U", "L", each with an "R" when raw
+		int line = 1; // where the token begins
+		int region = 0; // number of directives before it, see takeDirectives
+	};
+
+	/**
+	 * Cuts the text of a header into tokens. Comments vanish, continued lines are joined, line ends may be LF or CR LF.
+	 * @param text         UTF-8, with or without byte order mark.
+	 * @param path         for messages.
+	 * @param diagnostics  receives what cannot be read; the tokens then end at that place.
+	 */
+	std::vector<Token> lex(std::string_view text, const std::string& path, Diagnostics& diagnostics);
+} // namespace HeaderTool

@@ -1,0 +1,174 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/**
+ * What a header declares, as plain values: the parser fills them in, the checks judge them, the generator prints them.
+ * Every `line` counts from 1. Texts are UTF-8 and hold names as they are spelled in the header, prefixes included.
+ */
+namespace HeaderTool
+{
+	/** `Key`, `Key = Value` or `Key = "Value"` of a reflection macro. */
+	struct Specifier
+	{
+		std::string key;
+		std::optional<std::string> value; // empty when only the key stands there
+		int line = 1;
+	};
+
+	/** The arguments of one reflection macro. */
+	struct Specifiers
+	{
+		std::vector<Specifier> entries;
+		std::vector<Specifier> meta; // those inside meta = (...)
+
+		/** @param key  compared without regard to case, as the engine does. @return null when it is not there. */
+		const Specifier* find(std::string_view key) const;
+		const Specifier* findMeta(std::string_view key) const;
+	};
+
+	struct TypeDef
+	{
+		std::string name; // "FString", "TArray", "unsigned int", "std::string"
+		std::vector<TypeDef> arguments;
+		bool isConst = false;
+		int pointers = 0;
+		int references = 0; // 2 for an rvalue reference
+		int line = 1;
+
+		bool isOutput() const { return references == 1 && !isConst; }
+		bool isContainer() const { return name == "TArray" || name == "TMap" || name == "TSet"; }
+	};
+
+	enum class DefaultKind
+	{
+		Bool,
+		Integer,
+		Float,
+		Text,
+		Enumerator,
+		Null,
+		Unreadable // none of the forms that may be written
+	};
+
+	struct DefaultDef
+	{
+		DefaultKind kind = DefaultKind::Unreadable;
+		std::string value; // normalised: the enumerator's name, the unescaped text, "" for null
+		std::string enumName; // of an enumerator
+		std::string spelling;
+	};
+
+	struct ParameterDef
+	{
+		std::string name;
+		TypeDef type;
+		Specifiers specifiers; // of UPARAM
+		std::optional<DefaultDef> defaultValue;
+		int line = 1;
+	};
+
+	struct FunctionDef
+	{
+		std::string name;
+		Specifiers specifiers;
+		std::vector<ParameterDef> parameters;
+		std::optional<TypeDef> returnType; // empty for void
+		Specifiers returnSpecifiers;
+		bool isStatic = false;
+		bool isVirtual = false;
+		bool isConst = false;
+		int line = 1;
+	};
+
+	struct PropertyDef
+	{
+		std::string name;
+		TypeDef type;
+		Specifiers specifiers;
+		int line = 1;
+	};
+
+	struct ClassDef
+	{
+		std::string name;
+		std::string super; // empty when it derives from nothing
+		std::vector<std::string> otherBases;
+		Specifiers specifiers;
+		std::vector<FunctionDef> functions;
+		std::vector<PropertyDef> properties;
+		int line = 1;
+		int bodyLine = 0; // of GENERATED_BODY
+	};
+
+	struct StructDef
+	{
+		std::string name;
+		std::string super;
+		Specifiers specifiers;
+		std::vector<PropertyDef> properties;
+		int line = 1;
+		int bodyLine = 0;
+	};
+
+	struct EnumeratorDef
+	{
+		std::string name;
+		long long value = 0;
+		Specifiers specifiers; // of UMETA: everything stands in entries
+		int line = 1;
+	};
+
+	struct EnumDef
+	{
+		std::string name;
+		bool isScoped = false;
+		std::string base; // "uint8"; empty when not given
+		Specifiers specifiers;
+		std::vector<EnumeratorDef> enumerators;
+		int line = 1;
+	};
+
+	struct DelegateDef
+	{
+		std::string name;
+		int declaredCount = 0; // the number in the macro's name
+		std::vector<ParameterDef> parameters;
+		int line = 1;
+	};
+
+	struct IncludeDef
+	{
+		std::string file; // between the quotes or brackets
+		int line = 1;
+		bool isConditional = false;
+	};
+
+	struct HeaderDef
+	{
+		std::string path; // as given on the command line
+		std::string fileName; // "Sample.h"
+		std::string includeName; // how sources include it: the part of the path below the last folder called Public
+		bool isReference = false; // read for the checks only
+		bool startsWithPragmaOnce = false;
+		bool isComplete = true; // false when a declaration could not be read: a missing name proves nothing then
+		std::vector<IncludeDef> includes;
+		std::vector<ClassDef> classes;
+		std::vector<StructDef> structs;
+		std::vector<EnumDef> enums;
+		std::vector<DelegateDef> delegates;
+
+		/** "Sample" */
+		std::string baseName() const;
+		bool isReflected() const { return !(classes.empty() && structs.empty() && enums.empty() && delegates.empty()); }
+	};
+
+	/** @return the type as one would write it: "const TArray<FString>&". */
+	std::string spell(const TypeDef& type);
+
+	/** @return whether two names are the same to the engine, which does not look at the case of letters. */
+	bool sameName(std::string_view a, std::string_view b);
+} // namespace HeaderTool

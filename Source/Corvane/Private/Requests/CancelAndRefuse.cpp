@@ -1,0 +1,42 @@
+#include "CorvaneBPLibrary.h"
+
+#include "Async/Async.h"
+#include "Misc/ScopeLock.h"
+#include "Requests/RequestBuilder.h"
+#include "UAsyncNodeCorv.h"
+
+void UCorvaneBPLibrary::cancelRequest(FString InRequestID)
+{
+	UCorvaneBPLibrary* Library = getCorvaneTarget();
+	if (!Library)
+	{
+		return;
+	}
+	FHttpRequestPtr Running;
+	{
+		FScopeLock Lock(&Library->mapLock);
+		Library->cancelledRequests.Add(InRequestID);
+		Running = Library->runningRequests.FindRef(InRequestID);
+	}
+	if (Running.IsValid())
+	{
+		Running->CancelRequest();
+	}
+}
+
+void UCorvaneBPLibrary::fireErrorMessageInGameThread(UAsyncNodeCorv* InNode, int32, FString InRequestID)
+{
+	AsyncTask(ENamedThreads::GameThread,
+		[bToNode = InNode != nullptr, Node = TWeakObjectPtr<UAsyncNodeCorv>(InNode), InRequestID]
+		{
+			UAsyncNodeCorv* Alive = Node.Get();
+			if (bToNode && Alive)
+			{
+				Alive->httpRequestComplete(FString(), {}, {}, 400, {}, InRequestID);
+			}
+			else
+			{
+				CorvaneBuilder::refuse(InRequestID);
+			}
+		});
+}

@@ -1,0 +1,183 @@
+#include "CorvaneRequestCompleteObject.h"
+#include "Host/Objects.h"
+#include "LogCapture.h"
+#include "ModuleFixture.h"
+#include "RawServer.h"
+#include "UAsyncNodeCorv.h"
+#include "UObject/UObjectGlobals.h"
+
+namespace
+{
+	class Lifetime : public ModuleFixture
+	{
+	protected:
+		RawServer server{answering([](const std::string&) { return answer(200, "hello"); })};
+	};
+
+	/** What a node sees, without the pins of a real one. */
+	class UListeningNode : public UAsyncNodeCorv
+	{
+	public:
+		static UClass* StaticClass()
+		{
+			static const FClassDefinition definition{
+				"ListeningNode", &UAsyncNodeCorv::StaticClass, &ConstructObject<UListeningNode>, {}, {}, {}};
+			static UClass listeningNodeClass(definition);
+			return &listeningNodeClass;
+		}
+
+		void httpRequestComplete(
+			FString, const TArray<FString>&, const TArray<FString>&, int32 inStatusCode, const TArray<uint8>&, FString) override
+		{
+			statusCodes.push_back(inStatusCode);
+		}
+
+		std::vector<int32> statusCodes;
+	};
+} // namespace
+
+TEST_F(Lifetime, ARecordKeepsItsCompletionObjectUntilItIsExecuted)
+{
+	TArray<FhttpRequest> requests = get(server.url());
+	loop.CollectGarbage();
+	EXPECT_EQ(run(requests).statusCode, 200);
+}
+
+TEST_F(Lifetime, ARecordThatIsThrownAwayFreesItsObject)
+{
+	const size_t before = HostObjects::NumObjects();
+	get(server.url());
+	loop.CollectGarbage();
+	EXPECT_EQ(HostObjects::NumObjects(), before);
+}
+
+TEST_F(Lifetime, AFinishedRequestFreesItsObject)
+{
+	const size_t before = HostObjects::NumObjects();
+	run(get(server.url()));
+	// The HTTP thread may still be on its way out of the completion callback, where it pins the object.
+	EXPECT_TRUE(loop.WaitFor(
+		[&]
+		{
+			loop.CollectGarbage();
+			return HostObjects::NumObjects() == before;
+		},
+		patienceSeconds));
+}
+
+TEST_F(Lifetime, ARunningRequestNeedsNoScriptToHoldIt)
+{
+	Gate gate;
+	RawServer slow(
+		[&](Connection& connection)
+		{
+			connection.readHead();
+			connection.waitFor(gate);
+			connection.send(answer(200, "late"));
+		});
+	execute(get(slow.url()));
+	loop.CollectGarbage();
+	gate.open();
+	drain();
+	ASSERT_EQ(completions.size(), 1u);
+	EXPECT_EQ(completions[0].dataString, "late");
+}
+
+TEST_F(Lifetime, ARecordMayBeExecutedAgainFromItsOwnHandler)
+{
+	const TArray<FhttpRequest> requests = get(server.url(), {}, "again");
+	int rounds = 0;
+	UCorvaneBPLibrary::getCorvaneTarget()->onhttpRequestCompleteDelegate.AddHandler(
+		[&](void* const*)
+		{
+			if (++rounds < 20)
+			{
+				execute(requests);
+			}
+		});
+	execute(requests);
+	ASSERT_TRUE(waitForCompletions(20));
+	drain();
+	EXPECT_EQ(completions.size(), 20u);
+	EXPECT_EQ(completions.back().statusCode, 200);
+}
+
+TEST_F(Lifetime, ARunningRecordIsNotStartedTwice)
+{
+	LogCapture log;
+	Gate gate;
+	RawServer slow(
+		[&](Connection& connection)
+		{
+			connection.readHead();
+			connection.waitFor(gate);
+			connection.send(answer(200, "once"));
+		});
+	const TArray<FhttpRequest> requests = get(slow.url());
+	execute(requests);
+	execute(requests);
+	gate.open();
+	drain();
+	EXPECT_EQ(completions.size(), 1u);
+	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "still running"), 1);
+}
+
+TEST_F(Lifetime, ARecordWithoutCompletionObjectIsSkipped)
+{
+	LogCapture log;
+	TArray<FhttpRequest> requests = get(server.url(), {}, "first");
+	requests.Add(FhttpRequest());
+	requests.Append(get(server.url(), {}, "last"));
+	execute(requests);
+	drain();
+	EXPECT_EQ(completions.size(), 2u);
+	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "UCorvaneBPLibrary: Missing Object instance (153)."), 1);
+}
+
+TEST_F(Lifetime, ANodeThatWaitsForTheIdTakesTheResult)
+{
+	UListeningNode* node = NewObject<UListeningNode>();
+	node->AddToRoot();
+	UCorvaneBPLibrary* library = UCorvaneBPLibrary::getCorvaneTarget();
+	library->registerUAsyncNodeHttpRequest("Node", node);
+	execute(get(server.url(), {}, "nODE"));
+	drain();
+	EXPECT_EQ(node->statusCodes, std::vector<int32>{200});
+	EXPECT_TRUE(completions.empty());
+
+	library->unregisterUAsyncNodeHttpRequest("node");
+	EXPECT_EQ(run(get(server.url(), {}, "Node")).statusCode, 200);
+	EXPECT_EQ(node->statusCodes.size(), 1u);
+	node->RemoveFromRoot();
+}
+
+TEST_F(Lifetime, ANodeThatIsGoneLeavesTheResultToTheEvent)
+{
+	UCorvaneBPLibrary* library = UCorvaneBPLibrary::getCorvaneTarget();
+	library->registerUAsyncNodeHttpRequest("gone", NewObject<UListeningNode>());
+	loop.CollectGarbage();
+	EXPECT_EQ(run(get(server.url(), {}, "gone")).statusCode, 200);
+}
+
+TEST_F(Lifetime, ANodeReplacedWhileTheAnswerIsOnItsWayDoesNotTakeIt)
+{
+	if (callbacksNeedTicks)
+	{
+		GTEST_SKIP() << "no answer gets on its way without a tick";
+	}
+	UListeningNode* first = NewObject<UListeningNode>();
+	UListeningNode* second = NewObject<UListeningNode>();
+	first->AddToRoot();
+	second->AddToRoot();
+	UCorvaneBPLibrary* library = UCorvaneBPLibrary::getCorvaneTarget();
+	library->registerUAsyncNodeHttpRequest("id", first);
+	execute(get(server.url(), {}, "id"));
+	// Without a tick the worker looks the node up and posts, and the result then waits for the game thread.
+	ASSERT_TRUE(waitFor([] { return !UCorvaneBPLibrary::hasPendingWork(); }));
+	library->registerUAsyncNodeHttpRequest("id", second);
+	drain();
+	EXPECT_TRUE(first->statusCodes.empty() && second->statusCodes.empty());
+	EXPECT_EQ(completions.size(), 1u);
+	first->RemoveFromRoot();
+	second->RemoveFromRoot();
+}

@@ -1,0 +1,83 @@
+#pragma once
+
+#include "CorvaneBPLibrary.h"
+#include "GameLoop.h"
+#include "Waiting.h"
+
+#include <gtest/gtest.h>
+#include <optional>
+#include <string>
+#include <vector>
+
+/** Text of the module as a test compares it. */
+std::string utf8(const FString& text);
+FString text(std::string_view utf8);
+
+/** One completion event. */
+struct Completion
+{
+	std::string dataString;
+	std::vector<std::string> dataArray;
+	std::vector<std::string> header;
+	int32 statusCode = 0;
+	std::string byteData;
+	std::string requestID;
+};
+
+struct DownloadProgress
+{
+	float size, megaBytesReceived, percentDownload, megaBit;
+	std::string requestID;
+};
+
+struct UploadProgress
+{
+	float size;
+	int32 bytesSent;
+	float percentUpload;
+	std::string requestID;
+};
+
+struct ServerSendEvent
+{
+	std::string response;
+	std::string requestID;
+};
+
+/**
+ * The module in a running loop, with every event of the library recorded. The environment variables
+ * CORVANE_TEST_COLLECT and CORVANE_TEST_GAME_THREAD run the same tests with a collection after every tick, and with
+ * callbacks on the game thread.
+ */
+class ModuleFixture : public testing::Test
+{
+protected:
+	ModuleFixture()
+		: ModuleFixture(FGameLoopSettings())
+	{
+	}
+	explicit ModuleFixture(FGameLoopSettings settings);
+
+	using Headers = TMap<FString, FString>;
+
+	/** Builds a GET; the test fails when it is refused. */
+	TArray<FhttpRequest> get(const std::string& url, const Headers& header = {}, const char* id = "", bool serverSendEvents = false);
+	void execute(TArray<FhttpRequest> requests);
+
+	/** Ticks until so many completions were recorded. */
+	bool waitForCompletions(size_t number = 1);
+	/** Ticks until nothing is pending: from here on no event can follow. */
+	void drain();
+	/** Executes and drains. @return the one completion that this brought; more or none fail the test. */
+	Completion run(TArray<FhttpRequest> requests);
+
+	const bool callbacksNeedTicks;
+	FGameLoop loop;
+	std::vector<Completion> completions;
+	std::vector<DownloadProgress> downloads;
+	std::vector<UploadProgress> uploads;
+	std::vector<ServerSendEvent> serverSendEvents;
+
+private:
+	void record(UCorvaneBPLibrary& library);
+};

@@ -1,0 +1,57 @@
+#include "LogCapture.h"
+#include "ModuleFixture.h"
+#include "RawServer.h"
+
+class EndOfProgram : public ModuleFixture
+{
+};
+
+TEST_F(EndOfProgram, CancelsWhatStillRuns)
+{
+	Gate never;
+	RawServer server(
+		[&](Connection& connection)
+		{
+			connection.readHead();
+			connection.waitFor(never);
+		});
+	TArray<FhttpRequest> requests;
+	for (int number = 0; number < 50; ++number)
+	{
+		requests.Append(get(server.url()));
+	}
+	execute(requests);
+	ASSERT_TRUE(waitFor([&] { return server.connectionCount() == 50; }));
+	const auto start = std::chrono::steady_clock::now();
+	loop.Shutdown();
+	EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4)) << "it need not use up its time limit";
+	EXPECT_TRUE(completions.empty()) << "tasks that are left are dropped, but " << completions.front().statusCode << " came";
+	EXPECT_EQ(UCorvaneBPLibrary::getCorvaneTarget(), nullptr);
+	EXPECT_FALSE(UCorvaneBPLibrary::hasPendingWork());
+}
+
+TEST_F(EndOfProgram, MayComeAtAnyMomentOfARequest)
+{
+	RawServer server(answering([](const std::string&) { return answer(200, std::string(100000, 'x')); }));
+	for (int moment = 0; moment < 20; ++moment)
+	{
+		FGameLoopSettings settings;
+		loop.Shutdown();
+		FGameLoop next(settings);
+		TArray<FhttpRequest> requests = get(server.url());
+		execute(requests);
+		waitFor([&] { return server.connectionCount() > moment; });
+		next.WaitFor([] { return false; }, 0.0005 * moment);
+	}
+}
+
+TEST_F(EndOfProgram, RefusesRequestsWithoutALibrary)
+{
+	LogCapture log;
+	TArray<FhttpRequest> requests = get("http://127.0.0.1/");
+	loop.Shutdown();
+	UCorvaneBPLibrary* target = UCorvaneBPLibrary::corv;
+	UCorvaneBPLibrary::executeHttpRequests(requests, target);
+	EXPECT_EQ(target, nullptr);
+	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "executeHttpRequests"), 1);
+}
