@@ -150,14 +150,13 @@ namespace HeaderTool
 	}
 
 	/** Behind a closing brace: the body of a function ends its declaration, a braced initialiser goes on to a comma or a semicolon. */
-	bool TokenReader::bodyEndsDeclaration(bool isInitialised)
+	bool TokenReader::bodyEndsDeclaration()
 	{
-		return acceptSymbol(";") || (!isInitialised && !isSymbol(",") && !isSymbol("{") && !isSymbol("("));
+		return acceptSymbol(";") || (!isSymbol(",") && !isSymbol("{") && !isSymbol("("));
 	}
 
 	void TokenReader::skipDeclaration()
 	{
-		bool isInitialised = false;
 		while (!atEnd() && !isReflection() && !isSymbol("}"))
 		{
 			if (isWord("operator"))
@@ -171,7 +170,7 @@ namespace HeaderTool
 			else if (isSymbol("{"))
 			{
 				skipBalanced();
-				if (bodyEndsDeclaration(isInitialised))
+				if (bodyEndsDeclaration())
 				{
 					return;
 				}
@@ -182,7 +181,6 @@ namespace HeaderTool
 			}
 			else
 			{
-				isInitialised = isInitialised || isSymbol("=");
 				next();
 			}
 		}

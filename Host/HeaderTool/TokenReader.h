@@ -51,7 +51,7 @@ namespace HeaderTool
 
 	private:
 		void skipOperatorName();
-		bool bodyEndsDeclaration(bool isInitialised);
+		bool bodyEndsDeclaration();
 
 		const std::vector<Token>& tokens;
 		size_t position = 0;

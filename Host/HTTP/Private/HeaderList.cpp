@@ -10,6 +10,11 @@ void FHeaderList::Add(const std::string& Name, std::string_view Value)
 	AddLine(Text::Trim(Value).empty() ? (Name + ";").c_str() : (Name + ": ").append(Value).c_str());
 }
 
+void FHeaderList::Remove(const char* Name)
+{
+	AddLine((std::string(Name) + ":").c_str());
+}
+
 std::string_view FHeaderList::NameOf(std::string_view Line)
 {
 	return Line.substr(0, Line.find_first_of(":;"));

@@ -12,6 +12,9 @@ public:
 	/** Name and Value are known to be safe to send. An empty value is sent as such. */
 	void Add(const std::string& Name, std::string_view Value);
 
+	/** Keeps libcurl from adding a header of its own choice; one that is added later is sent all the same. */
+	void Remove(const char* Name);
+
 	/** @param bKeep  asked with each header's name. @return the headers that it wants, in the same order. */
 	template <class Predicate>
 	FHeaderList Filtered(Predicate bKeep) const

@@ -22,7 +22,27 @@ bool FHttpRequest::ProcessRequest()
 	return FHttpThread::Get().Start(shared_from_this()) && bPrepared;
 }
 
-std::optional<FOutgoing> FHttpRequest::Prepare() const
+void FHttpRequest::SetContentAsString(const FString& ContentString)
+{
+	const std::string Bytes = Text::ToUtf8(ContentString);
+	TArray<uint8> Array;
+	Array.Append(reinterpret_cast<const uint8*>(Bytes.data()), static_cast<int32>(Bytes.size()));
+	SetBody(FRequestBody::FromBytes(std::move(Array)));
+}
+
+bool FHttpRequest::SetContentAsStreamedFile(const FString& Filename)
+{
+	SetBody(FRequestBody::FromFile(Filename));
+	return Body != nullptr;
+}
+
+void FHttpRequest::SetBody(std::shared_ptr<FRequestBody> InBody)
+{
+	Body = std::move(InBody);
+	ContentLength = Body ? Body->GetSize() : 0;
+}
+
+std::optional<FOutgoing> FHttpRequest::Prepare()
 {
 	std::string VerbBytes = Text::ToUtf8(Verb);
 	if (!RequestHeaders::IsToken(VerbBytes))
@@ -41,7 +61,9 @@ std::optional<FOutgoing> FHttpRequest::Prepare() const
 	{
 		return std::nullopt;
 	}
-	return FOutgoing{std::move(VerbBytes), std::move(*Parsed), std::move(*Wire)};
+	const FString Announced = Headers.Get(TEXT("Content-Length"));
+	const bool bLengthIsTrue = Announced.IsEmpty() || Text::ToUtf8(Announced) == std::to_string(ContentLength);
+	return FOutgoing{std::move(VerbBytes), std::move(*Parsed), std::move(*Wire), std::move(Body), bLengthIsTrue};
 }
 
 void FHttpRequest::CancelRequest()

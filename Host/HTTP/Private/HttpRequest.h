@@ -20,12 +20,14 @@ class FHttpRequest final : public IHttpRequest, public std::enable_shared_from_t
 public:
 	FString GetHeader(const FString& HeaderName) const override { return Headers.Get(HeaderName); }
 	TArray<FString> GetAllHeaders() const override { return Headers.GetAll(); }
-	uint64 GetContentLength() const override { return 0; }
+	uint64 GetContentLength() const override { return ContentLength; }
 	const TArray<uint8>& GetContent() const override { return Content; }
 
 	void SetVerb(const FString& InVerb) override { Verb = InVerb; }
 	void SetURL(const FString& InURL) override { Url = InURL; }
 	void SetHeader(const FString& HeaderName, const FString& HeaderValue) override { Headers.Set(HeaderName, HeaderValue); }
+	void SetContentAsString(const FString& ContentString) override;
+	bool SetContentAsStreamedFile(const FString& Filename) override;
 	void SetDelegateThreadPolicy(EHttpRequestDelegateThreadPolicy InPolicy) override { Policy = InPolicy; }
 	FHttpRequestCompleteDelegate& OnProcessRequestComplete() override { return CompleteDelegate; }
 	FHttpRequestProgressDelegate64& OnRequestProgress64() override { return ProgressDelegate; }
@@ -52,13 +54,16 @@ public:
 	bool bEnded = false;
 
 private:
-	std::optional<FOutgoing> Prepare() const;
+	std::optional<FOutgoing> Prepare();
+	void SetBody(std::shared_ptr<FRequestBody> InBody);
 	FHttpRequestPtr Self();
 
 	FString Verb = TEXT("GET");
 	FString Url;
 	FRequestHeaders Headers;
 	TArray<uint8> Content;
+	std::shared_ptr<FRequestBody> Body; // until the request is started
+	uint64 ContentLength = 0;
 	EHttpRequestDelegateThreadPolicy Policy = EHttpRequestDelegateThreadPolicy::CompleteOnGameThread;
 	FHttpRequestCompleteDelegate CompleteDelegate;
 	FHttpRequestProgressDelegate64 ProgressDelegate;

@@ -113,7 +113,8 @@ void FHttpThread::ReportProgress()
 	{
 		if (Transfer->bEnded || Transfer->IsProgressDue())
 		{
-			Callbacks.Progress(Transfer->GetRequest(), 0, Transfer->TakeProgress());
+			const FTransfer::FProgress Progress = Transfer->TakeProgress();
+			Callbacks.Progress(Transfer->GetRequest(), Progress.Sent, Progress.Received);
 		}
 		else
 		{

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "HeaderList.h"
+#include "RequestBody.h"
 #include "Url.h"
 
 #include <string>
@@ -11,4 +12,6 @@ struct FOutgoing
 	std::string Verb;
 	FUrl Url;
 	FHeaderList Headers;
+	std::shared_ptr<FRequestBody> Body; // null = none
+	bool bLengthIsTrue = true; // false: the script announces another length than the body has
 };

@@ -61,6 +61,7 @@ TArray<FString> FRequestHeaders::GetAll() const
 std::optional<FHeaderList> FRequestHeaders::ToWire() const
 {
 	FHeaderList List;
+	List.Remove("Expect"); // bodies go out at once, whatever their size
 	for (const auto& [Name, Value] : Headers)
 	{
 		const std::string NameBytes = Text::ToUtf8(Name);

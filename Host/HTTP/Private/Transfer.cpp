@@ -55,7 +55,7 @@ bool FTransfer::BeginNextHop()
 	}
 	++HopsFollowed;
 	Hop = std::exchange(Next, std::nullopt);
-	BodyBytes = 0;
+	BodyBytes = BytesSent = 0;
 	bConnected = false;
 	BeginHop();
 	return true;
@@ -69,7 +69,7 @@ std::shared_ptr<FHttpRequest> FTransfer::Release()
 	Response.Reset();
 	Headers.Clear();
 	HopsFollowed = 0;
-	HeaderBytes = BodyBytes = 0;
+	HeaderBytes = BodyBytes = BytesSent = 0;
 	bConnected = bEnded = bSucceeded = false;
 	Problem = nullptr;
 	LastProgress = {};
@@ -82,6 +82,7 @@ void FTransfer::BeginHop()
 	curl_easy_reset(Easy);
 	ConfigureHandle();
 	ConfigureVerb();
+	ConfigureBody();
 	ErrorText[0] = '\0';
 }
 
@@ -131,6 +132,68 @@ void FTransfer::ConfigureVerb()
 	else if (Hop->Verb != "GET")
 	{
 		curl_easy_setopt(Easy, CURLOPT_CUSTOMREQUEST, Hop->Verb.c_str());
+	}
+}
+
+void FTransfer::ConfigureBody()
+{
+	const auto Set = [this](CURLoption Option, auto Value) { curl_easy_setopt(Easy, Option, Value); };
+	if (!Hop->bLengthIsTrue)
+	{
+		Set(CURLOPT_FORBID_REUSE, 1L); // the peer would take the next request for the rest of this body, or the reverse
+	}
+	const uint64 Size = Hop->Body ? Hop->Body->GetSize() : 0;
+	const bool bVerbHasBody = Hop->Verb == "POST" || Hop->Verb == "PUT" || Hop->Verb == "PATCH";
+	if (Text::EqualNoCase(Hop->Verb, "HEAD") || (Size == 0 && !bVerbHasBody))
+	{
+		return;
+	}
+	Set(CURLOPT_POST, 1L);
+	Set(CURLOPT_CUSTOMREQUEST, Hop->Verb.c_str());
+	Set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(Size));
+	Set(CURLOPT_READDATA, static_cast<void*>(this));
+	using FRead = size_t (*)(char*, size_t, size_t, void*);
+	Set(CURLOPT_READFUNCTION, static_cast<FRead>([](char* Buffer, size_t Width, size_t Number, void* Self)
+								  { return static_cast<FTransfer*>(Self)->OnReadBody(Buffer, Width * Number); }));
+	Set(CURLOPT_SEEKDATA, static_cast<void*>(this));
+	using FSeek = int (*)(void*, curl_off_t, int);
+	Set(CURLOPT_SEEKFUNCTION, static_cast<FSeek>([](void* Self, curl_off_t Offset, int Origin)
+								  { return static_cast<FTransfer*>(Self)->OnSeekBody(Offset, Origin); }));
+}
+
+size_t FTransfer::OnReadBody(char* Buffer, size_t Room)
+{
+	Touch();
+	const std::optional<size_t> Number = Hop->Body ? Hop->Body->Read(Buffer, Room) : 0;
+	if (!Number)
+	{
+		Problem = "the file that is sent has become shorter";
+		return CURL_READFUNC_ABORT;
+	}
+	BytesSent += *Number;
+	if (*Number > 0)
+	{
+		NoteProgress();
+	}
+	return *Number;
+}
+
+/** libcurl goes back to the start when a kept connection turns out to be dead; it never asks for another place. */
+int FTransfer::OnSeekBody(int64 Offset, int Origin)
+{
+	if (Offset != 0 || Origin != SEEK_SET || (Hop->Body && !Hop->Body->Rewind()))
+	{
+		return CURL_SEEKFUNC_FAIL;
+	}
+	BytesSent = 0;
+	return CURL_SEEKFUNC_OK;
+}
+
+void FTransfer::NoteProgress()
+{
+	if (Request->WantsProgress() && !std::exchange(bDirty, true))
+	{
+		Round.Dirty.push_back(this);
 	}
 }
 
@@ -187,10 +250,7 @@ bool FTransfer::OnBody(const char* Bytes, size_t Number)
 	{
 		return Next && BodyBytes <= mostDroppedBytes;
 	}
-	if (Request->WantsProgress() && !std::exchange(bDirty, true))
-	{
-		Round.Dirty.push_back(this);
-	}
+	NoteProgress();
 	if (!Response->GetBody().Append(Bytes, Number))
 	{
 		Problem = "the body is longer than memory allows";
@@ -217,9 +277,9 @@ bool FTransfer::IsStalled() const
 	return bConnected && Round.Now - LastActivity > std::chrono::duration<double>(Settings.activityTimeoutSeconds);
 }
 
-uint64 FTransfer::TakeProgress()
+FTransfer::FProgress FTransfer::TakeProgress()
 {
 	bDirty = false;
 	LastProgress = Round.Now;
-	return BodyBytes;
+	return {BytesSent, BodyBytes};
 }

@@ -44,8 +44,13 @@ public:
 	const std::shared_ptr<FHttpRequest>& GetRequest() const { return Request; }
 	/** Whether enough time has passed since the last progress callback for another one. */
 	bool IsProgressDue() const { return Round.Now - LastProgress >= std::chrono::milliseconds(1); }
-	/** Ends this transfer's stay in the dirty list. @return the bytes of the body so far. */
-	uint64 TakeProgress();
+	/** Bytes of the bodies of this hop so far. */
+	struct FProgress
+	{
+		uint64 Sent, Received;
+	};
+	/** Ends this transfer's stay in the dirty list. */
+	FProgress TakeProgress();
 
 	size_t Index = 0; // place among the running transfers
 	bool bEnded = false;
@@ -55,9 +60,13 @@ private:
 	void BeginHop();
 	void ConfigureHandle();
 	void ConfigureVerb();
+	void ConfigureBody();
 	bool OnHeaderLine(std::string_view Line);
 	bool OnHeadersComplete();
 	bool OnBody(const char* Bytes, size_t Number);
+	size_t OnReadBody(char* Buffer, size_t Room);
+	int OnSeekBody(int64 Offset, int Origin);
+	void NoteProgress();
 	void Touch() { LastActivity = Round.Now; }
 
 	FRound& Round;
@@ -74,7 +83,8 @@ private:
 	FResponseHeaders Headers;
 	TSharedPtr<FHttpResponse> Response; // of the last hop
 	uint64 HeaderBytes = 0; // of all hops
-	uint64 BodyBytes = 0; // of this hop
+	uint64 BodyBytes = 0; // received in this hop
+	uint64 BytesSent = 0; // of the body, in this hop
 	bool bConnected = false;
 	bool bDirty = false;
 	std::chrono::steady_clock::time_point LastActivity;

@@ -257,10 +257,10 @@ public:
 		meta = (AutoCreateRefTerm = "otherHttpRequests,header",
 			ToolTip =
 				"Individual HTTP Request. You have to set all parameters yourself.\n@param header For example User-Agent and Content-Type.\n@param verb POST, GET, PUT, PATCH, DELETE\n@param optionalRequestID Your own RequestID. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response.\n@param bindServerSendEvent Switches on server-sent events for this request (several responses to one request)."))
-	static void CreateHttpRequestIndividual(TArray<FhttpRequest> otherHttpRequests, FString url, TMap<FString, FString> header, FString verb,
-		EHTTPCorvIndividualType contentBodyType, FString contentBody, FString optionalRequestID, TArray<FhttpRequest>& httpRequests,
-		FString& requestID, bool addContentLengthHeader, bool bindDownloadProgressEvent, bool bindUploadProgressEvent,
-		bool bindServerSendEvent);
+	static void CreateHttpRequestIndividual(TArray<FhttpRequest> otherHttpRequests, FString url, TMap<FString, FString> header,
+		FString verb, EHTTPCorvIndividualType contentBodyType, FString contentBody, FString optionalRequestID,
+		TArray<FhttpRequest>& httpRequests, FString& requestID, bool addContentLengthHeader, bool bindDownloadProgressEvent,
+		bool bindUploadProgressEvent, bool bindServerSendEvent);
 
 	/** Adds a header to every later request, of every kind, until it is removed; replaces one of the same name. */
 	UFUNCTION(BlueprintCallable, Category = "Corvane|Header",
@@ -276,19 +276,20 @@ public:
 	 * Asks a running request to stop: it then completes as failed. The mark of an ID that does not run waits for it, and
 	 * goes when a request of that ID is started.
 	 */
-	UFUNCTION(BlueprintCallable, Category = "Corvane", meta = (ToolTip = "Cancels a running HTTP request.\n@param requestID ID of the request"))
+	UFUNCTION(
+		BlueprintCallable, Category = "Corvane", meta = (ToolTip = "Cancels a running HTTP request.\n@param requestID ID of the request"))
 	static void cancelRequest(FString requestID);
 
 	/** @return the text's UTF-8 bytes, those outside A-Z a-z 0-9 - _ . ~ as %XX. Thread: any. */
 	UFUNCTION(BlueprintCallable, Category = "Corvane|Conversion",
 		meta = (ToolTip =
-				"Returns a percent-encoded version of the passed in string. Do not use with strings with http::// but for the parameters."))
+					"Returns a percent-encoded version of the passed in string. Do not use with strings with http::// but for the parameters."))
 	static FString urlEncode(FString string);
 
 	/** The same as urlEncode, as a node without execution pins. Thread: any. */
 	UFUNCTION(BlueprintPure, Category = "Corvane|Conversion",
 		meta = (ToolTip =
-				"Returns a percent-encoded version of the passed in string. Do not use with strings with http::// but for the parameters."))
+					"Returns a percent-encoded version of the passed in string. Do not use with strings with http::// but for the parameters."))
 	static FString urlEncodePure(FString string);
 
 	/** @return the decimal digits, with a "-" in front of negative values. Thread: any. */
@@ -311,8 +312,8 @@ public:
 	 */
 	UFUNCTION(BlueprintCallable, Category = "Corvane|File",
 		meta = (AutoCreateRefTerm = "byteData", ToolTip = "Writes bytes into a file without blocking the game."))
-	static void byteDataToFile(EHTTPCorvFileBytesToFileActionType fileAction, TArray<uint8> byteData, EHTTPCorvFileUpload directoryType,
-		FString filePath);
+	static void byteDataToFile(
+		EHTTPCorvFileBytesToFileActionType fileAction, TArray<uint8> byteData, EHTTPCorvFileUpload directoryType, FString filePath);
 
 	/**
 	 * Starts every record and empties the array. A handler may call it again meanwhile.
@@ -360,6 +361,7 @@ private:
 	bool fillRequest(const FhttpRequest& request, IHttpRequest& httpRequest);
 	void fillRequestGET(const FhttpRequest& request, IHttpRequest& httpRequest);
 	void fillRequestPOST(const FhttpRequest& request, IHttpRequest& httpRequest);
+	bool fillRequestIndividual(const FhttpRequest& request, IHttpRequest& httpRequest);
 	void fillHeader(const FhttpRequest& request, IHttpRequest& httpRequest);
 	static FString postMapToString(const TMap<FString, FString>& map);
 
@@ -370,7 +372,7 @@ private:
 	TMap<FString, FHttpRequestPtr> runningRequests;
 	TMap<FString, TWeakObjectPtr<UAsyncNodeCorv>> asyncNodes;
 
-	FCorvRunningRequests* runningList;              // owned; a lock of its own
+	FCorvRunningRequests* runningList; // owned; a lock of its own
 	FByteToFileThread* byteToFileThread = nullptr; // owned; made under mapLock
 	bool isShuttingDown = false; // game thread only
 };

@@ -30,6 +30,13 @@ public:
 	virtual void SetURL(const FString& URL) = 0;
 	/** A header of the same name (case ignored) is replaced and keeps its place. */
 	virtual void SetHeader(const FString& HeaderName, const FString& HeaderValue) = 0;
+	/** The body, as UTF-8. An empty one of a verb that needs no body sends none. */
+	virtual void SetContentAsString(const FString& ContentString) = 0;
+	/**
+	 * The body is read from a file while it is sent, and only as far as the file reaches now.
+	 * @return false when the file cannot be opened.
+	 */
+	virtual bool SetContentAsStreamedFile(const FString& Filename) = 0;
 	virtual void SetDelegateThreadPolicy(EHttpRequestDelegateThreadPolicy Policy) = 0;
 
 	virtual FHttpRequestCompleteDelegate& OnProcessRequestComplete() = 0;

@@ -49,7 +49,8 @@ namespace CorvaneByteToFile
 	}
 } // namespace CorvaneByteToFile
 
-FByteToFileThread::FByteToFileThread() : wakeUp(FPlatformProcess::GetSynchEventFromPool())
+FByteToFileThread::FByteToFileThread()
+	: wakeUp(FPlatformProcess::GetSynchEventFromPool())
 {
 	thread = FRunnableThread::Create(this, *(TEXT("FByteToFileThread") + FGuid::NewGuid().ToString()));
 }
@@ -127,8 +128,8 @@ FByteToFileThread* UCorvaneBPLibrary::getByteToFileThread()
 	return byteToFileThread;
 }
 
-void UCorvaneBPLibrary::byteDataToFile(EHTTPCorvFileBytesToFileActionType InFileAction, TArray<uint8> InByteData,
-	EHTTPCorvFileUpload InDirectoryType, FString InFilePath)
+void UCorvaneBPLibrary::byteDataToFile(
+	EHTTPCorvFileBytesToFileActionType InFileAction, TArray<uint8> InByteData, EHTTPCorvFileUpload InDirectoryType, FString InFilePath)
 {
 	if (UCorvaneBPLibrary* Library = getCorvaneTarget())
 	{

@@ -42,6 +42,6 @@ private:
 	TQueue<FByteToFileJob, EQueueMode::Mpsc> jobQueue;
 	std::atomic<int32> jobsLeft{0};
 	std::atomic<bool> isStopping{false};
-	FEvent* wakeUp;                    // from the engine's pool
+	FEvent* wakeUp; // from the engine's pool
 	FRunnableThread* thread = nullptr; // owned
 };

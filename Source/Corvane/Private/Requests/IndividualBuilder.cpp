@@ -11,13 +11,15 @@ namespace CorvaneIndividual
 		if (Header.IsEmpty())
 		{
 			UE_LOG(LogTemp, Error,
-				TEXT("Cancel Request : You have not specified a header. An HTTP request does not work without a header. Add headers like user-agent,Content-Type,Content-Length"));
+				TEXT(
+					"Cancel Request : You have not specified a header. An HTTP request does not work without a header. Add headers like user-agent,Content-Type,Content-Length"));
 			return false;
 		}
 		if (!Header.Contains(TEXT("Content-Type")))
 		{
 			UE_LOG(LogTemp, Error,
-				TEXT("Cancel Request : The Content-Type header is missing. This can cause a crash in some UE versions. Therefore the request is not executed. Please also pay attention to upper and lower case."));
+				TEXT(
+					"Cancel Request : The Content-Type header is missing. This can cause a crash in some UE versions. Therefore the request is not executed. Please also pay attention to upper and lower case."));
 			return false;
 		}
 		return true;
@@ -34,8 +36,7 @@ namespace CorvaneIndividual
 				return true;
 			}
 		}
-		UE_LOG(LogTemp, Error,
-			TEXT("Cancel Request : Wrong verb. Possible values:GET,HEAD,POST,PUT,DELETE,TRACE,OPTIONS,CONNECT,PATCH"));
+		UE_LOG(LogTemp, Error, TEXT("Cancel Request : Wrong verb. Possible values:GET,HEAD,POST,PUT,DELETE,TRACE,OPTIONS,CONNECT,PATCH"));
 		return false;
 	}
 
@@ -55,10 +56,10 @@ namespace CorvaneIndividual
 	}
 } // namespace CorvaneIndividual
 
-void UCorvaneBPLibrary::CreateHttpRequestIndividual(TArray<FhttpRequest> InOtherHttpRequests, FString InUrl, TMap<FString, FString> InHeader,
-	FString InVerb, EHTTPCorvIndividualType InContentBodyType, FString InContentBody, FString InOptionalRequestID,
-	TArray<FhttpRequest>& OutHttpRequests, FString& OutRequestID, bool bInAddContentLengthHeader, bool bInBindDownloadProgressEvent,
-	bool bInBindUploadProgressEvent, bool bInBindServerSendEvent)
+void UCorvaneBPLibrary::CreateHttpRequestIndividual(TArray<FhttpRequest> InOtherHttpRequests, FString InUrl,
+	TMap<FString, FString> InHeader, FString InVerb, EHTTPCorvIndividualType InContentBodyType, FString InContentBody,
+	FString InOptionalRequestID, TArray<FhttpRequest>& OutHttpRequests, FString& OutRequestID, bool bInAddContentLengthHeader,
+	bool bInBindDownloadProgressEvent, bool bInBindUploadProgressEvent, bool bInBindServerSendEvent)
 {
 	const FString Verb = InVerb.ToUpper();
 	if (!CorvaneIndividual::isHeaderUsable(InHeader) || !CorvaneBuilder::isUrlLongEnough(InUrl) || !CorvaneIndividual::isVerbKnown(Verb))

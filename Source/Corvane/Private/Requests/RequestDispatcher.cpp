@@ -1,7 +1,7 @@
 #include "CorvaneBPLibrary.h"
 
 #include "Completion/GameThreadDelivery.h"
-#include "Completion/RunningRequests.h"
+#include "Containers/StringConv.h"
 #include "CorvaneRequestCompleteObject.h"
 #include "HttpModule.h"
 #include "Misc/ScopeLock.h"
@@ -13,6 +13,29 @@ namespace CorvaneDispatcher
 	// A header of the script or a persistent one replaces it.
 	static const TCHAR* const defaultUserAgent =
 		TEXT("UE4 Mozilla/5.0 (Windows NT 10.0; Win64; x64) AppleWebKit/537.36 (KHTML, like Gecko) Chrome/69.0.3497.81 Safari/537.36");
+
+	static const TCHAR* const formType = TEXT("application/x-www-form-urlencoded");
+
+	/** One progress callback per request: the last of these that applies wins. */
+	static void bind(const FhttpRequest& Record, UCorvaneRequestCompleteObject* Object, IHttpRequest& HttpRequest)
+	{
+		using FObject = UCorvaneRequestCompleteObject;
+		FHttpRequestProgressDelegate64& Progress = HttpRequest.OnRequestProgress64();
+		const bool bIndividual = Record.requestType >= EHTTPCorvRequestType::INDIVIDUAL;
+		if (!bIndividual || Record.bindDownloadProgressEvent)
+		{
+			Progress.BindUObject(Object, &FObject::requestProgressDownload);
+		}
+		if (bIndividual && Record.bindUploadProgressEvent)
+		{
+			Progress.BindUObject(Object, &FObject::requestProgressUpload);
+		}
+		if (Record.bindServerSendEvent)
+		{
+			Progress.BindUObject(Object, &FObject::requestProgressServerSendEvent);
+		}
+		HttpRequest.OnProcessRequestComplete().BindUObject(Object, &FObject::requestComplete);
+	}
 
 	/** Ends a request that was announced to scripts by its builder and cannot be started after all. */
 	static void refuse(UCorvaneBPLibrary* Library, UCorvaneRequestCompleteObject* Object)
@@ -66,18 +89,12 @@ void UCorvaneBPLibrary::startRequest(FhttpRequest& InRequest)
 	const FHttpRequestPtr HttpRequest = FHttpModule::Get().CreateRequest();
 	HttpRequest->SetDelegateThreadPolicy(EHttpRequestDelegateThreadPolicy::CompleteOnHttpThread);
 	HttpRequest->SetHeader(TEXT("User-Agent"), CorvaneDispatcher::defaultUserAgent);
-	fillRequestGET(InRequest, *HttpRequest);
-	fillHeader(InRequest, *HttpRequest);
-
-	if (InRequest.bindServerSendEvent)
+	if (!fillRequest(InRequest, *HttpRequest))
 	{
-		HttpRequest->OnRequestProgress64().BindUObject(Object, &UCorvaneRequestCompleteObject::requestProgressServerSendEvent);
+		CorvaneDispatcher::refuse(this, Object);
+		return;
 	}
-	else
-	{
-		HttpRequest->OnRequestProgress64().BindUObject(Object, &UCorvaneRequestCompleteObject::requestProgressDownload);
-	}
-	HttpRequest->OnProcessRequestComplete().BindUObject(Object, &UCorvaneRequestCompleteObject::requestComplete);
+	CorvaneDispatcher::bind(InRequest, Object, *HttpRequest);
 	Object->setHttpRequest(HttpRequest);
 	{
 		FScopeLock Lock(&mapLock);
@@ -86,21 +103,83 @@ void UCorvaneBPLibrary::startRequest(FhttpRequest& InRequest)
 	HttpRequest->ProcessRequest();
 }
 
+bool UCorvaneBPLibrary::fillRequest(const FhttpRequest& InRequest, IHttpRequest& OutHttpRequest)
+{
+	switch (InRequest.requestType)
+	{
+	case EHTTPCorvRequestType::GET:
+		fillRequestGET(InRequest, OutHttpRequest);
+		fillHeader(InRequest, OutHttpRequest);
+		return true;
+	case EHTTPCorvRequestType::POST:
+		fillRequestPOST(InRequest, OutHttpRequest);
+		fillHeader(InRequest, OutHttpRequest);
+		return true;
+	case EHTTPCorvRequestType::INDIVIDUAL:
+	case EHTTPCorvRequestType::INDIVIDUAL_STREAM:
+		return fillRequestIndividual(InRequest, OutHttpRequest);
+	default:
+		return false; // no builder makes these
+	}
+}
+
 void UCorvaneBPLibrary::fillRequestGET(const FhttpRequest& InRequest, IHttpRequest& OutHttpRequest)
 {
-	OutHttpRequest.SetHeader(TEXT("Content-Type"), TEXT("application/x-www-form-urlencoded"));
+	OutHttpRequest.SetHeader(TEXT("Content-Type"), CorvaneDispatcher::formType);
 	OutHttpRequest.SetVerb(TEXT("GET"));
 	OutHttpRequest.SetURL(InRequest.url);
 }
 
+void UCorvaneBPLibrary::fillRequestPOST(const FhttpRequest& InRequest, IHttpRequest& OutHttpRequest)
+{
+	OutHttpRequest.SetHeader(TEXT("Content-Type"), CorvaneDispatcher::formType);
+	OutHttpRequest.SetVerb(TEXT("POST"));
+	OutHttpRequest.SetURL(InRequest.url);
+	const FString Body = postMapToString(InRequest.POSTData);
+	OutHttpRequest.SetContentAsString(Body);
+	OutHttpRequest.SetHeader(TEXT("Content-Length"), Int64ToFString(FTCHARToUTF8(*Body, Body.Len()).Length()));
+}
+
+bool UCorvaneBPLibrary::fillRequestIndividual(const FhttpRequest& InRequest, IHttpRequest& OutHttpRequest)
+{
+	OutHttpRequest.SetVerb(InRequest.verb);
+	OutHttpRequest.SetURL(InRequest.url);
+	if (InRequest.requestType == EHTTPCorvRequestType::INDIVIDUAL)
+	{
+		OutHttpRequest.SetContentAsString(InRequest.content);
+	}
+	else if (!OutHttpRequest.SetContentAsStreamedFile(InRequest.content))
+	{
+		// Sent without its file, the request could replace what the server holds by nothing.
+		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: Can't read File: %s"), *InRequest.content);
+		return false;
+	}
+	fillHeader(InRequest, OutHttpRequest);
+	return true;
+}
+
 void UCorvaneBPLibrary::fillHeader(const FhttpRequest& InRequest, IHttpRequest& OutHttpRequest)
 {
+	const bool bLengthIsSet = InRequest.requestType == EHTTPCorvRequestType::POST;
 	for (const TPair<FString, FString>& Header : persistentHeaders)
 	{
-		OutHttpRequest.SetHeader(Header.Key, Header.Value);
+		if (!bLengthIsSet || Header.Key != TEXT("Content-Length")) // only the record itself may know better
+		{
+			OutHttpRequest.SetHeader(Header.Key, Header.Value);
+		}
 	}
 	for (const TPair<FString, FString>& Header : InRequest.header)
 	{
 		OutHttpRequest.SetHeader(Header.Key, Header.Value);
 	}
+}
+
+FString UCorvaneBPLibrary::postMapToString(const TMap<FString, FString>& InMap)
+{
+	FString Body;
+	for (const TPair<FString, FString>& Field : InMap)
+	{
+		Body += (Body.IsEmpty() ? TEXT("") : TEXT("&")) + Field.Key + TEXT("=") + Field.Value;
+	}
+	return Body;
 }
