@@ -1,0 +1,84 @@
+#include "Containers/StringConv.h"
+#include "GameLoop.h"
+#include "Kit/BareCurl.h"
+#include "Kit/CorvaneClient.h"
+#include "Kit/StampServer.h"
+#include "Kit/Statistics.h"
+#include "Workload.h"
+
+#include <CLI/CLI.hpp>
+#include <cmath>
+#include <fmt/format.h>
+#include <stdexcept>
+
+namespace
+{
+	Figures figures(const StampReader& reader, int expected)
+	{
+		const std::vector<double>& latencies = reader.latencies();
+		if (latencies.size() != static_cast<std::size_t>(expected))
+		{
+			throw std::runtime_error(fmt::format("{} of {} events arrived", latencies.size(), expected));
+		}
+		return {{"latency, p50", "us", Statistics::quantile(latencies, 0.5)}, {"latency, p99", "us", Statistics::quantile(latencies, 0.99)},
+			{"latency, max", "us", Statistics::quantile(latencies, 1)}};
+	}
+
+	Figures measureCorvane(CorvaneClient& client, const StampServer& server, int events)
+	{
+		StampReader reader;
+		const BoundHandler onEvent(UCorvaneBPLibrary::getCorvaneTarget()->onhttpServerSendEventDelegate,
+			[&reader](void* const* arguments)
+			{
+				const FString& response = *static_cast<const FString*>(arguments[0]);
+				reader.take(FTCHARToUTF8(*response, response.Len()).Get());
+			});
+		client.start(server.url(), true);
+		client.waitUntilCompleted(client.completed() + 1);
+		return figures(reader, events);
+	}
+
+	Figures measureBare(const StampServer& server, int events)
+	{
+		StampReader reader;
+		BareCurl(server.url(), 1).stream([&reader](std::string_view bytes) { reader.take(bytes); });
+		return figures(reader, events);
+	}
+
+	class EventLatency final : public Workload
+	{
+	public:
+		CLI::App* addTo(CLI::App& program) override
+		{
+			CLI::App* command = program.add_subcommand("event-latency", "From the sending of a server-sent event to its handler");
+			command->add_option("--rate", rate, "Events a second")->capture_default_str()->check(CLI::PositiveNumber);
+			command->add_option("--seconds", seconds, "Length of one run")->capture_default_str()->check(CLI::PositiveNumber);
+			command->add_option("--pairs", pairs, "Pairs of runs behind one warm-up pair")
+				->capture_default_str()
+				->check(CLI::PositiveNumber);
+			return command;
+		}
+
+		std::vector<Comparison> run() override
+		{
+			const int events = static_cast<int>(std::lround(std::max(1.0, rate * seconds)));
+			const StampServer server(rate, events);
+			FGameLoop loop;
+			CorvaneClient client(loop);
+			Comparison empty(fmt::format("event-latency: {} events, {} a second", events, rate), "bare libcurl");
+			return {alternate(
+				std::move(empty), pairs, WarmUp::OnePair, [&] { return measureCorvane(client, server, events); },
+				[&] { return measureBare(server, events); })};
+		}
+
+	private:
+		double rate = 200;
+		double seconds = 5;
+		int pairs = 3;
+	};
+} // namespace
+
+std::unique_ptr<Workload> makeEventLatency()
+{
+	return std::make_unique<EventLatency>();
+}

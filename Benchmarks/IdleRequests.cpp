@@ -1,0 +1,148 @@
+#include "GameLoop.h"
+#include "Host/Log.h"
+#include "Kit/BareCurl.h"
+#include "Kit/CorvaneClient.h"
+#include "Kit/ProcessFigures.h"
+#include "Kit/Self.h"
+#include "Kit/SilentServer.h"
+#include "Workload.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <stdexcept>
+
+namespace
+{
+	/** One side's way to make requests that stay unanswered, and to see them end. */
+	struct IdleSide
+	{
+		std::function<void()> startAll;
+		/** Goes on until the condition holds. */
+		std::function<void(const std::function<bool()>& condition)> runUntil;
+		/** Goes on until every request has failed. */
+		std::function<void()> runUntilEnded;
+	};
+
+	/** Memory that two rounds of idle requests take, all against the time before the first. */
+	Figures measureRounds(SilentServer& server, const IdleSide& side, int requests)
+	{
+		const std::int64_t before = ProcessFigures::residentBytes();
+		const auto kibibytesEach = [before, requests]
+		{ return static_cast<double>(ProcessFigures::residentBytes() - before) / 1024 / requests; };
+		Figures taken;
+		for (const char* round : {"first round", "second round"})
+		{
+			side.startAll();
+			side.runUntil([&server, requests] { return server.waiting() >= requests; });
+			taken.push_back({fmt::format("running, {}", round), "KiB/request", kibibytesEach()});
+			server.dropConnections();
+			side.runUntilEnded();
+			taken.push_back({fmt::format("ended, {}", round), "KiB/request", kibibytesEach()});
+		}
+		return taken;
+	}
+
+	Figures measureCorvane(int requests)
+	{
+		constexpr double longEnough = 600;
+		HostLog::SetSink([](const char*, ELogVerbosity::Type, const FString&) {}); // every request is meant to fail
+		SilentServer server;
+		FGameLoopSettings settings;
+		settings.http.activityTimeoutSeconds = longEnough;
+		FGameLoop loop(settings);
+		CorvaneClient client(loop);
+		int started = 0;
+		const IdleSide side{[&]
+			{
+				for (int number = 0; number < requests; ++number, ++started)
+				{
+					client.start(server.url());
+				}
+			},
+			[&](const std::function<bool()>& condition)
+			{
+				if (!loop.WaitFor(condition, longEnough))
+				{
+					throw std::runtime_error("the requests did not reach the server");
+				}
+			},
+			[&]
+			{
+				client.waitUntilCompleted(started);
+				loop.CollectGarbage();
+			}};
+		return measureRounds(server, side, requests);
+	}
+
+	Figures measureBare(int requests)
+	{
+		SilentServer server;
+		std::optional<BareCurl> client; // made late: its handles are part of what is measured
+		const IdleSide side{[&]
+			{
+				if (!client)
+				{
+					client.emplace(server.url(), requests);
+				}
+				client->startAll();
+			},
+			[&](const std::function<bool()>& condition) { client->runUntil(condition); }, [&] { client->runUntil([] { return false; }); }};
+		return measureRounds(server, side, requests);
+	}
+
+	class IdleRequests final : public Workload
+	{
+	public:
+		CLI::App* addTo(CLI::App& program) override
+		{
+			CLI::App* command = program.add_subcommand("idle-requests", "Memory of requests that wait for an answer");
+			command->add_option("--requests", requests, "Requests that wait at a time")->capture_default_str()->check(CLI::PositiveNumber);
+			command->add_option("--pairs", pairs, "Pairs of runs, each run in a fresh process")
+				->capture_default_str()
+				->check(CLI::PositiveNumber);
+			command->add_option("--side", side)->group(""); // for the fresh processes alone
+			return command;
+		}
+
+		std::vector<Comparison> run() override
+		{
+			if (!side.empty())
+			{
+				nlohmann::json printed = nlohmann::json::array();
+				for (const Figure& figure : side == "corvane" ? measureCorvane(requests) : measureBare(requests))
+				{
+					printed.push_back({figure.name, figure.unit, figure.value});
+				}
+				fmt::print("{}\n", printed.dump());
+				return {};
+			}
+			Comparison empty(fmt::format("idle-requests: {} requests without an answer, memory beyond that of the idle program", requests),
+				"bare libcurl");
+			return {alternate(
+				std::move(empty), pairs, WarmUp::None, [this] { return measureIn("corvane"); }, [this] { return measureIn("bare"); })};
+		}
+
+	private:
+		/** Memory that was used once is used again, so each run has a process of its own. */
+		Figures measureIn(const char* which) const
+		{
+			Figures taken;
+			for (const nlohmann::json& figure : runSelf(fmt::format("idle-requests --requests {} --side {}", requests, which)))
+			{
+				taken.push_back({figure.at(0), figure.at(1), figure.at(2)});
+			}
+			return taken;
+		}
+
+		int requests = 500;
+		int pairs = 3;
+		std::string side;
+	};
+} // namespace
+
+std::unique_ptr<Workload> makeIdleRequests()
+{
+	return std::make_unique<IdleRequests>();
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+
+namespace ProcessFigures
+{
+	/** Seconds of user and system time of all threads of this process. */
+	double cpuSeconds();
+	/** The same of the calling thread alone. */
+	double threadCpuSeconds();
+	/** Bytes of memory that this process has in RAM. */
+	std::int64_t residentBytes();
+	/** Allows this process and its children as many open files as the system lets it. */
+	void raiseFileLimit();
+} // namespace ProcessFigures
+
+/** Time since its construction on three clocks. Thread: the one that made it. */
+class StopWatch
+{
+public:
+	double seconds() const { return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(); }
+	double cpuSeconds() const { return ProcessFigures::cpuSeconds() - cpuStart; }
+	double threadCpuSeconds() const { return ProcessFigures::threadCpuSeconds() - threadCpuStart; }
+
+private:
+	std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
+	double cpuStart = ProcessFigures::cpuSeconds();
+	double threadCpuStart = ProcessFigures::threadCpuSeconds();
+};

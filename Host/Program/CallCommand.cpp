@@ -1,0 +1,167 @@
+#include "CallFrame.h"
+#include "Commands.h"
+#include "Completions.h"
+#include "CorvaneBPLibrary.h"
+#include "Kismet/BlueprintAsyncActionBase.h"
+#include "PinOutput.h"
+#include "ProgressBar.h"
+#include "ScriptError.h"
+#include "UObject/UObjectGlobals.h"
+
+#include <fmt/format.h>
+
+#include <cstring>
+#include <optional>
+
+namespace Program
+{
+	namespace
+	{
+		const Script::Function& findFunction(const std::string& name)
+		{
+			const std::vector<const Script::Function*> found = Script::findFunctions(name);
+			if (found.empty())
+			{
+				throw UsageError(fmt::format("there is no function '{}'; 'corvane nodes' lists them all", name));
+			}
+			if (found.size() > 1)
+			{
+				throw UsageError(fmt::format("'{}' is ambiguous: write {} or {}", name, found[0]->name, found[1]->name));
+			}
+			return *found.front();
+		}
+
+		void setPin(const Script::Function& function, Script::CallFrame& frame, const std::string& assignment)
+		{
+			const size_t equals = assignment.find('=');
+			if (equals == std::string::npos)
+			{
+				throw UsageError(fmt::format("'{}' is no pin=value", assignment));
+			}
+			const std::string pin = assignment.substr(0, equals);
+			const std::optional<size_t> index = frame.findInput(pin);
+			if (!index)
+			{
+				throw UsageError(fmt::format("{}: unknown pin '{}'", function.name, pin));
+			}
+			try
+			{
+				fromWord(assignment.substr(equals + 1), frame[*index].type(), frame[*index].get());
+			}
+			catch (const Script::ScriptError& error)
+			{
+				throw UsageError(fmt::format("{}: pin '{}': {}", function.name, pin, error.what()));
+			}
+		}
+
+		/** One call from its arguments to its outcome. */
+		class Call
+		{
+		public:
+			Call(FGameLoop& gameLoop, const Script::Function& calledFunction, const CallOptions& options)
+				: loop(gameLoop)
+				, function(calledFunction)
+				, frame(*calledFunction.function)
+			{
+				for (const std::string& assignment : options.pins)
+				{
+					setPin(function, frame, assignment);
+				}
+			}
+
+			/** @return the pins to print; nothing when what was started ended without saying so. */
+			std::optional<Json> run()
+			{
+				const Completions completions;
+				const ProgressBar progress;
+				frame.invoke();
+				if (Script::nodeClassOf(*function.function))
+				{
+					return runNode(completions);
+				}
+				const TArray<FhttpRequest>* const records = builtRecords();
+				return records ? runRequests(completions, *records) : finishedOutputs();
+			}
+
+		private:
+			/** @return the records that a builder made; null when the function is no builder. */
+			const TArray<FhttpRequest>* builtRecords() const
+			{
+				const std::optional<size_t> index = frame.findOutput("httpRequests");
+				const bool isBuilder = index && &frame[*index].type() == &PropertyTypeOf<TArray<FhttpRequest>>();
+				return isBuilder ? static_cast<const TArray<FhttpRequest>*>(frame[*index].get()) : nullptr;
+			}
+
+			std::optional<Json> runRequests(const Completions& completions, const TArray<FhttpRequest>& records)
+			{
+				const std::string requestID = outputs().at("requestID").get<std::string>();
+				UCorvaneBPLibrary* target = nullptr;
+				UCorvaneBPLibrary::executeHttpRequests(records, target); // a refused request is not among them
+				runToIdle();
+				const Json* const outcome = completions.of(requestID);
+				return outcome ? std::optional(*outcome) : std::nullopt;
+			}
+
+			std::optional<Json> runNode(const Completions& completions)
+			{
+				UObject* created = nullptr;
+				std::memcpy(&created, frame[frame.size() - 1].get(), sizeof(created));
+				auto* const node = Cast<UBlueprintAsyncActionBase>(created);
+				if (!node)
+				{
+					return std::nullopt;
+				}
+				std::optional<Json> outcome;
+				std::list<EventTap> taps; // they hold the node
+				for (const FMulticastDelegateProperty* event : Script::eventsOf(node->GetClass()))
+				{
+					taps.emplace_back(*node, *event, [&outcome](const Json& pins) { outcome = outcome.value_or(pins); });
+				}
+				node->Activate();
+				runToIdle();
+				const Json* const refusal = completions.first(); // a refusing builder answers before anybody hears the node
+				return outcome || !refusal ? outcome : std::optional(*refusal);
+			}
+
+			std::optional<Json> finishedOutputs()
+			{
+				Json pins = outputs();
+				runToIdle(); // what the function left behind, such as a queued write
+				return pins;
+			}
+
+			Json outputs() const
+			{
+				Json pins = Json::object();
+				for (size_t index = 0; index < frame.size(); ++index)
+				{
+					if (Script::isOutput(frame.parameter(index).Kind))
+					{
+						pins[frame.parameter(index).Name] = toJson(frame[index].type(), frame[index].get());
+					}
+				}
+				return pins;
+			}
+
+			void runToIdle() { loop.RunUntilIdle(UCorvaneBPLibrary::hasPendingWork); }
+
+			FGameLoop& loop;
+			const Script::Function& function;
+			Script::CallFrame frame;
+		};
+	} // namespace
+
+	int callFunction(const FGameLoopSettings& settings, const CallOptions& options)
+	{
+		const Script::Function& function = findFunction(options.function);
+		FGameLoop loop(settings);
+		const std::optional<Json> pins = Call(loop, function, options).run();
+		if (!pins)
+		{
+			fmt::print(stderr, "corvane: {} ended without a result\n", function.name);
+			return exitFailed;
+		}
+		printPins(*pins, options.json);
+		return isFailure(*pins) ? exitFailed : exitGood;
+	}
+} // namespace Program

@@ -1,0 +1,27 @@
+#include "Completions.h"
+
+#include "CorvaneBPLibrary.h"
+#include "Reflection.h"
+
+#include <algorithm>
+
+namespace Program
+{
+	Completions::Completions()
+	{
+		UObject* const target = UCorvaneBPLibrary::getCorvaneTarget();
+		for (const char* name : {"onhttpRequestCompleteDelegate", "onhttpRequestCompleteGoogleInfoDelegate"})
+		{
+			const FMulticastDelegateProperty* const event = Script::findEvent(target->GetClass(), name);
+			HOST_CHECK(event);
+			taps.emplace_back(*target, *event, [this](const Json& pins) { completed.push_back(pins); });
+		}
+	}
+
+	const Json* Completions::of(const std::string& requestID) const
+	{
+		const auto found =
+			std::find_if(completed.begin(), completed.end(), [&](const Json& pins) { return pins.at("requestID") == requestID; });
+		return found == completed.end() ? nullptr : &*found;
+	}
+} // namespace Program

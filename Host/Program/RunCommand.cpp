@@ -1,0 +1,13 @@
+#include "Commands.h"
+
+#include <filesystem>
+
+int Program::runScript(const FGameLoopSettings& settings, const std::string& path, const std::vector<std::string>& arguments)
+{
+	if (!std::filesystem::exists(path) || std::filesystem::is_directory(path))
+	{
+		throw UsageError("there is no script " + path);
+	}
+	FGameLoop loop(settings);
+	return runToEnd(loop, path, arguments);
+}

@@ -1,0 +1,103 @@
+#include "EventHandler.h"
+
+#include "Context.h"
+#include "Converters.h"
+
+namespace Script
+{
+	namespace
+	{
+		struct Invocation
+		{
+			int function;
+			const UDelegateFunction& signature;
+			void* const* arguments;
+		};
+
+		/** Runs protected, since building the argument table may fail as well. */
+		int callFunction(lua_State* lua)
+		{
+			const Invocation& invocation = *static_cast<const Invocation*>(lua_touserdata(lua, 1));
+			lua_rawgeti(lua, LUA_REGISTRYINDEX, invocation.function);
+			lua_createtable(lua, 0, static_cast<int>(invocation.signature.Parameters.size()));
+			for (size_t index = 0; index < invocation.signature.Parameters.size(); ++index)
+			{
+				const FParameter& parameter = invocation.signature.Parameters[index];
+				pushValue(lua, parameter.Type(), invocation.arguments[index]);
+				lua_setfield(lua, -2, parameter.Name);
+			}
+			lua_call(lua, 1, 0);
+			return 0;
+		}
+	} // namespace
+
+	EventHandler::EventHandler(lua_State* lua, EventBindings& bindings, UObject& eventOwner, const FMulticastDelegateProperty& boundEvent)
+		: handle(++bindings.lastHandle)
+		, context(&Context::of(lua))
+		, owner(&eventOwner)
+		, event(boundEvent)
+		, function(luaL_ref(lua, LUA_REGISTRYINDEX))
+	{
+		bindings.handlers.emplace(handle, this);
+	}
+
+	EventHandler::EventHandler(Context& scriptContext, UObject& eventOwner, const FMulticastDelegateProperty& boundEvent,
+		void (*internalAction)(Context&, UObject&))
+		: handle(++scriptContext.bindings.lastHandle)
+		, context(&scriptContext)
+		, owner(&eventOwner)
+		, event(boundEvent)
+		, action(internalAction)
+	{
+		scriptContext.bindings.handlers.emplace(handle, this);
+	}
+
+	EventHandler::~EventHandler()
+	{
+		context->bindings.handlers.erase(handle);
+		luaL_unref(context->main, LUA_REGISTRYINDEX, function);
+	}
+
+	void EventHandler::run(void* const* arguments)
+	{
+		if (!action)
+		{
+			callScript(arguments);
+		}
+		else if (UObject* const alive = owner.Get())
+		{
+			action(*context, *alive);
+		}
+	}
+
+	void EventHandler::unbind() const
+	{
+		if (UObject* const alive = owner.Get())
+		{
+			event.Get(alive).RemoveHandler(number);
+		}
+	}
+
+	void EventHandler::callScript(void* const* arguments) const
+	{
+		lua_State* const lua = context->running;
+		if (!lua_checkstack(lua, LUA_MINSTACK))
+		{
+			context->fail("stack overflow: events that raise each other");
+			return;
+		}
+		Invocation invocation{function, *event.Signature, arguments};
+		const int top = lua_gettop(lua);
+		lua_pushcfunction(lua, addTraceback);
+		lua_pushcfunction(lua, guarded<callFunction>);
+		lua_pushlightuserdata(lua, &invocation);
+		++context->handlerDepth;
+		if (lua_pcall(lua, 1, 0, top + 1) != LUA_OK)
+		{
+			const char* message = lua_tostring(lua, -1);
+			context->fail(message ? message : "");
+		}
+		--context->handlerDepth;
+		lua_settop(lua, top);
+	}
+} // namespace Script

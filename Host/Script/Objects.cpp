@@ -1,0 +1,104 @@
+#include "Objects.h"
+
+#include "Converters.h"
+#include "Events.h"
+#include "Reflection.h"
+#include "UserData.h"
+
+#include <fmt/format.h>
+
+#include <cstring>
+
+namespace Script
+{
+	using ObjectReference = TStrongObjectPtr<UObject>;
+
+	template <>
+	const char* const UserData<ObjectReference>::typeName = "object";
+
+	namespace
+	{
+		constexpr const char* cacheName = "object cache"; // registry: object address to user datum, weak
+
+		int findMember(lua_State* lua)
+		{
+			UObject* const object = UserData<ObjectReference>::check(lua, 1).Get();
+			const char* const name = luaL_checkstring(lua, 2);
+			const FMulticastDelegateProperty* const event = findEvent(object->GetClass(), name);
+			if (!event)
+			{
+				throw ScriptError(fmt::format("{} has no event '{}'", object->GetClass()->GetName(), name));
+			}
+			pushEvent(lua, *object, *event);
+			return 1;
+		}
+
+		int refuseAssignment(lua_State* lua)
+		{
+			const UObject* const object = UserData<ObjectReference>::check(lua, 1).Get();
+			throw ScriptError(fmt::format("{} has no field that scripts may set", object->GetClass()->GetName()));
+		}
+
+		int describe(lua_State* lua)
+		{
+			const UObject* const object = UserData<ObjectReference>::check(lua, 1).Get();
+			lua_pushstring(lua, fmt::format("{} object", object->GetClass()->GetName()).c_str());
+			return 1;
+		}
+
+		void pushCache(lua_State* lua)
+		{
+			if (!luaL_getsubtable(lua, LUA_REGISTRYINDEX, cacheName))
+			{
+				lua_createtable(lua, 0, 1);
+				lua_pushstring(lua, "v");
+				lua_setfield(lua, -2, "__mode");
+				lua_setmetatable(lua, -2);
+			}
+		}
+
+		void pushObjectValue(lua_State* lua, const FPropertyType&, const void* value)
+		{
+			UObject* object = nullptr;
+			std::memcpy(&object, value, sizeof(object)); // declared as a pointer to a derived class, with UObject as its first base
+			pushObject(lua, object);
+		}
+
+		void readObject(lua_State* lua, int index, const FPropertyType& type, void* value)
+		{
+			const ObjectReference* const reference = UserData<ObjectReference>::test(lua, index);
+			const bool fits = reference ? reference->Get()->IsA(type.Class()) : lua_isnil(lua, index);
+			if (!fits)
+			{
+				refuseValue(lua, index, type);
+			}
+			UObject* const object = reference ? reference->Get() : nullptr;
+			std::memcpy(value, &object, sizeof(object));
+		}
+	} // namespace
+
+	void pushObject(lua_State* lua, UObject* object)
+	{
+		static constexpr luaL_Reg methods[] = {{"__index", guarded<findMember>}, {"__newindex", guarded<refuseAssignment>},
+			{"__tostring", guarded<describe>}, {nullptr, nullptr}};
+
+		ObjectReference reference(object);
+		if (!reference)
+		{
+			lua_pushnil(lua); // null, or on the way out: nobody can hold it any more
+			return;
+		}
+		luaL_checkstack(lua, 6, nullptr);
+		pushCache(lua);
+		if (lua_rawgetp(lua, -1, object) == LUA_TNIL)
+		{
+			lua_pop(lua, 1);
+			UserData<ObjectReference>::push(lua, methods, std::move(reference));
+			lua_pushvalue(lua, -1);
+			lua_rawsetp(lua, -3, object);
+		}
+		lua_remove(lua, -2);
+	}
+
+	const Converter objectConverter{pushObjectValue, readObject};
+} // namespace Script

@@ -1,0 +1,147 @@
+#include "Reflection.h"
+
+#include "Kismet/BlueprintAsyncActionBase.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <strings.h>
+
+namespace Script
+{
+	namespace
+	{
+		constexpr uint32 scriptCallable = FUNC_BlueprintCallable | FUNC_BlueprintPure;
+
+		std::string enumName(const UEnum& enumeration)
+		{
+			std::vector<const char*> names;
+			for (const FEnumerator& entry : enumeration.Enumerators)
+			{
+				names.push_back(entry.Name);
+			}
+			return fmt::format("{} ({})", enumeration.Name, fmt::join(names, ", "));
+		}
+
+		std::string arrayName(const FPropertyType& type)
+		{
+			return type.Inner()->Kind == EPropertyKind::Byte ? "bytes" : "list of " + typeName(*type.Inner());
+		}
+
+		std::vector<Function> collectFunctions()
+		{
+			std::vector<Function> found;
+			for (const FCompiledInHeader* header : GetCompiledInHeaders())
+			{
+				for (UClass* (*const staticClass)() : header->Classes)
+				{
+					UClass* const owner = staticClass();
+					for (const UFunction& function : owner->Definition.Functions)
+					{
+						if ((function.Flags & FUNC_Static) && (function.Flags & scriptCallable))
+						{
+							found.push_back({owner, &function, fmt::format("{}.{}", owner->GetName(), function.Name)});
+						}
+					}
+				}
+			}
+			return found;
+		}
+	} // namespace
+
+	const std::vector<Function>& functions()
+	{
+		static const std::vector<Function> all = collectFunctions();
+		return all;
+	}
+
+	std::vector<const UEnum*> enumerations()
+	{
+		std::vector<const UEnum*> all;
+		for (const FCompiledInHeader* header : GetCompiledInHeaders())
+		{
+			all.insert(all.end(), header->Enums.begin(), header->Enums.end());
+		}
+		return all;
+	}
+
+	std::vector<const Function*> findFunctions(std::string_view name)
+	{
+		std::vector<const Function*> found;
+		for (const Function& candidate : functions())
+		{
+			if (equalNames(candidate.name, name) || equalNames(candidate.function->Name, name))
+			{
+				found.push_back(&candidate);
+			}
+		}
+		return found;
+	}
+
+	bool equalNames(std::string_view a, std::string_view b)
+	{
+		return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
+	}
+
+	std::vector<const FMulticastDelegateProperty*> eventsOf(const UClass* type)
+	{
+		std::vector<const FMulticastDelegateProperty*> events;
+		for (; type; type = type->GetSuperClass())
+		{
+			for (const FMulticastDelegateProperty& event : type->Definition.Delegates)
+			{
+				events.push_back(&event);
+			}
+		}
+		return events;
+	}
+
+	const FMulticastDelegateProperty* findEvent(const UClass* type, std::string_view name)
+	{
+		const std::vector<const FMulticastDelegateProperty*> events = eventsOf(type);
+		const auto found = std::find_if(
+			events.begin(), events.end(), [name](const FMulticastDelegateProperty* event) { return equalNames(event->Name, name); });
+		return found == events.end() ? nullptr : *found;
+	}
+
+	UClass* nodeClassOf(const UFunction& function)
+	{
+		if (function.Parameters.empty() || function.Parameters.back().Kind != EParameterKind::Return)
+		{
+			return nullptr;
+		}
+		const FPropertyType& result = function.Parameters.back().Type();
+		const bool makesNode = result.Kind == EPropertyKind::Object && result.Class()->IsChildOf(UBlueprintAsyncActionBase::StaticClass());
+		return makesNode ? result.Class() : nullptr;
+	}
+
+	std::string typeName(const FPropertyType& type)
+	{
+		switch (type.Kind)
+		{
+		case EPropertyKind::Bool:
+			return "bool";
+		case EPropertyKind::Byte:
+			return "uint8";
+		case EPropertyKind::Int:
+			return "int32";
+		case EPropertyKind::Int64:
+			return "int64";
+		case EPropertyKind::Float:
+			return "float";
+		case EPropertyKind::String:
+			return "string";
+		case EPropertyKind::Enum:
+			return enumName(*type.Enum());
+		case EPropertyKind::Struct:
+			return type.Struct()->Name;
+		case EPropertyKind::Object:
+			return fmt::format("{} object", type.Class()->GetName());
+		case EPropertyKind::Array:
+			return arrayName(type);
+		case EPropertyKind::Map:
+			return fmt::format("map of {} to {}", typeName(*type.Inner()), typeName(*type.Value()));
+		}
+		return "unknown";
+	}
+} // namespace Script

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "UObject/Class.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+/** What scripts see of the reflection registry. Names compare without regard to the case of ASCII letters. Thread: any. */
+namespace Script
+{
+	struct Function
+	{
+		UClass* owner;
+		const UFunction* function;
+		std::string name; // "Class.function"
+	};
+
+	/** Every static function that scripts may call, by header, class and declaration order. */
+	const std::vector<Function>& functions();
+
+	/** Every registered enumeration. */
+	std::vector<const UEnum*> enumerations();
+
+	/**
+	 * @param name  "Class.function", or the function's name alone.
+	 * @return every function of that name; several when classes share a bare name.
+	 */
+	std::vector<const Function*> findFunctions(std::string_view name);
+
+	bool equalNames(std::string_view a, std::string_view b);
+
+	/** @return whether a script may set a pin of this kind: all but return values, since an output can start with a value. */
+	inline bool isInput(EParameterKind kind)
+	{
+		return kind != EParameterKind::Return;
+	}
+	inline bool isOutput(EParameterKind kind)
+	{
+		return kind != EParameterKind::Input;
+	}
+
+	/** The events of a class and its bases, the class's own first. */
+	std::vector<const FMulticastDelegateProperty*> eventsOf(const UClass* type);
+	/** @return the event of that name, or null. */
+	const FMulticastDelegateProperty* findEvent(const UClass* type, std::string_view name);
+
+	/** @return the class of the nodes that a function makes, or null when the function is no node factory. */
+	UClass* nodeClassOf(const UFunction& function);
+
+	/** A type as an error message or a listing calls it: "int32", "list of string", "EFoo (A, B)". */
+	std::string typeName(const FPropertyType& type);
+} // namespace Script

@@ -1,0 +1,304 @@
+#include "HttpFixture.h"
+
+#include "Host/GameThreadTasks.h"
+
+#include <atomic>
+
+namespace
+{
+	class Callbacks : public HttpTest, public testing::WithParamInterface<Policy>
+	{
+	protected:
+		bool onGameThread() const { return GetParam() == Policy::CompleteOnGameThread; }
+		Exchange& make(const std::string& url) { return HttpTest::make(url, GetParam()); }
+	};
+
+	/** Sends the first three bytes of a body of nine, and the rest when the gate opens. */
+	RawServer::Script inTwoParts(Gate& gate)
+	{
+		return [&gate](Connection& connection)
+		{
+			connection.readHead();
+			connection.send("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nabc");
+			connection.waitFor(gate);
+			connection.send("defghi");
+			connection.waitForPeer();
+		};
+	}
+} // namespace
+
+INSTANTIATE_TEST_SUITE_P(Policies, Callbacks, testing::Values(Policy::CompleteOnGameThread, Policy::CompleteOnHttpThread),
+	[](const auto& row) { return row.param == Policy::CompleteOnGameThread ? "GameThread" : "HttpThread"; });
+
+TEST_P(Callbacks, RunWhereTheRequestAsked)
+{
+	Gate gate;
+	RawServer server(inTwoParts(gate));
+	Exchange& exchange = make(server.url());
+	ASSERT_TRUE(exchange.start());
+	ASSERT_TRUE(pumpUntil([&] { return !exchange.progress().empty(); }));
+	EXPECT_EQ(exchange.body(), "abc"); // what progress speaks of can be read
+	gate.open();
+	ASSERT_TRUE(pumpUntil([&] { return exchange.completed(); }));
+
+	EXPECT_EQ(exchange.completionThread() == std::this_thread::get_id(), onGameThread());
+	ASSERT_EQ(exchange.progress().size(), 2u);
+	EXPECT_EQ(exchange.progress()[0].received, 3u);
+	EXPECT_EQ(exchange.progress()[1].received, 9u);
+	for (const Exchange::Progress& each : exchange.progress())
+	{
+		EXPECT_EQ(each.thread, exchange.completionThread());
+	}
+}
+
+TEST_P(Callbacks, ProgressIsCoalesced)
+{
+	constexpr size_t pieces = 3000;
+	RawServer server(
+		[](Connection& connection)
+		{
+			connection.readHead();
+			connection.send("HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(pieces) + "\r\n\r\n");
+			for (size_t i = 0; i < pieces; ++i)
+			{
+				connection.send("x");
+			}
+			connection.waitForPeer();
+		});
+	Exchange& exchange = make(server.url());
+	const auto begin = std::chrono::steady_clock::now();
+	ASSERT_TRUE(exchange.start());
+	if (onGameThread())
+	{
+		ASSERT_TRUE(waitFor([&] { return exchange.body().size() == pieces; })); // nothing runs here meanwhile, so all reports are one
+	}
+	ASSERT_TRUE(pumpUntil([&] { return exchange.completed(); }));
+
+	const std::vector<Exchange::Progress> progress = exchange.progress();
+	ASSERT_FALSE(progress.empty());
+	EXPECT_EQ(progress.back().received, pieces);
+	const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - begin);
+	EXPECT_LE(progress.size(), onGameThread() ? 2u : static_cast<size_t>(elapsed.count()) + 2);
+	for (size_t i = 1; i < progress.size(); ++i)
+	{
+		EXPECT_GT(progress[i].received, progress[i - 1].received);
+	}
+}
+
+TEST_P(Callbacks, NeverRunInsideTheCall)
+{
+	RawServer server(answering([](const std::string&) { return answer(200, "x"); }));
+	for (const std::string& url : {server.url(), std::string("ftp://refused/")})
+	{
+		bool inside = true;
+		std::atomic<int> calls = 0;
+		std::atomic<bool> calledInside = false;
+		const FHttpRequestRef request = FHttpModule::Get().CreateRequest();
+		request->SetURL(text(url));
+		request->SetDelegateThreadPolicy(GetParam());
+		const std::thread::id caller = std::this_thread::get_id();
+		request->OnProcessRequestComplete().BindLambda(
+			[&](FHttpRequestPtr, FHttpResponsePtr, bool)
+			{
+				calledInside = std::this_thread::get_id() == caller && inside;
+				++calls;
+			});
+		request->ProcessRequest();
+		request->CancelRequest();
+		inside = false;
+		ASSERT_TRUE(pumpUntil([&] { return calls > 0; }));
+		EXPECT_FALSE(calledInside);
+		EXPECT_EQ(calls, 1);
+	}
+}
+
+TEST_P(Callbacks, CancelWithinTheStartSendsNothing)
+{
+	RawServer server(answering([](const std::string&) { return answer(200, "x"); }));
+	// The HTTP thread stands still in a callback meanwhile, so that it finds start and cancel together.
+	Gate busy;
+	std::atomic<bool> inCallback = false;
+	const FHttpRequestRef blocker = FHttpModule::Get().CreateRequest();
+	blocker->SetURL(text("ftp://refused/"));
+	blocker->SetDelegateThreadPolicy(Policy::CompleteOnHttpThread);
+	blocker->OnProcessRequestComplete().BindLambda(
+		[&](FHttpRequestPtr, FHttpResponsePtr, bool)
+		{
+			inCallback = true;
+			busy.wait({});
+		});
+	blocker->ProcessRequest();
+	ASSERT_TRUE(waitFor([&] { return inCallback.load(); }));
+	Exchange& exchange = make(server.url());
+	EXPECT_TRUE(exchange.start());
+	exchange.request().CancelRequest();
+	busy.open();
+	ASSERT_TRUE(pumpUntil([&] { return exchange.completed(); }));
+	EXPECT_FALSE(exchange.succeeded());
+	EXPECT_EQ(server.connectionCount(), 0);
+}
+
+TEST_P(Callbacks, CancelKeepsWhatArrived)
+{
+	Gate gate;
+	RawServer server(inTwoParts(gate));
+	Exchange& exchange = make(server.url());
+	ASSERT_TRUE(exchange.start());
+	ASSERT_TRUE(waitFor([&] { return exchange.body() == "abc"; }));
+	exchange.request().CancelRequest();
+	exchange.request().CancelRequest();
+	ASSERT_TRUE(pumpUntil([&] { return exchange.completed(); }));
+	EXPECT_FALSE(exchange.succeeded());
+	EXPECT_FALSE(exchange.shownResponse().IsValid());
+	EXPECT_EQ(exchange.code(), 200);
+	EXPECT_EQ(exchange.body(), "abc");
+	ASSERT_FALSE(exchange.progress().empty());
+	EXPECT_EQ(exchange.progress().back().received, 3u);
+	exchange.request().CancelRequest();
+}
+
+TEST_P(Callbacks, CancelAtAnyMomentCompletesOnce)
+{
+	RawServer server(answering([](const std::string&) { return answer(200, std::string(1000, 'x')); }));
+	std::vector<Exchange*> exchanges;
+	for (int i = 0; i < 100; ++i)
+	{
+		Exchange& exchange = *exchanges.emplace_back(&make(server.url()));
+		ASSERT_TRUE(exchange.start());
+		const auto end = std::chrono::steady_clock::now() + std::chrono::microseconds(i * 10);
+		while (std::chrono::steady_clock::now() < end)
+		{
+		}
+		exchange.request().CancelRequest();
+	}
+	ASSERT_TRUE(
+		pumpUntil([&] { return std::all_of(exchanges.begin(), exchanges.end(), [](const Exchange* each) { return each->completed(); }); }));
+	for (const Exchange* exchange : exchanges)
+	{
+		EXPECT_EQ(exchange->shownResponse().IsValid(), exchange->succeeded());
+	}
+} // the fixture counts the completions
+
+TEST_P(Callbacks, StopCompletesWhatRuns)
+{
+	Gate gate;
+	RawServer server(inTwoParts(gate));
+	std::vector<Exchange*> exchanges;
+	for (int i = 0; i < 20; ++i)
+	{
+		ASSERT_TRUE(exchanges.emplace_back(&make(server.url()))->start());
+	}
+	ASSERT_TRUE(waitFor(
+		[&] { return std::all_of(exchanges.begin(), exchanges.end(), [](const Exchange* each) { return each->body() == "abc"; }); }));
+	HttpService::Stop();
+	for (const Exchange* exchange : exchanges)
+	{
+		EXPECT_EQ(exchange->completions(), 1);
+		EXPECT_FALSE(exchange->succeeded());
+		EXPECT_EQ(exchange->body(), "abc");
+	}
+}
+
+TEST_P(Callbacks, CaptureGoesWithCompletion)
+{
+	RawServer server(answering([](const std::string&) { return answer(200, "x"); }));
+	const auto captured = std::make_shared<int>();
+	const FHttpRequestRef request = FHttpModule::Get().CreateRequest();
+	request->SetURL(text(server.url()));
+	request->SetDelegateThreadPolicy(GetParam());
+	request->OnRequestProgress64().BindLambda([captured](FHttpRequestPtr, uint64, uint64) {});
+	request->OnProcessRequestComplete().BindLambda([captured](FHttpRequestPtr, FHttpResponsePtr, bool) {});
+	ASSERT_TRUE(request->ProcessRequest());
+	EXPECT_TRUE(pumpUntil([&] { return captured.use_count() == 1; }));
+	EXPECT_EQ(bytesOf(request->GetResponse()->GetContent()), "x");
+}
+
+TEST_P(Callbacks, StartedRequestNeedsNoHolder)
+{
+	RawServer server(answering([](const std::string&) { return answer(200, "held"); }));
+	std::atomic<bool> done = false;
+	{
+		const FHttpRequestRef request = FHttpModule::Get().CreateRequest();
+		request->SetURL(text(server.url()));
+		request->SetDelegateThreadPolicy(GetParam());
+		request->OnProcessRequestComplete().BindLambda([&done](FHttpRequestPtr self, FHttpResponsePtr response, bool)
+			{ done = bytesOf(response->GetContent()) == "held" && self->GetResponse() == response; });
+		ASSERT_TRUE(request->ProcessRequest());
+	}
+	EXPECT_TRUE(pumpUntil([&] { return done.load(); }));
+}
+
+namespace
+{
+	class Service : public HttpTest
+	{
+	};
+} // namespace
+
+TEST_F(Service, ForcesTheGameThreadWhenTold)
+{
+	Settings.bForceGameThreadCallbacks = true;
+	restart(Settings);
+	RawServer server(answering([](const std::string&) { return answer(200, "x"); }));
+	Exchange& exchange = get(server.url());
+	EXPECT_EQ(exchange.completionThread(), std::this_thread::get_id());
+	EXPECT_EQ(exchange.progress().at(0).thread, std::this_thread::get_id());
+}
+
+TEST_F(Service, AtTheEndCallbacksLeaveTheGameThread)
+{
+	Gate gate;
+	RawServer server(inTwoParts(gate));
+	Exchange& exchange = make(server.url(), Policy::CompleteOnGameThread);
+	ASSERT_TRUE(exchange.start());
+	ASSERT_TRUE(waitFor([&] { return exchange.body() == "abc"; }));
+	ASSERT_TRUE(GameThreadTasks::WaitUntil(std::chrono::steady_clock::now() + std::chrono::seconds(20)));
+	HttpService::EndGameThreadCallbacks();
+	ASSERT_EQ(exchange.progress().size(), 1u);
+	EXPECT_EQ(exchange.progress()[0].thread, std::this_thread::get_id());
+	gate.open();
+	ASSERT_TRUE(waitFor([&] { return exchange.completed(); }));
+	EXPECT_NE(exchange.completionThread(), std::this_thread::get_id());
+	EXPECT_EQ(exchange.progress().back().thread, exchange.completionThread());
+}
+
+TEST_F(Service, RefusesRequestsWhileStopped)
+{
+	RawServer server(answering([](const std::string&) { return answer(200, "x"); }));
+	HttpService::Stop();
+	Exchange& refused = make(server.url());
+	EXPECT_FALSE(refused.start());
+	EXPECT_EQ(refused.completions(), 0);
+	EXPECT_EQ(Log.count("LogHttp", ELogVerbosity::Error, "not running"), 1);
+	HttpService::Start(Settings);
+	refused.request().CancelRequest();
+	EXPECT_TRUE(get(server.url()).succeeded());
+	ASSERT_TRUE(pumpUntil([&] { return refused.completed(); }));
+	EXPECT_FALSE(refused.succeeded());
+	EXPECT_EQ(server.requests().size(), 1u);
+}
+
+TEST_F(Service, ACallbackMayStartTheNextRequest)
+{
+	RawServer server(answering([](const std::string&) { return answer(200, "x"); }));
+	std::vector<FHttpRequestRef> requests;
+	std::atomic<int> completed = 0;
+	for (int i = 0; i < 50; ++i)
+	{
+		requests.push_back(FHttpModule::Get().CreateRequest());
+		requests.back()->SetURL(text(server.url()));
+		requests.back()->SetDelegateThreadPolicy(Policy::CompleteOnHttpThread);
+		requests.back()->OnProcessRequestComplete().BindLambda(
+			[&, i](FHttpRequestPtr, FHttpResponsePtr, bool succeeded)
+			{
+				if (succeeded && i + 1 < 50)
+				{
+					requests[static_cast<size_t>(i) + 1]->ProcessRequest();
+				}
+				completed += succeeded;
+			});
+	}
+	requests[0]->ProcessRequest();
+	EXPECT_TRUE(waitFor([&] { return completed == 50; }));
+	EXPECT_EQ(server.connectionCount(), 1);
+}

@@ -1,0 +1,145 @@
+#include "HttpFixture.h"
+
+#include "Containers/StringConv.h"
+#include "Host/GameThreadTasks.h"
+
+FString text(std::string_view utf8)
+{
+	const FUTF8ToTCHAR units(utf8.data(), static_cast<int32>(utf8.size()));
+	return FString::ConstructFromPtrSize(units.Get(), units.Length());
+}
+
+std::string utf8(const FString& text)
+{
+	const FTCHARToUTF8 bytes(*text, text.Len());
+	return std::string(bytes.Get(), static_cast<size_t>(bytes.Length()));
+}
+
+std::string bytesOf(const TArray<uint8>& array)
+{
+	return std::string(array.begin(), array.end());
+}
+
+Exchange::Exchange(const std::string& url, Policy policy)
+	: Request(FHttpModule::Get().CreateRequest())
+{
+	Request->SetURL(text(url));
+	Request->SetDelegateThreadPolicy(policy);
+	Request->OnRequestProgress64().BindLambda(
+		[seen = Seen](FHttpRequestPtr, uint64, uint64 received)
+		{
+			const std::scoped_lock lock(seen->mutex);
+			seen->progress.push_back({received, std::this_thread::get_id(), std::chrono::steady_clock::now()});
+			seen->progressAfterCompletion |= seen->completions > 0;
+		});
+	Request->OnProcessRequestComplete().BindLambda(
+		[seen = Seen](FHttpRequestPtr, FHttpResponsePtr response, bool succeeded)
+		{
+			const std::scoped_lock lock(seen->mutex);
+			++seen->completions;
+			seen->succeeded = succeeded;
+			seen->shown = response;
+			seen->completionThread = std::this_thread::get_id();
+		});
+}
+
+int Exchange::completions() const
+{
+	const std::scoped_lock lock(Seen->mutex);
+	return Seen->completions;
+}
+
+bool Exchange::succeeded() const
+{
+	const std::scoped_lock lock(Seen->mutex);
+	return Seen->succeeded;
+}
+
+std::thread::id Exchange::completionThread() const
+{
+	const std::scoped_lock lock(Seen->mutex);
+	return Seen->completionThread;
+}
+
+FHttpResponsePtr Exchange::shownResponse() const
+{
+	const std::scoped_lock lock(Seen->mutex);
+	return Seen->shown;
+}
+
+std::vector<Exchange::Progress> Exchange::progress() const
+{
+	const std::scoped_lock lock(Seen->mutex);
+	return Seen->progress;
+}
+
+bool Exchange::progressAfterCompletion() const
+{
+	const std::scoped_lock lock(Seen->mutex);
+	return Seen->progressAfterCompletion;
+}
+
+int Exchange::code() const
+{
+	const FHttpResponsePtr response = Request->GetResponse();
+	return response ? response->GetResponseCode() : 0;
+}
+
+std::string Exchange::body() const
+{
+	const FHttpResponsePtr response = Request->GetResponse();
+	return response ? bytesOf(response->GetContent()) : "";
+}
+
+std::string Exchange::header(const char* name) const
+{
+	const FHttpResponsePtr response = Request->GetResponse();
+	return response ? utf8(response->GetHeader(text(name))) : "";
+}
+
+HttpTest::HttpTest()
+{
+	for (const char* variable : {"http_proxy", "https_proxy", "all_proxy", "HTTPS_PROXY", "ALL_PROXY"})
+	{
+		unsetenv(variable);
+	}
+	GameThreadTasks::BindToThisThread();
+	Settings.connectTimeoutSeconds = Settings.activityTimeoutSeconds = patienceSeconds;
+	HttpService::Start(Settings);
+}
+
+HttpTest::~HttpTest()
+{
+	stopAndCheck();
+	GameThreadTasks::Drop(false);
+}
+
+void HttpTest::restart(const FHttpSettings& settings)
+{
+	HttpService::Stop();
+	HttpService::Start(settings);
+}
+
+Exchange& HttpTest::make(const std::string& url, Policy policy)
+{
+	return Exchanges.emplace_back(url, policy);
+}
+
+Exchange& HttpTest::run(Exchange& exchange)
+{
+	exchange.start();
+	pumpUntil([&] { return exchange.completed(); });
+	return exchange;
+}
+
+void HttpTest::stopAndCheck()
+{
+	HttpService::Stop();
+	GameThreadTasks::RunQueued();
+	for (const Exchange& exchange : Exchanges)
+	{
+		EXPECT_EQ(exchange.completions(), 1);
+		EXPECT_FALSE(exchange.progressAfterCompletion());
+	}
+	Exchanges.clear();
+}

@@ -1,0 +1,64 @@
+#include "ScriptFixture.h"
+
+namespace
+{
+	struct Case
+	{
+		const char* name;
+		const char* script;
+	};
+
+	class Conversion : public ScriptFixture, public ::testing::WithParamInterface<Case>
+	{
+	};
+} // namespace
+
+TEST_P(Conversion, KeepsTheValueBothWays)
+{
+	runGood(std::string(R"lua(
+		function same(got, wanted)
+			if type(wanted) == "table" then
+				for key, value in pairs(wanted) do same(got[key], value) end
+				for key in pairs(got) do assert(wanted[key] ~= nil, key) end
+			else
+				assert(got == wanted and math.type(got) == math.type(wanted), tostring(got) .. " instead of " .. tostring(wanted))
+			end
+		end
+		local plain, containers = SampleLibrary.echoPlain, SampleLibrary.echoContainers
+	)lua") + GetParam().script);
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, Conversion,
+	::testing::Values(
+		Case{"Bool", "same(plain{ inFlag = true }.flag, true) same(plain{ inFlag = false }.flag, false) same(plain().flag, false)"},
+		Case{"Byte", "for _, n in ipairs{ 0, 255 } do same(plain{ inSmall = n }.small, n) end"},
+		Case{"Int", "for _, n in ipairs{ -2147483648, 2147483647 } do same(plain{ inNumber = n }.number, n) end"},
+		Case{"WholeFloatIsAnInteger", "same(plain{ inNumber = 3.0 }.number, 3) same(plain{ inBig = 2.0^53 }.big, 1 << 53)"},
+		Case{"Int64", "for _, n in ipairs{ math.mininteger, math.maxinteger } do same(plain{ inBig = n }.big, n) end"},
+		Case{"Float", "same(plain{ inRatio = 0.25 }.ratio, 0.25) same(plain{ inRatio = 2 }.ratio, 2.0)"},
+		Case{"InfiniteFloat", "same(plain{ inRatio = 1/0 }.ratio, 1/0)"},
+		Case{"Text", R"(for _, s in ipairs{ "", "h\u{e9}\u{20ac}\u{1F600}", "zero\0inside" } do same(plain{ inText = s }.text, s) end)"},
+		Case{"BadBytesInText", R"(same(plain{ inText = "a\xFFb\xC3" }.text, "a\u{FFFD}b\u{FFFD}"))"},
+		Case{"Enum", R"(same(plain{ inColour = ESampleColour.Green }.colour, 5) same(plain{ inColour = "blue" }.colour, 6))"},
+		Case{"Object", R"(local t = SampleLibrary.getTarget().ReturnValue
+			same(plain{ inObject = t }.object, t) same(plain{}.object, nil))"},
+		Case{"Array", R"(same(containers{ inTexts = { "b", "a" } }.texts, { "b", "a" }) same(containers{ inNumbers = {} }.numbers, {})
+			same(containers{ inNumbers = { 1, -2 } }.numbers, { 1, -2 }))"},
+		Case{"Bytes", R"(same(containers{ inBytes = "\0\xFF\xC3" }.bytes, "\0\xFF\xC3") same(containers().bytes, ""))"},
+		Case{"Map", R"(same(containers{ inMap = { a = "1", B = "2" } }.map, { a = "1", B = "2" }) same(containers{ inMap = {} }.map, {})
+			same(containers{ inCounts = { { "n", 5 } } }.counts, { n = 5 }))"},
+		Case{"TableOrderIsBytewise", R"(local map = {} for _, k in ipairs{ "b", "\u{e9}", "a1", "a", "Z9" } do map[k .. "x"] = k end
+			same(SampleLibrary.describeMap{ map = map }.ReturnValue, "Z9x=Z9;a1x=a1;ax=a;bx=b;\u{e9}x=\u{e9};"))"},
+		Case{"PairOrderIsKept", R"(same(SampleLibrary.describeMap{ map = { { "z", "1" }, { "a", "2" } } }.ReturnValue, "z=1;a=2;"))"},
+		Case{"Records", R"(local records = SampleLibrary.addRecord{ text = "one" }.records
+			records = SampleLibrary.addRecord{ text = "two", otherRecords = records }.records
+			same(SampleLibrary.recordTexts{ records = { records[2], records[1] } }.ReturnValue, { "two", "one" }))"},
+		Case{"DeclaredDefaults",
+			R"(same(SampleLibrary.describeDefaults().ReturnValue, "1|7|10485760|-5|2.5|a \"b\"|6")
+			same(SampleLibrary.describeDefaults{ flag = false, text = "" }.ReturnValue, "0|7|10485760|-5|2.5||6"))"},
+		Case{"OutputsStartWithTheGivenValue", R"(local first = SampleLibrary.appendText{ text = "a" }
+			same(first, { list = { "a" }, count = 1 })
+			same(SampleLibrary.appendText{ text = "b", list = first.list, count = 41 }, { list = { "a", "b" }, count = 42 }))"},
+		Case{"NamesInAnyCase", "same(samplelibrary, nil) same(SampleLibrary.ECHOPLAIN{ INNUMBER = 4 }.number, 4)"},
+		Case{"EnumTables", "same(ESampleColour, { Red = 0, Green = 5, Blue = 6 }) same(ESampleColour.green, 5)"}),
+	[](const auto& test) { return std::string(test.param.name); });

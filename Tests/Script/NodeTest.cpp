@@ -1,0 +1,54 @@
+#include "ScriptFixture.h"
+
+using Node = ScriptFixture;
+
+TEST_F(Node, RaisesOneOutcomeWithItsPins)
+{
+	runGood(R"lua(
+		local log = {}
+		local function note(pin) return function(e) table.insert(log, pin .. e.statusCode .. e.requestID) end end
+		for _, status in ipairs{ 200, 404 } do
+			SampleNode.startNode{ statusCode = status, requestID = "x", onsuccess = note("success "), OnFail = note("fail ") }
+		end
+		assert(#log == 0, "nothing ends inside the call")
+		assert(wait(function() return #log == 2 end, 10))
+		assert(table.concat(log, ", ") == "success 200x, fail 404x")
+	)lua");
+}
+
+TEST_F(Node, EventsAreBoundBeforeActivation)
+{
+	runGood(R"lua(
+		local status
+		SampleNode.startNode{ statusCode = 201, immediately = true, OnSuccess = function(e) status = e.statusCode end }
+		assert(status == 201)
+	)lua");
+}
+
+TEST_F(Node, ReturnsTheNodeForFurtherHandlers)
+{
+	runGood(R"lua(
+		local calls = 0
+		local node = SampleNode.startNode{ OnSuccess = function() calls = calls + 1 end }
+		node.OnSuccess:Add(function() calls = calls + 1 end)
+		assert(wait(function() return calls > 0 end, 10))
+		assert(calls == 2)
+	)lua");
+}
+
+TEST_F(Node, IsHeldUntilItsOutcomeOnly)
+{
+	runGood("SampleNode.startNode{} SampleNode.startNode{ statusCode = 500 } collectgarbage()");
+	HostObjects::CollectGarbage();
+	EXPECT_EQ(USampleNode::alive, 2); // the script keeps no reference, and gave no handlers
+	GameThreadTasks::RunQueued();
+	HostObjects::CollectGarbage();
+	EXPECT_EQ(USampleNode::alive, 0);
+}
+
+TEST_F(Node, ClearingItsEventDoesNotKeepItForEver)
+{
+	runGood("SampleNode.startNode{ OnSuccess = function() error('cleared') end }.OnSuccess:Clear() collectgarbage() tick()");
+	HostObjects::CollectGarbage();
+	EXPECT_EQ(USampleNode::alive, 0);
+}
