@@ -26,10 +26,10 @@ Exchange::Exchange(const std::string& url, Policy policy)
 	Request->SetURL(text(url));
 	Request->SetDelegateThreadPolicy(policy);
 	Request->OnRequestProgress64().BindLambda(
-		[seen = Seen](FHttpRequestPtr, uint64, uint64 received)
+		[seen = Seen](FHttpRequestPtr, uint64 sent, uint64 received)
 		{
 			const std::scoped_lock lock(seen->mutex);
-			seen->progress.push_back({received, std::this_thread::get_id(), std::chrono::steady_clock::now()});
+			seen->progress.push_back({sent, received, std::this_thread::get_id(), std::chrono::steady_clock::now()});
 			seen->progressAfterCompletion |= seen->completions > 0;
 		});
 	Request->OnProcessRequestComplete().BindLambda(

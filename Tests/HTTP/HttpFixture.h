@@ -26,6 +26,7 @@ class Exchange
 public:
 	struct Progress
 	{
+		uint64 sent;
 		uint64 received;
 		std::thread::id thread;
 		std::chrono::steady_clock::time_point time;

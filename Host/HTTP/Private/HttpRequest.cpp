@@ -3,13 +3,6 @@
 #include "HttpThread.h"
 #include "Text.h"
 
-/** Makes the engine's pointer from the one that std::enable_shared_from_this knows. */
-template <>
-TSharedRef<FHttpRequest> MakeShared<FHttpRequest>(std::shared_ptr<FHttpRequest>&& Request)
-{
-	return TSharedRef<FHttpRequest>(std::move(Request));
-}
-
 bool FHttpRequest::ProcessRequest()
 {
 	if (bStarted.exchange(true))
@@ -115,5 +108,5 @@ void FHttpRequest::RunComplete(FHttpResponsePtr Shown, bool bSucceeded)
 
 FHttpRequestPtr FHttpRequest::Self()
 {
-	return MakeShared<FHttpRequest>(shared_from_this());
+	return FHttpRequestRef(shared_from_this());
 }

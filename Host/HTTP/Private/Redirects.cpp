@@ -42,14 +42,9 @@ std::optional<FOutgoing> Redirects::NextHop(const FOutgoing& Hop, int32 Code, st
 		return std::nullopt;
 	}
 	const bool bBecomesGet = turnsIntoGet(Code, Hop.Verb);
-	std::shared_ptr<FRequestBody> Body = bBecomesGet ? nullptr : Hop.Body;
-	if (Body && !Body->Rewind())
-	{
-		return std::nullopt;
-	}
 	const bool bSameOrigin = Hop.Url.HasSameOrigin(*Url);
 	FHeaderList Headers = Hop.Headers.Filtered(
 		[=](std::string_view Name) { return !(bBecomesGet && describesBody(Name)) && (bSameOrigin || !isMeantForOneOrigin(Name)); });
-	return FOutgoing{
-		bBecomesGet ? "GET" : Hop.Verb, std::move(*Url), std::move(Headers), std::move(Body), bBecomesGet || Hop.bLengthIsTrue};
+	return FOutgoing{bBecomesGet ? "GET" : Hop.Verb, std::move(*Url), std::move(Headers), bBecomesGet ? nullptr : Hop.Body,
+		bBecomesGet || Hop.bLengthIsTrue};
 }

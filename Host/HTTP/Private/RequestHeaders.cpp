@@ -62,6 +62,10 @@ std::optional<FHeaderList> FRequestHeaders::ToWire() const
 {
 	FHeaderList List;
 	List.Remove("Expect"); // bodies go out at once, whatever their size
+	if (Get(TEXT("Content-Type")).IsEmpty())
+	{
+		List.Remove("Content-Type"); // libcurl takes every body for a form
+	}
 	for (const auto& [Name, Value] : Headers)
 	{
 		const std::string NameBytes = Text::ToUtf8(Name);

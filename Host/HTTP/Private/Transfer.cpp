@@ -55,6 +55,11 @@ bool FTransfer::BeginNextHop()
 	}
 	++HopsFollowed;
 	Hop = std::exchange(Next, std::nullopt);
+	if (Hop->Body && !Hop->Body->Rewind()) // not before: the last hop may have been sending when its answer came
+	{
+		Problem = "the body cannot be read once more";
+		return false;
+	}
 	BodyBytes = BytesSent = 0;
 	bConnected = false;
 	BeginHop();

@@ -25,6 +25,13 @@ public:
 	{
 	}
 
+	/** For host code that owns its objects by the standard pointer. */
+	explicit TSharedRef(std::shared_ptr<T> InPointer)
+		: Pointer(std::move(InPointer))
+	{
+		HOST_CHECK(Pointer);
+	}
+
 	T* operator->() const { return Pointer.get(); }
 	T& operator*() const { return *Pointer; }
 	T& Get() const { return *Pointer; }
@@ -34,14 +41,6 @@ private:
 	friend class TSharedRef;
 	template <class, ESPMode>
 	friend class TSharedPtr;
-	template <class U, class... Args>
-	friend TSharedRef<U> MakeShared(Args&&... Arguments);
-
-	explicit TSharedRef(std::shared_ptr<T> InPointer)
-		: Pointer(std::move(InPointer))
-	{
-		HOST_CHECK(Pointer);
-	}
 
 	std::shared_ptr<T> Pointer;
 };
