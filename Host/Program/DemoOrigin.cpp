@@ -3,6 +3,7 @@
 #include <fmt/core.h>
 #include <httplib.h>
 
+#include <optional>
 #include <stdexcept>
 #include <thread>
 
@@ -36,6 +37,28 @@ namespace Program
 			std::this_thread::sleep_for(std::chrono::milliseconds(std::stoi(milliseconds)));
 			response.set_content(fmt::format("waited {} ms", milliseconds), plainText);
 		}
+
+		void echo(const httplib::Request& request, httplib::Response& response)
+		{
+			response.set_content(request.method + ' ' + request.body, plainText);
+		}
+
+		/** Sends one event after another. @param number  how many; none = until the client leaves. */
+		void stream(httplib::Response& response, std::optional<int> number)
+		{
+			response.set_chunked_content_provider("text/event-stream",
+				[number, sent = 0](size_t, httplib::DataSink& sink) mutable
+				{
+					if (number && sent == *number)
+					{
+						sink.done();
+						return true;
+					}
+					const std::string event = fmt::format("data: message {}\n\n", ++sent);
+					std::this_thread::sleep_for(std::chrono::milliseconds(50));
+					return sink.write(event.data(), event.size());
+				});
+		}
 	} // namespace
 
 	DemoOrigin::DemoOrigin()
@@ -45,6 +68,12 @@ namespace Program
 		http.Get("/hello", [](const httplib::Request&, httplib::Response& response) { response.set_content("Hello!", plainText); });
 		http.Get("/headers", answerHeaders);
 		http.Get(R"(/wait/(\d{1,4}))", answerLate);
+		http.Post("/echo", echo);
+		http.Patch("/echo", echo);
+		http.Put("/size", [](const httplib::Request& request, httplib::Response& response)
+			{ response.set_content(std::to_string(request.body.size()), plainText); });
+		http.Get("/events", [](const httplib::Request&, httplib::Response& response) { stream(response, 3); });
+		http.Get("/endless", [](const httplib::Request&, httplib::Response& response) { stream(response, std::nullopt); });
 
 		const int port = http.bind_to_any_port("127.0.0.1");
 		if (port < 0)

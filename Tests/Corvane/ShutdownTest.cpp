@@ -55,3 +55,16 @@ TEST_F(EndOfProgram, RefusesRequestsWithoutALibrary)
 	EXPECT_EQ(target, nullptr);
 	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "executeHttpRequests"), 1);
 }
+
+TEST_F(EndOfProgram, SkipsRecordsOfAnEarlierOne)
+{
+	LogCapture log;
+	const TArray<FhttpRequest> before = get("http://127.0.0.1:1/");
+	loop.Shutdown();
+	const TArray<FhttpRequest> between = get("http://127.0.0.1:1/");
+	FGameLoop next;
+	execute(before);
+	execute(between);
+	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "UCorvaneBPLibrary: Missing Object instance (153)."), 2);
+	EXPECT_FALSE(UCorvaneBPLibrary::hasPendingWork());
+}

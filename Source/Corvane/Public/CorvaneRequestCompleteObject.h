@@ -64,6 +64,8 @@ public:
 	/** Sets the ID together with a copy of the record and the library that events go to. */
 	void setRequestID(FString id, FhttpRequest request, UCorvaneBPLibrary* library);
 	void setRequestStruct(FhttpRequest request);
+	/** @return the library that events go to; null when there was none when the request was built. */
+	UCorvaneBPLibrary* getLibrary() const { return corvaneBPLibrary; }
 	FString getDownloadID() const { return downloadID; }
 	void setDownloadID(FString id) { downloadID = id; }
 	/** Bytes; the size of the whole file on the server. */

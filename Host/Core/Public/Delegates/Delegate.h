@@ -20,9 +20,10 @@ public:
 	{
 		Target = [Weak = TWeakObjectPtr<ObjectType>(Object), Method](Args... Arguments)
 		{
-			if (const auto Pinned = Weak.Pin())
+			const auto Pin = Weak.Pin();
+			if (ObjectType* Pinned = Pin.Get())
 			{
-				(Pinned.Get()->*Method)(std::forward<Args>(Arguments)...);
+				(Pinned->*Method)(std::forward<Args>(Arguments)...);
 			}
 		};
 	}

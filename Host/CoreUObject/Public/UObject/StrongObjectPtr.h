@@ -4,7 +4,10 @@
 
 #include <utility>
 
-/** Keeps an object alive from code that the collector does not look into. Thread: any. */
+/**
+ * Keeps an object alive from code that the collector does not look into. Only the end of the program frees the object all
+ * the same; the pointer is null from then on. Thread: any.
+ */
 template <class T>
 class TStrongObjectPtr
 {
@@ -20,39 +23,29 @@ public:
 	}
 	TStrongObjectPtr(TStrongObjectPtr&& Other) noexcept
 		: Handle(std::exchange(Other.Handle, {}))
-		, Object(std::exchange(Other.Object, nullptr))
 	{
 	}
 	~TStrongObjectPtr() { Reset(); }
 	TStrongObjectPtr& operator=(TStrongObjectPtr Other) noexcept
 	{
 		std::swap(Handle, Other.Handle);
-		std::swap(Object, Other.Object);
 		return *this;
 	}
 
-	T* Get() const { return Object; }
-	T* operator->() const { return Object; }
-	bool IsValid() const { return Object != nullptr; }
+	T* Get() const { return static_cast<T*>(ObjectLifetime::Resolve(Handle)); }
+	T* operator->() const { return Get(); }
+	bool IsValid() const { return Get() != nullptr; }
 	explicit operator bool() const { return IsValid(); }
-	void Reset()
-	{
-		if (std::exchange(Object, nullptr))
-		{
-			ObjectLifetime::Release(Handle);
-		}
-	}
+	void Reset() { ObjectLifetime::Release(std::exchange(Handle, {})); }
 
 private:
 	template <class>
 	friend struct TWeakObjectPtr;
 
 	explicit TStrongObjectPtr(ObjectLifetime::FHandle InHandle)
-		: Handle(InHandle)
-		, Object(static_cast<T*>(ObjectLifetime::Acquire(InHandle)))
+		: Handle(ObjectLifetime::Acquire(InHandle) ? InHandle : ObjectLifetime::FHandle())
 	{
 	}
 
 	ObjectLifetime::FHandle Handle;
-	T* Object = nullptr;
 };

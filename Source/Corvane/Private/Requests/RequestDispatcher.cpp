@@ -67,7 +67,7 @@ void UCorvaneBPLibrary::startRequests(TArray<FhttpRequest>& InHttpRequests)
 void UCorvaneBPLibrary::startRequest(FhttpRequest& InRequest)
 {
 	UCorvaneRequestCompleteObject* Object = InRequest.requestCompleteObject();
-	if (!IsValid(Object))
+	if (!IsValid(Object) || Object->getLibrary() != this) // or it was built when no library was there to report to
 	{
 		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: Missing Object instance (153)."));
 		return;
