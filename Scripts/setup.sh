@@ -10,7 +10,6 @@ packages=(
 )
 for option in "$@"; do
 	case "$option" in
-	--bench) packages+=(libbenchmark-dev) ;;
 	--check) packages+=(clang-format python3) ;;
 	*)
 		echo "usage: $0 [--bench] [--check]" >&2

@@ -2,50 +2,77 @@
 
 #include "HAL/PlatformProcess.h"
 
-#include <chrono>
-#include <condition_variable>
+#include <atomic>
+#include <cerrno>
+#include <ctime>
 #include <memory>
 #include <mutex>
+#include <semaphore.h>
 #include <vector>
 
 namespace
 {
+	/** The moment that many milliseconds from now, on the clock that nobody sets. */
+	timespec monotonicDeadline(uint32 Milliseconds)
+	{
+		constexpr long nanosecondsPerSecond = 1'000'000'000;
+		timespec End{};
+		clock_gettime(CLOCK_MONOTONIC, &End);
+		End.tv_nsec += static_cast<long>(Milliseconds % 1000) * 1'000'000;
+		End.tv_sec += Milliseconds / 1000 + End.tv_nsec / nanosecondsPerSecond;
+		End.tv_nsec %= nanosecondsPerSecond;
+		return End;
+	}
+
+	/**
+	 * One system call to wake, one to sleep, none when nobody waits: every callback of every request goes through here. The
+	 * standard library's condition variable takes a lock as well, and its timed semaphore can miss a wake-up in the release
+	 * that we build with.
+	 */
 	class FAutoResetEvent final : public FEvent
 	{
 	public:
+		FAutoResetEvent() { sem_init(&Semaphore, 0, 0); }
+		~FAutoResetEvent() override { sem_destroy(&Semaphore); }
+
 		void Trigger() override
 		{
-			// Notified under the lock: the waiter may return the event the moment it has seen the flag.
-			const std::scoped_lock Lock(Mutex);
-			bSet = true;
-			Condition.notify_one();
+			if (!bSet.exchange(true))
+			{
+				sem_post(&Semaphore);
+			}
 		}
 
 		bool Wait(uint32 Milliseconds) override
 		{
-			std::unique_lock Lock(Mutex);
-			const bool bWasSet = Condition.wait_for(Lock, std::chrono::milliseconds(Milliseconds), [this] { return bSet; });
-			bSet = false;
-			return bWasSet;
+			const timespec End = monotonicDeadline(Milliseconds);
+			return Finish([&] { return sem_clockwait(&Semaphore, CLOCK_MONOTONIC, &End); });
 		}
 
 		void Wait() override
 		{
-			std::unique_lock Lock(Mutex);
-			Condition.wait(Lock, [this] { return bSet; });
-			bSet = false;
+			Finish([this] { return sem_wait(&Semaphore); });
 		}
 
 		void Clear()
 		{
-			const std::scoped_lock Lock(Mutex);
-			bSet = false;
+			Finish([this] { return sem_trywait(&Semaphore); });
 		}
 
 	private:
-		std::mutex Mutex;
-		std::condition_variable Condition;
-		bool bSet = false;
+		/** Repeats a wait that a signal broke off. @return whether the event was set; it no longer is. */
+		template <class Waiting>
+		bool Finish(Waiting WaitOnce)
+		{
+			int Result;
+			while ((Result = WaitOnce()) != 0 && errno == EINTR)
+			{
+			}
+			return Result == 0 && bSet.exchange(false);
+		}
+
+		sem_t Semaphore; // 1 exactly when bSet is true, but for the moment between the two
+		std::atomic<bool> bSet{false};
 	};
 
 	struct FEventPool
@@ -56,7 +83,7 @@ namespace
 
 	FEventPool& thePool()
 	{
-		static FEventPool Pool;
+		static FEventPool& Pool = *new FEventPool(); // never destroyed: a late Trigger must find its event
 		return Pool;
 	}
 } // namespace

@@ -13,7 +13,10 @@ namespace
 	class FFileWriter final : public FArchive
 	{
 	public:
-		FFileWriter(const fs::path& Path, std::ios::openmode Mode) : Stream(Path, std::ios::binary | std::ios::out | Mode) {}
+		FFileWriter(const fs::path& Path, std::ios::openmode Mode)
+			: Stream(Path, std::ios::binary | std::ios::out | Mode)
+		{
+		}
 
 		bool IsOpen() const { return Stream.is_open(); }
 		void Serialize(void* Value, int64 Length) override { Stream.write(static_cast<const char*>(Value), Length); }

@@ -19,6 +19,7 @@ namespace
 		std::condition_variable Added;
 		std::deque<FTask> Queue;
 		bool bClosed = false;
+		bool bWaiting = false; // the game thread sleeps: only then is it worth waking
 		std::thread::id GameThread = std::this_thread::get_id();
 
 		std::deque<FTask> TakeAll()
@@ -44,10 +45,17 @@ bool IsInGameThread()
 void AsyncTask(ENamedThreads::Type, FTask Function)
 {
 	FTasks& Tasks = theTasks();
-	const std::scoped_lock Lock(Tasks.Mutex);
-	if (!Tasks.bClosed)
+	bool bWake = false;
 	{
-		Tasks.Queue.push_back(std::move(Function));
+		const std::scoped_lock Lock(Tasks.Mutex);
+		if (!Tasks.bClosed)
+		{
+			Tasks.Queue.push_back(std::move(Function));
+			bWake = std::exchange(Tasks.bWaiting, false);
+		}
+	}
+	if (bWake)
+	{
 		Tasks.Added.notify_one();
 	}
 }
@@ -77,7 +85,14 @@ bool GameThreadTasks::WaitUntil(std::chrono::steady_clock::time_point Deadline)
 {
 	FTasks& Tasks = theTasks();
 	std::unique_lock Lock(Tasks.Mutex);
-	return Tasks.Added.wait_until(Lock, Deadline, [&Tasks] { return !Tasks.Queue.empty(); });
+	const bool bQueued = Tasks.Added.wait_until(Lock, Deadline,
+		[&Tasks]
+		{
+			Tasks.bWaiting = Tasks.Queue.empty();
+			return !Tasks.bWaiting;
+		});
+	Tasks.bWaiting = false;
+	return bQueued;
 }
 
 void GameThreadTasks::Drop(bool bForGood)

@@ -33,10 +33,12 @@ namespace
 
 		void Give(FJob NewJob)
 		{
-			const std::scoped_lock Lock(Mutex);
-			Job = std::move(NewJob);
-			bHasJob = true;
-			Condition.notify_one();
+			{
+				const std::scoped_lock Lock(Mutex);
+				Job = std::move(NewJob);
+				bHasJob = true;
+			}
+			Condition.notify_one(); // behind the lock, or the woken thread would stop at it
 		}
 		void Join()
 		{

@@ -50,6 +50,7 @@ private:
 	void EndStalled();
 	void End(FTransfer& Transfer, bool bSucceeded);
 	void ReportProgress();
+	void Report(FTransfer& Transfer);
 	void CompleteEnded();
 	void Complete(const std::shared_ptr<FHttpRequest>& Request, bool bSucceeded);
 	void Sleep();

@@ -7,7 +7,6 @@
 
 namespace
 {
-	constexpr size_t mostSpare = 256;
 
 	std::chrono::steady_clock::duration stallCheckInterval(const FHttpSettings& Settings)
 	{
@@ -111,10 +110,13 @@ void FHttpThread::ReportProgress()
 	size_t Kept = 0;
 	for (FTransfer* Transfer : Round.Dirty)
 	{
-		if (Transfer->bEnded || Transfer->IsProgressDue())
+		if (Transfer->bEnded)
 		{
-			const FTransfer::FProgress Progress = Transfer->TakeProgress();
-			Callbacks.Progress(Transfer->GetRequest(), Progress.Sent, Progress.Received);
+			continue; // its last counts go out right before its completion, so that one wake-up of the receiver serves both
+		}
+		if (Transfer->IsProgressDue())
+		{
+			Report(*Transfer);
 		}
 		else
 		{
@@ -124,19 +126,26 @@ void FHttpThread::ReportProgress()
 	Round.Dirty.resize(Kept);
 }
 
+void FHttpThread::Report(FTransfer& Transfer)
+{
+	const FTransfer::FProgress Progress = Transfer.TakeProgress();
+	Callbacks.Progress(Transfer.GetRequest(), Progress.Sent, Progress.Received);
+}
+
 void FHttpThread::CompleteEnded()
 {
 	for (FTransfer* Transfer : Ended)
 	{
 		const bool bSucceeded = Transfer->bSucceeded;
+		if (Transfer->IsDirty())
+		{
+			Report(*Transfer);
+		}
 		const std::shared_ptr<FHttpRequest> Request = Transfer->Release();
 		const size_t Index = Transfer->Index;
 		std::swap(Running[Index], Running.back());
 		Running[Index]->Index = Index;
-		if (Spare.size() < mostSpare)
-		{
-			Spare.push_back(std::move(Running.back()));
-		}
+		Spare.push_back(std::move(Running.back())); // as many as ever ran at once: making a handle costs more than a small GET
 		Running.pop_back();
 		Complete(Request, bSucceeded);
 	}

@@ -49,6 +49,8 @@ public:
 	{
 		uint64 Sent, Received;
 	};
+	/** Whether bytes moved since the last report. */
+	bool IsDirty() const { return bDirty; }
 	/** Ends this transfer's stay in the dirty list. */
 	FProgress TakeProgress();
 

@@ -33,8 +33,11 @@ void FCorvThread::addJob(FCorvTheadJob* InJob)
 
 void FCorvThread::pauseThread(bool bInPause)
 {
-	isPaused = bInPause;
-	wakeUp->Trigger();
+	// Only a worker that has announced its sleep needs waking; one that is about to will look at its queue once more.
+	if (isPaused.exchange(bInPause) && !bInPause)
+	{
+		wakeUp->Trigger();
+	}
 }
 
 void FCorvThread::stopThread()
