@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that the build and the tests need and that are not there yet.
-# --bench and --check name the extra packages of the benchmarks and of the format and layout checks.
+# --check adds the packages of the format and layout checks.
 set -euo pipefail
 
 packages=(
@@ -12,7 +12,7 @@ for option in "$@"; do
 	case "$option" in
 	--check) packages+=(clang-format python3) ;;
 	*)
-		echo "usage: $0 [--bench] [--check]" >&2
+		echo "usage: $0 [--check]" >&2
 		exit 2
 		;;
 	esac

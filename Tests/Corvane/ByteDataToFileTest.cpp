@@ -1,3 +1,4 @@
+#include "Host/Directories.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"
 #include "TempDir.h"
@@ -105,9 +106,8 @@ TEST_F(ByteDataToFile, QueuedWritesAreFinishedAtTheEndOfTheProgram)
 
 TEST_F(ByteDataToFile, WritesBelowTheProject)
 {
-	const std::filesystem::path project = std::filesystem::current_path() / "byte-data-test";
-	write(EAction::E_OVERWRITE, "game", "byte-data-test/a.txt", EHTTPCorvFileUpload::E_gd);
+	HostDirectories::Set(dir.path(), "");
+	write(EAction::E_OVERWRITE, "game", "Saved/a.txt", EHTTPCorvFileUpload::E_gd);
 	drain();
-	EXPECT_TRUE(std::filesystem::exists(project / "a.txt"));
-	std::filesystem::remove_all(project);
+	EXPECT_EQ(dir.read("Saved/a.txt"), "game");
 }
