@@ -4,6 +4,7 @@
 #include "CoreGlobals.h"
 #include "CoreTypes.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -20,7 +21,7 @@ namespace
 		std::deque<FTask> Queue;
 		bool bClosed = false;
 		bool bWaiting = false; // the game thread sleeps: only then is it worth waking
-		std::thread::id GameThread = std::this_thread::get_id();
+		std::atomic<std::thread::id> GameThread = std::this_thread::get_id();
 
 		std::deque<FTask> TakeAll()
 		{
@@ -38,8 +39,7 @@ namespace
 
 bool IsInGameThread()
 {
-	const std::scoped_lock Lock(theTasks().Mutex);
-	return theTasks().GameThread == std::this_thread::get_id();
+	return theTasks().GameThread.load(std::memory_order_relaxed) == std::this_thread::get_id();
 }
 
 void AsyncTask(ENamedThreads::Type, FTask Function)

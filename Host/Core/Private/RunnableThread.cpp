@@ -1,6 +1,8 @@
 #include "HAL/RunnableThread.h"
 
 #include "Containers/StringConv.h"
+#include "HAL/Event.h"
+#include "HAL/PlatformProcess.h"
 #include "HAL/Runnable.h"
 #include "Host/SystemThreads.h"
 
@@ -27,18 +29,17 @@ namespace
 	{
 	public:
 		FSystemThread()
-			: Thread([this] { Loop(); })
+			: Given(FPlatformProcess::GetSynchEventFromPool())
+			, Thread([this] { Loop(); })
 		{
 		}
+		~FSystemThread() { FPlatformProcess::ReturnSynchEventToPool(Given); }
 
+		/** Only to a new thread or to one that was taken out of the idle list. */
 		void Give(FJob NewJob)
 		{
-			{
-				const std::scoped_lock Lock(Mutex);
-				Job = std::move(NewJob);
-				bHasJob = true;
-			}
-			Condition.notify_one(); // behind the lock, or the woken thread would stop at it
+			Job = std::move(NewJob);
+			Given->Trigger();
 		}
 		void Join()
 		{
@@ -50,16 +51,12 @@ namespace
 		void Loop();
 		FJob Take()
 		{
-			std::unique_lock Lock(Mutex);
-			Condition.wait(Lock, [this] { return bHasJob; });
-			bHasJob = false;
+			Given->Wait();
 			return std::move(Job);
 		}
 
-		std::mutex Mutex;
-		std::condition_variable Condition;
-		FJob Job;
-		bool bHasJob = false;
+		FJob Job; // handed over by the event
+		FEvent* const Given;
 		std::thread Thread; // last: it starts when all else stands
 	};
 

@@ -33,7 +33,7 @@ namespace
 		std::vector<int32> Free;
 		size_t CreatedSinceCollection = 0;
 
-		int32 Enter(UObject* Object)
+		ObjectLifetime::FHandle Enter(UObject* Object)
 		{
 			const std::scoped_lock Lock(Mutex);
 			++CreatedSinceCollection;
@@ -44,8 +44,9 @@ namespace
 			}
 			const int32 Index = Free.back();
 			Free.pop_back();
-			Slots[static_cast<size_t>(Index)] = {Object, Slots[static_cast<size_t>(Index)].Serial + 1, 0};
-			return Index;
+			FSlot& Slot = Slots[static_cast<size_t>(Index)];
+			Slot = {Object, Slot.Serial + 1, 0};
+			return {Index, Slot.Serial};
 		}
 
 		void Leave(int32 Index)
@@ -55,7 +56,7 @@ namespace
 			Free.push_back(Index);
 		}
 
-		/** Call with the lock held. @return null when the place holds another object by now, or none. */
+		/** Call with the lock held, or on the game thread, which alone changes what it reads. @return null when the place holds another object by now, or none. */
 		FSlot* Find(ObjectLifetime::FHandle Handle)
 		{
 			if (Handle.Index == INDEX_NONE)
@@ -78,7 +79,7 @@ namespace
 struct FObjectLifetime
 {
 	static void SetDefault(UClass* Class, UObject* Object) { Class->DefaultObject = Object; }
-	static int32 IndexOf(const UObject* Object) { return Object->TableIndex; }
+	static ObjectLifetime::FHandle HandleOf(const UObject* Object) { return Object->Handle; }
 	static bool IsGarbage(const UObject* Object) { return Object->bGarbage; }
 
 	static UObject* Construct(UClass* Class, uint32 Flags)
@@ -152,7 +153,7 @@ const FObjectInitializer& FObjectInitializer::Get()
 UObject::UObject()
 	: Class(std::exchange(pending.Class, nullptr))
 	, ObjectFlags(pending.Flags)
-	, TableIndex(theTable().Enter(this))
+	, Handle(theTable().Enter(this))
 {
 	HOST_CHECK(Class); // objects come from NewObject only
 }
@@ -164,7 +165,7 @@ UObject::UObject(const FObjectInitializer&)
 
 UObject::~UObject()
 {
-	theTable().Leave(TableIndex);
+	theTable().Leave(Handle.Index);
 }
 
 UClass* UObject::StaticClass()
@@ -199,18 +200,16 @@ UObject* ObjectLifetime::Create(UClass* Class)
 
 ObjectLifetime::FHandle ObjectLifetime::HandleOf(const UObject* Object)
 {
-	if (!Object)
-	{
-		return {};
-	}
-	const std::scoped_lock Lock(theTable().Mutex);
-	const int32 Index = FObjectLifetime::IndexOf(Object);
-	return {Index, theTable().Slots[static_cast<size_t>(Index)].Serial};
+	return Object ? FObjectLifetime::HandleOf(Object) : FHandle();
 }
 
 UObject* ObjectLifetime::Resolve(FHandle Handle)
 {
-	const std::scoped_lock Lock(theTable().Mutex);
+	std::unique_lock Lock(theTable().Mutex, std::defer_lock);
+	if (!IsInGameThread())
+	{
+		Lock.lock();
+	}
 	const FSlot* Slot = theTable().Find(Handle);
 	return Slot ? Slot->Object : nullptr;
 }

@@ -372,7 +372,7 @@ private:
 	TMap<FString, FHttpRequestPtr> runningRequests;
 	TMap<FString, TWeakObjectPtr<UAsyncNodeCorv>> asyncNodes;
 
-	FCorvRunningRequests* runningList; // owned; a lock of its own
+	FCorvRunningRequests* runningList = nullptr; // owned; a lock of its own
 	FByteToFileThread* byteToFileThread = nullptr; // owned; made under mapLock
 	bool isShuttingDown = false; // game thread only
 };

@@ -20,6 +20,16 @@ public:
 	static const FObjectInitializer& Get();
 };
 
+namespace ObjectLifetime
+{
+	/** Where an object stands in the object table; the serial number tells a reused place from the old one. */
+	struct FHandle
+	{
+		int32 Index = INDEX_NONE;
+		int32 Serial = 0;
+	};
+} // namespace ObjectLifetime
+
 /**
  * Base of all engine objects. An object is freed by a collection on the game thread when it is not rooted, no strong
  * pointer holds it and it is no class default object.
@@ -55,7 +65,7 @@ private:
 
 	UClass* const Class;
 	const uint32 ObjectFlags;
-	const int32 TableIndex;
+	const ObjectLifetime::FHandle Handle;
 	bool bRooted = false;
 	bool bBeginDestroyRan = false;
 	bool bBaseReached = false;
@@ -65,13 +75,6 @@ private:
 /** What the templates of the object headers are built on. */
 namespace ObjectLifetime
 {
-	/** Where an object stands in the object table; the serial number tells a reused place from the old one. */
-	struct FHandle
-	{
-		int32 Index = INDEX_NONE;
-		int32 Serial = 0;
-	};
-
 	UObject* Create(UClass* Class);
 	FHandle HandleOf(const UObject* Object);
 	/** @return null when the object was freed. Thread: any; off the game thread the answer may be out of date at once. */

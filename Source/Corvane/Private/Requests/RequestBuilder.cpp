@@ -40,3 +40,15 @@ UCorvaneRequestCompleteObject* CorvaneBuilder::append(
 	HttpRequests = MoveTemp(OtherHttpRequests);
 	return Object;
 }
+
+int32 CorvaneBuilder::checkAndAppend(FhttpRequest Record, const FString& OptionalRequestID, TArray<FhttpRequest>& OtherHttpRequests,
+	TArray<FhttpRequest>& HttpRequests, FString& RequestID)
+{
+	RequestID = idOrNew(OptionalRequestID);
+	if (!isUrlLongEnough(Record.url))
+	{
+		return refuse(RequestID);
+	}
+	append(Record, RequestID, OtherHttpRequests, HttpRequests);
+	return 0;
+}

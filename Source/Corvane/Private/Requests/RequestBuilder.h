@@ -20,4 +20,13 @@ namespace CorvaneBuilder
 	 */
 	UCorvaneRequestCompleteObject* append(
 		FhttpRequest& record, const FString& requestID, TArray<FhttpRequest>& otherHttpRequests, TArray<FhttpRequest>& httpRequests);
+
+	/**
+	 * The whole of a builder that checks nothing but the URL.
+	 * @param record  filled, but for its completion object.
+	 * @param requestID  takes the ID, also when the request is refused.
+	 * @return 0, or 400 when it was refused.
+	 */
+	int32 checkAndAppend(FhttpRequest record, const FString& optionalRequestID, TArray<FhttpRequest>& otherHttpRequests,
+		TArray<FhttpRequest>& httpRequests, FString& requestID);
 } // namespace CorvaneBuilder
