@@ -29,12 +29,15 @@ namespace
 		uint32 Run() override
 		{
 			Id = std::this_thread::get_id();
+			++NumRunning;
 			Event->Wait();
+			--NumRunning;
 			return 0;
 		}
 		void Stop() override { Event->Trigger(); }
 
 		std::thread::id Id;
+		static inline std::atomic<int> NumRunning{0};
 
 	private:
 		FEvent* Event;
@@ -92,6 +95,13 @@ TEST(RunnableThread, RunsManyAtOnceAndStartsAgainAfterJoining)
 			Waiters.push_back(std::make_unique<FWaiter>());
 			Threads.emplace_back(FRunnableThread::Create(Waiters.back().get(), TEXT("Waiter")));
 		}
+		// All of them must come to run although none ends.
+		const auto Patience = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+		while (FWaiter::NumRunning < 100 && std::chrono::steady_clock::now() < Patience)
+		{
+			std::this_thread::sleep_for(std::chrono::milliseconds(1));
+		}
+		EXPECT_EQ(FWaiter::NumRunning, 100);
 		Threads.clear();
 		std::set<std::thread::id> Ids;
 		for (const auto& Waiter : Waiters)

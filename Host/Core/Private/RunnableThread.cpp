@@ -7,6 +7,7 @@
 #include "Host/SystemThreads.h"
 
 #include <condition_variable>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -14,6 +15,7 @@
 #include <string>
 #include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace
@@ -24,98 +26,159 @@ namespace
 		std::string Name;
 	};
 
-	/** One system thread that takes job after job and waits in the pool between them. */
-	class FSystemThread
+	class FSystemThread;
+
+	/**
+	 * System threads that take job after job. A job waits in a queue until a thread looks there: one that has just finished
+	 * another, which costs nothing, or one that is woken. Only the first of a burst is woken by whoever brings the jobs; each
+	 * that comes wakes the next while jobs are left. For every waiting job there is a thread idle or on its way.
+	 */
+	class FThreadPool
 	{
 	public:
-		FSystemThread()
-			: Given(FPlatformProcess::GetSynchEventFromPool())
-			, Thread([this] { Loop(); })
-		{
-		}
-		~FSystemThread() { FPlatformProcess::ReturnSynchEventToPool(Given); }
-
-		/** Only to a new thread or to one that was taken out of the idle list. */
-		void Give(FJob NewJob)
-		{
-			Job = std::move(NewJob);
-			Given->Trigger();
-		}
-		void Join()
-		{
-			Give({}); // a job without a body ends the loop
-			Thread.join();
-		}
+		/** @return false when the system has no further thread. */
+		bool Run(FJob Job);
+		/** Takes the next job; goes to sleep while there is none. @return a job without a body when the thread is to end. */
+		FJob Next(FSystemThread& Thread);
+		void JoinIdle();
 
 	private:
-		void Loop();
-		FJob Take()
-		{
-			Given->Wait();
-			return std::move(Job);
-		}
+		bool Grow();
+		void WakeOne();
 
-		FJob Job; // handed over by the event
-		FEvent* const Given;
-		std::thread Thread; // last: it starts when all else stands
-	};
-
-	struct FThreadPool
-	{
 		std::mutex Mutex;
 		std::vector<std::unique_ptr<FSystemThread>> All;
 		std::vector<FSystemThread*> Idle; // the one that finished last is taken first: its stack is warm
+		std::deque<FJob> Waiting;
+		size_t OnTheirWay = 0; // threads that were woken or made and have not looked for a job yet
+		bool bClosing = false;
+	};
 
-		bool Run(FJob Job)
+	class FSystemThread
+	{
+	public:
+		explicit FSystemThread(FThreadPool& InPool)
+			: Pool(InPool)
+			, Woken(FPlatformProcess::GetSynchEventFromPool())
+			, Thread([this] { Loop(); })
 		{
-			FSystemThread* Thread = nullptr;
+		}
+		~FSystemThread() { FPlatformProcess::ReturnSynchEventToPool(Woken); }
+
+		void Wake() { Woken->Trigger(); }
+		void Sleep() { Woken->Wait(); }
+		void Join() { Thread.join(); }
+
+		bool bOnItsWay = true; // guarded by the pool's lock
+
+	private:
+		void Loop()
+		{
+			for (FJob Job = Pool.Next(*this); Job.Body; Job = Pool.Next(*this))
 			{
-				const std::scoped_lock Lock(Mutex);
-				if (!Idle.empty())
+				pthread_setname_np(pthread_self(), Job.Name.c_str());
+				Job.Body();
+				Job = {}; // what it holds goes before the thread looks for more
+			}
+		}
+
+		FThreadPool& Pool;
+		FEvent* const Woken;
+		std::thread Thread; // last: it starts when all else stands
+	};
+
+	bool FThreadPool::Run(FJob Job)
+	{
+		const std::scoped_lock Lock(Mutex);
+		if (Idle.size() + OnTheirWay <= Waiting.size() && !Grow())
+		{
+			return false;
+		}
+		Waiting.push_back(std::move(Job));
+		if (OnTheirWay == 0)
+		{
+			WakeOne();
+		}
+		return true;
+	}
+
+	FJob FThreadPool::Next(FSystemThread& Thread)
+	{
+		std::unique_lock Lock(Mutex);
+		for (;;)
+		{
+			if (std::exchange(Thread.bOnItsWay, false))
+			{
+				--OnTheirWay;
+			}
+			if (!Waiting.empty())
+			{
+				FJob Job = std::move(Waiting.front());
+				Waiting.pop_front();
+				if (!Waiting.empty() && OnTheirWay == 0)
 				{
-					Thread = Idle.back();
-					Idle.pop_back();
+					WakeOne();
 				}
+				return Job;
 			}
-			if (!Thread && !(Thread = Grow()))
+			if (bClosing)
 			{
-				return false;
+				return {};
 			}
-			Thread->Give(std::move(Job));
+			Idle.push_back(&Thread);
+			Lock.unlock();
+			Thread.Sleep();
+			Lock.lock();
+		}
+	}
+
+	bool FThreadPool::Grow()
+	{
+		try
+		{
+			All.push_back(std::make_unique<FSystemThread>(*this)); // it waits for the lock that is held here
+			++OnTheirWay;
 			return true;
 		}
-
-		FSystemThread* Grow()
+		catch (const std::system_error&)
 		{
-			try
+			return false;
+		}
+	}
+
+	void FThreadPool::WakeOne()
+	{
+		FSystemThread* Thread = Idle.back();
+		Idle.pop_back();
+		Thread->bOnItsWay = true;
+		++OnTheirWay;
+		Thread->Wake();
+	}
+
+	void FThreadPool::JoinIdle()
+	{
+		std::vector<std::unique_ptr<FSystemThread>> Ended;
+		{
+			const std::scoped_lock Lock(Mutex);
+			bClosing = true;
+			Ended.swap(All);
+			while (!Idle.empty())
 			{
-				const std::scoped_lock Lock(Mutex);
-				All.push_back(std::make_unique<FSystemThread>());
-				return All.back().get();
-			}
-			catch (const std::system_error&)
-			{
-				return nullptr;
+				WakeOne();
 			}
 		}
-	};
+		for (const std::unique_ptr<FSystemThread>& Thread : Ended)
+		{
+			Thread->Join();
+		}
+		const std::scoped_lock Lock(Mutex);
+		bClosing = false;
+	}
 
 	FThreadPool& thePool()
 	{
 		static FThreadPool& Pool = *new FThreadPool(); // never destroyed: a program that exits early leaves its threads alone
 		return Pool;
-	}
-
-	void FSystemThread::Loop()
-	{
-		for (FJob Next = Take(); Next.Body; Next = Take())
-		{
-			pthread_setname_np(pthread_self(), Next.Name.c_str());
-			Next.Body();
-			Next = {};
-			const std::scoped_lock Lock(thePool().Mutex);
-			thePool().Idle.push_back(this);
-		}
 	}
 
 	class FPooledThread final : public FRunnableThread
@@ -187,17 +250,5 @@ FRunnableThread* FRunnableThread::Create(FRunnable* Runnable, const TCHAR* Name)
 
 void HostThreads::JoinIdle()
 {
-	std::vector<std::unique_ptr<FSystemThread>> Ended;
-	{
-		const std::scoped_lock Lock(thePool().Mutex);
-		Ended.swap(thePool().All);
-		thePool().Idle.clear();
-	}
-	for (const std::unique_ptr<FSystemThread>& Thread : Ended)
-	{
-		Thread->Join();
-	}
-	// Threads that were still on their way back to the pool have listed themselves meanwhile.
-	const std::scoped_lock Lock(thePool().Mutex);
-	thePool().Idle.clear();
+	thePool().JoinIdle();
 }
