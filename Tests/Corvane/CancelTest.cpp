@@ -44,12 +44,27 @@ TEST_F(Cancel, MayComeRightBehindTheStart)
 
 TEST_F(Cancel, OfAnIdThatDoesNotRunChangesNothing)
 {
-	RawServer good(answering([](const std::string&) { return answer(200, "fine"); }));
-	UCorvaneBPLibrary::cancelRequest("later");
-	UCorvaneBPLibrary::cancelRequest("");
-	EXPECT_EQ(run(get(good.url(), {}, "later")).statusCode, 200) << "the start clears an old mark";
-	UCorvaneBPLibrary::cancelRequest("later");
-	EXPECT_EQ(run(get(good.url(), {}, "later")).statusCode, 200);
+	for (const char* round : {"an unknown ID", "a finished one"})
+	{
+		Gate end;
+		RawServer good(
+			[&](Connection& connection)
+			{
+				connection.readHead();
+				connection.send("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n1");
+				connection.waitFor(end);
+				connection.send("2");
+			});
+		downloads.clear();
+		UCorvaneBPLibrary::cancelRequest("later");
+		execute(get(good.url(), {}, "later"));
+		// A mark that the start had left would cancel the request at its first progress, while it waits for the gate.
+		EXPECT_TRUE(loop.WaitFor([this] { return !downloads.empty() || !UCorvaneBPLibrary::hasPendingWork(); }, patienceSeconds));
+		end.open();
+		drain();
+		ASSERT_FALSE(completions.empty()) << round;
+		EXPECT_EQ(completions.back().statusCode, 200) << round;
+	}
 }
 
 TEST_F(Cancel, FromAProgressHandlerStopsTheRequest)
