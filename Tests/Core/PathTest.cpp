@@ -1,6 +1,6 @@
-#include "Containers/StringConv.h"
 #include "Host/Directories.h"
 #include "Misc/Paths.h"
+#include "TextSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -23,9 +23,39 @@ TEST(Paths, BecomeAbsoluteAndClean)
 	};
 	for (const FCase& Case : Cases)
 	{
-		const FUTF8ToTCHAR Units(Case.Path, static_cast<int32>(std::char_traits<char>::length(Case.Path)));
-		const FString Full = FPaths::ConvertRelativePathToFull(FString(Units.Get()));
-		EXPECT_STREQ(FTCHARToUTF8(*Full).Get(), Case.Full) << Case.Path;
+		EXPECT_EQ(utf8(FPaths::ConvertRelativePathToFull(wide(Case.Path))), Case.Full) << Case.Path;
 	}
-	EXPECT_STREQ(FTCHARToUTF8(*FPaths::ProjectDir()).Get(), "../Project/");
+	EXPECT_EQ(utf8(FPaths::ProjectDir()), "../Project/");
+}
+
+TEST(Paths, FallIntoParts)
+{
+	struct FCase
+	{
+		const char* Path;
+		const char* Directory;
+		const char* Name;
+		const char* Base;
+		const char* Extension;
+	};
+	const FCase Cases[] = {
+		{"/a/b.c/d.tar.gz", "/a/b.c", "d.tar.gz", "d.tar", "gz"},
+		{"C:\\a\\b.txt", "C:\\a", "b.txt", "b", "txt"},
+		{"/a.b/c", "/a.b", "c", "c", ""},
+		{"/a/.env", "/a", ".env", "", "env"},
+		{"/a/ends.", "/a", "ends.", "ends", ""},
+		{"/a.txt", "", "a.txt", "a", "txt"},
+		{"/a/b/", "/a/b", "", "", ""},
+		{"plain", "", "plain", "plain", ""},
+		{"", "", "", "", ""},
+	};
+	for (const FCase& Case : Cases)
+	{
+		EXPECT_EQ(utf8(FPaths::GetPath(Case.Path)), Case.Directory) << Case.Path;
+		EXPECT_EQ(utf8(FPaths::GetCleanFilename(Case.Path)), Case.Name) << Case.Path;
+		EXPECT_EQ(utf8(FPaths::GetBaseFilename(Case.Path)), Case.Base) << Case.Path;
+		EXPECT_EQ(utf8(FPaths::GetExtension(Case.Path)), Case.Extension) << Case.Path;
+	}
+	EXPECT_EQ(utf8(FPaths::GetBaseFilename("/a.b/c.d", false)), "/a.b/c");
+	EXPECT_EQ(utf8(FPaths::GetExtension("/a.b/c.d", true)), ".d");
 }

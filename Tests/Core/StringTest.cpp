@@ -1,16 +1,11 @@
-#include "Containers/StringConv.h"
-#include "Containers/UnrealString.h"
+#include "Misc/CString.h"
 #include "Misc/Guid.h"
+#include "TextSupport.h"
 
 #include <gmock/gmock.h>
 
 namespace
 {
-	std::string utf8(const FString& Text)
-	{
-		return FTCHARToUTF8(*Text, Text.Len()).Get();
-	}
-
 	std::u16string utf16(std::string_view Bytes)
 	{
 		const FUTF8ToTCHAR Units(Bytes.data(), static_cast<int32>(Bytes.size()));
@@ -51,6 +46,56 @@ TEST(String, CutsWithinItsBounds)
 	EXPECT_EQ(utf8(Text.Right(-2)), "");
 }
 
+TEST(String, ChopsAndTrims)
+{
+	EXPECT_EQ(utf8(FString("abcdef").LeftChop(2)), "abcd");
+	EXPECT_EQ(utf8(FString("abcdef").RightChop(2)), "cdef");
+	EXPECT_EQ(utf8(FString("abc").LeftChop(9) + FString("abc").RightChop(9)), "");
+	EXPECT_EQ(utf8(FString("abc").LeftChop(-1) + FString("abc").RightChop(-1)), "abcabc");
+	EXPECT_EQ(utf8(FString(" a b\t\r\n").TrimEnd() + FString(" \n").TrimEnd()), " a b");
+	EXPECT_TRUE(FString("a.TXT").EndsWith(".txt"));
+	EXPECT_FALSE(FString("a.TXT").EndsWith(".txt", ESearchCase::CaseSensitive));
+	EXPECT_FALSE(FString("xt").EndsWith(".txt"));
+}
+
+TEST(String, ReplacesEveryOccurrence)
+{
+	EXPECT_EQ(utf8(FString("/data/A.txt").Replace(TEXT("a"), TEXT("a_0"))), "/da_0ta_0/a_0.txt");
+	EXPECT_EQ(utf8(FString("/data/A.txt").Replace(TEXT("a"), TEXT("-"), ESearchCase::CaseSensitive)), "/d-t-/A.txt");
+	EXPECT_EQ(utf8(FString("aaa").Replace(TEXT("aa"), TEXT(""))), "a");
+	EXPECT_EQ(utf8(FString("abc").Replace(TEXT(""), TEXT("x"))), "abc");
+}
+
+TEST(String, SplitsInTwo)
+{
+	FString Left("untouched"), Right("a::b::c");
+	EXPECT_FALSE(Right.Split("-", &Left, nullptr));
+	EXPECT_FALSE(Right.Split("", &Left, nullptr));
+	EXPECT_EQ(utf8(Left), "untouched");
+	EXPECT_TRUE(Right.Split("::", &Left, &Right)) << "a part may be the text itself";
+	EXPECT_EQ(utf8(Left) + "|" + utf8(Right), "a|b::c");
+	EXPECT_TRUE(FString("a::b::c").Split("::", &Left, &Right, ESearchCase::IgnoreCase, ESearchDir::FromEnd));
+	EXPECT_EQ(utf8(Left) + "|" + utf8(Right), "a::b|c");
+}
+
+TEST(String, TellsAndReadsNumbers)
+{
+	for (const char* Number : {"0", "-5", "+1.5", "007"})
+	{
+		EXPECT_TRUE(FString(Number).IsNumeric()) << Number;
+	}
+	for (const char* NoNumber : {"", "-", "1.2.3", "1e5", " 1", "--1"})
+	{
+		EXPECT_FALSE(FString(NoNumber).IsNumeric()) << NoNumber;
+	}
+	EXPECT_EQ(FCString::Atoi64(TEXT(" -5000000000x")), -5'000'000'000);
+	EXPECT_EQ(FCString::Atoi64(TEXT("9223372036854775808")), INT64_MAX);
+	EXPECT_EQ(FCString::Atoi64(TEXT("-9223372036854775809")), INT64_MIN);
+	EXPECT_EQ(FCString::Atoi64(u"\u00fc7"), 0);
+	EXPECT_EQ(FCString::Atod(TEXT("\t1.5 MB")), 1.5);
+	EXPECT_EQ(FCString::Atod(TEXT("none")), 0);
+}
+
 TEST(String, ParsesIntoParts)
 {
 	const auto Parts = [](const char* Text, bool bCullEmpty)
@@ -74,8 +119,7 @@ TEST(String, KeepsZeros)
 {
 	const FString Text = FString::ConstructFromPtrSize(TEXT("a\0b"), 3);
 	EXPECT_EQ(Text.Len(), 3);
-	EXPECT_EQ(utf8(Text).size(), 1u); // a C string ends at the zero
-	EXPECT_EQ(FTCHARToUTF8(*Text, Text.Len()).Length(), 3);
+	EXPECT_EQ(utf8(Text), std::string("a\0b", 3));
 }
 
 TEST(String, PrintsTypedArguments)

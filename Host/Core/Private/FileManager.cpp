@@ -1,38 +1,15 @@
 #include "HAL/FileManager.h"
 
-#include "Containers/StringConv.h"
-#include "Serialization/Archive.h"
-
-#include <filesystem>
-#include <fstream>
+#include "FileArchives.h"
+#include "HAL/PlatformFileManager.h"
+#include "NativePath.h"
 
 namespace
 {
-	namespace fs = std::filesystem;
-
-	class FFileWriter final : public FArchive
+	template <class Archive>
+	FArchive* archiveOf(std::unique_ptr<FFileHandle> File)
 	{
-	public:
-		FFileWriter(const fs::path& Path, std::ios::openmode Mode)
-			: Stream(Path, std::ios::binary | std::ios::out | Mode)
-		{
-		}
-
-		bool IsOpen() const { return Stream.is_open(); }
-		void Serialize(void* Value, int64 Length) override { Stream.write(static_cast<const char*>(Value), Length); }
-		bool Close() override
-		{
-			Stream.close(); // what was still buffered may find the disk full
-			return !Stream.fail();
-		}
-
-	private:
-		std::ofstream Stream;
-	};
-
-	fs::path toPath(const TCHAR* Name)
-	{
-		return FTCHARToUTF8(Name).Get();
+		return File ? new Archive(std::move(File)) : nullptr;
 	}
 } // namespace
 
@@ -42,20 +19,33 @@ IFileManager& IFileManager::Get()
 	return Manager;
 }
 
-FArchive* IFileManager::CreateFileWriter(const TCHAR* Filename, uint32 WriteFlags)
+FArchive* IFileManager::CreateFileReader(const TCHAR* Filename, uint32)
 {
-	const fs::path Path = toPath(Filename);
-	std::error_code Ignored; // a directory that could not be made shows in the open
-	fs::create_directories(Path.parent_path(), Ignored);
-	auto Writer = std::make_unique<FFileWriter>(Path, (WriteFlags & FILEWRITE_Append) ? std::ios::app : std::ios::trunc);
-	return Writer->IsOpen() ? Writer.release() : nullptr;
+	return archiveOf<FFileReader>(FFileHandle::OpenToRead(Filename));
 }
 
-bool IFileManager::Delete(const TCHAR* Filename)
+FArchive* IFileManager::CreateFileWriter(const TCHAR* Filename, uint32 WriteFlags)
 {
-	const fs::path Path = toPath(Filename);
-	std::error_code Error;
-	const fs::file_status Status = fs::status(Path, Error);
-	const bool bWritable = (Status.permissions() & fs::perms::owner_write) != fs::perms::none;
-	return fs::is_regular_file(Status) && bWritable && fs::remove(Path, Error);
+	std::error_code Ignored; // a directory that could not be made shows in the open
+	std::filesystem::create_directories(toNativePath(Filename).parent_path(), Ignored);
+	return archiveOf<FFileWriter>(FFileHandle::OpenToWrite(Filename, (WriteFlags & FILEWRITE_Append) != 0, false));
+}
+
+int64 IFileManager::FileSize(const TCHAR* Filename)
+{
+	return FPlatformFileManager::Get().GetPlatformFile().FileSize(Filename);
+}
+
+bool IFileManager::Delete(const TCHAR* Filename, bool bRequireExists, bool bEvenReadOnly, bool)
+{
+	IPlatformFile& Files = FPlatformFileManager::Get().GetPlatformFile();
+	if (!Files.FileExists(Filename))
+	{
+		return !bRequireExists;
+	}
+	if (bEvenReadOnly)
+	{
+		Files.SetReadOnly(Filename, false);
+	}
+	return Files.DeleteFile(Filename);
 }

@@ -1,10 +1,11 @@
 #include "Misc/Paths.h"
 
-#include "Containers/StringConv.h"
+#include "HAL/PlatformFileManager.h"
 #include "Host/Directories.h"
+#include "Math/UnrealMathUtility.h"
+#include "NativePath.h"
 
 #include <algorithm>
-#include <filesystem>
 
 namespace
 {
@@ -24,6 +25,20 @@ namespace
 	{
 		const FUTF8ToTCHAR Units(Utf8.data(), static_cast<int32>(Utf8.size()));
 		return FString::ConstructFromPtrSize(Units.Get(), Units.Length());
+	}
+
+	/** @return the last position of a slash, or INDEX_NONE. */
+	int32 lastSlash(const FString& Path)
+	{
+		return FMath::Max(Path.Find("/", ESearchCase::CaseSensitive, ESearchDir::FromEnd),
+			Path.Find("\\", ESearchCase::CaseSensitive, ESearchDir::FromEnd));
+	}
+
+	/** @return the position of the dot before the extension, or INDEX_NONE. */
+	int32 extensionDot(const FString& Path)
+	{
+		const int32 Dot = Path.Find(".", ESearchCase::CaseSensitive, ESearchDir::FromEnd);
+		return Dot > lastSlash(Path) ? Dot : INDEX_NONE;
 	}
 } // namespace
 
@@ -51,6 +66,33 @@ FString FPaths::ConvertRelativePathToFull(const FString& Path)
 
 bool FPaths::FileExists(const FString& Path)
 {
-	std::error_code Ignored;
-	return std::filesystem::is_regular_file(FTCHARToUTF8(*Path, Path.Len()).Get(), Ignored);
+	return FPlatformFileManager::Get().GetPlatformFile().FileExists(*Path);
+}
+
+bool FPaths::DirectoryExists(const FString& Path)
+{
+	return FPlatformFileManager::Get().GetPlatformFile().DirectoryExists(*Path);
+}
+
+FString FPaths::GetCleanFilename(const FString& Path)
+{
+	return Path.RightChop(lastSlash(Path) + 1);
+}
+
+FString FPaths::GetExtension(const FString& Path, bool bIncludeDot)
+{
+	const int32 Dot = extensionDot(Path);
+	return Dot == INDEX_NONE ? FString() : Path.RightChop(bIncludeDot ? Dot : Dot + 1);
+}
+
+FString FPaths::GetBaseFilename(const FString& Path, bool bRemovePath)
+{
+	const int32 Dot = extensionDot(Path);
+	const FString Base = Dot == INDEX_NONE ? Path : Path.Left(Dot);
+	return bRemovePath ? GetCleanFilename(Base) : Base;
+}
+
+FString FPaths::GetPath(const FString& Path)
+{
+	return Path.Left(lastSlash(Path));
 }

@@ -1,5 +1,8 @@
 #include "Containers/StringConv.h"
 
+#include <algorithm>
+#include <type_traits>
+
 namespace
 {
 	constexpr char32_t replacement = 0xFFFD;
@@ -31,49 +34,66 @@ namespace
 		}
 	}
 
+	/** Most texts are ASCII from end to end, and that part is copied in one go: a header or a body costs little then. */
+	template <class Result, class View>
+	Result asciiPrefix(View Text)
+	{
+		const auto End = std::find_if(
+			Text.begin(), Text.end(), [](auto Unit) { return static_cast<std::make_unsigned_t<decltype(Unit)>>(Unit) >= 0x80; });
+		return Result(Text.begin(), End);
+	}
+
+	/** How a character of several bytes begins, and the smallest one that needs so many. */
+	struct FForm
+	{
+		uint8 Length;
+		uint8 LeadMask;
+		char32_t Smallest;
+	};
+
+	FForm formOf(uint8 Lead)
+	{
+		if (Lead < 0xC2 || Lead > 0xF4) // never begins a character, or only an overlong one
+		{
+			return {1, 0, 0};
+		}
+		return Lead < 0xE0 ? FForm{2, 0x1F, 0x80} : Lead < 0xF0 ? FForm{3, 0x0F, 0x800} : FForm{4, 0x07, 0x10000};
+	}
+
 	/** Reads one character; moves Position behind it, or behind one byte when it is not well-formed. */
 	char32_t readUtf8(std::string_view Bytes, size_t& Position)
 	{
-		struct FForm
-		{
-			uint8 Mask, Lead;
-			size_t Length;
-			char32_t Smallest;
-		};
-		static constexpr FForm forms[] = {{0xE0, 0xC0, 2, 0x80}, {0xF0, 0xE0, 3, 0x800}, {0xF8, 0xF0, 4, 0x10000}};
-		const auto Byte = [&](size_t At) { return static_cast<uint8>(Bytes[At]); };
-		const uint8 First = Byte(Position);
 		const size_t Start = Position++;
-		for (const FForm& Form : forms)
+		const uint8 Lead = static_cast<uint8>(Bytes[Start]);
+		const FForm Form = formOf(Lead);
+		if (Form.Length == 1 || Start + Form.Length > Bytes.size())
 		{
-			if ((First & Form.Mask) != Form.Lead || Start + Form.Length > Bytes.size())
-			{
-				continue;
-			}
-			char32_t Point = First & static_cast<uint8>(~Form.Mask);
-			for (size_t At = Start + 1; At < Start + Form.Length; ++At)
-			{
-				if ((Byte(At) & 0xC0) != 0x80)
-				{
-					return replacement;
-				}
-				Point = Point << 6 | (Byte(At) & 0x3F);
-			}
-			if (Point < Form.Smallest || Point > 0x10FFFF || (Point >= 0xD800 && Point < 0xE000))
+			return replacement;
+		}
+		char32_t Point = Lead & Form.LeadMask;
+		for (size_t At = Start + 1; At < Start + Form.Length; ++At)
+		{
+			const uint8 Byte = static_cast<uint8>(Bytes[At]);
+			if ((Byte & 0xC0) != 0x80)
 			{
 				return replacement;
 			}
-			Position = Start + Form.Length;
-			return Point;
+			Point = Point << 6 | (Byte & 0x3F);
 		}
-		return replacement;
+		if (Point < Form.Smallest || Point > 0x10FFFF || (Point >= 0xD800 && Point < 0xE000))
+		{
+			return replacement;
+		}
+		Position = Start + Form.Length;
+		return Point;
 	}
 } // namespace
 
 FTCHARToUTF8::FTCHARToUTF8(std::u16string_view Units)
+	: Bytes(asciiPrefix<std::string>(Units))
 {
 	Bytes.reserve(Units.size());
-	for (size_t At = 0; At < Units.size(); ++At)
+	for (size_t At = Bytes.size(); At < Units.size(); ++At)
 	{
 		const char32_t Unit = Units[At];
 		if (Unit < 0xD800 || Unit > 0xDFFF)
@@ -92,24 +112,28 @@ FTCHARToUTF8::FTCHARToUTF8(std::u16string_view Units)
 }
 
 FUTF8ToTCHAR::FUTF8ToTCHAR(std::string_view Bytes)
+	: Units(asciiPrefix<std::u16string>(Bytes))
 {
-	Units.reserve(Bytes.size());
-	for (size_t At = 0; At < Bytes.size();)
+	size_t At = Units.size();
+	Units.resize(Bytes.size()); // no character has more units than bytes
+	TCHAR* Next = Units.data() + At;
+	while (At < Bytes.size())
 	{
 		if (static_cast<uint8>(Bytes[At]) < 0x80)
 		{
-			Units.push_back(static_cast<TCHAR>(Bytes[At++]));
+			*Next++ = static_cast<TCHAR>(Bytes[At++]);
 			continue;
 		}
 		const char32_t Point = readUtf8(Bytes, At);
 		if (Point < 0x10000)
 		{
-			Units.push_back(static_cast<TCHAR>(Point));
+			*Next++ = static_cast<TCHAR>(Point);
 		}
 		else
 		{
-			Units.push_back(static_cast<TCHAR>(0xD7C0 + (Point >> 10)));
-			Units.push_back(static_cast<TCHAR>(0xDC00 + (Point & 0x3FF)));
+			*Next++ = static_cast<TCHAR>(0xD7C0 + (Point >> 10));
+			*Next++ = static_cast<TCHAR>(0xDC00 + (Point & 0x3FF));
 		}
 	}
+	Units.resize(static_cast<size_t>(Next - Units.data()));
 }

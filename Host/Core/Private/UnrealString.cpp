@@ -5,6 +5,8 @@
 #include <fmt/args.h>
 #include <fmt/printf.h>
 
+#include <cstring>
+
 namespace
 {
 	TCHAR toLowerAscii(TCHAR Unit)
@@ -25,10 +27,15 @@ namespace
 
 FString::FString(const ANSICHAR* AsciiText)
 {
-	for (; *AsciiText; ++AsciiText)
-	{
-		Text.push_back(static_cast<uint8>(*AsciiText));
-	}
+	AppendChars(AsciiText, static_cast<int32>(std::strlen(AsciiText)));
+}
+
+void FString::AppendChars(const ANSICHAR* AsciiText, int32 Count)
+{
+	const size_t Start = Text.size();
+	Text.resize(Start + static_cast<size_t>(Count));
+	std::transform(AsciiText, AsciiText + Count, Text.begin() + static_cast<std::ptrdiff_t>(Start),
+		[](ANSICHAR Byte) { return static_cast<TCHAR>(static_cast<uint8>(Byte)); });
 }
 
 bool FString::Equals(const FString& Other, ESearchCase::Type Case) const
@@ -67,11 +74,62 @@ bool FString::StartsWith(const FString& Prefix, ESearchCase::Type Case) const
 	return Prefix.Len() <= Len() && Left(Prefix.Len()).Equals(Prefix, Case);
 }
 
+bool FString::EndsWith(const FString& Suffix, ESearchCase::Type Case) const
+{
+	return Suffix.Len() <= Len() && Right(Suffix.Len()).Equals(Suffix, Case);
+}
+
+bool FString::IsNumeric() const
+{
+	const FStringView Digits = FStringView(Text).substr(StartsWith("-") || StartsWith("+") ? 1 : 0);
+	const auto bDigitOrDot = [](TCHAR Unit) { return Unit == '.' || (Unit >= '0' && Unit <= '9'); };
+	return !Digits.empty() && std::all_of(Digits.begin(), Digits.end(), bDigitOrDot) && std::count(Digits.begin(), Digits.end(), u'.') <= 1;
+}
+
 FString FString::Mid(int32 Start, int32 Count) const
 {
 	const int32 From = std::clamp(Start, 0, Len());
 	const int32 Number = std::clamp(Count, 0, Len() - From);
 	return ConstructFromPtrSize(Text.data() + From, Number);
+}
+
+FString FString::TrimEnd() const
+{
+	return FString(FStringView(Text).substr(0, Text.find_last_not_of(TEXT(" \t\n\v\f\r")) + 1)); // npos + 1 is 0
+}
+
+FString FString::Replace(const TCHAR* From, const TCHAR* To, ESearchCase::Type Case) const
+{
+	const FString Wanted(From);
+	FString Rest(*this);
+	FString Result;
+	for (int32 At; !Wanted.IsEmpty() && (At = Rest.Find(Wanted, Case)) != INDEX_NONE;)
+	{
+		Result += Rest.Left(At) + To;
+		Rest = Rest.RightChop(At + Wanted.Len());
+	}
+	return Result + Rest;
+}
+
+bool FString::Split(
+	const FString& Separator, FString* LeftPart, FString* RightPart, ESearchCase::Type Case, ESearchDir::Type Direction) const
+{
+	const int32 At = Separator.IsEmpty() ? INDEX_NONE : Find(Separator, Case, Direction);
+	if (At == INDEX_NONE)
+	{
+		return false;
+	}
+	const FString Before = Left(At);
+	const FString Behind = RightChop(At + Separator.Len());
+	if (LeftPart)
+	{
+		*LeftPart = Before;
+	}
+	if (RightPart)
+	{
+		*RightPart = Behind;
+	}
+	return true;
 }
 
 FString FString::ToUpper() const

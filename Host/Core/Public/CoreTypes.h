@@ -15,11 +15,16 @@ using uint16 = std::uint16_t;
 using uint32 = std::uint32_t;
 using uint64 = std::uint64_t;
 
-/** One UTF-16 unit, as on every platform of the engine. */
+/** One UTF-16 unit, which is another type on Windows than elsewhere, as in the engine. */
+#if defined(_WIN32)
+using TCHAR = wchar_t;
+	#define TEXT_PASTE(x) L##x
+#else
 using TCHAR = char16_t;
+	#define TEXT_PASTE(x) u##x
+#endif
 using ANSICHAR = char;
 
-#define TEXT_PASTE(x) u##x
 #define TEXT(x) TEXT_PASTE(x)
 
 enum
@@ -28,6 +33,7 @@ enum
 };
 
 constexpr int32 MAX_int32 = INT32_MAX;
+constexpr int64 MAX_int64 = INT64_MAX;
 
 /** Ends the program with the place of the fault: for faults of the program itself, never for bad input. */
 #define HOST_CHECK(expression) \

@@ -84,9 +84,15 @@ public:
 		{
 			return 0;
 		}
-		std::move(Found + 1, end(), Found);
-		std::destroy_at(Data + --Count);
+		RemoveAt(static_cast<int32>(Found - begin()));
 		return 1;
+	}
+	/** Removes one element; those behind it move up. */
+	void RemoveAt(int32 Index)
+	{
+		T* Removed = At(Index);
+		std::move(Removed + 1, end(), Removed);
+		std::destroy_at(Data + --Count);
 	}
 
 	/** Destroys the elements and frees the storage, but for room for Slack elements. */

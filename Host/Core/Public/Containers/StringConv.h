@@ -10,11 +10,11 @@ class FTCHARToUTF8
 {
 public:
 	explicit FTCHARToUTF8(const TCHAR* Units)
-		: FTCHARToUTF8(std::u16string_view(Units))
+		: FTCHARToUTF8(std::basic_string_view<TCHAR>(Units))
 	{
 	}
 	FTCHARToUTF8(const TCHAR* Units, int32 Number)
-		: FTCHARToUTF8(std::u16string_view(Units, static_cast<size_t>(Number)))
+		: FTCHARToUTF8(std::basic_string_view<TCHAR>(Units, static_cast<size_t>(Number)))
 	{
 	}
 
@@ -23,7 +23,7 @@ public:
 	int32 Length() const { return static_cast<int32>(Bytes.size()); }
 
 private:
-	explicit FTCHARToUTF8(std::u16string_view Units);
+	explicit FTCHARToUTF8(std::basic_string_view<TCHAR> Units);
 
 	std::string Bytes;
 };
@@ -44,5 +44,5 @@ public:
 private:
 	explicit FUTF8ToTCHAR(std::string_view Bytes);
 
-	std::u16string Units;
+	std::basic_string<TCHAR> Units;
 };

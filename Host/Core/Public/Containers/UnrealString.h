@@ -25,7 +25,7 @@ namespace ESearchDir
 	};
 } // namespace ESearchDir
 
-using FStringView = std::u16string_view;
+using FStringView = std::basic_string_view<TCHAR>;
 
 /**
  * Text in UTF-16 units; lengths and positions count units. It may hold zeros. Comparison and search ignore the case of
@@ -64,12 +64,30 @@ public:
 		const FString& Part, ESearchCase::Type Case = ESearchCase::IgnoreCase, ESearchDir::Type Direction = ESearchDir::FromStart) const;
 	bool Contains(const FString& Part, ESearchCase::Type Case = ESearchCase::IgnoreCase) const { return Find(Part, Case) != INDEX_NONE; }
 	bool StartsWith(const FString& Prefix, ESearchCase::Type Case = ESearchCase::IgnoreCase) const;
+	bool EndsWith(const FString& Suffix, ESearchCase::Type Case = ESearchCase::IgnoreCase) const;
+	/** @return true for digits with at most one dot among them, also behind a sign. */
+	bool IsNumeric() const;
 
 	/** Cut; counts are clamped to the length. */
 	FString Left(int32 Count) const { return Mid(0, Count); }
+	FString LeftChop(int32 Count) const { return Left(Len() - std::clamp(Count, 0, Len())); }
 	FString Right(int32 Count) const { return Mid(Len() - std::clamp(Count, 0, Len())); }
+	FString RightChop(int32 Count) const { return Mid(std::clamp(Count, 0, Len())); }
 	FString Mid(int32 Start, int32 Count = MAX_int32) const;
+	/** @return the text without blanks, tabs and line ends behind it. */
+	FString TrimEnd() const;
 	FString ToUpper() const;
+
+	/** @return the text with every occurrence of From replaced; an empty From occurs nowhere. */
+	FString Replace(const TCHAR* From, const TCHAR* To, ESearchCase::Type Case = ESearchCase::IgnoreCase) const;
+
+	/**
+	 * Cuts the text in two at the first or last occurrence of Separator.
+	 * @param LeftPart, RightPart  what stands before and behind it; either may be null or this text itself.
+	 * @return false when it does not occur; the parts are not touched then.
+	 */
+	bool Split(const FString& Separator, FString* LeftPart, FString* RightPart, ESearchCase::Type Case = ESearchCase::IgnoreCase,
+		ESearchDir::Type Direction = ESearchDir::FromStart) const;
 
 	/**
 	 * Cuts the text at every Delimiter (compared exactly). Parts is emptied first.
@@ -77,6 +95,11 @@ public:
 	 */
 	int32 ParseIntoArray(TArray<FString>& Parts, const TCHAR* Delimiter, bool bCullEmpty = true) const;
 
+	/** Makes room for so many units. */
+	void Reserve(int32 CharacterCount) { Text.reserve(static_cast<size_t>(CharacterCount)); }
+	void AppendChar(TCHAR Unit) { Text.push_back(Unit); }
+	/** Each byte becomes one unit: for ASCII only. */
+	void AppendChars(const ANSICHAR* AsciiText, int32 Count);
 	FString& operator+=(const FString& Other)
 	{
 		Text += Other.Text;
@@ -125,5 +148,5 @@ private:
 
 	static FString PrintfImpl(const TCHAR* Format, std::initializer_list<FArgument> Arguments);
 
-	std::u16string Text;
+	std::basic_string<TCHAR> Text;
 };

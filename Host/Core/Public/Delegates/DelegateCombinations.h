@@ -44,7 +44,7 @@ namespace DelegatesPrivate
 	/** "&UFoo::bar" to "bar". */
 	constexpr const TCHAR* FunctionName(const TCHAR* MethodText)
 	{
-		return MethodText + std::u16string_view(MethodText).rfind(u':') + 1;
+		return MethodText + std::basic_string_view<TCHAR>(MethodText).rfind(TEXT(':')) + 1;
 	}
 } // namespace DelegatesPrivate
 

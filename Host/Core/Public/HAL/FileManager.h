@@ -16,12 +16,24 @@ class IFileManager
 public:
 	static IFileManager& Get();
 
+	/** @return null when that is no file that can be read; the caller deletes it. */
+	FArchive* CreateFileReader(const TCHAR* Filename, uint32 ReadFlags = 0);
+
 	/**
 	 * Opens a file for writing; makes it, and the directories it lies in, when missing.
 	 * @return null when that fails; the caller deletes it.
 	 */
 	FArchive* CreateFileWriter(const TCHAR* Filename, uint32 WriteFlags = FILEWRITE_None);
 
-	/** @return whether there was a file that is gone now; a read-only one stays. */
-	bool Delete(const TCHAR* Filename);
+	/** @return bytes, or -1 when that is no file. */
+	int64 FileSize(const TCHAR* Filename);
+
+	/**
+	 * Deletes a file.
+	 * @param bRequireExists  fail when there is none.
+	 * @param bEvenReadOnly  delete a read-only one as well.
+	 * @param bQuiet  of no use here: nothing is logged.
+	 * @return whether there is no such file now.
+	 */
+	bool Delete(const TCHAR* Filename, bool bRequireExists = false, bool bEvenReadOnly = false, bool bQuiet = false);
 };

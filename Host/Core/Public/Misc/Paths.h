@@ -17,4 +17,14 @@ public:
 
 	/** @return true for a file, false for a directory and for nothing. */
 	static bool FileExists(const FString& Path);
+	static bool DirectoryExists(const FString& Path);
+
+	/** Parts of a path, which slashes of both kinds cut. @return what stands behind the last slash. */
+	static FString GetCleanFilename(const FString& Path);
+	/** @return what stands behind the last dot of the file name; empty when there is none. */
+	static FString GetExtension(const FString& Path, bool bIncludeDot = false);
+	/** @return the path without its last extension, and without its directory unless told otherwise. */
+	static FString GetBaseFilename(const FString& Path, bool bRemovePath = true);
+	/** @return the directory, without a slash at its end. */
+	static FString GetPath(const FString& Path);
 };

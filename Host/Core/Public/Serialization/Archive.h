@@ -2,13 +2,30 @@
 
 #include "CoreTypes.h"
 
-/** An open file. Failures are remembered: Close tells of any that happened before. Thread: one at a time. */
+/**
+ * An open file. Failures are remembered: after the first one the rest is of no use, and IsError and Close tell of it.
+ * Positions and sizes are bytes. Thread: one at a time.
+ */
 class FArchive
 {
 public:
 	virtual ~FArchive() = default;
-	/** Writes Length bytes. Value is not changed by a writer. */
+	/** Reads or writes exactly Length bytes; fewer are an error. Value is not changed by a writer. */
 	virtual void Serialize(void* Value, int64 Length) = 0;
+	/** @return a reader's size when it was opened, a writer's size now. */
+	virtual int64 TotalSize() = 0;
+	/** Moves to a position from the start; free of cost when it is there already. */
+	virtual void Seek(int64 Position) = 0;
+	virtual int64 Tell() = 0;
+	virtual void Flush() {}
 	/** @return false when anything failed since the file was opened. */
 	virtual bool Close() = 0;
+
+	bool IsError() const { return bIsError; }
+
+protected:
+	void SetError() { bIsError = true; }
+
+private:
+	bool bIsError = false;
 };

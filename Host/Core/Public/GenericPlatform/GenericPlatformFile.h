@@ -1,0 +1,74 @@
+#pragma once
+
+#include "Containers/UnrealString.h"
+#include "Misc/DateTime.h"
+
+/** An open file; deleting it closes it. Positions and sizes are bytes. Thread: one at a time. */
+class IFileHandle
+{
+public:
+	virtual ~IFileHandle() = default;
+	virtual int64 Tell() = 0;
+	/** Moves to a position from the start; a negative one fails. */
+	virtual bool Seek(int64 NewPosition) = 0;
+	/** @param OffsetFromEnd  zero or negative. */
+	virtual bool SeekFromEnd(int64 OffsetFromEnd = 0) = 0;
+	/** @return false when fewer bytes were left or reading failed. */
+	virtual bool Read(uint8* To, int64 Number) = 0;
+	/** @return false when not every byte was taken. */
+	virtual bool Write(const uint8* From, int64 Number) = 0;
+	/** @param bFullFlush  wait until the disk has the bytes; otherwise they are with the system already. */
+	virtual bool Flush(const bool bFullFlush = false) = 0;
+	/** Cuts or lengthens the file; the position stays. */
+	virtual bool Truncate(int64 NewSize) = 0;
+	virtual int64 Size() = 0;
+};
+
+/**
+ * The file system. Every function reports failure by its result. A file without write permission for its owner is
+ * read-only for everybody, also for a user who may do anything. Thread: any.
+ */
+class IPlatformFile
+{
+public:
+	/** @return true for a file, false for a directory and for nothing. */
+	bool FileExists(const TCHAR* Filename);
+	bool DirectoryExists(const TCHAR* Directory);
+	/** @return bytes, or -1 when that is no file. */
+	int64 FileSize(const TCHAR* Filename);
+
+	/** @return whether there was a file that is gone now; a read-only one stays. */
+	bool DeleteFile(const TCHAR* Filename);
+	/** Never replaces a target. */
+	bool MoveFile(const TCHAR* To, const TCHAR* From);
+	/** Fails when the target exists; what was written by a copy that fails is removed. The copy can be written to. */
+	bool CopyFile(const TCHAR* To, const TCHAR* From);
+
+	/** Makes one level. @return whether the directory is there now. */
+	bool CreateDirectory(const TCHAR* Directory);
+	/** Removes an empty directory. @return whether there is none of that name now. */
+	bool DeleteDirectory(const TCHAR* Directory);
+
+	/** @return false also when that is no file. */
+	bool IsReadOnly(const TCHAR* Filename);
+	bool SetReadOnly(const TCHAR* Filename, bool bNewReadOnlyValue);
+
+	/** Times are UTC; FDateTime::MinValue() when there is nothing of that name. */
+	FDateTime GetTimeStamp(const TCHAR* Filename);
+	FDateTime GetAccessTimeStamp(const TCHAR* Filename);
+	/** Sets the time of the last change; the time of the last access stays. */
+	void SetTimeStamp(const TCHAR* Filename, FDateTime DateTime);
+
+	/** @return the name as given: case matters in the file systems of this host. */
+	FString GetFilenameOnDisk(const TCHAR* Filename);
+
+	/** @return null when that is no file that can be read; the caller deletes it. */
+	IFileHandle* OpenRead(const TCHAR* Filename, bool bAllowWrite = false);
+	/**
+	 * Opens a file at its end, or makes it or empties it. Missing directories are not made.
+	 * @param bAppend  keep the content, start behind it.
+	 * @param bAllowRead  the handle can be read from as well.
+	 * @return null when that fails; the caller deletes it.
+	 */
+	IFileHandle* OpenWrite(const TCHAR* Filename, bool bAppend = false, bool bAllowRead = false);
+};

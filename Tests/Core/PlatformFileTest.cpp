@@ -1,0 +1,161 @@
+#include "HAL/FileManager.h"
+#include "HAL/PlatformFileManager.h"
+#include "TempDir.h"
+#include "TextSupport.h"
+
+#include <gtest/gtest.h>
+
+namespace fs = std::filesystem;
+
+namespace
+{
+	class PlatformFile : public testing::Test
+	{
+	protected:
+		bool move(const std::string& To, const std::string& From) { return Files.MoveFile(*wide(To), *wide(From)); }
+		bool copy(const std::string& To, const std::string& From) { return Files.CopyFile(*wide(To), *wide(From)); }
+
+		IPlatformFile& Files = FPlatformFileManager::Get().GetPlatformFile();
+		const TempDir Dir;
+	};
+} // namespace
+
+TEST_F(PlatformFile, TellsFilesFromDirectories)
+{
+	Dir.write("file", "12345");
+	fs::create_symlink(Dir.path("file"), Dir.path("link"));
+	struct FCase
+	{
+		std::string Path;
+		bool bFile, bDirectory;
+		int64 Size;
+	};
+	const FCase Cases[] = {
+		{Dir.path("file"), true, false, 5},
+		{Dir.path("link"), true, false, 5},
+		{Dir.path(), false, true, -1},
+		{Dir.path("missing"), false, false, -1},
+		{Dir.path("file/"), false, false, -1},
+		{Dir.path("file/below"), false, false, -1},
+		{Dir.path(std::string(300, 'x')), false, false, -1},
+		{"", false, false, -1},
+	};
+	for (const FCase& Case : Cases)
+	{
+		const FString Path = wide(Case.Path);
+		EXPECT_EQ(Files.FileExists(*Path), Case.bFile) << Case.Path;
+		EXPECT_EQ(Files.DirectoryExists(*Path), Case.bDirectory) << Case.Path;
+		EXPECT_EQ(Files.FileSize(*Path), Case.Size) << Case.Path;
+	}
+}
+
+TEST_F(PlatformFile, MakesAndRemovesOneDirectory)
+{
+	const FString Path = wide(Dir.path("\u00fc"));
+	EXPECT_TRUE(Files.CreateDirectory(*Path));
+	EXPECT_TRUE(Files.CreateDirectory(*Path)) << "it is there";
+	EXPECT_FALSE(Files.CreateDirectory(*wide(Dir.path("a/b")))) << "one level only";
+	Dir.write("\u00fc/file", "");
+	EXPECT_FALSE(Files.CreateDirectory(*wide(Dir.path("\u00fc/file"))));
+	EXPECT_FALSE(Files.DeleteDirectory(*Path)) << "not empty";
+	EXPECT_FALSE(Files.DeleteDirectory(*wide(Dir.path("\u00fc/file"))));
+	EXPECT_TRUE(Dir.exists("\u00fc/file"));
+	fs::remove(Dir.path("\u00fc/file"));
+	fs::create_directory_symlink(Dir.path("\u00fc"), Dir.path("link"));
+	EXPECT_FALSE(Files.DeleteDirectory(*wide(Dir.path("link")))) << "a link is none";
+	EXPECT_TRUE(Files.DeleteDirectory(*Path));
+	EXPECT_TRUE(Files.DeleteDirectory(*Path)) << "there is none";
+}
+
+TEST_F(PlatformFile, MovesButNeverReplaces)
+{
+	Dir.write("from", "new");
+	Dir.write("old", "old");
+	EXPECT_FALSE(move(Dir.path("old"), Dir.path("from")));
+	EXPECT_FALSE(move(Dir.path("from"), Dir.path("from")));
+	EXPECT_FALSE(move(Dir.path("missing/to"), Dir.path("from")));
+	EXPECT_FALSE(move(Dir.path("to"), Dir.path("missing")));
+	EXPECT_EQ(Dir.read("from") + Dir.read("old"), "newold");
+	EXPECT_TRUE(move(Dir.path("to"), Dir.path("from")));
+	EXPECT_FALSE(Dir.exists("from"));
+	EXPECT_EQ(Dir.read("to"), "new");
+}
+
+TEST_F(PlatformFile, MovesToAnotherDisk)
+{
+	std::error_code Missing;
+	const fs::path OtherDisk = fs::path("/dev/shm") / Dir.path().substr(1 + Dir.path().rfind('/'));
+	if (!fs::create_directory(OtherDisk, Missing))
+	{
+		GTEST_SKIP() << "no other disk";
+	}
+	const std::string There = OtherDisk / "to";
+	Dir.write("from", "new");
+	fs::permissions(Dir.path("from"), fs::perms::owner_read);
+	const FDateTime Time = FDateTime::FromUnixTimestamp(1'000'000'000);
+	Files.SetTimeStamp(*wide(Dir.path("from")), Time);
+	EXPECT_TRUE(move(There, Dir.path("from")));
+	EXPECT_FALSE(Dir.exists("from"));
+	EXPECT_EQ(Files.GetTimeStamp(*wide(There)), Time);
+	EXPECT_TRUE(Files.IsReadOnly(*wide(There)));
+	Dir.write("from", "newer");
+	EXPECT_FALSE(move(There, Dir.path("from"))) << "the target exists";
+	EXPECT_EQ(Dir.read("from") + std::to_string(fs::file_size(There)), "newer3");
+	fs::remove_all(OtherDisk);
+}
+
+TEST_F(PlatformFile, CopiesToANewFileThatCanBeWritten)
+{
+	fs::permissions(Dir.write("from", "bytes"), fs::perms::owner_read);
+	EXPECT_TRUE(copy(Dir.path("to"), Dir.path("from")));
+	EXPECT_EQ(Dir.read("to"), "bytes");
+	EXPECT_FALSE(Files.IsReadOnly(*wide(Dir.path("to"))));
+	Dir.write("old", "old");
+	EXPECT_FALSE(copy(Dir.path("old"), Dir.path("from")));
+	EXPECT_FALSE(copy(Dir.path("from"), Dir.path("from")));
+	EXPECT_FALSE(copy(Dir.path("to2"), Dir.path("missing")));
+	EXPECT_FALSE(copy(Dir.path("to2"), Dir.path()));
+	EXPECT_FALSE(copy(Dir.path("missing/to"), Dir.path("from")));
+	EXPECT_FALSE(Dir.exists("to2"));
+	EXPECT_EQ(Dir.read("old") + Dir.read("from"), "oldbytes");
+}
+
+TEST_F(PlatformFile, ReadOnlyFilesStay)
+{
+	const FString Path = wide(Dir.write("file", "x"));
+	EXPECT_FALSE(Files.IsReadOnly(*Path));
+	EXPECT_TRUE(Files.SetReadOnly(*Path, true));
+	EXPECT_TRUE(Files.IsReadOnly(*Path));
+	EXPECT_FALSE(Files.DeleteFile(*Path));
+	EXPECT_FALSE(IFileManager::Get().Delete(*Path));
+	EXPECT_EQ(Dir.read("file"), "x");
+	EXPECT_TRUE(Files.SetReadOnly(*Path, false));
+	EXPECT_TRUE(Files.DeleteFile(*Path));
+	EXPECT_FALSE(Files.DeleteFile(*Path)) << "there is none";
+	EXPECT_FALSE(Files.DeleteFile(*wide(Dir.path()))) << "a directory";
+	EXPECT_FALSE(Files.SetReadOnly(*Path, true));
+	EXPECT_FALSE(Files.IsReadOnly(*Path));
+	EXPECT_FALSE(Files.IsReadOnly(*wide(Dir.path())));
+	EXPECT_TRUE(IFileManager::Get().Delete(*Path));
+	EXPECT_FALSE(IFileManager::Get().Delete(*Path, true));
+	Files.SetReadOnly(*wide(Dir.write("file", "x")), true);
+	EXPECT_TRUE(IFileManager::Get().Delete(*Path, true, true));
+	EXPECT_FALSE(Dir.exists("file"));
+}
+
+TEST_F(PlatformFile, TimesReachOverCenturies)
+{
+	const FString Path = wide(Dir.write("file", "x"));
+	const FDateTime Access = Files.GetAccessTimeStamp(*Path);
+	for (const FDateTime Time : {FDateTime(FDateTime::FromUnixTimestamp(0).GetTicks() - 1), FDateTime(638'000'000'000'000'001),
+			 FDateTime::FromUnixTimestamp(13'000'000'000)})
+	{
+		Files.SetTimeStamp(*Path, Time);
+		EXPECT_EQ(Files.GetTimeStamp(*Path), Time) << Time.GetTicks();
+	}
+	EXPECT_EQ(Files.GetAccessTimeStamp(*Path), Access);
+	EXPECT_GT(Access, FDateTime::FromUnixTimestamp(1'700'000'000));
+	EXPECT_EQ(Files.GetTimeStamp(*wide(Dir.path("missing"))), FDateTime::MinValue());
+	EXPECT_EQ(Files.GetAccessTimeStamp(*wide(Dir.path("missing"))), FDateTime::MinValue());
+	EXPECT_EQ(utf8(Files.GetFilenameOnDisk(*Path)), Dir.path("file"));
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "Containers/StringConv.h"
+#include "Containers/UnrealString.h"
+
+#include <string>
+#include <string_view>
+
+/** Text of the host as a test compares it. */
+inline std::string utf8(const FString& Text)
+{
+	const FTCHARToUTF8 Bytes(*Text, Text.Len());
+	return std::string(Bytes.Get(), static_cast<size_t>(Bytes.Length()));
+}
+
+inline FString wide(std::string_view Utf8)
+{
+	const FUTF8ToTCHAR Units(Utf8.data(), static_cast<int32>(Utf8.size()));
+	return FString::ConstructFromPtrSize(Units.Get(), Units.Length());
+}
+
+inline TArray<uint8> byteArray(std::string_view Bytes)
+{
+	TArray<uint8> Array;
+	Array.Append(reinterpret_cast<const uint8*>(Bytes.data()), static_cast<int32>(Bytes.size()));
+	return Array;
+}
+
+inline std::string bytesOf(const TArray<uint8>& Array)
+{
+	return std::string(Array.begin(), Array.end());
+}
