@@ -42,6 +42,10 @@ namespace HeaderTool
 		{
 			addList(object, "specifiers", specifierList(specifiers.entries));
 			addList(object, "meta", specifierList(specifiers.meta));
+			if (!specifiers.comment.empty())
+			{
+				object["comment"] = specifiers.comment;
+			}
 		}
 
 		Json parameterJson(const ParameterDef& parameter)

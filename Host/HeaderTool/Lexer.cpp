@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace HeaderTool
 {
@@ -61,6 +62,28 @@ namespace HeaderTool
 			return joined;
 		}
 
+		/** @return what a comment says, without the stars at the beginning of its lines. @param comment  with its delimiters. */
+		std::string plainText(std::string_view comment)
+		{
+			constexpr std::string_view blanks = " \t";
+			comment.remove_prefix(3);
+			comment.remove_suffix(2);
+			std::string text;
+			while (!comment.empty())
+			{
+				std::string_view line = comment.substr(0, comment.find('\n'));
+				comment.remove_prefix(std::min(line.size() + 1, comment.size()));
+				line.remove_prefix(std::min(line.find_first_not_of(blanks), line.size()));
+				if (line.starts_with('*'))
+				{
+					line.remove_prefix(line.starts_with("* ") ? 2 : 1);
+				}
+				line = line.substr(0, line.find_last_not_of(blanks) + 1);
+				text += (text.empty() ? "" : "\n") + std::string(line);
+			}
+			return text.substr(0, text.find_last_not_of('\n') + 1);
+		}
+
 		class Lexer
 		{
 		public:
@@ -81,7 +104,7 @@ namespace HeaderTool
 
 			std::vector<Token> takeTokens()
 			{
-				tokens.push_back({TokenKind::End, "", "", currentLine(), 0});
+				tokens.push_back({TokenKind::End, "", "", currentLine(), 0, ""});
 				return std::move(tokens);
 			}
 
@@ -110,7 +133,8 @@ namespace HeaderTool
 					{
 						throw ParseError(currentLine(), "this comment does not end");
 					}
-					take(end + 2);
+					const std::string_view comment = take(end + 2);
+					documentation = comment.starts_with("/**") && comment.size() > 4 ? plainText(comment) : "";
 					return true;
 				}
 				return false;
@@ -132,9 +156,17 @@ namespace HeaderTool
 				}
 			}
 
-			void add(TokenKind kind, int line, std::string_view text) { tokens.push_back({kind, std::string(text), "", line, 0}); }
+			void add(TokenKind kind, int line, std::string_view text) { tokens.push_back({kind, std::string(text), "", line, 0, ""}); }
 
 			void readToken()
+			{
+				std::string comment = std::exchange(documentation, "");
+				readPlainToken();
+				tokens.back().comment = std::move(comment);
+				documentation.clear(); // one inside a directive documents nothing
+			}
+
+			void readPlainToken()
 			{
 				const int line = currentLine();
 				const bool first = !lineHasToken;
@@ -222,12 +254,13 @@ namespace HeaderTool
 				const bool raw = prefix.ends_with("R");
 				const std::string_view quoted = take(raw ? rawLength(rest, line) : quotedLength(rest, line));
 				tokens.push_back({TokenKind::String, raw ? std::string(quoted) : unescape(quoted.substr(1, quoted.size() - 2), line),
-					std::string(prefix), line, 0});
+					std::string(prefix), line, 0, ""});
 			}
 
 			JoinedText source;
 			std::string_view rest;
 			std::vector<Token> tokens;
+			std::string documentation; // of the token that comes next
 			bool lineHasToken = false;
 		};
 	} // namespace

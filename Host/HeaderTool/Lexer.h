@@ -26,10 +26,12 @@ namespace HeaderTool
 		std::string prefix; // of a string: "", "u8", "u", "U", "L", each with an "R" when raw
 		int line = 1; // where the token begins
 		int region = 0; // number of directives before it, see takeDirectives
+		std::string comment; // what the documentation comment right in front of it says, line by line; empty = there is none
 	};
 
 	/**
-	 * Cuts the text of a header into tokens. Comments vanish, continued lines are joined, line ends may be LF or CR LF.
+	 * Cuts the text of a header into tokens. Comments vanish but for those that document
+	 * the token behind them, continued lines are joined, line ends may be LF or CR LF.
 	 * @param text         UTF-8, with or without byte order mark.
 	 * @param path         for messages.
 	 * @param diagnostics  receives what cannot be read; the tokens then end at that place.

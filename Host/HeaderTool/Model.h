@@ -24,6 +24,7 @@ namespace HeaderTool
 	{
 		std::vector<Specifier> entries;
 		std::vector<Specifier> meta; // those inside meta = (...)
+		std::string comment; // what the documentation comment in front of the macro says
 
 		/** @param key  compared without regard to case, as the engine does. @return null when it is not there. */
 		const Specifier* find(std::string_view key) const;

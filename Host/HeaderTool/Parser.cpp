@@ -157,10 +157,18 @@ namespace HeaderTool
 				}
 			}
 
+			/** Reads a macro with its arguments and what documents it. */
+			Specifiers readMacro()
+			{
+				std::string comment = reader.next().comment;
+				Specifiers specifiers = parseSpecifiers(reader);
+				specifiers.comment = std::move(comment);
+				return specifiers;
+			}
+
 			void readEnum()
 			{
-				reader.next();
-				Specifiers specifiers = parseSpecifiers(reader);
+				Specifiers specifiers = readMacro();
 				header.enums.push_back(parseEnum(reader));
 				header.enums.back().specifiers = std::move(specifiers);
 			}
@@ -176,8 +184,7 @@ namespace HeaderTool
 					reader.fail(fmt::format("the struct {} may have no UFUNCTION", scope.name));
 				}
 				const size_t start = reader.place();
-				reader.next();
-				Specifiers specifiers = parseSpecifiers(reader);
+				Specifiers specifiers = readMacro();
 				if (macro == "UFUNCTION")
 				{
 					FunctionDef function = parseFunction(reader);
@@ -238,9 +245,8 @@ namespace HeaderTool
 			void readClass()
 			{
 				const size_t start = reader.place();
-				reader.next();
 				ClassDef result;
-				result.specifiers = parseSpecifiers(reader);
+				result.specifiers = readMacro();
 				TypeHead head = parseTypeHead(reader, "class", "UCLASS");
 				result.line = head.line;
 				result.name = head.name;
@@ -256,9 +262,8 @@ namespace HeaderTool
 			void readStruct()
 			{
 				const size_t start = reader.place();
-				reader.next();
 				StructDef result;
-				result.specifiers = parseSpecifiers(reader);
+				result.specifiers = readMacro();
 				const TypeHead head = parseTypeHead(reader, "struct", "USTRUCT");
 				result.line = head.line;
 				result.name = head.name;

@@ -39,6 +39,10 @@ namespace HeaderTool
 				entries.emplace_back(name, specifier->value.value_or("true"));
 			}
 		}
+		if (!specifiers.comment.empty() && !specifiers.findMeta("Comment"))
+		{
+			entries.emplace_back("Comment", specifiers.comment); // under the key that the engine's tool keeps it under
+		}
 		return entries;
 	}
 

@@ -6,7 +6,8 @@
 namespace HeaderTool
 {
 	/**
-	 * The metadata as the registry keeps it: what the meta list says, then the specifiers that carry a text or tell scripts something.
+	 * The metadata as the registry keeps it: what the meta list says, then the specifiers that carry a text or tell scripts something,
+	 * then the documentation comment.
 	 * A key without a value has the value "true".
 	 */
 	std::vector<std::pair<std::string, std::string>> metaEntries(const Specifiers& specifiers);

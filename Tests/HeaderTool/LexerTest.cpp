@@ -12,7 +12,7 @@ namespace
 	{
 		const char* name;
 		std::string_view text;
-		std::string expected; // "line:kind:text" each followed by a space; or the message
+		std::string expected; // "<comment>line:kind:text" each followed by a space; or the message
 	};
 
 	std::string describe(std::string_view text)
@@ -23,6 +23,7 @@ namespace
 		{
 			if (token.kind != TokenKind::End)
 			{
+				result += token.comment.empty() ? "" : fmt::format("<{}>", token.comment);
 				result += fmt::format("{}:{}:{}{} ", token.line, "INSCYD"[static_cast<size_t>(token.kind)], token.prefix, token.text);
 			}
 		}
@@ -40,6 +41,9 @@ namespace
 		{"PrefixesAndRaw", "u8\"a\" L\"b\" R\"x(\")\" )x\" R2", "1:S:u8a 1:S:Lb 1:S:R\"x(\")\" )x\" 1:I:R2 "},
 		{"Characters", R"('\'' '"' 'a')", R"(1:C:'\'' 1:C:'"' 1:C:'a' )"},
 		{"Comments", "a/* * / \n // */b // c \" \n/**/d", "1:I:a 2:I:b 3:I:d "},
+		{"Documentation", "/** one */ a /** two */ /**\n\t * three * 3\n\t *\n\t *   @param x\n\t */\n// and\nb c",
+			"<one>1:I:a <three * 3\n\n  @param x>7:I:b 7:I:c "},
+		{"NoDocumentation", "/**/ a /***/ b /** x */ /* y */ c\n# d /** z */\ne", "1:I:a 1:I:b 1:I:c 2:D:d 3:I:e "},
 		{"QuotesHideComments", "\"/*\" '\"' \"//\" x", "1:S:/* 1:C:'\"' 1:S:// 1:I:x "},
 		{"JoinedLines", "ab\\\ncd // gone \\\nstill gone\ne \"f\\\ng\"", "1:I:abcd 4:I:e 4:S:fg "},
 		{"WindowsLines", "\xEF\xBB\xBFone\r\n#x \\\r\n y\r\n\"z\"\r\n", "1:I:one 2:D:x  y 4:S:z "},

@@ -25,6 +25,10 @@ public:
 		ESampleKind kind = ESampleKind::Six, const FString& title = TEXT("a \"b\""), FString plain = "", float step = -0.5f,
 		bool last = true, USampleNode* node = nullptr);
 
+	/**
+	 * Gives the text.
+	 * @return what "setText" \ stored.
+	 */
 	UFUNCTION(BlueprintPure, Category = "Sample")
 	const FString& getText() const;
 
@@ -34,6 +38,7 @@ public:
 	UFUNCTION()
 	void onDone(const FString message, const TArray<FString>& lines);
 
+	/** Raised when all is done. */
 	UPROPERTY(BlueprintAssignable, Category = "Sample|Events")
 	FSampleDoneDelegate onSampleDone;
 

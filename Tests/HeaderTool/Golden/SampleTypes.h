@@ -6,7 +6,7 @@
 
 class USampleLibrary;
 
-// The numbers jump, count on and come in both notations.
+/** The numbers jump, count on and come in both notations. */
 UENUM(BlueprintType)
 enum class ESampleKind : uint8
 {

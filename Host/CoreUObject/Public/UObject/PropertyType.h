@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CoreMinimal.h"
+#include "Misc/DateTime.h"
 
 #include <functional>
 #include <type_traits>
@@ -18,6 +19,7 @@ enum class EPropertyKind : uint8
 	Int64,
 	Float,
 	String, // FString
+	DateTime, // FDateTime
 	Enum, // 8-bit enumeration
 	Struct, // reflected struct, opaque to scripts
 	Object, // pointer to a reflected class
@@ -178,6 +180,10 @@ namespace PropertyTypePrivate
 	};
 	template <>
 	struct TMaker<FString> : TPlainMaker<FString, EPropertyKind::String>
+	{
+	};
+	template <>
+	struct TMaker<FDateTime> : TPlainMaker<FDateTime, EPropertyKind::DateTime>
 	{
 	};
 } // namespace PropertyTypePrivate
