@@ -71,6 +71,16 @@ TEST_F(Body, TextGoesOutAsUtf8BehindItsLength)
 	EXPECT_EQ(TheSink.body(), "Grüße");
 }
 
+TEST_F(Body, BytesGoOutAsTheyAre)
+{
+	TArray<uint8> content{0, 13, 10, 255};
+	Exchange& exchange = post(TheSink.url(), "text that the bytes replace");
+	exchange.request().SetContent(std::move(content));
+	EXPECT_EQ(exchange.request().GetContentLength(), 4u);
+	EXPECT_TRUE(run(exchange).succeeded());
+	EXPECT_EQ(TheSink.body(), std::string("\0\r\n\xFF", 4));
+}
+
 TEST_F(Body, EmptyOnesAreAnnouncedOnlyWhereTheVerbHasABody)
 {
 	struct Case

@@ -49,6 +49,7 @@ std::optional<FOutgoing> FHttpRequest::Prepare()
 		UE_LOG(LogHttp, Error, TEXT("Request refused: not a valid http or https URL"));
 		return std::nullopt;
 	}
+	const bool bBodyBeginsInHeader = MoveHeaderTextToBody();
 	std::optional<FHeaderList> Wire = Headers.ToWire();
 	if (!Wire)
 	{
@@ -56,7 +57,18 @@ std::optional<FOutgoing> FHttpRequest::Prepare()
 	}
 	const FString Announced = Headers.Get(TEXT("Content-Length"));
 	const bool bLengthIsTrue = Announced.IsEmpty() || Text::ToUtf8(Announced) == std::to_string(ContentLength);
-	return FOutgoing{std::move(VerbBytes), std::move(*Parsed), std::move(*Wire), std::move(Body), bLengthIsTrue};
+	return FOutgoing{std::move(VerbBytes), std::move(*Parsed), std::move(*Wire), std::move(Body), bLengthIsTrue, bBodyBeginsInHeader};
+}
+
+bool FHttpRequest::MoveHeaderTextToBody()
+{
+	std::optional<std::string> Head = Body ? Headers.SplitContentLength() : std::nullopt;
+	if (!Head)
+	{
+		return false;
+	}
+	SetBody(FRequestBody::Joined(std::move(*Head) + "\r\n\r\n", std::move(Body)));
+	return true;
 }
 
 void FHttpRequest::CancelRequest()

@@ -26,6 +26,7 @@ public:
 	void SetVerb(const FString& InVerb) override { Verb = InVerb; }
 	void SetURL(const FString& InURL) override { Url = InURL; }
 	void SetHeader(const FString& HeaderName, const FString& HeaderValue) override { Headers.Set(HeaderName, HeaderValue); }
+	void SetContent(TArray<uint8>&& ContentPayload) override { SetBody(FRequestBody::FromBytes(std::move(ContentPayload))); }
 	void SetContentAsString(const FString& ContentString) override;
 	bool SetContentAsStreamedFile(const FString& Filename) override;
 	void SetDelegateThreadPolicy(EHttpRequestDelegateThreadPolicy InPolicy) override { Policy = InPolicy; }
@@ -56,6 +57,8 @@ public:
 private:
 	std::optional<FOutgoing> Prepare();
 	void SetBody(std::shared_ptr<FRequestBody> InBody);
+	/** Carries out the one exception to the rule for header values. @return whether this request makes use of it. */
+	bool MoveHeaderTextToBody();
 	FHttpRequestPtr Self();
 
 	FString Verb = TEXT("GET");

@@ -17,8 +17,13 @@ FString FHttpResponse::GetHeader(const FString& HeaderName) const
 TArray<FString> FHttpResponse::GetAllHeaders() const
 {
 	TArray<FString> Lines;
+	std::string Line;
 	Headers.ForEach(
-		[&Lines](std::string_view Name, std::string_view Value) { Lines.Add(Text::FromUtf8(Name) + TEXT(": ") + Text::FromUtf8(Value)); });
+		[&](std::string_view Name, std::string_view Value)
+		{
+			Line.assign(Name).append(": ").append(Value);
+			Lines.Add(Text::FromUtf8(Line));
+		});
 	return Lines;
 }
 

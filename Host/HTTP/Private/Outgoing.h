@@ -14,4 +14,5 @@ struct FOutgoing
 	FHeaderList Headers;
 	std::shared_ptr<FRequestBody> Body; // null = none
 	bool bLengthIsTrue = true; // false: the script announces another length than the body has
+	bool bPlainHttp1 = false; // nothing but HTTP/1.1, no redirects, a connection for this hop alone
 };

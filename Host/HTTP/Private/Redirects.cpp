@@ -46,5 +46,5 @@ std::optional<FOutgoing> Redirects::NextHop(const FOutgoing& Hop, int32 Code, st
 	FHeaderList Headers = Hop.Headers.Filtered(
 		[=](std::string_view Name) { return !(bBecomesGet && describesBody(Name)) && (bSameOrigin || !isMeantForOneOrigin(Name)); });
 	return FOutgoing{bBecomesGet ? "GET" : Hop.Verb, std::move(*Url), std::move(Headers), bBecomesGet ? nullptr : Hop.Body,
-		bBecomesGet || Hop.bLengthIsTrue};
+		bBecomesGet || Hop.bLengthIsTrue, false};
 }

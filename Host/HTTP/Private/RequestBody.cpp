@@ -66,6 +66,38 @@ namespace
 		std::ifstream Stream;
 		uint64 Position = 0;
 	};
+
+	class FJoinedBody final : public FRequestBody
+	{
+	public:
+		FJoinedBody(std::string InHead, std::shared_ptr<FRequestBody> InRest)
+			: FRequestBody(InHead.size() + InRest->GetSize())
+			, Head(std::move(InHead))
+			, Rest(std::move(InRest))
+		{
+		}
+
+		std::optional<size_t> Read(char* Buffer, size_t Room) override
+		{
+			if (Position == Head.size())
+			{
+				return Rest->Read(Buffer, Room);
+			}
+			const size_t Number = Head.copy(Buffer, Room, Position);
+			Position += Number;
+			return Number;
+		}
+		bool Rewind() override
+		{
+			Position = 0;
+			return Rest->Rewind();
+		}
+
+	private:
+		const std::string Head;
+		const std::shared_ptr<FRequestBody> Rest;
+		size_t Position = 0; // in Head
+	};
 } // namespace
 
 std::shared_ptr<FRequestBody> FRequestBody::FromBytes(TArray<uint8> Bytes)
@@ -84,4 +116,9 @@ std::shared_ptr<FRequestBody> FRequestBody::FromFile(const FString& Path)
 	std::ifstream Stream(Name, std::ios::binary);
 	const uint64 Size = std::filesystem::file_size(Name, Error);
 	return Stream && !Error ? std::make_shared<FFileBody>(std::move(Stream), Size) : nullptr;
+}
+
+std::shared_ptr<FRequestBody> FRequestBody::Joined(std::string Head, std::shared_ptr<FRequestBody> Rest)
+{
+	return std::make_shared<FJoinedBody>(std::move(Head), std::move(Rest));
 }

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <memory>
 #include <optional>
+#include <string>
 
 /** What a request sends behind its headers. The size is fixed from the start. Thread: one at a time. */
 class FRequestBody
@@ -22,6 +23,8 @@ public:
 	static std::shared_ptr<FRequestBody> FromBytes(TArray<uint8> Bytes);
 	/** @return null when the file cannot be opened. It is read as it is sent, and only as far as it reaches now. */
 	static std::shared_ptr<FRequestBody> FromFile(const FString& Path);
+	/** Head, and then what Rest holds. */
+	static std::shared_ptr<FRequestBody> Joined(std::string Head, std::shared_ptr<FRequestBody> Rest);
 
 protected:
 	explicit FRequestBody(uint64 InSize)

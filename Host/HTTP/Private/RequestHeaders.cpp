@@ -7,6 +7,9 @@
 
 namespace
 {
+	const TCHAR* const contentLength = TEXT("Content-Length");
+	constexpr std::string_view emptyLine = "\r\n\r\n";
+
 	/** A line break or a zero would end the header early and let its value write headers of its own. */
 	bool isSafeValue(std::string_view Value)
 	{
@@ -56,6 +59,20 @@ TArray<FString> FRequestHeaders::GetAll() const
 		Lines.Add(Name + TEXT(": ") + Value);
 	}
 	return Lines;
+}
+
+std::optional<std::string> FRequestHeaders::SplitContentLength()
+{
+	const auto Found = std::find_if(Headers.begin(), Headers.end(), [](const auto& Header) { return Header.first == contentLength; });
+	const std::string Value = Found == Headers.end() ? "" : Text::ToUtf8(Found->second);
+	const size_t NumberEnd = Value.find_first_not_of("0123456789");
+	if (NumberEnd == 0 || NumberEnd == Value.npos || Value.compare(NumberEnd, emptyLine.size(), emptyLine) != 0)
+	{
+		return std::nullopt;
+	}
+	Found->second = Found->second.Left(static_cast<int32>(NumberEnd));
+	std::rotate(Found, Found + 1, Headers.end());
+	return Value.substr(NumberEnd + emptyLine.size());
 }
 
 std::optional<FHeaderList> FRequestHeaders::ToWire() const

@@ -4,6 +4,7 @@
 #include "HeaderList.h"
 
 #include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -21,6 +22,12 @@ public:
 
 	/** @return what goes on the wire, or nothing (and an error line in the log) when a header must not be sent. */
 	std::optional<FHeaderList> ToWire() const;
+
+	/**
+	 * Takes a Content-Length that runs on behind an empty line apart: its number stays, as the last of all headers.
+	 * @return what stood behind the empty line; nothing, and no change, when the Content-Length is none of that kind.
+	 */
+	std::optional<std::string> SplitContentLength();
 
 private:
 	std::vector<std::pair<FString, FString>> Headers;

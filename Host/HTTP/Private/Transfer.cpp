@@ -13,6 +13,7 @@ namespace
 	constexpr uint64 mostHeaderBytes = 256 << 10;
 	/** The body of a followed redirect is read up to here, which saves the connection, and cut off beyond. */
 	constexpr uint64 mostDroppedBytes = 64 << 10;
+	constexpr uint64 largeBody = 1 << 20;
 
 	CURL* makeHandle()
 	{
@@ -143,7 +144,11 @@ void FTransfer::ConfigureVerb()
 void FTransfer::ConfigureBody()
 {
 	const auto Set = [this](CURLoption Option, auto Value) { curl_easy_setopt(Easy, Option, Value); };
-	if (!Hop->bLengthIsTrue)
+	if (Hop->bPlainHttp1)
+	{
+		Set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+	}
+	if (!Hop->bLengthIsTrue || Hop->bPlainHttp1)
 	{
 		Set(CURLOPT_FORBID_REUSE, 1L); // the peer would take the next request for the rest of this body, or the reverse
 	}
@@ -156,6 +161,10 @@ void FTransfer::ConfigureBody()
 	Set(CURLOPT_POST, 1L);
 	Set(CURLOPT_CUSTOMREQUEST, Hop->Verb.c_str());
 	Set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(Size));
+	if (Size >= largeBody)
+	{
+		Set(CURLOPT_UPLOAD_BUFFERSIZE, 256L << 10); // fewer rounds of the thread; small bodies do with libcurl's own 64 KiB
+	}
 	Set(CURLOPT_READDATA, static_cast<void*>(this));
 	using FRead = size_t (*)(char*, size_t, size_t, void*);
 	Set(CURLOPT_READFUNCTION, static_cast<FRead>([](char* Buffer, size_t Width, size_t Number, void* Self)
@@ -227,7 +236,7 @@ bool FTransfer::OnHeadersComplete()
 {
 	const int32 Code = Headers.StatusCode();
 	const std::string Location = Headers.Find("Location");
-	if (Redirects::IsRedirect(Code, Location))
+	if (!Hop->bPlainHttp1 && Redirects::IsRedirect(Code, Location))
 	{
 		const bool bMayFollow = HopsFollowed < Redirects::mostHops;
 		Next = bMayFollow ? Redirects::NextHop(*Hop, Code, Location) : std::nullopt;

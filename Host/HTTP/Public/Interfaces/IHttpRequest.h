@@ -28,8 +28,15 @@ class IHttpRequest : public IHttpBase
 public:
 	virtual void SetVerb(const FString& Verb) = 0;
 	virtual void SetURL(const FString& URL) = 0;
-	/** A header of the same name (case ignored) is replaced and keeps its place. */
+	/**
+	 * A header of the same name (case ignored) is replaced and keeps its place. Control characters in a header fail the
+	 * request, but for one case: a Content-Length of a number, an empty line and more text, in a request that has a body.
+	 * The number is sent as the last header; the text and another empty line go in front of the body, whatever the number
+	 * says. Such a request uses HTTP/1.1, follows no redirect, and its connection is not used again.
+	 */
 	virtual void SetHeader(const FString& HeaderName, const FString& HeaderValue) = 0;
+	/** The body, which is taken over. */
+	virtual void SetContent(TArray<uint8>&& ContentPayload) = 0;
 	/** The body, as UTF-8. An empty one of a verb that needs no body sends none. */
 	virtual void SetContentAsString(const FString& ContentString) = 0;
 	/**
