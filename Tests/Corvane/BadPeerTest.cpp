@@ -84,6 +84,25 @@ namespace
 			return settings;
 		}
 
+		/** A request by each of the three general builders. */
+		TArray<FhttpRequest> build(std::string_view verb, const std::string& url)
+		{
+			TArray<FhttpRequest> requests;
+			FString id;
+			if (verb == "GET")
+			{
+				return get(url);
+			}
+			if (verb == "POST")
+			{
+				UCorvaneBPLibrary::CreateHttpRequestPOST({}, text(url), {}, {{"field", "value"}}, "", false, requests, id);
+				return requests;
+			}
+			UCorvaneBPLibrary::CreateHttpRequestIndividual({}, text(url), {{"Content-Type", "text/plain"}}, text(verb),
+				EHTTPCorvIndividualType::STRING, "body", "", requests, id, false, true, false, false);
+			return requests;
+		}
+
 		void expectNoResponse(const std::string& url, const Headers& header = {})
 		{
 			const Completion result = run(get(url, header, "id"));
@@ -105,10 +124,13 @@ TEST_P(BadPeers, GiveOneClearResult)
 	LogCapture log;
 	for (const BadPeer& peer : badPeers)
 	{
-		RawServer server(peer.script);
-		const Completion result = run(get(server.url()));
-		EXPECT_EQ(result.statusCode, peer.statusCode) << peer.name;
-		EXPECT_EQ(result.dataString, peer.dataString) << peer.name;
+		for (const char* verb : {"GET", "POST", "PUT"})
+		{
+			RawServer server(peer.script);
+			const Completion result = run(build(verb, server.url()));
+			EXPECT_EQ(result.statusCode, peer.statusCode) << verb << " from one that " << peer.name;
+			EXPECT_EQ(result.dataString, peer.dataString) << verb << " from one that " << peer.name;
+		}
 	}
 }
 

@@ -106,33 +106,6 @@ TEST_F(Get, ReportsProgressAgainstOneByteWhenTheLengthIsUnknown)
 	EXPECT_FLOAT_EQ(downloads.back().percentDownload, 500.0f);
 }
 
-TEST_F(Get, DeliversServerSendEventsInPiecesAndNoProgress)
-{
-	Gate first, second;
-	RawServer origin(
-		[&](Connection& connection)
-		{
-			connection.readHead();
-			connection.send("HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\nConnection: close\r\n\r\ndata: one\n\n");
-			connection.waitFor(first);
-			connection.send("data: two\n\n");
-			connection.waitFor(second);
-		});
-	execute(get(origin.url(), {}, "sse", true));
-	const auto piecesSeen = [this](size_t number) { return [this, number] { return serverSendEvents.size() >= number; }; };
-	ASSERT_TRUE(loop.WaitFor(piecesSeen(1), patienceSeconds));
-	first.open();
-	ASSERT_TRUE(loop.WaitFor(piecesSeen(2), patienceSeconds));
-	second.open();
-	drain();
-	EXPECT_THAT(
-		serverSendEvents, ElementsAre(AllOf(Field(&ServerSendEvent::response, "data: one\n\n"), Field(&ServerSendEvent::requestID, "sse")),
-							  Field(&ServerSendEvent::response, "data: two\n\n")));
-	EXPECT_TRUE(downloads.empty());
-	ASSERT_EQ(completions.size(), 1u);
-	EXPECT_EQ(completions[0].dataString, "data: one\n\ndata: two\n\n");
-}
-
 TEST_F(Get, RunsManyAtOnceWithOneCompletionEach)
 {
 	constexpr int number = 500;

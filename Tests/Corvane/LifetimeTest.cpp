@@ -1,9 +1,9 @@
 #include "CorvaneRequestCompleteObject.h"
 #include "Host/Objects.h"
+#include "ListeningNode.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"
 #include "RawServer.h"
-#include "UAsyncNodeCorv.h"
 #include "UObject/UObjectGlobals.h"
 
 namespace
@@ -23,27 +23,6 @@ namespace
 			connection.send(answer(200, body));
 		};
 	}
-
-	/** What a node sees, without the pins of a real one. */
-	class UListeningNode : public UAsyncNodeCorv
-	{
-	public:
-		static UClass* StaticClass()
-		{
-			static const FClassDefinition definition{
-				"ListeningNode", &UAsyncNodeCorv::StaticClass, &ConstructObject<UListeningNode>, {}, {}, {}};
-			static UClass listeningNodeClass(definition);
-			return &listeningNodeClass;
-		}
-
-		void httpRequestComplete(
-			FString, const TArray<FString>&, const TArray<FString>&, int32 inStatusCode, const TArray<uint8>&, FString) override
-		{
-			statusCodes.push_back(inStatusCode);
-		}
-
-		std::vector<int32> statusCodes;
-	};
 } // namespace
 
 TEST_F(Lifetime, ARecordKeepsItsCompletionObjectUntilItIsExecuted)

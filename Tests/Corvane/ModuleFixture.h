@@ -70,6 +70,8 @@ protected:
 	void drain();
 	/** Executes and drains. @return the one completion that this brought; more or none fail the test. */
 	Completion run(TArray<FhttpRequest> requests);
+	/** Records the events of a library: the loop's own is recorded from the beginning. */
+	void record(UCorvaneBPLibrary& library);
 
 	const bool callbacksNeedTicks;
 	FGameLoop loop;
@@ -77,7 +79,4 @@ protected:
 	std::vector<DownloadProgress> downloads;
 	std::vector<UploadProgress> uploads;
 	std::vector<ServerSendEvent> serverSendEvents;
-
-private:
-	void record(UCorvaneBPLibrary& library);
 };

@@ -58,6 +58,12 @@ void Gate::open()
 	Changed.notify_all();
 }
 
+bool Gate::isOpen() const
+{
+	const std::scoped_lock lock(Mutex);
+	return Open;
+}
+
 bool Gate::wait(std::stop_token stop)
 {
 	std::unique_lock lock(Mutex);

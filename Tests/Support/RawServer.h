@@ -22,9 +22,10 @@ public:
 	void open();
 	/** @return false when stop was requested before the gate was opened. */
 	bool wait(std::stop_token stop);
+	bool isOpen() const;
 
 private:
-	std::mutex Mutex;
+	mutable std::mutex Mutex;
 	std::condition_variable_any Changed;
 	bool Open = false;
 };

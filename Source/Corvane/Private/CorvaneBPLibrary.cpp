@@ -2,23 +2,32 @@
 
 #include "Completion/RunningRequests.h"
 #include "CorvaneRequestCompleteObject.h"
+#include "Downloads/DownloadTargets.h"
 #include "Files/ByteToFileThread.h"
 #include "Misc/ScopeLock.h"
 #include "UObject/UObjectGlobals.h"
+#include "Uploads/TruncateUploadedFileThread.h"
+#include "Uploads/UploadFiles.h"
 
 UCorvaneBPLibrary* UCorvaneBPLibrary::corv = nullptr;
 
 UCorvaneBPLibrary::UCorvaneBPLibrary(const FObjectInitializer& ObjectInitializer)
 	: Super(ObjectInitializer)
 	, runningList(new FCorvRunningRequests())
+	, downloadTargets(new FCorvDownloadTargets())
+	, uploadFiles(new FCorvUploadFiles())
 {
 	corv = this;
+	fillMimeTypeMap();
 	onhttpRequestCompleteDelegate.AddUniqueDynamic(this, &UCorvaneBPLibrary::httpRequestCompleteDelegate);
 }
 
 UCorvaneBPLibrary::~UCorvaneBPLibrary()
 {
 	delete byteToFileThread;
+	delete truncateThread;
+	delete uploadFiles;
+	delete downloadTargets;
 	delete runningList;
 }
 
@@ -63,7 +72,9 @@ bool UCorvaneBPLibrary::hasPendingWork()
 		return false;
 	}
 	FScopeLock Lock(&Library->mapLock);
-	return !Library->runningList->isEmpty() || (Library->byteToFileThread && Library->byteToFileThread->hasWork());
+	return !Library->runningList->isEmpty() || Library->runningList->hasFollowUps() ||
+		   (Library->byteToFileThread && Library->byteToFileThread->hasWork()) ||
+		   (Library->truncateThread && Library->truncateThread->hasWork());
 }
 
 void UCorvaneBPLibrary::shutDown()
@@ -80,4 +91,5 @@ void UCorvaneBPLibrary::shutDown()
 	}
 	delete byteToFileThread; // finishes the queued writes
 	byteToFileThread = nullptr;
+	endUploads();
 }

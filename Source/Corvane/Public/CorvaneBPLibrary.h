@@ -6,12 +6,16 @@
 #include "Interfaces/IHttpRequest.h"
 #include "Kismet/BlueprintFunctionLibrary.h"
 #include "UObject/StrongObjectPtr.h"
+#include "UObject/UObjectGlobals.h"
 #include "UObject/WeakObjectPtr.h"
 
 #include "CorvaneBPLibrary.generated.h"
 
 class FByteToFileThread;
+class FCorvDownloadTargets;
 class FCorvRunningRequests;
+class FCorvTruncateUploadedFileThread;
+class FCorvUploadFiles;
 class UAsyncNodeCorv;
 class UCorvaneBPLibrary;
 class UCorvaneRequestCompleteObject;
@@ -143,7 +147,8 @@ private:
 
 /**
  * The library of script functions and, as its class default object, the one object that owns what requests share and
- * that carries the events. Thread: game thread, unless a function says otherwise.
+ * that carries the events. Paths are resolved as getCleanDirectory does. Thread: game thread, unless a function says
+ * otherwise.
  */
 UCLASS()
 class CORVANE_API UCorvaneBPLibrary : public UBlueprintFunctionLibrary
@@ -154,18 +159,55 @@ public:
 	UCorvaneBPLibrary(const FObjectInitializer& ObjectInitializer = FObjectInitializer::Get());
 	virtual ~UCorvaneBPLibrary() override;
 
+	/**
+	 * Raised once for each request that has ended, well or not; a request that a latent node waits for ends there instead.
+	 * @param dataString  the body as text.
+	 * @param dataArray  the body's lines, cut at CR LF, empty ones dropped.
+	 * @param header  the response headers, each "Name: value".
+	 * @param statusCode  the server's, or 400 (refused) or 500 (no response) of the system itself.
+	 * @param byteData  the body's bytes; none of a download that was written to a file.
+	 * @param requestID  the ID that the request was built with.
+	 */
 	UPROPERTY(BlueprintAssignable, Category = "Corvane|Events|RequestComplete")
 	FhttpRequestCompleteDelegate onhttpRequestCompleteDelegate;
 
+	/**
+	 * Raised once for each request for the information of a Drive file.
+	 * @param fileName  empty when the request failed.
+	 * @param fileSizeInBytes  0 when the request failed.
+	 * @param statusCode  200; the server's or that of the system itself when the request failed; 452 for a page that cannot be read.
+	 * @param downloadID  names the file.
+	 * @param requestID  the ID that the request was built with.
+	 */
 	UPROPERTY(BlueprintAssignable, Category = "Corvane|Events|RequestCompleteGoogleInfo")
 	FhttpRequestCompleteGoogleInfoDelegate onhttpRequestCompleteGoogleInfoDelegate;
 
+	/**
+	 * Raised again and again while the body of a response arrives.
+	 * @param size  Filesize in Megabyte
+	 * @param megaBytesReceived  of the file, with what a resumed download found on disk.
+	 * @param percentDownload  0 to 100 when the server tells the size.
+	 * @param megaBit  Downloadspeed in Megabit/second
+	 * @param requestID  the ID that the request was built with; cancelRequest takes it.
+	 */
 	UPROPERTY(BlueprintAssignable, Category = "Corvane|Events|Download")
 	FhttpFileDownloadDelegate onhttpFileDownloadDelegate;
 
+	/**
+	 * Raised again and again while the body of a request is sent.
+	 * @param size  Filesize in Byte
+	 * @param bytesSent  2147483647 at most.
+	 * @param percentUpload  0 to 100.
+	 * @param requestID  the ID that the request was built with; cancelRequest takes it.
+	 */
 	UPROPERTY(BlueprintAssignable, Category = "Corvane|Events|Upload")
 	FhttpFileUploadDelegate onhttpFileUploadDelegate;
 
+	/**
+	 * Raised for each piece of the body of a request that was built with bindServerSendEvent.
+	 * @param response  what has arrived since the last piece; it may hold half an event or several.
+	 * @param requestID  the ID that the request was built with; cancelRequest takes it.
+	 */
 	UPROPERTY(BlueprintAssignable, Category = "Corvane|Events|ServerSendEvent")
 	FhttpServerSendEventDelegate onhttpServerSendEventDelegate;
 
@@ -244,7 +286,8 @@ public:
 
 	/**
 	 * Builds a request of which the caller sets everything. A refusal is reported one game-thread task later, with status
-	 * 400 and the ID that requestID held before the call; httpRequests is left as it was then.
+	 * 400 and the ID that requestID held before the call; httpRequests is left as it was then. The other parameters are
+	 * those of CreateHttpRequestGET.
 	 * @param header  must not be empty and must hold a Content-Type.
 	 * @param verb  GET, HEAD, POST, PUT, DELETE, TRACE, OPTIONS, CONNECT or PATCH, in any case.
 	 * @param contentBody  STRING: the body, sent as UTF-8; STREAM: path of the file whose bytes are the body.
@@ -261,6 +304,175 @@ public:
 		FString verb, EHTTPCorvIndividualType contentBodyType, FString contentBody, FString optionalRequestID,
 		TArray<FhttpRequest>& httpRequests, FString& requestID, bool addContentLengthHeader, bool bindDownloadProgressEvent,
 		bool bindUploadProgressEvent, bool bindServerSendEvent);
+
+	/**
+	 * Builds a download that arrives as one body and is then written to a file; its bytes are not in the event. A download
+	 * that is cancelled or breaks off leaves the bytes it has received in the file, where E_RESUME goes on. The other
+	 * parameters are those of CreateHttpRequestGET.
+	 * @param ActionIfFileExists  what becomes of an existing file; E_OVERWRITE deletes it in this call.
+	 * @param DirectoryType, filePathWithFileName  name the target; its directory must exist.
+	 * @param httpRequests  otherHttpRequests and the new record; just otherHttpRequests when the request is refused.
+	 * @param requestID  the request's ID, also when it is refused.
+	 * @return 0, or 400 when the request was refused; the refusal is also broadcast, inside this call.
+	 */
+	UFUNCTION(BlueprintCallable, Category = "Corvane|Download",
+		meta = (AutoCreateRefTerm = "otherHttpRequests,header",
+			ToolTip = "For downloads. Data is copied to the hard disk if you cancel the download."))
+	static int32 CreateHttpRequestGETDownload(TArray<FhttpRequest> otherHttpRequests, FString url, TMap<FString, FString> header,
+		EHTTPCorvFileDownloadResumeType ActionIfFileExists, EHTTPCorvFileUpload DirectoryType, FString filePathWithFileName,
+		FString optionalRequestID, TArray<FhttpRequest>& httpRequests, FString& requestID);
+
+	/**
+	 * Builds a download in ranged steps, each of which is written to the file before the next is asked for: never more than
+	 * one step is in memory. The server must answer ranged requests. Parameters and result are those of
+	 * CreateHttpRequestGETDownload; a cancel keeps the steps that are complete.
+	 * @param FileSizeStepsInBytes  bytes of a step, 2^30 at most; below 1 = the default.
+	 */
+	UFUNCTION(BlueprintCallable, Category = "Corvane|Download",
+		meta = (AutoCreateRefTerm = "otherHttpRequests,header",
+			ToolTip =
+				"For large downloads. The file is fetched in steps, so that it is never held in memory as a whole. The server must support ranges.\n@param FileSizeStepsInBytes Size of one step in bytes"))
+	static int32 CreateHttpRequestGETLowRamDownload(TArray<FhttpRequest> otherHttpRequests, FString url, TMap<FString, FString> header,
+		EHTTPCorvFileDownloadResumeType ActionIfFileExists, EHTTPCorvFileUpload DirectoryType, FString filePathWithFileName,
+		FString optionalRequestID, TArray<FhttpRequest>& httpRequests, FString& requestID, int32 FileSizeStepsInBytes = 10485760);
+
+	/**
+	 * Builds a POST of one file, and text fields, as multipart/form-data. The file is read whole into memory when the
+	 * request starts. A file that cannot be read then is reported as a completion of status 400. The other parameters are
+	 * those of CreateHttpRequestGET.
+	 * @param directoryType, filePath  name the file.
+	 * @param fileID  form field name of the file.
+	 * @param POSTData  form fields, sent behind the file as they are.
+	 * @param requestID  the request's ID, also when it is refused.
+	 * @param httpRequests  otherHttpRequests and the new record; just otherHttpRequests when the request is refused.
+	 * @return 0, or 400 when the request was refused; the refusal is also broadcast, inside this call.
+	 */
+	UFUNCTION(BlueprintCallable, Category = "Corvane|File Upload",
+		meta = (AutoCreateRefTerm = "otherHttpRequests,header,POSTData",
+			ToolTip =
+				"Send a file to a Webserver.\n@param fileID name equivalent to <input type=\"file\" name=\"myFile\"> from an html upload\n@param requestID Optional parameter. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response."))
+	static int32 CreateHttpRequestFileUploadPOST(TArray<FhttpRequest> otherHttpRequests, FString url, TMap<FString, FString> header,
+		EHTTPCorvFileUpload directoryType, FString filePath, FString fileID, TMap<FString, FString> POSTData, FString optionalRequestID,
+		TArray<FhttpRequest>& httpRequests, FString& requestID);
+
+	/**
+	 * Builds a PUT of one file. The stream kinds never load the file; two of them change a file on disk until shortly after
+	 * the upload: PUT_STREAM_MP the file itself, PUT_STREAM_COPY a copy. The other parameters are those of
+	 * CreateHttpRequestFileUploadPOST.
+	 * @param uploadType  how the file travels.
+	 */
+	UFUNCTION(BlueprintCallable, Category = "Corvane|File Upload",
+		meta = (AutoCreateRefTerm = "otherHttpRequests,header",
+			ToolTip =
+				"Send a file to a Webserver.\n@param fileID name equivalent to <input type=\"file\" name=\"myFile\"> from an html upload\n@param uploadType PUT: The whole file is read into memory. PUT Stream (Blank): Only the file is written into the body. The headers fileid, filename, fileformat, mimetype are added. PUT Stream (Multipart): With this option a header is created which goes with a trick into the body and writes the necessary information of the file into the body. The closing information is written into the file. After the upload is finished or canceled it is removed from the file again. PUT Stream (Copy): Like Multipart, but the closing information is written into a copy of the file, which is deleted after the upload. Copying a large file can freeze the game because it happens on the game thread.\n@param requestID Optional parameter. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response."))
+	static int32 CreateHttpRequestFileUploadPUT(TArray<FhttpRequest> otherHttpRequests, FString url, TMap<FString, FString> header,
+		EHTTPCorvFileUpload directoryType, FString filePath, FString fileID, EHTTPCorvFileUploadType uploadType, FString optionalRequestID,
+		TArray<FhttpRequest>& httpRequests, FString& requestID);
+
+	/**
+	 * Builds a POST of several files in one multipart/form-data body, in the way of CreateHttpRequestFileUploadPOST.
+	 * @param filePaths  in the order in which they are sent; one that cannot be read refuses the whole request.
+	 * @param fileIDs  form field names, parallel to filePaths; at least one. A file without one gets an empty name.
+	 */
+	UFUNCTION(BlueprintCallable, Category = "Corvane|File Upload",
+		meta = (AutoCreateRefTerm = "otherHttpRequests,header,filePaths,fileIDs,POSTData",
+			ToolTip =
+				"Send multiple files to a Webserver in one request.\n@param fileIDs One name for each file, equivalent to <input type=\"file\" name=\"myFile\"> from an html upload\n@param requestID Optional parameter. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response."))
+	static int32 CreateHttpRequestFileMultiUploadPOST(TArray<FhttpRequest> otherHttpRequests, FString url, TMap<FString, FString> header,
+		EHTTPCorvFileUpload directoryType, TArray<FString> filePaths, TArray<FString> fileIDs, TMap<FString, FString> POSTData,
+		FString optionalRequestID, TArray<FhttpRequest>& httpRequests, FString& requestID);
+
+	/** Builds a PUT of several files in one multipart/form-data body. See CreateHttpRequestFileMultiUploadPOST. */
+	UFUNCTION(BlueprintCallable, Category = "Corvane|File Upload",
+		meta = (AutoCreateRefTerm = "otherHttpRequests,header,filePaths,fileIDs",
+			ToolTip =
+				"Send multiple files to a Webserver in one request.\n@param fileIDs One name for each file, equivalent to <input type=\"file\" name=\"myFile\"> from an html upload\n@param requestID Optional parameter. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response."))
+	static int32 CreateHttpRequestFileMultiUploadPUT(TArray<FhttpRequest> otherHttpRequests, FString url, TMap<FString, FString> header,
+		EHTTPCorvFileUpload directoryType, TArray<FString> filePaths, TArray<FString> fileIDs, FString optionalRequestID,
+		TArray<FhttpRequest>& httpRequests, FString& requestID);
+
+	/**
+	 * Looks for what a PUT_STREAM_MP upload that never ended has left at the end of a file.
+	 * @param found  whether the file ends so.
+	 * @param originalFileSize  bytes of the file before that upload; left as it was unless found.
+	 * @note Thread: any.
+	 */
+	UFUNCTION(BlueprintCallable, Category = "Corvane|File Upload",
+		meta = (ToolTip =
+					"Searches a file for leftovers of a multipart stream upload, for example after a crash.\n@param originalFileSize Size in bytes that the file had before the upload"))
+	static void searchUploadLeftovers(EHTTPCorvFileUpload directoryType, FString filePath, bool& found, int64& originalFileSize);
+
+	/**
+	 * Cuts a file back to the size that searchUploadLeftovers finds, unless that is 0 or more than the file has.
+	 * @return always false; the outcome stands in the log.
+	 * @note Thread: any.
+	 */
+	UFUNCTION(BlueprintCallable, Category = "Corvane|File Upload",
+		meta = (ToolTip =
+					"Removes the leftovers of a multipart stream upload from a file. The outcome is written into the log; the return value is always false."))
+	static bool repairFileAfterUpload(EHTTPCorvFileUpload directoryType, FString filePath);
+
+	/**
+	 * The content type that belongs to a file's extension.
+	 * @param mimeType  empty unless success.
+	 * @param success  false when there is no such file, or its extension is not in the table.
+	 * @note Thread: any.
+	 */
+	UFUNCTION(
+		BlueprintCallable, Category = "Corvane|File Upload", meta = (ToolTip = "Determines the mime type based on the file extension."))
+	static void getMimeTypeByFile(EHTTPCorvFileUpload directoryType, FString filePath, FString& mimeType, bool& success);
+
+	/** @return a copy of the table: extension without its dot to content type. Thread: any. */
+	UFUNCTION(
+		BlueprintCallable, Category = "Corvane|File Upload", meta = (ToolTip = "Returns all known file extensions and their mime types."))
+	static TMap<FString, FString> getMimeTypeMap();
+
+	/**
+	 * Builds the download of a shared Drive file into memory; the confirmation page that the service shows for large files
+	 * is answered on the way. The other parameters are those of CreateHttpRequestGET.
+	 * @param downloadID  the file's identifier.
+	 * @param optionalFileSizeInByte  size that progress is measured against; 0 = what the page shows.
+	 * @param httpRequests  otherHttpRequests and the new record; just otherHttpRequests when the request is refused.
+	 * @param requestID  the request's ID, also when it is refused.
+	 * @return 0, or 400 when downloadID is empty; the refusal is also broadcast, inside this call, as file information.
+	 */
+	UFUNCTION(BlueprintCallable, Category = "Corvane|GET",
+		meta = (AutoCreateRefTerm = "otherHttpRequests",
+			ToolTip =
+				"Download a file from Google Drive.\n@param downloadID Identifier of the file\n@param optionalRequestID Your own RequestID. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response.\n@param optionalFileSizeInByte Size of the file, if it is known"))
+	static int32 CreateHttpRequestGoogleDrive(TArray<FhttpRequest> otherHttpRequests, FString downloadID, FString optionalRequestID,
+		int64 optionalFileSizeInByte, TArray<FhttpRequest>& httpRequests, FString& requestID);
+
+	/**
+	 * Builds a request for name and size of a shared Drive file; the result comes as file information, with status 452 when
+	 * the service's page cannot be read. The parameters are those of CreateHttpRequestGoogleDrive.
+	 */
+	UFUNCTION(BlueprintCallable, Category = "Corvane|GET",
+		meta = (AutoCreateRefTerm = "otherHttpRequests",
+			ToolTip =
+				"Read name and size of a file on Google Drive.\n@param downloadID Identifier of the file\n@param optionalRequestID Your own RequestID. It will be output again in the event. This allows the request being assigned to the response."))
+	static int32 CreateHttpRequestGoogleDriveFileInfo(TArray<FhttpRequest> otherHttpRequests, FString downloadID, FString optionalRequestID,
+		TArray<FhttpRequest>& httpRequests, FString& requestID);
+
+	/**
+	 * Builds the download of a file whose page is known: the page is fetched, and then the link on it. The other parameters
+	 * are those of CreateHttpRequestGET.
+	 * @param url  of the page, at least 3 characters.
+	 * @param httpRequests  otherHttpRequests and the new record; just otherHttpRequests when the request is refused.
+	 * @param requestID  the request's ID, also when it is refused.
+	 * @return 0, or 400 when the request was refused; the refusal is also broadcast, inside this call.
+	 */
+	UFUNCTION(BlueprintCallable, Category = "Corvane|GET",
+		meta = (AutoCreateRefTerm = "otherHttpRequests",
+			ToolTip =
+				"Download the file behind a file page.\n@param url Address of the page\n@param optionalRequestID Your own RequestID. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response."))
+	static int32 CreateHttpRequestAnonfiles(TArray<FhttpRequest> otherHttpRequests, FString url, FString optionalRequestID,
+		TArray<FhttpRequest>& httpRequests, FString& requestID);
+
+	/** Scheme and host that the requests for Drive files go to, without a slash at the end. */
+	static FString googleDriveBase();
+	/** Sends later Drive requests elsewhere. */
+	static void setGoogleDriveBase(FString base);
 
 	/** Adds a header to every later request, of every kind, until it is removed; replaces one of the same name. */
 	UFUNCTION(BlueprintCallable, Category = "Corvane|Header",
@@ -338,6 +550,21 @@ public:
 	/** Counts the requests that run; completion objects report to it. Thread: any. */
 	FCorvRunningRequests& runningRequestList() const { return *runningList; }
 
+	/** Which download may write which file. Thread: any. */
+	FCorvDownloadTargets& downloadTargetList() const { return *downloadTargets; }
+
+	/** @return the content type of an extension (without its dot, in any case); a general one when it is unknown. Thread: any. */
+	FString getMimeTypeInternal(FString extension);
+
+	/** Hands the file of a stream multipart upload that has ended to the repair. Thread: any. */
+	void addRequestToTruncateThread(FhttpRequest& request);
+	/** @return whether the file at this full path still waits for its repair. Thread: any. */
+	bool isFileBlocked(FString path);
+	/** The files that uploads have made longer. Thread: any. */
+	FCorvUploadFiles& uploadFileList() const { return *uploadFiles; }
+	/** Seconds that the repair gives the HTTP layer to close a file: 2, unless set before the first stream upload ends. Thread: any. */
+	void setUploadGracePeriod(double seconds);
+
 	/** @return true while a transfer, a worker or a queued file job is left, so that a program knows when it may end. Thread: any. */
 	static bool hasPendingWork();
 
@@ -358,21 +585,41 @@ private:
 	FByteToFileThread* getByteToFileThread();
 
 	void startRequest(FhttpRequest& request);
-	bool fillRequest(const FhttpRequest& request, IHttpRequest& httpRequest);
+	bool fillRequest(FhttpRequest& request, IHttpRequest& httpRequest);
 	void fillRequestGET(const FhttpRequest& request, IHttpRequest& httpRequest);
+	/** A GET, with the range that its download asks for. */
+	void fillRequestDownload(const FhttpRequest& request, IHttpRequest& httpRequest);
 	void fillRequestPOST(const FhttpRequest& request, IHttpRequest& httpRequest);
 	bool fillRequestIndividual(const FhttpRequest& request, IHttpRequest& httpRequest);
+	/**
+	 * Sets verb, URL, headers and body of an upload. A stream multipart upload changes its file on disk here, and the
+	 * record names it and its size from then on.
+	 * @return false, with the reason in the log and nothing changed, when a file cannot be sent.
+	 */
+	bool fillRequestUPLOAD(FhttpRequest& request, IHttpRequest& httpRequest);
+	bool fillUploadInMemory(const FhttpRequest& request, IHttpRequest& httpRequest);
+	bool fillUploadBlank(const FhttpRequest& request, IHttpRequest& httpRequest);
+	bool fillUploadStream(FhttpRequest& request, IHttpRequest& httpRequest);
 	void fillHeader(const FhttpRequest& request, IHttpRequest& httpRequest);
 	static FString postMapToString(const TMap<FString, FString>& map);
+	void fillMimeTypeMap();
+	/** Repairs, without waiting, the files of all uploads that have ended, and of those that still run. */
+	void endUploads();
 
 	// One lock for the maps below. Never held during a broadcast, a node call, file work or a call into the HTTP module.
 	FCriticalSection mapLock;
 	TMap<FString, FString> persistentHeaders; // game thread only
+	TMap<FString, FString> mimeTypeMap; // extension without its dot to type; never changed after construction
 	TSet<FString> cancelledRequests;
 	TMap<FString, FHttpRequestPtr> runningRequests;
 	TMap<FString, TWeakObjectPtr<UAsyncNodeCorv>> asyncNodes;
 
 	FCorvRunningRequests* runningList = nullptr; // owned; a lock of its own
 	FByteToFileThread* byteToFileThread = nullptr; // owned; made under mapLock
+	FCorvDownloadTargets* downloadTargets = nullptr; // owned; a lock of its own
+	FCorvUploadFiles* uploadFiles = nullptr; // owned; a lock of its own
+	FCorvTruncateUploadedFileThread* truncateThread = nullptr; // owned; made under mapLock
+	double uploadGracePeriodSeconds = 2.0; // guarded by mapLock
+	FString driveBase = TEXT("https://drive.google.com"); // game thread only
 	bool isShuttingDown = false; // game thread only
 };

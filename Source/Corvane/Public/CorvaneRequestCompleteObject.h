@@ -4,15 +4,28 @@
 #include "CorvaneBPLibrary.h"
 #include "HAL/CriticalSection.h"
 #include "Interfaces/IHttpRequest.h"
+#include "Interfaces/IHttpResponse.h"
 #include "UObject/Object.h"
+#include "UObject/UObjectGlobals.h"
 
 #include <atomic>
 
 #include "CorvaneRequestCompleteObject.generated.h"
 
 class FCorvThread;
+enum class ECorvDownloadAction : uint8;
 enum class ECorvJobType : int32;
+struct FCorvCompletion;
+struct FCorvDownloadAnswer;
 struct FCorvTheadJob;
+
+/** What tells one version of a file on a server from the next, as an answer gave it; empty and 0 = not told. */
+struct FCorvFileVersion
+{
+	FString eTag;
+	FString lastModified;
+	int64 total = 0; // bytes
+};
 
 /**
  * Receives all callbacks of one request. Callbacks only queue a job on the request's own worker; the half of a callback
@@ -45,15 +58,41 @@ public:
 
 	// Thread: HTTP callback. The entry points queue a job and return.
 	void requestComplete(FHttpRequestPtr request, FHttpResponsePtr response, bool bWasSuccessful);
+	void requestCompleteLowRam(FHttpRequestPtr request, FHttpResponsePtr response, bool bWasSuccessful);
+	void requestMultiStepDownload(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
 	void requestProgressUpload(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
 	void requestProgressDownload(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
 	void requestProgressServerSendEvent(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
+	void requestProgressDownloadLowRam(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
+	/** The one entry point that does its work itself; ends the worker without a job. */
+	void requestMultiStepComplete(FHttpRequestPtr request, FHttpResponsePtr response, bool bWasSuccessful);
 
 	// Thread: request worker.
 	void requestCompleteInternal(FHttpRequestPtr request, FHttpResponsePtr response, bool bWasSuccessful);
+	void requestCompleteLowRamInternal(FHttpRequestPtr request, FHttpResponsePtr response, bool bWasSuccessful);
+	void requestMultiStepDownloadInternal(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
 	void requestProgressUploadInternal(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
 	void requestProgressDownloadInternal(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
 	void requestProgressServerSendEventInternal(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
+	void requestProgressDownloadLowRamInternal(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
+
+	/**
+	 * The address that a page leads to; reads the size that the page shows when none is known yet.
+	 * @param html  the page as text.
+	 * @param url  that of the page.
+	 * @return for a Drive page url and the confirmation token, which may be empty; for a file page the link.
+	 * @note Thread: HTTP callback.
+	 */
+	FString generateURLFromHTML(FString html, FString url);
+
+	/** Makes a download the one that may write its target, when this run begins one. */
+	void claimDownloadTarget();
+	/**
+	 * Makes this request a later step of a download.
+	 * @param download  the number under which the first step has claimed the target.
+	 * @param version  of the file, as the step before saw it.
+	 */
+	void continueDownload(int64 download, FCorvFileVersion version);
 
 	/** Called by the worker as its last deed: releases this object, one game-thread task later. */
 	void workerEnded(int64 runNumber);
@@ -95,7 +134,31 @@ private:
 	bool cancelIfAsked(const FHttpRequestPtr& request);
 	void freeWorker();
 	void resetRun();
+	/** Ends this run with a result, its ID added. */
+	void deliver(const FHttpRequestPtr& request, FCorvCompletion result);
+
+	// downloads
+	void completeDownload(const FHttpRequestPtr& request, const FHttpResponsePtr& response, bool bWasSuccessful);
+	ECorvDownloadAction writeBody(const FHttpRequestPtr& request, const IHttpResponse& response);
+	void keepReceivedBytes(const FHttpRequestPtr& request, const FHttpResponsePtr& response);
+	int64 downloadNumber() const;
+	void releaseDownloadTarget();
 	void measureSpeed(int64 bytes);
+	void reportBody(uint64 bytesReceived, uint64 bodySize);
+	void reportDownload(float total, float received);
+
+	// pages
+	void completeFileInfo(const FHttpRequestPtr& request, const FHttpResponsePtr& response, bool bWasSuccessful);
+	bool findSecondStep(const FHttpResponsePtr& response, FString& url);
+	void startSecondStep(const FString& url);
+
+	// stepped downloads
+	void takeProbeAnswer(const FHttpRequestPtr& request, const FHttpResponsePtr& response);
+	void takeStepAnswer(const FHttpRequestPtr& request, const FHttpResponsePtr& response);
+	bool writeStep(const IHttpResponse& response, const FCorvDownloadAnswer& answer);
+	void startStep(const IHttpResponse& response, int64 total, int64 start);
+	void endUnwantedBody(const FHttpRequestPtr& request, const IHttpResponse& response, uint64 bytesReceived);
+	void endSteps(const FHttpRequestPtr& request, FCorvCompletion result);
 
 	int64 fileCancelResumeDownloadByteFullSize = 0;
 	int64 fileCancelResumeDownloadBytePartSize = 0;
@@ -114,6 +177,11 @@ private:
 	float megabitSpeed = 0;
 	int64 lastProgressTime = 0; // ticks of 100 ns, 0 = never measured
 	TArray<uint8> cancelDownloadContent;
+	// Set when the mark was taken, though the request may still complete well; shared with what follows this run.
+	TSharedPtr<std::atomic<bool>> cancelSeen;
+	bool bProbeGotBody = false; // the server sent the file in answer to the question for its size
+	FCorvFileVersion fileVersion; // as the step before saw it
+	int64 inheritedDownload = 0; // 0 = this request begins its download
 
 	// Held while a callback hands over a job: the worker may not be replaced under it.
 	FCriticalSection workerLock;

@@ -3,13 +3,16 @@
 #include "CoreMinimal.h"
 #include "Interfaces/IHttpRequest.h"
 
-/** What a job calls. The numbers of the download kinds are kept free for them. */
+/** What a job calls. */
 enum class ECorvJobType : int32
 {
 	Complete = 0,
+	CompleteLowRam = 1,
+	MultiStepDownload = 2,
 	ProgressUpload = 3,
 	ProgressDownload = 4,
-	ProgressServerSendEvent = 5
+	ProgressServerSendEvent = 5,
+	ProgressDownloadLowRam = 6
 };
 
 /** One callback on its way to the request worker; its pointers keep request and response alive until it has run. */

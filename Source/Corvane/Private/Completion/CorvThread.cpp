@@ -88,7 +88,7 @@ void FCorvThread::runQueuedJobs()
 	while ((isRunning || bCompleted) && jobQueue.Dequeue(Job))
 	{
 		runJob(*Job);
-		if (Job->jobType == ECorvJobType::Complete)
+		if (Job->jobType == ECorvJobType::Complete || Job->jobType == ECorvJobType::CompleteLowRam)
 		{
 			bCompleted = true;
 			isRunning = false;
@@ -104,6 +104,12 @@ void FCorvThread::runJob(const FCorvTheadJob& InJob)
 	case ECorvJobType::Complete:
 		completeObject->requestCompleteInternal(InJob.request, InJob.response, InJob.bWasSuccessful);
 		break;
+	case ECorvJobType::CompleteLowRam:
+		completeObject->requestCompleteLowRamInternal(InJob.request, InJob.response, InJob.bWasSuccessful);
+		break;
+	case ECorvJobType::MultiStepDownload:
+		completeObject->requestMultiStepDownloadInternal(InJob.request, InJob.bytesSent, InJob.bytesReceived);
+		break;
 	case ECorvJobType::ProgressUpload:
 		completeObject->requestProgressUploadInternal(InJob.request, InJob.bytesSent, InJob.bytesReceived);
 		break;
@@ -112,6 +118,9 @@ void FCorvThread::runJob(const FCorvTheadJob& InJob)
 		break;
 	case ECorvJobType::ProgressServerSendEvent:
 		completeObject->requestProgressServerSendEventInternal(InJob.request, InJob.bytesSent, InJob.bytesReceived);
+		break;
+	case ECorvJobType::ProgressDownloadLowRam:
+		completeObject->requestProgressDownloadLowRamInternal(InJob.request, InJob.bytesSent, InJob.bytesReceived);
 		break;
 	}
 }

@@ -5,6 +5,7 @@
 #include "Completion/GameThreadDelivery.h"
 #include "Completion/RunningRequests.h"
 #include "Misc/ScopeLock.h"
+#include "Templates/SharedPointer.h"
 #include "UObject/WeakObjectPtr.h"
 
 UCorvaneRequestCompleteObject::UCorvaneRequestCompleteObject(const FObjectInitializer& ObjectInitializer)
@@ -20,14 +21,14 @@ void UCorvaneRequestCompleteObject::BeginDestroy()
 
 void UCorvaneRequestCompleteObject::setRequestID(FString InID, FhttpRequest InRequest, UCorvaneBPLibrary* InLibrary)
 {
-	setRequestStruct(InRequest);
-	requestID = InID;
+	setRequestStruct(MoveTemp(InRequest));
+	requestID = MoveTemp(InID);
 	corvaneBPLibrary = InLibrary;
 }
 
 void UCorvaneRequestCompleteObject::setRequestStruct(FhttpRequest InRequest)
 {
-	httpRequest = InRequest;
+	httpRequest = MoveTemp(InRequest);
 	httpRequest.setRequestCompleteObject(nullptr); // or this object would keep itself alive
 }
 
@@ -82,6 +83,8 @@ void UCorvaneRequestCompleteObject::resetRun()
 	megabitSpeed = 0;
 	serverSendEventLastByte = 0;
 	cancelDownloadContent.Empty();
+	cancelSeen = MakeShared<std::atomic<bool>>(false);
+	bProbeGotBody = false;
 }
 
 void UCorvaneRequestCompleteObject::setHttpRequest(FHttpRequestPtr InRequest)
@@ -130,6 +133,16 @@ void UCorvaneRequestCompleteObject::requestComplete(FHttpRequestPtr InRequest, F
 	addJob(new FCorvTheadJob{ECorvJobType::Complete, InRequest, InResponse, bInWasSuccessful});
 }
 
+void UCorvaneRequestCompleteObject::requestCompleteLowRam(FHttpRequestPtr InRequest, FHttpResponsePtr InResponse, bool bInWasSuccessful)
+{
+	addJob(new FCorvTheadJob{ECorvJobType::CompleteLowRam, InRequest, InResponse, bInWasSuccessful});
+}
+
+void UCorvaneRequestCompleteObject::requestMultiStepDownload(FHttpRequestPtr InRequest, uint64 InBytesSent, uint64 InBytesReceived)
+{
+	addProgressJob(ECorvJobType::MultiStepDownload, InRequest, InBytesSent, InBytesReceived);
+}
+
 void UCorvaneRequestCompleteObject::requestProgressUpload(FHttpRequestPtr InRequest, uint64 InBytesSent, uint64 InBytesReceived)
 {
 	addProgressJob(ECorvJobType::ProgressUpload, InRequest, InBytesSent, InBytesReceived);
@@ -145,6 +158,11 @@ void UCorvaneRequestCompleteObject::requestProgressServerSendEvent(FHttpRequestP
 	addProgressJob(ECorvJobType::ProgressServerSendEvent, InRequest, InBytesSent, InBytesReceived);
 }
 
+void UCorvaneRequestCompleteObject::requestProgressDownloadLowRam(FHttpRequestPtr InRequest, uint64 InBytesSent, uint64 InBytesReceived)
+{
+	addProgressJob(ECorvJobType::ProgressDownloadLowRam, InRequest, InBytesSent, InBytesReceived);
+}
+
 void UCorvaneRequestCompleteObject::addProgressJob(
 	ECorvJobType InType, const FHttpRequestPtr& InRequest, uint64 InBytesSent, uint64 InBytesReceived)
 {
@@ -157,6 +175,7 @@ bool UCorvaneRequestCompleteObject::cancelIfAsked(const FHttpRequestPtr& InReque
 	{
 		return false;
 	}
+	*cancelSeen = true;
 	CorvaneDelivery::cancel(InRequest);
 	UE_LOG(LogTemp, Warning, TEXT("Request has been canceled. %s"), *requestID);
 	return true;

@@ -13,6 +13,16 @@ struct FCorvCompletion
 	FString requestID;
 };
 
+/** What the view page of a Drive file has told, as its receiver gets it. */
+struct FCorvFileInfoResult
+{
+	FString fileName;
+	int64 fileSizeInBytes = 0;
+	int32 statusCode = 0;
+	FString downloadID;
+	FString requestID;
+};
+
 /**
  * The one way from workers to scripts: each function posts a game-thread task that owns its data. A task whose library is
  * gone does nothing. Thread: any.
@@ -24,6 +34,9 @@ namespace CorvaneDelivery
 	 * @param request  the engine request that ended, null when none was started.
 	 */
 	void completion(UCorvaneBPLibrary* library, FHttpRequestPtr request, FCorvCompletion result);
+
+	/** The same for the information about a Drive file; a node of another kind that waits for the ID gets nothing. */
+	void fileInfo(UCorvaneBPLibrary* library, FHttpRequestPtr request, FCorvFileInfoResult result);
 
 	/** Sizes in MiB, percent 0-100, megaBit as measured. */
 	void downloadProgress(

@@ -1,36 +1,7 @@
 #include "CorvaneRequestCompleteObject.h"
 
-#include "Completion/GameThreadDelivery.h"
-
-namespace CorvanePlainCompletion
-{
-	static TArray<FString> toLines(const FString& Text)
-	{
-		TArray<FString> Lines;
-		Text.ParseIntoArray(Lines, TEXT("\r\n"));
-		return Lines;
-	}
-
-	static void fillSuccess(const FHttpResponsePtr& Response, FCorvCompletion& Result)
-	{
-		Result.byteData = Response->GetContent();
-		Result.dataString = Response->GetContentAsString();
-		Result.dataArray = toLines(Result.dataString);
-		Result.header = Response->GetAllHeaders();
-		Result.statusCode = Response->GetResponseCode();
-	}
-
-	/** A broken exchange may still hand over a response; below 400 it would pass for a success, so it counts as none. */
-	static void fillFailure(const FHttpResponsePtr& Response, FCorvCompletion& Result)
-	{
-		constexpr int32 firstErrorCode = 400;
-		constexpr int32 noResponseCode = 500;
-		const bool bServerRefused = Response.IsValid() && Response->GetResponseCode() >= firstErrorCode;
-		Result.dataString = bServerRefused ? Response->GetContentAsString() : FString(TEXT("No Response"));
-		Result.dataArray = toLines(Result.dataString);
-		Result.statusCode = bServerRefused ? Response->GetResponseCode() : noResponseCode;
-	}
-} // namespace CorvanePlainCompletion
+#include "Completion/CompletionResult.h"
+#include "Rules/UploadTail.h"
 
 void UCorvaneRequestCompleteObject::requestCompleteInternal(FHttpRequestPtr InRequest, FHttpResponsePtr InResponse, bool bInWasSuccessful)
 {
@@ -39,16 +10,31 @@ void UCorvaneRequestCompleteObject::requestCompleteInternal(FHttpRequestPtr InRe
 		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: Missing Object instance (12)."));
 		return;
 	}
-	FCorvCompletion Result;
-	Result.requestID = requestID;
-	if (bInWasSuccessful && InResponse.IsValid())
+	if (CorvaneRules::needsRepair(httpRequest)) // before anything else, and whatever the outcome
 	{
-		CorvanePlainCompletion::fillSuccess(InResponse, Result);
+		corvaneBPLibrary->addRequestToTruncateThread(httpRequest);
+	}
+	if (multiStepDownloadType == EMultiStepType::E_GOOGLE_DRIVE_FILE_INFO)
+	{
+		completeFileInfo(InRequest, InResponse, bInWasSuccessful);
+	}
+	else if (!fileCancelResumeDownloadDir.IsEmpty())
+	{
+		completeDownload(InRequest, InResponse, bInWasSuccessful);
+	}
+	else if (bInWasSuccessful && InResponse.IsValid())
+	{
+		deliver(InRequest, CorvaneResult::success(*InResponse));
 	}
 	else
 	{
-		CorvanePlainCompletion::fillFailure(InResponse, Result);
+		deliver(InRequest, CorvaneResult::failure(InResponse));
 	}
+}
+
+void UCorvaneRequestCompleteObject::deliver(const FHttpRequestPtr& InRequest, FCorvCompletion InResult)
+{
+	InResult.requestID = requestID;
 	completionPosted = true;
-	CorvaneDelivery::completion(corvaneBPLibrary, InRequest, MoveTemp(Result));
+	CorvaneDelivery::completion(corvaneBPLibrary, InRequest, MoveTemp(InResult));
 }

@@ -5,6 +5,7 @@
 #include "HAL/PlatformProcess.h"
 #include "Misc/DateTime.h"
 #include "Misc/ScopeLock.h"
+#include "Misc/Timespan.h"
 
 FCorvRunningRequests::FCorvRunningRequests()
 	: runEnded(FPlatformProcess::GetSynchEventFromPool())

@@ -5,6 +5,8 @@
 #include "Interfaces/IHttpRequest.h"
 #include "UObject/WeakObjectPtr.h"
 
+#include <atomic>
+
 class FEvent;
 class UCorvaneRequestCompleteObject;
 
@@ -26,6 +28,10 @@ public:
 	void end(int64 runNumber);
 
 	bool isEmpty();
+	/** Counts the requests that are to follow ended ones and have not been started yet. */
+	void beginFollowUp() { ++followUps; }
+	void endFollowUp() { --followUps; }
+	bool hasFollowUps() const { return followUps > 0; }
 	/** Cancels the engine request of every run. */
 	void cancelAll();
 	/** @return false when the time was over before every run had ended. Thread: game thread, one at a time. */
@@ -43,5 +49,6 @@ private:
 	FCriticalSection lock;
 	TMap<int64, FRun> runs;
 	int64 lastNumber = 0;
+	std::atomic<int32> followUps{0};
 	FEvent* runEnded; // from the engine's pool
 };

@@ -2,6 +2,7 @@
 
 #include "Completion/GameThreadDelivery.h"
 #include "Misc/DateTime.h"
+#include "Misc/Timespan.h"
 
 namespace CorvaneDownloadProgress
 {
@@ -11,29 +12,95 @@ namespace CorvaneDownloadProgress
 
 void UCorvaneRequestCompleteObject::requestProgressDownloadInternal(FHttpRequestPtr InRequest, uint64, uint64 InBytesReceived)
 {
-	using namespace CorvaneDownloadProgress;
 	if (!corvaneBPLibrary)
 	{
 		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: Missing Object instance (83)."));
 		return;
 	}
-	if (!InRequest.IsValid() || cancelIfAsked(InRequest))
+	if (!InRequest.IsValid())
 	{
 		return;
 	}
+	const bool bCancelled = cancelIfAsked(InRequest);
 	const FHttpResponsePtr Response = InRequest->GetResponse();
 	if (!Response.IsValid())
 	{
 		return;
 	}
+	if (bCancelled)
+	{
+		if (!fileCancelResumeDownloadDir.IsEmpty())
+		{
+			cancelDownloadContent = Response->GetContent(); // not every platform keeps it until the completion
+		}
+		return;
+	}
+	reportBody(InBytesReceived, Response->GetContentLength());
+}
+
+void UCorvaneRequestCompleteObject::requestMultiStepDownloadInternal(FHttpRequestPtr InRequest, uint64, uint64 InBytesReceived)
+{
+	if (!corvaneBPLibrary)
+	{
+		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: Missing Object instance (83)."));
+		return;
+	}
+	constexpr int32 secondStep = 2;
+	const bool bGoesOn = InRequest.IsValid() && !cancelIfAsked(InRequest);
+	const FHttpResponsePtr Response = bGoesOn && multiStepDownload == secondStep ? InRequest->GetResponse() : nullptr;
+	if (Response.IsValid()) // a page on the way to the file is no part of it
+	{
+		const uint64 Size = HTMLFileSize > 0 ? static_cast<uint64>(HTMLFileSize) : Response->GetContentLength();
+		reportBody(InBytesReceived, Size);
+	}
+}
+
+void UCorvaneRequestCompleteObject::reportBody(uint64 InBytesReceived, uint64 InBodySize)
+{
 	// A resumed download counts what is on disk already, on both sides of the division.
 	const uint64 Start = static_cast<uint64>(fileCancelResumeDownloadByteStart);
-	const float Received = static_cast<float>(InBytesReceived + Start);
-	const float Known = static_cast<float>(Response->GetContentLength() + Start);
-	const float Total = Known > 0 ? Known : 1.0f;
-	measureSpeed(static_cast<int64>(InBytesReceived + Start));
+	const uint64 Received = InBytesReceived + Start;
+	const float Known = static_cast<float>(InBodySize + Start);
+	measureSpeed(static_cast<int64>(Received));
+	reportDownload(Known > 0 ? Known : 1.0f, static_cast<float>(Received));
+}
+
+void UCorvaneRequestCompleteObject::requestProgressDownloadLowRamInternal(FHttpRequestPtr InRequest, uint64, uint64 InBytesReceived)
+{
+	if (!corvaneBPLibrary)
+	{
+		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: Missing Object instance (127)."));
+		return;
+	}
+	const FHttpResponsePtr Response = InRequest.IsValid() && !cancelIfAsked(InRequest) ? InRequest->GetResponse() : nullptr;
+	if (!Response.IsValid())
+	{
+		return;
+	}
+	endUnwantedBody(InRequest, *Response, InBytesReceived);
+	// Over the whole file, not over this step.
+	const float Full = fileCancelResumeDownloadByteFullSize > 0 ? static_cast<float>(fileCancelResumeDownloadByteFullSize) : 1.0f;
+	measureSpeed(static_cast<int64>(InBytesReceived));
+	reportDownload(Full, static_cast<float>(fileCancelResumeDownloadByteStart + static_cast<int64>(InBytesReceived)));
+}
+
+void UCorvaneRequestCompleteObject::endUnwantedBody(
+	const FHttpRequestPtr& InRequest, const IHttpResponse& InResponse, uint64 InBytesReceived)
+{
+	const bool bIsProbe = fileCancelResumeDownloadByteFullSize <= 0;
+	const bool bBeyondStep = InBytesReceived > static_cast<uint64>(fileCancelResumeDownloadBytePartSize);
+	if (bIsProbe && bBeyondStep && InResponse.GetResponseCode() != 206 && !bProbeGotBody)
+	{
+		bProbeGotBody = true; // memory stays bounded, and the completion knows why the exchange failed
+		CorvaneDelivery::cancel(InRequest);
+	}
+}
+
+void UCorvaneRequestCompleteObject::reportDownload(float InTotal, float InReceived)
+{
+	using namespace CorvaneDownloadProgress;
 	CorvaneDelivery::downloadProgress(
-		corvaneBPLibrary, Total * mebibytesPerByte, Received * mebibytesPerByte, Received / Total * 100, megabitSpeed, requestID);
+		corvaneBPLibrary, InTotal * mebibytesPerByte, InReceived * mebibytesPerByte, InReceived / InTotal * 100, megabitSpeed, requestID);
 }
 
 void UCorvaneRequestCompleteObject::measureSpeed(int64 InBytes)

@@ -27,10 +27,12 @@ void UCorvaneBPLibrary::cancelRequest(FString InRequestID)
 void UCorvaneBPLibrary::fireErrorMessageInGameThread(UAsyncNodeCorv* InNode, int32, FString InRequestID)
 {
 	AsyncTask(ENamedThreads::GameThread,
-		[bToNode = InNode != nullptr, Node = TWeakObjectPtr<UAsyncNodeCorv>(InNode), InRequestID]
+		[Node = TWeakObjectPtr<UAsyncNodeCorv>(InNode), InRequestID]
 		{
 			UAsyncNodeCorv* Alive = Node.Get();
-			if (bToNode && Alive)
+			UCorvaneBPLibrary* Library = getCorvaneTarget();
+			// It may have had its result meanwhile, from another request of the same ID.
+			if (Alive && Library && Library->getUAsyncNodeHttpRequest(InRequestID) == Alive)
 			{
 				Alive->httpRequestComplete(FString(), {}, {}, 400, {}, InRequestID);
 			}

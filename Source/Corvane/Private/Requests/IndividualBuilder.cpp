@@ -2,7 +2,6 @@
 
 #include "Containers/StringConv.h"
 #include "Requests/RequestBuilder.h"
-#include "UAsyncNodeCorv.h"
 
 namespace CorvaneIndividual
 {
@@ -85,5 +84,5 @@ void UCorvaneBPLibrary::CreateHttpRequestIndividual(TArray<FhttpRequest> InOther
 	Record.bindDownloadProgressEvent = bInBindDownloadProgressEvent;
 	Record.bindUploadProgressEvent = bInBindUploadProgressEvent;
 	Record.bindServerSendEvent = bInBindServerSendEvent;
-	CorvaneBuilder::append(Record, OutRequestID, InOtherHttpRequests, OutHttpRequests);
+	CorvaneBuilder::append(MoveTemp(Record), OutRequestID, InOtherHttpRequests, OutHttpRequests);
 }

@@ -1,6 +1,5 @@
 #include "CorvaneBPLibrary.h"
 
-#include "Completion/RunningRequests.h"
 #include "CorvaneRequestCompleteObject.h"
 #include "Misc/ScopeLock.h"
 #include "UAsyncNodeCorv.h"

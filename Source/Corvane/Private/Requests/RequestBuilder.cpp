@@ -31,12 +31,12 @@ int32 CorvaneBuilder::refuse(const FString& RequestID)
 }
 
 UCorvaneRequestCompleteObject* CorvaneBuilder::append(
-	FhttpRequest& Record, const FString& RequestID, TArray<FhttpRequest>& OtherHttpRequests, TArray<FhttpRequest>& HttpRequests)
+	FhttpRequest Record, const FString& RequestID, TArray<FhttpRequest>& OtherHttpRequests, TArray<FhttpRequest>& HttpRequests)
 {
 	UCorvaneRequestCompleteObject* Object = NewObject<UCorvaneRequestCompleteObject>();
 	Object->setRequestID(RequestID, Record, UCorvaneBPLibrary::getCorvaneTarget());
 	Record.setRequestCompleteObject(Object);
-	OtherHttpRequests.Add(Record);
+	OtherHttpRequests.Add(MoveTemp(Record));
 	HttpRequests = MoveTemp(OtherHttpRequests);
 	return Object;
 }
@@ -49,6 +49,6 @@ int32 CorvaneBuilder::checkAndAppend(FhttpRequest Record, const FString& Optiona
 	{
 		return refuse(RequestID);
 	}
-	append(Record, RequestID, OtherHttpRequests, HttpRequests);
+	append(MoveTemp(Record), RequestID, OtherHttpRequests, HttpRequests);
 	return 0;
 }

@@ -19,7 +19,7 @@ namespace CorvaneBuilder
 	 * @return the completion object, so that the builder can set what else it needs.
 	 */
 	UCorvaneRequestCompleteObject* append(
-		FhttpRequest& record, const FString& requestID, TArray<FhttpRequest>& otherHttpRequests, TArray<FhttpRequest>& httpRequests);
+		FhttpRequest record, const FString& requestID, TArray<FhttpRequest>& otherHttpRequests, TArray<FhttpRequest>& httpRequests);
 
 	/**
 	 * The whole of a builder that checks nothing but the URL.

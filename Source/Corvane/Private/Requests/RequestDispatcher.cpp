@@ -5,7 +5,7 @@
 #include "CorvaneRequestCompleteObject.h"
 #include "HttpModule.h"
 #include "Misc/ScopeLock.h"
-#include "UAsyncNodeCorv.h"
+#include "Rules/DownloadRules.h"
 #include "UObject/UObjectGlobals.h"
 
 namespace CorvaneDispatcher
@@ -16,17 +16,73 @@ namespace CorvaneDispatcher
 
 	static const TCHAR* const formType = TEXT("application/x-www-form-urlencoded");
 
+	static bool isUpload(const FhttpRequest& Record)
+	{
+		switch (Record.requestType)
+		{
+		case EHTTPCorvRequestType::PUT:
+		case EHTTPCorvRequestType::PUT_STREAM_MP:
+		case EHTTPCorvRequestType::PUT_STREAM_BLANK:
+		case EHTTPCorvRequestType::PUT_STREAM_COPY:
+		case EHTTPCorvRequestType::POST_UPLOAD:
+			return true;
+		default:
+			return false;
+		}
+	}
+
+	/** Such a Content-Length has to be the last header, and an earlier one would keep its place. */
+	static bool bodyBeginsInContentLength(const FhttpRequest& Record)
+	{
+		return Record.requestType == EHTTPCorvRequestType::PUT_STREAM_MP || Record.requestType == EHTTPCorvRequestType::PUT_STREAM_COPY;
+	}
+
+	static void setHeaders(const TMap<FString, FString>& Headers, bool bWithoutLength, IHttpRequest& HttpRequest)
+	{
+		for (const TPair<FString, FString>& Header : Headers)
+		{
+			if (!bWithoutLength || Header.Key != TEXT("Content-Length"))
+			{
+				HttpRequest.SetHeader(Header.Key, Header.Value);
+			}
+		}
+	}
+
+	static bool takesTwoSteps(const FhttpRequest& Record)
+	{
+		return Record.requestType == EHTTPCorvRequestType::GET && Record.requestCompleteObject()->getMultiStepDownload() > 0;
+	}
+
+	/** Whether a request stands under its ID among the running ones, where a cancel finds it at once. */
+	static bool isCancelledAtOnce(const FhttpRequest& Record)
+	{
+		// The steps of the others look for the mark themselves.
+		return Record.requestType != EHTTPCorvRequestType::GETLowRamDownload && !takesTwoSteps(Record);
+	}
+
 	/** One progress callback per request: the last of these that applies wins. */
 	static void bind(const FhttpRequest& Record, UCorvaneRequestCompleteObject* Object, IHttpRequest& HttpRequest)
 	{
 		using FObject = UCorvaneRequestCompleteObject;
 		FHttpRequestProgressDelegate64& Progress = HttpRequest.OnRequestProgress64();
+		if (Record.requestType == EHTTPCorvRequestType::GETLowRamDownload)
+		{
+			Progress.BindUObject(Object, &FObject::requestProgressDownloadLowRam);
+			HttpRequest.OnProcessRequestComplete().BindUObject(Object, &FObject::requestCompleteLowRam);
+			return;
+		}
+		if (takesTwoSteps(Record))
+		{
+			Progress.BindUObject(Object, &FObject::requestMultiStepDownload);
+			HttpRequest.OnProcessRequestComplete().BindUObject(Object, &FObject::requestMultiStepComplete);
+			return;
+		}
 		const bool bIndividual = Record.requestType >= EHTTPCorvRequestType::INDIVIDUAL;
 		if (!bIndividual || Record.bindDownloadProgressEvent)
 		{
 			Progress.BindUObject(Object, &FObject::requestProgressDownload);
 		}
-		if (bIndividual && Record.bindUploadProgressEvent)
+		if (isUpload(Record) || (bIndividual && Record.bindUploadProgressEvent))
 		{
 			Progress.BindUObject(Object, &FObject::requestProgressUpload);
 		}
@@ -40,10 +96,15 @@ namespace CorvaneDispatcher
 	/** Ends a request that was announced to scripts by its builder and cannot be started after all. */
 	static void refuse(UCorvaneBPLibrary* Library, UCorvaneRequestCompleteObject* Object)
 	{
-		FCorvCompletion Refusal;
-		Refusal.statusCode = 400;
-		Refusal.requestID = Object->getRequestID();
-		CorvaneDelivery::completion(Library, nullptr, MoveTemp(Refusal));
+		constexpr int32 refused = 400;
+		if (Object->getMultiStepDownloadType() == EMultiStepType::E_GOOGLE_DRIVE_FILE_INFO)
+		{
+			CorvaneDelivery::fileInfo(Library, nullptr, {FString(), 0, refused, Object->getDownloadID(), Object->getRequestID()});
+		}
+		else
+		{
+			CorvaneDelivery::completion(Library, nullptr, {FString(), {}, {}, refused, {}, Object->getRequestID()});
+		}
 		Object->abandonRun();
 	}
 } // namespace CorvaneDispatcher
@@ -96,6 +157,8 @@ void UCorvaneBPLibrary::startRequest(FhttpRequest& InRequest)
 	}
 	CorvaneDispatcher::bind(InRequest, Object, *HttpRequest);
 	Object->setHttpRequest(HttpRequest);
+	Object->claimDownloadTarget();
+	if (CorvaneDispatcher::isCancelledAtOnce(InRequest))
 	{
 		FScopeLock Lock(&mapLock);
 		runningRequests.Add(ID, HttpRequest);
@@ -103,13 +166,13 @@ void UCorvaneBPLibrary::startRequest(FhttpRequest& InRequest)
 	HttpRequest->ProcessRequest();
 }
 
-bool UCorvaneBPLibrary::fillRequest(const FhttpRequest& InRequest, IHttpRequest& OutHttpRequest)
+bool UCorvaneBPLibrary::fillRequest(FhttpRequest& InRequest, IHttpRequest& OutHttpRequest)
 {
 	switch (InRequest.requestType)
 	{
 	case EHTTPCorvRequestType::GET:
-		fillRequestGET(InRequest, OutHttpRequest);
-		fillHeader(InRequest, OutHttpRequest);
+	case EHTTPCorvRequestType::GETLowRamDownload:
+		fillRequestDownload(InRequest, OutHttpRequest);
 		return true;
 	case EHTTPCorvRequestType::POST:
 		fillRequestPOST(InRequest, OutHttpRequest);
@@ -119,7 +182,8 @@ bool UCorvaneBPLibrary::fillRequest(const FhttpRequest& InRequest, IHttpRequest&
 	case EHTTPCorvRequestType::INDIVIDUAL_STREAM:
 		return fillRequestIndividual(InRequest, OutHttpRequest);
 	default:
-		return false; // no builder makes these
+		fillHeader(InRequest, OutHttpRequest);
+		return fillRequestUPLOAD(InRequest, OutHttpRequest); // false for what no builder makes
 	}
 }
 
@@ -128,6 +192,24 @@ void UCorvaneBPLibrary::fillRequestGET(const FhttpRequest& InRequest, IHttpReque
 	OutHttpRequest.SetHeader(TEXT("Content-Type"), CorvaneDispatcher::formType);
 	OutHttpRequest.SetVerb(TEXT("GET"));
 	OutHttpRequest.SetURL(InRequest.url);
+}
+
+void UCorvaneBPLibrary::fillRequestDownload(const FhttpRequest& InRequest, IHttpRequest& OutHttpRequest)
+{
+	const UCorvaneRequestCompleteObject& Object = *InRequest.requestCompleteObject();
+	const int64 Start = Object.getFileCancelResumeDownloadByteStart();
+	fillRequestGET(InRequest, OutHttpRequest);
+	if (InRequest.requestType == EHTTPCorvRequestType::GETLowRamDownload)
+	{
+		// Before the headers of the script, which may name another range.
+		OutHttpRequest.SetHeader(TEXT("Range"), CorvaneRules::stepRange(Start, Object.getFileCancelResumeDownloadBytePartSize(),
+													Object.getFileCancelResumeDownloadByteFullSize()));
+	}
+	fillHeader(InRequest, OutHttpRequest);
+	if (InRequest.requestType == EHTTPCorvRequestType::GET && Start > 0)
+	{
+		OutHttpRequest.SetHeader(TEXT("Range"), CorvaneRules::rangeFrom(Start));
+	}
 }
 
 void UCorvaneBPLibrary::fillRequestPOST(const FhttpRequest& InRequest, IHttpRequest& OutHttpRequest)
@@ -160,18 +242,10 @@ bool UCorvaneBPLibrary::fillRequestIndividual(const FhttpRequest& InRequest, IHt
 
 void UCorvaneBPLibrary::fillHeader(const FhttpRequest& InRequest, IHttpRequest& OutHttpRequest)
 {
-	const bool bLengthIsSet = InRequest.requestType == EHTTPCorvRequestType::POST;
-	for (const TPair<FString, FString>& Header : persistentHeaders)
-	{
-		if (!bLengthIsSet || Header.Key != TEXT("Content-Length")) // only the record itself may know better
-		{
-			OutHttpRequest.SetHeader(Header.Key, Header.Value);
-		}
-	}
-	for (const TPair<FString, FString>& Header : InRequest.header)
-	{
-		OutHttpRequest.SetHeader(Header.Key, Header.Value);
-	}
+	const bool bStream = CorvaneDispatcher::bodyBeginsInContentLength(InRequest);
+	const bool bLengthIsSet = bStream || InRequest.requestType == EHTTPCorvRequestType::POST;
+	CorvaneDispatcher::setHeaders(persistentHeaders, bLengthIsSet, OutHttpRequest); // only the record itself may know better
+	CorvaneDispatcher::setHeaders(InRequest.header, bStream, OutHttpRequest);
 }
 
 FString UCorvaneBPLibrary::postMapToString(const TMap<FString, FString>& InMap)

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "CorvaneBPLibrary.h"
+#include "Templates/Function.h"
+#include "Templates/SharedPointer.h"
+
+#include <atomic>
+
+/** A request that continues what another one began, under the same ID. */
+struct FCorvFollowUp
+{
+	FString requestID;
+	/** Whether the request before has taken the mark of a cancel that came too late for it. */
+	TSharedPtr<std::atomic<bool>> cancelSeen;
+	/** Builds it; empty when the builder refused. Thread: game thread. */
+	TUniqueFunction<TArray<FhttpRequest>()> build;
+	/** Called instead of its start; may be unset. Thread: game thread. */
+	TUniqueFunction<void(UCorvaneBPLibrary& library)> abandon;
+};
+
+namespace CorvaneFollowUp
+{
+	/**
+	 * Builds and starts a request on the game thread, one task later. When a script has asked to cancel the ID meanwhile, or
+	 * the builder refuses, the failed result goes out instead. Until then the library counts it as pending work.
+	 * @note Thread: any.
+	 */
+	void start(UCorvaneBPLibrary* library, FCorvFollowUp followUp);
+} // namespace CorvaneFollowUp

@@ -1,0 +1,59 @@
+#include "Nodes/NodeSteps.h"
+
+#include "Requests/RequestBuilder.h"
+#include "UAsyncNodeCorv.h"
+
+FString CorvaneNode::takeID(UAsyncNodeCorv& Node, const FString& OptionalRequestID)
+{
+	const FString ID = CorvaneBuilder::idOrNew(OptionalRequestID);
+	if (UCorvaneBPLibrary* Library = UCorvaneBPLibrary::getCorvaneTarget())
+	{
+		if (UAsyncNodeCorv* Replaced = Library->getUAsyncNodeHttpRequest(ID))
+		{
+			Replaced->RemoveFromRoot(); // no result will reach it any more, so nothing else would
+		}
+		Library->registerUAsyncNodeHttpRequest(ID, &Node);
+	}
+	return ID;
+}
+
+void CorvaneNode::giveUpID(const UAsyncNodeCorv& Node, const FString& RequestID)
+{
+	UCorvaneBPLibrary* Library = UCorvaneBPLibrary::getCorvaneTarget();
+	if (!Library) // the end of the program
+	{
+		return;
+	}
+	const UAsyncNodeCorv* Receiver = Library->getUAsyncNodeHttpRequest(RequestID);
+	if (!Receiver || Receiver == &Node) // a collected node is not found any more
+	{
+		Library->unregisterUAsyncNodeHttpRequest(RequestID);
+	}
+}
+
+void CorvaneNode::start(TArray<FhttpRequest>& HttpRequests)
+{
+	if (HttpRequests.IsEmpty()) // the builder refused
+	{
+		return;
+	}
+	if (UCorvaneBPLibrary* Library = UCorvaneBPLibrary::getCorvaneTarget())
+	{
+		Library->startRequests(HttpRequests);
+	}
+	else
+	{
+		UE_LOG(LogTemp, Error, TEXT("UAsyncNodeCorv (Activate): The library does not exist."));
+	}
+}
+
+bool CorvaneNode::isSuccess(int32 StatusCode)
+{
+	return StatusCode < 400 && StatusCode != 0;
+}
+
+void CorvaneNode::release(UAsyncNodeCorv& Node)
+{
+	Node.RemoveFromRoot(); // its class takes no root, but its owner may have
+	Node.SetReadyToDestroy();
+}

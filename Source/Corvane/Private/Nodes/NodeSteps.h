@@ -1,0 +1,30 @@
+#pragma once
+
+#include "CorvaneBPLibrary.h"
+
+class UAsyncNodeCorv;
+
+/** The steps that the latent nodes have in common; each class keeps its own order. Thread: game thread. */
+namespace CorvaneNode
+{
+	constexpr int32 refused = 400;
+
+	/**
+	 * Makes a new node the receiver of the results of an ID, in place of an earlier node.
+	 * @param optionalRequestID  empty = a new GUID.
+	 * @return the ID.
+	 */
+	FString takeID(UAsyncNodeCorv& node, const FString& optionalRequestID);
+
+	/** Gives up a node's ID, unless a later node has taken it over. */
+	void giveUpID(const UAsyncNodeCorv& node, const FString& requestID);
+
+	/** Starts a node's requests and empties the array. */
+	void start(TArray<FhttpRequest>& httpRequests);
+
+	/** What counts as success; a file-info node has a rule of its own. */
+	bool isSuccess(int32 statusCode);
+
+	/** The end of a node of a class that does not destroy itself. */
+	void release(UAsyncNodeCorv& node);
+} // namespace CorvaneNode

@@ -1,0 +1,27 @@
+#include "CorvaneRequestCompleteObject.h"
+
+#include "Completion/CompletionResult.h"
+#include "Completion/GameThreadDelivery.h"
+#include "Rules/PageReading.h"
+
+void UCorvaneRequestCompleteObject::completeFileInfo(
+	const FHttpRequestPtr& InRequest, const FHttpResponsePtr& InResponse, bool bInWasSuccessful)
+{
+	constexpr int32 unreadablePage = 452;
+	FCorvFileInfoResult Result;
+	Result.downloadID = downloadID;
+	Result.requestID = requestID;
+	if (bInWasSuccessful && InResponse.IsValid())
+	{
+		const FCorvFileInfo Info = CorvaneRules::readFileInfo(InResponse->GetContentAsString());
+		Result.fileName = Info.name;
+		Result.fileSizeInBytes = Info.size;
+		Result.statusCode = Info.bReadable ? InResponse->GetResponseCode() : unreadablePage;
+	}
+	else
+	{
+		Result.statusCode = CorvaneResult::failure(InResponse).statusCode;
+	}
+	completionPosted = true;
+	CorvaneDelivery::fileInfo(corvaneBPLibrary, InRequest, MoveTemp(Result));
+}

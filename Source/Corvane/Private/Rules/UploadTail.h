@@ -1,0 +1,31 @@
+#pragma once
+
+#include "CorvaneBPLibrary.h"
+
+/** What a stream multipart upload leaves on disk, and how it is recognised later. */
+namespace CorvaneRules
+{
+	/** The most bytes at the end of a file that have to be looked at. */
+	constexpr int32 longestUploadTail = 47;
+
+	/**
+	 * The size that a file had before its upload.
+	 * @param tail, number  the last bytes of the file, longestUploadTail of them or the whole of a shorter file.
+	 * @param fileSize  bytes of the whole file.
+	 * @return -1 when the file does not end with such a tail. The tail holds 32 bits only: what they leave open above
+	 * 2 GiB is taken from the size of the file, and when the two do not agree there, nothing was found.
+	 */
+	int64 sizeBeforeUpload(const uint8* tail, int32 number, int64 fileSize);
+
+	/**
+	 * Where the copy of an upload file goes: beside it, under a name that tells it from a user's file.
+	 * @param path  full path; every occurrence of its file name is replaced, whatever the case, those in directories too.
+	 */
+	FString uploadCopyPath(const FString& path, const FString& guid);
+
+	/**
+	 * Whether an upload of this record has changed a file: the record names a file that was made longer, or a copy. A copy
+	 * must bear the name of one, since the record names the user's own file until the copy is made.
+	 */
+	bool needsRepair(const FhttpRequest& record);
+} // namespace CorvaneRules

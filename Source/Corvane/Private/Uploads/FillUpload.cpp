@@ -1,0 +1,43 @@
+#include "CorvaneBPLibrary.h"
+
+#include "Rules/Multipart.h"
+#include "Uploads/UploadFile.h"
+
+bool UCorvaneBPLibrary::fillRequestUPLOAD(FhttpRequest& InOutRequest, IHttpRequest& OutHttpRequest)
+{
+	const bool bPost = InOutRequest.requestType == EHTTPCorvRequestType::POST_UPLOAD;
+	OutHttpRequest.SetVerb(bPost ? TEXT("POST") : TEXT("PUT"));
+	OutHttpRequest.SetURL(InOutRequest.url);
+	switch (InOutRequest.requestType)
+	{
+	case EHTTPCorvRequestType::POST_UPLOAD:
+	case EHTTPCorvRequestType::PUT:
+		return fillUploadInMemory(InOutRequest, OutHttpRequest);
+	case EHTTPCorvRequestType::PUT_STREAM_MP:
+	case EHTTPCorvRequestType::PUT_STREAM_COPY:
+		return fillUploadStream(InOutRequest, OutHttpRequest);
+	case EHTTPCorvRequestType::PUT_STREAM_BLANK:
+		return fillUploadBlank(InOutRequest, OutHttpRequest);
+	default:
+		return false;
+	}
+}
+
+bool UCorvaneBPLibrary::fillUploadBlank(const FhttpRequest& InRequest, IHttpRequest& OutHttpRequest)
+{
+	FCorvUploadFile File;
+	if (!CorvaneUpload::find(*this, InRequest.directoryType, InRequest.filePath, File))
+	{
+		return false;
+	}
+	OutHttpRequest.SetHeader(TEXT("fileid"), CorvaneRules::safeName(InRequest.fileID));
+	OutHttpRequest.SetHeader(TEXT("filename"), CorvaneRules::safeName(File.name));
+	OutHttpRequest.SetHeader(TEXT("fileformat"), CorvaneRules::safeName(File.extension));
+	OutHttpRequest.SetHeader(TEXT("mimetype"), File.mimeType);
+	if (!OutHttpRequest.SetContentAsStreamedFile(File.path))
+	{
+		CorvaneUpload::logUnreadable(File.path); // sent without its file, the request could empty what the server holds
+		return false;
+	}
+	return true;
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "CorvaneBPLibrary.h"
+#include "HAL/CriticalSection.h"
+
+/**
+ * The files that uploads have changed on disk: those whose upload runs, and those that wait for their repair. Nobody may
+ * upload such a file a second time, for its end is not the user's. Paths are compared without regard to case. Thread: any.
+ */
+class FCorvUploadFiles
+{
+public:
+	/** An upload is about to change the file that its record names. */
+	void begin(FhttpRequest record);
+	/** The upload was given up, and its file is as before. */
+	void forget(const FString& path);
+	/** The upload of a file has ended, if it had begun: the file waits for its repair from now on. */
+	void waitForRepair(const FString& path);
+	/** One of the repairs that a file waits for is over. */
+	void endRepair(const FString& path);
+
+	bool isWaitingForRepair(const FString& path) const;
+	/** Whether its upload runs or its repair is still to come. */
+	bool isChanged(const FString& path) const;
+	/** The records of uploads that have not ended. */
+	TArray<FhttpRequest> unfinished() const;
+
+private:
+	mutable FCriticalSection lock;
+	TMap<FString, FhttpRequest> running; // by path; the records hold no completion object
+	TArray<FString> blockedFiles; // a path once for each of its repairs
+};

@@ -1,0 +1,100 @@
+#pragma once
+
+#include "LogCapture.h"
+#include "ModuleFixture.h"
+#include "RangeOrigin.h"
+#include "TempDir.h"
+#include "UAsyncNodeCorv.h"
+
+#include <map>
+#include <mutex>
+
+/** What one of a node's outputs said: every pin by its name, lists with their entries behind each other. */
+struct Outcome
+{
+	std::string output;
+	std::map<std::string, std::string> pins;
+
+	int statusCode() const { return std::stoi(pins.at("statusCode")); }
+	std::string requestID() const { return pins.at("requestID"); }
+};
+
+/** Where a request goes and what it is about. */
+struct NodeSite
+{
+	FString url;
+	FString file; // to upload
+	FString target; // of a download
+	FString downloadID;
+};
+
+/** One factory, and the builder that does the same. */
+struct NodeKind
+{
+	const char* name;
+	UAsyncNodeCorv* (*make)(const NodeSite& site, const FString& id);
+	TArray<FhttpRequest> (*build)(const NodeSite& site, const FString& id);
+};
+
+/** All factories; some with more than one choice of their pins. */
+extern const std::vector<NodeKind> nodeKinds;
+const NodeKind& nodeKind(std::string_view name);
+
+/** Shows the name alone. */
+void PrintTo(const NodeKind& kind, std::ostream* stream);
+
+/** Answers what all kinds of nodes ask for, and keeps the requests. */
+class NodeOrigin
+{
+public:
+	/** @param gate  every answer waits for it, when given. Outlives this object. */
+	explicit NodeOrigin(Gate* gate = nullptr);
+
+	std::string url() const { return origin.url(); }
+	/** Scheme and host. */
+	FString base() const { return text(origin.url("")); }
+	/** Heads with their bodies, in the order in which they ended; what differs from one form to the next is taken out. */
+	std::vector<std::string> requests() const;
+	void forget();
+	size_t begun() const { return origin.ranges().size(); }
+
+	/** The body of plain answers and downloads. */
+	static constexpr const char* content = "0123456789";
+
+private:
+	void serve(Connection& connection, const RangeRequest& request);
+
+	Gate* const gate;
+	mutable std::mutex mutex;
+	std::vector<std::string> received;
+	RangeOrigin origin; // last: its threads use all of the above
+};
+
+/** Nodes as a graph uses them; every outcome is recorded. */
+class NodeFixture : public ModuleFixture
+{
+protected:
+	NodeFixture();
+
+	static UCorvaneBPLibrary& library() { return *UCorvaneBPLibrary::getCorvaneTarget(); }
+
+	/** The origin's, with the files of this test and the Drive service played by the origin as well. */
+	NodeSite site(const NodeOrigin& origin) const;
+	/** One that every builder refuses. */
+	static NodeSite badSite() { return {"x", "", "", ""}; }
+
+	/** Records the outcomes of a node. */
+	void listen(UAsyncNodeCorv& node);
+	/** Records the outcomes of a node and activates it; nothing holds it. */
+	UAsyncNodeCorv& start(UAsyncNodeCorv* node);
+	/** The same, and holds the node to the end of the test. */
+	UAsyncNodeCorv& startHeld(UAsyncNodeCorv* node);
+	/** Whether a node has told whoever holds it to let go. */
+	static bool hasEnded(UAsyncNodeCorv& node);
+
+	TempDir dir;
+	std::vector<Outcome> outcomes;
+	std::vector<std::string> fileInfos; // request IDs of the library's event
+	std::vector<TStrongObjectPtr<UObject>> held;
+	std::function<void(UAsyncNodeCorv& node)> duringOutcome; // may be empty
+};

@@ -1,0 +1,102 @@
+#include "Rules/PageReading.h"
+#include "ModuleFixture.h"
+
+namespace
+{
+	/** A list of fields f0, f1, ... with the two that matter replaced. */
+	std::string itemJson(int fields, const std::string& name, const std::string& size)
+	{
+		std::string page = "<script>x={itemJson:";
+		for (int field = 0; field < fields; ++field)
+		{
+			const std::string content = field == 1 ? name : field == 27 ? size : "f" + std::to_string(field);
+			page += (field == 0 ? "" : ",") + content;
+		}
+		return page;
+	}
+} // namespace
+
+TEST(PageReading, ReadsNameAndSizeOfADriveFile)
+{
+	struct Case
+	{
+		const char* what;
+		std::string page;
+		bool readable;
+		const char* name;
+		int64 size;
+	};
+	const Case cases[] = {
+		{"exactly enough fields", itemJson(28, "\"level.pak\"", "\"1572864\"]"), true, "level.pak", 1572864},
+		{"one too few", itemJson(27, "\"level.pak\"", ""), false, "", 0},
+		{"hundreds", itemJson(900, "\"a\"", "5000000000"), true, "a", 5000000000},
+		{"empty fields do not count", itemJson(28, "", "\"7\""), false, "", 0},
+		{"a size that is no number", itemJson(30, "\"a\"", "null"), true, "a", 0},
+		{"quotes as entities stay", itemJson(28, "&quot;a&quot;", "1"), true, "&quot;a&quot;", 1},
+		{"another case of the mark", "ITEMJSON:" + itemJson(28, "a", "3").substr(20), true, "a", 3},
+		{"no mark", "<html>,,,,,,</html>", false, "", 0},
+		{"nothing", "", false, "", 0},
+	};
+	for (const Case& c : cases)
+	{
+		const FCorvFileInfo info = CorvaneRules::readFileInfo(text(c.page));
+		EXPECT_EQ(info.bReadable, c.readable) << c.what;
+		EXPECT_EQ(utf8(info.name), c.name) << c.what;
+		EXPECT_EQ(info.size, c.size) << c.what;
+	}
+}
+
+TEST(PageReading, FindsTheTokenOfAConfirmationPage)
+{
+	const std::pair<std::string, const char*> cases[] = {
+		{"x;confirm=ab12&amp;id=", "ab12"},
+		{"x;CONFIRM=ab12&id=1;confirm=second&", "ab12"},
+		{"x;confirm=&id=1", ""},
+		{"x;confirm=without-end", ""},
+		{"&confirm=ab12&", ""},
+		{"", ""},
+	};
+	for (const auto& [page, token] : cases)
+	{
+		EXPECT_EQ(utf8(CorvaneRules::confirmationToken(text(page))), token) << page;
+	}
+}
+
+TEST(PageReading, FindsTheLinkOfAFilePage)
+{
+	const std::pair<std::string, const char*> cases[] = {
+		{R"(<a id="download-url" class="b" href="https://cdn.example/f.zip"><img> Download</a> <a href="no"><b>)",
+			"https://cdn.example/f.zip"},
+		{R"(<a ID="Download-URL" HREF="/f"><IMG></A>)", "/f"},
+		{R"(<a id="download-url" href=""><img></a>)", ""},
+		{R"(<a href="/other"><img></a>)", "/other"}, // without the mark the first link that looks alike
+		{"no markup at all", "no markup at all"},
+		{"", ""},
+	};
+	for (const auto& [page, link] : cases)
+	{
+		EXPECT_EQ(utf8(CorvaneRules::downloadLink(text(page))), link) << page;
+	}
+}
+
+TEST(PageReading, ReadsTheSizeThatAPageShows)
+{
+	const auto page = [](const std::string& shown)
+	{ return R"(<span class="uc-name-size"><a href="x">f.bin</a> )" + shown + "</span><span>(9G)</span>"; };
+	const std::pair<std::string, int64> cases[] = {
+		{page("(350M)"), 350 * 1048576},
+		{page("(1,5G)"), 1610612736},
+		{page("(1.5 G)"), 1610612736},
+		{page("(12K)"), 12LL << 30}, // whatever is not in M
+		{page("(0M)"), 0},
+		{page("(-1M)"), -1048576},
+		{page("(1e30G)"), INT64_MAX},
+		{page("(nonsense)"), 0},
+		{R"(<span class="uc-name-size">(2M))", 0},
+		{"no size", 0},
+	};
+	for (const auto& [text8, size] : cases)
+	{
+		EXPECT_EQ(CorvaneRules::shownSize(text(text8)), size) << text8;
+	}
+}

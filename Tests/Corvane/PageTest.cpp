@@ -1,0 +1,288 @@
+#include "LogCapture.h"
+#include "ModuleFixture.h"
+#include "RawServer.h"
+
+#include <gmock/gmock.h>
+
+using testing::ElementsAre;
+
+namespace
+{
+	const std::string confirmPage = R"(<a href="/uc?x;confirm=ab12&amp;id=1">Download anyway</a>)";
+
+	struct FileInfo
+	{
+		std::string fileName;
+		int64 size;
+		int32 statusCode;
+		std::string downloadID;
+		std::string requestID;
+	};
+
+	class Pages : public ModuleFixture
+	{
+	protected:
+		Pages()
+		{
+			UCorvaneBPLibrary::getCorvaneTarget()->onhttpRequestCompleteGoogleInfoDelegate.AddHandler(
+				[this](void* const* a)
+				{
+					const auto textOf = [a](int index) { return utf8(*static_cast<const FString*>(a[index])); };
+					infos.push_back({textOf(0), *static_cast<const int64*>(a[1]), *static_cast<const int32*>(a[2]), textOf(3), textOf(4)});
+				});
+		}
+
+		TArray<FhttpRequest> drive(const std::string& base, const char* downloadID = "file", const char* id = "", int64 size = 0)
+		{
+			UCorvaneBPLibrary::setGoogleDriveBase(text(base));
+			TArray<FhttpRequest> requests;
+			FString requestID;
+			UCorvaneBPLibrary::CreateHttpRequestGoogleDrive({}, downloadID, id, size, requests, requestID);
+			return requests;
+		}
+
+		TArray<FhttpRequest> driveInfo(const std::string& base, const char* downloadID = "file", const char* id = "")
+		{
+			UCorvaneBPLibrary::setGoogleDriveBase(text(base));
+			TArray<FhttpRequest> requests;
+			FString requestID;
+			UCorvaneBPLibrary::CreateHttpRequestGoogleDriveFileInfo({}, downloadID, id, requests, requestID);
+			return requests;
+		}
+
+		TArray<FhttpRequest> filePage(const std::string& url, const char* id = "")
+		{
+			TArray<FhttpRequest> requests;
+			FString requestID;
+			UCorvaneBPLibrary::CreateHttpRequestAnonfiles({}, text(url), id, requests, requestID);
+			return requests;
+		}
+
+		static std::vector<std::string> targets(const RawServer& server)
+		{
+			std::vector<std::string> result;
+			for (const std::string& head : server.requests())
+			{
+				result.push_back(targetOf(head));
+			}
+			return result;
+		}
+
+		std::vector<FileInfo> infos;
+		LogCapture log;
+	};
+
+	RawServer::Script answeringFirst(std::string first, std::string rest)
+	{
+		return answering([=, number = std::make_shared<int>(0)](const std::string&) { return (*number)++ == 0 ? first : rest; });
+	}
+
+	std::string link(const std::string& address)
+	{
+		return "<a id=\"download-url\" href=\"" + address + "\"><img></a>";
+	}
+} // namespace
+
+TEST_F(Pages, ADriveFileIsFetchedBehindItsConfirmation)
+{
+	RawServer server(answeringFirst(answer(200, confirmPage), answer(200, "the file")));
+	const Completion result = run(drive(server.url() /* ends with a slash */, "a b", "my-id"));
+	EXPECT_EQ(result.statusCode, 500) << "a blank cannot be sent";
+
+	const Completion good = run(drive(server.url(), "file", "my-id"));
+	EXPECT_EQ(good.statusCode, 200);
+	EXPECT_EQ(good.byteData, "the file");
+	EXPECT_EQ(good.requestID, "my-id");
+	EXPECT_THAT(targets(server), ElementsAre("/uc?id=file&export=download", "/uc?id=file&export=download&confirm=ab12"));
+}
+
+TEST_F(Pages, ADriveFileWithoutConfirmationIsTheFirstAnswer)
+{
+	for (const std::string body : {"small file", "x;confirm=token-without-end"})
+	{
+		RawServer server(answering([body](const std::string&) { return answer(200, body); }));
+		EXPECT_EQ(run(drive(server.url())).byteData, body);
+		EXPECT_EQ(server.requests().size(), 1u);
+	}
+	RawServer empty(answering([](const std::string&) { return answer(200, ""); }));
+	EXPECT_EQ(run(drive(empty.url())).statusCode, 200);
+}
+
+TEST_F(Pages, ProgressOfADriveFileIsThatOfTheFileAgainstItsKnownSize)
+{
+	Gate half;
+	RawServer server(
+		[&](Connection& connection)
+		{
+			connection.readHead();
+			connection.send(answer(200, confirmPage));
+			connection.readHead();
+			connection.send("HTTP/1.1 200 OK\r\nContent-Length: 2000\r\n\r\n" + std::string(1000, 'x'));
+			connection.waitFor(half);
+			connection.send(std::string(1000, 'x'));
+		});
+	execute(drive(server.url(), "file", "id", 4000));
+	ASSERT_TRUE(loop.WaitFor([this] { return !downloads.empty(); }, patienceSeconds));
+	EXPECT_FLOAT_EQ(downloads[0].size, 4000 * 9.536743e-7f);
+	EXPECT_FLOAT_EQ(downloads[0].percentDownload, 25);
+	half.open();
+	drain();
+}
+
+TEST_F(Pages, FileInformationOrTheCodeForAPageThatCannotBeRead)
+{
+	std::string fields = "itemJson:0,\"level.pak\"";
+	for (int field = 2; field < 27; ++field)
+	{
+		fields += ",0";
+	}
+	struct Case
+	{
+		std::string answer;
+		FileInfo expected;
+	};
+	const Case cases[] = {
+		{answer(200, fields + ",\"77\"]"), {"level.pak", 77, 200, "", ""}},
+		{answer(404, fields + ",\"77\"]"), {"level.pak", 77, 404, "", ""}}, {answer(200, "a page"), {"", 0, 452, "", ""}},
+		{answer(404, "not found"), {"", 0, 452, "", ""}}, {"", {"", 0, 500, "", ""}}, // hangs up
+	};
+	for (const Case& c : cases)
+	{
+		infos.clear();
+		RawServer server(
+			[&](Connection& connection)
+			{
+				connection.readHead();
+				connection.send(c.answer);
+			});
+		execute(driveInfo(server.url(), "file", "id"));
+		drain();
+		ASSERT_EQ(infos.size(), 1u) << c.answer;
+		EXPECT_EQ(infos[0].fileName, c.expected.fileName) << c.answer;
+		EXPECT_EQ(infos[0].size, c.expected.size) << c.answer;
+		EXPECT_EQ(infos[0].statusCode, c.expected.statusCode) << c.answer;
+		EXPECT_EQ(infos[0].downloadID, "file");
+		EXPECT_EQ(infos[0].requestID, "id");
+		EXPECT_TRUE(completions.empty()) << "the other event stays silent";
+		EXPECT_THAT(targets(server), ElementsAre("/file/d/file/view"));
+	}
+}
+
+TEST_F(Pages, AreRefusedWithoutAnAddress)
+{
+	EXPECT_EQ(drive("http://127.0.0.1", "", "id").Num(), 0);
+	EXPECT_EQ(driveInfo("http://127.0.0.1", "", "id").Num(), 0);
+	ASSERT_EQ(infos.size(), 2u) << "inside the call, and as file information";
+	EXPECT_EQ(infos[0].statusCode, 400);
+	EXPECT_EQ(infos[0].requestID, "id");
+	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "No downloadId in CreateHttpRequestGoogleDrive."), 1);
+	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "No downloadId in CreateHttpRequestGoogleDriveFileInfo."), 1);
+	EXPECT_EQ(filePage("ab", "id").Num(), 0);
+	ASSERT_EQ(completions.size(), 1u);
+	EXPECT_EQ(completions[0].statusCode, 400);
+}
+
+TEST_F(Pages, AFilePageLeadsToItsFileOrToOneClearFailure)
+{
+	RawServer file(answering([](const std::string&) { return answer(200, "the file"); }));
+	struct Case
+	{
+		const char* name;
+		std::string page;
+		int32 statusCode;
+		std::string body;
+		size_t results = 1;
+	};
+	const Case cases[] = {
+		{"a link", link(file.url("/f")), 200, "the file"},
+		{"five megabytes in front", std::string(5 << 20, '<') + link(file.url("/f")), 200, "the file"},
+		{"bytes that are no text", "\xFF\xFE\x80" + link(file.url("/f")), 200, "the file"},
+		{"a link to the disk", link("file:///etc/hostname"), 500, ""},
+		{"a relative link", link("/file.zip"), 500, ""},
+		{"no markup", "a page, with, many, commas", 500, ""},
+		{"an empty link", link(""), 500, "", 2}, // the builder's refusal comes first
+		{"no page", "", 200, ""},
+	};
+	for (const Case& c : cases)
+	{
+		completions.clear();
+		RawServer page(answering([&](const std::string&) { return answer(200, c.page); }));
+		execute(filePage(page.url(), "id"));
+		drain();
+		ASSERT_EQ(completions.size(), c.results) << c.name;
+		EXPECT_EQ(completions.back().statusCode, c.statusCode) << c.name;
+		EXPECT_EQ(completions.back().byteData, c.body) << c.name;
+		EXPECT_EQ(completions.back().requestID, "id") << c.name;
+		EXPECT_EQ(page.requests().size(), 1u) << c.name;
+	}
+}
+
+TEST_F(Pages, ALinkToThePageItselfIsFollowedOnce)
+{
+	std::string self;
+	RawServer page(answering([&](const std::string&) { return answer(200, link(self)); }));
+	self = page.url("/again");
+	EXPECT_EQ(run(filePage(page.url())).byteData, link(self));
+	EXPECT_EQ(page.requests().size(), 2u);
+}
+
+TEST_F(Pages, RedirectsBetweenTheStepsAreFollowed)
+{
+	RawServer server(answering(
+		[](const std::string& head)
+		{
+			if (targetOf(head) == "/uc?id=file&export=download")
+			{
+				return answer(302, "", "Location: /page\r\n");
+			}
+			return targetOf(head) == "/page" ? answer(200, confirmPage) : answer(200, "the file");
+		}));
+	EXPECT_EQ(run(drive(server.url())).byteData, "the file");
+}
+
+TEST_F(Pages, ACancelBetweenTheStepsIsKept)
+{
+	for (int round = 0; round < 20; ++round)
+	{
+		completions.clear();
+		Gate page;
+		RawServer server(
+			[&](Connection& connection)
+			{
+				for (;;)
+				{
+					const std::string head = connection.readHead();
+					connection.send("HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(confirmPage.size()) + "\r\n\r\n");
+					connection.waitFor(page);
+					connection.send(confirmPage);
+				}
+			});
+		execute(drive(server.url(), "file", "id"));
+		ASSERT_TRUE(loop.WaitFor([&] { return !server.requests().empty(); }, patienceSeconds));
+		UCorvaneBPLibrary::cancelRequest("id");
+		page.open();
+		drain();
+		ASSERT_EQ(completions.size(), 1u);
+		EXPECT_EQ(completions[0].statusCode, 500);
+		EXPECT_EQ(server.requests().size(), 1u) << "the second step was not started";
+	}
+}
+
+TEST_F(Pages, ARecordMayBeExecutedAgainFromItsOwnHandler)
+{
+	RawServer server(answering([](const std::string&) { return answer(200, "small file"); }));
+	TArray<FhttpRequest> requests = drive(server.url(), "file", "id");
+	int left = 50;
+	UCorvaneBPLibrary::getCorvaneTarget()->onhttpRequestCompleteDelegate.AddHandler(
+		[&](void* const*)
+		{
+			if (left-- > 0)
+			{
+				execute(requests);
+			}
+		});
+	execute(requests);
+	EXPECT_TRUE(waitForCompletions(51));
+	drain();
+	EXPECT_EQ(completions.size(), 51u);
+}

@@ -1,0 +1,91 @@
+#include "RangeOrigin.h"
+
+#include <algorithm>
+#include <atomic>
+#include <random>
+
+namespace
+{
+	std::string headerOf(const std::string& head, const std::string& name)
+	{
+		const size_t at = head.find("\r\n" + name + ": ");
+		return at == head.npos ? "" : head.substr(at + name.size() + 4, head.find("\r\n", at + 2) - at - name.size() - 4);
+	}
+
+	RangeRequest read(const std::string& head)
+	{
+		RangeRequest request;
+		request.head = head;
+		request.range = headerOf(head, "Range");
+		if (!request.range.empty())
+		{
+			const size_t dash = request.range.find('-');
+			request.first = std::stoll(request.range.substr(6));
+			if (dash + 1 < request.range.size())
+			{
+				request.last = std::stoll(request.range.substr(dash + 1));
+			}
+		}
+		return request;
+	}
+} // namespace
+
+std::string patternedBytes(std::size_t number, unsigned seed)
+{
+	std::mt19937 generator(seed);
+	std::string bytes(number, '\0');
+	std::generate(bytes.begin(), bytes.end(), [&] { return static_cast<char>(generator()); });
+	return bytes;
+}
+
+RangeOrigin::RangeOrigin(Answer answer)
+	: server(
+		  [answer, next = std::make_shared<std::atomic<int>>(0)](Connection& connection)
+		  {
+			  for (;;)
+			  {
+				  RangeRequest request = read(connection.readHead());
+				  request.number = (*next)++;
+				  answer(connection, request);
+			  }
+		  })
+{
+}
+
+std::vector<std::string> RangeOrigin::ranges() const
+{
+	std::vector<std::string> ranges;
+	for (const std::string& head : server.requests())
+	{
+		ranges.push_back(headerOf(head, "Range"));
+	}
+	return ranges;
+}
+
+std::string rangedAnswer(const std::string& content, const RangeRequest& request, std::string_view headers)
+{
+	const auto size = static_cast<std::int64_t>(content.size());
+	if (request.range.empty())
+	{
+		return answer(200, content, headers);
+	}
+	if (request.first >= size)
+	{
+		return answer(416, "beyond the end", "Content-Range: bytes */" + std::to_string(size) + "\r\n");
+	}
+	const std::int64_t last = std::min(request.last.value_or(size - 1), size - 1);
+	return partAnswer("bytes " + std::to_string(request.first) + "-" + std::to_string(last) + "/" + std::to_string(size),
+		content.substr(static_cast<size_t>(request.first), static_cast<size_t>(last - request.first + 1)), headers);
+}
+
+std::string partAnswer(std::string_view contentRange, std::string_view body, std::string_view headers)
+{
+	return answer(206, body, "Content-Range: " + std::string(contentRange) + "\r\n" + std::string(headers));
+}
+
+void sendWithoutEnd(Connection& connection, const std::string& answer, std::size_t missing)
+{
+	connection.send(answer.substr(0, answer.size() - missing));
+	connection.closeWrite();
+	connection.waitForPeer();
+}

@@ -1,0 +1,138 @@
+#include "LogCapture.h"
+#include "ModuleFixture.h"
+#include "RawServer.h"
+
+#include <gmock/gmock.h>
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::Field;
+
+namespace
+{
+	constexpr const char* streamHead = "HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\nConnection: close\r\n\r\n";
+
+	class ServerSendEvents : public ModuleFixture
+	{
+	protected:
+		ServerSendEvents()
+			: ModuleFixture(settings())
+		{
+		}
+
+		static FGameLoopSettings settings()
+		{
+			FGameLoopSettings settings;
+			settings.http.activityTimeoutSeconds = 0.5;
+			return settings;
+		}
+
+		bool waitForPieces(size_t number)
+		{
+			return loop.WaitFor([this, number] { return serverSendEvents.size() >= number; }, patienceSeconds);
+		}
+
+		void expectOneCompletion(int32 statusCode, const std::string& dataString)
+		{
+			ASSERT_EQ(completions.size(), 1u);
+			EXPECT_EQ(completions[0].statusCode, statusCode);
+			EXPECT_EQ(completions[0].dataString, dataString);
+		}
+	};
+} // namespace
+
+TEST_F(ServerSendEvents, ComeInPiecesAndWithoutProgress)
+{
+	Gate first, second;
+	RawServer origin(
+		[&](Connection& connection)
+		{
+			connection.readHead();
+			connection.send(std::string(streamHead) + "data: one\n\n");
+			connection.waitFor(first);
+			connection.send("data: two\n\n");
+			connection.waitFor(second);
+		});
+	execute(get(origin.url(), {}, "sse", true));
+	ASSERT_TRUE(waitForPieces(1));
+	first.open();
+	ASSERT_TRUE(waitForPieces(2));
+	second.open();
+	drain();
+	EXPECT_THAT(
+		serverSendEvents, ElementsAre(AllOf(Field(&ServerSendEvent::response, "data: one\n\n"), Field(&ServerSendEvent::requestID, "sse")),
+							  Field(&ServerSendEvent::response, "data: two\n\n")));
+	EXPECT_TRUE(downloads.empty());
+	ASSERT_EQ(completions.size(), 1u);
+	EXPECT_EQ(completions[0].dataString, "data: one\n\ndata: two\n\n");
+}
+
+TEST_F(ServerSendEvents, MayBeCutInsideACharacterThatTheWholeBodyShows)
+{
+	Gate first;
+	RawServer origin(
+		[&](Connection& connection)
+		{
+			connection.readHead();
+			connection.send(std::string(streamHead) + "caf\xC3");
+			connection.waitFor(first);
+			connection.send("\xA9!");
+		});
+	execute(get(origin.url(), {}, "", true));
+	ASSERT_TRUE(waitForPieces(1));
+	first.open();
+	drain();
+	EXPECT_THAT(
+		serverSendEvents, ElementsAre(Field(&ServerSendEvent::response, "caf\uFFFD"), Field(&ServerSendEvent::response, "\uFFFD!")));
+	expectOneCompletion(200, "caf\u00e9!");
+}
+
+TEST_F(ServerSendEvents, OfARedirectAreThoseOfItsTarget)
+{
+	RawServer origin(answering(
+		[](const std::string& head)
+		{
+			return targetOf(head) == "/" ? answer(302, "data: a body longer than that of the target\n\n", "Location: /target\r\n")
+										 : answer(200, "data: target\n\n");
+		}));
+	execute(get(origin.url(), {}, "", true));
+	drain();
+	EXPECT_THAT(serverSendEvents, ElementsAre(Field(&ServerSendEvent::response, "data: target\n\n")));
+	expectOneCompletion(200, "data: target\n\n");
+}
+
+TEST_F(ServerSendEvents, OfAStreamThatFallsSilentEndInAFailure)
+{
+	LogCapture log;
+	Gate never;
+	RawServer origin(
+		[&](Connection& connection)
+		{
+			connection.readHead();
+			connection.send(std::string(streamHead) + "data: one\n\n");
+			connection.waitFor(never);
+		});
+	execute(get(origin.url(), {}, "", true));
+	drain();
+	EXPECT_THAT(serverSendEvents, ElementsAre(Field(&ServerSendEvent::response, "data: one\n\n")));
+	expectOneCompletion(500, "No Response");
+}
+
+TEST_F(ServerSendEvents, OfAnEndlessStreamEndWithACancel)
+{
+	RawServer origin(
+		[](Connection& connection)
+		{
+			connection.readHead();
+			connection.send(streamHead);
+			for (;;)
+			{
+				connection.send("data: again\n\n"); // ends when the client hangs up
+			}
+		});
+	execute(get(origin.url(), {}, "endless", true));
+	ASSERT_TRUE(waitForPieces(3));
+	UCorvaneBPLibrary::cancelRequest("endless");
+	drain();
+	expectOneCompletion(500, "No Response");
+}

@@ -1,0 +1,102 @@
+#include "UploadFixture.h"
+
+#include <algorithm>
+
+std::string Received::header(const std::string& name) const
+{
+	const size_t line = head.find("\r\n" + name + ": ");
+	const size_t begin = line + name.size() + 4;
+	return line == head.npos ? "" : head.substr(begin, head.find("\r\n", begin) - begin);
+}
+
+std::string Received::token() const
+{
+	const std::string type = header("Content-Type");
+	const std::string before = "multipart/form-data; boundary=----";
+	EXPECT_EQ(type.substr(0, before.size()), before);
+	return type.substr(std::min(before.size(), type.size()));
+}
+
+UploadSink::UploadSink(Gate* gate)
+	: Server([this, gate](Connection& connection) { serve(connection, gate); })
+{
+}
+
+void UploadSink::serve(Connection& connection, Gate* gate)
+{
+	for (;;)
+	{
+		Received request{connection.readHead(), ""};
+		if (gate)
+		{
+			connection.waitFor(*gate);
+		}
+		const std::string length = request.header("Content-Length");
+		request.body = connection.read(length.empty() ? 0 : std::stoul(length));
+		{
+			const std::scoped_lock lock(Mutex);
+			Requests.push_back(std::move(request));
+		}
+		connection.send(answer(200, "thanks"));
+	}
+}
+
+std::vector<Received> UploadSink::received() const
+{
+	const std::scoped_lock lock(Mutex);
+	return Requests;
+}
+
+UploadTest::UploadTest(FGameLoopSettings settings)
+	: ModuleFixture(settings)
+{
+	library().setUploadGracePeriod(0);
+}
+
+TArray<FhttpRequest> UploadTest::put(const std::string& url, const std::string& path, Type type, const UploadOptions& options)
+{
+	TArray<FhttpRequest> requests;
+	FString id;
+	EXPECT_EQ(UCorvaneBPLibrary::CreateHttpRequestFileUploadPUT({}, text(url), options.header, EHTTPCorvFileUpload::E_ad, text(path),
+				  text(options.fileID), type, text(options.requestID), requests, id),
+		0);
+	return requests;
+}
+
+TArray<FhttpRequest> UploadTest::post(const std::string& url, const std::string& path, const UploadOptions& options)
+{
+	TArray<FhttpRequest> requests;
+	FString id;
+	EXPECT_EQ(UCorvaneBPLibrary::CreateHttpRequestFileUploadPOST({}, text(url), options.header, EHTTPCorvFileUpload::E_ad, text(path),
+				  text(options.fileID), options.fields, text(options.requestID), requests, id),
+		0);
+	return requests;
+}
+
+std::string UploadTest::tail(size_t size)
+{
+	return "\r\n------UE4CorvanePlugin_" + std::to_string(size) + "--\r\n";
+}
+
+std::vector<std::string> UploadTest::files() const
+{
+	std::vector<std::string> names;
+	for (const auto& entry : std::filesystem::recursive_directory_iterator(dir.path()))
+	{
+		names.push_back(std::filesystem::relative(entry.path(), dir.path()).string());
+	}
+	std::sort(names.begin(), names.end());
+	return names;
+}
+
+std::string UploadTest::copyPath() const
+{
+	for (const std::string& name : files())
+	{
+		if (name.find("_UEUploadCopy_") != name.npos)
+		{
+			return dir.path(name);
+		}
+	}
+	return "";
+}

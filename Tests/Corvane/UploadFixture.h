@@ -1,0 +1,80 @@
+#pragma once
+
+#include "LogCapture.h"
+#include "ModuleFixture.h"
+#include "RawServer.h"
+#include "TempDir.h"
+
+#include <gmock/gmock.h>
+
+/** One request as an UploadSink got it. */
+struct Received
+{
+	std::string head;
+	std::string body;
+
+	/** The value of a header; empty when absent. */
+	std::string header(const std::string& name) const;
+	/** What stands behind "----" in the boundary parameter. */
+	std::string token() const;
+};
+
+/** An origin that reads bodies of the announced length, keeps them and answers 200. */
+class UploadSink
+{
+public:
+	/** @param gate  held back until it opens, when given: the body is not read, the answer not sent. Outlives the sink. */
+	explicit UploadSink(Gate* gate = nullptr);
+
+	std::string url() const { return Server.url(); }
+	std::string authority() const { return Server.authority(); }
+	/** The requests read so far, in the order in which their bodies ended. */
+	std::vector<Received> received() const;
+	Received last() const { return received().back(); }
+	/** Requests whose head has arrived. */
+	size_t begun() const { return Server.requests().size(); }
+	int connectionCount() const { return Server.connectionCount(); }
+
+private:
+	void serve(Connection& connection, Gate* gate);
+
+	mutable std::mutex Mutex;
+	std::vector<Received> Requests;
+	RawServer Server; // last: its threads use all of the above
+};
+
+/** What the fixture's put() and post() are told, besides the file. */
+struct UploadOptions
+{
+	std::string fileID = "f";
+	TMap<FString, FString> header = {};
+	TMap<FString, FString> fields = {};
+	std::string requestID = "";
+};
+
+/** Uploads of files in a folder of the test's own; repairs do not wait. */
+class UploadTest : public ModuleFixture
+{
+protected:
+	explicit UploadTest(FGameLoopSettings settings = {});
+
+	using Type = EHTTPCorvFileUploadType;
+
+	static UCorvaneBPLibrary& library() { return *UCorvaneBPLibrary::getCorvaneTarget(); }
+	static TArray<FhttpRequest> put(const std::string& url, const std::string& path, Type type, const UploadOptions& options = {});
+	static TArray<FhttpRequest> post(const std::string& url, const std::string& path, const UploadOptions& options = {});
+
+	/** The tail that stands behind a file of this size during its upload. */
+	static std::string tail(size_t size);
+	/** @return the names of all files in the folder, in order. */
+	std::vector<std::string> files() const;
+	/** @return the path of the one copy in the folder; empty when there is none. */
+	std::string copyPath() const;
+	int logged(ELogVerbosity::Type verbosity, const std::string& part) const { return log.count("LogTemp", verbosity, part); }
+
+	static constexpr const char* stillOpen =
+		"UCorvaneBPLibrary: Can't read File. If you tried to upload the same file a few seconds ago, it may still be open. Please wait a few seconds until the file is closed. ";
+
+	TempDir dir;
+	LogCapture log;
+};
