@@ -7,11 +7,23 @@
 #include "Modules/ModuleManager.h"
 
 #include <algorithm>
+#include <thread>
 
 namespace
 {
-	// A condition may depend on more than tasks, so it is asked again after this time even when none came.
-	constexpr std::chrono::milliseconds longestWait(10);
+	using FClock = std::chrono::steady_clock;
+
+	// Results that arrive closely behind each other share a tick: waking up for each would cost more than handling it.
+	constexpr std::chrono::microseconds shortestTick(250);
+
+	/**
+	 * A condition may depend on more than tasks, so it is asked again even when none came; ever less often, because a
+	 * program that idles shall not be felt.
+	 */
+	FClock::duration untilAskedAgain(FClock::duration Quiet)
+	{
+		return std::clamp<FClock::duration>(Quiet / 8, std::chrono::milliseconds(10), std::chrono::milliseconds(125));
+	}
 
 	/** Collecting costs a walk over all objects, so it waits until a fair share of them is new. */
 	bool isCollectionDue()
@@ -42,7 +54,10 @@ FGameLoop::~FGameLoop()
 
 void FGameLoop::Tick()
 {
-	GameThreadTasks::RunQueued();
+	if (GameThreadTasks::RunQueued() > 0)
+	{
+		LastTasks = FClock::now();
+	}
 	if (bCollectAfterEveryTick || isCollectionDue())
 	{
 		HostObjects::CollectGarbage();
@@ -52,7 +67,8 @@ void FGameLoop::Tick()
 bool FGameLoop::WaitFor(const std::function<bool()>& Condition, double Seconds)
 {
 	using namespace std::chrono;
-	const auto Deadline = steady_clock::now() + duration_cast<steady_clock::duration>(duration<double>(Seconds));
+	LastTasks = FClock::now();
+	const auto Deadline = LastTasks + duration_cast<FClock::duration>(duration<double>(Seconds));
 	for (;;)
 	{
 		Tick();
@@ -60,17 +76,17 @@ bool FGameLoop::WaitFor(const std::function<bool()>& Condition, double Seconds)
 		{
 			return true;
 		}
-		const auto Left = Deadline - steady_clock::now();
-		if (Left <= steady_clock::duration::zero())
+		if (FClock::now() >= Deadline)
 		{
 			return false;
 		}
-		TasksQueuedWithin(std::min<steady_clock::duration>(Left, longestWait));
+		WaitForTasks(Deadline);
 	}
 }
 
 void FGameLoop::RunUntilIdle(const std::function<bool()>& HasPendingWork, const std::function<bool()>& Abort)
 {
+	LastTasks = FClock::now();
 	for (;;)
 	{
 		Tick();
@@ -81,9 +97,9 @@ void FGameLoop::RunUntilIdle(const std::function<bool()>& HasPendingWork, const 
 		// In this order: whoever ends its work has posted its last task before.
 		if (HasPendingWork())
 		{
-			TasksQueuedWithin(longestWait);
+			WaitForTasks(FClock::time_point::max());
 		}
-		else if (!TasksQueuedWithin({}))
+		else if (!GameThreadTasks::WaitUntil(FClock::now()))
 		{
 			return;
 		}
@@ -113,7 +129,9 @@ void FGameLoop::Shutdown()
 	HostThreads::JoinIdle();
 }
 
-bool FGameLoop::TasksQueuedWithin(std::chrono::steady_clock::duration Time) const
+void FGameLoop::WaitForTasks(FClock::time_point Deadline) const
 {
-	return GameThreadTasks::WaitUntil(std::chrono::steady_clock::now() + Time);
+	const FClock::time_point Now = FClock::now();
+	std::this_thread::sleep_until(std::min(Deadline, LastTasks + shortestTick));
+	GameThreadTasks::WaitUntil(std::min(Deadline, Now + untilAskedAgain(Now - LastTasks)));
 }

@@ -37,7 +37,7 @@ public:
 
 	/**
 	 * Ticks until a condition holds.
-	 * @param Condition  asked after every tick and at least every 10 ms.
+	 * @param Condition  asked after every tick, and when none comes every 10 ms to 125 ms.
 	 * @param Seconds  the time limit.
 	 * @return whether it held before the time was over.
 	 */
@@ -57,9 +57,10 @@ public:
 	void Shutdown();
 
 private:
-	bool TasksQueuedWithin(std::chrono::steady_clock::duration Time) const;
+	void WaitForTasks(std::chrono::steady_clock::time_point Deadline) const;
 
 	const bool bCollectAfterEveryTick;
 	std::vector<std::unique_ptr<IModuleInterface>> Modules;
+	std::chrono::steady_clock::time_point LastTasks; // or when the waiting began
 	bool bRunning = true;
 };

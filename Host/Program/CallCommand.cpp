@@ -2,7 +2,9 @@
 #include "Commands.h"
 #include "Completions.h"
 #include "CorvaneBPLibrary.h"
+#include "FunctionNames.h"
 #include "Kismet/BlueprintAsyncActionBase.h"
+#include "NearestName.h"
 #include "PinOutput.h"
 #include "ProgressBar.h"
 #include "ScriptError.h"
@@ -17,20 +19,6 @@ namespace Program
 {
 	namespace
 	{
-		const Script::Function& findFunction(const std::string& name)
-		{
-			const std::vector<const Script::Function*> found = Script::findFunctions(name);
-			if (found.empty())
-			{
-				throw UsageError(fmt::format("there is no function '{}'; 'corvane nodes' lists them all", name));
-			}
-			if (found.size() > 1)
-			{
-				throw UsageError(fmt::format("'{}' is ambiguous: write {} or {}", name, found[0]->name, found[1]->name));
-			}
-			return *found.front();
-		}
-
 		void setPin(const Script::Function& function, Script::CallFrame& frame, const std::string& assignment)
 		{
 			const size_t equals = assignment.find('=');
@@ -42,7 +30,7 @@ namespace Program
 			const std::optional<size_t> index = frame.findInput(pin);
 			if (!index)
 			{
-				throw UsageError(fmt::format("{}: unknown pin '{}'", function.name, pin));
+				throw UsageError(fmt::format("{}: unknown pin '{}'{}", function.name, pin, Script::suggestion(pin, inputNames(function))));
 			}
 			try
 			{
@@ -151,10 +139,10 @@ namespace Program
 		};
 	} // namespace
 
-	int callFunction(const FGameLoopSettings& settings, const CallOptions& options)
+	int callFunction(const Settings& settings, const CallOptions& options)
 	{
-		const Script::Function& function = findFunction(options.function);
-		FGameLoop loop(settings);
+		const Script::Function& function = functionNamed(options.function);
+		ProgramLoop loop(settings);
 		const std::optional<Json> pins = Call(loop, function, options).run();
 		if (!pins)
 		{

@@ -24,6 +24,19 @@ namespace Program
 		using std::runtime_error::runtime_error;
 	};
 
+	struct Settings
+	{
+		FGameLoopSettings loop;
+		std::string driveBase; // scheme and host for Drive requests; empty = the service's own
+	};
+
+	/** The loop of a verb, with what else the settings ask for. */
+	class ProgramLoop : public FGameLoop
+	{
+	public:
+		explicit ProgramLoop(const Settings& settings);
+	};
+
 	struct CallOptions
 	{
 		std::string function; // "Class.function" or the function's name
@@ -31,11 +44,27 @@ namespace Program
 		bool json = false;
 	};
 
-	int runScript(const FGameLoopSettings& settings, const std::string& path, const std::vector<std::string>& arguments);
+	int runScript(const Settings& settings, const std::string& path, const std::vector<std::string>& arguments);
 	/** Throws UsageError for an unknown function or pin, or a value that the pin cannot hold. */
-	int callFunction(const FGameLoopSettings& settings, const CallOptions& options);
-	int listNodes();
-	int runDemo();
+	int callFunction(const Settings& settings, const CallOptions& options);
+	struct NodesOptions
+	{
+		std::string function; // only this one; empty = all
+		bool json = false;
+		std::string htmlDirectory; // write pages there instead of the list; empty = none
+	};
+
+	/**
+	 * Lists script functions with their pins, or writes the pages of the reference.
+	 * @return exitFailed when a function lacks a text or an example; the pages are written all the same. Throws UsageError
+	 * for an unknown function.
+	 */
+	int listNodes(const NodesOptions& options);
+	/** Prints what bash needs to complete command lines. */
+	int printCompletion();
+	/** Prints what may stand at the end of a command line. @param line  from the command's name to the cursor. */
+	int printCandidates(const std::string& line);
+	int runDemo(const Settings& settings);
 
 	/**
 	 * Runs one script file until it and everything it started has ended, and closes it; its error goes to standard error.

@@ -1,51 +1,27 @@
 #include "Commands.h"
+#include "CorvaneBPLibrary.h"
 #include "DemoOrigin.h"
+#include "Reference/Examples.h"
 
 #include <fmt/core.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 
 namespace Program
 {
-	namespace
-	{
-		namespace fs = std::filesystem;
-
-		std::vector<fs::path> examples()
-		{
-			std::vector<fs::path> scripts;
-			for (const fs::directory_entry& entry : fs::directory_iterator(CORVANE_EXAMPLES_DIRECTORY))
-			{
-				if (entry.path().extension() == ".lua")
-				{
-					scripts.push_back(entry.path());
-				}
-			}
-			std::sort(scripts.begin(), scripts.end());
-			return scripts;
-		}
-
-		/** An example's first line is a comment that says what it shows. */
-		std::string titleOf(const fs::path& script)
-		{
-			std::string line;
-			std::ifstream stream(script);
-			std::getline(stream, line);
-			return line.substr(std::min(line.size(), line.find_first_not_of("- ")));
-		}
-	} // namespace
-
-	int runDemo()
+	int runDemo(const Settings& settings)
 	{
 		DemoOrigin origin;
-		FGameLoop loop;
+		Settings own = settings;
+		own.driveBase = settings.driveBase.empty() ? origin.url() : settings.driveBase;
+		ProgramLoop loop(own);
+		// The host's HTTP layer closes a file before it reports the end, so that nobody has to wait for the repair of one.
+		UCorvaneBPLibrary::getCorvaneTarget()->setUploadGracePeriod(0);
 		int worst = exitGood;
-		for (const fs::path& script : examples())
+		for (const Example& example : loadExamples())
 		{
-			fmt::print("== {}: {}\n", script.filename().string(), titleOf(script));
-			worst = std::max(worst, runToEnd(loop, script.string(), {origin.url()}));
+			fmt::print("== {}: {}\n", example.file, example.title);
+			worst = std::max(worst, runToEnd(loop, example.path, {origin.url()}));
 			fmt::print("\n");
 		}
 		loop.Shutdown(); // before the origin ends, which waits for open connections

@@ -3,6 +3,7 @@
 #include <fmt/core.h>
 #include <httplib.h>
 
+#include <algorithm>
 #include <optional>
 #include <stdexcept>
 #include <thread>
@@ -43,6 +44,71 @@ namespace Program
 			response.set_content(request.method + ' ' + request.body, plainText);
 		}
 
+		/** Takes a form apart, with the library's own parser, and tells what it held. */
+		void describeForm(const httplib::Request& request, httplib::Response& response)
+		{
+			std::string lines;
+			for (const auto& [name, part] : request.files)
+			{
+				lines += part.filename.empty() ? fmt::format("{} = {}\r\n", name, part.content)
+											   : fmt::format("{}: {}, {} bytes\r\n", name, part.filename, part.content.size());
+			}
+			response.set_content(lines, plainText);
+		}
+
+		void describeFile(const httplib::Request& request, httplib::Response& response)
+		{
+			response.set_content(fmt::format("{}: {}, {} bytes, {}\r\n", request.get_header_value("fileid"),
+									 request.get_header_value("filename"), request.body.size(), request.get_header_value("mimetype")),
+				plainText);
+		}
+
+		/** A file of 1 MiB that arrives slowly enough to be cancelled; parts of it may be asked for. */
+		void sendFile(const httplib::Request&, httplib::Response& response)
+		{
+			static constexpr size_t fileSize = 1 << 20;
+			static constexpr size_t pieceSize = 32 << 10;
+			response.set_content_provider(fileSize, "application/octet-stream",
+				[](size_t offset, size_t length, httplib::DataSink& sink)
+				{
+					std::this_thread::sleep_for(std::chrono::milliseconds(2));
+					const std::string piece(std::min(length, pieceSize), static_cast<char>('a' + offset / pieceSize % 26));
+					return sink.write(piece.data(), piece.size());
+				});
+		}
+
+		/** Plays the Drive service: a file, behind a page that asks whether it is wanted in spite of its size. */
+		void answerDrive(const httplib::Request& request, httplib::Response& response)
+		{
+			if (request.get_param_value("confirm") == "t0k3n")
+			{
+				response.set_content("the content of " + request.get_param_value("id"), "application/octet-stream");
+				return;
+			}
+			response.set_content(fmt::format(R"(<span class="uc-name-size"><a href="#">level.pak</a> (1,5M)</span>)"
+											 R"(<a href="/uc?id={}&amp;export=download;confirm=t0k3n&amp;x=1">Download anyway</a>)",
+									 request.get_param_value("id")),
+				"text/html");
+		}
+
+		void answerDriveView(const httplib::Request&, httplib::Response& response)
+		{
+			std::string fields = R"(["id","level.pak")";
+			for (int field = 2; field < 27; ++field)
+			{
+				fields += ",null";
+			}
+			response.set_content("<script>viewer({itemJson:" + fields + R"(,"1572864"]});</script>)", "text/html");
+		}
+
+		void answerFilePage(const httplib::Request& request, httplib::Response& response)
+		{
+			response.set_content(
+				fmt::format(R"(<html><a id="download-url" class="button" href="http://{}/hello"><img> Download</a></html>)",
+					request.get_header_value("Host")),
+				"text/html");
+		}
+
 		/** Sends one event after another. @param number  how many; none = until the client leaves. */
 		void stream(httplib::Response& response, std::optional<int> number)
 		{
@@ -72,6 +138,13 @@ namespace Program
 		http.Patch("/echo", echo);
 		http.Put("/size", [](const httplib::Request& request, httplib::Response& response)
 			{ response.set_content(std::to_string(request.body.size()), plainText); });
+		http.Post("/upload", describeForm);
+		http.Put("/upload", [](const httplib::Request& request, httplib::Response& response)
+			{ request.is_multipart_form_data() ? describeForm(request, response) : describeFile(request, response); });
+		http.Get("/file", sendFile);
+		http.Get("/uc", answerDrive);
+		http.Get("/file/d/level/view", answerDriveView);
+		http.Get("/page", answerFilePage);
 		http.Get("/events", [](const httplib::Request&, httplib::Response& response) { stream(response, 3); });
 		http.Get("/endless", [](const httplib::Request&, httplib::Response& response) { stream(response, std::nullopt); });
 

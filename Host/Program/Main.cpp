@@ -1,20 +1,25 @@
 #include "Commands.h"
+#include "NearestName.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <fmt/core.h>
 
 namespace
 {
 	struct CommandLine
 	{
-		FGameLoopSettings settings;
+		Program::Settings settings;
 		Program::CallOptions call;
+		Program::NodesOptions nodesOptions;
+		std::string completedLine;
 
 		CLI::App app{"HTTP requests, downloads and file functions for scripts"};
 		CLI::App* run = app.add_subcommand("run", "Runs a Lua script: corvane run [--project DIR] [--base DIR] SCRIPT [ARG...]");
 		CLI::App* callFunction = app.add_subcommand("call", "Calls one function or node and prints its pins");
-		CLI::App* nodes = app.add_subcommand("nodes", "Lists every script function with its pins");
+		CLI::App* nodes = app.add_subcommand("nodes", "Lists script functions with their pins, or writes pages about them");
 		CLI::App* demo = app.add_subcommand("demo", "Runs the examples against a server of its own");
+		CLI::App* completion = app.add_subcommand("completion", "Prints completion for bash: source <(corvane completion)");
 
 		CommandLine()
 		{
@@ -23,15 +28,27 @@ namespace
 			addDirectories(*run);
 			run->prefix_command(); // everything from SCRIPT on belongs to the script, options too
 			addDirectories(*callFunction);
+			addDriveBase(*nodes);
+			nodes->add_flag("--json", nodesOptions.json, "Print a JSON list");
+			nodes->add_option("--html", nodesOptions.htmlDirectory, "Write a page for each function into this folder");
+			nodes->add_option("FUNCTION", nodesOptions.function, "Only this one");
+			completion->add_option("--line", completedLine, "Print what may stand at the end of this command line instead");
+			addDriveBase(*demo);
 			callFunction->add_flag("--json", call.json, "Print one JSON object");
 			callFunction->add_option("FUNCTION", call.function, "Class.function, or the function's name alone")->required();
 			callFunction->add_option("PIN=VALUE", call.pins, "Enumerations by name, lists and maps as JSON");
 		}
 
+		void addDriveBase(CLI::App& verb)
+		{
+			verb.add_option("--drive-base", settings.driveBase, "Scheme and host that stand for those of Drive");
+		}
+
 		void addDirectories(CLI::App& verb)
 		{
-			verb.add_option("--project", settings.projectDirectory, "The project's directory")->check(CLI::ExistingDirectory);
-			verb.add_option("--base", settings.baseDirectory, "Where relative paths start")->check(CLI::ExistingDirectory);
+			addDriveBase(verb);
+			verb.add_option("--project", settings.loop.projectDirectory, "The project's directory")->check(CLI::ExistingDirectory);
+			verb.add_option("--base", settings.loop.baseDirectory, "Where relative paths start")->check(CLI::ExistingDirectory);
 		}
 	};
 
@@ -47,6 +64,21 @@ namespace
 		return Program::runScript(line.settings, script, arguments);
 	}
 
+	/** The parser only says that a verb is missing. */
+	void checkVerb(const CLI::App& app, const std::string& word)
+	{
+		std::vector<std::string> verbs;
+		for (const CLI::App* verb : app.get_subcommands(nullptr))
+		{
+			verbs.push_back(verb->get_name());
+		}
+		const bool isVerb = std::find(verbs.begin(), verbs.end(), word) != verbs.end();
+		if (!isVerb && !word.empty() && !word.starts_with('-'))
+		{
+			throw Program::UsageError(fmt::format("there is no verb '{}'{}", word, Script::suggestion(word, verbs)));
+		}
+	}
+
 	int carryOut(const CommandLine& line)
 	{
 		if (*line.run)
@@ -57,7 +89,11 @@ namespace
 		{
 			return Program::callFunction(line.settings, line.call);
 		}
-		return *line.nodes ? Program::listNodes() : Program::runDemo();
+		if (*line.completion)
+		{
+			return line.completedLine.empty() ? Program::printCompletion() : Program::printCandidates(line.completedLine);
+		}
+		return *line.nodes ? Program::listNodes(line.nodesOptions) : Program::runDemo(line.settings);
 	}
 } // namespace
 
@@ -66,6 +102,7 @@ int main(int argc, char** argv)
 	CommandLine line;
 	try
 	{
+		checkVerb(line.app, argc > 1 ? argv[1] : "");
 		line.app.parse(argc, argv);
 		return carryOut(line);
 	}

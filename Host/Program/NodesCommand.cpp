@@ -1,6 +1,7 @@
 #include "Commands.h"
-
-#include "Reflection.h"
+#include "FunctionNames.h"
+#include "NodesAsJson.h"
+#include "Reference/WriteReference.h"
 
 #include <fmt/core.h>
 
@@ -56,13 +57,53 @@ namespace Program
 			printEvents(nodeClass);
 			fmt::print("\n");
 		}
+
+		int writePages(const std::string& directory)
+		{
+			const Reference reference = collectReference();
+			writeReference(reference, directory);
+			const std::vector<std::string> gaps = reference.gaps();
+			for (const std::string& gap : gaps)
+			{
+				fmt::print(stderr, "corvane: {}\n", gap);
+			}
+			fmt::print("{} pages in {}\n", reference.nodes.size() + 1, directory);
+			return gaps.empty() ? exitGood : exitFailed;
+		}
+
+		void printJson(const Script::Function* chosen)
+		{
+			const Reference reference = collectReference();
+			Json list = Json::array();
+			for (const NodeFacts& facts : reference.nodes)
+			{
+				if (!chosen || facts.name == chosen->name)
+				{
+					list.push_back(toJson(reference, facts));
+				}
+			}
+			fmt::print("{}\n", list.dump(2));
+		}
 	} // namespace
 
-	int listNodes()
+	int listNodes(const NodesOptions& options)
 	{
+		const Script::Function* const chosen = options.function.empty() ? nullptr : &functionNamed(options.function);
+		if (!options.htmlDirectory.empty())
+		{
+			return writePages(options.htmlDirectory);
+		}
+		if (options.json)
+		{
+			printJson(chosen);
+			return exitGood;
+		}
 		for (const Script::Function& function : Script::functions())
 		{
-			printFunction(function);
+			if (!chosen || &function == chosen)
+			{
+				printFunction(function);
+			}
 		}
 		return exitGood;
 	}

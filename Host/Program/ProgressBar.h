@@ -2,11 +2,13 @@
 
 #include "EventTap.h"
 
+#include <chrono>
 #include <list>
+#include <string>
 
 namespace Program
 {
-	/** Draws the progress of transfers on standard error while it lives, if that is a terminal. Thread: game thread. */
+	/** Draws size, speed and time left of transfers on standard error while it lives, if that is a terminal. Thread: game thread. */
 	class ProgressBar
 	{
 	public:
@@ -16,9 +18,23 @@ namespace Program
 		ProgressBar& operator=(const ProgressBar&) = delete;
 
 	private:
-		void draw(const char* direction, double percent);
+		using Clock = std::chrono::steady_clock;
+
+		struct Progress
+		{
+			const char* direction;
+			double percent;
+			double size; // bytes
+			double done; // bytes
+		};
+
+		void draw(const Progress& progress);
+		/** @return the end of the line; empty while there is nothing to tell. */
+		std::string speedAndTimeLeft(const Progress& progress);
 
 		std::list<EventTap> taps;
 		bool isDrawn = false;
+		Clock::time_point firstTime; // where the speed is measured from
+		double firstDone = 0;
 	};
 } // namespace Program

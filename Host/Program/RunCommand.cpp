@@ -2,12 +2,12 @@
 
 #include <filesystem>
 
-int Program::runScript(const FGameLoopSettings& settings, const std::string& path, const std::vector<std::string>& arguments)
+int Program::runScript(const Settings& settings, const std::string& path, const std::vector<std::string>& arguments)
 {
 	if (!std::filesystem::exists(path) || std::filesystem::is_directory(path))
 	{
 		throw UsageError("there is no script " + path);
 	}
-	FGameLoop loop(settings);
+	ProgramLoop loop(settings);
 	return runToEnd(loop, path, arguments);
 }

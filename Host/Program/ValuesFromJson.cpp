@@ -2,6 +2,8 @@
 
 #include "Containers/StringConv.h"
 #include "Containers/UnrealString.h"
+#include "Misc/DateTime.h"
+#include "NearestName.h"
 #include "Reflection.h"
 #include "ScriptError.h"
 #include "Value.h"
@@ -39,6 +41,17 @@ namespace Program
 			*static_cast<T*>(value) = static_cast<T>(number);
 		}
 
+		[[noreturn]] void refuseEnum(const FPropertyType& type, const Json& json)
+		{
+			std::vector<std::string> names;
+			for (const FEnumerator& entry : type.Enum()->Enumerators)
+			{
+				names.emplace_back(entry.Name);
+			}
+			const std::string nearest = json.is_string() ? Script::suggestion(json.get_ref<const std::string&>(), names) : "";
+			throw ScriptError(fmt::format("expected {}, got {}{}", Script::typeName(type), json.dump(), nearest));
+		}
+
 		void readEnum(const Json& json, const FPropertyType& type, void* value)
 		{
 			const FEnumerator* entry = nullptr;
@@ -52,9 +65,18 @@ namespace Program
 			}
 			if (!entry)
 			{
-				refuse(type, json);
+				refuseEnum(type, json);
 			}
 			*static_cast<uint8*>(value) = static_cast<uint8>(entry->Value);
+		}
+
+		void readDateTime(const Json& json, const FPropertyType& type, void* value)
+		{
+			if (!json.is_string() ||
+				!FDateTime::ParseIso8601(*stringOf(json.get_ref<const std::string&>()), *static_cast<FDateTime*>(value)))
+			{
+				refuse(type, json);
+			}
 		}
 
 		void fromJson(const Json& json, const FPropertyType& type, void* value);
@@ -125,6 +147,9 @@ namespace Program
 				break;
 			case EPropertyKind::String:
 				json.is_string() ? void(*static_cast<FString*>(value) = stringOf(json.get<std::string>())) : refuse(type, json);
+				break;
+			case EPropertyKind::DateTime:
+				readDateTime(json, type, value);
 				break;
 			case EPropertyKind::Enum:
 				readEnum(json, type, value);

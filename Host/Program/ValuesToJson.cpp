@@ -2,6 +2,7 @@
 
 #include "Containers/StringConv.h"
 #include "Containers/UnrealString.h"
+#include "Misc/DateTime.h"
 #include "Reflection.h"
 
 #include <fmt/format.h>
@@ -76,6 +77,8 @@ namespace Program
 			return *static_cast<const float*>(value);
 		case EPropertyKind::String:
 			return textOf(*static_cast<const FString*>(value));
+		case EPropertyKind::DateTime:
+			return textOf(static_cast<const FDateTime*>(value)->ToIso8601());
 		case EPropertyKind::Enum:
 		{
 			const uint8 number = *static_cast<const uint8*>(value);

@@ -2,6 +2,7 @@
 
 #include "Containers/StringConv.h"
 #include "Containers/UnrealString.h"
+#include "Misc/DateTime.h"
 #include "Reflection.h"
 
 #include <fmt/format.h>
@@ -123,6 +124,22 @@ namespace Script
 			*static_cast<FString*>(value) = FString::ConstructFromPtrSize(units.Get(), units.Length());
 		}
 
+		void pushDateTime(lua_State* lua, const FPropertyType& type, const void* value)
+		{
+			const FString text = static_cast<const FDateTime*>(value)->ToIso8601();
+			pushString(lua, type, &text);
+		}
+
+		void readDateTime(lua_State* lua, int index, const FPropertyType& type, void* value)
+		{
+			FString text;
+			readString(lua, index, type, &text);
+			if (!FDateTime::ParseIso8601(*text, *static_cast<FDateTime*>(value)))
+			{
+				refuseValue(lua, index, type);
+			}
+		}
+
 		/** Takes the number or the name. Numbers without a name are refused: native code relies on knowing every case. */
 		void readEnum(lua_State* lua, int index, const FPropertyType& type, void* value)
 		{
@@ -151,6 +168,7 @@ namespace Script
 				{pushInteger<int64>, readInteger<int64>},
 				{pushFloat, readFloat},
 				{pushString, readString},
+				{pushDateTime, readDateTime},
 				{pushInteger<uint8>, readEnum},
 				recordConverter,
 				objectConverter,

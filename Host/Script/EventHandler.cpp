@@ -41,33 +41,10 @@ namespace Script
 		bindings.handlers.emplace(handle, this);
 	}
 
-	EventHandler::EventHandler(Context& scriptContext, UObject& eventOwner, const FMulticastDelegateProperty& boundEvent,
-		void (*internalAction)(Context&, UObject&))
-		: handle(++scriptContext.bindings.lastHandle)
-		, context(&scriptContext)
-		, owner(&eventOwner)
-		, event(boundEvent)
-		, action(internalAction)
-	{
-		scriptContext.bindings.handlers.emplace(handle, this);
-	}
-
 	EventHandler::~EventHandler()
 	{
 		context->bindings.handlers.erase(handle);
 		luaL_unref(context->main, LUA_REGISTRYINDEX, function);
-	}
-
-	void EventHandler::run(void* const* arguments)
-	{
-		if (!action)
-		{
-			callScript(arguments);
-		}
-		else if (UObject* const alive = owner.Get())
-		{
-			action(*context, *alive);
-		}
 	}
 
 	void EventHandler::unbind() const
@@ -78,7 +55,7 @@ namespace Script
 		}
 	}
 
-	void EventHandler::callScript(void* const* arguments) const
+	void EventHandler::run(void* const* arguments) const
 	{
 		lua_State* const lua = context->running;
 		if (!lua_checkstack(lua, LUA_MINSTACK))

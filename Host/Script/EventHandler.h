@@ -10,33 +10,27 @@ namespace Script
 	public:
 		/** Takes the Lua function on top of the stack, and pops it. */
 		EventHandler(lua_State* lua, EventBindings& bindings, UObject& eventOwner, const FMulticastDelegateProperty& boundEvent);
-		/** Runs an action of the front end instead of a Lua function. */
-		EventHandler(Context& scriptContext, UObject& eventOwner, const FMulticastDelegateProperty& boundEvent,
-			void (*internalAction)(Context&, UObject&));
 		~EventHandler();
 		EventHandler(const EventHandler&) = delete;
 		EventHandler& operator=(const EventHandler&) = delete;
 
 		/** Runs it; an error ends the script, never the caller. Arguments: one address per parameter of the event. */
-		void run(void* const* arguments);
+		void run(void* const* arguments) const;
 
 		/** Takes it out of the event's list of handlers, if the object still lives; that ends this handler. */
 		void unbind() const;
 		bool isScriptHandlerOf(const UObject& candidate, const FMulticastDelegateProperty& candidateEvent) const
 		{
-			return !action && &event == &candidateEvent && owner.Get() == &candidate;
+			return &event == &candidateEvent && owner.Get() == &candidate;
 		}
 
 		uint64 number = 0; // in the event's list
 		const lua_Integer handle;
 
 	private:
-		void callScript(void* const* arguments) const;
-
 		Context* const context;
 		const TWeakObjectPtr<UObject> owner;
 		const FMulticastDelegateProperty& event;
-		void (*const action)(Context&, UObject&) = nullptr;
-		const int function = LUA_NOREF;
+		const int function;
 	};
 } // namespace Script

@@ -56,22 +56,11 @@ namespace Script
 		}
 	} // namespace
 
-	void EventBindings::bind(const std::shared_ptr<EventHandler>& handler, UObject& owner, const FMulticastDelegateProperty& event)
-	{
-		handler->number = event.Get(&owner).AddHandler([handler](void* const* arguments) { handler->run(arguments); });
-	}
-
 	lua_Integer EventBindings::add(lua_State* lua, UObject& owner, const FMulticastDelegateProperty& event)
 	{
 		const auto handler = std::make_shared<EventHandler>(lua, *this, owner, event);
-		bind(handler, owner, event);
+		handler->number = event.Get(&owner).AddHandler([handler](void* const* arguments) { handler->run(arguments); });
 		return handler->handle;
-	}
-
-	void EventBindings::addInternal(
-		Context& context, UObject& owner, const FMulticastDelegateProperty& event, void (*action)(Context&, UObject&))
-	{
-		bind(std::make_shared<EventHandler>(context, owner, event, action), owner, event);
 	}
 
 	bool EventBindings::remove(const UObject& owner, const FMulticastDelegateProperty& event, lua_Integer handle)

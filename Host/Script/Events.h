@@ -24,8 +24,6 @@ namespace Script
 		 * @return a number for remove(), never 0 and never given twice.
 		 */
 		lua_Integer add(lua_State* lua, UObject& owner, const FMulticastDelegateProperty& event);
-		/** Binds a handler of the front end itself, which remove() and clear() do not see. */
-		void addInternal(Context& context, UObject& owner, const FMulticastDelegateProperty& event, void (*action)(Context&, UObject&));
 		/** @return false when this event has no such handler of the script any more. */
 		bool remove(const UObject& owner, const FMulticastDelegateProperty& event, lua_Integer handle);
 		/** Unbinds the script's handlers of one event; those of native code stay. */
@@ -35,8 +33,6 @@ namespace Script
 
 	private:
 		friend class EventHandler;
-
-		void bind(const std::shared_ptr<EventHandler>& handler, UObject& owner, const FMulticastDelegateProperty& event);
 
 		std::unordered_map<lua_Integer, EventHandler*> handlers; // they enter and leave by themselves
 		lua_Integer lastHandle = 0;

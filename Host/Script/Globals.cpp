@@ -1,8 +1,10 @@
 #include "Globals.h"
 
 #include "FunctionCall.h"
+#include "NearestName.h"
 #include "Reflection.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 
 namespace Script
@@ -17,6 +19,7 @@ namespace Script
 		{
 			size_t size = 0;
 			const char* const name = luaL_tolstring(lua, 2, &size);
+			std::vector<std::string> names;
 			lua_pushnil(lua);
 			while (lua_next(lua, 1))
 			{
@@ -26,10 +29,12 @@ namespace Script
 				{
 					return 1;
 				}
+				names.emplace_back(candidate, candidateSize);
 				lua_pop(lua, 1);
 			}
-			throw ScriptError(fmt::format("{} has no {} '{}'", lua_tostring(lua, lua_upvalueindex(1)),
-				lua_tostring(lua, lua_upvalueindex(2)), std::string_view(name, size)));
+			std::sort(names.begin(), names.end()); // the table has no order, the suggestion shall have one
+			throw ScriptError(fmt::format("{} has no {} '{}'{}", lua_tostring(lua, lua_upvalueindex(1)),
+				lua_tostring(lua, lua_upvalueindex(2)), std::string_view(name, size), suggestion({name, size}, names)));
 		}
 
 		/**

@@ -1,7 +1,7 @@
 #include "Nodes.h"
 
 #include "Context.h"
-#include "Kismet/BlueprintAsyncActionBase.h"
+#include "Host/AsyncActionHold.h"
 #include "Reflection.h"
 #include "UObject/UObjectGlobals.h"
 
@@ -11,21 +11,36 @@ namespace Script
 	{
 		void bindEvents(lua_State* lua, UObject& node, int handlers)
 		{
-			Context& context = Context::of(lua);
 			for (const FMulticastDelegateProperty* event : eventsOf(node.GetClass()))
 			{
 				if (lua_rawgetp(lua, handlers, event) == LUA_TFUNCTION)
 				{
-					context.bindings.add(lua, node, *event);
+					Context::of(lua).bindings.add(lua, node, *event);
 				}
 				else
 				{
 					lua_pop(lua, 1);
 				}
-				context.bindings.addInternal(context, node, *event, [](Context& in, UObject& ended) { in.nodes.release(ended); });
 			}
 		}
 	} // namespace
+
+	void NodeHolds::hold(UBlueprintAsyncActionBase& node)
+	{
+		if (FAsyncActionHold::Begin(node, [this, &node] { held.erase(&node); }))
+		{
+			held.try_emplace(&node, &node);
+		}
+	}
+
+	void NodeHolds::releaseAll()
+	{
+		for (const auto& [node, pointer] : held)
+		{
+			FAsyncActionHold::End(*node);
+		}
+		held.clear();
+	}
 
 	void startNode(lua_State* lua, UObject* node, int handlers)
 	{

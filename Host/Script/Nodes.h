@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Kismet/BlueprintAsyncActionBase.h"
 #include "Lua.h"
 #include "UObject/StrongObjectPtr.h"
 
@@ -11,17 +12,22 @@ namespace Script
 	class NodeHolds
 	{
 	public:
-		void hold(UObject& node) { held.try_emplace(&node, &node); }
-		void release(UObject& node) { held.erase(&node); }
-		void releaseAll() { held.clear(); }
+		NodeHolds() = default;
+		~NodeHolds() { releaseAll(); }
+		NodeHolds(const NodeHolds&) = delete;
+		NodeHolds& operator=(const NodeHolds&) = delete;
+
+		/** Keeps a node alive until it says that it is ready to be destroyed; does nothing when it has said so already. */
+		void hold(UBlueprintAsyncActionBase& node);
+		void releaseAll();
 
 	private:
-		std::unordered_map<UObject*, TStrongObjectPtr<UObject>> held;
+		std::unordered_map<UBlueprintAsyncActionBase*, TStrongObjectPtr<UBlueprintAsyncActionBase>> held;
 	};
 
 	/**
-	 * Binds a new node's events, then activates it. The node is held from here until it raises one of its events, since
-	 * nothing says that the script keeps it.
+	 * Binds a new node's events, then activates it. The node is held from here until it has ended, since nothing says that
+	 * the script keeps it.
 	 * @param node  null when the factory made none; then nothing happens.
 	 * @param handlers  index of a table from event (light user datum) to Lua function.
 	 */

@@ -131,6 +131,8 @@ namespace Script
 			return "float";
 		case EPropertyKind::String:
 			return "string";
+		case EPropertyKind::DateTime:
+			return "FDateTime (YYYY-MM-DDThh:mm:ss.mmmZ)";
 		case EPropertyKind::Enum:
 			return enumName(*type.Enum());
 		case EPropertyKind::Struct:

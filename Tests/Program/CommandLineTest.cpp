@@ -70,22 +70,45 @@ namespace
 			nothing},
 		{"Project", {"call", "--project", "/usr", "getCleanDirectory", "directoryType=E_gd", "filePath=/x"}, 0, {"ReturnValue: /usr/x\n"},
 			nothing},
-		{"UnknownFunction", {"call", "nope"}, 2, nothing, {"corvane: there is no function 'nope'"}},
-		{"UnknownPin", {"call", get, "uri=x"}, 2, nothing, {"CreateHttpRequestGET: unknown pin 'uri'"}},
+		{"Node", {"call", "AsyncExecuteHTTP_GET_REQUEST", "url={url}/hello", "optionalRequestID=id"}, 0,
+			{"statusCode: 200\n", "dataString: Hello!\n", "data: [\"Hello!\"]\n", "requestID: id\n"}, nothing},
+		{"NodeThatFails", {"call", "AsyncExecuteHTTP_GET_REQUEST", "url={url}/nothing"}, 1, {"statusCode: 404\n"}, nothing},
+		{"NodeRefusedInsideItsFactory", {"call", "AsyncExecuteHTTP_GET_REQUEST", "url=x", "optionalRequestID=id"}, 1,
+			{"statusCode: 400\n", "requestID: id\n"}, {"LogTemp: Error: "}},
+		{"NodeRefusedLater", {"call", "AsyncExecuteHTTP_Individual_REQUEST", "url={url}/echo", "optionalRequestID=id"}, 1,
+			{"statusCode: 400\n", "requestID: id\n"}, {"LogTemp: Error: "}},
+		{"NodeOfAFileOnDrive", {"call", "--drive-base", "{url}", "AsyncExecuteHTTP_GoogleFileInfo_REQUEST", "downloadID=level"}, 0,
+			{"fileName: level.pak\n", "fileSizeInBytes: 1572864\n", "statusCode: 200\n"}, nothing},
+		{"NodeWithoutAFileOnDrive", {"call", "AsyncExecuteHTTP_GoogleFileInfo_REQUEST"}, 1, {"fileSizeInBytes: 0\n", "statusCode: 400\n"},
+			{"LogTemp: Error: "}},
+		{"UnknownFunction", {"call", "nope"}, 2, nothing, {"corvane: there is no function 'nope'; 'corvane nodes' lists them all"}},
+		{"MisspeltFunction", {"call", "createHttpRequestGTE"}, 2, nothing,
+			{"there is no function 'createHttpRequestGTE', did you mean 'CreateHttpRequestGET'?"}},
+		{"MisspeltFunctionOfAClass", {"nodes", "filefunctionscorv.fileSise"}, 2, nothing, {"did you mean 'FileFunctionsCorv.fileSize'?"}},
+		{"UnknownPin", {"call", get, "uri=x"}, 2, nothing, {"CreateHttpRequestGET: unknown pin 'uri', did you mean 'url'?"}},
 		{"NoPin", {"call", get, "url"}, 2, nothing, {"'url' is no pin=value"}},
 		{"WrongValue", {"call", get, "bindServerSendEvent=5"}, 2, nothing, {"pin 'bindServerSendEvent': expected bool, got 5"}},
 		{"WrongEnum", {"call", "getCleanDirectory", "directoryType=E_xx"}, 2, nothing,
-			{"expected EFileFunctionsCorvDirectoryType (E_gd, E_ad)"}},
+			{"expected EFileFunctionsCorvDirectoryType (E_gd, E_ad), got \"E_xx\""}},
+		{"MisspeltEnum", {"call", "CreateHttpRequestGETDownload", "ActionIfFileExists=E_RESUMEE"}, 2, nothing,
+			{", did you mean 'E_RESUME'?"}},
 		{"RecordPin", {"call", get, "otherHttpRequests=[1]"}, 2, nothing, {"a httpRequest cannot be written on a command line"}},
 		{"NoVerb", {}, 2, nothing, {"A subcommand is required"}},
-		{"UnknownVerb", {"fetch"}, 2, nothing, {"A subcommand is required"}},
-		{"TooManyWords", {"nodes", "more"}, 2, nothing, {"more"}},
+		{"UnknownVerb", {"fetch"}, 2, nothing, {"corvane: there is no verb 'fetch'\n"}},
+		{"MisspeltVerb", {"cal"}, 2, nothing, {"there is no verb 'cal', did you mean 'call'?"}},
+		{"TooManyWords", {"nodes", "fileSize", "more"}, 2, nothing, {"more"}},
+		{"NoPlaceForPages", {"nodes", "--html", "/dev/null/pages"}, 1, nothing, {"corvane: "}},
 		{"MissingDirectory", {"call", "--project", "/no/such/folder", get}, 2, nothing, {"--project"}},
 		{"Help", {"--help"}, 0, {"run", "call", "nodes", "demo"}, nothing},
 		{"Nodes", {"nodes"}, 0,
 			{"CorvaneBPLibrary.CreateHttpRequestGET  [Corvane|GET]\n    Send a GET HTTP Request to Webserver.\n",
 				"  in     header: map of string to string\n", "  out    requestID: string\n",
-				"  in     directoryType: EFileFunctionsCorvDirectoryType (E_gd, E_ad)\n"},
+				"  in     directoryType: EFileFunctionsCorvDirectoryType (E_gd, E_ad)\n",
+				"AsyncNodeHttpDownloadUpload.AsyncExecuteHTTP_Download_REQUEST  [Corvane|Download]\n"},
+			nothing},
+		{"OneNode", {"nodes", "filesize"}, 0,
+			{"FileFunctionsCorv.fileSize  [Corvane|File]\n    Return the size of the file in bytes, or -1 if the file does not exist.\n"
+			 "  in     directoryType: EFileFunctionsCorvDirectoryType (E_gd, E_ad)\n  in     filePath: string\n  out    ReturnValue: int64\n\n"},
 			nothing},
 	};
 } // namespace
@@ -111,10 +134,32 @@ TEST(CommandLineJson, IsOneObjectWithEveryPin)
 	EXPECT_TRUE(pins.at("header").is_array());
 }
 
+TEST(NodesJson, TellsWhatAMachineNeedsToCallAFunction)
+{
+	const auto list = nlohmann::json::parse(runProgram({"nodes", "--json", "CreateHttpRequestGETLowRamDownload"}).out);
+	ASSERT_EQ(list.size(), 1u);
+	const nlohmann::json& node = list[0];
+	EXPECT_EQ(node.at("name"), "CorvaneBPLibrary.CreateHttpRequestGETLowRamDownload");
+	EXPECT_EQ(node.at("kind"), "callable");
+	EXPECT_THAT(node.at("examples"), ::testing::Contains("11-large-file-in-steps.lua"));
+
+	nlohmann::json pins;
+	for (const nlohmann::json& pin : node.at("pins"))
+	{
+		pins[pin.at("name")] = pin;
+	}
+	EXPECT_EQ(pins["FileSizeStepsInBytes"].at("default"), "10485760");
+	EXPECT_EQ(pins["ActionIfFileExists"].at("values"), nlohmann::json({{"E_OVERWRITE", 0}, {"E_NOT_OVERWRITE", 1}, {"E_RESUME", 2}}));
+	EXPECT_EQ(pins["header"].at("mayStayUnconnected"), true);
+	EXPECT_EQ(pins["url"].at("mayStayUnconnected"), false);
+	EXPECT_EQ(pins["ReturnValue"].at("direction"), "out");
+	EXPECT_GT(nlohmann::json::parse(runProgram({"nodes", "--json"}).out).size(), 50u);
+}
+
 TEST(Demo, RunsEveryExample)
 {
 	const ProcessRun run = runProgram({"demo"});
 	EXPECT_EQ(run.status, 0) << run.err;
-	EXPECT_THAT(run.out, HasSubstr("== 1-get.lua: A GET request"));
+	EXPECT_THAT(run.out, HasSubstr("== 01-get.lua: A GET request"));
 	EXPECT_THAT(run.out, ::testing::EndsWith("All examples ran.\n"));
 }

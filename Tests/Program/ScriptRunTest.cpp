@@ -81,3 +81,68 @@ TEST_F(ScriptRun, WrongUsageHasStatusTwo)
 		EXPECT_EQ(runProgram(commandLine).status, 2) << ::testing::PrintToString(commandLine);
 	}
 }
+
+TEST_F(ScriptRun, FileFunctionsKeepWhatTheirOutputsHeld)
+{
+	directory.write("movie.bin", "abcdef");
+	const std::string script = directory.write("script.lua", R"lua(
+		local files = FileFunctionsCorv
+		local first = files.splitFile{ filePath = "movie.bin", parts = 2 }
+		local both = files.splitFile{ filePath = "movie.bin", parts = 3,
+			absolutePathsOfTheParts = first.absolutePathsOfTheParts, sizeOfTheParts = first.sizeOfTheParts }
+		for _, path in ipairs(both.absolutePathsOfTheParts) do print(path:match("[^/]*$")) end
+		print(table.concat(both.sizeOfTheParts, " "), both.success)
+		print(files.fileToBase64String{ filePath = "missing", fileName = "mine" }.fileName)
+		files.setTimeStamp{ filePath = "movie.bin", DateTime = "2024-02-29T12:34:56.789Z" }
+		print(files.getTimeStamp{ filePath = "movie.bin" }.ReturnValue)
+		print(files.getTimeStamp{ filePath = "missing" }.ReturnValue)
+	)lua");
+	const ProcessRun result = runProgram({"run", "--project", directory.path(), script});
+	EXPECT_EQ(result.status, 0) << result.err;
+	EXPECT_EQ(result.out, "movie_0.bin\nmovie_1.bin\nmovie_0.bin\nmovie_1.bin\nmovie_2.bin\n3 2 2\ttrue\nmine\n"
+						  "2024-02-29T12:34:56.789Z\n0001-01-01T00:00:00.000Z\n");
+}
+
+TEST_F(ScriptRun, NodesEndWithTheProgramAtTheLatest)
+{
+	const ProcessRun result = run(R"lua(
+		local ended = 0
+		local pins = { url = arg[1] .. "/wait/30", optionalRequestID = "same" }
+		pins.OnSuccess = function(e)
+			ended = ended + 1
+			print(ended, e.requestID, e.dataString)
+			if ended < 3 then AsyncNodeHttpRequest.AsyncExecuteHTTP_GET_REQUEST(pins) end
+		end
+		pins.OnFail = function(e) error("failed with " .. e.statusCode) end
+		AsyncNodeHttpRequest.AsyncExecuteHTTP_GET_REQUEST(pins)
+		collectgarbage()
+		assert(wait(function() return ended == 2 end, 10))
+		print("last line") -- the third one is under way
+	)lua");
+	EXPECT_EQ(result.status, 0) << result.err;
+	EXPECT_EQ(result.out, "1\tsame\twaited 30 ms\n2\tsame\twaited 30 ms\nlast line\n3\tsame\twaited 30 ms\n");
+	EXPECT_EQ(result.err, "");
+}
+
+TEST_F(ScriptRun, AnEarlyEndLeavesNodesUnderWay)
+{
+	const ProcessRun result = run(R"lua(
+		local outcomes, ended = 0, {}
+		for number = 1, 6 do -- the origin has few threads
+			AsyncNodeHttpRequest.AsyncExecuteHTTP_GET_REQUEST{
+				url = arg[1] .. (number > 4 and "/wait/300" or "/hello"),
+				optionalRequestID = tostring(number),
+				OnSuccess = function(e)
+					assert(not ended[e.requestID], "twice")
+					ended[e.requestID] = true
+					outcomes = outcomes + 1
+				end,
+				OnFail = function(e) error("failed with " .. e.statusCode) end,
+			}
+		end
+		assert(wait(function() return outcomes >= 4 end, 10))
+		os.exit(5)
+	)lua");
+	EXPECT_EQ(result.status, 5) << result.err;
+	EXPECT_EQ(result.err, "");
+}

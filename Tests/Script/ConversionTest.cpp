@@ -39,6 +39,13 @@ INSTANTIATE_TEST_SUITE_P(Kinds, Conversion,
 		Case{"InfiniteFloat", "same(plain{ inRatio = 1/0 }.ratio, 1/0)"},
 		Case{"Text", R"(for _, s in ipairs{ "", "h\u{e9}\u{20ac}\u{1F600}", "zero\0inside" } do same(plain{ inText = s }.text, s) end)"},
 		Case{"BadBytesInText", R"(same(plain{ inText = "a\xFFb\xC3" }.text, "a\u{FFFD}b\u{FFFD}"))"},
+		Case{"DateTime", R"(local time = SampleLibrary.echoTime
+			for _, t in ipairs{ "0001-01-01T00:00:00.000Z", "2024-02-29T12:34:56.789Z", "9999-12-31T23:59:59.999Z" } do
+				same(time{ moment = t }.ReturnValue, t)
+			end
+			same(time().ReturnValue, "0001-01-01T00:00:00.000Z")
+			same(time{ moment = "2024-01-01T00:00:00.000Z", list = { "1970-01-01T00:00:00.001Z" } }.list,
+				{ "2024-01-01T00:00:00.000Z", "1970-01-01T00:00:00.001Z" }))"},
 		Case{"Enum", R"(same(plain{ inColour = ESampleColour.Green }.colour, 5) same(plain{ inColour = "blue" }.colour, 6))"},
 		Case{"Object", R"(local t = SampleLibrary.getTarget().ReturnValue
 			same(plain{ inObject = t }.object, t) same(plain{}.object, nil))"},

@@ -17,9 +17,9 @@ namespace
 		{"SampleLibrary.raise{ 'x' }", "SampleLibrary.raise: pins are given by name: { name = value }"},
 		{"SampleLibrary.raise('x')", "SampleLibrary.raise: takes one table of pins: { name = value }"},
 		{"SampleLibrary.raise({}, {})", "SampleLibrary.raise: takes one table of pins: { name = value }"},
-		{"SampleLibrary.rise{}", "SampleLibrary has no function 'rise'"},
+		{"SampleLibrary.rise{}", "SampleLibrary has no function 'rise', did you mean 'raise'?"},
 		{"SampleLibrary.notForScripts()", "SampleLibrary has no function 'notForScripts'"},
-		{"local x = ESampleColour.Grene", "ESampleColour has no value 'Grene'"},
+		{"local x = ESampleColour.Grene", "ESampleColour has no value 'Grene', did you mean 'Green'?"},
 
 		{"SampleLibrary.echoPlain{ inFlag = 1 }", "SampleLibrary.echoPlain: pin 'inFlag': expected bool, got 1"},
 		{"SampleLibrary.echoPlain{ inSmall = 256 }", "SampleLibrary.echoPlain: pin 'inSmall': expected uint8 (0 to 255), got 256"},
@@ -39,6 +39,13 @@ namespace
 			"SampleLibrary.echoPlain: pin 'inColour': expected ESampleColour (Red, Green, Blue), got string 'pink'"},
 		{"SampleLibrary.echoPlain{ inObject = SampleNode.startNode() }",
 			"SampleLibrary.echoPlain: pin 'inObject': expected SampleLibrary object, got userdata"},
+
+		{"SampleLibrary.echoTime{ moment = 0 }",
+			"SampleLibrary.echoTime: pin 'moment': expected FDateTime (YYYY-MM-DDThh:mm:ss.mmmZ), got 0"},
+		{"SampleLibrary.echoTime{ moment = '2024-02-30T00:00:00.000Z' }",
+			"SampleLibrary.echoTime: pin 'moment': expected FDateTime (YYYY-MM-DDThh:mm:ss.mmmZ), got string '2024-02-30T00:00:00.000Z'"},
+		{"SampleLibrary.echoTime{ list = { '2024-02-29' } }",
+			"SampleLibrary.echoTime: pin 'list': element 1: expected FDateTime (YYYY-MM-DDThh:mm:ss.mmmZ), got string '2024-02-29'"},
 
 		{"SampleLibrary.echoContainers{ inTexts = 'a' }",
 			"SampleLibrary.echoContainers: pin 'inTexts': expected list of string, got string 'a'"},

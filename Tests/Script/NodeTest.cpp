@@ -36,12 +36,29 @@ TEST_F(Node, ReturnsTheNodeForFurtherHandlers)
 	)lua");
 }
 
-TEST_F(Node, IsHeldUntilItsOutcomeOnly)
+TEST_F(Node, IsHeldUntilItEndsOrDestroysItself)
 {
 	runGood("SampleNode.startNode{} SampleNode.startNode{ statusCode = 500 } collectgarbage()");
 	HostObjects::CollectGarbage();
 	EXPECT_EQ(USampleNode::alive, 2); // the script keeps no reference, and gave no handlers
 	GameThreadTasks::RunQueued();
+	HostObjects::CollectGarbage();
+	EXPECT_EQ(USampleNode::alive, 0);
+}
+
+TEST_F(Node, AnOutcomeAloneDoesNotEndIt)
+{
+	runGood("outcomes = 0 SampleNode.startLastingNode{ OnSuccess = function() outcomes = outcomes + 1 end } collectgarbage()");
+	HostObjects::CollectGarbage();
+	EXPECT_EQ(USampleNode::alive, 1);
+	runGood("assert(outcomes == 1) SampleNode.endLasting()");
+	HostObjects::CollectGarbage();
+	EXPECT_EQ(USampleNode::alive, 0);
+}
+
+TEST_F(Node, OneThatEndedInsideItsFactoryIsNotHeld)
+{
+	runGood("SampleNode.startEndedNode{ OnFail = function() end } collectgarbage()");
 	HostObjects::CollectGarbage();
 	EXPECT_EQ(USampleNode::alive, 0);
 }

@@ -37,6 +37,14 @@ void USampleLibrary::echoContainers(const TArray<FString>& inTexts, TArray<int32
 	counts = inCounts;
 }
 
+FDateTime USampleLibrary::echoTime(FDateTime moment, TArray<FDateTime>& list)
+{
+	TArray<FDateTime> grown{moment};
+	grown.Append(list);
+	list = grown;
+	return moment;
+}
+
 FString USampleLibrary::describeDefaults(bool flag, uint8 small, int32 number, int64 big, float ratio, FString text, ESampleColour colour)
 {
 	return FString::Printf(TEXT("%d|%d|%d|%lld|%.1f|%s|%d"), static_cast<int32>(flag), static_cast<int32>(small), number, big, ratio, *text,
@@ -124,6 +132,35 @@ USampleNode* USampleNode::startNode(int32 statusCode, FString requestID, bool im
 	return node;
 }
 
+namespace
+{
+	TWeakObjectPtr<USampleNode>& lastingNode()
+	{
+		static TWeakObjectPtr<USampleNode> node;
+		return node;
+	}
+} // namespace
+
+USampleNode* USampleNode::startLastingNode()
+{
+	USampleNode* const node = startNode(200, "", true);
+	node->isLasting = true;
+	lastingNode() = node;
+	return node;
+}
+
+void USampleNode::endLasting()
+{
+	lastingNode().Get()->SetReadyToDestroy();
+}
+
+USampleNode* USampleNode::startEndedNode()
+{
+	USampleNode* const node = startNode(400, "", true);
+	node->finish();
+	return node;
+}
+
 void USampleNode::Activate()
 {
 	if (isImmediate)
@@ -144,4 +181,12 @@ void USampleNode::Activate()
 void USampleNode::finish()
 {
 	(status < 400 ? OnSuccess : OnFail).Broadcast(status, id);
+	if (status >= 500)
+	{
+		ConditionalBeginDestroy();
+	}
+	else if (!isLasting)
+	{
+		SetReadyToDestroy();
+	}
 }

@@ -3,6 +3,7 @@
 #include "CoreMinimal.h"
 #include "Kismet/BlueprintAsyncActionBase.h"
 #include "Kismet/BlueprintFunctionLibrary.h"
+#include "Misc/DateTime.h"
 
 #include "ReflectedSample.generated.h"
 
@@ -55,6 +56,10 @@ public:
 		const TMap<FString, FString>& inMap, TMap<FString, int32> inCounts, TArray<FString>& texts, TArray<int32>& numbers,
 		TArray<uint8>& bytes, TMap<FString, FString>& map, TMap<FString, int32>& counts);
 
+	/** @param list  gets the moment in front of what it had. */
+	UFUNCTION(BlueprintCallable, Category = "Sample")
+	static FDateTime echoTime(FDateTime moment, TArray<FDateTime>& list);
+
 	/** @return the pins as one text, in their order, with "|" between. */
 	UFUNCTION(BlueprintPure, Category = "Sample")
 	static FString describeDefaults(bool flag = true, uint8 small = 7, int32 number = 10485760, int64 big = -5, float ratio = 2.5,
@@ -94,7 +99,7 @@ public:
 	void countCall(const FString text, const TArray<FString>& list, int32 number, const TArray<uint8>& bytes, int64 big, float ratio);
 };
 
-/** A node that ends one task after it was activated. */
+/** A node that has its outcome one task after it was activated; with a status of 500 and above it destroys itself then. */
 UCLASS()
 class USampleNode : public UBlueprintAsyncActionBase
 {
@@ -114,6 +119,17 @@ public:
 	UFUNCTION(BlueprintCallable, Category = "Sample", meta = (BlueprintInternalUseOnly = "true"))
 	static USampleNode* startNode(int32 statusCode, FString requestID, bool immediately);
 
+	/** Makes a node whose outcome does not end it; endLasting does. */
+	UFUNCTION(BlueprintCallable, Category = "Sample", meta = (BlueprintInternalUseOnly = "true"))
+	static USampleNode* startLastingNode();
+
+	UFUNCTION(BlueprintCallable, Category = "Sample")
+	static void endLasting();
+
+	/** Makes a node that has ended inside this call. */
+	UFUNCTION(BlueprintCallable, Category = "Sample", meta = (BlueprintInternalUseOnly = "true"))
+	static USampleNode* startEndedNode();
+
 	virtual void Activate() override;
 
 	static int32 alive; // nodes that are not freed, the default object not counted
@@ -124,4 +140,5 @@ private:
 	int32 status = 0;
 	FString id;
 	bool isImmediate = false;
+	bool isLasting = false;
 };

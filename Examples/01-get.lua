@@ -1,5 +1,5 @@
 -- A GET request with a header of its own, and the answer as an event
--- Run it with: ./corvane run Examples/1-get.lua URL
+-- Run it with: ./corvane run Examples/01-get.lua URL
 
 local url = (arg[1] or error("give a URL")) .. "/headers"
 

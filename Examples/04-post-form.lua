@@ -1,5 +1,5 @@
 -- A POST with form fields, and a header that goes into every request
--- Run it with: ./corvane run Examples/4-post-form.lua URL
+-- Run it with: ./corvane run Examples/04-post-form.lua URL
 
 local url = (arg[1] or error("give a URL")) .. "/echo"
 

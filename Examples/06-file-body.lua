@@ -1,5 +1,5 @@
 -- A file as the body: it is streamed from disk, and the upload reports its progress
--- Run it with: ./corvane run Examples/6-file-body.lua URL
+-- Run it with: ./corvane run Examples/06-file-body.lua URL
 
 local path = os.tmpname()
 local file = assert(io.open(path, "wb"))

@@ -1,5 +1,5 @@
 -- Cancel: a request without end is stopped after its first bytes
--- Run it with: ./corvane run Examples/8-cancel.lua URL
+-- Run it with: ./corvane run Examples/08-cancel.lua URL
 
 local call = CorvaneBPLibrary.CreateHttpRequestGET{
 	url = (arg[1] or error("give a URL")) .. "/endless",

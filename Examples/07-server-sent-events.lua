@@ -1,5 +1,5 @@
 -- Server-sent events: the answer is delivered in pieces while it grows
--- Run it with: ./corvane run Examples/7-server-sent-events.lua URL
+-- Run it with: ./corvane run Examples/07-server-sent-events.lua URL
 
 local call = CorvaneBPLibrary.CreateHttpRequestGET{
 	url = (arg[1] or error("give a URL")) .. "/events",

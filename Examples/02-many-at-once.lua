@@ -1,5 +1,5 @@
 -- Several requests at once: they run side by side, and their IDs tell the answers apart
--- Run it with: ./corvane run Examples/2-many-at-once.lua URL
+-- Run it with: ./corvane run Examples/02-many-at-once.lua URL
 
 local base = arg[1] or error("give a URL")
 

@@ -1,5 +1,5 @@
 -- What a script sees when a request fails: always a completion, with a status that says why
--- Run it with: ./corvane run Examples/3-when-it-fails.lua URL
+-- Run it with: ./corvane run Examples/03-when-it-fails.lua URL
 
 local base = arg[1] or error("give a URL")
 local target = CorvaneBPLibrary.getCorvaneTarget().ReturnValue

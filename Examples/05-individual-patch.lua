@@ -1,5 +1,5 @@
 -- A request of which the script sets everything: here a PATCH with a JSON body
--- Run it with: ./corvane run Examples/5-individual-patch.lua URL
+-- Run it with: ./corvane run Examples/05-individual-patch.lua URL
 
 local call = CorvaneBPLibrary.CreateHttpRequestIndividual{
 	url = (arg[1] or error("give a URL")) .. "/echo",

@@ -1,0 +1,184 @@
+#include "CommandLineCompletion.h"
+
+#include "FunctionNames.h"
+
+#include <algorithm>
+
+namespace Program
+{
+	namespace
+	{
+		using Words = std::vector<std::string>;
+
+		bool beginsWith(std::string_view text, std::string_view beginning)
+		{
+			return Script::equalNames(text.substr(0, beginning.size()), beginning);
+		}
+
+		Words only(const Words& candidates, std::string_view beginning)
+		{
+			Words fitting;
+			for (const std::string& candidate : candidates)
+			{
+				if (beginsWith(candidate, beginning))
+				{
+					fitting.push_back(candidate);
+				}
+			}
+			return fitting;
+		}
+
+		/** Quotes are looked through only as far as it takes to know words apart. */
+		Words split(const std::string& line)
+		{
+			Words words(1);
+			char quote = 0;
+			for (const char c : line)
+			{
+				if (quote == 0 && c == ' ')
+				{
+					words.emplace_back();
+				}
+				else if ((c == '"' || c == '\'') && (quote == 0 || quote == c))
+				{
+					quote = quote == 0 ? c : '\0';
+				}
+				else
+				{
+					words.back() += c;
+				}
+			}
+			std::erase_if(words, [&](const std::string& word) { return word.empty() && &word != &words.back(); });
+			return words;
+		}
+
+		/** Names without a class, then classes; with a class, what belongs to it. */
+		Words functionNames(const std::string& beginning)
+		{
+			const bool hasClass = beginning.find('.') != std::string::npos;
+			Words names;
+			for (const Script::Function& function : Script::functions())
+			{
+				names.push_back(hasClass ? function.name : function.function->Name);
+			}
+			for (const Script::Function& function : Script::functions())
+			{
+				const std::string owner = std::string(function.owner->GetName()) + ".";
+				if (!hasClass && std::find(names.begin(), names.end(), owner) == names.end())
+				{
+					names.push_back(owner);
+				}
+			}
+			return only(names, beginning);
+		}
+
+		Words valuesOf(const FPropertyType& type)
+		{
+			Words values;
+			if (type.Kind == EPropertyKind::Bool)
+			{
+				values = {"true", "false"};
+			}
+			for (const FEnumerator& value : type.Kind == EPropertyKind::Enum ? type.Enum()->Enumerators : std::span<const FEnumerator>())
+			{
+				values.emplace_back(value.Name);
+			}
+			return values;
+		}
+
+		Words pinValues(const Script::Function& function, const std::string& pin, const std::string& beginning)
+		{
+			for (const FParameter& parameter : function.function->Parameters)
+			{
+				if (Script::isInput(parameter.Kind) && Script::equalNames(parameter.Name, pin))
+				{
+					Words values = only(valuesOf(parameter.Type()), beginning);
+					std::transform(
+						values.begin(), values.end(), values.begin(), [&](const std::string& value) { return pin + "=" + value; });
+					return values;
+				}
+			}
+			return {};
+		}
+
+		Words pinsLeft(const Script::Function& function, const Words& arguments)
+		{
+			Words pins;
+			for (const std::string& name : inputNames(function))
+			{
+				const auto isSet = [&](const std::string& argument) { return beginsWith(argument, name + "="); };
+				if (std::none_of(arguments.begin(), arguments.end(), isSet))
+				{
+					pins.push_back(name + "=");
+				}
+			}
+			return pins;
+		}
+
+		/** @param arguments  behind the verb; the last one is being typed. @return null while the function is not named. */
+		const Script::Function* namedFunction(const Words& arguments)
+		{
+			for (auto argument = arguments.begin(); argument != arguments.end() - 1; ++argument)
+			{
+				const std::vector<const Script::Function*> found = Script::findFunctions(*argument);
+				if (found.size() == 1)
+				{
+					return found.front();
+				}
+			}
+			return nullptr;
+		}
+
+		Words callCandidates(const Words& arguments)
+		{
+			const std::string& word = arguments.back();
+			const Script::Function* const function = namedFunction(arguments);
+			const size_t equals = word.find('=');
+			if (!function)
+			{
+				return functionNames(word);
+			}
+			return equals == std::string::npos ? only(pinsLeft(*function, arguments), word)
+											   : pinValues(*function, word.substr(0, equals), word.substr(equals + 1));
+		}
+
+		Words options(const std::string& verb)
+		{
+			if (verb == "nodes")
+			{
+				return {"--json", "--html", "--drive-base", "--help"};
+			}
+			if (verb == "call")
+			{
+				return {"--json", "--project", "--base", "--drive-base", "--help"};
+			}
+			return verb == "run" ? Words{"--project", "--base", "--drive-base", "--help"} : Words{"--drive-base", "--help"};
+		}
+
+		bool takesValue(const std::string& option)
+		{
+			return option == "--project" || option == "--base" || option == "--drive-base" || option == "--html";
+		}
+	} // namespace
+
+	std::vector<std::string> completions(const std::string& line)
+	{
+		const Words words = split(line);
+		const std::string& word = words.back();
+		if (words.size() <= 2)
+		{
+			return only({"run", "call", "nodes", "demo", "completion", "--help"}, word);
+		}
+		const std::string& verb = words[1];
+		const Words arguments(words.begin() + 2, words.end());
+		if (takesValue(words[words.size() - 2]))
+		{
+			return {};
+		}
+		if (word.starts_with('-'))
+		{
+			return only(options(verb), word);
+		}
+		return verb == "call" ? callCandidates(arguments) : verb == "nodes" && arguments.size() == 1 ? functionNames(word) : Words();
+	}
+} // namespace Program

@@ -1,0 +1,58 @@
+#include "Examples.h"
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace Program
+{
+	namespace
+	{
+		namespace fs = std::filesystem;
+
+		bool isWordCharacter(char c)
+		{
+			return std::isalnum(static_cast<unsigned char>(c)) || c == '_';
+		}
+
+		Example load(const fs::path& path)
+		{
+			std::ostringstream text;
+			text << std::ifstream(path, std::ios::binary).rdbuf();
+			const std::string line = text.str().substr(0, text.str().find('\n'));
+			return {path.string(), path.filename().string(), line.substr(std::min(line.size(), line.find_first_not_of("- "))), text.str()};
+		}
+	} // namespace
+
+	bool Example::uses(std::string_view member) const
+	{
+		const std::string wanted = "." + std::string(member);
+		for (size_t place = text.find(wanted); place != std::string::npos; place = text.find(wanted, place + 1))
+		{
+			const size_t end = place + wanted.size();
+			const size_t line = text.rfind('\n', place) + 1; // npos + 1 = 0: the first line
+			const bool isInComment = text.substr(line, place - line).find("--") != std::string::npos;
+			if (!isInComment && (end == text.size() || !isWordCharacter(text[end])))
+			{
+				return true;
+			}
+		}
+		return false;
+	}
+
+	std::vector<Example> loadExamples()
+	{
+		std::vector<Example> examples;
+		for (const fs::directory_entry& entry : fs::directory_iterator(CORVANE_EXAMPLES_DIRECTORY))
+		{
+			if (entry.path().extension() == ".lua")
+			{
+				examples.push_back(load(entry.path()));
+			}
+		}
+		std::sort(examples.begin(), examples.end(), [](const Example& a, const Example& b) { return a.file < b.file; });
+		return examples;
+	}
+} // namespace Program

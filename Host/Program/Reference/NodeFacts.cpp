@@ -1,0 +1,225 @@
+#include "NodeFacts.h"
+
+#include "DisplayName.h"
+#include "DocText.h"
+
+#include <algorithm>
+#include <set>
+
+namespace Program
+{
+	namespace
+	{
+		bool isWordCharacter(char c)
+		{
+			return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+		}
+
+		bool hasWord(std::string_view text, std::string_view word)
+		{
+			for (size_t place = text.find(word); place != std::string_view::npos; place = text.find(word, place + 1))
+			{
+				const size_t end = place + word.size();
+				if ((place == 0 || !isWordCharacter(text[place - 1])) && (end == text.size() || !isWordCharacter(text[end])))
+				{
+					return true;
+				}
+			}
+			return false;
+		}
+
+		/** What the header says about a function or an event. */
+		struct Documented
+		{
+			std::string name;
+			DocText tooltip;
+			DocText comment;
+			std::string references; // where other names may stand: the whole comment and that of the class
+
+			Documented(std::string ownName, FMetaList meta, const UClass& owner)
+				: name(std::move(ownName))
+				, tooltip(readTooltip(FindMeta(meta, "ToolTip")))
+				, comment(readComment(FindMeta(meta, "Comment")))
+				, references(std::string(FindMeta(meta, "Comment")) + " " + FindMeta(owner.Definition.Meta, "Comment"))
+			{
+			}
+		};
+
+		/** The classes that own script functions, in order. */
+		std::vector<const UClass*> owners()
+		{
+			std::vector<const UClass*> found;
+			for (const Script::Function& function : Script::functions())
+			{
+				if (std::find(found.begin(), found.end(), function.owner) == found.end())
+				{
+					found.push_back(function.owner);
+				}
+			}
+			return found;
+		}
+
+		std::vector<Documented> collectDocumented()
+		{
+			std::vector<Documented> all;
+			for (const Script::Function& function : Script::functions())
+			{
+				all.emplace_back(function.function->Name, function.function->Meta, *function.owner);
+			}
+			for (const UClass* owner : owners())
+			{
+				for (const FMulticastDelegateProperty& event : owner->Definition.Delegates)
+				{
+					all.emplace_back(event.Name, event.Meta, *owner);
+				}
+			}
+			return all;
+		}
+
+		void addText(std::vector<std::string>& texts, std::string_view text)
+		{
+			if (!text.empty() && std::find(texts.begin(), texts.end(), text) == texts.end())
+			{
+				texts.emplace_back(text);
+			}
+		}
+
+		std::vector<std::string> textsOf(const Documented& documented)
+		{
+			std::vector<std::string> texts;
+			addText(texts, documented.tooltip.text);
+			addText(texts, documented.comment.text);
+			return texts;
+		}
+
+		/**
+		 * The texts about one pin. Comments say "the parameters are those of" another function instead of saying it all again:
+		 * what is missing is looked up there.
+		 */
+		std::vector<std::string> pinTexts(const Documented& documented, const std::string& pin, std::set<std::string>& visited)
+		{
+			static const std::vector<Documented> all = collectDocumented();
+
+			std::vector<std::string> texts;
+			addText(texts, documented.tooltip.pin(pin));
+			addText(texts, documented.comment.pin(pin));
+			visited.insert(documented.name);
+			for (auto other = all.begin(); other != all.end() && texts.empty(); ++other)
+			{
+				if (hasWord(documented.references, other->name) && !visited.contains(other->name))
+				{
+					texts = pinTexts(*other, pin, visited);
+				}
+			}
+			return texts;
+		}
+
+		/** @param unconnected  names with commas between them. */
+		PinFacts pinOf(const FParameter& parameter, const Documented& documented, const char* unconnected)
+		{
+			const char* const title = FindMeta(parameter.Meta, "DisplayName");
+			PinFacts pin{parameter.Name, *title ? title : displayName(parameter.Name, parameter.Type().Kind == EPropertyKind::Bool),
+				&parameter.Type(), parameter.Kind, std::nullopt, hasWord(unconnected, parameter.Name), {}};
+			if (parameter.Default)
+			{
+				pin.defaultText = parameter.Default;
+			}
+			std::set<std::string> visited;
+			pin.texts = pinTexts(documented, pin.name, visited);
+			return pin;
+		}
+
+		/** What an event hands over comes out of a node. */
+		PinFacts eventPinOf(const FParameter& parameter, const Documented& documented)
+		{
+			PinFacts pin = pinOf(parameter, documented, "");
+			pin.kind = EParameterKind::Output;
+			return pin;
+		}
+
+		void addOutcomes(NodeFacts& facts, const UClass* nodeClass)
+		{
+			for (const FMulticastDelegateProperty* event : Script::eventsOf(nodeClass))
+			{
+				const Documented documented(event->Name, event->Meta, *nodeClass);
+				facts.outcomes.push_back({event->Name, displayName(event->Name), textsOf(documented)});
+				for (const FParameter& parameter : event->Signature->Parameters)
+				{
+					const auto isSame = [&](const PinFacts& pin) { return !pin.isLeft() && pin.name == parameter.Name; };
+					if (std::none_of(facts.pins.begin(), facts.pins.end(), isSame))
+					{
+						facts.pins.push_back(eventPinOf(parameter, documented));
+					}
+				}
+			}
+		}
+
+		NodeFacts eventFacts(const UClass& owner, const FMulticastDelegateProperty& event)
+		{
+			const Documented documented(event.Name, event.Meta, owner);
+			NodeFacts facts{NodeKind::Event, std::string(owner.GetName()) + "." + event.Name, displayName(event.Name), "Custom Event",
+				FindMeta(event.Meta, "Category"), textsOf(documented), {}, {}};
+			for (const FParameter& parameter : event.Signature->Parameters)
+			{
+				facts.pins.push_back(eventPinOf(parameter, documented));
+			}
+			return facts;
+		}
+	} // namespace
+
+	const char* kindName(NodeKind kind)
+	{
+		static constexpr const char* names[] = {"pure", "callable", "latent", "event"};
+		return names[static_cast<size_t>(kind)];
+	}
+
+	std::string shortTypeName(const FPropertyType& type)
+	{
+		return type.Kind == EPropertyKind::Enum ? type.Enum()->Name : Script::typeName(type);
+	}
+
+	NodeFacts factsOf(const Script::Function& function)
+	{
+		const FMetaList meta = function.function->Meta;
+		const Documented documented(function.function->Name, meta, *function.owner);
+		const UClass* const nodeClass = Script::nodeClassOf(*function.function);
+		const bool isPure = function.function->Flags & FUNC_BlueprintPure;
+		const char* const title = FindMeta(meta, "DisplayName");
+
+		NodeFacts facts{nodeClass ? NodeKind::Latent
+						: isPure  ? NodeKind::Pure
+								  : NodeKind::Callable,
+			function.name, *title ? title : displayName(function.function->Name),
+			nodeClass ? "" : "Target is " + displayName(function.owner->GetName()), FindMeta(meta, "Category"), textsOf(documented), {},
+			{}};
+		for (const FParameter& parameter : function.function->Parameters)
+		{
+			if (!nodeClass || parameter.Kind != EParameterKind::Return) // the editor hides the object behind a latent node
+			{
+				facts.pins.push_back(pinOf(parameter, documented, FindMeta(meta, "AutoCreateRefTerm")));
+			}
+		}
+		addOutcomes(facts, nodeClass);
+		return facts;
+	}
+
+	std::vector<NodeFacts> allFacts()
+	{
+		std::vector<NodeFacts> all;
+		for (const Script::Function& function : Script::functions())
+		{
+			all.push_back(factsOf(function));
+		}
+		for (const UClass* owner : owners())
+		{
+			const bool isNode = std::any_of(all.begin(), all.end(),
+				[&](const NodeFacts& facts)
+				{ return facts.kind == NodeKind::Latent && facts.name.starts_with(std::string(owner->GetName()) + "."); });
+			for (size_t index = 0; index < owner->Definition.Delegates.size() && !isNode; ++index) // those of a node are its outcomes
+			{
+				all.push_back(eventFacts(*owner, owner->Definition.Delegates[index]));
+			}
+		}
+		return all;
+	}
+} // namespace Program

@@ -1,0 +1,56 @@
+#include "ReferencePages.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+
+namespace Program
+{
+	std::vector<const Example*> Reference::examplesOf(const NodeFacts& facts) const
+	{
+		std::vector<std::pair<std::ptrdiff_t, const Example*>> found; // with the number of other nodes in each
+		for (const Example& example : examples)
+		{
+			if (example.uses(facts.ownName()))
+			{
+				const auto isUsed = [&](const NodeFacts& other) { return example.uses(other.ownName()); };
+				found.emplace_back(std::count_if(nodes.begin(), nodes.end(), isUsed), &example);
+			}
+		}
+		std::stable_sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+		std::vector<const Example*> sorted;
+		for (const auto& [others, example] : found)
+		{
+			sorted.push_back(example);
+		}
+		return sorted;
+	}
+
+	std::vector<std::string> Reference::gaps() const
+	{
+		std::vector<std::string> missing;
+		for (const NodeFacts& facts : nodes)
+		{
+			if (facts.texts.empty())
+			{
+				missing.push_back(facts.name + " has no text");
+			}
+			if (examplesOf(facts).empty())
+			{
+				missing.push_back(facts.name + " has no example");
+			}
+			for (const OutcomeFacts& outcome : facts.outcomes)
+			{
+				if (outcome.texts.empty())
+				{
+					missing.push_back(fmt::format("{} does not say what {} means", facts.name, outcome.name));
+				}
+			}
+		}
+		return missing;
+	}
+
+	std::string pageName(const NodeFacts& facts)
+	{
+		return facts.name + ".html";
+	}
+} // namespace Program

@@ -1,0 +1,64 @@
+#include "../Support/Waiting.h" // the script front end has a header of the same name
+#include "ProcessRun.h"
+#include "RawServer.h"
+#include "TempDir.h"
+
+#include <atomic>
+#include <gtest/gtest.h>
+
+namespace
+{
+	constexpr const char* script = R"lua(
+		local call = CorvaneBPLibrary.CreateHttpRequestGETLowRamDownload{ url = arg[1], DirectoryType = EHTTPCorvFileUpload.E_ad,
+			filePathWithFileName = arg[2], ActionIfFileExists = EHTTPCorvFileDownloadResumeType.E_RESUME, FileSizeStepsInBytes = 9999 }
+		CorvaneBPLibrary.executeHttpRequests{ httpRequests = call.httpRequests }
+	)lua";
+
+	/** Serves parts of a file, and counts them. */
+	RawServer::Script servingParts(const std::string& content, std::atomic<int>& served)
+	{
+		return [&](Connection& connection)
+		{
+			for (;;)
+			{
+				const std::string head = connection.readHead();
+				const size_t at = head.find("Range: bytes=") + 13;
+				const size_t first = std::stoul(head.substr(at));
+				const size_t dash = head.find('-', at);
+				const size_t last = head[dash + 1] == '\r' ? content.size() - 1 : std::stoul(head.substr(dash + 1));
+				const size_t end = std::min(last + 1, content.size());
+				const std::string range = std::to_string(first) + "-" + std::to_string(end - 1) + "/" + std::to_string(content.size());
+				connection.send(answer(206, content.substr(first, end - first), "Content-Range: bytes " + range + "\r\n"));
+				++served;
+			}
+		};
+	}
+} // namespace
+
+TEST(DownloadCrash, AProgramKilledAtAnyMomentLeavesATruePrefixThatAResumeFinishes)
+{
+	const TempDir directory;
+	const std::string run = directory.write("download.lua", script);
+	std::string content(200000, '\0');
+	for (size_t at = 0; at < content.size(); ++at)
+	{
+		content[at] = static_cast<char>(at * 31 + at / 251);
+	}
+	std::atomic<int> served = 0;
+	RawServer server(servingParts(content, served));
+	for (int steps = 1; steps <= 19; steps += 3)
+	{
+		served = 0;
+		const std::string file = "file-" + std::to_string(steps);
+		{
+			RunningProgram program({"run", run, server.url(), directory.path(file)});
+			ASSERT_TRUE(waitFor([&] { return served >= steps; }));
+			program.kill();
+		}
+		const std::string left = directory.exists(file) ? directory.read(file) : "";
+		EXPECT_TRUE(content.starts_with(left)) << "killed behind step " << steps;
+		const ProcessRun rest = runProgram({"run", run, server.url(), directory.path(file)});
+		EXPECT_EQ(rest.status, 0) << rest.err;
+		EXPECT_TRUE(directory.read(file) == content) << "killed behind step " << steps;
+	}
+}

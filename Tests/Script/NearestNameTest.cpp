@@ -1,0 +1,27 @@
+#include "NearestName.h"
+
+#include <gtest/gtest.h>
+
+TEST(NearestName, IsTheOneThatWasMeantOrNone)
+{
+	const std::vector<std::string> names = {"fileSize", "fileExists", "splitFile", "url", "urlEncode", "E_gd"};
+	const std::pair<const char*, const char*> cases[] = {
+		{"fielSize", "fileSize"}, // neighbours swapped
+		{"FILESISE", "fileSize"},
+		{"fileExist", "fileExists"},
+		{"uri", "url"},
+		{"E_dg", "E_gd"},
+		{"Encode", "urlEncode"}, // a part of it
+		{"split", "splitFile"},
+		{"E", ""},
+		{"header", ""},
+		{"", ""},
+	};
+	for (const auto& [name, meant] : cases)
+	{
+		EXPECT_EQ(Script::nearestName(name, names), meant) << name;
+	}
+	EXPECT_EQ(Script::suggestion("uri", names), ", did you mean 'url'?");
+	EXPECT_EQ(Script::suggestion("header", names), "");
+	EXPECT_EQ(Script::nearestName("any", {}), "");
+}
