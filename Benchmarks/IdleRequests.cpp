@@ -9,7 +9,6 @@
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <stdexcept>
 
@@ -110,12 +109,7 @@ namespace
 		{
 			if (!side.empty())
 			{
-				nlohmann::json printed = nlohmann::json::array();
-				for (const Figure& figure : side == "corvane" ? measureCorvane(requests) : measureBare(requests))
-				{
-					printed.push_back({figure.name, figure.unit, figure.value});
-				}
-				fmt::print("{}\n", printed.dump());
+				printForParent(side == "corvane" ? measureCorvane(requests) : measureBare(requests));
 				return {};
 			}
 			Comparison empty(fmt::format("idle-requests: {} requests without an answer, memory beyond that of the idle program", requests),
@@ -128,12 +122,7 @@ namespace
 		/** Memory that was used once is used again, so each run has a process of its own. */
 		Figures measureIn(const char* which) const
 		{
-			Figures taken;
-			for (const nlohmann::json& figure : runSelf(fmt::format("idle-requests --requests {} --side {}", requests, which)))
-			{
-				taken.push_back({figure.at(0), figure.at(1), figure.at(2)});
-			}
-			return taken;
+			return runSelf(fmt::format("idle-requests --requests {} --side {}", requests, which));
 		}
 
 		int requests = 500;

@@ -2,6 +2,7 @@
 #include "Kit/BareCurl.h"
 #include "Kit/CorvaneClient.h"
 #include "Kit/ProcessFigures.h"
+#include "Kit/RequestFigures.h"
 #include "NginxServer.h"
 #include "Workload.h"
 
@@ -50,26 +51,17 @@ namespace
 			{
 				const StopWatch watch;
 				corvane.fetch(url, requests, atATime, body);
-				Figures taken = figures(watch);
-				taken.push_back({"game thread CPU", "us/request", perRequest(watch.threadCpuSeconds())});
-				return taken;
+				return requestFiguresOfGame(watch, requests);
 			};
 			const auto runBare = [&]
 			{
 				const StopWatch watch;
 				bare.fetch(requests, body);
-				return figures(watch);
+				return requestFigures(watch, requests);
 			};
 			Comparison empty(fmt::format("small-gets: {} GETs of {} bytes, {} in flight", requests, bytes, atATime), "bare libcurl");
 			return alternate(std::move(empty), pairs, WarmUp::OnePair, runCorvane, runBare);
 		}
-
-		Figures figures(const StopWatch& watch) const
-		{
-			return {{"rate", "requests/s", requests / watch.seconds()}, {"process CPU", "us/request", perRequest(watch.cpuSeconds())}};
-		}
-
-		double perRequest(double seconds) const { return seconds / requests * 1e6; }
 
 		int requests = 20000;
 		std::vector<int> inFlight = {64, 1000};

@@ -4,7 +4,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-Scripts/setup.sh
+Scripts/setup.sh --bench
 [ -f build/bench/build.ninja ] || cmake --preset bench
 cmake --build --preset bench --target CorvaneBench
 exec build/bench/Benchmarks/CorvaneBench "$@"

@@ -1,6 +1,7 @@
 #include "Kit/CorvaneClient.h"
 
 #include "GameLoop.h"
+#include "UAsyncNodeHttpRequest.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -10,7 +11,7 @@ namespace
 {
 	constexpr double patienceSeconds = 300;
 
-	/** The parameters of a result that matter here, as the event hands them over. */
+	/** The parameters of a result that matter here, as the event or a node hands them over. */
 	struct Result
 	{
 		explicit Result(void* const* arguments)
@@ -33,14 +34,40 @@ namespace
 	};
 } // namespace
 
-CorvaneClient::CorvaneClient(FGameLoop& inLoop)
+CorvaneClient::CorvaneClient(FGameLoop& inLoop, Way inWay)
 	: loop(inLoop)
-	, counter(UCorvaneBPLibrary::getCorvaneTarget()->onhttpRequestCompleteDelegate, [this](void* const*) { ++numCompleted; })
+	, way(inWay)
+	, listener(UCorvaneBPLibrary::getCorvaneTarget()->onhttpRequestCompleteDelegate, [this](void* const* arguments) { take(arguments); })
 {
+}
+
+void CorvaneClient::take(void* const* arguments)
+{
+	++numCompleted;
+	if (onResult)
+	{
+		onResult(arguments);
+	}
+}
+
+void CorvaneClient::startNode(const std::string& url, bool bindServerSendEvent)
+{
+	UAsyncNodeHttpRequest* node =
+		UAsyncNodeHttpRequest::AsyncExecuteHTTP_GET_REQUEST(FString(url.c_str()), {}, FString(), bindServerSendEvent);
+	for (FMulticastScriptDelegate* output : {&node->OnSuccess, &node->OnFail})
+	{
+		output->AddHandler([this](void* const* arguments) { take(arguments); });
+	}
+	node->Activate();
 }
 
 void CorvaneClient::start(const std::string& url, bool bindServerSendEvent)
 {
+	if (way == Way::Node)
+	{
+		startNode(url, bindServerSendEvent);
+		return;
+	}
 	TArray<FhttpRequest> records;
 	FString requestID;
 	UCorvaneBPLibrary* target = nullptr;
@@ -52,21 +79,21 @@ void CorvaneClient::fetch(const std::string& url, int requests, int inFlight, st
 {
 	const int goal = numCompleted + requests;
 	int left = requests - std::min(requests, inFlight);
-	const BoundHandler next(UCorvaneBPLibrary::getCorvaneTarget()->onhttpRequestCompleteDelegate,
-		[&](void* const* arguments)
+	onResult = [&](void* const* arguments)
+	{
+		Result(arguments).require(expectedBody);
+		if (left > 0)
 		{
-			Result(arguments).require(expectedBody);
-			if (left > 0)
-			{
-				--left;
-				start(url);
-			}
-		});
+			--left;
+			start(url);
+		}
+	};
 	for (int number = left; number < requests; ++number)
 	{
 		start(url);
 	}
 	waitUntilCompleted(goal);
+	onResult = nullptr;
 }
 
 void CorvaneClient::waitUntilCompleted(int number)

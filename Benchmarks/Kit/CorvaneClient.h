@@ -30,10 +30,17 @@ private:
 class CorvaneClient
 {
 public:
-	/** @param inLoop  outlives this object. */
-	explicit CorvaneClient(FGameLoop& inLoop);
+	/** How requests are made and their results heard. */
+	enum class Way
+	{
+		BuilderAndEvent,
+		Node
+	};
 
-	/** Starts one GET, in a call of its own. */
+	/** @param inLoop  outlives this object. */
+	explicit CorvaneClient(FGameLoop& inLoop, Way inWay = Way::BuilderAndEvent);
+
+	/** Starts one GET, in a call or a node of its own. */
 	void start(const std::string& url, bool bindServerSendEvent = false);
 
 	/**
@@ -49,7 +56,13 @@ public:
 	void waitUntilCompleted(int number);
 
 private:
+	void startNode(const std::string& url, bool bindServerSendEvent);
+	/** Takes the parameters of a result; those of the event and of a node's outputs are the same. */
+	void take(void* const* arguments);
+
 	FGameLoop& loop;
+	const Way way;
 	int numCompleted = 0;
-	BoundHandler counter;
+	FMulticastScriptDelegate::FHandler onResult; // may be empty
+	BoundHandler listener;
 };

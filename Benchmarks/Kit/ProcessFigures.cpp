@@ -3,6 +3,7 @@
 #include <ctime>
 #include <fstream>
 #include <stdexcept>
+#include <string>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -18,6 +19,11 @@ double ProcessFigures::cpuSeconds()
 {
 	rusage usage{};
 	getrusage(RUSAGE_SELF, &usage);
+	return cpuSeconds(usage);
+}
+
+double ProcessFigures::cpuSeconds(const rusage& usage)
+{
 	return toSeconds(usage.ru_utime) + toSeconds(usage.ru_stime);
 }
 
@@ -38,6 +44,25 @@ std::int64_t ProcessFigures::residentBytes()
 		throw std::runtime_error("the kernel does not tell this process's memory");
 	}
 	return resident * sysconf(_SC_PAGESIZE);
+}
+
+std::int64_t ProcessFigures::peakResidentBytes()
+{
+	const std::string name = "VmHWM:";
+	std::ifstream status("/proc/self/status");
+	for (std::string word; status >> word;)
+	{
+		if (std::int64_t kibibytes = 0; word == name && status >> kibibytes)
+		{
+			return kibibytes * 1024;
+		}
+	}
+	throw std::runtime_error("the kernel does not tell this process's peak of memory");
+}
+
+void ProcessFigures::forgetPeak()
+{
+	std::ofstream("/proc/self/clear_refs") << "5";
 }
 
 void ProcessFigures::raiseFileLimit()

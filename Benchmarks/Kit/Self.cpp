@@ -1,28 +1,28 @@
 #include "Kit/Self.h"
 
-#include <array>
-#include <cstdio>
-#include <filesystem>
-#include <nlohmann/json.hpp>
-#include <stdexcept>
+#include "Kit/Command.h"
 
-nlohmann::json runSelf(const std::string& arguments)
+#include <filesystem>
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+Figures runSelf(const std::string& arguments)
 {
 	const std::string program = std::filesystem::read_symlink("/proc/self/exe");
-	std::FILE* const pipe = popen(("'" + program + "' " + arguments).c_str(), "r");
-	if (!pipe)
+	Figures taken;
+	for (const nlohmann::json& figure : nlohmann::json::parse(outputOf("'" + program + "' " + arguments)))
 	{
-		throw std::runtime_error("a second process cannot be started");
+		taken.push_back({figure.at(0), figure.at(1), figure.at(2)});
 	}
-	std::string output;
-	std::array<char, 4096> bytes{};
-	while (const std::size_t number = std::fread(bytes.data(), 1, bytes.size(), pipe))
+	return taken;
+}
+
+void printForParent(const Figures& figures)
+{
+	nlohmann::json printed = nlohmann::json::array();
+	for (const Figure& figure : figures)
 	{
-		output.append(bytes.data(), number);
+		printed.push_back({figure.name, figure.unit, figure.value});
 	}
-	if (pclose(pipe) != 0)
-	{
-		throw std::runtime_error("the second process failed: " + arguments);
-	}
-	return nlohmann::json::parse(output);
+	fmt::print("{}\n", printed.dump());
 }

@@ -1,11 +1,15 @@
 #pragma once
 
-#include <nlohmann/json_fwd.hpp>
+#include "Kit/Comparison.h"
+
 #include <string>
 
 /**
  * Runs this program again, in a fresh process, and waits for its end. Throws std::runtime_error when it fails.
  * @param arguments  without anything that a shell would treat specially.
- * @return what it printed, read as JSON.
+ * @return what it gave to printForParent.
  */
-nlohmann::json runSelf(const std::string& arguments);
+Figures runSelf(const std::string& arguments);
+
+/** In such a process: hands the figures over, as the only thing that it prints. */
+void printForParent(const Figures& figures);

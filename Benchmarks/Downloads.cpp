@@ -1,0 +1,224 @@
+#include "GameLoop.h"
+#include "Host/Log.h"
+#include "Kit/Command.h"
+#include "Kit/CorvaneClient.h"
+#include "Kit/ProcessFigures.h"
+#include "Kit/RandomFile.h"
+#include "Kit/Self.h"
+#include "NginxServer.h"
+#include "Workload.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+#include <stdexcept>
+#include <unistd.h>
+
+namespace
+{
+	namespace fs = std::filesystem;
+
+	/** One way to download, and programs that do the same. {0} = the URL, {1} = the target. */
+	struct Kind
+	{
+		const char* name;
+		bool isStepped;
+		int files; // at once; their names are the target and a number
+		std::vector<std::pair<const char*, const char*>> peers; // name, command
+	};
+
+	const Kind kinds[] = {
+		{"WHOLE", false, 1, {{"curl -o", "curl -q -sS --noproxy '*' -o {1} {0}"}}},
+		{"STEPPED", true, 1,
+			{{"curl -o", "curl -q -sS --noproxy '*' -o {1} {0}"}, {"wget", "wget -q --no-proxy --no-use-server-timestamps -O {1} {0}"},
+				{"aria2c -x1", "aria2c -q --no-conf --file-allocation=none -x1 -d / -o {1} {0}"}}},
+		{"MANY", false, 100,
+			{{"curl --parallel",
+				"curl -q -sS --no-progress-meter --noproxy '*' --parallel --parallel-immediate --parallel-max 100 -o '{1}#1' '{0}?[0-99]'"}}},
+	};
+
+	const Kind& kindNamed(const std::string& name)
+	{
+		for (const Kind& kind : kinds)
+		{
+			if (name == kind.name)
+			{
+				return kind;
+			}
+		}
+		throw std::runtime_error("there is no kind of download called " + name);
+	}
+
+	std::string targetOf(const Kind& kind, const std::string& path, int number)
+	{
+		return kind.files == 1 ? path : path + std::to_string(number);
+	}
+
+	/** Seconds from a moment until the last byte reached a file. */
+	double secondsUntilWritten(const Kind& kind, const std::string& path, fs::file_time_type start)
+	{
+		fs::file_time_type last = start;
+		for (int number = 0; number < kind.files; ++number)
+		{
+			last = std::max(last, fs::last_write_time(targetOf(kind, path, number)));
+		}
+		return std::chrono::duration<double>(last - start).count();
+	}
+
+	TArray<FhttpRequest> build(const Kind& kind, const std::string& url, const std::string& path)
+	{
+		constexpr auto overwrite = EHTTPCorvFileDownloadResumeType::E_OVERWRITE;
+		constexpr auto absolute = EHTTPCorvFileUpload::E_ad;
+		TArray<FhttpRequest> records;
+		for (int number = 0; number < kind.files; ++number)
+		{
+			const FString target(targetOf(kind, path, number).c_str());
+			FString id;
+			if (kind.isStepped)
+			{
+				UCorvaneBPLibrary::CreateHttpRequestGETLowRamDownload(
+					records, FString(url.c_str()), {}, overwrite, absolute, target, "", records, id);
+			}
+			else
+			{
+				UCorvaneBPLibrary::CreateHttpRequestGETDownload(
+					records, FString(url.c_str()), {}, overwrite, absolute, target, "", records, id);
+			}
+		}
+		return records;
+	}
+
+	/** Downloads once, in this process. */
+	Figures measureCorvane(const Kind& kind, const std::string& url, const std::string& path)
+	{
+		constexpr double longEnough = 600;
+		constexpr double stepBytes = 10485761;
+		HostLog::SetSink([](const char*, ELogVerbosity::Type, const FString&) {}); // large bodies are not made text, and say so
+		FGameLoop loop;
+		UCorvaneBPLibrary* library = UCorvaneBPLibrary::getCorvaneTarget();
+		int completed = 0;
+		bool isGood = true;
+		const BoundHandler onComplete(library->onhttpRequestCompleteDelegate,
+			[&](void* const* arguments)
+			{
+				++completed;
+				isGood = isGood && *static_cast<const int32*>(arguments[3]) < 300;
+			});
+		ProcessFigures::forgetPeak();
+		const std::int64_t before = ProcessFigures::residentBytes();
+
+		const fs::file_time_type start = fs::file_time_type::clock::now();
+		const StopWatch watch;
+		UCorvaneBPLibrary::executeHttpRequests(build(kind, url, path), library);
+		loop.WaitFor([&] { return completed == kind.files; }, longEnough);
+		const double ended = watch.seconds();
+		const double gameThread = watch.threadCpuSeconds();
+		if (completed != kind.files || !isGood)
+		{
+			throw std::runtime_error("Corvane: a download failed");
+		}
+		const double steps = kind.isStepped ? std::ceil(static_cast<double>(fs::file_size(path)) / stepBytes) : kind.files;
+		return {{"time until written", "s", secondsUntilWritten(kind, path, start)}, {"time until the event", "s", ended},
+			{"peak of memory beyond the idle program", "MiB", ProcessFigures::toMebibytes(ProcessFigures::peakResidentBytes() - before)},
+			{"game thread CPU", kind.isStepped ? "ms/step" : "ms/file", gameThread * 1e3 / steps}};
+	}
+
+	class Downloads final : public Workload
+	{
+	public:
+		CLI::App* addTo(CLI::App& program) override
+		{
+			CLI::App* command = program.add_subcommand("downloads", "Files to disk: as one body, in steps, many at once");
+			command->add_option("--kind", wanted, "Only these kinds: WHOLE, STEPPED, MANY");
+			command->add_option("--whole-mebibytes", wholeMebibytes, "Size for WHOLE")->capture_default_str();
+			command->add_option("--stepped-mebibytes", steppedMebibytes, "Size for STEPPED")->capture_default_str();
+			command->add_option("--folder", folder, "Where the files lie; empty = the folder for temporary files");
+			command->add_option("--pairs", pairs, "Pairs of runs behind one warm-up pair, Corvane's in a fresh process")
+				->capture_default_str()
+				->check(CLI::PositiveNumber);
+			command->add_option("--url", url)->group(""); // for the fresh processes alone, like the next
+			command->add_option("--target", target)->group("");
+			return command;
+		}
+
+		std::vector<Comparison> run() override
+		{
+			if (!url.empty())
+			{
+				printForParent(measureCorvane(kindNamed(wanted.at(0)), url, target));
+				return {};
+			}
+			std::vector<Comparison> results;
+			for (const Kind& kind : kinds)
+			{
+				if (wanted.empty() || std::find(wanted.begin(), wanted.end(), kind.name) != wanted.end())
+				{
+					compare(kind, kind.files > 1 ? 1 : kind.isStepped ? steppedMebibytes : wholeMebibytes, results);
+				}
+			}
+			return results;
+		}
+
+	private:
+		void compare(const Kind& kind, int mebibytes, std::vector<Comparison>& results) const
+		{
+			const RandomFile content(mebibytes, folder);
+			const NginxServer origin({.root = content.folder()});
+			const std::string from = origin.url(std::string("/") + RandomFile::name);
+			const std::string to = content.folder() + "/target";
+			for (const auto& [peer, command] : kind.peers)
+			{
+				const std::string words = fmt::format(fmt::runtime(command), from, to);
+				Comparison empty(fmt::format("downloads: {}, {} x {} MiB", kind.name, kind.files, mebibytes), peer);
+				results.push_back(alternate(
+					std::move(empty), pairs, WarmUp::OnePair, [&] { return corvaneRun(kind, from, to, content.path()); },
+					[&] { return peerRun(kind, words, to, content.path()); }));
+			}
+		}
+
+		static Figures corvaneRun(const Kind& kind, const std::string& from, const std::string& to, const std::string& original)
+		{
+			::sync(); // what others have written is not to be waited for in here
+			const Figures taken = runSelf(fmt::format("downloads --kind {} --url {} --target {}", kind.name, from, to));
+			check(kind, to, original);
+			return taken;
+		}
+
+		static Figures peerRun(const Kind& kind, const std::string& words, const std::string& to, const std::string& original)
+		{
+			::sync();
+			const fs::file_time_type start = fs::file_time_type::clock::now();
+			const StopWatch watch;
+			outputOf(words);
+			const double seconds = watch.seconds();
+			const double written = secondsUntilWritten(kind, to, start);
+			check(kind, to, original);
+			return {{"time until written", "s", written}, {"time until the event", "s", seconds}};
+		}
+
+		/** Compares every file with the original and deletes it. */
+		static void check(const Kind& kind, const std::string& to, const std::string& original)
+		{
+			for (int number = 0; number < kind.files; ++number)
+			{
+				const std::string path = targetOf(kind, to, number);
+				outputOf(fmt::format("cmp {} {}", path, original));
+				fs::remove(path);
+			}
+		}
+
+		int wholeMebibytes = 256;
+		int steppedMebibytes = 1024;
+		int pairs = 5;
+		std::string folder;
+		std::vector<std::string> wanted;
+		std::string url;
+		std::string target;
+	};
+} // namespace
+
+std::unique_ptr<Workload> makeDownloads()
+{
+	return std::make_unique<Downloads>();
+}
