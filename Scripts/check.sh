@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Checks what the compiler does not: the format of the sources, which room includes which, unneeded host headers.
+# Checks what the build and the tests do not: the format of the sources, which room includes which, and, as far as that
+# can be seen without the engine, that the engine's build takes the module as it stands.
 set -uo pipefail
 cd "$(dirname "$0")/.."
 Scripts/setup.sh --check || exit 1
@@ -11,7 +12,7 @@ check() {
 	if output=$("$@" 2>&1); then
 		echo "OK    $name"
 	else
-		printf '%s\n' "$output" | head -n 40
+		printf '%s\n' "$output" | tail -n 40
 		echo "FAIL  $name"
 		failed=1
 	fi
@@ -22,5 +23,18 @@ format() {
 }
 
 check "format" format
+# Always configures: the compilers may have been installed since the last time.
+engine_fit() {
+	cmake --preset default && cmake --build build/default --target EngineFit
+}
+
 check "layout" python3 Scripts/check_layout.py
+check "guides" python3 Scripts/check_guides.py
+check "plug-in files" python3 Scripts/check_plugin.py
+check "package" Scripts/package.sh --check
+check "engine fit" engine_fit
+check "picture of the dependencies" python3 Scripts/dependencies.py --check
+# These two need the module that Debian's own Python finds.
+check "engine symbols" /usr/bin/python3 Scripts/engine/check_symbols.py build/default
+check "faults in the use of the engine are found" /usr/bin/python3 Tests/EngineFit/faults_test.py build/default
 exit $failed

@@ -42,7 +42,8 @@ MODULE_ROOMS = {
 # Where an include is looked up, besides beside the including file.
 INCLUDE_ROOTS = [
     *(library + "/Public" for library in HOST_LIBRARIES),
-    "Host/Launch", "Host/HeaderTool", "Host/Script", "Host/Program", "Source/Corvane/Public", "Source/Corvane/Private",
+    "Host/Launch", "Host/HeaderTool", "Host/Script", "Host/Program", "Host/Program/Reference",
+    "Source/Corvane/Public", "Source/Corvane/Private",
 ]
 
 

@@ -1,18 +1,19 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that the build and the tests need and that are not there yet.
-# --check adds the packages of the format and layout checks.
+# --check adds the packages of the checks, --bench those of the peers in the benchmarks.
 set -euo pipefail
 
 packages=(
 	g++ cmake ninja-build pkg-config git
 	libcurl4-openssl-dev libssl-dev libfmt-dev libcli11-dev nlohmann-json3-dev liblua5.4-dev libcpp-httplib-dev
-	libgtest-dev libgmock-dev nginx-light ca-certificates
+	libgtest-dev libgmock-dev nginx-light openssl ca-certificates
 )
 for option in "$@"; do
 	case "$option" in
-	--check) packages+=(clang-format python3) ;;
+	--check) packages+=(clang clang-format python3 python3-clang g++-mingw-w64-x86-64-posix) ;;
+	--bench) packages+=(curl wget aria2) ;;
 	*)
-		echo "usage: $0 [--check]" >&2
+		echo "usage: $0 [--check] [--bench]" >&2
 		exit 2
 		;;
 	esac

@@ -1,0 +1,67 @@
+#!/usr/bin/env python3
+"""Checks that the code in the guides is that of the examples, and that the links of all documents lead somewhere.
+
+A block of code follows a line "[Examples/NAME](../../Examples/NAME):" and holds whole lines that stand there in a row.
+Prints one line per fault and ends with status 1 when there is any.
+"""
+
+import pathlib
+import re
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+GUIDES = ROOT / "Docs" / "guides"
+BLOCK = re.compile(r"^```(lua|cpp)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
+SOURCE = re.compile(r"\[(Examples/[^\]]+)\]\(\.\./\.\./\1\):\n\n\Z")
+LINK = re.compile(r"\]\(([^)\s]+)\)")
+HEADING = re.compile(r"^#+ (.+)$", re.MULTILINE)
+
+
+def place(file):
+    return file.relative_to(ROOT).as_posix()
+
+
+def anchors(file):
+    return {re.sub(r"[^\w -]", "", title.lower()).replace(" ", "-") for title in HEADING.findall(file.read_text())}
+
+
+def check_blocks(guide):
+    text = guide.read_text()
+    blocks = list(BLOCK.finditer(text))
+    if not blocks and guide.name != "README.md":
+        yield f"{place(guide)}: no code of an example"
+    for block in blocks:
+        line = text.count("\n", 0, block.start()) + 1
+        source = SOURCE.search(text, 0, block.start())
+        if not source or not (ROOT / source[1]).is_file():
+            yield f"{place(guide)}:{line}: the line before the code names no example"
+        elif "\n" + block[2] not in "\n" + (ROOT / source[1]).read_text():
+            yield f"{place(guide)}:{line}: this code does not stand in {source[1]}"
+
+
+def check_links(document):
+    for link in LINK.findall(BLOCK.sub("", document.read_text())):
+        name, _, anchor = link.partition("#")
+        target = (document.parent / name).resolve() if name else document
+        if re.match(r"[a-z]+:", link):
+            continue
+        if not target.exists():
+            yield f"{place(document)}: {link} leads nowhere"
+        elif anchor and anchor not in anchors(target):
+            yield f"{place(document)}: {link} names no heading"
+
+
+def main():
+    guides = sorted(GUIDES.glob("*.md"))
+    documents = [*guides, *sorted((ROOT / "Docs").glob("*.md")), *sorted(ROOT.glob("*.md"))]
+    index = (GUIDES / "README.md").read_text()
+    faults = [fault for guide in guides for fault in check_blocks(guide)]
+    faults += [fault for document in documents for fault in check_links(document)]
+    faults += [f"{place(guide)}: not in the list of guides" for guide in guides if f"({guide.name})" not in index and guide.name != "README.md"]
+    for fault in faults:
+        print(fault)
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
