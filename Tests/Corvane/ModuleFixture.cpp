@@ -2,6 +2,7 @@
 
 #include "Containers/StringConv.h"
 
+#include <chrono>
 #include <cstdlib>
 
 namespace
@@ -102,9 +103,11 @@ bool ModuleFixture::waitForCompletions(size_t number)
 
 void ModuleFixture::drain()
 {
-	EXPECT_TRUE(loop.WaitFor([] { return !UCorvaneBPLibrary::hasPendingWork(); }, patienceSeconds)) << "something still runs";
-	loop.Tick(); // the tasks that the last worker posted before it ended
-	loop.Tick(); // and those that these have posted
+	// A handler may start the next request in the very last task, so this ends only when nothing is queued and nothing runs.
+	using clock = std::chrono::steady_clock;
+	const auto deadline = clock::now() + std::chrono::duration_cast<clock::duration>(std::chrono::duration<double>(patienceSeconds));
+	loop.RunUntilIdle([] { return UCorvaneBPLibrary::hasPendingWork(); }, [deadline] { return clock::now() >= deadline; });
+	EXPECT_FALSE(UCorvaneBPLibrary::hasPendingWork()) << "something still runs";
 }
 
 Completion ModuleFixture::run(TArray<FhttpRequest> requests)
