@@ -79,7 +79,7 @@ namespace HeaderTool
 					line.remove_prefix(line.starts_with("* ") ? 2 : 1);
 				}
 				line = line.substr(0, line.find_last_not_of(blanks) + 1);
-				text += (text.empty() ? "" : "\n") + std::string(line);
+				text.append(text.empty() ? "" : "\n").append(line);
 			}
 			return text.substr(0, text.find_last_not_of('\n') + 1);
 		}

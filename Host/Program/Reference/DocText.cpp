@@ -54,7 +54,7 @@ namespace Program
 
 		void addToText(DocText& doc, std::string_view paragraph)
 		{
-			doc.text += (doc.text.empty() || paragraph.empty() ? "" : "\n") + std::string(paragraph);
+			doc.text.append(doc.text.empty() || paragraph.empty() ? "" : "\n").append(paragraph);
 		}
 
 		/** @param section  a tag and what follows it; a sentence about threads at its end belongs to the whole. */

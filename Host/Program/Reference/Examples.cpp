@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
+#include <fmt/format.h>
 #include <fstream>
 #include <sstream>
 
@@ -28,7 +29,7 @@ namespace Program
 
 	bool Example::uses(std::string_view member) const
 	{
-		const std::string wanted = "." + std::string(member);
+		const std::string wanted = fmt::format(".{}", member);
 		for (size_t place = text.find(wanted); place != std::string::npos; place = text.find(wanted, place + 1))
 		{
 			const size_t end = place + wanted.size();
