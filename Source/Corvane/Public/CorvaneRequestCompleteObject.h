@@ -44,15 +44,13 @@ public:
 	virtual void BeginDestroy() override;
 
 	/**
-	 * Gets ready for a run: takes root and starts the worker.
+	 * Gets ready for a run: takes root and makes the worker.
 	 * @return false when the run before has not ended; nothing has changed then.
 	 * @note Thread: game thread.
 	 */
 	bool initCorv();
-	/** False when the system had no thread for this run: it must be abandoned, since no job of it will run. */
-	bool isWorkerStarted() const;
-	/** Ends a run whose request will not be started: the worker stops without a job, the object is released. */
-	void abandonRun();
+	/** Ends the worker behind the job it is in; the object is released. So ends a run whose request will not be started. */
+	void stopJobs();
 	/** Names the engine request that this run is about to start, so that the end of the program can cancel it. */
 	void setHttpRequest(FHttpRequestPtr request);
 
@@ -96,7 +94,7 @@ public:
 
 	/** Called by the worker as its last deed: releases this object, one game-thread task later. */
 	void workerEnded(int64 runNumber);
-	/** Ends the worker without running what is still queued, and waits for it. Thread: game thread. */
+	/** As stopJobs, and waits for the end. Thread: game thread. */
 	void stopWorker();
 
 	FString getRequestID() const { return requestID; }
@@ -183,7 +181,7 @@ private:
 	FCorvFileVersion fileVersion; // as the step before saw it
 	int64 inheritedDownload = 0; // 0 = this request begins its download
 
-	// Held while a callback hands over a job: the worker may not be replaced under it.
+	// Held while a callback hands over a job: the worker may be neither replaced nor stopped under it.
 	FCriticalSection workerLock;
 	int64 currentRun = 0; // game thread; 0 = never started
 	// Set by the request worker just before the result goes out: from the handler on, the record may be started again.

@@ -11,7 +11,6 @@ FCorvThread::FCorvThread(UCorvaneRequestCompleteObject* InOwner, int64 InRunNumb
 	, runNumber(InRunNumber)
 	, wakeUp(FPlatformProcess::GetSynchEventFromPool())
 {
-	thread = FRunnableThread::Create(this, *(TEXT("FCorvThread") + FGuid::NewGuid().ToString()));
 }
 
 FCorvThread::~FCorvThread()
@@ -28,7 +27,27 @@ FCorvThread::~FCorvThread()
 void FCorvThread::addJob(FCorvTheadJob* InJob)
 {
 	jobQueue.Enqueue(InJob);
-	pauseThread(false);
+	if (thread)
+	{
+		pauseThread(false);
+	}
+	else if (isRunning)
+	{
+		startThread();
+	}
+}
+
+void FCorvThread::startThread()
+{
+	thread = FRunnableThread::Create(this, *(TEXT("FCorvThread") + FGuid::NewGuid().ToString()));
+	if (!thread) // received bytes are worth more than the time of the thread that brings them
+	{
+		runQueuedJobs();
+		if (!isRunning)
+		{
+			end();
+		}
+	}
 }
 
 void FCorvThread::pauseThread(bool bInPause)
@@ -42,8 +61,15 @@ void FCorvThread::pauseThread(bool bInPause)
 
 void FCorvThread::stopThread()
 {
-	isRunning = false;
-	pauseThread(false);
+	const bool bWasRunning = isRunning.exchange(false);
+	if (thread)
+	{
+		pauseThread(false);
+	}
+	else if (bWasRunning)
+	{
+		end();
+	}
 }
 
 void FCorvThread::Stop()
@@ -75,9 +101,14 @@ uint32 FCorvThread::Run()
 			wakeUp->Wait();
 		}
 	}
+	end();
+	return 0;
+}
+
+void FCorvThread::end()
+{
 	ended = true;
 	completeObject->workerEnded(runNumber);
-	return 0;
 }
 
 void FCorvThread::runQueuedJobs()

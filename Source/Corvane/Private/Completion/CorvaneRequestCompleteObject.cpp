@@ -48,20 +48,12 @@ bool UCorvaneRequestCompleteObject::initCorv()
 	return true;
 }
 
-bool UCorvaneRequestCompleteObject::isWorkerStarted() const
+void UCorvaneRequestCompleteObject::stopJobs()
 {
-	return corvThread && corvThread->isStarted();
-}
-
-void UCorvaneRequestCompleteObject::abandonRun()
-{
-	if (isWorkerStarted())
+	FScopeLock Lock(&workerLock);
+	if (corvThread)
 	{
 		corvThread->stopThread();
-	}
-	else
-	{
-		workerEnded(currentRun);
 	}
 }
 
@@ -94,9 +86,9 @@ void UCorvaneRequestCompleteObject::setHttpRequest(FHttpRequestPtr InRequest)
 
 void UCorvaneRequestCompleteObject::stopWorker()
 {
+	stopJobs();
 	if (corvThread)
 	{
-		corvThread->stopThread();
 		corvThread->waitForEnd();
 	}
 }

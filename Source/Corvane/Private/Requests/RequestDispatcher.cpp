@@ -105,7 +105,7 @@ namespace CorvaneDispatcher
 		{
 			CorvaneDelivery::completion(Library, nullptr, {FString(), {}, {}, refused, {}, Object->getRequestID()});
 		}
-		Object->abandonRun();
+		Object->stopJobs();
 	}
 } // namespace CorvaneDispatcher
 
@@ -138,12 +138,6 @@ void UCorvaneBPLibrary::startRequest(FhttpRequest& InRequest)
 	if (!Object->initCorv())
 	{
 		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: The request is still running and was not started again. %s"), *ID);
-		return;
-	}
-	if (!Object->isWorkerStarted())
-	{
-		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: No thread for the request. %s"), *ID);
-		CorvaneDispatcher::refuse(this, Object);
 		return;
 	}
 
