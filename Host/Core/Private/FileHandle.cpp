@@ -2,6 +2,7 @@
 
 #include "NativePath.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -11,6 +12,8 @@ namespace
 {
 	constexpr int always = O_CLOEXEC | O_NONBLOCK; // a pipe without another end must not make the caller wait
 	constexpr mode_t newFileMode = 0666; // less the user's mask
+	/** The kernel answers larger writes with larger pieces of fresh memory, and copying into those can take several times as long. */
+	constexpr size_t mostPerWrite = 128 << 10;
 
 	struct stat statusOf(int Descriptor)
 	{
@@ -101,7 +104,8 @@ bool FFileHandle::Read(uint8* To, int64 Number)
 
 bool FFileHandle::Write(const uint8* From, int64 Number)
 {
-	return moveAll(From, Number, [this](const uint8* Bytes, size_t Left) { return write(Descriptor, Bytes, Left); });
+	return moveAll(
+		From, Number, [this](const uint8* Bytes, size_t Left) { return write(Descriptor, Bytes, std::min(Left, mostPerWrite)); });
 }
 
 bool FFileHandle::Flush(const bool bFullFlush)
