@@ -1,23 +1,9 @@
 #include "FileArchives.h"
 
+#include "Host/LargePages.h"
+
 #include <algorithm>
 #include <cstring>
-#include <sys/mman.h>
-
-namespace
-{
-	/** A large read usually fills fresh memory; in large pages that costs a fraction of the page faults. */
-	void preferLargePages(uint8* To, int64 Number)
-	{
-		constexpr uintptr_t pageSize = 2 << 20;
-		const uintptr_t First = (reinterpret_cast<uintptr_t>(To) + pageSize - 1) / pageSize * pageSize;
-		const uintptr_t End = (reinterpret_cast<uintptr_t>(To) + static_cast<uintptr_t>(Number)) / pageSize * pageSize;
-		if (First < End)
-		{
-			madvise(reinterpret_cast<void*>(First), End - First, MADV_HUGEPAGE); // no more than a wish
-		}
-	}
-} // namespace
 
 FFileReader::FFileReader(std::unique_ptr<FFileHandle> InFile)
 	: File(std::move(InFile))

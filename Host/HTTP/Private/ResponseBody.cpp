@@ -1,5 +1,7 @@
 #include "ResponseBody.h"
 
+#include "Host/LargePages.h"
+
 #include <algorithm>
 #include <cstring>
 #include <new>
@@ -37,6 +39,7 @@ bool FResponseBody::MakeRoom(size_t Wanted)
 	try
 	{
 		FBlock Grown = std::make_shared_for_overwrite<uint8[]>(NewCapacity);
+		preferLargePages(Grown.get(), static_cast<int64>(NewCapacity));
 		std::copy_n(Block.get(), Size, Grown.get());
 		const std::scoped_lock Lock(Mutex);
 		Block.swap(Grown);
