@@ -17,6 +17,7 @@ namespace Program
 		constexpr double middle = 42; // between the two sides
 		constexpr double labelFontSize = 13;
 		constexpr double titleFontSize = 15;
+		constexpr double boldFactor = 1.12; // bold characters are that much wider
 		constexpr std::string_view unconnectedMark = "may stay unconnected";
 
 		/** One side of a row: an execution when there is no pin. */
@@ -183,7 +184,7 @@ namespace Program
 		const double titleHeight = facts.subtitle.empty() ? 32 : 47;
 		const Body body(facts, titleHeight);
 		const double titleWidth =
-			std::max(textWidth(facts.title, titleFontSize * 1.05), textWidth(facts.subtitle, labelFontSize)) + 2 * margin + 40;
+			std::max(textWidth(facts.title, titleFontSize * boldFactor), textWidth(facts.subtitle, labelFontSize)) + 2 * margin + 40;
 		const double width = std::max(body.width(), titleWidth);
 		const double height = titleHeight + body.height();
 		return fmt::format(

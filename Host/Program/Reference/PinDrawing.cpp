@@ -12,24 +12,26 @@ namespace Program
 	{
 		constexpr double valueFontSize = 12;
 
-		/** How wide characters are in fonts of the size 1. */
+		/** How wide characters are in the widest of the usual fonts at the size 1: text may leave room, it must not overlap. */
 		struct WidthClass
 		{
 			std::string_view characters;
 			double width;
 		};
 		constexpr WidthClass widthClasses[] = {
-			{"ijl'", 0.22},
-			{"ftI.,:;/ !", 0.28},
-			{"r()-\"", 0.33},
-			{"ckvsxyzJ", 0.5},
-			{"ABEKPSVXY", 0.67},
-			{"CDHNRUw", 0.72},
-			{"GOQ", 0.78},
-			{"mM", 0.83},
-			{"W", 0.94},
+			{"ijlI'", 0.28},
+			{".,:;!J/ ", 0.33},
+			{"ft-", 0.39},
+			{"r()", 0.41},
+			{"cszL_\"", 0.56},
+			{"ABEKPSVXYZ", 0.69},
+			{"CDHNRU", 0.76},
+			{"GOQ", 0.79},
+			{"w", 0.82},
+			{"M", 0.87},
+			{"mW", 0.98},
 		};
-		constexpr double commonWidth = 0.57;
+		constexpr double commonWidth = 0.63;
 
 		std::string_view colourOf(const FPropertyType& type)
 		{
@@ -133,7 +135,7 @@ namespace Program
 			const auto found = std::find_if(std::begin(widthClasses), std::end(widthClasses), has);
 			units += found == std::end(widthClasses) ? commonWidth : found->width;
 		}
-		return std::ceil(units * fontSize * 1.03); // a little more than it takes, for the fonts that are wider
+		return std::ceil(units * fontSize);
 	}
 
 	std::string drawText(
