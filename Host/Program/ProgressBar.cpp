@@ -13,6 +13,8 @@ namespace Program
 	namespace
 	{
 		constexpr double mebibyte = 1 << 20;
+		constexpr double shortestMeasurement = 0.25; // seconds; what is in buffers at the start says nothing about the line
+		constexpr auto betweenDrawings = std::chrono::milliseconds(50);
 
 		struct Source
 		{
@@ -28,6 +30,12 @@ namespace Program
 			{"onhttpFileUploadDelegate", "percentUpload", "size", "bytesSent", 1, "sent"},
 		};
 
+		/** A size that nobody told is reported as one byte. */
+		bool isSizeKnown(double size)
+		{
+			return size > 1.5;
+		}
+
 		/** @return "12 s" or "3 min 20 s". */
 		std::string inWords(double seconds)
 		{
@@ -35,6 +43,18 @@ namespace Program
 			return whole < 60 ? fmt::format("{} s", whole) : fmt::format("{} min {} s", whole / 60, whole % 60);
 		}
 	} // namespace
+
+	std::string ProgressBar::amount(const Progress& progress)
+	{
+		if (!isSizeKnown(progress.size))
+		{
+			return fmt::format("{:.1f} MiB {}", progress.done / mebibyte, progress.direction);
+		}
+		constexpr int width = 30;
+		const int filled = static_cast<int>(std::clamp(progress.percent, 0.0, 100.0) / 100 * width);
+		return fmt::format("[{:<{}}] {:3.0f} % {} of {:.1f} MiB", std::string(static_cast<size_t>(filled), '#'), width, progress.percent,
+			progress.direction, progress.size / mebibyte);
+	}
 
 	ProgressBar::ProgressBar()
 	{
@@ -67,28 +87,31 @@ namespace Program
 
 	void ProgressBar::draw(const Progress& progress)
 	{
-		constexpr int width = 30;
-		const int filled = static_cast<int>(std::clamp(progress.percent, 0.0, 100.0) / 100 * width);
-		fmt::print(stderr, "\r[{:<{}}] {:3.0f} % {} of {:.1f} MiB{}\033[K", std::string(static_cast<size_t>(filled), '#'), width,
-			progress.percent, progress.direction, progress.size / mebibyte, speedAndTimeLeft(progress));
-		isDrawn = true;
-	}
-
-	std::string ProgressBar::speedAndTimeLeft(const Progress& progress)
-	{
 		const Clock::time_point now = Clock::now();
 		if (!isDrawn || progress.done < firstDone)
 		{
 			firstTime = now;
 			firstDone = progress.done;
 		}
+		else if (now - lastDrawn < betweenDrawings)
+		{
+			return;
+		}
+		lastDrawn = now;
+		isDrawn = true;
 		const double seconds = std::chrono::duration<double>(now - firstTime).count();
-		const double speed = seconds > 0 ? (progress.done - firstDone) / seconds : 0;
+		fmt::print(stderr, "\r{}{}\033[K", amount(progress), speedAndTimeLeft(progress, seconds));
+	}
+
+	std::string ProgressBar::speedAndTimeLeft(const Progress& progress, double seconds) const
+	{
+		const double speed = seconds >= shortestMeasurement ? (progress.done - firstDone) / seconds : 0;
 		if (speed <= 0)
 		{
 			return "";
 		}
 		const double left = std::max(progress.size - progress.done, 0.0);
-		return fmt::format(", {:.1f} MiB/s, {} left", speed / mebibyte, inWords(left / speed));
+		return fmt::format(", {:.1f} MiB/s", speed / mebibyte) +
+			   (isSizeKnown(progress.size) ? fmt::format(", {} left", inWords(left / speed)) : "");
 	}
 } // namespace Program

@@ -29,11 +29,13 @@ namespace Program
 		};
 
 		void draw(const Progress& progress);
+		static std::string amount(const Progress& progress);
 		/** @return the end of the line; empty while there is nothing to tell. */
-		std::string speedAndTimeLeft(const Progress& progress);
+		std::string speedAndTimeLeft(const Progress& progress, double seconds) const;
 
 		std::list<EventTap> taps;
 		bool isDrawn = false;
+		Clock::time_point lastDrawn;
 		Clock::time_point firstTime; // where the speed is measured from
 		double firstDone = 0;
 	};
