@@ -6,6 +6,10 @@
 #include "RawServer.h"
 #include "UObject/UObjectGlobals.h"
 
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+
 namespace
 {
 	class Lifetime : public ModuleFixture
@@ -22,6 +26,19 @@ namespace
 			connection.waitFor(gate);
 			connection.send(answer(200, body));
 		};
+	}
+
+	/** Threads of this process that a request's worker has named. */
+	size_t numWorkers()
+	{
+		size_t number = 0;
+		for (const auto& task : std::filesystem::directory_iterator("/proc/self/task"))
+		{
+			std::string name;
+			std::getline(std::ifstream(task.path() / "comm"), name);
+			number += name.starts_with("FCorvThread") ? 1u : 0u;
+		}
+		return number;
 	}
 } // namespace
 
@@ -64,6 +81,31 @@ TEST_F(Lifetime, ARunningRequestNeedsNoScriptToHoldIt)
 	drain();
 	ASSERT_EQ(completions.size(), 1u);
 	EXPECT_EQ(completions[0].dataString, "late");
+}
+
+TEST_F(Lifetime, ARequestThatWaitsForItsServerHoldsNoThread)
+{
+	constexpr size_t requests = 20;
+	Gate gate;
+	std::atomic<size_t> asked{0};
+	RawServer slow(
+		[&](Connection& connection)
+		{
+			connection.readHead();
+			++asked;
+			connection.waitFor(gate);
+			connection.send(answer(200, "late"));
+		});
+	const size_t before = numWorkers();
+	for (size_t number = 0; number < requests; ++number)
+	{
+		execute(get(slow.url()));
+	}
+	ASSERT_TRUE(loop.WaitFor([&] { return asked == requests; }, patienceSeconds));
+	EXPECT_EQ(numWorkers(), before);
+	gate.open();
+	drain();
+	EXPECT_EQ(completions.size(), requests);
 }
 
 TEST_F(Lifetime, ARecordMayBeExecutedAgainFromItsOwnHandler)
