@@ -52,8 +52,7 @@ namespace CorvaneDelivery
 			Result.dataString, Result.dataArray, Result.header, Result.statusCode, Result.byteData, Result.requestID);
 	}
 
-	static void routeFileInfo(
-		UCorvaneBPLibrary& Library, UAsyncNodeCorv* Node, const FHttpRequestPtr& Request, const FCorvFileInfoResult& Result)
+	static void route(UCorvaneBPLibrary& Library, UAsyncNodeCorv* Node, const FHttpRequestPtr& Request, const FCorvFileInfoResult& Result)
 	{
 		if (UAsyncNodeCorv* Receiver = receiver(Library, Node, Request, Result.requestID))
 		{
@@ -68,32 +67,31 @@ namespace CorvaneDelivery
 		Library.onhttpRequestCompleteGoogleInfoDelegate.Broadcast(
 			Result.fileName, Result.fileSizeInBytes, Result.statusCode, Result.downloadID, Result.requestID);
 	}
+
+	/** The node is the one that waits now: a later one of the same ID has not asked for this result. */
+	template <class ResultType>
+	static void post(UCorvaneBPLibrary* InLibrary, FHttpRequestPtr Request, ResultType Result)
+	{
+		AsyncTask(ENamedThreads::GameThread,
+			[Library = TWeakObjectPtr<UCorvaneBPLibrary>(InLibrary), Node = InLibrary->findNode(Result.requestID), Request,
+				Result = MoveTemp(Result)]
+			{
+				if (UCorvaneBPLibrary* Alive = Library.Get())
+				{
+					route(*Alive, Node.Get(), Request, Result);
+				}
+			});
+	}
 } // namespace CorvaneDelivery
 
 void CorvaneDelivery::completion(UCorvaneBPLibrary* InLibrary, FHttpRequestPtr Request, FCorvCompletion Result)
 {
-	AsyncTask(ENamedThreads::GameThread,
-		[Library = TWeakObjectPtr<UCorvaneBPLibrary>(InLibrary), Node = InLibrary->findNode(Result.requestID), Request,
-			Result = MoveTemp(Result)]
-		{
-			if (UCorvaneBPLibrary* Alive = Library.Get())
-			{
-				route(*Alive, Node.Get(), Request, Result);
-			}
-		});
+	post(InLibrary, MoveTemp(Request), MoveTemp(Result));
 }
 
 void CorvaneDelivery::fileInfo(UCorvaneBPLibrary* InLibrary, FHttpRequestPtr Request, FCorvFileInfoResult Result)
 {
-	AsyncTask(ENamedThreads::GameThread,
-		[Library = TWeakObjectPtr<UCorvaneBPLibrary>(InLibrary), Node = InLibrary->findNode(Result.requestID), Request,
-			Result = MoveTemp(Result)]
-		{
-			if (UCorvaneBPLibrary* Alive = Library.Get())
-			{
-				routeFileInfo(*Alive, Node.Get(), Request, Result);
-			}
-		});
+	post(InLibrary, MoveTemp(Request), MoveTemp(Result));
 }
 
 void CorvaneDelivery::downloadProgress(
