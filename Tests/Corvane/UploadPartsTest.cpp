@@ -21,6 +21,7 @@ namespace
 				}
 				response.set_content("saved " + std::to_string(request.files.size()), "text/plain");
 			};
+			Http.new_task_queue = [] { return new httplib::ThreadPool(1); };
 			Http.set_keep_alive_max_count(1); // its end would wait for connections that are kept
 			Http.Post("/", save);
 			Http.Put("/", save);
