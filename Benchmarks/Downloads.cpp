@@ -2,6 +2,7 @@
 #include "Host/Log.h"
 #include "Kit/Command.h"
 #include "Kit/CorvaneClient.h"
+#include "Kit/Options.h"
 #include "Kit/ProcessFigures.h"
 #include "Kit/RandomFile.h"
 #include "Kit/Self.h"
@@ -134,9 +135,7 @@ namespace
 			command->add_option("--whole-mebibytes", wholeMebibytes, "Size for WHOLE")->capture_default_str();
 			command->add_option("--stepped-mebibytes", steppedMebibytes, "Size for STEPPED")->capture_default_str();
 			command->add_option("--folder", folder, "Where the files lie; empty = the folder for temporary files");
-			command->add_option("--pairs", pairs, "Pairs of runs behind one warm-up pair, Corvane's in a fresh process")
-				->capture_default_str()
-				->check(CLI::PositiveNumber);
+			addPairs(*command, pairs, "Pairs of runs behind one warm-up pair, Corvane's in a fresh process");
 			command->add_option("--url", url)->group(""); // for the fresh processes alone, like the next
 			command->add_option("--target", target)->group("");
 			return command;

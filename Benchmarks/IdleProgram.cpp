@@ -1,4 +1,5 @@
 #include "GameLoop.h"
+#include "Kit/Options.h"
 #include "Kit/ProcessFigures.h"
 #include "Workload.h"
 
@@ -43,9 +44,7 @@ namespace
 		{
 			CLI::App* command = program.add_subcommand("idle-program", "CPU time of a program in which nothing happens");
 			command->add_option("--seconds", seconds, "Length of one run")->capture_default_str()->check(CLI::PositiveNumber);
-			command->add_option("--pairs", pairs, "Pairs of runs behind one warm-up pair")
-				->capture_default_str()
-				->check(CLI::PositiveNumber);
+			addPairs(*command, pairs, "Pairs of runs behind one warm-up pair");
 			return command;
 		}
 

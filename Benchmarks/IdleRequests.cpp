@@ -2,6 +2,7 @@
 #include "Host/Log.h"
 #include "Kit/BareCurl.h"
 #include "Kit/CorvaneClient.h"
+#include "Kit/Options.h"
 #include "Kit/ProcessFigures.h"
 #include "Kit/Self.h"
 #include "Kit/SilentServer.h"
@@ -98,9 +99,7 @@ namespace
 		{
 			CLI::App* command = program.add_subcommand("idle-requests", "Memory of requests that wait for an answer");
 			command->add_option("--requests", requests, "Requests that wait at a time")->capture_default_str()->check(CLI::PositiveNumber);
-			command->add_option("--pairs", pairs, "Pairs of runs, each run in a fresh process")
-				->capture_default_str()
-				->check(CLI::PositiveNumber);
+			addPairs(*command, pairs, "Pairs of runs, each run in a fresh process");
 			command->add_option("--side", side)->group(""); // for the fresh processes alone
 			return command;
 		}

@@ -1,5 +1,6 @@
 #include "GameLoop.h"
 #include "Kit/CorvaneClient.h"
+#include "Kit/Options.h"
 #include "Kit/ProcessFigures.h"
 #include "Kit/RequestFigures.h"
 #include "Kit/Self.h"
@@ -40,9 +41,7 @@ namespace
 			CLI::App* command = program.add_subcommand("node-overhead", "The same small GETs by latent nodes, and by builder and event");
 			command->add_option("--requests", requests, "Requests of one run")->capture_default_str()->check(CLI::PositiveNumber);
 			command->add_option("--in-flight", inFlight, "Requests at a time")->capture_default_str()->check(CLI::PositiveNumber);
-			command->add_option("--pairs", pairs, "Pairs of runs behind one warm-up pair")
-				->capture_default_str()
-				->check(CLI::PositiveNumber);
+			addPairs(*command, pairs, "Pairs of runs behind one warm-up pair");
 			return command;
 		}
 
@@ -102,9 +101,7 @@ namespace
 		{
 			CLI::App* command = program.add_subcommand("node-memory", "Memory that finished latent nodes leave behind");
 			command->add_option("--in-flight", inFlight, "Requests at a time")->capture_default_str()->check(CLI::PositiveNumber);
-			command->add_option("--pairs", pairs, "Pairs of runs, each run in a fresh process")
-				->capture_default_str()
-				->check(CLI::PositiveNumber);
+			addPairs(*command, pairs, "Pairs of runs, each run in a fresh process");
 			command->add_option("--side", side)->group(""); // for the fresh processes alone
 			return command;
 		}

@@ -1,6 +1,7 @@
 #include "GameLoop.h"
 #include "Kit/BareCurl.h"
 #include "Kit/CorvaneClient.h"
+#include "Kit/Options.h"
 #include "Kit/ProcessFigures.h"
 #include "Kit/RequestFigures.h"
 #include "NginxServer.h"
@@ -21,9 +22,7 @@ namespace
 			command->add_option("--requests", requests, "Requests of one run")->capture_default_str()->check(CLI::PositiveNumber);
 			command->add_option("--in-flight", inFlight, "Requests at a time; each value is measured")->capture_default_str();
 			command->add_option("--bytes", bytes, "Bytes of each answer")->capture_default_str()->check(CLI::NonNegativeNumber);
-			command->add_option("--pairs", pairs, "Pairs of runs behind one warm-up pair")
-				->capture_default_str()
-				->check(CLI::PositiveNumber);
+			addPairs(*command, pairs, "Pairs of runs behind one warm-up pair");
 			return command;
 		}
 

@@ -3,6 +3,7 @@
 #include "Kit/Command.h"
 #include "Kit/CorvaneClient.h"
 #include "Kit/DroppingServer.h"
+#include "Kit/Options.h"
 #include "Kit/ProcessFigures.h"
 #include "Kit/RandomFile.h"
 #include "Kit/Self.h"
@@ -139,9 +140,7 @@ namespace
 			command->add_option("--stream-mebibytes", streamMebibytes, "Size of files that are streamed")->capture_default_str();
 			command->add_option("--memory-mebibytes", memoryMebibytes, "Size of files that are loaded")->capture_default_str();
 			command->add_option("--kind", wanted, "Only these kinds: PUT_STREAM_BLANK, PUT_STREAM_MP, PUT_STREAM_COPY, POST, PUT, ...");
-			command->add_option("--pairs", pairs, "Pairs of runs behind one warm-up pair, each run in a fresh process")
-				->capture_default_str()
-				->check(CLI::PositiveNumber);
+			addPairs(*command, pairs, "Pairs of runs behind one warm-up pair, each run in a fresh process");
 			command->add_option("--url", url)->group(""); // for the fresh processes alone, like the next
 			command->add_option("--file", file)->group("");
 			return command;

@@ -1,6 +1,7 @@
 #include "Kit/FileWorkload.h"
 
 #include "Kit/ChildProcess.h"
+#include "Kit/Options.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -76,7 +77,7 @@ CLI::App* FileWorkload::addTo(CLI::App& program)
 	CLI::App* command = program.add_subcommand(description.name, description.summary);
 	command->add_option("--mebibytes", description.mebibytes, "Size of the file")->capture_default_str()->check(CLI::PositiveNumber);
 	command->add_option("--folder", root, "Where the files are made")->capture_default_str()->check(CLI::ExistingDirectory);
-	command->add_option("--pairs", pairs, "Pairs of runs behind one warm-up pair")->capture_default_str()->check(CLI::PositiveNumber);
+	addPairs(*command, pairs, "Pairs of runs behind one warm-up pair");
 	command->add_option("--work-on", workOn)->group("");
 	addOptions(*command);
 	return command;
