@@ -4,6 +4,7 @@
 #include "Host/GameThreadTasks.h"
 #include "Host/Objects.h"
 #include "Host/SystemThreads.h"
+#include "Misc/CoreDelegates.h"
 #include "Modules/ModuleManager.h"
 
 #include <algorithm>
@@ -118,6 +119,7 @@ void FGameLoop::Shutdown()
 		return;
 	}
 	HttpService::EndGameThreadCallbacks();
+	FCoreDelegates::OnPreExit.Broadcast();
 	for (auto Module = Modules.rbegin(); Module != Modules.rend(); ++Module)
 	{
 		(*Module)->ShutdownModule();

@@ -6,6 +6,7 @@
 #include "HAL/RunnableThread.h"
 #include "Host/GameThreadTasks.h"
 #include "Host/SystemThreads.h"
+#include "NoThreads.h"
 
 #include <atomic>
 #include <gtest/gtest.h>
@@ -128,6 +129,28 @@ TEST(GameThreadTasks, RunInOrderAndNeverInsideTheCall)
 	EXPECT_EQ(Order, (std::vector{1, 2}));
 	EXPECT_EQ(GameThreadTasks::RunQueued(), 1);
 	EXPECT_EQ(Order.back(), 3);
+}
+
+TEST(RunnableThread, IsNullWhenTheSystemHasNoneAndLeavesTheRunnableAlone)
+{
+	class FUntouched : public FRunnable
+	{
+	public:
+		uint32 Run() override { return ++Touched; }
+		void Stop() override { ++Touched; }
+		std::atomic<uint32> Touched{0};
+	};
+	FUntouched Runnable;
+	HostThreads::JoinIdle();
+	{
+		const NoThreads Limit;
+		EXPECT_EQ(FRunnableThread::Create(&Runnable, TEXT("None")), nullptr);
+	}
+	EXPECT_EQ(Runnable.Touched, 0u);
+	const std::unique_ptr<FRunnableThread> Thread(FRunnableThread::Create(&Runnable, TEXT("One")));
+	ASSERT_TRUE(Thread);
+	Thread->WaitForCompletion();
+	EXPECT_EQ(Runnable.Touched, 1u);
 }
 
 TEST(GameThreadTasks, WakeTheLoopFromAnotherThread)

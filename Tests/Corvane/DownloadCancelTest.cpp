@@ -130,6 +130,25 @@ TEST_F(DownloadCancel, MayBeFollowedByANewStartInItsOwnEvent)
 	EXPECT_TRUE(target() == content);
 }
 
+TEST_F(DownloadCancel, OfASteppedOneOutlivesASecondStartOfItsRecord)
+{
+	Gate gate;
+	RangeOrigin origin(
+		[&gate](Connection& connection, const RangeRequest& request)
+		{
+			connection.waitFor(gate);
+			connection.send(rangedAnswer(content, request));
+		});
+	const TArray<FhttpRequest> requests = build({origin.url(), DownloadKind::Stepped, Action::E_RESUME, "", "id", {}, 20000});
+	execute(requests);
+	UCorvaneBPLibrary::cancelRequest("id");
+	execute(requests); // refused, and no reason to go on
+	gate.open();
+	drain();
+	expectOneFailure(0);
+	EXPECT_EQ(target(), std::nullopt);
+}
+
 TEST_F(DownloadCancel, FollowedByAnOverwriteAtOnceNeverMixesTheTwo)
 {
 	RangeOrigin honest([](Connection& connection, const RangeRequest& request) { connection.send(rangedAnswer(content, request)); });

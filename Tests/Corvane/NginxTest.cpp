@@ -1,5 +1,6 @@
 #include "ModuleFixture.h"
 #include "NginxServer.h"
+#include "NoThreads.h"
 #include "TempDir.h"
 
 #include <cstdlib>
@@ -29,6 +30,28 @@ TEST_F(Nginx, ServesFilesRedirectsAndErrors)
 	const Completion part = run(get(server.url("/file.bin"), {{"Range", "bytes=10-19"}}));
 	EXPECT_EQ(part.statusCode, 206);
 	EXPECT_EQ(part.byteData, content.substr(10, 10));
+}
+
+TEST_F(Nginx, AnswersArriveWhenTheSystemHasNoThreadToGive)
+{
+	const std::string content(1 << 20, 'c');
+	dir.write("file.bin", content);
+	TArray<FhttpRequest> requests = get(server.url("/file.bin"), {}, "text");
+	FString id;
+	ASSERT_EQ(
+		UCorvaneBPLibrary::CreateHttpRequestGETDownload(requests, text(server.url("/file.bin")), {},
+			EHTTPCorvFileDownloadResumeType::E_OVERWRITE, EHTTPCorvFileUpload::E_ad, text(dir.path() + "/copy"), "file", requests, id),
+		0);
+	const NoThreads limit;
+	execute(requests);
+	drain();
+	ASSERT_EQ(completions.size(), 2u);
+	for (const Completion& completion : completions)
+	{
+		EXPECT_EQ(completion.statusCode, 200);
+		EXPECT_TRUE(completion.dataString == content) << completion.requestID;
+	}
+	EXPECT_TRUE(dir.read("copy") == content);
 }
 
 /** Rounds of the test below; the environment variable CORVANE_TEST_ROUNDS asks for a longer run. */

@@ -42,6 +42,18 @@ TEST_P(NodeLife, ALaterNodeTakesOverAnIdInAnySpelling)
 		patienceSeconds));
 }
 
+TEST_P(NodeLife, ALaterNodeLeavesTheEarlierOneARootOfItsOwner)
+{
+	NodeOrigin origin(&gate);
+	UAsyncNodeCorv& earlier = start(make(origin, "Same"));
+	earlier.AddToRoot();
+	start(make(origin, "same"));
+	EXPECT_EQ(earlier.IsRooted(), !isRootedKind()) << "the root of the other kind is the factory's";
+	earlier.RemoveFromRoot();
+	gate.open();
+	drain();
+}
+
 TEST_P(NodeLife, CollectionSparesARootedNodeAndSendsOthersResultsToTheEvent)
 {
 	for (const bool bAnswerIsPosted : {false, true})

@@ -77,6 +77,12 @@ TEST(PageReading, FindsTheLinkOfAFilePage)
 	{
 		EXPECT_EQ(utf8(CorvaneRules::downloadLink(text(page))), link) << page;
 	}
+	std::string manyQuotes; // taken away one by one from the front, they would keep the HTTP thread for hours
+	for (int number = 0; number < 1'000'000; ++number)
+	{
+		manyQuotes += "a\"bcdef";
+	}
+	EXPECT_EQ(CorvaneRules::downloadLink(text(manyQuotes)).Len(), 6'000'000);
 }
 
 TEST(PageReading, ReadsTheSizeThatAPageShows)

@@ -21,6 +21,7 @@
 #include "Kismet/BlueprintFunctionLibrary.h"
 #include "Misc/Base64.h"
 #include "Misc/CString.h"
+#include "Misc/CoreDelegates.h"
 #include "Misc/DateTime.h"
 #include "Misc/FileHelper.h"
 #include "Misc/Guid.h"
@@ -238,6 +239,7 @@ namespace EngineSignatures
 	static_assert(!std::is_copy_constructible_v<FCriticalSection>);
 	IS_DECLARED(void (IModuleInterface::*)(), IModuleInterface::StartupModule);
 	IS_DECLARED(void (IModuleInterface::*)(), IModuleInterface::ShutdownModule);
+	GIVES(void, FCoreDelegates::OnPreExit.RemoveAll(std::declval<const void*>()));
 
 	// Objects.
 	using FLibrary = UBlueprintFunctionLibrary;

@@ -59,11 +59,9 @@ namespace
 	public:
 		explicit FSystemThread(FThreadPool& InPool)
 			: Pool(InPool)
-			, Woken(FPlatformProcess::GetSynchEventFromPool())
 			, Thread([this] { Loop(); })
 		{
 		}
-		~FSystemThread() { FPlatformProcess::ReturnSynchEventToPool(Woken); }
 
 		void Wake() { Woken->Trigger(); }
 		void Sleep() { Woken->Wait(); }
@@ -82,8 +80,13 @@ namespace
 			}
 		}
 
+		struct FReturnToPool
+		{
+			void operator()(FEvent* Event) const { FPlatformProcess::ReturnSynchEventToPool(Event); }
+		};
+
 		FThreadPool& Pool;
-		FEvent* const Woken;
+		const std::unique_ptr<FEvent, FReturnToPool> Woken{FPlatformProcess::GetSynchEventFromPool()};
 		std::thread Thread; // last: it starts when all else stands
 	};
 
@@ -188,12 +191,18 @@ namespace
 			: Runnable(InRunnable)
 		{
 		}
-		~FPooledThread() override { Kill(true); }
+		~FPooledThread() override
+		{
+			if (bStarted)
+			{
+				Kill(true);
+			}
+		}
 
 		bool Start(std::string Name)
 		{
 			// The end is signalled through shared state: this object may be deleted the moment the wait is over.
-			return thePool().Run({[Runnable = Runnable, End = End]
+			bStarted = thePool().Run({[Runnable = Runnable, End = End]
 				{
 					Runnable->Run();
 					const std::scoped_lock Lock(End->Mutex);
@@ -201,6 +210,7 @@ namespace
 					End->Condition.notify_all();
 				},
 				std::move(Name)});
+			return bStarted;
 		}
 
 		bool Kill(bool bShouldWait) override
@@ -237,6 +247,7 @@ namespace
 		}
 
 		FRunnable* Runnable;
+		bool bStarted = false;
 		std::shared_ptr<FEnd> End = std::make_shared<FEnd>();
 	};
 } // namespace

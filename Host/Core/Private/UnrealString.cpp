@@ -23,6 +23,11 @@ namespace
 	{
 		return toLowerAscii(A) == toLowerAscii(B);
 	}
+
+	auto sameUnits(ESearchCase::Type Case)
+	{
+		return [Case](TCHAR A, TCHAR B) { return Case == ESearchCase::IgnoreCase ? equalUnits(A, B) : A == B; };
+	}
 } // namespace
 
 FString::FString(const ANSICHAR* AsciiText)
@@ -59,7 +64,7 @@ size_t GetTypeHash(const FString& Value)
 
 int32 FString::Find(const FString& Part, ESearchCase::Type Case, ESearchDir::Type Direction) const
 {
-	const auto Same = [Case](TCHAR A, TCHAR B) { return Case == ESearchCase::IgnoreCase ? equalUnits(A, B) : A == B; };
+	const auto Same = sameUnits(Case);
 	if (Direction == ESearchDir::FromStart)
 	{
 		const auto Found = std::search(Text.begin(), Text.end(), Part.Text.begin(), Part.Text.end(), Same);
@@ -101,14 +106,20 @@ FString FString::TrimEnd() const
 FString FString::Replace(const TCHAR* From, const TCHAR* To, ESearchCase::Type Case) const
 {
 	const FString Wanted(From);
-	FString Rest(*this);
 	FString Result;
-	for (int32 At; !Wanted.IsEmpty() && (At = Rest.Find(Wanted, Case)) != INDEX_NONE;)
+	auto Rest = Text.begin();
+	if (!Wanted.IsEmpty())
 	{
-		Result += Rest.Left(At) + To;
-		Rest = Rest.RightChop(At + Wanted.Len());
+		for (auto Found = Rest;
+			 (Found = std::search(Rest, Text.end(), Wanted.Text.begin(), Wanted.Text.end(), sameUnits(Case))) != Text.end();)
+		{
+			Result.Text.append(Rest, Found);
+			Result += To;
+			Rest = Found + Wanted.Len();
+		}
 	}
-	return Result + Rest;
+	Result.Text.append(Rest, Text.end());
+	return Result;
 }
 
 bool FString::Split(

@@ -279,6 +279,11 @@ size_t HostObjects::NumObjects()
 	return theTable().Slots.size() - theTable().Free.size();
 }
 
+bool UObjectInitialized()
+{
+	return HostObjects::NumObjects() > 0;
+}
+
 void HostObjects::DestroyAll()
 {
 	FObjectLifetime::DestroyAll();

@@ -89,7 +89,12 @@ void UCorvaneBPLibrary::shutDown()
 			Object->stopWorker();
 		}
 	}
-	delete byteToFileThread; // finishes the queued writes
-	byteToFileThread = nullptr;
+	FByteToFileThread* Writer = nullptr;
+	{
+		FScopeLock Lock(&mapLock);
+		Writer = byteToFileThread;
+		byteToFileThread = nullptr;
+	}
+	delete Writer; // finishes the queued writes
 	endUploads();
 }

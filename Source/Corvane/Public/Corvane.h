@@ -18,9 +18,10 @@ class FCorvaneModule : public IModuleInterface
 {
 public:
 	virtual void StartupModule() override;
-	/**
-	 * Refuses new requests, cancels the running ones and waits up to 5 seconds until each has dealt with its bytes.
-	 * @note Thread: game thread.
-	 */
+	/** Does what the end of the program does, if objects still exist. Thread: game thread. */
 	virtual void ShutdownModule() override;
+
+private:
+	/** Refuses new requests, cancels the running ones and waits up to 5 seconds until each has dealt with its bytes. */
+	void endRequests();
 };

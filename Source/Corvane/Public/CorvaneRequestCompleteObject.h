@@ -170,11 +170,12 @@ private:
 	int32 multiStepDownload = 0;
 	EMultiStepType multiStepDownloadType = EMultiStepType::E_GOOGLE_DRIVE_DOWNLOAD;
 	int64 HTMLFileSize = 0;
-	int64 lastProgressBytes = 0; // request worker, down to cancelDownloadContent
+	int64 lastProgressBytes = 0; // request worker, down to cancelDownloadResponse
 	int32 serverSendEventLastByte = 0;
 	float megabitSpeed = 0;
 	int64 lastProgressTime = 0; // ticks of 100 ns, 0 = never measured
-	TArray<uint8> cancelDownloadContent;
+	TArray<uint8> cancelDownloadContent; // what had arrived when the cancel was seen, and of which answer
+	FHttpResponsePtr cancelDownloadResponse;
 	// Set when the mark was taken, though the request may still complete well; shared with what follows this run.
 	TSharedPtr<std::atomic<bool>> cancelSeen;
 	bool bProbeGotBody = false; // the server sent the file in answer to the question for its size

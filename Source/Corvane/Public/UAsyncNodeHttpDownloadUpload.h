@@ -38,7 +38,8 @@ public:
 	TArray<FhttpRequest> httpRequests;
 
 	/** Makes a node for a download to a file. The pins are those of CreateHttpRequestGETDownload. */
-	UFUNCTION(BlueprintCallable, Category = "Corvane|Download", meta = (BlueprintInternalUseOnly = "true", AutoCreateRefTerm = "header"))
+	UFUNCTION(BlueprintCallable, Category = "Corvane|Download",
+		meta = (BlueprintInternalUseOnly = "true", ToolTip = "", AutoCreateRefTerm = "header"))
 	static UAsyncNodeHttpDownloadUpload* AsyncExecuteHTTP_Download_REQUEST(FString url, TMap<FString, FString> header,
 		EHTTPCorvFileDownloadResumeType ActionIfFileExists, EHTTPCorvFileUpload DirectoryType, FString filePathWithFileName,
 		FString optionalRequestID);

@@ -36,7 +36,7 @@ public:
 	TArray<FhttpRequest> httpRequests;
 
 	/** Makes a node that asks for name and size of a Drive file. The pins are those of CreateHttpRequestGoogleDriveFileInfo. */
-	UFUNCTION(BlueprintCallable, Category = "Corvane|GET", meta = (BlueprintInternalUseOnly = "true"))
+	UFUNCTION(BlueprintCallable, Category = "Corvane|GET", meta = (BlueprintInternalUseOnly = "true", ToolTip = ""))
 	static UAsyncNodeHttpGoogleFileInfoRequest* AsyncExecuteHTTP_GoogleFileInfo_REQUEST(FString downloadID);
 
 	virtual void Activate() override;

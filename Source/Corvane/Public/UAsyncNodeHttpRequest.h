@@ -71,7 +71,7 @@ public:
 		EHTTPCorvIndividualType contentType, FString content, FString optionalRequestID, bool addContentLengthHeader = true);
 
 	/** Makes a node for the download of a Drive file into memory. The pins are those of CreateHttpRequestGoogleDrive. */
-	UFUNCTION(BlueprintCallable, Category = "Corvane|GET", meta = (BlueprintInternalUseOnly = "true"))
+	UFUNCTION(BlueprintCallable, Category = "Corvane|GET", meta = (BlueprintInternalUseOnly = "true", ToolTip = ""))
 	static UAsyncNodeHttpRequest* AsyncExecuteHTTP_GoogleDrive_REQUEST(
 		FString downloadID, FString optionalRequestID, int64 optionalFileSizeInByte);
 

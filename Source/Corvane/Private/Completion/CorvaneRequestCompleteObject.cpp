@@ -75,6 +75,7 @@ void UCorvaneRequestCompleteObject::resetRun()
 	megabitSpeed = 0;
 	serverSendEventLastByte = 0;
 	cancelDownloadContent.Empty();
+	cancelDownloadResponse.Reset();
 	cancelSeen = MakeShared<std::atomic<bool>>(false);
 	bProbeGotBody = false;
 }

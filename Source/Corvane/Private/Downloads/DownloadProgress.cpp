@@ -31,7 +31,9 @@ void UCorvaneRequestCompleteObject::requestProgressDownloadInternal(FHttpRequest
 	{
 		if (!fileCancelResumeDownloadDir.IsEmpty())
 		{
-			cancelDownloadContent = Response->GetContent(); // not every platform keeps it until the completion
+			// Not every platform keeps them until the completion.
+			cancelDownloadResponse = Response;
+			cancelDownloadContent = Response->GetContent();
 		}
 		return;
 	}
@@ -105,7 +107,7 @@ void UCorvaneRequestCompleteObject::reportDownload(float InTotal, float InReceiv
 
 void UCorvaneRequestCompleteObject::measureSpeed(int64 InBytes)
 {
-	const int64 Now = FDateTime::Now().GetTicks();
+	const int64 Now = FDateTime::UtcNow().GetTicks(); // local time jumps twice a year
 	if (lastProgressTime != 0 && Now - lastProgressTime < ETimespan::TicksPerSecond)
 	{
 		return;

@@ -77,7 +77,11 @@ ECorvDownloadAction UCorvaneRequestCompleteObject::writeBody(const FHttpRequestP
 
 void UCorvaneRequestCompleteObject::keepReceivedBytes(const FHttpRequestPtr& InRequest, const FHttpResponsePtr& InResponse)
 {
-	const FHttpResponsePtr Response = InResponse.IsValid() || !InRequest.IsValid() ? InResponse : InRequest->GetResponse();
+	FHttpResponsePtr Response = InResponse.IsValid() || !InRequest.IsValid() ? InResponse : InRequest->GetResponse();
+	if (!Response.IsValid())
+	{
+		Response = cancelDownloadResponse;
+	}
 	if (!Response.IsValid())
 	{
 		return;

@@ -52,7 +52,7 @@ namespace CorvaneByteToFile
 FByteToFileThread::FByteToFileThread()
 	: wakeUp(FPlatformProcess::GetSynchEventFromPool())
 {
-	thread = FRunnableThread::Create(this, *(TEXT("FByteToFileThread") + FGuid::NewGuid().ToString()));
+	startThread();
 }
 
 FByteToFileThread::~FByteToFileThread()
@@ -61,8 +61,17 @@ FByteToFileThread::~FByteToFileThread()
 	FPlatformProcess::ReturnSynchEventToPool(wakeUp);
 }
 
+void FByteToFileThread::startThread()
+{
+	thread = FRunnableThread::Create(this, *(TEXT("FByteToFileThread") + FGuid::NewGuid().ToString()));
+}
+
 void FByteToFileThread::addJob(FByteToFileJob InJob)
 {
+	if (!thread)
+	{
+		startThread(); // the system may have one by now
+	}
 	if (!thread)
 	{
 		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: No thread to write into %s"), *InJob.filePath);
@@ -133,6 +142,7 @@ void UCorvaneBPLibrary::byteDataToFile(
 {
 	if (UCorvaneBPLibrary* Library = getCorvaneTarget())
 	{
+		FScopeLock Lock(&Library->mapLock); // the end of the program would else free the thread under this call
 		Library->getByteToFileThread()->addJob({MoveTemp(InByteData), InDirectoryType, InFilePath, InFileAction});
 	}
 }

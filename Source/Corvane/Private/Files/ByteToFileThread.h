@@ -37,6 +37,7 @@ public:
 	virtual void Stop() override;
 
 private:
+	void startThread();
 	static void write(const FByteToFileJob& job);
 
 	TQueue<FByteToFileJob, EQueueMode::Mpsc> jobQueue;

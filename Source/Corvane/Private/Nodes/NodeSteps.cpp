@@ -1,16 +1,18 @@
 #include "Nodes/NodeSteps.h"
 
 #include "Requests/RequestBuilder.h"
-#include "UAsyncNodeCorv.h"
+#include "UAsyncNodeHttpRequest.h"
+#include "UObject/UObjectGlobals.h"
 
 FString CorvaneNode::takeID(UAsyncNodeCorv& Node, const FString& OptionalRequestID)
 {
 	const FString ID = CorvaneBuilder::idOrNew(OptionalRequestID);
 	if (UCorvaneBPLibrary* Library = UCorvaneBPLibrary::getCorvaneTarget())
 	{
-		if (UAsyncNodeCorv* Replaced = Library->getUAsyncNodeHttpRequest(ID))
+		// No result will reach it any more, so nothing else would take its root. A root of the other classes is their owner's.
+		if (UAsyncNodeHttpRequest* Replaced = Cast<UAsyncNodeHttpRequest>(Library->getUAsyncNodeHttpRequest(ID)))
 		{
-			Replaced->RemoveFromRoot(); // no result will reach it any more, so nothing else would
+			Replaced->RemoveFromRoot();
 		}
 		Library->registerUAsyncNodeHttpRequest(ID, &Node);
 	}

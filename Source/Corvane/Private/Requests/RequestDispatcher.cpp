@@ -134,12 +134,12 @@ void UCorvaneBPLibrary::startRequest(FhttpRequest& InRequest)
 		return;
 	}
 	const FString ID = Object->getRequestID();
-	takeCancelMark(ID); // an old mark is not meant for this request
 	if (!Object->initCorv())
 	{
 		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: The request is still running and was not started again. %s"), *ID);
 		return;
 	}
+	takeCancelMark(ID); // an old mark is not meant for this request; one for a run that goes on is
 
 	const FHttpRequestPtr HttpRequest = FHttpModule::Get().CreateRequest();
 	HttpRequest->SetDelegateThreadPolicy(EHttpRequestDelegateThreadPolicy::CompleteOnHttpThread);

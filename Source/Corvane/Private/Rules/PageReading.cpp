@@ -31,11 +31,12 @@ namespace CorvanePageReading
 	static int64 toBytes(float Value)
 	{
 		constexpr float beyondInt64 = 9223372036854775808.0f;
-		if (!(Value > -beyondInt64)) // also what is no number at all
+		if (Value >= beyondInt64)
 		{
-			return 0;
+			return MAX_int64;
 		}
-		return Value < beyondInt64 ? static_cast<int64>(Value) : MAX_int64;
+		const bool bIsNumber = Value == Value;
+		return bIsNumber ? static_cast<int64>(FMath::Max(Value, -beyondInt64)) : 0;
 	}
 } // namespace CorvanePageReading
 

@@ -65,17 +65,17 @@ namespace CorvaneUploadTail
 		return Tail.num() > 0 && Tail.end[0] == '-' && Tail.end[1] == '-';
 	}
 
-	/** Reads digits with an optional sign. @return whether it was nothing else, and not more than 64 bits hold for sure. */
+	/** Reads digits with an optional sign. @return whether it was nothing else, and not more than 64 bits hold. */
 	static bool readNumber(const FBytes& Text, int64& Number)
 	{
-		constexpr int64 mostDigits = 18;
 		const bool bNegative = *Text.begin == '-';
 		const uint8* Digit = Text.begin + (bNegative ? 1 : 0);
-		bool bGood = Text.end - Digit >= 1 && Text.end - Digit <= mostDigits;
+		bool bGood = Digit < Text.end;
 		for (Number = 0; bGood && Digit < Text.end; ++Digit)
 		{
-			bGood = *Digit >= '0' && *Digit <= '9';
-			Number = Number * 10 + (*Digit - '0');
+			const int64 Value = *Digit - '0';
+			bGood = Value >= 0 && Value <= 9 && Number <= (MAX_int64 - Value) / 10;
+			Number = bGood ? Number * 10 + Value : 0;
 		}
 		Number = bNegative ? -Number : Number;
 		return bGood;
