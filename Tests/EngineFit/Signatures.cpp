@@ -239,7 +239,6 @@ namespace EngineSignatures
 	static_assert(!std::is_copy_constructible_v<FCriticalSection>);
 	IS_DECLARED(void (IModuleInterface::*)(), IModuleInterface::StartupModule);
 	IS_DECLARED(void (IModuleInterface::*)(), IModuleInterface::ShutdownModule);
-	GIVES(void, FCoreDelegates::OnPreExit.RemoveAll(std::declval<const void*>()));
 
 	// Objects.
 	using FLibrary = UBlueprintFunctionLibrary;
@@ -298,7 +297,11 @@ namespace EngineSignatures
 		void complete(FHttpRequestPtr, FHttpResponsePtr, bool);
 		void progress(FHttpRequestPtr, uint64, uint64);
 		void text(const FString, const FTexts&);
+		void exit();
 	};
+	// What these two return is of no use to the module.
+	static_assert(requires(FReceiver * Receiver) { FCoreDelegates::OnPreExit.AddRaw(Receiver, &FReceiver::exit); });
+	static_assert(requires(FReceiver * Receiver) { FCoreDelegates::OnPreExit.RemoveAll(Receiver); });
 	GIVES(void, std::declval<FHttpRequestCompleteDelegate&>().BindUObject(std::declval<FReceiver*>(), &FReceiver::complete));
 	GIVES(void, std::declval<FHttpRequestProgressDelegate64&>().BindUObject(std::declval<FReceiver*>(), &FReceiver::progress));
 	DECLARE_DYNAMIC_MULTICAST_DELEGATE_TwoParams(FEngineSignatureEvent, const FString, text, const FTexts&, texts);
