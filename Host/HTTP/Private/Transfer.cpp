@@ -13,7 +13,6 @@ namespace
 	constexpr uint64 mostHeaderBytes = 256 << 10;
 	/** The body of a followed redirect is read up to here, which saves the connection, and cut off beyond. */
 	constexpr uint64 mostDroppedBytes = 64 << 10;
-	constexpr uint64 largeBody = 1 << 20;
 
 	CURL* makeHandle()
 	{
@@ -161,10 +160,6 @@ void FTransfer::ConfigureBody()
 	Set(CURLOPT_POST, 1L);
 	Set(CURLOPT_CUSTOMREQUEST, Hop->Verb.c_str());
 	Set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(Size));
-	if (Size >= largeBody)
-	{
-		Set(CURLOPT_UPLOAD_BUFFERSIZE, 256L << 10); // fewer rounds of the thread; small bodies do with libcurl's own 64 KiB
-	}
 	Set(CURLOPT_READDATA, static_cast<void*>(this));
 	using FRead = size_t (*)(char*, size_t, size_t, void*);
 	Set(CURLOPT_READFUNCTION, static_cast<FRead>([](char* Buffer, size_t Width, size_t Number, void* Self)
