@@ -25,6 +25,11 @@ namespace
 			Position += Number;
 			return Number;
 		}
+		long GetPortion() const override
+		{
+			constexpr uint64 largeBody = 1 << 20;
+			return Size < largeBody ? FRequestBody::GetPortion() : 256 << 10; // fewer rounds; it is memory of each transfer, too
+		}
 		bool Rewind() override
 		{
 			Position = 0;

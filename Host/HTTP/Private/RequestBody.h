@@ -17,6 +17,8 @@ public:
 	uint64 GetSize() const { return Size; }
 	/** Reads the next bytes. @return how many, 0 at the end; nothing when they can no longer be had. */
 	virtual std::optional<size_t> Read(char* Buffer, size_t Room) = 0;
+	/** How many bytes are best read at a time. */
+	virtual long GetPortion() const { return 64 << 10; }
 	/** Goes back to the first byte, for another hop. @return false when that fails. */
 	virtual bool Rewind() = 0;
 

@@ -160,6 +160,10 @@ void FTransfer::ConfigureBody()
 	Set(CURLOPT_POST, 1L);
 	Set(CURLOPT_CUSTOMREQUEST, Hop->Verb.c_str());
 	Set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(Size));
+	if (Hop->Body)
+	{
+		Set(CURLOPT_UPLOAD_BUFFERSIZE, Hop->Body->GetPortion());
+	}
 	Set(CURLOPT_READDATA, static_cast<void*>(this));
 	using FRead = size_t (*)(char*, size_t, size_t, void*);
 	Set(CURLOPT_READFUNCTION, static_cast<FRead>([](char* Buffer, size_t Width, size_t Number, void* Self)
