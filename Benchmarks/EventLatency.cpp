@@ -5,18 +5,19 @@
 #include "Kit/Options.h"
 #include "Kit/StampServer.h"
 #include "Kit/Statistics.h"
+#include "Kit/ThreadHops.h"
 #include "Workload.h"
 
 #include <CLI/CLI.hpp>
 #include <cmath>
 #include <fmt/format.h>
+#include <functional>
 #include <stdexcept>
 
 namespace
 {
-	Figures figures(const StampReader& reader, int expected)
+	Figures figures(const std::vector<double>& latencies, int expected)
 	{
-		const std::vector<double>& latencies = reader.latencies();
 		if (latencies.size() != static_cast<std::size_t>(expected))
 		{
 			throw std::runtime_error(fmt::format("{} of {} events arrived", latencies.size(), expected));
@@ -36,14 +37,14 @@ namespace
 			});
 		client.start(server.url(), true);
 		client.waitUntilCompleted(client.completed() + 1);
-		return figures(reader, events);
+		return figures(reader.latencies(), events);
 	}
 
 	Figures measureBare(const StampServer& server, int events)
 	{
 		StampReader reader;
 		BareCurl(server.url(), 1).stream([&reader](std::string_view bytes) { reader.take(bytes); });
-		return figures(reader, events);
+		return figures(reader.latencies(), events);
 	}
 
 	class EventLatency final : public Workload
@@ -64,10 +65,15 @@ namespace
 			const StampServer server(rate, events);
 			FGameLoop loop;
 			CorvaneClient client(loop);
-			Comparison empty(fmt::format("event-latency: {} events, {} a second", events, rate), "bare libcurl");
-			return {alternate(
-				std::move(empty), pairs, WarmUp::OnePair, [&] { return measureCorvane(client, server, events); },
-				[&] { return measureBare(server, events); })};
+			const auto besides = [&](const char* peer, const std::function<Figures()>& measurePeer)
+			{
+				Comparison empty(fmt::format("event-latency: {} events, {} a second", events, rate), peer);
+				return alternate(
+					std::move(empty), pairs, WarmUp::OnePair, [&] { return measureCorvane(client, server, events); }, measurePeer);
+			};
+			constexpr int hops = 3; // HTTP thread, worker, game thread
+			return {besides("bare libcurl", [&] { return measureBare(server, events); }),
+				besides("waking three threads", [&] { return figures(measureThreadHops(hops, rate, events), events); })};
 		}
 
 	private:
