@@ -1,4 +1,5 @@
 #include "LogCapture.h"
+#include "Misc/CoreDelegates.h"
 #include "ModuleFixture.h"
 #include "RawServer.h"
 
@@ -28,6 +29,34 @@ TEST_F(EndOfProgram, CancelsWhatStillRuns)
 	EXPECT_TRUE(completions.empty()) << "tasks that are left are dropped, but " << completions.front().statusCode << " came";
 	EXPECT_EQ(UCorvaneBPLibrary::getCorvaneTarget(), nullptr);
 	EXPECT_FALSE(UCorvaneBPLibrary::hasPendingWork());
+}
+
+TEST_F(EndOfProgram, EndsRequestsWhileAllObjectsAreThere)
+{
+	struct Observer
+	{
+		void look()
+		{
+			hasLibrary = UCorvaneBPLibrary::getCorvaneTarget() != nullptr;
+			isIdle = !UCorvaneBPLibrary::hasPendingWork();
+		}
+		bool hasLibrary = false;
+		bool isIdle = false;
+	} observer;
+	Gate never;
+	RawServer server(
+		[&](Connection& connection)
+		{
+			connection.readHead();
+			connection.waitFor(never);
+		});
+	execute(get(server.url()));
+	ASSERT_TRUE(waitFor([&] { return server.connectionCount() == 1; }));
+	FCoreDelegates::OnPreExit.AddRaw(&observer, &Observer::look); // it hears of the end behind the module
+	loop.Shutdown();
+	FCoreDelegates::OnPreExit.RemoveAll(&observer);
+	EXPECT_TRUE(observer.hasLibrary);
+	EXPECT_TRUE(observer.isIdle) << "modules are shut down too late for what a request still has to do";
 }
 
 TEST_F(EndOfProgram, MayComeAtAnyMomentOfARequest)
