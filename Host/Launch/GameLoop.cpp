@@ -118,7 +118,6 @@ void FGameLoop::Shutdown()
 	{
 		return;
 	}
-	HttpService::EndGameThreadCallbacks();
 	FCoreDelegates::OnPreExit.Broadcast();
 	for (auto Module = Modules.rbegin(); Module != Modules.rend(); ++Module)
 	{

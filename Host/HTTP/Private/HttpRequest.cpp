@@ -1,18 +1,144 @@
 #include "HttpRequest.h"
 
+#include "Async/Async.h"
 #include "HttpThread.h"
+#include "RequestHeaders.h"
 #include "Text.h"
+
+#include <algorithm>
 
 bool FHttpRequest::ProcessRequest()
 {
-	if (bStarted.exchange(true))
+	if (!MayChange())
 	{
-		UE_LOG(LogHttp, Error, TEXT("A request can be started only once"));
-		return false;
+		return false; // the run that goes on has a completion of its own
 	}
-	Outgoing = Prepare();
-	const bool bPrepared = Outgoing.has_value(); // the HTTP thread may take it at once
-	return FHttpThread::Get().Start(shared_from_this()) && bPrepared;
+	Response.Reset();
+	FailureReason = EHttpFailureReason::None;
+	bCancelled = false;
+	BytesSent = BytesReceived = ReportedSent = ReportedReceived = 0;
+	bOnGameThread = Policy == EHttpRequestDelegateThreadPolicy::CompleteOnGameThread || FHttpThread::Get().ForcesGameThread();
+	bProcessing = true;
+	const FString Fault = Prepare();
+	if (Fault.IsEmpty())
+	{
+		return FHttpThread::Get().Start(shared_from_this());
+	}
+	UE_LOG(LogHttp, Error, TEXT("Request refused: %s"), *Fault);
+	Url.reset();
+	if (bOnGameThread)
+	{
+		End({});
+	}
+	else
+	{
+		FHttpThread::Get().Start(shared_from_this());
+	}
+	return false;
+}
+
+FString FHttpRequest::Prepare()
+{
+	Url = FUrl::Parse(UrlText);
+	if (!Url)
+	{
+		return TEXT("not a valid http or https URL");
+	}
+	if (!RequestHeaders::IsToken(Verb))
+	{
+		return TEXT("the verb cannot be sent");
+	}
+	if (bTimedOut)
+	{
+		return TEXT("it ran out of time before");
+	}
+	if (!OpenBody())
+	{
+		return TEXT("the file that is to be sent cannot be read");
+	}
+	if (Verb == "GET" && GetContentLength() > 0)
+	{
+		return TEXT("a GET has no body");
+	}
+	return RequestHeaders::FindFault(Headers, Body && Body->IsStream());
+}
+
+bool FHttpRequest::OpenBody()
+{
+	if (ContentStream.IsValid())
+	{
+		Body = FRequestBody::FromStream(ContentStream.ToSharedRef());
+	}
+	else if (ContentFile)
+	{
+		Body = FRequestBody::FromFile(*ContentFile);
+		return Body != nullptr;
+	}
+	else if (!Content.IsEmpty())
+	{
+		Body = FRequestBody::FromBytes(Content);
+		const bool bNeedsType = (Verb == "POST" || Verb == "DELETE") && Headers.Get(TEXT("Content-Type")).IsEmpty();
+		HOST_CHECK(!bNeedsType || std::all_of(Content.begin(), Content.end(), &Text::IsUnreserved));
+	}
+	return true;
+}
+
+uint64 FHttpRequest::GetContentLength() const
+{
+	if (ContentFile || ContentStream.IsValid())
+	{
+		return Body ? Body->GetSize() : 0;
+	}
+	return static_cast<uint64>(Content.Num());
+}
+
+bool FHttpRequest::MayChange() const
+{
+	if (bProcessing)
+	{
+		UE_LOG(LogHttp, Warning, TEXT("A request that runs cannot be changed or started again"));
+	}
+	return !bProcessing;
+}
+
+void FHttpRequest::SetVerb(const FString& InVerb)
+{
+	if (MayChange())
+	{
+		Verb = Text::ToUtf8(InVerb.ToUpper());
+	}
+}
+
+void FHttpRequest::SetURL(const FString& InURL)
+{
+	if (MayChange())
+	{
+		UrlText = InURL;
+	}
+}
+
+void FHttpRequest::SetHeader(const FString& HeaderName, const FString& HeaderValue)
+{
+	if (MayChange())
+	{
+		Headers.Set(HeaderName, HeaderValue);
+	}
+}
+
+void FHttpRequest::DropBody()
+{
+	Content.Empty();
+	ContentFile.reset();
+	ContentStream.Reset();
+}
+
+void FHttpRequest::SetContent(TArray<uint8>&& ContentPayload)
+{
+	if (MayChange())
+	{
+		DropBody();
+		Content = std::move(ContentPayload);
+	}
 }
 
 void FHttpRequest::SetContentAsString(const FString& ContentString)
@@ -20,105 +146,79 @@ void FHttpRequest::SetContentAsString(const FString& ContentString)
 	const std::string Bytes = Text::ToUtf8(ContentString);
 	TArray<uint8> Array;
 	Array.Append(reinterpret_cast<const uint8*>(Bytes.data()), static_cast<int32>(Bytes.size()));
-	SetBody(FRequestBody::FromBytes(std::move(Array)));
+	SetContent(std::move(Array));
 }
 
 bool FHttpRequest::SetContentAsStreamedFile(const FString& Filename)
 {
-	SetBody(FRequestBody::FromFile(Filename));
-	return Body != nullptr;
+	const bool bChanges = MayChange();
+	if (bChanges)
+	{
+		DropBody();
+		ContentFile = Filename;
+	}
+	return bChanges;
 }
 
-void FHttpRequest::SetBody(std::shared_ptr<FRequestBody> InBody)
+bool FHttpRequest::SetContentFromStream(TSharedRef<FArchive, ESPMode::ThreadSafe> Stream)
 {
-	Body = std::move(InBody);
-	ContentLength = Body ? Body->GetSize() : 0;
+	const bool bChanges = MayChange();
+	if (bChanges)
+	{
+		DropBody();
+		ContentStream = Stream;
+	}
+	return bChanges;
 }
 
-std::optional<FOutgoing> FHttpRequest::Prepare()
+bool FHttpRequest::SetResponseBodyReceiveStream(TSharedRef<FArchive> Stream)
 {
-	std::string VerbBytes = Text::ToUtf8(Verb);
-	if (!RequestHeaders::IsToken(VerbBytes))
+	const bool bChanges = MayChange();
+	if (bChanges)
 	{
-		UE_LOG(LogHttp, Error, TEXT("Request refused: the verb cannot be sent"));
-		return std::nullopt;
+		ResponseStream = Stream;
 	}
-	std::optional<FUrl> Parsed = FUrl::Parse(Url);
-	if (!Parsed)
-	{
-		UE_LOG(LogHttp, Error, TEXT("Request refused: not a valid http or https URL"));
-		return std::nullopt;
-	}
-	const bool bBodyBeginsInHeader = MoveHeaderTextToBody();
-	std::optional<FHeaderList> Wire = Headers.ToWire();
-	if (!Wire)
-	{
-		return std::nullopt;
-	}
-	const FString Announced = Headers.Get(TEXT("Content-Length"));
-	const bool bLengthIsTrue = Announced.IsEmpty() || Text::ToUtf8(Announced) == std::to_string(ContentLength);
-	return FOutgoing{std::move(VerbBytes), std::move(*Parsed), std::move(*Wire), std::move(Body), bLengthIsTrue, bBodyBeginsInHeader};
+	return bChanges;
 }
 
-bool FHttpRequest::MoveHeaderTextToBody()
+bool FHttpRequest::SetResponseBodyReceiveStreamDelegateV2(FHttpRequestStreamDelegateV2 StreamDelegate)
 {
-	std::optional<std::string> Head = Body ? Headers.SplitContentLength() : std::nullopt;
-	if (!Head)
+	const bool bChanges = MayChange();
+	if (bChanges)
 	{
-		return false;
+		ResponseStreamDelegate = std::move(StreamDelegate);
 	}
-	SetBody(FRequestBody::Joined(std::move(*Head) + "\r\n\r\n", std::move(Body)));
-	return true;
+	return bChanges;
+}
+
+void FHttpRequest::SetTimeout(float InTimeoutSecs)
+{
+	if (MayChange())
+	{
+		TimeoutSeconds = InTimeoutSecs;
+	}
+}
+
+void FHttpRequest::SetActivityTimeout(float InTimeoutSecs)
+{
+	if (MayChange())
+	{
+		ActivityTimeoutSeconds = InTimeoutSecs;
+	}
+}
+
+void FHttpRequest::SetDelegateThreadPolicy(EHttpRequestDelegateThreadPolicy InThreadPolicy)
+{
+	if (MayChange())
+	{
+		Policy = InThreadPolicy;
+	}
 }
 
 void FHttpRequest::CancelRequest()
 {
-	if (bStarted)
+	if (bProcessing && !bCancelled.exchange(true))
 	{
 		FHttpThread::Get().Cancel(shared_from_this());
 	}
-}
-
-const FHttpResponsePtr FHttpRequest::GetResponse() const
-{
-	const std::scoped_lock Lock(Mutex);
-	return Response;
-}
-
-void FHttpRequest::PublishResponse(TSharedPtr<FHttpResponse> InResponse)
-{
-	const std::scoped_lock Lock(Mutex);
-	Response = InResponse;
-}
-
-bool FHttpRequest::NoteProgress(uint64 Sent, uint64 Received)
-{
-	const std::scoped_lock Lock(Mutex);
-	BytesSent = Sent;
-	BytesReceived = Received;
-	return !std::exchange(bProgressArranged, true);
-}
-
-void FHttpRequest::RunProgress()
-{
-	uint64 Sent, Received;
-	{
-		const std::scoped_lock Lock(Mutex);
-		bProgressArranged = false;
-		Sent = BytesSent;
-		Received = BytesReceived;
-	}
-	ProgressDelegate.ExecuteIfBound(Self(), Sent, Received);
-}
-
-void FHttpRequest::RunComplete(FHttpResponsePtr Shown, bool bSucceeded)
-{
-	ProgressDelegate.Unbind();
-	const FHttpRequestCompleteDelegate Taken = std::exchange(CompleteDelegate, {});
-	Taken.ExecuteIfBound(Self(), Shown, bSucceeded);
-}
-
-FHttpRequestPtr FHttpRequest::Self()
-{
-	return FHttpRequestRef(shared_from_this());
 }

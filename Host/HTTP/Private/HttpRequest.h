@@ -2,79 +2,111 @@
 
 #include "HttpResponse.h"
 #include "Interfaces/IHttpRequest.h"
-#include "Outgoing.h"
-#include "RequestHeaders.h"
+#include "RequestBody.h"
+#include "Url.h"
 
 #include <atomic>
 #include <memory>
-#include <mutex>
+#include <optional>
+#include <string>
 
 class FTransfer;
 
+/** How a run of a request ended. */
+struct FHttpOutcome
+{
+	EHttpFailureReason Reason = EHttpFailureReason::Other; // None = it succeeded
+	int32 Code = 0;
+};
+
 /**
  * One request. The program sets it up; ProcessRequest checks it and hands it to the HTTP thread, which holds it until
- * its completion ran.
+ * its completion ran. There is no lock: from the start to the completion it belongs to the HTTP thread, but for what the
+ * callbacks of the game-thread policy read.
  */
 class FHttpRequest final : public IHttpRequest, public std::enable_shared_from_this<FHttpRequest>
 {
 public:
 	FString GetHeader(const FString& HeaderName) const override { return Headers.Get(HeaderName); }
 	TArray<FString> GetAllHeaders() const override { return Headers.GetAll(); }
-	uint64 GetContentLength() const override { return ContentLength; }
+	uint64 GetContentLength() const override;
 	const TArray<uint8>& GetContent() const override { return Content; }
 
-	void SetVerb(const FString& InVerb) override { Verb = InVerb; }
-	void SetURL(const FString& InURL) override { Url = InURL; }
-	void SetHeader(const FString& HeaderName, const FString& HeaderValue) override { Headers.Set(HeaderName, HeaderValue); }
-	void SetContent(TArray<uint8>&& ContentPayload) override { SetBody(FRequestBody::FromBytes(std::move(ContentPayload))); }
+	void SetVerb(const FString& InVerb) override;
+	void SetURL(const FString& InURL) override;
+	void SetHeader(const FString& HeaderName, const FString& HeaderValue) override;
+	void SetContent(TArray<uint8>&& ContentPayload) override;
 	void SetContentAsString(const FString& ContentString) override;
 	bool SetContentAsStreamedFile(const FString& Filename) override;
-	void SetDelegateThreadPolicy(EHttpRequestDelegateThreadPolicy InPolicy) override { Policy = InPolicy; }
+	bool SetContentFromStream(TSharedRef<FArchive, ESPMode::ThreadSafe> Stream) override;
+	bool SetResponseBodyReceiveStream(TSharedRef<FArchive> Stream) override;
+	bool SetResponseBodyReceiveStreamDelegateV2(FHttpRequestStreamDelegateV2 StreamDelegate) override;
+	void SetTimeout(float InTimeoutSecs) override;
+	void SetActivityTimeout(float InTimeoutSecs) override;
+	void SetDelegateThreadPolicy(EHttpRequestDelegateThreadPolicy InThreadPolicy) override;
 	FHttpRequestCompleteDelegate& OnProcessRequestComplete() override { return CompleteDelegate; }
 	FHttpRequestProgressDelegate64& OnRequestProgress64() override { return ProgressDelegate; }
+	FHttpRequestStatusCodeReceivedDelegate& OnStatusCodeReceived() override { return StatusDelegate; }
+	FHttpRequestHeaderReceivedDelegate& OnHeaderReceived() override { return HeaderDelegate; }
 	bool ProcessRequest() override;
 	void CancelRequest() override;
-	const FHttpResponsePtr GetResponse() const override;
+	const FHttpResponsePtr GetResponse() const override { return Response; }
+	EHttpFailureReason GetFailureReason() const override { return FailureReason; }
 
-	bool WantsGameThread() const { return Policy == EHttpRequestDelegateThreadPolicy::CompleteOnGameThread; }
-	bool WantsProgress() const { return ProgressDelegate.IsBound(); }
+	/** Closes the body and brings last progress and completion to the thread of the callbacks. Thread: HTTP thread. */
+	void End(FHttpOutcome Outcome);
+	/** Completes a run that the HTTP thread never took, through the game thread. Thread: any. */
+	void EndWithoutService();
 
-	/** Shows the response to the program. Thread: HTTP thread. */
-	void PublishResponse(TSharedPtr<FHttpResponse> InResponse);
-
-	/** Notes the latest counts. @return whether a call of RunProgress has to be arranged. Thread: HTTP thread. */
-	bool NoteProgress(uint64 Sent, uint64 Received);
-	/** Runs the progress callback with the counts noted last. Thread: where the request's callbacks run. */
-	void RunProgress();
-	/** Runs the completion callback and lets go of both delegates. Thread: where the request's callbacks run. */
-	void RunComplete(FHttpResponsePtr Shown, bool bSucceeded);
-
-	// HTTP thread only:
-	std::optional<FOutgoing> Outgoing; // nothing when the request was refused; goes to the transfer
-	FTransfer* RunningTransfer = nullptr; // while it runs
+	// HTTP thread, while it runs:
+	void BeginResponse();
+	void TakeStatus(int32 Code);
+	void TakeHeader(const FString& Name, const FString& Value);
+	void TakeLength(uint64 Length) { Response->SetContentLength(Length); }
+	/** @return false when nobody takes the bytes. */
+	bool TakeBody(char* Bytes, size_t Number);
+	void NoteSent(uint64 Bytes);
+	std::optional<double> TimeoutSeconds, ActivityTimeoutSeconds; // none = the service's
+	std::string Verb = "GET"; // upper case
+	std::optional<FUrl> Url; // nothing when the request was refused
+	FHeaderMap Headers;
+	std::unique_ptr<FRequestBody> Body; // open; null = none
+	FTransfer* RunningTransfer = nullptr;
 	bool bEnded = false;
 
 private:
-	std::optional<FOutgoing> Prepare();
-	void SetBody(std::shared_ptr<FRequestBody> InBody);
-	/** Carries out the one exception to the rule for header values. @return whether this request makes use of it. */
-	bool MoveHeaderTextToBody();
-	FHttpRequestPtr Self();
+	bool MayChange() const;
+	/** @return what is wrong with the request, in words; empty when it is ready to be sent. */
+	FString Prepare();
+	bool OpenBody();
+	void DropBody();
+	bool PassOn(char* Bytes, size_t Number);
+	void ArrangeProgress();
+	void RunProgress();
+	void Complete(FHttpOutcome Outcome);
+	FHttpRequestPtr Self() { return FHttpRequestRef(shared_from_this()); }
 
-	FString Verb = TEXT("GET");
-	FString Url;
-	FRequestHeaders Headers;
-	TArray<uint8> Content;
-	std::shared_ptr<FRequestBody> Body; // until the request is started
-	uint64 ContentLength = 0;
+	FString UrlText;
+	TArray<uint8> Content; // the body is one of these three
+	std::optional<FString> ContentFile;
+	TSharedPtr<FArchive, ESPMode::ThreadSafe> ContentStream;
+	TSharedPtr<FArchive> ResponseStream;
+	FHttpRequestStreamDelegateV2 ResponseStreamDelegate;
 	EHttpRequestDelegateThreadPolicy Policy = EHttpRequestDelegateThreadPolicy::CompleteOnGameThread;
 	FHttpRequestCompleteDelegate CompleteDelegate;
 	FHttpRequestProgressDelegate64 ProgressDelegate;
-	std::atomic<bool> bStarted = false;
+	FHttpRequestStatusCodeReceivedDelegate StatusDelegate;
+	FHttpRequestHeaderReceivedDelegate HeaderDelegate;
 
-	mutable std::mutex Mutex; // guards what follows
-	FHttpResponsePtr Response;
-	uint64 BytesSent = 0;
-	uint64 BytesReceived = 0;
-	bool bProgressArranged = false;
+	std::atomic<bool> bProcessing = false;
+	std::atomic<bool> bCancelled = false;
+	bool bOnGameThread = false; // where the callbacks of this run belong
+	bool bTimedOut = false; // for good
+	EHttpFailureReason FailureReason = EHttpFailureReason::None;
+	TSharedPtr<FHttpResponse> Response;
+	std::atomic<uint64> BytesSent = 0;
+	std::atomic<uint64> BytesReceived = 0;
+	uint64 ReportedSent = 0; // thread of the callbacks, with the next
+	uint64 ReportedReceived = 0;
+	std::atomic<bool> bProgressArranged = false;
 };

@@ -1,26 +1,37 @@
 #pragma once
 
+#include "HeaderMap.h"
 #include "Interfaces/IHttpResponse.h"
-#include "ResponseBody.h"
-#include "ResponseHeaders.h"
 
-/** An answer whose header block is complete and whose body may still grow. Thread: any, but for GetBody. */
+/**
+ * An answer on its way, and then as it is. Nothing here is locked: while the request runs, the HTTP thread writes, and
+ * from the end on nobody does.
+ */
 class FHttpResponse final : public IHttpResponse
 {
 public:
-	explicit FHttpResponse(FResponseHeaders InHeaders);
-
 	FString GetHeader(const FString& HeaderName) const override;
 	TArray<FString> GetAllHeaders() const override;
-	uint64 GetContentLength() const override { return Headers.ContentLength(); }
-	const TArray<uint8>& GetContent() const override { return Body.Snapshot(); }
-	int32 GetResponseCode() const override { return Headers.StatusCode(); }
+	uint64 GetContentLength() const override { return ContentLength; }
+	const TArray<uint8>& GetContent() const override;
+	int32 GetResponseCode() const override { return Code; }
 	FString GetContentAsString() const override;
 
-	/** Thread: HTTP thread. */
-	FResponseBody& GetBody() { return Body; }
+	// HTTP thread:
+	void AddHeader(const FString& Name, const FString& Value) { Headers.Append(Name, Value); }
+	void SetContentLength(uint64 Length) { ContentLength = Length; }
+	/** @return false when the body would be longer than an array can be; the bytes that fit are kept. */
+	bool Append(const char* Bytes, size_t Number);
+
+	/** Shows code and headers. Thread: that of the request's callbacks. */
+	void Complete(int32 InCode);
 
 private:
-	const FResponseHeaders Headers;
-	FResponseBody Body;
+	bool IsReady(const TCHAR* What) const;
+
+	FHeaderMap Headers;
+	uint64 ContentLength = 0;
+	TArray<uint8> Content;
+	int32 Code = 0;
+	bool bReady = false;
 };

@@ -38,8 +38,8 @@ void FHttpThread::Launch(const FHttpSettings& InSettings)
 	static const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT);
 	HOST_CHECK(initialised == CURLE_OK && !Thread.joinable());
 	Settings = InSettings;
-	Callbacks.Reset(Settings.bForceGameThreadCallbacks);
 	MostRunning = connectionsAllowed();
+	ShortestLimit = Settings.activityTimeoutSeconds;
 	Multi.reset(curl_multi_init());
 	HOST_CHECK(Multi);
 	curl_multi_setopt(Multi.get(), CURLMOPT_MAXCONNECTS, static_cast<long>(MostRunning)); // libcurl's own choice forgets them after a burst
@@ -57,7 +57,6 @@ void FHttpThread::Shutdown()
 	{
 		return;
 	}
-	EndGameThreadCallbacks();
 	{
 		const std::scoped_lock Lock(Mutex);
 		bAccepting = false;
@@ -75,7 +74,7 @@ bool FHttpThread::Start(std::shared_ptr<FHttpRequest> Request)
 		return true;
 	}
 	UE_LOG(LogHttp, Error, TEXT("Request refused: the HTTP service is not running"));
-	FCallbacks::CompleteWithoutService(Request);
+	Request->EndWithoutService();
 	return false;
 }
 
@@ -89,7 +88,6 @@ bool FHttpThread::Push(FCommand Command)
 	const std::scoped_lock Lock(Mutex);
 	if (!bAccepting)
 	{
-		Command.Request->bEnded = Command.Request->bEnded || !Command.bCancel; // a cancel that comes later has nothing left to end
 		return false;
 	}
 	Commands.push_back(std::move(Command));
@@ -105,27 +103,21 @@ void FHttpThread::Run()
 	blockBrokenPipeSignal();
 	for (bool bGoOn = true; bGoOn;)
 	{
+		Now = FTransfer::FClock::now();
 		bGoOn = TakeCommands();
-		Round.Now = std::chrono::steady_clock::now();
 		if (bGoOn)
 		{
 			AdmitWaiting();
 			int Number = 0;
 			curl_multi_perform(Multi.get(), &Number);
 			CollectDone();
-			EndStalled();
-		}
-		else
-		{
-			CancelAll();
-		}
-		ReportProgress();
-		CompleteEnded();
-		if (bGoOn)
-		{
+			EndSilent();
+			CompleteEnded();
 			Sleep();
 		}
 	}
+	CancelAll();
+	CompleteEnded();
 }
 
 bool FHttpThread::TakeCommands()
@@ -137,28 +129,45 @@ bool FHttpThread::TakeCommands()
 		Taken.swap(Commands);
 		bGoOn = bAccepting;
 	}
-	for (FCommand& Command : Taken)
+	for (const FCommand& Command : Taken)
 	{
-		Execute(Command);
+		if (Command.bCancel)
+		{
+			Cancel(*Command.Request);
+		}
+		else
+		{
+			Start(*Command.Request);
+		}
 	}
 	Taken.clear();
 	return bGoOn;
 }
 
-void FHttpThread::Execute(FCommand& Command)
+void FHttpThread::Start(FHttpRequest& Request)
 {
-	FHttpRequest& Request = *Command.Request;
-	if (!Command.bCancel && Request.Outgoing)
+	Request.bEnded = false;
+	if (Request.Url)
 	{
-		Waiting.push_back(std::move(Command.Request));
+		Waiting.push_back(Request.shared_from_this());
 	}
-	else if (Request.RunningTransfer)
+	else
 	{
-		End(*Request.RunningTransfer, false);
+		Request.End({});
+	}
+}
+
+void FHttpThread::Cancel(FHttpRequest& Request)
+{
+	const FHttpOutcome Cancelled{EHttpFailureReason::Cancelled, 0};
+	if (Request.RunningTransfer)
+	{
+		End(*Request.RunningTransfer, Cancelled);
 	}
 	else if (!Request.bEnded)
 	{
-		Complete(Command.Request, false); // refused, or cancelled while it waits; AdmitWaiting skips it then
+		std::erase_if(Waiting, [&Request](const auto& Other) { return Other.get() == &Request; });
+		Request.End(Cancelled);
 	}
 }
 
@@ -182,10 +191,6 @@ int FHttpThread::SleepMilliseconds() const
 	{
 		return 0;
 	}
-	if (!Round.Dirty.empty())
-	{
-		return 1;
-	}
-	const auto Duration = Running.empty() ? idleSleep : ceil<milliseconds>(NextStallCheck - steady_clock::now());
+	const auto Duration = Running.empty() ? idleSleep : ceil<milliseconds>(NextLimitCheck - steady_clock::now());
 	return static_cast<int>(std::max<int64>(0, duration_cast<milliseconds>(Duration).count()));
 }

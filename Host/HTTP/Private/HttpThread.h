@@ -1,28 +1,30 @@
 #pragma once
 
-#include "Callbacks.h"
 #include "Host/HttpService.h"
 #include "Transfer.h"
 
 #include <deque>
+#include <mutex>
 #include <thread>
+#include <vector>
 
 /**
- * The one thread that moves bytes. Others hand it commands; each round it takes those, lets libcurl work, runs the
- * callbacks that are due and sleeps until a socket, a timer or a command wakes it. No round costs time for transfers in
- * which nothing happened, apart from what libcurl itself spends on them.
+ * The one thread that moves bytes. Others hand it commands; each round it takes those, lets libcurl work, completes what
+ * has ended and sleeps until a socket, a timer or a command wakes it. No round costs time for transfers in which nothing
+ * happened, apart from what libcurl itself spends on them.
  */
 class FHttpThread
 {
 public:
 	static FHttpThread& Get();
 
-	/** The three behind HttpService. Thread: game thread. */
+	/** The two behind HttpService. Thread: game thread. */
 	void Launch(const FHttpSettings& InSettings);
-	void EndGameThreadCallbacks() { Callbacks.EndGameThread(); }
 	void Shutdown();
 
-	/** Takes a request, which completes as failed when its Outgoing is not set. @return false when none is taken now. Thread: any. */
+	/** Whether all callbacks belong to the game thread. */
+	bool ForcesGameThread() const { return Settings.bForceGameThreadCallbacks; }
+	/** Takes a request, which completes as failed when its Url is not set. @return false when none is taken now. Thread: any. */
 	bool Start(std::shared_ptr<FHttpRequest> Request);
 	/** Ends a request that was handed to Start, unless it is over. Thread: any. */
 	void Cancel(std::shared_ptr<FHttpRequest> Request);
@@ -42,17 +44,15 @@ private:
 
 	void Run();
 	bool TakeCommands();
-	void Execute(FCommand& Command);
+	void Start(FHttpRequest& Request);
+	void Cancel(FHttpRequest& Request);
 	void CancelAll();
 	void AdmitWaiting();
 	void Begin(std::shared_ptr<FHttpRequest> Request);
 	void CollectDone();
-	void EndStalled();
-	void End(FTransfer& Transfer, bool bSucceeded);
-	void ReportProgress();
-	void Report(FTransfer& Transfer);
+	void EndSilent();
+	void End(FTransfer& Transfer, FHttpOutcome Outcome);
 	void CompleteEnded();
-	void Complete(const std::shared_ptr<FHttpRequest>& Request, bool bSucceeded);
 	void Sleep();
 	int SleepMilliseconds() const;
 
@@ -63,14 +63,14 @@ private:
 
 	// Set while no HTTP thread runs:
 	FHttpSettings Settings;
-	FCallbacks Callbacks;
 	std::unique_ptr<CURLM, FMultiCleanup> Multi;
 	size_t MostRunning = 0;
 	std::thread Thread;
 
 	// HTTP thread only:
-	FRound Round;
-	std::chrono::steady_clock::time_point NextStallCheck;
+	FTransfer::FClock::time_point Now; // of this round
+	FTransfer::FClock::time_point NextLimitCheck;
+	double ShortestLimit = 0; // seconds, of all transfers so far
 	std::vector<FCommand> Taken;
 	std::deque<std::shared_ptr<FHttpRequest>> Waiting; // beyond MostRunning
 	std::vector<std::unique_ptr<FTransfer>> Running;

@@ -3,7 +3,6 @@
 #include "Text.h"
 
 #include <algorithm>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 
@@ -12,32 +11,32 @@ namespace
 	class FBytesBody final : public FRequestBody
 	{
 	public:
-		explicit FBytesBody(TArray<uint8> InBytes)
-			: FRequestBody(static_cast<uint64>(InBytes.Num()))
-			, Bytes(std::move(InBytes))
+		explicit FBytesBody(const TArray<uint8>& InBytes)
+			: Bytes(InBytes)
 		{
 		}
 
+		uint64 GetSize() const override { return static_cast<uint64>(Bytes.Num()); }
 		std::optional<size_t> Read(char* Buffer, size_t Room) override
 		{
-			const size_t Number = std::min(Room, static_cast<size_t>(Size) - Position);
+			const size_t Number = std::min(Room, static_cast<size_t>(Bytes.Num()) - Position);
 			std::copy_n(Bytes.GetData() + Position, Number, Buffer);
 			Position += Number;
 			return Number;
-		}
-		long GetPortion() const override
-		{
-			constexpr uint64 largeBody = 1 << 20;
-			return Size < largeBody ? FRequestBody::GetPortion() : 256 << 10; // fewer rounds; it is memory of each transfer, too
 		}
 		bool Rewind() override
 		{
 			Position = 0;
 			return true;
 		}
+		long GetPortion() const override
+		{
+			constexpr uint64 largeBody = 1 << 20;
+			return GetSize() < largeBody ? FRequestBody::GetPortion() : 256 << 10; // fewer rounds; it is memory of each transfer, too
+		}
 
 	private:
-		const TArray<uint8> Bytes;
+		const TArray<uint8>& Bytes;
 		size_t Position = 0;
 	};
 
@@ -45,11 +44,12 @@ namespace
 	{
 	public:
 		FFileBody(std::ifstream InStream, uint64 InSize)
-			: FRequestBody(InSize)
-			, Stream(std::move(InStream))
+			: Stream(std::move(InStream))
+			, Size(InSize)
 		{
 		}
 
+		uint64 GetSize() const override { return Size; }
 		std::optional<size_t> Read(char* Buffer, size_t Room) override
 		{
 			const size_t Wanted = static_cast<size_t>(std::min<uint64>(Room, Size - Position));
@@ -60,57 +60,42 @@ namespace
 			Position += Wanted;
 			return Wanted;
 		}
-		bool Rewind() override
-		{
-			Position = 0;
-			Stream.clear();
-			return static_cast<bool>(Stream.seekg(0));
-		}
 
 	private:
 		std::ifstream Stream;
+		const uint64 Size;
 		uint64 Position = 0;
 	};
 
-	class FJoinedBody final : public FRequestBody
+	class FStreamBody final : public FRequestBody
 	{
 	public:
-		FJoinedBody(std::string InHead, std::shared_ptr<FRequestBody> InRest)
-			: FRequestBody(InHead.size() + InRest->GetSize())
-			, Head(std::move(InHead))
-			, Rest(std::move(InRest))
+		explicit FStreamBody(TSharedRef<FArchive, ESPMode::ThreadSafe> InStream)
+			: Stream(std::move(InStream))
 		{
 		}
 
+		uint64 GetSize() const override { return static_cast<uint64>(std::max<int64>(Stream->TotalSize(), 0)); }
+		bool IsStream() const override { return true; }
 		std::optional<size_t> Read(char* Buffer, size_t Room) override
 		{
-			if (Position == Head.size())
-			{
-				return Rest->Read(Buffer, Room);
-			}
-			const size_t Number = Head.copy(Buffer, Room, Position);
-			Position += Number;
-			return Number;
-		}
-		bool Rewind() override
-		{
-			Position = 0;
-			return Rest->Rewind();
+			const int64 Left = Stream->TotalSize() - Stream->Tell();
+			const int64 Number = std::clamp<int64>(Left, 0, static_cast<int64>(Room));
+			Stream->Serialize(Buffer, Number);
+			return Stream->IsError() ? std::nullopt : std::optional<size_t>(static_cast<size_t>(Number));
 		}
 
 	private:
-		const std::string Head;
-		const std::shared_ptr<FRequestBody> Rest;
-		size_t Position = 0; // in Head
+		const TSharedRef<FArchive, ESPMode::ThreadSafe> Stream;
 	};
 } // namespace
 
-std::shared_ptr<FRequestBody> FRequestBody::FromBytes(TArray<uint8> Bytes)
+std::unique_ptr<FRequestBody> FRequestBody::FromBytes(const TArray<uint8>& Bytes)
 {
-	return std::make_shared<FBytesBody>(std::move(Bytes));
+	return std::make_unique<FBytesBody>(Bytes);
 }
 
-std::shared_ptr<FRequestBody> FRequestBody::FromFile(const FString& Path)
+std::unique_ptr<FRequestBody> FRequestBody::FromFile(const FString& Path)
 {
 	const std::filesystem::path Name = Text::ToUtf8(Path);
 	std::error_code Error;
@@ -120,10 +105,10 @@ std::shared_ptr<FRequestBody> FRequestBody::FromFile(const FString& Path)
 	}
 	std::ifstream Stream(Name, std::ios::binary);
 	const uint64 Size = std::filesystem::file_size(Name, Error);
-	return Stream && !Error ? std::make_shared<FFileBody>(std::move(Stream), Size) : nullptr;
+	return Stream && !Error ? std::make_unique<FFileBody>(std::move(Stream), Size) : nullptr;
 }
 
-std::shared_ptr<FRequestBody> FRequestBody::Joined(std::string Head, std::shared_ptr<FRequestBody> Rest)
+std::unique_ptr<FRequestBody> FRequestBody::FromStream(TSharedRef<FArchive, ESPMode::ThreadSafe> Stream)
 {
-	return std::make_shared<FJoinedBody>(std::move(Head), std::move(Rest));
+	return std::make_unique<FStreamBody>(std::move(Stream));
 }

@@ -1,14 +1,14 @@
 #include "RequestHeaders.h"
 
-#include "CoreMinimal.h"
 #include "Text.h"
 
 #include <algorithm>
+#include <new>
+#include <string>
 
 namespace
 {
 	const TCHAR* const contentLength = TEXT("Content-Length");
-	constexpr std::string_view emptyLine = "\r\n\r\n";
 
 	/** A line break or a zero would end the header early and let its value write headers of its own. */
 	bool isSafeValue(std::string_view Value)
@@ -19,6 +19,17 @@ namespace
 				const uint8 Code = static_cast<uint8>(Byte);
 				return (Code < 0x20 && Code != '\t') || Code == 0x7F;
 			});
+	}
+
+	void addLine(FHeaderLines& Lines, const std::string& Line)
+	{
+		curl_slist* Grown = curl_slist_append(Lines.get(), Line.c_str());
+		if (!Grown)
+		{
+			throw std::bad_alloc();
+		}
+		static_cast<void>(Lines.release()); // still the head of the grown list, unless the list was empty
+		Lines.reset(Grown);
 	}
 } // namespace
 
@@ -32,72 +43,65 @@ bool RequestHeaders::IsToken(std::string_view Text)
 	return !Text.empty() && std::all_of(Text.begin(), Text.end(), bTokenByte);
 }
 
-void FRequestHeaders::Set(const FString& Name, const FString& Value)
+bool RequestHeaders::HoldBeginningOfBody(const FHeaderMap& Headers)
 {
-	for (auto& Header : Headers)
-	{
-		if (Header.first == Name)
-		{
-			Header = {Name, Value}; // the new spelling too, as in a map of the engine
-			return;
-		}
-	}
-	Headers.emplace_back(Name, Value);
+	constexpr std::string_view emptyLine = "\r\n\r\n";
+	const std::string Length = Text::ToUtf8(Headers.Get(contentLength));
+	const size_t NumberEnd = Length.find_first_not_of("0123456789");
+	return NumberEnd != 0 && NumberEnd != Length.npos && Length.compare(NumberEnd, emptyLine.size(), emptyLine) == 0 &&
+		   Length.find('\0') == Length.npos;
 }
 
-FString FRequestHeaders::Get(const FString& Name) const
+FString RequestHeaders::FindFault(const FHeaderMap& Headers, bool bBodyIsStream)
 {
-	const auto Found = std::find_if(Headers.begin(), Headers.end(), [&Name](const auto& Header) { return Header.first == Name; });
-	return Found == Headers.end() ? FString() : Found->second;
-}
-
-TArray<FString> FRequestHeaders::GetAll() const
-{
-	TArray<FString> Lines;
+	const bool bLengthHoldsBody = bBodyIsStream && HoldBeginningOfBody(Headers);
 	for (const auto& [Name, Value] : Headers)
 	{
-		Lines.Add(Name + TEXT(": ") + Value);
+		if (!IsToken(Text::ToUtf8(Name)))
+		{
+			return TEXT("a header has a name that cannot be sent");
+		}
+		if (!isSafeValue(Text::ToUtf8(Value)) && !(bLengthHoldsBody && Name == contentLength))
+		{
+			return TEXT("header ") + Name + TEXT(" has control characters in its value");
+		}
+	}
+	return FString();
+}
+
+FHeaderLines RequestHeaders::ToWire(const FHeaderMap& Headers, uint64 BodySize)
+{
+	FHeaderLines Lines;
+	for (const auto& [Name, Value] : Headers)
+	{
+		addLine(Lines, Text::ToUtf8(Name) + ": " + Text::ToUtf8(Value));
+	}
+	if (!Headers.Contains(TEXT("User-Agent")))
+	{
+		addLine(Lines, "User-Agent: Host/5.5");
+	}
+	if (!Headers.Contains(contentLength))
+	{
+		addLine(Lines, "Content-Length: " + std::to_string(BodySize));
+	}
+	if (!Headers.Contains(TEXT("Expect")))
+	{
+		addLine(Lines, "Expect:"); // bodies go out at once, whatever their size
 	}
 	return Lines;
 }
 
-std::optional<std::string> FRequestHeaders::SplitContentLength()
+void RequestHeaders::DropForRedirect(curl_slist* Lines, bool bOtherHost, bool bNoBody)
 {
-	const auto Found = std::find_if(Headers.begin(), Headers.end(), [](const auto& Header) { return Header.first == contentLength; });
-	const std::string Value = Found == Headers.end() ? "" : Text::ToUtf8(Found->second);
-	const size_t NumberEnd = Value.find_first_not_of("0123456789");
-	if (NumberEnd == 0 || NumberEnd == Value.npos || Value.compare(NumberEnd, emptyLine.size(), emptyLine) != 0)
+	for (; Lines; Lines = Lines->next)
 	{
-		return std::nullopt;
-	}
-	Found->second = Found->second.Left(static_cast<int32>(NumberEnd));
-	std::rotate(Found, Found + 1, Headers.end());
-	return Value.substr(NumberEnd + emptyLine.size());
-}
-
-std::optional<FHeaderList> FRequestHeaders::ToWire() const
-{
-	FHeaderList List;
-	List.Remove("Expect"); // bodies go out at once, whatever their size
-	if (Get(TEXT("Content-Type")).IsEmpty())
-	{
-		List.Remove("Content-Type"); // libcurl takes every body for a form
-	}
-	for (const auto& [Name, Value] : Headers)
-	{
-		const std::string NameBytes = Text::ToUtf8(Name);
-		const std::string ValueBytes = Text::ToUtf8(Value);
-		if (!RequestHeaders::IsToken(NameBytes))
+		const std::string_view Line = Lines->data;
+		const std::string_view Name = Line.substr(0, Line.find(':'));
+		// The others that are meant for one host are libcurl's care.
+		const bool bForOneHost = Text::EqualNoCase(Name, "Proxy-Authorization") || Text::EqualNoCase(Name, "Host");
+		if ((bOtherHost && bForOneHost) || (bNoBody && Text::StartsWithNoCase(Name, "Content-")))
 		{
-			UE_LOG(LogHttp, Error, TEXT("Request refused: a header has a name that cannot be sent"));
-			return std::nullopt;
+			*Lines->data = '\0'; // libcurl passes over an empty line
 		}
-		if (!isSafeValue(ValueBytes))
-		{
-			UE_LOG(LogHttp, Error, TEXT("Request refused: header %s has control characters in its value"), *Name);
-			return std::nullopt;
-		}
-		List.Add(NameBytes, ValueBytes);
 	}
-	return List;
 }

@@ -1,40 +1,37 @@
 #pragma once
 
-#include "Containers/UnrealString.h"
-#include "HeaderList.h"
+#include "HeaderMap.h"
 
-#include <optional>
-#include <string>
+#include <curl/curl.h>
+#include <memory>
 #include <string_view>
-#include <utility>
-#include <vector>
 
-/** The headers that a program gave a request, in the order in which it first named them. Names ignore case. */
-class FRequestHeaders
+/** Header lines in the form that libcurl takes them; a name with nothing behind its colon is left out. */
+struct FHeaderLinesCleanup
 {
-public:
-	/** Replaces the value in place when the header is there. */
-	void Set(const FString& Name, const FString& Value);
-	/** @return empty when absent. */
-	FString Get(const FString& Name) const;
-	/** @return each header as "Name: value". */
-	TArray<FString> GetAll() const;
-
-	/** @return what goes on the wire, or nothing (and an error line in the log) when a header must not be sent. */
-	std::optional<FHeaderList> ToWire() const;
-
-	/**
-	 * Takes a Content-Length that runs on behind an empty line apart: its number stays, as the last of all headers.
-	 * @return what stood behind the empty line; nothing, and no change, when the Content-Length is none of that kind.
-	 */
-	std::optional<std::string> SplitContentLength();
-
-private:
-	std::vector<std::pair<FString, FString>> Headers;
+	void operator()(curl_slist* List) const { curl_slist_free_all(List); }
 };
+using FHeaderLines = std::unique_ptr<curl_slist, FHeaderLinesCleanup>;
 
+/** What a program's headers become on the wire. */
 namespace RequestHeaders
 {
 	/** Whether Text is an RFC 9110 token, as method and header names have to be. */
 	bool IsToken(std::string_view Text);
+
+	/** Whether the body begins in the Content-Length: a number, an empty line and more. */
+	bool HoldBeginningOfBody(const FHeaderMap& Headers);
+
+	/** @return what keeps the headers from being sent, in words; empty when nothing does. */
+	FString FindFault(const FHeaderMap& Headers, bool bBodyIsStream);
+
+	/** @param BodySize  announced where the headers announce none. */
+	FHeaderLines ToWire(const FHeaderMap& Headers, uint64 BodySize);
+
+	/**
+	 * Takes out what must not go to the place that a redirect led to.
+	 * @param bOtherHost  what is meant for one host stays behind.
+	 * @param bNoBody  what describes the body goes with it.
+	 */
+	void DropForRedirect(curl_slist* Lines, bool bOtherHost, bool bNoBody);
 } // namespace RequestHeaders

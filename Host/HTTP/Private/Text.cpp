@@ -33,6 +33,13 @@ bool Text::StartsWithNoCase(std::string_view Whole, std::string_view Prefix)
 		   std::equal(Prefix.begin(), Prefix.end(), Whole.begin(), [](char A, char B) { return lower(A) == lower(B); });
 }
 
+bool Text::IsUnreserved(uint8 Byte)
+{
+	const char Letter = lower(static_cast<char>(Byte));
+	return (Letter >= 'a' && Letter <= 'z') || (Letter >= '0' && Letter <= '9') ||
+		   std::string_view("-_.~").find(Letter) != std::string_view::npos;
+}
+
 std::string_view Text::Trim(std::string_view Whole)
 {
 	const size_t First = Whole.find_first_not_of(" \t");

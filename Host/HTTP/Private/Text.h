@@ -15,6 +15,9 @@ namespace Text
 	bool EqualNoCase(std::string_view Left, std::string_view Right);
 	bool StartsWithNoCase(std::string_view Whole, std::string_view Prefix);
 
+	/** Whether a byte is a letter, a digit or one of -_.~ of ASCII. */
+	bool IsUnreserved(uint8 Byte);
+
 	/** Cuts blanks and tabs off both ends. */
 	std::string_view Trim(std::string_view Whole);
 } // namespace Text

@@ -1,19 +1,15 @@
 #include "Transfer.h"
 
 #include "Host/HttpService.h"
-#include "Redirects.h"
 #include "Text.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <new>
 
 namespace
 {
-	constexpr uint64 mostHeaderBytes = 256 << 10;
-	/** The body of a followed redirect is read up to here, which saves the connection, and cut off beyond. */
-	constexpr uint64 mostDroppedBytes = 64 << 10;
-
 	CURL* makeHandle()
 	{
 		CURL* Handle = curl_easy_init();
@@ -23,10 +19,37 @@ namespace
 		}
 		return Handle;
 	}
+
+	int32 readStatusCode(std::string_view StatusLine)
+	{
+		int32 Code = 0;
+		const size_t Blank = StatusLine.find(' ');
+		if (Blank != StatusLine.npos)
+		{
+			std::from_chars(StatusLine.data() + Blank + 1, StatusLine.data() + StatusLine.size(), Code);
+		}
+		return Code;
+	}
+
+	bool isConnectionError(CURLcode Result)
+	{
+		switch (Result)
+		{
+		case CURLE_COULDNT_RESOLVE_PROXY:
+		case CURLE_COULDNT_RESOLVE_HOST:
+		case CURLE_COULDNT_CONNECT:
+		case CURLE_OPERATION_TIMEDOUT: // connecting took too long; the other limits are not libcurl's
+		case CURLE_SSL_CONNECT_ERROR:
+		case CURLE_PEER_FAILED_VERIFICATION:
+			return true;
+		default:
+			return false;
+		}
+	}
 } // namespace
 
-FTransfer::FTransfer(FRound& InRound, const FHttpSettings& InSettings)
-	: Round(InRound)
+FTransfer::FTransfer(const FClock::time_point& InNow, const FHttpSettings& InSettings)
+	: Now(InNow)
 	, Settings(InSettings)
 	, Easy(makeHandle())
 {
@@ -43,61 +66,43 @@ void FTransfer::Begin(std::shared_ptr<FHttpRequest> InRequest)
 {
 	Request = std::move(InRequest);
 	Request->RunningTransfer = this;
-	Hop = std::exchange(Request->Outgoing, std::nullopt);
-	BeginHop();
-}
-
-bool FTransfer::BeginNextHop()
-{
-	if (!Next)
-	{
-		return false;
-	}
-	++HopsFollowed;
-	Hop = std::exchange(Next, std::nullopt);
-	if (Hop->Body && !Hop->Body->Rewind()) // not before: the last hop may have been sending when its answer came
-	{
-		Problem = "the body cannot be read once more";
-		return false;
-	}
-	BodyBytes = BytesSent = 0;
-	bConnected = false;
-	BeginHop();
-	return true;
+	BodySize = Request->Body ? Request->Body->GetSize() : 0;
+	Lines = RequestHeaders::ToWire(Request->Headers, BodySize);
+	ActivityTimeout = Request->ActivityTimeoutSeconds.value_or(Settings.activityTimeoutSeconds);
+	Timeout = Request->TimeoutSeconds;
+	Begun = Now;
+	ErrorText[0] = '\0';
+	ConfigureHandle();
+	ConfigureCallbacks();
+	ConfigureVerb();
+	ConfigureBody();
 }
 
 std::shared_ptr<FHttpRequest> FTransfer::Release()
 {
 	curl_easy_reset(Easy); // it still points into what goes now
-	Hop.reset();
-	Next.reset();
-	Response.Reset();
-	Headers.Clear();
-	HopsFollowed = 0;
-	HeaderBytes = BodyBytes = BytesSent = 0;
-	bConnected = bEnded = bSucceeded = false;
+	Lines.reset();
 	Problem = nullptr;
-	LastProgress = {};
+	BlockCode = 0;
+	Length.reset();
+	BytesSent = 0;
+	bAnswered = bConnected = bEnded = false;
 	Request->RunningTransfer = nullptr;
 	return std::move(Request);
 }
 
-void FTransfer::BeginHop()
-{
-	curl_easy_reset(Easy);
-	ConfigureHandle();
-	ConfigureVerb();
-	ConfigureBody();
-	ErrorText[0] = '\0';
-}
-
 void FTransfer::ConfigureHandle()
 {
+	constexpr long mostRedirects = 20;
 	const auto Set = [this](CURLoption Option, auto Value) { curl_easy_setopt(Easy, Option, Value); };
 	Set(CURLOPT_PRIVATE, static_cast<void*>(this));
-	Set(CURLOPT_CURLU, Hop->Url.Get());
-	Set(CURLOPT_HTTPHEADER, Hop->Headers.Get());
+	Set(CURLOPT_CURLU, Request->Url->Get());
+	Set(CURLOPT_HTTPHEADER, Lines.get());
+	Set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+	Set(CURLOPT_ACCEPT_ENCODING, ""); // all that it can decode
 	Set(CURLOPT_PROTOCOLS_STR, "http,https");
+	Set(CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
+	Set(CURLOPT_MAXREDIRS, mostRedirects);
 	Set(CURLOPT_NOSIGNAL, 1L);
 	Set(CURLOPT_QUICK_EXIT, 1L); // else removing a handle waits for its name look-up
 	Set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
@@ -108,6 +113,19 @@ void FTransfer::ConfigureHandle()
 	{
 		Set(CURLOPT_CAINFO, Settings.certificateFile.c_str());
 	}
+	const bool bBodyBeginsInHeader = RequestHeaders::HoldBeginningOfBody(Request->Headers);
+	Set(CURLOPT_FOLLOWLOCATION, bBodyBeginsInHeader ? 0L : 1L);
+	const FString Announced = Request->Headers.Get(TEXT("Content-Length"));
+	const uint64 Sent = Request->Verb == "HEAD" ? 0 : BodySize;
+	if ((Announced.IsEmpty() ? std::to_string(BodySize) : Text::ToUtf8(Announced)) != std::to_string(Sent))
+	{
+		Set(CURLOPT_FORBID_REUSE, 1L); // the peer would take the next request for the rest of this body, or the reverse
+	}
+}
+
+void FTransfer::ConfigureCallbacks()
+{
+	const auto Set = [this](CURLoption Option, auto Value) { curl_easy_setopt(Easy, Option, Value); };
 	using FData = size_t (*)(char*, size_t, size_t, void*);
 	Set(CURLOPT_HEADERDATA, static_cast<void*>(this));
 	Set(CURLOPT_HEADERFUNCTION, static_cast<FData>(
@@ -122,48 +140,38 @@ void FTransfer::ConfigureHandle()
 	Set(CURLOPT_PREREQFUNCTION, static_cast<FReady>(
 									[](void* Self, char*, char*, int, int)
 									{
-										static_cast<FTransfer*>(Self)->bConnected = true;
-										static_cast<FTransfer*>(Self)->Touch();
+										static_cast<FTransfer*>(Self)->OnRequestDue();
 										return CURL_PREREQFUNC_OK;
 									}));
 }
 
 void FTransfer::ConfigureVerb()
 {
-	if (Text::EqualNoCase(Hop->Verb, "HEAD"))
+	const std::string& Verb = Request->Verb;
+	if (Verb == "HEAD")
 	{
 		curl_easy_setopt(Easy, CURLOPT_NOBODY, 1L);
 	}
-	else if (Hop->Verb != "GET")
+	else if (Verb == "PUT")
 	{
-		curl_easy_setopt(Easy, CURLOPT_CUSTOMREQUEST, Hop->Verb.c_str());
+		curl_easy_setopt(Easy, CURLOPT_UPLOAD, 1L);
+	}
+	else if (Verb == "POST" || BodySize > 0)
+	{
+		curl_easy_setopt(Easy, CURLOPT_POST, 1L);
+	}
+	if (Verb != "GET" && Verb != "HEAD" && Verb != "PUT" && Verb != "POST")
+	{
+		curl_easy_setopt(Easy, CURLOPT_CUSTOMREQUEST, Verb.c_str());
+		curl_easy_setopt(Easy, CURLOPT_POSTREDIR, static_cast<long>(CURL_REDIR_POST_ALL)); // the verb stays, so the body has to
 	}
 }
 
 void FTransfer::ConfigureBody()
 {
 	const auto Set = [this](CURLoption Option, auto Value) { curl_easy_setopt(Easy, Option, Value); };
-	if (Hop->bPlainHttp1)
-	{
-		Set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
-	}
-	if (!Hop->bLengthIsTrue || Hop->bPlainHttp1)
-	{
-		Set(CURLOPT_FORBID_REUSE, 1L); // the peer would take the next request for the rest of this body, or the reverse
-	}
-	const uint64 Size = Hop->Body ? Hop->Body->GetSize() : 0;
-	const bool bVerbHasBody = Hop->Verb == "POST" || Hop->Verb == "PUT" || Hop->Verb == "PATCH";
-	if (Text::EqualNoCase(Hop->Verb, "HEAD") || (Size == 0 && !bVerbHasBody))
-	{
-		return;
-	}
-	Set(CURLOPT_POST, 1L);
-	Set(CURLOPT_CUSTOMREQUEST, Hop->Verb.c_str());
-	Set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(Size));
-	if (Hop->Body)
-	{
-		Set(CURLOPT_UPLOAD_BUFFERSIZE, Hop->Body->GetPortion());
-	}
+	Set(Request->Verb == "PUT" ? CURLOPT_INFILESIZE_LARGE : CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(BodySize));
+	Set(CURLOPT_UPLOAD_BUFFERSIZE, Request->Body ? Request->Body->GetPortion() : 64L << 10);
 	Set(CURLOPT_READDATA, static_cast<void*>(this));
 	using FRead = size_t (*)(char*, size_t, size_t, void*);
 	Set(CURLOPT_READFUNCTION, static_cast<FRead>([](char* Buffer, size_t Width, size_t Number, void* Self)
@@ -174,125 +182,134 @@ void FTransfer::ConfigureBody()
 								  { return static_cast<FTransfer*>(Self)->OnSeekBody(Offset, Origin); }));
 }
 
+/** Called before each hop, with the connection at hand. */
+void FTransfer::OnRequestDue()
+{
+	bConnected = true;
+	Touch();
+	long Hops = 0;
+	curl_easy_getinfo(Easy, CURLINFO_REDIRECT_COUNT, &Hops);
+	if (Hops > 0)
+	{
+		const char* Where = "";
+		const char* Verb = "";
+		curl_easy_getinfo(Easy, CURLINFO_EFFECTIVE_URL, &Where);
+		curl_easy_getinfo(Easy, CURLINFO_EFFECTIVE_METHOD, &Verb);
+		const bool bBecameGet = Request->Verb != "GET" && Text::EqualNoCase(Verb, "GET");
+		RequestHeaders::DropForRedirect(Lines.get(), !Request->Url->HasSameHost(Where), bBecameGet);
+	}
+}
+
 size_t FTransfer::OnReadBody(char* Buffer, size_t Room)
 {
 	Touch();
-	const std::optional<size_t> Number = Hop->Body ? Hop->Body->Read(Buffer, Room) : 0;
+	const std::optional<size_t> Number = Request->Body ? Request->Body->Read(Buffer, Room) : 0;
 	if (!Number)
 	{
-		Problem = "the file that is sent has become shorter";
+		Problem = "what is sent cannot be read any further";
 		return CURL_READFUNC_ABORT;
 	}
 	BytesSent += *Number;
 	if (*Number > 0)
 	{
-		NoteProgress();
+		Request->NoteSent(BytesSent);
 	}
 	return *Number;
 }
 
-/** libcurl goes back to the start when a kept connection turns out to be dead; it never asks for another place. */
+/** libcurl goes back to the start when a kept connection turns out to be dead, and for a redirect; never to another place. */
 int FTransfer::OnSeekBody(int64 Offset, int Origin)
 {
-	if (Offset != 0 || Origin != SEEK_SET || (Hop->Body && !Hop->Body->Rewind()))
+	const bool bMayHaveArrived = BytesSent == BodySize && !bAnswered; // twice is worse than not at all
+	if (Offset != 0 || Origin != SEEK_SET || bMayHaveArrived || !Request->Body || !Request->Body->Rewind())
 	{
 		return CURL_SEEKFUNC_FAIL;
 	}
 	BytesSent = 0;
+	bAnswered = false;
 	return CURL_SEEKFUNC_OK;
-}
-
-void FTransfer::NoteProgress()
-{
-	if (Request->WantsProgress() && !std::exchange(bDirty, true))
-	{
-		Round.Dirty.push_back(this);
-	}
 }
 
 bool FTransfer::OnHeaderLine(std::string_view Line)
 {
 	Touch();
-	HeaderBytes += Line.size();
-	if (HeaderBytes > mostHeaderBytes)
+	bAnswered = true;
+	Request->BeginResponse();
+	Line = Line.substr(0, Line.find_last_not_of("\r\n") + 1);
+	if (Line.starts_with("HTTP/"))
 	{
-		Problem = "the headers are too long";
-		return false;
-	}
-	if (Response || Next)
-	{
-		return true; // a trailer, behind the body
-	}
-	if (Line != "\r\n" && Line != "\n")
-	{
-		Headers.AddLine(Line);
+		BlockCode = readStatusCode(Line);
+		Length.reset();
+		if (!IsHidden())
+		{
+			Request->TakeStatus(BlockCode);
+		}
 		return true;
 	}
-	return Headers.StatusCode() < 200 || OnHeadersComplete(); // below 200 another block follows
+	const size_t Colon = Line.find(':');
+	return IsHidden() || Colon == Line.npos || OnHeader(Text::Trim(Line.substr(0, Colon)), Text::Trim(Line.substr(Colon + 1)));
 }
 
-bool FTransfer::OnHeadersComplete()
+bool FTransfer::OnHeader(std::string_view Name, std::string_view Value)
 {
-	const int32 Code = Headers.StatusCode();
-	const std::string Location = Headers.Find("Location");
-	if (!Hop->bPlainHttp1 && Redirects::IsRedirect(Code, Location))
+	if (Text::EqualNoCase(Name, "Content-Length") && !TakeLength(Value))
 	{
-		const bool bMayFollow = HopsFollowed < Redirects::mostHops;
-		Next = bMayFollow ? Redirects::NextHop(*Hop, Code, Location) : std::nullopt;
-		if (Next)
-		{
-			return true;
-		}
-		Problem = bMayFollow ? "redirected to a URL that may not be asked" : "too many redirects";
-	}
-	else if (Headers.HasContradictingLengths())
-	{
-		Problem = "the answer gives two lengths";
-	}
-	Response = MakeShared<FHttpResponse>(std::move(Headers));
-	Headers.Clear();
-	Request->PublishResponse(Response);
-	return !Problem;
-}
-
-bool FTransfer::OnBody(const char* Bytes, size_t Number)
-{
-	Touch();
-	BodyBytes += Number;
-	if (!Response)
-	{
-		return Next && BodyBytes <= mostDroppedBytes;
-	}
-	NoteProgress();
-	if (!Response->GetBody().Append(Bytes, Number))
-	{
-		Problem = "the body is longer than memory allows";
+		Problem = "nobody can tell the length of the answer";
 		return false;
 	}
+	Request->TakeHeader(Text::FromUtf8(Name), Text::FromUtf8(Value));
 	return true;
 }
 
-const char* FTransfer::Outcome(CURLcode Result) const
+bool FTransfer::TakeLength(std::string_view Value)
 {
-	if (Problem)
+	uint64 Number = 0;
+	const auto [End, Error] = std::from_chars(Value.data(), Value.data() + Value.size(), Number);
+	const bool bReadable = Error == std::errc() && End == Value.data() + Value.size() && Number <= static_cast<uint64>(MAX_int64);
+	if (!bReadable || Length.value_or(Number) != Number)
 	{
-		return Problem;
+		return false;
 	}
+	Length = Number;
+	Request->TakeLength(Number);
+	return true;
+}
+
+bool FTransfer::OnBody(char* Bytes, size_t Number)
+{
+	Touch();
+	const bool bTaken = Request->TakeBody(Bytes, Number);
+	if (!bTaken)
+	{
+		Problem = "nobody takes the rest of the body";
+	}
+	return bTaken;
+}
+
+FHttpOutcome FTransfer::Judge(CURLcode Result) const
+{
+	long Code = 0;
+	curl_easy_getinfo(Easy, CURLINFO_RESPONSE_CODE, &Code);
+	FHttpOutcome Judged{EHttpFailureReason::None, static_cast<int32>(Code)};
 	if (Result != CURLE_OK)
 	{
-		return ErrorText[0] ? ErrorText : curl_easy_strerror(Result);
+		const char* const Text = Problem ? Problem : ErrorText[0] ? ErrorText : curl_easy_strerror(Result);
+		UE_LOG(LogHttp, Warning, TEXT("Request failed: %s"), *Text::FromUtf8(Text));
+		Judged.Reason = isConnectionError(Result) ? EHttpFailureReason::ConnectionError : EHttpFailureReason::Other;
 	}
-	return Response ? nullptr : "the answer had no final status";
+	return Judged;
 }
 
-bool FTransfer::IsStalled() const
+std::optional<EHttpFailureReason> FTransfer::FindPassedLimit() const
 {
-	return bConnected && Round.Now - LastActivity > std::chrono::duration<double>(Settings.activityTimeoutSeconds);
-}
-
-FTransfer::FProgress FTransfer::TakeProgress()
-{
-	bDirty = false;
-	LastProgress = Round.Now;
-	return {BytesSent, BodyBytes};
+	using FSeconds = std::chrono::duration<double>;
+	if (Timeout && Now - Begun > FSeconds(*Timeout))
+	{
+		return EHttpFailureReason::TimedOut;
+	}
+	if (bConnected && Now - LastActivity > FSeconds(ActivityTimeout))
+	{
+		return EHttpFailureReason::ConnectionError;
+	}
+	return std::nullopt;
 }

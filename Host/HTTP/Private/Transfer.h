@@ -1,27 +1,22 @@
 #pragma once
 
 #include "HttpRequest.h"
+#include "RequestHeaders.h"
 
 #include <chrono>
 #include <curl/curl.h>
-#include <string>
-#include <vector>
+#include <string_view>
 
 struct FHttpSettings;
 
-/** What all transfers share in one round of the HTTP thread. */
-struct FRound
-{
-	std::chrono::steady_clock::time_point Now;
-	std::vector<FTransfer*> Dirty; // have counts to report
-};
-
-/** One request on its way through libcurl, hop by hop; used again for the next request. Thread: HTTP thread. */
+/** One request on its way through libcurl; used again for the next request. Thread: HTTP thread. */
 class FTransfer
 {
 public:
-	/** Both arguments outlive the transfer. */
-	FTransfer(FRound& InRound, const FHttpSettings& InSettings);
+	using FClock = std::chrono::steady_clock;
+
+	/** @param InNow  the time of the current round. Both arguments outlive the transfer. */
+	FTransfer(const FClock::time_point& InNow, const FHttpSettings& InSettings);
 	~FTransfer() { curl_easy_cleanup(Easy); }
 	FTransfer(const FTransfer&) = delete;
 	FTransfer& operator=(const FTransfer&) = delete;
@@ -29,66 +24,54 @@ public:
 	CURL* Handle() const { return Easy; }
 	static FTransfer& Of(CURL* Handle);
 
-	/** Takes a request whose Outgoing is set, and prepares its first hop. */
+	/** Takes a request whose Url is set. */
 	void Begin(std::shared_ptr<FHttpRequest> InRequest);
-	/** Prepares the hop that the last answer leads to. @return false when it leads nowhere else. */
-	bool BeginNextHop();
 	/** Lets go of the request and of all that belongs to it. */
 	std::shared_ptr<FHttpRequest> Release();
 
-	/** @return what went wrong, or null when the exchange is complete. */
-	const char* Outcome(CURLcode Result) const;
-	/** Whether no byte moved for too long; connecting has a limit of its own. */
-	bool IsStalled() const;
-
-	const std::shared_ptr<FHttpRequest>& GetRequest() const { return Request; }
-	/** Whether enough time has passed since the last progress callback for another one. */
-	bool IsProgressDue() const { return Round.Now - LastProgress >= std::chrono::milliseconds(1); }
-	/** Bytes of the bodies of this hop so far. */
-	struct FProgress
-	{
-		uint64 Sent, Received;
-	};
-	/** Whether bytes moved since the last report. */
-	bool IsDirty() const { return bDirty; }
-	/** Ends this transfer's stay in the dirty list. */
-	FProgress TakeProgress();
+	/** How libcurl's result reads for the program; a failure goes to the log, too. */
+	FHttpOutcome Judge(CURLcode Result) const;
+	/** Tells, once a limit has passed, which failure that is. */
+	std::optional<EHttpFailureReason> FindPassedLimit() const;
+	/** Seconds; the shortest of the limits that FindPassedLimit looks at. */
+	double ShortestLimit() const { return std::min(ActivityTimeout, Timeout.value_or(ActivityTimeout)); }
 
 	size_t Index = 0; // place among the running transfers
 	bool bEnded = false;
-	bool bSucceeded = false;
+	FHttpOutcome Outcome;
 
 private:
-	void BeginHop();
 	void ConfigureHandle();
+	void ConfigureCallbacks();
 	void ConfigureVerb();
 	void ConfigureBody();
+	void OnRequestDue();
 	bool OnHeaderLine(std::string_view Line);
-	bool OnHeadersComplete();
-	bool OnBody(const char* Bytes, size_t Number);
+	bool OnHeader(std::string_view Name, std::string_view Value);
+	bool TakeLength(std::string_view Value);
+	bool OnBody(char* Bytes, size_t Number);
 	size_t OnReadBody(char* Buffer, size_t Room);
 	int OnSeekBody(int64 Offset, int Origin);
-	void NoteProgress();
-	void Touch() { LastActivity = Round.Now; }
+	bool IsHidden() const { return BlockCode >= 300 && BlockCode < 400; }
+	void Touch() { LastActivity = Now; }
 
-	FRound& Round;
+	const FClock::time_point& Now;
 	const FHttpSettings& Settings;
 	CURL* const Easy;
 	char ErrorText[CURL_ERROR_SIZE] = "";
 
 	std::shared_ptr<FHttpRequest> Request;
-	std::optional<FOutgoing> Hop;
-	std::optional<FOutgoing> Next; // where the answer that is coming in leads to
-	int32 HopsFollowed = 0;
+	FHeaderLines Lines;
+	uint64 BodySize = 0;
+	double ActivityTimeout = 0;
+	std::optional<double> Timeout;
 	const char* Problem = nullptr; // why a callback ended the transfer
 
-	FResponseHeaders Headers;
-	TSharedPtr<FHttpResponse> Response; // of the last hop
-	uint64 HeaderBytes = 0; // of all hops
-	uint64 BodyBytes = 0; // received in this hop
-	uint64 BytesSent = 0; // of the body, in this hop
+	int32 BlockCode = 0; // of the header block that is coming in, or came last
+	std::optional<uint64> Length; // that it announced
+	uint64 BytesSent = 0; // of the body, since it was begun last
+	bool bAnswered = false; // since then
 	bool bConnected = false;
-	bool bDirty = false;
-	std::chrono::steady_clock::time_point LastActivity;
-	std::chrono::steady_clock::time_point LastProgress;
+	FClock::time_point Begun;
+	FClock::time_point LastActivity;
 };

@@ -5,7 +5,6 @@
 #include <curl/curl.h>
 #include <memory>
 #include <optional>
-#include <string_view>
 
 /** A parsed http or https URL. It may carry a user and a password. */
 class FUrl
@@ -14,13 +13,9 @@ public:
 	/** @return nothing when Text is no URL that may be sent: another scheme, malformed, or with blanks or control characters. */
 	static std::optional<FUrl> Parse(const FString& Text);
 
-	/** @param Location  the value of a Location header, absolute or relative to this URL. @return as Parse. */
-	std::optional<FUrl> Resolve(std::string_view Location) const;
+	/** @param Other  an absolute URL. @return whether it leads to the same host and port. */
+	bool HasSameHost(const char* Other) const;
 
-	/** Whether scheme, host and port are the same, so that credentials meant for one may go to the other. */
-	bool HasSameOrigin(const FUrl& Other) const;
-
-	FUrl Copy() const { return FUrl(curl_url_dup(Handle.get())); }
 	/** For libcurl; owned by this object. */
 	CURLU* Get() const { return Handle.get(); }
 
@@ -30,9 +25,8 @@ private:
 		void operator()(CURLU* Url) const { curl_url_cleanup(Url); }
 	};
 
-	explicit FUrl(CURLU* Url);
+	FUrl();
 	std::string Part(CURLUPart What) const;
-	void CopyCredentials(const FUrl& From);
 
 	std::unique_ptr<CURLU, FCleanup> Handle;
 };

@@ -72,8 +72,7 @@ bool UCorvaneBPLibrary::hasPendingWork()
 		return false;
 	}
 	FScopeLock Lock(&Library->mapLock);
-	return !Library->runningList->isEmpty() || Library->runningList->hasFollowUps() ||
-		   (Library->byteToFileThread && Library->byteToFileThread->hasWork()) ||
+	return !Library->runningList->isEmpty() || (Library->byteToFileThread && Library->byteToFileThread->hasWork()) ||
 		   (Library->truncateThread && Library->truncateThread->hasWork());
 }
 

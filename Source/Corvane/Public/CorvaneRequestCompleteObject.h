@@ -12,9 +12,12 @@
 
 #include "CorvaneRequestCompleteObject.generated.h"
 
+class FCorvEventBody;
+class FCorvProgressMail;
 class FCorvThread;
 enum class ECorvDownloadAction : uint8;
 enum class ECorvJobType : int32;
+struct FCorvCancelState;
 struct FCorvCompletion;
 struct FCorvDownloadAnswer;
 struct FCorvTheadJob;
@@ -62,8 +65,14 @@ public:
 	void requestProgressDownload(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
 	void requestProgressServerSendEvent(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
 	void requestProgressDownloadLowRam(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
-	/** The one entry point that does its work itself; ends the worker without a job. */
+	/** The one entry point that does its work itself; the job that it queues only ends the worker. */
 	void requestMultiStepComplete(FHttpRequestPtr request, FHttpResponsePtr response, bool bWasSuccessful);
+	/** Keeps the code: of an exchange that does not end in order, the response may never tell it. */
+	void requestStatusCode(FHttpRequestPtr request, int32 code);
+	/** Takes the bytes of server-sent events; sets number to 0 when there is no room for them, which ends the transfer. */
+	void takeEventBytes(void* bytes, int64& number);
+	/** The body of the request, a stream of the module's own, has been read so far. */
+	void requestBodyHandedOut(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
 
 	// Thread: request worker.
 	void requestCompleteInternal(FHttpRequestPtr request, FHttpResponsePtr response, bool bWasSuccessful);
@@ -117,6 +126,9 @@ public:
 	/** Full path of a download's target; empty for requests that write no file. */
 	FString getFileCancelResumeDownloadDir() const { return fileCancelResumeDownloadDir; }
 	void setFileCancelResumeDownloadDir(FString path) { fileCancelResumeDownloadDir = path; }
+	/** Bytes of the body that the next start sends as a stream. */
+	uint64 getUploadSize() const { return uploadSize; }
+	void setUploadSize(uint64 size) { uploadSize = size; }
 	/** Bytes; 0 = unknown. */
 	int64 getHTMLFileSize() const { return HTMLFileSize; }
 	void setHTMLFileSize(int64 size) { HTMLFileSize = size; }
@@ -129,7 +141,13 @@ public:
 private:
 	void addJob(FCorvTheadJob* job);
 	void addProgressJob(ECorvJobType type, const FHttpRequestPtr& request, uint64 bytesSent, uint64 bytesReceived);
-	bool cancelIfAsked(const FHttpRequestPtr& request);
+	void noteResponse(const FHttpRequestPtr& request);
+	/** @return whether a script has asked to cancel this request, which the log is told then. */
+	bool cancelIfAsked();
+	/** @return the status code of an answer, also of one that broke off; 0 when none came. */
+	int32 codeOf(const FHttpResponsePtr& response) const;
+	/** The result of an exchange that did not happen, or whose answer must not pass for a success. */
+	FCorvCompletion failureOf(const FHttpResponsePtr& response);
 	void freeWorker();
 	void resetRun();
 	/** Ends this run with a result, its ID added. */
@@ -138,7 +156,7 @@ private:
 	// downloads
 	void completeDownload(const FHttpRequestPtr& request, const FHttpResponsePtr& response, bool bWasSuccessful);
 	ECorvDownloadAction writeBody(const FHttpRequestPtr& request, const IHttpResponse& response);
-	void keepReceivedBytes(const FHttpRequestPtr& request, const FHttpResponsePtr& response);
+	void keepReceivedBytes(const IHttpResponse& response, int32 code);
 	int64 downloadNumber() const;
 	void releaseDownloadTarget();
 	void measureSpeed(int64 bytes);
@@ -155,7 +173,7 @@ private:
 	void takeStepAnswer(const FHttpRequestPtr& request, const FHttpResponsePtr& response);
 	bool writeStep(const IHttpResponse& response, const FCorvDownloadAnswer& answer);
 	void startStep(const IHttpResponse& response, int64 total, int64 start);
-	void endUnwantedBody(const FHttpRequestPtr& request, const IHttpResponse& response, uint64 bytesReceived);
+	void endUnwantedBody(const FHttpRequestPtr& request, uint64 bytesReceived);
 	void endSteps(const FHttpRequestPtr& request, FCorvCompletion result);
 
 	int64 fileCancelResumeDownloadByteFullSize = 0;
@@ -170,14 +188,17 @@ private:
 	int32 multiStepDownload = 0;
 	EMultiStepType multiStepDownloadType = EMultiStepType::E_GOOGLE_DRIVE_DOWNLOAD;
 	int64 HTMLFileSize = 0;
-	int64 lastProgressBytes = 0; // request worker, down to cancelDownloadResponse
+	int64 lastProgressBytes = 0; // request worker, down to lastProgressTime
 	int32 serverSendEventLastByte = 0;
 	float megabitSpeed = 0;
 	int64 lastProgressTime = 0; // ticks of 100 ns, 0 = never measured
-	TArray<uint8> cancelDownloadContent; // what had arrived when the cancel was seen, and of which answer
-	FHttpResponsePtr cancelDownloadResponse;
-	// Set when the mark was taken, though the request may still complete well; shared with what follows this run.
-	TSharedPtr<std::atomic<bool>> cancelSeen;
+	uint64 uploadSize = 0; // set before the start
+	// What the callbacks learn while the request runs; of this run, as what follows.
+	std::atomic<int32> statusCode{0}; // 0 = none came
+	std::atomic<int64> bodySize{-1}; // that the answer announces; -1 = no answer yet, 0 = it does not say
+	TSharedPtr<FCorvEventBody> eventBody;
+	TSharedPtr<FCorvProgressMail> progressMail;
+	TSharedPtr<FCorvCancelState> cancelState; // never null; shared with what follows this run
 	bool bProbeGotBody = false; // the server sent the file in answer to the question for its size
 	FCorvFileVersion fileVersion; // as the step before saw it
 	int64 inheritedDownload = 0; // 0 = this request begins its download

@@ -10,9 +10,6 @@
 #include <type_traits>
 #include <utility>
 
-template <class T>
-class TBorrowedArray;
-
 /**
  * A growing array with 32-bit sizes. Element addresses change when it grows. Not thread-safe.
  */
@@ -131,8 +128,6 @@ public:
 	}
 
 private:
-	friend class TBorrowedArray<T>;
-
 	T* At(int32 Index) const
 	{
 		HOST_CHECK(IsValidIndex(Index));

@@ -19,13 +19,16 @@ public:
 	virtual int64 Tell() = 0;
 	virtual void Flush() {}
 	/** @return false when anything failed since the file was opened. */
-	virtual bool Close() = 0;
+	virtual bool Close() { return !IsError(); }
 
+	bool IsLoading() const { return bIsLoading; }
 	bool IsError() const { return bIsError; }
-
-protected:
 	void SetError() { bIsError = true; }
 
+protected:
+	void SetIsLoading(bool bInIsLoading) { bIsLoading = bInIsLoading; }
+
 private:
+	bool bIsLoading = false;
 	bool bIsError = false;
 };

@@ -5,8 +5,8 @@
 class UBlueprintAsyncActionBase;
 
 /**
- * The part of whoever runs a graph: a node that is under way is kept alive until it says that it has ended, or begins to
- * be destroyed. Thread: game thread.
+ * The part of whoever runs a graph: a node that is under way is kept alive until it says that it has ended.
+ * Thread: game thread.
  */
 struct FAsyncActionHold
 {

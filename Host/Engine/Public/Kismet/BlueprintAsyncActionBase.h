@@ -25,8 +25,6 @@ public:
 	/** Says that the node has ended: whoever runs the graph lets go of it. Destroys nothing. */
 	virtual void SetReadyToDestroy();
 
-	virtual void BeginDestroy() override;
-
 private:
 	friend FAsyncActionHold;
 

@@ -8,16 +8,18 @@ class IHttpBase
 public:
 	virtual ~IHttpBase() = default;
 
-	/** @return the value of a header, empty when absent; the name's case is ignored. */
+	/** @return the value of a header, empty when absent; the name's case is ignored. Response: nothing before the end. */
 	virtual FString GetHeader(const FString& HeaderName) const = 0;
-	/** @return every header as "Name: value", in the order of the wire (requests: in the order set). */
+	/** @return every header as "Name: value", in the order in which the names came. Response: nothing before the end. */
 	virtual TArray<FString> GetAllHeaders() const = 0;
-	/** Request: bytes of the body. Response: value of the Content-Length header, 0 when there is none. */
+	/**
+	 * Request: bytes of the body; of a streamed file only while it is open. Response: value of the Content-Length header,
+	 * 0 when there is none.
+	 */
 	virtual uint64 GetContentLength() const = 0;
 	/**
-	 * Request: the in-memory body. Response: the bytes received so far, frozen at the moment of the call; it costs no
-	 * copy, and the reference holds until the same thread asks this response again.
-	 * @note Thread: any.
+	 * Request: the in-memory body. Response: the array that received bytes are appended to. While the request runs it grows
+	 * and moves, with no lock: only a callback on the HTTP thread may look at it.
 	 */
 	virtual const TArray<uint8>& GetContent() const = 0;
 };

@@ -1,11 +1,19 @@
 #include "Completion/CompletionResult.h"
 
-FCorvCompletion CorvaneResult::success(const IHttpResponse& Response)
+#include "Containers/StringConv.h"
+
+FString CorvaneResult::toText(const TArray<uint8>& Utf8)
+{
+	const FUTF8ToTCHAR Units(reinterpret_cast<const ANSICHAR*>(Utf8.GetData()), Utf8.Num());
+	return FString::ConstructFromPtrSize(Units.Get(), Units.Length());
+}
+
+FCorvCompletion CorvaneResult::success(const IHttpResponse& Response, TArray<uint8> Body)
 {
 	FCorvCompletion Result = successWithoutBody(Response);
-	Result.byteData = Response.GetContent();
-	Result.dataString = Response.GetContentAsString();
+	Result.dataString = toText(Body);
 	Result.dataArray = toLines(Result.dataString);
+	Result.byteData = MoveTemp(Body);
 	return Result;
 }
 
@@ -17,16 +25,18 @@ FCorvCompletion CorvaneResult::successWithoutBody(const IHttpResponse& Response)
 	return Result;
 }
 
-FCorvCompletion CorvaneResult::failure(const FHttpResponsePtr& Response)
+FCorvCompletion CorvaneResult::noResponse()
 {
-	constexpr int32 firstErrorCode = 400;
 	constexpr int32 noResponseCode = 500;
-	// Below 400 the answer of a broken exchange would pass for a success, so it counts as none.
-	const bool bServerRefused = Response.IsValid() && Response->GetResponseCode() >= firstErrorCode;
+	return refusal(noResponseCode, TEXT("No Response"));
+}
+
+FCorvCompletion CorvaneResult::refusal(int32 StatusCode, FString Text)
+{
 	FCorvCompletion Result;
-	Result.dataString = bServerRefused ? Response->GetContentAsString() : FString(TEXT("No Response"));
-	Result.dataArray = toLines(Result.dataString);
-	Result.statusCode = bServerRefused ? Response->GetResponseCode() : noResponseCode;
+	Result.dataArray = toLines(Text);
+	Result.dataString = MoveTemp(Text);
+	Result.statusCode = StatusCode;
 	return Result;
 }
 

@@ -7,16 +7,18 @@
 namespace CorvaneResult
 {
 	/** Text, lines, headers, status and bytes of an exchange that happened. */
-	FCorvCompletion success(const IHttpResponse& response);
+	FCorvCompletion success(const IHttpResponse& response, TArray<uint8> body);
 
 	/** The same without body. */
 	FCorvCompletion successWithoutBody(const IHttpResponse& response);
 
-	/**
-	 * An exchange that did not happen, or an answer that must not pass for a success.
-	 * @param response  its code and text are used when it has an error code (400 and above); may be null.
-	 */
-	FCorvCompletion failure(const FHttpResponsePtr& response);
+	/** What a server said when it refused. */
+	FCorvCompletion refusal(int32 statusCode, FString text);
+
+	/** An exchange that did not happen, or an answer that must not pass for a success. */
+	FCorvCompletion noResponse();
+
+	FString toText(const TArray<uint8>& utf8);
 
 	/** The text cut at CR LF, empty lines dropped. */
 	TArray<FString> toLines(const FString& text);

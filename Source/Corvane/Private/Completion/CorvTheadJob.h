@@ -12,12 +12,22 @@ enum class ECorvJobType : int32
 	ProgressUpload = 3,
 	ProgressDownload = 4,
 	ProgressServerSendEvent = 5,
-	ProgressDownloadLowRam = 6
+	ProgressDownloadLowRam = 6,
+	/** Calls nothing; the work is done and the worker ends. */
+	EndOfStep = 7
 };
 
-/** One callback on its way to the request worker; its pointers keep request and response alive until it has run. */
+/**
+ * One callback on its way to the request worker; its pointers keep request and response alive until it has run. Progress
+ * is numbers only: what a response holds while it grows may be touched by nobody but the HTTP thread.
+ */
 struct FCorvTheadJob
 {
+	bool isLast() const
+	{
+		return jobType == ECorvJobType::Complete || jobType == ECorvJobType::CompleteLowRam || jobType == ECorvJobType::EndOfStep;
+	}
+
 	ECorvJobType jobType;
 	FHttpRequestPtr request;
 	// completion

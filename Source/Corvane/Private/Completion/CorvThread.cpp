@@ -5,6 +5,7 @@
 #include "HAL/PlatformProcess.h"
 #include "HAL/RunnableThread.h"
 #include "Misc/Guid.h"
+#include "Misc/ScopeLock.h"
 
 FCorvThread::FCorvThread(UCorvaneRequestCompleteObject* InOwner, int64 InRunNumber)
 	: completeObject(InOwner)
@@ -26,6 +27,11 @@ FCorvThread::~FCorvThread()
 
 void FCorvThread::addJob(FCorvTheadJob* InJob)
 {
+	if (updateWaitingProgress(*InJob))
+	{
+		delete InJob;
+		return;
+	}
 	jobQueue.Enqueue(InJob);
 	if (thread)
 	{
@@ -35,6 +41,34 @@ void FCorvThread::addJob(FCorvTheadJob* InJob)
 	{
 		startThread();
 	}
+}
+
+bool FCorvThread::updateWaitingProgress(const FCorvTheadJob& InJob)
+{
+	if (InJob.isLast())
+	{
+		return false;
+	}
+	FScopeLock Lock(&progressLock);
+	if (!waitingProgress)
+	{
+		waitingProgress = const_cast<FCorvTheadJob*>(&InJob); // about to be queued
+		return false;
+	}
+	waitingProgress->bytesSent = InJob.bytesSent;
+	waitingProgress->bytesReceived = InJob.bytesReceived;
+	return true;
+}
+
+bool FCorvThread::takeJob(FCorvTheadJob*& OutJob)
+{
+	FScopeLock Lock(&progressLock);
+	const bool bTaken = jobQueue.Dequeue(OutJob);
+	if (bTaken && OutJob == waitingProgress)
+	{
+		waitingProgress = nullptr;
+	}
+	return bTaken;
 }
 
 void FCorvThread::startThread()
@@ -116,10 +150,10 @@ void FCorvThread::runQueuedJobs()
 	// A completion job ends the loop of Run, yet what is queued behind it still runs; only stopThread leaves jobs behind.
 	bool bCompleted = false;
 	FCorvTheadJob* Job = nullptr;
-	while ((isRunning || bCompleted) && jobQueue.Dequeue(Job))
+	while ((isRunning || bCompleted) && takeJob(Job))
 	{
 		runJob(*Job);
-		if (Job->jobType == ECorvJobType::Complete || Job->jobType == ECorvJobType::CompleteLowRam)
+		if (Job->isLast())
 		{
 			bCompleted = true;
 			isRunning = false;
@@ -152,6 +186,8 @@ void FCorvThread::runJob(const FCorvTheadJob& InJob)
 		break;
 	case ECorvJobType::ProgressDownloadLowRam:
 		completeObject->requestProgressDownloadLowRamInternal(InJob.request, InJob.bytesSent, InJob.bytesReceived);
+		break;
+	case ECorvJobType::EndOfStep:
 		break;
 	}
 }

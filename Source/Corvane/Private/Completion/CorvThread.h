@@ -2,6 +2,7 @@
 
 #include "Completion/CorvTheadJob.h"
 #include "Containers/Queue.h"
+#include "HAL/CriticalSection.h"
 #include "HAL/Runnable.h"
 
 #include <atomic>
@@ -29,7 +30,8 @@ public:
 	bool hasEnded() const { return ended; }
 
 	/**
-	 * Queues one job and starts or wakes the worker.
+	 * Queues one job and starts or wakes the worker. Progress that finds earlier progress still waiting only brings that
+	 * up to date: no flood of callbacks makes a queue long.
 	 * @param job  not null; ownership passes to the queue.
 	 * @note Thread: HTTP callback. Jobs run in call order; on the calling thread only when the system has no thread to give.
 	 */
@@ -45,6 +47,8 @@ public:
 	virtual void Stop() override;
 
 private:
+	bool updateWaitingProgress(const FCorvTheadJob& job);
+	bool takeJob(FCorvTheadJob*& job);
 	void startThread();
 	void runQueuedJobs();
 	void runJob(const FCorvTheadJob& job);
@@ -56,6 +60,8 @@ private:
 	std::atomic<bool> isPaused{false};
 	std::atomic<bool> ended{false};
 	TQueue<FCorvTheadJob*, EQueueMode::Mpsc> jobQueue;
+	FCriticalSection progressLock; // guards what follows, and the numbers of the job that it names
+	FCorvTheadJob* waitingProgress = nullptr;
 	FEvent* wakeUp; // from the engine's pool
 	FRunnableThread* thread = nullptr; // owned; null until the first job
 };

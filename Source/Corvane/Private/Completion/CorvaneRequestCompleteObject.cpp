@@ -1,8 +1,12 @@
 #include "CorvaneRequestCompleteObject.h"
 
 #include "Async/Async.h"
+#include "Completion/CancelState.h"
+#include "Completion/CompletionResult.h"
 #include "Completion/CorvThread.h"
+#include "Completion/EventBody.h"
 #include "Completion/GameThreadDelivery.h"
+#include "Completion/ProgressMail.h"
 #include "Completion/RunningRequests.h"
 #include "Misc/ScopeLock.h"
 #include "Templates/SharedPointer.h"
@@ -11,6 +15,7 @@
 UCorvaneRequestCompleteObject::UCorvaneRequestCompleteObject(const FObjectInitializer& ObjectInitializer)
 	: Super(ObjectInitializer)
 {
+	resetRun();
 }
 
 void UCorvaneRequestCompleteObject::BeginDestroy()
@@ -41,7 +46,7 @@ bool UCorvaneRequestCompleteObject::initCorv()
 	freeWorker();
 	resetRun();
 	AddToRoot();
-	currentRun = corvaneBPLibrary->runningRequestList().begin(this);
+	currentRun = corvaneBPLibrary->runningRequestList().begin(this, requestID, cancelState);
 	FCorvThread* Worker = new FCorvThread(this, currentRun);
 	FScopeLock Lock(&workerLock);
 	corvThread = Worker;
@@ -74,9 +79,11 @@ void UCorvaneRequestCompleteObject::resetRun()
 	lastProgressTime = 0;
 	megabitSpeed = 0;
 	serverSendEventLastByte = 0;
-	cancelDownloadContent.Empty();
-	cancelDownloadResponse.Reset();
-	cancelSeen = MakeShared<std::atomic<bool>>(false);
+	statusCode = 0;
+	bodySize = -1;
+	eventBody = MakeShared<FCorvEventBody>();
+	progressMail = MakeShared<FCorvProgressMail>();
+	cancelState = MakeShared<FCorvCancelState>();
 	bProbeGotBody = false;
 }
 
@@ -131,8 +138,24 @@ void UCorvaneRequestCompleteObject::requestCompleteLowRam(FHttpRequestPtr InRequ
 	addJob(new FCorvTheadJob{ECorvJobType::CompleteLowRam, InRequest, InResponse, bInWasSuccessful});
 }
 
+void UCorvaneRequestCompleteObject::requestStatusCode(FHttpRequestPtr, int32 InCode)
+{
+	statusCode = InCode;
+}
+
+/** Asked here, on the thread of the callback, because the response changes while it comes in. */
+void UCorvaneRequestCompleteObject::noteResponse(const FHttpRequestPtr& InRequest)
+{
+	const FHttpResponsePtr Response = InRequest->GetResponse();
+	if (Response.IsValid())
+	{
+		bodySize = static_cast<int64>(Response->GetContentLength());
+	}
+}
+
 void UCorvaneRequestCompleteObject::requestMultiStepDownload(FHttpRequestPtr InRequest, uint64 InBytesSent, uint64 InBytesReceived)
 {
+	noteResponse(InRequest);
 	addProgressJob(ECorvJobType::MultiStepDownload, InRequest, InBytesSent, InBytesReceived);
 }
 
@@ -143,6 +166,7 @@ void UCorvaneRequestCompleteObject::requestProgressUpload(FHttpRequestPtr InRequ
 
 void UCorvaneRequestCompleteObject::requestProgressDownload(FHttpRequestPtr InRequest, uint64 InBytesSent, uint64 InBytesReceived)
 {
+	noteResponse(InRequest);
 	addProgressJob(ECorvJobType::ProgressDownload, InRequest, InBytesSent, InBytesReceived);
 }
 
@@ -153,6 +177,7 @@ void UCorvaneRequestCompleteObject::requestProgressServerSendEvent(FHttpRequestP
 
 void UCorvaneRequestCompleteObject::requestProgressDownloadLowRam(FHttpRequestPtr InRequest, uint64 InBytesSent, uint64 InBytesReceived)
 {
+	noteResponse(InRequest);
 	addProgressJob(ECorvJobType::ProgressDownloadLowRam, InRequest, InBytesSent, InBytesReceived);
 }
 
@@ -162,14 +187,33 @@ void UCorvaneRequestCompleteObject::addProgressJob(
 	addJob(new FCorvTheadJob{InType, InRequest, nullptr, false, InBytesSent, InBytesReceived});
 }
 
-bool UCorvaneRequestCompleteObject::cancelIfAsked(const FHttpRequestPtr& InRequest)
+bool UCorvaneRequestCompleteObject::cancelIfAsked()
 {
-	if (!corvaneBPLibrary->takeCancelMark(requestID))
+	if (!cancelState->isAsked(requestID))
 	{
 		return false;
 	}
-	*cancelSeen = true;
-	CorvaneDelivery::cancel(InRequest);
-	UE_LOG(LogTemp, Warning, TEXT("Request has been canceled. %s"), *requestID);
+	corvaneBPLibrary->takeCancelMark(requestID);
 	return true;
+}
+
+int32 UCorvaneRequestCompleteObject::codeOf(const FHttpResponsePtr& InResponse) const
+{
+	const int32 Code = InResponse.IsValid() ? InResponse->GetResponseCode() : 0;
+	return Code != 0 ? Code : statusCode.load();
+}
+
+FCorvCompletion UCorvaneRequestCompleteObject::failureOf(const FHttpResponsePtr& InResponse)
+{
+	constexpr int32 firstErrorCode = 400;
+	const int32 Code = codeOf(InResponse);
+	// Below 400 the answer of a broken exchange would pass for a success, so it counts as none.
+	if (cancelIfAsked() || Code < firstErrorCode)
+	{
+		return CorvaneResult::noResponse();
+	}
+	const bool bOwnBody = httpRequest.bindServerSendEvent;
+	return CorvaneResult::refusal(Code, bOwnBody               ? CorvaneResult::toText(eventBody->take())
+										: InResponse.IsValid() ? InResponse->GetContentAsString()
+															   : FString());
 }

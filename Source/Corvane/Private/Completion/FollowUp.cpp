@@ -10,13 +10,14 @@ namespace CorvaneFollowUp
 	class FPending
 	{
 	public:
-		explicit FPending(UCorvaneBPLibrary* InLibrary)
+		FPending(UCorvaneBPLibrary* InLibrary, const FCorvFollowUp& FollowUp)
 			: library(InLibrary)
+			, number(InLibrary->runningRequestList().beginFollowUp(FollowUp.requestID, FollowUp.cancelState))
 		{
-			InLibrary->runningRequestList().beginFollowUp();
 		}
 		FPending(FPending&& Other)
 			: library(Other.library)
+			, number(Other.number)
 		{
 			Other.library.Reset();
 		}
@@ -24,12 +25,13 @@ namespace CorvaneFollowUp
 		{
 			if (UCorvaneBPLibrary* Alive = library.Get())
 			{
-				Alive->runningRequestList().endFollowUp();
+				Alive->runningRequestList().end(number);
 			}
 		}
 
 	private:
 		TWeakObjectPtr<UCorvaneBPLibrary> library;
+		int64 number;
 	};
 
 	static void fail(UCorvaneBPLibrary& Library, const FCorvFollowUp& FollowUp)
@@ -38,20 +40,14 @@ namespace CorvaneFollowUp
 		{
 			FollowUp.abandon(Library);
 		}
-		FCorvCompletion Result = CorvaneResult::failure(nullptr);
+		FCorvCompletion Result = CorvaneResult::noResponse();
 		Result.requestID = FollowUp.requestID;
 		CorvaneDelivery::completion(&Library, nullptr, MoveTemp(Result));
 	}
 
 	static void run(UCorvaneBPLibrary& Library, const FCorvFollowUp& FollowUp)
 	{
-		if (Library.takeCancelMark(FollowUp.requestID)) // the start would clear it
-		{
-			UE_LOG(LogTemp, Warning, TEXT("Request has been canceled. %s"), *FollowUp.requestID);
-			fail(Library, FollowUp);
-			return;
-		}
-		if (*FollowUp.cancelSeen) // logged by then
+		if (FollowUp.cancelState->isAsked(FollowUp.requestID))
 		{
 			fail(Library, FollowUp);
 			return;
@@ -70,7 +66,7 @@ namespace CorvaneFollowUp
 void CorvaneFollowUp::start(UCorvaneBPLibrary* InLibrary, FCorvFollowUp FollowUp)
 {
 	AsyncTask(ENamedThreads::GameThread,
-		[Library = TWeakObjectPtr<UCorvaneBPLibrary>(InLibrary), Pending = FPending(InLibrary), FollowUp = MoveTemp(FollowUp)]
+		[Library = TWeakObjectPtr<UCorvaneBPLibrary>(InLibrary), Pending = FPending(InLibrary, FollowUp), FollowUp = MoveTemp(FollowUp)]
 		{
 			if (UCorvaneBPLibrary* Alive = Library.Get())
 			{

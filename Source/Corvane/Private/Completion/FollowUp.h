@@ -1,17 +1,16 @@
 #pragma once
 
+#include "Completion/CancelState.h"
 #include "CorvaneBPLibrary.h"
 #include "Templates/Function.h"
 #include "Templates/SharedPointer.h"
-
-#include <atomic>
 
 /** A request that continues what another one began, under the same ID. */
 struct FCorvFollowUp
 {
 	FString requestID;
-	/** Whether the request before has taken the mark of a cancel that came too late for it. */
-	TSharedPtr<std::atomic<bool>> cancelSeen;
+	/** Of the request before. */
+	TSharedPtr<FCorvCancelState> cancelState;
 	/** Builds it; empty when the builder refused. Thread: game thread. */
 	TUniqueFunction<TArray<FhttpRequest>()> build;
 	/** Called instead of its start; may be unset. Thread: game thread. */

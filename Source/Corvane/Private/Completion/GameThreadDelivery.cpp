@@ -94,28 +94,19 @@ void CorvaneDelivery::fileInfo(UCorvaneBPLibrary* InLibrary, FHttpRequestPtr Req
 	post(InLibrary, MoveTemp(Request), MoveTemp(Result));
 }
 
-void CorvaneDelivery::downloadProgress(
-	UCorvaneBPLibrary* InLibrary, float Size, float MegaBytesReceived, float PercentDownload, float MegaBit, const FString& RequestID)
+void CorvaneDelivery::progress(UCorvaneBPLibrary* InLibrary, TSharedPtr<FCorvProgressMail> Mail, FCorvProgressMail::FBroadcast Broadcast)
 {
+	if (!Mail->put(MoveTemp(Broadcast)))
+	{
+		return;
+	}
 	AsyncTask(ENamedThreads::GameThread,
-		[Library = TWeakObjectPtr<UCorvaneBPLibrary>(InLibrary), Size, MegaBytesReceived, PercentDownload, MegaBit, RequestID]
+		[Library = TWeakObjectPtr<UCorvaneBPLibrary>(InLibrary), Mail]
 		{
+			const FCorvProgressMail::FBroadcast Latest = Mail->take();
 			if (const UCorvaneBPLibrary* Alive = Library.Get())
 			{
-				Alive->onhttpFileDownloadDelegate.Broadcast(Size, MegaBytesReceived, PercentDownload, MegaBit, RequestID);
-			}
-		});
-}
-
-void CorvaneDelivery::uploadProgress(
-	UCorvaneBPLibrary* InLibrary, float Size, int32 BytesSent, float PercentUpload, const FString& RequestID)
-{
-	AsyncTask(ENamedThreads::GameThread,
-		[Library = TWeakObjectPtr<UCorvaneBPLibrary>(InLibrary), Size, BytesSent, PercentUpload, RequestID]
-		{
-			if (const UCorvaneBPLibrary* Alive = Library.Get())
-			{
-				Alive->onhttpFileUploadDelegate.Broadcast(Size, BytesSent, PercentUpload, RequestID);
+				Latest(*Alive);
 			}
 		});
 }

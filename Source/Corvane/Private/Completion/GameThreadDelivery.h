@@ -1,6 +1,8 @@
 #pragma once
 
+#include "Completion/ProgressMail.h"
 #include "CorvaneBPLibrary.h"
+#include "Templates/SharedPointer.h"
 
 /** The result of one request, as its receiver gets it. */
 struct FCorvCompletion
@@ -38,12 +40,8 @@ namespace CorvaneDelivery
 	/** The same for the information about a Drive file; a node of another kind that waits for the ID gets nothing. */
 	void fileInfo(UCorvaneBPLibrary* library, FHttpRequestPtr request, FCorvFileInfoResult result);
 
-	/** Sizes in MiB, percent 0-100, megaBit as measured. */
-	void downloadProgress(
-		UCorvaneBPLibrary* library, float size, float megaBytesReceived, float percentDownload, float megaBit, const FString& requestID);
-
-	/** Size in bytes, percent 0-100. */
-	void uploadProgress(UCorvaneBPLibrary* library, float size, int32 bytesSent, float percentUpload, const FString& requestID);
+	/** @param broadcast  raises the event; it replaces one of the same mail that still waits for the game thread. */
+	void progress(UCorvaneBPLibrary* library, TSharedPtr<FCorvProgressMail> mail, FCorvProgressMail::FBroadcast broadcast);
 
 	void serverSendEvent(UCorvaneBPLibrary* library, FString response, const FString& requestID);
 

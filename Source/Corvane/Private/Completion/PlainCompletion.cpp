@@ -1,6 +1,7 @@
 #include "CorvaneRequestCompleteObject.h"
 
 #include "Completion/CompletionResult.h"
+#include "Completion/EventBody.h"
 #include "Rules/UploadTail.h"
 
 void UCorvaneRequestCompleteObject::requestCompleteInternal(FHttpRequestPtr InRequest, FHttpResponsePtr InResponse, bool bInWasSuccessful)
@@ -22,13 +23,17 @@ void UCorvaneRequestCompleteObject::requestCompleteInternal(FHttpRequestPtr InRe
 	{
 		completeDownload(InRequest, InResponse, bInWasSuccessful);
 	}
-	else if (bInWasSuccessful && InResponse.IsValid())
+	else if (!bInWasSuccessful || !InResponse.IsValid())
 	{
-		deliver(InRequest, CorvaneResult::success(*InResponse));
+		deliver(InRequest, failureOf(InResponse));
+	}
+	else if (httpRequest.bindServerSendEvent)
+	{
+		deliver(InRequest, CorvaneResult::success(*InResponse, eventBody->take()));
 	}
 	else
 	{
-		deliver(InRequest, CorvaneResult::failure(InResponse));
+		deliver(InRequest, CorvaneResult::success(*InResponse, InResponse->GetContent()));
 	}
 }
 

@@ -30,10 +30,9 @@ int64 CorvaneDownload::sizeOnDisk(const FString& Path)
 	return FMath::Max<int64>(IFileManager::Get().FileSize(*Path), 0);
 }
 
-FCorvDownloadAnswer CorvaneDownload::readAnswer(const IHttpResponse& Response)
+FCorvDownloadAnswer CorvaneDownload::readAnswer(const IHttpResponse& Response, int32 StatusCode)
 {
-	return {
-		Response.GetResponseCode(), CorvaneRules::contentRange(CorvaneDownloadFile::rangeHeader(Response)), Response.GetContent().Num()};
+	return {StatusCode, CorvaneRules::contentRange(CorvaneDownloadFile::rangeHeader(Response)), Response.GetContent().Num()};
 }
 
 bool CorvaneDownload::write(const FString& Path, const TArray<uint8>& Bytes, bool bReplace)

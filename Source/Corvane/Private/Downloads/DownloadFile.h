@@ -11,7 +11,7 @@ namespace CorvaneDownload
 	int64 sizeOnDisk(const FString& path);
 
 	/** What decides about the body of an answer. */
-	FCorvDownloadAnswer readAnswer(const IHttpResponse& response);
+	FCorvDownloadAnswer readAnswer(const IHttpResponse& response, int32 statusCode);
 
 	/**
 	 * Puts bytes behind those of a file, or in their place.

@@ -17,27 +17,10 @@ void UCorvaneRequestCompleteObject::requestProgressDownloadInternal(FHttpRequest
 		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: Missing Object instance (83)."));
 		return;
 	}
-	if (!InRequest.IsValid())
+	if (InRequest.IsValid() && !cancelIfAsked() && bodySize >= 0)
 	{
-		return;
+		reportBody(InBytesReceived, static_cast<uint64>(bodySize));
 	}
-	const bool bCancelled = cancelIfAsked(InRequest);
-	const FHttpResponsePtr Response = InRequest->GetResponse();
-	if (!Response.IsValid())
-	{
-		return;
-	}
-	if (bCancelled)
-	{
-		if (!fileCancelResumeDownloadDir.IsEmpty())
-		{
-			// Not every platform keeps them until the completion.
-			cancelDownloadResponse = Response;
-			cancelDownloadContent = Response->GetContent();
-		}
-		return;
-	}
-	reportBody(InBytesReceived, Response->GetContentLength());
 }
 
 void UCorvaneRequestCompleteObject::requestMultiStepDownloadInternal(FHttpRequestPtr InRequest, uint64, uint64 InBytesReceived)
@@ -48,12 +31,10 @@ void UCorvaneRequestCompleteObject::requestMultiStepDownloadInternal(FHttpReques
 		return;
 	}
 	constexpr int32 secondStep = 2;
-	const bool bGoesOn = InRequest.IsValid() && !cancelIfAsked(InRequest);
-	const FHttpResponsePtr Response = bGoesOn && multiStepDownload == secondStep ? InRequest->GetResponse() : nullptr;
-	if (Response.IsValid()) // a page on the way to the file is no part of it
+	const bool bGoesOn = InRequest.IsValid() && !cancelIfAsked();
+	if (bGoesOn && multiStepDownload == secondStep && bodySize >= 0) // a page on the way to the file is no part of it
 	{
-		const uint64 Size = HTMLFileSize > 0 ? static_cast<uint64>(HTMLFileSize) : Response->GetContentLength();
-		reportBody(InBytesReceived, Size);
+		reportBody(InBytesReceived, static_cast<uint64>(HTMLFileSize > 0 ? HTMLFileSize : bodySize.load()));
 	}
 }
 
@@ -74,24 +55,22 @@ void UCorvaneRequestCompleteObject::requestProgressDownloadLowRamInternal(FHttpR
 		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: Missing Object instance (127)."));
 		return;
 	}
-	const FHttpResponsePtr Response = InRequest.IsValid() && !cancelIfAsked(InRequest) ? InRequest->GetResponse() : nullptr;
-	if (!Response.IsValid())
+	if (!InRequest.IsValid() || cancelIfAsked() || bodySize < 0)
 	{
 		return;
 	}
-	endUnwantedBody(InRequest, *Response, InBytesReceived);
+	endUnwantedBody(InRequest, InBytesReceived);
 	// Over the whole file, not over this step.
 	const float Full = fileCancelResumeDownloadByteFullSize > 0 ? static_cast<float>(fileCancelResumeDownloadByteFullSize) : 1.0f;
 	measureSpeed(static_cast<int64>(InBytesReceived));
 	reportDownload(Full, static_cast<float>(fileCancelResumeDownloadByteStart + static_cast<int64>(InBytesReceived)));
 }
 
-void UCorvaneRequestCompleteObject::endUnwantedBody(
-	const FHttpRequestPtr& InRequest, const IHttpResponse& InResponse, uint64 InBytesReceived)
+void UCorvaneRequestCompleteObject::endUnwantedBody(const FHttpRequestPtr& InRequest, uint64 InBytesReceived)
 {
 	const bool bIsProbe = fileCancelResumeDownloadByteFullSize <= 0;
 	const bool bBeyondStep = InBytesReceived > static_cast<uint64>(fileCancelResumeDownloadBytePartSize);
-	if (bIsProbe && bBeyondStep && InResponse.GetResponseCode() != 206 && !bProbeGotBody)
+	if (bIsProbe && bBeyondStep && statusCode != 206 && !bProbeGotBody)
 	{
 		bProbeGotBody = true; // memory stays bounded, and the completion knows why the exchange failed
 		CorvaneDelivery::cancel(InRequest);
@@ -100,9 +79,13 @@ void UCorvaneRequestCompleteObject::endUnwantedBody(
 
 void UCorvaneRequestCompleteObject::reportDownload(float InTotal, float InReceived)
 {
-	using namespace CorvaneDownloadProgress;
-	CorvaneDelivery::downloadProgress(
-		corvaneBPLibrary, InTotal * mebibytesPerByte, InReceived * mebibytesPerByte, InReceived / InTotal * 100, megabitSpeed, requestID);
+	constexpr float mebibytesPerByte = CorvaneDownloadProgress::mebibytesPerByte;
+	const float Size = InTotal * mebibytesPerByte;
+	const float Received = InReceived * mebibytesPerByte;
+	const float Percent = InReceived / InTotal * 100;
+	CorvaneDelivery::progress(corvaneBPLibrary, progressMail,
+		[Size, Received, Percent, Speed = megabitSpeed, ID = requestID](const UCorvaneBPLibrary& Library)
+		{ Library.onhttpFileDownloadDelegate.Broadcast(Size, Received, Percent, Speed, ID); });
 }
 
 void UCorvaneRequestCompleteObject::measureSpeed(int64 InBytes)

@@ -40,16 +40,18 @@ namespace CorvaneFileDownload
 void UCorvaneRequestCompleteObject::completeDownload(
 	const FHttpRequestPtr& InRequest, const FHttpResponsePtr& InResponse, bool bInWasSuccessful)
 {
-	const bool bHappened = bInWasSuccessful && InResponse.IsValid();
 	FCorvCompletion Result;
-	if (!bHappened)
+	if (!bInWasSuccessful || !InResponse.IsValid())
 	{
-		keepReceivedBytes(InRequest, InResponse);
-		Result = CorvaneResult::failure(InResponse);
+		if (InResponse.IsValid())
+		{
+			keepReceivedBytes(*InResponse, codeOf(InResponse));
+		}
+		Result = failureOf(InResponse);
 	}
 	else if (ECorvDownloadAction Done = writeBody(InRequest, *InResponse); Done == ECorvDownloadAction::Refuse)
 	{
-		Result = CorvaneResult::failure(nullptr);
+		Result = CorvaneResult::noResponse();
 	}
 	else
 	{
@@ -65,7 +67,8 @@ ECorvDownloadAction UCorvaneRequestCompleteObject::writeBody(const FHttpRequestP
 	const FCorvDownloadPermission Permission(corvaneBPLibrary->downloadTargetList(), Path, downloadNumber());
 	const int64 Start = fileCancelResumeDownloadByteStart;
 	const FCorvDownloadTarget Target{Start, CorvaneDownload::sizeOnDisk(Path), CorvaneFileDownload::hasOwnRange(InRequest, Start)};
-	const ECorvDownloadAction Action = CorvaneRules::planDownload(CorvaneDownload::readAnswer(InResponse), Target);
+	const ECorvDownloadAction Action =
+		CorvaneRules::planDownload(CorvaneDownload::readAnswer(InResponse, InResponse.GetResponseCode()), Target);
 	if (Action != ECorvDownloadAction::Append && Action != ECorvDownloadAction::Replace)
 	{
 		return Action;
@@ -75,30 +78,16 @@ ECorvDownloadAction UCorvaneRequestCompleteObject::writeBody(const FHttpRequestP
 	return bWritten ? Action : ECorvDownloadAction::Refuse;
 }
 
-void UCorvaneRequestCompleteObject::keepReceivedBytes(const FHttpRequestPtr& InRequest, const FHttpResponsePtr& InResponse)
+void UCorvaneRequestCompleteObject::keepReceivedBytes(const IHttpResponse& InResponse, int32 InStatusCode)
 {
-	FHttpResponsePtr Response = InResponse.IsValid() || !InRequest.IsValid() ? InResponse : InRequest->GetResponse();
-	if (!Response.IsValid())
-	{
-		Response = cancelDownloadResponse;
-	}
-	if (!Response.IsValid())
-	{
-		return;
-	}
-	FCorvDownloadAnswer Answer = CorvaneDownload::readAnswer(*Response);
-	const TArray<uint8>& Received = Response->GetContent();
-	const TArray<uint8>& Longer = Received.Num() >= cancelDownloadContent.Num() ? Received : cancelDownloadContent;
-	Answer.bodyBytes = Longer.Num();
-
 	const FString& Path = fileCancelResumeDownloadDir;
 	const FCorvDownloadPermission Permission(corvaneBPLibrary->downloadTargetList(), Path, downloadNumber());
 	const FCorvDownloadTarget Target{fileCancelResumeDownloadByteStart, CorvaneDownload::sizeOnDisk(Path)};
+	const FCorvDownloadAnswer Answer = CorvaneDownload::readAnswer(InResponse, InStatusCode);
 	if (Permission.isGranted() && CorvaneRules::areReceivedBytesKept(Answer, Target))
 	{
-		CorvaneDownload::write(Path, Longer, false);
+		CorvaneDownload::write(Path, InResponse.GetContent(), false);
 	}
-	cancelDownloadContent.Empty();
 }
 
 int64 UCorvaneRequestCompleteObject::downloadNumber() const

@@ -60,11 +60,11 @@ void UCorvaneRequestCompleteObject::requestCompleteLowRamInternal(
 	}
 	if (!bInWasSuccessful || !InResponse.IsValid())
 	{
-		if (bProbeGotBody)
+		if (bProbeGotBody && !cancelIfAsked())
 		{
 			UE_LOG(LogTemp, Error, TEXT("File Download: Server does not suport download range or wrong url. Cancel Download"));
 		}
-		endSteps(InRequest, CorvaneResult::failure(InResponse));
+		endSteps(InRequest, failureOf(InResponse));
 	}
 	else if (fileCancelResumeDownloadByteFullSize <= 0)
 	{
@@ -78,16 +78,20 @@ void UCorvaneRequestCompleteObject::requestCompleteLowRamInternal(
 
 void UCorvaneRequestCompleteObject::takeProbeAnswer(const FHttpRequestPtr& InRequest, const FHttpResponsePtr& InResponse)
 {
-	const FCorvDownloadAnswer Answer = CorvaneDownload::readAnswer(*InResponse);
-	if (Answer.statusCode != 206 || Answer.range.total < 1)
+	const FCorvDownloadAnswer Answer = CorvaneDownload::readAnswer(*InResponse, InResponse->GetResponseCode());
+	if (cancelIfAsked())
+	{
+		endSteps(InRequest, CorvaneResult::noResponse());
+	}
+	else if (Answer.statusCode != 206 || Answer.range.total < 1)
 	{
 		UE_LOG(LogTemp, Error, TEXT("File Download: Server does not suport download range or wrong url. Cancel Download"));
-		endSteps(InRequest, CorvaneResult::failure(InResponse));
+		endSteps(InRequest, failureOf(InResponse));
 	}
 	else if (CorvaneDownload::sizeOnDisk(fileCancelResumeDownloadDir) >= Answer.range.total)
 	{
 		UE_LOG(LogTemp, Error, TEXT("File Download: File size equal to or larger than on the server. Cancel Download"));
-		endSteps(InRequest, CorvaneResult::failure(InResponse));
+		endSteps(InRequest, failureOf(InResponse));
 	}
 	else
 	{
@@ -97,10 +101,10 @@ void UCorvaneRequestCompleteObject::takeProbeAnswer(const FHttpRequestPtr& InReq
 
 void UCorvaneRequestCompleteObject::takeStepAnswer(const FHttpRequestPtr& InRequest, const FHttpResponsePtr& InResponse)
 {
-	const FCorvDownloadAnswer Answer = CorvaneDownload::readAnswer(*InResponse);
+	const FCorvDownloadAnswer Answer = CorvaneDownload::readAnswer(*InResponse, InResponse->GetResponseCode());
 	if (!writeStep(*InResponse, Answer))
 	{
-		endSteps(InRequest, CorvaneResult::failure(InResponse));
+		endSteps(InRequest, failureOf(InResponse));
 		return;
 	}
 	const bool bWholeFile = Answer.statusCode != 206;
@@ -137,7 +141,7 @@ void UCorvaneRequestCompleteObject::startStep(const IHttpResponse& InResponse, i
 		InStart, versionOf(InResponse, InTotal), downloadNumber()};
 	FCorvFollowUp FollowUp;
 	FollowUp.requestID = requestID;
-	FollowUp.cancelSeen = cancelSeen;
+	FollowUp.cancelState = cancelState;
 	FollowUp.abandon = [Path = Step.path, Download = Step.download](UCorvaneBPLibrary& Library)
 	{ Library.downloadTargetList().release(Path, Download); };
 	FollowUp.build = [Step = MoveTemp(Step)] { return build(Step); };

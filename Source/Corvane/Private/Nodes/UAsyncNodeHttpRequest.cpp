@@ -70,6 +70,7 @@ void UAsyncNodeHttpRequest::httpRequestComplete(FString InDataString, const TArr
 {
 	const auto& Outcome = CorvaneNode::isSuccess(InStatusCode) ? OnSuccess : OnFail;
 	Outcome.Broadcast(InDataString, InDataArray, InHeader, InStatusCode, InByteData, InRequestID);
+	SetReadyToDestroy(); // or the graph that made it would hold it on
 	ConditionalBeginDestroy();
 }
 

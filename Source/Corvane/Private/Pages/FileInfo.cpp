@@ -20,7 +20,7 @@ void UCorvaneRequestCompleteObject::completeFileInfo(
 	}
 	else
 	{
-		Result.statusCode = CorvaneResult::failure(InResponse).statusCode;
+		Result.statusCode = failureOf(InResponse).statusCode;
 	}
 	completionPosted = true;
 	CorvaneDelivery::fileInfo(corvaneBPLibrary, InRequest, MoveTemp(Result));

@@ -39,9 +39,9 @@ void UCorvaneRequestCompleteObject::requestMultiStepComplete(FHttpRequestPtr InR
 	const bool bGoesOn = corvaneBPLibrary && findSecondStep(Answer, Url);
 	if (corvaneBPLibrary && !bGoesOn)
 	{
-		Result = Answer.IsValid() ? CorvaneResult::success(*Answer) : CorvaneResult::failure(InResponse);
+		Result = Answer.IsValid() ? CorvaneResult::success(*Answer, Answer->GetContent()) : failureOf(InResponse);
 	}
-	// No job ends this run's worker. A handler may start the record again at once: it waits here until the worker is stopped.
+	// The work is done here, so the last job has none. A handler may start the record again at once: it waits until the job is queued.
 	FScopeLock Lock(&workerLock);
 	if (!corvaneBPLibrary)
 	{
@@ -55,9 +55,9 @@ void UCorvaneRequestCompleteObject::requestMultiStepComplete(FHttpRequestPtr InR
 	{
 		deliver(InRequest, MoveTemp(Result));
 	}
-	if (corvThread)
+	if (corvThread) // behind what has been queued before: it is still to be told
 	{
-		corvThread->stopThread();
+		corvThread->addJob(new FCorvTheadJob{ECorvJobType::EndOfStep, InRequest, InResponse, bInWasSuccessful});
 	}
 }
 
@@ -65,7 +65,7 @@ void UCorvaneRequestCompleteObject::startSecondStep(const FString& InUrl)
 {
 	FCorvFollowUp FollowUp;
 	FollowUp.requestID = requestID;
-	FollowUp.cancelSeen = cancelSeen;
+	FollowUp.cancelState = cancelState;
 	FollowUp.build = [Url = InUrl, ID = requestID, DownloadID = downloadID, FileSize = HTMLFileSize]
 	{
 		constexpr int32 secondStep = 2;

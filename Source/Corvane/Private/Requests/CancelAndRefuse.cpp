@@ -1,6 +1,7 @@
 #include "CorvaneBPLibrary.h"
 
 #include "Async/Async.h"
+#include "Completion/RunningRequests.h"
 #include "Misc/ScopeLock.h"
 #include "Requests/RequestBuilder.h"
 #include "UAsyncNodeCorv.h"
@@ -12,16 +13,11 @@ void UCorvaneBPLibrary::cancelRequest(FString InRequestID)
 	{
 		return;
 	}
-	FHttpRequestPtr Running;
 	{
 		FScopeLock Lock(&Library->mapLock);
 		Library->cancelledRequests.Add(InRequestID);
-		Running = Library->runningRequests.FindRef(InRequestID);
 	}
-	if (Running.IsValid())
-	{
-		Running->CancelRequest();
-	}
+	Library->runningList->cancel(InRequestID);
 }
 
 void UCorvaneBPLibrary::fireErrorMessageInGameThread(UAsyncNodeCorv* InNode, int32, FString InRequestID)

@@ -5,8 +5,11 @@
 #include "CorvaneRequestCompleteObject.h"
 #include "HttpModule.h"
 #include "Misc/ScopeLock.h"
+#include "Requests/HttpLayer.h"
 #include "Rules/DownloadRules.h"
+#include "Rules/Multipart.h"
 #include "UObject/UObjectGlobals.h"
+#include "Uploads/UploadBody.h"
 
 namespace CorvaneDispatcher
 {
@@ -64,6 +67,7 @@ namespace CorvaneDispatcher
 	static void bind(const FhttpRequest& Record, UCorvaneRequestCompleteObject* Object, IHttpRequest& HttpRequest)
 	{
 		using FObject = UCorvaneRequestCompleteObject;
+		HttpRequest.OnStatusCodeReceived().BindUObject(Object, &FObject::requestStatusCode);
 		FHttpRequestProgressDelegate64& Progress = HttpRequest.OnRequestProgress64();
 		if (Record.requestType == EHTTPCorvRequestType::GETLowRamDownload)
 		{
@@ -77,6 +81,14 @@ namespace CorvaneDispatcher
 			HttpRequest.OnProcessRequestComplete().BindUObject(Object, &FObject::requestMultiStepComplete);
 			return;
 		}
+		HttpRequest.OnProcessRequestComplete().BindUObject(Object, &FObject::requestComplete);
+		if (Record.bindServerSendEvent) // its bytes are taken as they come, so there is no other progress
+		{
+			FHttpRequestStreamDelegateV2 Bytes;
+			Bytes.BindUObject(Object, &FObject::takeEventBytes);
+			HttpRequest.SetResponseBodyReceiveStreamDelegateV2(MoveTemp(Bytes));
+			return;
+		}
 		const bool bIndividual = Record.requestType >= EHTTPCorvRequestType::INDIVIDUAL;
 		if (!bIndividual || Record.bindDownloadProgressEvent)
 		{
@@ -86,11 +98,41 @@ namespace CorvaneDispatcher
 		{
 			Progress.BindUObject(Object, &FObject::requestProgressUpload);
 		}
-		if (Record.bindServerSendEvent)
+	}
+
+	/** Bytes that are written to a file, or counted from one, must be the file's own. */
+	static void refuseCompression(const UCorvaneRequestCompleteObject& Object, IHttpRequest& HttpRequest)
+	{
+		const bool bOwnBytes = !Object.getFileCancelResumeDownloadDir().IsEmpty() || !HttpRequest.GetHeader(TEXT("Range")).IsEmpty();
+		if (bOwnBytes && HttpRequest.GetHeader(TEXT("Accept-Encoding")).IsEmpty())
 		{
-			Progress.BindUObject(Object, &FObject::requestProgressServerSendEvent);
+			HttpRequest.SetHeader(TEXT("Accept-Encoding"), TEXT("identity"));
 		}
-		HttpRequest.OnProcessRequestComplete().BindUObject(Object, &FObject::requestComplete);
+	}
+
+	static FString verbOf(const FhttpRequest& Record)
+	{
+		const bool bForm = Record.requestType == EHTTPCorvRequestType::POST || Record.requestType == EHTTPCorvRequestType::POST_UPLOAD;
+		return bForm ? FString(TEXT("POST")) : Record.verb;
+	}
+
+	/** @return false, with a line in the log, for what would end the process in the HTTP layer. */
+	static bool isTakenByLayer(const FhttpRequest& Record, const IHttpRequest& HttpRequest)
+	{
+		const FString Verb = verbOf(Record);
+		if (!Verb.IsEmpty() && !CorvaneHttpLayer::sends(Verb))
+		{
+			UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: The HTTP layer of this engine cannot send %s requests."), *Verb);
+			return false;
+		}
+		const bool bNeedsType = Verb == TEXT("POST") || Verb == TEXT("DELETE");
+		const bool bHasBody = HttpRequest.GetContentLength() > 0 || Record.requestCompleteObject()->getUploadSize() > 0;
+		if (bNeedsType && bHasBody && HttpRequest.GetHeader(TEXT("Content-Type")).IsEmpty())
+		{
+			UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: A %s with a body needs a Content-Type."), *Verb);
+			return false;
+		}
+		return true;
 	}
 
 	/** Ends a request that was announced to scripts by its builder and cannot be started after all. */
@@ -144,11 +186,12 @@ void UCorvaneBPLibrary::startRequest(FhttpRequest& InRequest)
 	const FHttpRequestPtr HttpRequest = FHttpModule::Get().CreateRequest();
 	HttpRequest->SetDelegateThreadPolicy(EHttpRequestDelegateThreadPolicy::CompleteOnHttpThread);
 	HttpRequest->SetHeader(TEXT("User-Agent"), CorvaneDispatcher::defaultUserAgent);
-	if (!fillRequest(InRequest, *HttpRequest))
+	if (!fillRequest(InRequest, *HttpRequest) || !CorvaneDispatcher::isTakenByLayer(InRequest, *HttpRequest))
 	{
 		CorvaneDispatcher::refuse(this, Object);
 		return;
 	}
+	CorvaneDispatcher::refuseCompression(*Object, *HttpRequest);
 	CorvaneDispatcher::bind(InRequest, Object, *HttpRequest);
 	Object->setHttpRequest(HttpRequest);
 	Object->claimDownloadTarget();
@@ -220,17 +263,19 @@ bool UCorvaneBPLibrary::fillRequestIndividual(const FhttpRequest& InRequest, IHt
 {
 	OutHttpRequest.SetVerb(InRequest.verb);
 	OutHttpRequest.SetURL(InRequest.url);
-	if (InRequest.requestType == EHTTPCorvRequestType::INDIVIDUAL)
+	fillHeader(InRequest, OutHttpRequest);
+	if (InRequest.requestType == EHTTPCorvRequestType::INDIVIDUAL_STREAM)
+	{
+		return CorvaneUpload::sendFile(InRequest, InRequest.content, OutHttpRequest);
+	}
+	if (InRequest.bindUploadProgressEvent && !InRequest.content.IsEmpty())
+	{
+		CorvaneUpload::sendBytes(InRequest, CorvaneRules::fstringToByteArray(InRequest.content), OutHttpRequest);
+	}
+	else
 	{
 		OutHttpRequest.SetContentAsString(InRequest.content);
 	}
-	else if (!OutHttpRequest.SetContentAsStreamedFile(InRequest.content))
-	{
-		// Sent without its file, the request could replace what the server holds by nothing.
-		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: Can't read File: %s"), *InRequest.content);
-		return false;
-	}
-	fillHeader(InRequest, OutHttpRequest);
 	return true;
 }
 

@@ -1,6 +1,7 @@
 #include "CorvaneBPLibrary.h"
 
 #include "Rules/Multipart.h"
+#include "Uploads/UploadBody.h"
 #include "Uploads/UploadFile.h"
 
 bool UCorvaneBPLibrary::fillRequestUPLOAD(FhttpRequest& InOutRequest, IHttpRequest& OutHttpRequest)
@@ -34,10 +35,5 @@ bool UCorvaneBPLibrary::fillUploadBlank(const FhttpRequest& InRequest, IHttpRequ
 	OutHttpRequest.SetHeader(TEXT("filename"), CorvaneRules::safeName(File.name));
 	OutHttpRequest.SetHeader(TEXT("fileformat"), CorvaneRules::safeName(File.extension));
 	OutHttpRequest.SetHeader(TEXT("mimetype"), File.mimeType);
-	if (!OutHttpRequest.SetContentAsStreamedFile(File.path))
-	{
-		CorvaneUpload::logUnreadable(File.path); // sent without its file, the request could empty what the server holds
-		return false;
-	}
-	return true;
+	return CorvaneUpload::sendFile(InRequest, File.path, OutHttpRequest);
 }

@@ -4,6 +4,7 @@
 #include "Misc/DateTime.h"
 #include "Rules/Multipart.h"
 #include "Serialization/Archive.h"
+#include "Uploads/UploadBody.h"
 #include "Uploads/UploadFile.h"
 
 namespace CorvaneMemoryUpload
@@ -113,6 +114,6 @@ bool UCorvaneBPLibrary::fillUploadInMemory(const FhttpRequest& InRequest, IHttpR
 		return false;
 	}
 	OutHttpRequest.SetHeader(TEXT("Content-Length"), Int64ToFString(Body.Num()));
-	OutHttpRequest.SetContent(MoveTemp(Body));
+	CorvaneUpload::sendBytes(InRequest, MoveTemp(Body), OutHttpRequest);
 	return true;
 }

@@ -9,6 +9,7 @@
 #include "Rules/Multipart.h"
 #include "Rules/UploadTail.h"
 #include "Serialization/Archive.h"
+#include "Uploads/UploadBody.h"
 #include "Uploads/UploadFile.h"
 #include "Uploads/UploadFiles.h"
 #include "Uploads/UploadRepair.h"
@@ -69,11 +70,12 @@ namespace CorvaneStreamUpload
 		TArray<uint8> Tail = describe(Record, File, HttpRequest);
 		if (!CorvaneRules::needsRepair(Record))
 		{
-			HttpRequest.SetContent(MoveTemp(Tail)); // an empty file: no repair would know it from one of size 0, so it is left alone
+			CorvaneUpload::sendBytes(
+				Record, MoveTemp(Tail), HttpRequest); // an empty file: no repair would know it from one of size 0, so it is left alone
 			return true;
 		}
 		Library.uploadFileList().begin(Record);
-		return write(*Writer, Tail) && HttpRequest.SetContentAsStreamedFile(Record.filePath);
+		return write(*Writer, Tail) && CorvaneUpload::sendFile(Record, Record.filePath, HttpRequest);
 	}
 
 	/** The user's file becomes again what it was; a copy goes the way of all copies. */

@@ -1,0 +1,240 @@
+#include "HttpFixture.h"
+
+#include <cstring>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace
+{
+	class RunningResponse : public HttpTest
+	{
+	protected:
+		/** A request with a record of the lines that it was told of. */
+		Exchange& listening(const std::string& url)
+		{
+			Exchange& exchange = make(url);
+			exchange.request().OnStatusCodeReceived().BindLambda([this](FHttpRequestPtr, int32 code) { note(std::to_string(code)); });
+			exchange.request().OnHeaderReceived().BindLambda(
+				[this](FHttpRequestPtr, const FString& name, const FString& value) { note(utf8(name) + "=" + utf8(value)); });
+			return exchange;
+		}
+
+		std::vector<std::string> seen; // on the HTTP thread, until a request has completed
+
+	private:
+		void note(std::string line)
+		{
+			EXPECT_NE(std::this_thread::get_id(), home);
+			seen.push_back(std::move(line));
+		}
+		const std::thread::id home = std::this_thread::get_id();
+	};
+
+	/** Serves the bytes in pieces; each waits until the client has seen the one before. */
+	class Pieces
+	{
+	public:
+		Pieces(std::string head, std::vector<std::string> pieces)
+			: Head(std::move(head))
+			, All(std::move(pieces))
+			, Gates(All.size())
+		{
+		}
+
+		void next() { Gates[Open++].open(); }
+		std::string url() const { return Server.url(); }
+
+	private:
+		const std::string Head;
+		const std::vector<std::string> All;
+		std::vector<Gate> Gates;
+		size_t Open = 0;
+		RawServer Server{[this](Connection& connection)
+			{
+				connection.readHead();
+				connection.send(Head);
+				for (size_t piece = 0; piece < All.size(); ++piece)
+				{
+					connection.waitFor(Gates[piece]);
+					connection.send(All[piece]);
+				}
+			}};
+	};
+
+	const std::string nineBytes = "HTTP/1.1 200 OK\r\nX-A: 1\r\nContent-Length: 9\r\n\r\n";
+} // namespace
+
+TEST_F(RunningResponse, ShowsItsLengthAndItsBytesAndNothingElse)
+{
+	Pieces server(nineBytes, {"abc", "defghi"});
+	Exchange& exchange = make(server.url());
+	std::vector<std::string> bodies;
+	exchange.onProgress = [&](IHttpRequest& request)
+	{
+		const FHttpResponsePtr response = request.GetResponse();
+		EXPECT_EQ(response->GetResponseCode(), 0);
+		EXPECT_EQ(response->GetContentLength(), 9u);
+		EXPECT_TRUE(response->GetHeader("X-A").IsEmpty());
+		EXPECT_TRUE(response->GetAllHeaders().IsEmpty());
+		bodies.push_back(bytesOf(response->GetContent()));
+	};
+	EXPECT_FALSE(exchange.request().GetResponse().IsValid());
+	ASSERT_TRUE(exchange.start());
+	server.next();
+	ASSERT_TRUE(waitFor([&] { return exchange.received() == 3; }));
+	server.next();
+	ASSERT_TRUE(waitFor([&] { return exchange.completed(); }));
+	EXPECT_THAT(bodies, ElementsAre("abc", "abcdefghi"));
+	EXPECT_EQ(Log.count("LogHttp", ELogVerbosity::Warning, "still coming in"), 6);
+	EXPECT_EQ(exchange.code(), 200);
+	EXPECT_EQ(exchange.header("x-a"), "1");
+}
+
+TEST_F(RunningResponse, TellsItsLinesAsTheyComeButThoseOfRedirects)
+{
+	RawServer server(answering(
+		[](const std::string& head)
+		{
+			const std::string target = targetOf(head);
+			return target == "/"            ? answer(302, "moved", "Location: /there\r\nX-A: hidden\r\n")
+				   : target == "/unchanged" ? "HTTP/1.1 304 Same\r\nX-A: hidden\r\n\r\n"
+											: "HTTP/1.1 103 Early\r\nX-A: 1\r\n\r\n" + answer(404, "x", "x-a: 2\r\n");
+		}));
+	run(listening(server.url()));
+	EXPECT_THAT(seen, ElementsAre("103", "X-A=1", "404", "Content-Length=1", "x-a=2"));
+	seen.clear();
+	Exchange& unchanged = run(listening(server.url("/unchanged")));
+	EXPECT_THAT(seen, IsEmpty());
+	EXPECT_EQ(unchanged.code(), 304);
+	EXPECT_TRUE(unchanged.response()->GetAllHeaders().IsEmpty());
+}
+
+TEST_F(RunningResponse, ReportsEachBlockOnceAndNeverTwiceTheSame)
+{
+	constexpr size_t size = 20 << 20;
+	RawServer server(answering([](const std::string&) { return answer(200, std::string(size, 'x')); }));
+	Exchange& exchange = get(server.url());
+	const std::vector<Exchange::Progress> progress = exchange.progress();
+	EXPECT_GE(progress.size(), size / (64 << 10)) << "nothing is put together";
+	EXPECT_EQ(progress.back().received, size);
+	for (size_t i = 1; i < progress.size(); ++i)
+	{
+		EXPECT_GT(progress[i].received, progress[i - 1].received);
+	}
+}
+
+TEST_F(RunningResponse, MayGoToAStreamInsteadOfTheResponse)
+{
+	class Archive : public FArchive
+	{
+	public:
+		explicit Archive(size_t inRoom)
+			: room(inRoom)
+		{
+		}
+		int64 TotalSize() override { return Tell(); }
+		int64 Tell() override { return static_cast<int64>(bytes.size()); }
+		void Seek(int64) override {}
+		void Serialize(void* value, int64 length) override
+		{
+			bytes.append(static_cast<char*>(value), static_cast<size_t>(length));
+			if (bytes.size() > room)
+			{
+				SetError();
+			}
+		}
+		std::string bytes;
+		const size_t room;
+	};
+	for (const bool fits : {true, false})
+	{
+		Pieces server(nineBytes, {"abc", "defghi"});
+		server.next();
+		server.next();
+		Exchange& toArchive = make(server.url());
+		const TSharedRef<Archive> archive = MakeShared<Archive>(fits ? 9 : 2);
+		EXPECT_TRUE(toArchive.request().SetResponseBodyReceiveStream(archive));
+		EXPECT_EQ(run(toArchive).succeeded(), fits);
+		EXPECT_EQ(archive->bytes.size() == 9, fits || archive->bytes.size() == 9);
+		EXPECT_EQ(toArchive.body(), "");
+		EXPECT_EQ(toArchive.code(), 200);
+
+		Exchange& toDelegate = make(server.url());
+		std::string bytes;
+		FHttpRequestStreamDelegateV2 stream;
+		stream.BindLambda(
+			[&](void* data, int64& length)
+			{
+				bytes.append(static_cast<char*>(data), static_cast<size_t>(length));
+				length -= !fits;
+			});
+		EXPECT_TRUE(toDelegate.request().SetResponseBodyReceiveStreamDelegateV2(stream));
+		EXPECT_EQ(run(toDelegate).succeeded(), fits);
+		EXPECT_TRUE(!fits || bytes == "abcdefghi");
+		EXPECT_EQ(toDelegate.body(), "");
+		EXPECT_EQ(toDelegate.received(), fits ? 9u : 0u + bytes.size());
+	}
+}
+
+TEST_F(RunningResponse, PassesNothingOnBehindACancel)
+{
+	Pieces server(nineBytes, {"abc", "defghi"});
+	Exchange& exchange = make(server.url());
+	std::string bytes;
+	FHttpRequestStreamDelegateV2 stream;
+	stream.BindLambda(
+		[&](void* data, int64& length)
+		{
+			bytes.append(static_cast<char*>(data), static_cast<size_t>(length));
+			exchange.request().CancelRequest();
+			server.next(); // the rest is there before the cancel is carried out
+		});
+	exchange.request().SetResponseBodyReceiveStreamDelegateV2(stream);
+	ASSERT_TRUE(exchange.start());
+	server.next();
+	ASSERT_TRUE(waitFor([&] { return exchange.completed(); }));
+	EXPECT_EQ(bytes, "abc");
+}
+
+TEST_F(RunningResponse, IsUnpackedOnTheWay)
+{
+	// "hello, hello, hello, hello" as gzip makes it
+	const std::string packed("\x1F\x8B\x08\0\0\0\0\0\x02\x03\xCBH\xCD\xC9\xC9\xD7Q\xC8\xC0\xA4\0U\xA3\x82w\x1A\0\0\0", 29);
+	RawServer server(answering([&](const std::string&) { return answer(200, packed, "Content-Encoding: gzip\r\n"); }));
+	Exchange& exchange = get(server.url());
+	EXPECT_TRUE(exchange.succeeded());
+	EXPECT_EQ(exchange.body(), "hello, hello, hello, hello");
+	EXPECT_EQ(exchange.received(), exchange.body().size());
+	EXPECT_EQ(exchange.response()->GetContentLength(), packed.size());
+	Exchange& plain = make(server.url());
+	plain.request().SetHeader("Accept-Encoding", "identity");
+	run(plain);
+	EXPECT_NE(server.requests().back().find("\r\nAccept-Encoding: identity\r\n"), std::string::npos);
+	EXPECT_EQ(server.requests().back().find("gzip"), std::string::npos);
+}
+
+TEST_F(RunningResponse, EndsAtALimitOfItsOwn)
+{
+	Gate never;
+	RawServer server(
+		[&](Connection& connection)
+		{
+			connection.readHead();
+			connection.send(nineBytes + "abc");
+			connection.waitFor(never);
+		});
+	for (const bool whole : {true, false})
+	{
+		Exchange& exchange = make(server.url());
+		whole ? exchange.request().SetTimeout(0.1f) : exchange.request().SetActivityTimeout(0.1f);
+		run(exchange);
+		EXPECT_FALSE(exchange.succeeded());
+		EXPECT_EQ(exchange.code(), 0);
+		EXPECT_EQ(exchange.body(), "abc");
+		EXPECT_EQ(exchange.request().GetFailureReason(), whole ? EHttpFailureReason::TimedOut : EHttpFailureReason::ConnectionError);
+		EXPECT_EQ(exchange.start(), !whole) << "what ran out of time is not sent again";
+		ASSERT_TRUE(waitFor([&] { return exchange.completions() == 2; }));
+	}
+	stopAndCheck(2);
+}
