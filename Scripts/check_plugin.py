@@ -12,10 +12,13 @@ import sys
 ROOT = pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else pathlib.Path(__file__).resolve().parent.parent)
 
 DESCRIPTOR_FIELDS = {"FileVersion": int, "Version": int, "VersionName": str, "FriendlyName": str, "Description": str, "Category": str,
-    "CreatedBy": str, "CanContainContent": bool, "Installed": bool, "Modules": list}
-# The engine also knows these; a set EngineVersion belongs into packages for one version only.
-OPTIONAL_FIELDS = {"CreatedByURL": str, "DocsURL": str, "MarketplaceURL": str, "SupportURL": str, "EnabledByDefault": bool,
-    "SupportedTargetPlatforms": list}
+    "CreatedBy": str, "CreatedByURL": str, "DocsURL": str, "MarketplaceURL": str, "SupportURL": str, "EngineVersion": str,
+    "CanContainContent": bool, "IsBetaVersion": bool, "Installed": bool, "Modules": list}
+# The engine also knows these.
+OPTIONAL_FIELDS = {"EnabledByDefault": bool, "SupportedTargetPlatforms": list}
+ENGINE_VERSION = "5.5.0"
+# What somebody types who looks for such a plug-in.
+DESCRIBED = ("HTTP", "GET", "POST", "download", "upload", "server-sent events", "file", "Blueprint", "C++")
 MODULE_FIELDS = {"Name": str, "Type": str, "LoadingPhase": str, "PlatformAllowList": list}
 MODULE_TYPES = {"Runtime"}
 LOADING_PHASES = {"PreDefault", "Default"}  # later ones come after blueprints that use the nodes
@@ -64,6 +67,11 @@ def check_descriptor():
     yield from check_fields("Corvane.uplugin", descriptor, DESCRIPTOR_FIELDS, OPTIONAL_FIELDS)
     if descriptor.get("FileVersion") != 3:
         yield "Corvane.uplugin: FileVersion must be 3"
+    if descriptor.get("EngineVersion") != ENGINE_VERSION:
+        yield f"Corvane.uplugin: EngineVersion must be {ENGINE_VERSION}"
+    for word in DESCRIBED:
+        if word not in descriptor.get("Description", ""):
+            yield f"Corvane.uplugin: the description does not mention {word}"
     modules = descriptor.get("Modules", [])
     for module in modules:
         yield from check_module(module)

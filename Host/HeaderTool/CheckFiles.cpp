@@ -1,4 +1,5 @@
 #include "Checks.h"
+#include "EngineNames.h"
 
 #include <algorithm>
 #include <cctype>
@@ -116,6 +117,24 @@ namespace HeaderTool
 			context.report(1, "the header must begin with #pragma once");
 		}
 		checkCircle(context);
+	}
+
+	void checkEngineNames(const CheckContext& context)
+	{
+		const auto check = [&](const auto& list, size_t prefix)
+		{
+			for (const auto& def : list)
+			{
+				if (const std::string name = def.name.substr(prefix); isEngineName(name))
+				{
+					context.report(def.line, fmt::format("'{}': the engine has a type of its own called '{}'", def.name, name));
+				}
+			}
+		};
+		check(context.header.classes, 1);
+		check(context.header.structs, 1);
+		check(context.header.enums, 0);
+		check(context.header.delegates, 1);
 	}
 
 	void checkClashes(const std::vector<HeaderDef>& headers, Diagnostics& diagnostics)

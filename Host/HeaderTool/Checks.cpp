@@ -131,6 +131,10 @@ namespace HeaderTool
 			const auto checkAll = [&](const auto& list, auto checkOne)
 			{ std::for_each(list.begin(), list.end(), [&](const auto& def) { checkOne(context, def); }); };
 			checkFile(context);
+			if (!header.isReference)
+			{
+				checkEngineNames(context);
+			}
 			checkAll(header.enums, checkEnum);
 			checkAll(header.structs, checkStruct);
 			checkAll(header.delegates, checkDelegate);

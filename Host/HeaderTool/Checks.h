@@ -51,6 +51,8 @@ namespace HeaderTool
 	void checkProperties(const CheckContext& context, const std::vector<PropertyDef>& properties, const std::string& owner, bool isClass);
 	/** Types, names and count of parameters, whatever they belong to. */
 	void checkParameters(const CheckContext& context, const std::vector<ParameterDef>& parameters, const std::string& owner);
+	/** Names that the engine has given away; it looks neither at prefixes nor at case. */
+	void checkEngineNames(const CheckContext& context);
 	/** Names that two headers, or two types, would both take in the generated code. */
 	void checkClashes(const std::vector<HeaderDef>& headers, Diagnostics& diagnostics);
 } // namespace HeaderTool

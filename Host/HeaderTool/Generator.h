@@ -22,6 +22,14 @@ namespace HeaderTool
 	 */
 	std::string generateSource(const HeaderDef& header, const Symbols& symbols, const std::string& module);
 
+	/**
+	 * The text of X.generated.h as the engine's tool shapes it: with the members that it puts into a class and the wrappers of the
+	 * delegates. Such files show that a module bears them; they compile, but nothing can be linked with them.
+	 */
+	std::string generateEngineHeader(const HeaderDef& header, const std::string& module);
+	/** The text of X.gen.cpp that goes with it. */
+	std::string generateEngineSource(const HeaderDef& header, const std::string& module);
+
 	/** The model of the headers that are no reference headers, as JSON. */
 	std::string dumpJson(const std::vector<HeaderDef>& headers, const std::string& module);
 } // namespace HeaderTool

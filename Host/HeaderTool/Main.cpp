@@ -11,6 +11,7 @@ int main(int argc, char** argv)
 	app.add_option("--module", options.module, "Name of the module that the headers belong to")->required();
 	app.add_option("--output", options.output, "Folder for the generated files")->required();
 	app.add_option("--json", json, "File for a dump of everything that was read");
+	app.add_flag("--engine-shape", options.engineShape, "Write what the engine's own tool would, to be compiled but not linked");
 	app.add_option("--reference", options.references, "Header of another module, read for its types only (repeatable)")
 		->allow_extra_args(false);
 	app.add_option("headers", options.headers, "Headers to read")->required();

@@ -101,6 +101,8 @@ namespace HeaderTool
 		Specifiers specifiers;
 		std::vector<FunctionDef> functions;
 		std::vector<PropertyDef> properties;
+		bool declaresConstructor = false;
+		bool declaresDestructor = false;
 		int line = 1;
 		int bodyLine = 0; // of GENERATED_BODY
 	};

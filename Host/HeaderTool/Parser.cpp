@@ -99,7 +99,26 @@ namespace HeaderTool
 				}
 				else
 				{
+					if (scope.reflectedClass)
+					{
+						noteConstruction(*scope.reflectedClass);
+					}
 					reader.skipDeclaration();
+				}
+			}
+
+			/** The engine's tool adds a constructor and a destructor to a class that declares none. */
+			void noteConstruction(ClassDef& def)
+			{
+				size_t bracket = 0;
+				while (reader.peek(bracket).kind == TokenKind::Identifier || reader.isSymbol("~", bracket))
+				{
+					++bracket;
+				}
+				if (bracket > 0 && reader.isSymbol("(", bracket) && reader.isWord(def.name, bracket - 1))
+				{
+					const bool isDestructor = bracket > 1 && reader.isSymbol("~", bracket - 2);
+					(isDestructor ? def.declaresDestructor : def.declaresConstructor) = true;
 				}
 			}
 

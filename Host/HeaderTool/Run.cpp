@@ -85,9 +85,12 @@ namespace HeaderTool
 			{
 				if (!header.isReference)
 				{
-					const std::string base = header.baseName();
-					writeIfChanged(options.output / (base + ".generated.h"), generateHeader(header, options.module), diagnostics);
-					writeIfChanged(options.output / (base + ".gen.cpp"), generateSource(header, symbols, options.module), diagnostics);
+					const std::filesystem::path base = options.output / header.baseName();
+					const std::string& module = options.module;
+					writeIfChanged(base.string() + ".generated.h",
+						options.engineShape ? generateEngineHeader(header, module) : generateHeader(header, module), diagnostics);
+					writeIfChanged(base.string() + ".gen.cpp",
+						options.engineShape ? generateEngineSource(header, module) : generateSource(header, symbols, module), diagnostics);
 				}
 			}
 			if (options.json)

@@ -13,6 +13,7 @@ namespace HeaderTool
 		std::string module; // "Corvane"
 		std::filesystem::path output; // folder of the generated files; made when missing
 		std::optional<std::filesystem::path> json; // where to dump the model, if anywhere
+		bool engineShape = false; // write what the engine's tool would, to compile only
 		std::vector<std::string> headers; // read and generated for, in this order
 		std::vector<std::string> references; // read for the checks only
 	};

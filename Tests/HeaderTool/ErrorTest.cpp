@@ -125,6 +125,14 @@ namespace
 		{"CppNames", file(structWithBody + delegates + "(fother);\nUENUM() enum class FOTHER : uint8 { A };"),
 			{"6: the name of the delegate 'fother' must begin with F", "6: 'fother' takes a name that Case.h(5) has taken",
 				"7: 'FOTHER' takes a name that Case.h(5) has taken"}},
+		{"EngineNames",
+			file("UCLASS() class UVector : public UObject { GENERATED_BODY() };\nUSTRUCT() struct Fworld { GENERATED_BODY() };\n"
+				 "UENUM() enum class EAxis : uint8 { A };\nUENUM() enum class Axis : uint8 { A };\n" +
+				 delegates + "(FGuid);"),
+			{"4: 'UVector': the engine has a type of its own called 'Vector'",
+				"5: 'Fworld': the engine has a type of its own called 'world'",
+				"6: 'EAxis': the engine has a type of its own called 'EAxis'",
+				"8: 'FGuid': the engine has a type of its own called 'Guid'"}},
 		{"ScriptNames", file(structWithBody), {"5: 'FOther', 'Other' to scripts, takes a name that Other.h(4) has taken"}, "Other.h",
 			other(parentClass)},
 	};

@@ -7,6 +7,8 @@
 #include <atomic>
 #include <concepts>
 
+class FVTableHelper;
+
 enum EObjectFlags : uint32
 {
 	RF_NoFlags = 0,
@@ -39,6 +41,7 @@ class UObject
 public:
 	UObject();
 	explicit UObject(const FObjectInitializer& ObjectInitializer);
+	explicit UObject(FVTableHelper& Helper); // only called by code in the shape of the engine's, which is never linked with this
 	virtual ~UObject();
 	UObject(const UObject&) = delete;
 	UObject& operator=(const UObject&) = delete;
