@@ -86,20 +86,18 @@ TEST_F(DownloadCancel, KeepsWhatArrivedAtAnyMomentAndAResumeFinishes)
 	}
 }
 
-TEST_F(DownloadCancel, AMarkFoundByAProgressJobKeepsTheBytesToo)
+TEST_F(DownloadCancel, ReachesARequestWhoseEntryAnotherHasTaken)
 {
 	Pieces server;
 	execute(build({server.origin.url(), DownloadKind::Whole, Action::E_RESUME, "", "id"}));
-	// Another request under the same ID takes the running entry over, so that the cancel finds only the mark for the first.
 	execute(get("abc", {}, "id"));
 	ASSERT_TRUE(waitForCompletions(1));
 	server.gates[0].open();
 	ASSERT_TRUE(loop.WaitFor([&] { return received() >= 5000; }, patienceSeconds));
 	UCorvaneBPLibrary::cancelRequest("id");
-	server.gates[1].open();
 	drain();
 	expectOneFailure(1);
-	EXPECT_GE(target().value_or("").size(), 10000u);
+	EXPECT_GE(target().value_or("").size(), 5000u);
 	EXPECT_TRUE(isPrefix(target().value_or("")));
 	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Warning, "Request has been canceled. id"), 1);
 }

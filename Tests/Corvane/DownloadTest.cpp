@@ -87,7 +87,7 @@ namespace
 			{"fails", sending(answer(500, page)), prefix, 500, prefix},
 			{"is busy", sending(answer(503, page)), absent, 503, absent},
 			{"sends chunks", sending(chunked(200, "", content)), absent, 200, content},
-			{"packs the body unasked", sending(answer(200, content, "Content-Encoding: gzip\r\n")), absent, 200, content},
+			{"says that it packs the body", sending(answer(200, content, "Content-Encoding: gzip\r\n")), absent, 500, absent},
 			{"has an empty file", sending(answer(200, "")), absent, 200, absent},
 			{"has an empty file", sending(answer(200, "")), foreign, 200, absent, overwrite},
 			{"redirects", redirect, prefix, 206, content},
@@ -100,7 +100,7 @@ namespace
 		};
 	}
 
-	class Downloads : public DownloadFixture, public testing::WithParamInterface<bool>
+	class Downloads : public DownloadFixture
 	{
 	protected:
 		Downloads()
@@ -111,21 +111,17 @@ namespace
 		static FGameLoopSettings settings()
 		{
 			FGameLoopSettings settings;
-			settings.http.bPartialResponseOnFailure = GetParam();
 			settings.http.activityTimeoutSeconds = 0.5;
 			return settings;
 		}
 	};
-
-	INSTANTIATE_TEST_SUITE_P(, Downloads, testing::Bool(),
-		[](const auto& parameters) { return parameters.param ? "WithPartialResponses" : "WithoutPartialResponses"; });
 
 	class Download : public DownloadFixture
 	{
 	};
 } // namespace
 
-TEST_P(Downloads, LeaveTheWholeFileATruePrefixOrWhatWasThere)
+TEST_F(Downloads, LeaveTheWholeFileATruePrefixOrWhatWasThere)
 {
 	LogCapture log;
 	for (const Fault& fault : faults())
@@ -144,7 +140,7 @@ TEST_P(Downloads, LeaveTheWholeFileATruePrefixOrWhatWasThere)
 	}
 }
 
-TEST_P(Downloads, OfASilentServerKeepWhatArrived)
+TEST_F(Downloads, OfASilentServerKeepWhatArrived)
 {
 	LogCapture log;
 	Gate never;
@@ -158,7 +154,7 @@ TEST_P(Downloads, OfASilentServerKeepWhatArrived)
 	EXPECT_TRUE(target() == content.substr(0, 1000));
 }
 
-TEST_P(Downloads, AreFinishedByResumesHoweverOftenTheyBreakOff)
+TEST_F(Downloads, AreFinishedByResumesHoweverOftenTheyBreakOff)
 {
 	LogCapture log;
 	RangeOrigin origin(
@@ -301,4 +297,28 @@ TEST_F(Download, LeavesATextTooLargeToReadEmpty)
 	EXPECT_TRUE(result.dataArray.empty());
 	EXPECT_TRUE(target() == large);
 	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Display, "too many for the text"), 1);
+}
+
+TEST_F(Download, AFloodOfSmallBlocksIsToldOnceToAGameThatStandsStill)
+{
+	constexpr size_t blocks = 25 << 10;
+	Gate sent;
+	RangeOrigin origin(
+		[&](Connection& connection, const RangeRequest&)
+		{
+			connection.send("HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(blocks << 10) + "\r\n\r\n");
+			const std::string block(1024, 'x');
+			for (size_t number = 0; number < blocks; ++number)
+			{
+				connection.send(block);
+			}
+			sent.open();
+		});
+	execute(build({origin.url()}));
+	ASSERT_TRUE(waitFor([&] { return sent.isOpen(); }));
+	drain();
+	ASSERT_FALSE(downloads.empty());
+	EXPECT_LT(downloads.size(), 100u) << "while the game stood still, later progress took the place of earlier";
+	EXPECT_EQ(downloads.back().percentDownload, 100);
+	EXPECT_EQ(completions.back().statusCode, 200);
 }

@@ -25,15 +25,15 @@ TEST_F(Get, GoesOverTheWireAsDescribed)
 {
 	run(get(server.url("/a b?x=1%20").replace(server.url("/a b").find(' '), 1, "+"), {{"X-First", "1"}, {"X-Second", u"zwei ü"}}));
 	EXPECT_THAT(server.requests(),
-		ElementsAre("GET /a+b?x=1%20 HTTP/1.1\r\nHost: " + server.authority() + "\r\nAccept: */*\r\nUser-Agent: " + defaultUserAgent +
-					"\r\nContent-Type: application/x-www-form-urlencoded\r\nX-First: 1\r\nX-Second: zwei ü\r\n\r\n"));
+		ElementsAre("GET /a+b?x=1%20 HTTP/1.1\r\n" + firstHeaders(server.authority()) + "User-Agent: " + defaultUserAgent +
+					"\r\nContent-Type: application/x-www-form-urlencoded\r\nX-First: 1\r\nX-Second: zwei ü\r\nContent-Length: 0\r\n\r\n"));
 }
 
 TEST_F(Get, ReplacesDefaultHeadersInTheirPlace)
 {
 	run(get(server.url(), {{"content-type", "text/plain"}, {"USER-AGENT", "mine"}}));
-	EXPECT_THAT(server.requests(), ElementsAre("GET / HTTP/1.1\r\nHost: " + server.authority() +
-											   "\r\nAccept: */*\r\nUSER-AGENT: mine\r\ncontent-type: text/plain\r\n\r\n"));
+	EXPECT_THAT(server.requests(), ElementsAre("GET / HTTP/1.1\r\n" + firstHeaders(server.authority()) +
+											   "USER-AGENT: mine\r\ncontent-type: text/plain\r\nContent-Length: 0\r\n\r\n"));
 }
 
 TEST_F(Get, ArrivesAsOneEventOnTheGameThread)

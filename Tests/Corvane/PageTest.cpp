@@ -286,3 +286,15 @@ TEST_F(Pages, ARecordMayBeExecutedAgainFromItsOwnHandler)
 	drain();
 	EXPECT_EQ(completions.size(), 51u);
 }
+
+TEST_F(Pages, AShortDriveFileIsReportedToo)
+{
+	for (int round = 0; round < 50; ++round)
+	{
+		downloads.clear();
+		RawServer server(answeringFirst(answer(200, confirmPage), answer(200, "the file")));
+		run(drive(server.url()));
+		ASSERT_FALSE(downloads.empty()) << "round " << round;
+		EXPECT_EQ(downloads.back().percentDownload, 100);
+	}
+}

@@ -244,3 +244,27 @@ TEST_F(PostAndIndividual, ConversionsKeepTheirOddities)
 		EXPECT_EQ(utf8(encode("")), "");
 	}
 }
+
+TEST_F(PostAndIndividual, WhatTheLayerCannotSendIsRefusedInOneClearResult)
+{
+	LogCapture log;
+	struct Case
+	{
+		const char* verb;
+		const char* type;
+		const char* content;
+		int32 statusCode;
+	};
+	for (const Case& c : {Case{"GET", "text/plain", "body", 500}, {"POST", "", "a=1", 400}, {"DELETE", "", "a=1", 400}})
+	{
+		EXPECT_EQ(run(build({server.url(), {{"Content-Type", c.type}}, c.verb, EHTTPCorvIndividualType::STRING, c.content})).statusCode,
+			c.statusCode)
+			<< c.verb;
+	}
+	EXPECT_EQ(server.connectionCount(), 0);
+	for (const char* verb : {"TRACE", "OPTIONS", "CONNECT"}) // this layer sends them
+	{
+		EXPECT_EQ(run(build({server.url(), {{"Content-Type", "x"}}, verb, EHTTPCorvIndividualType::STRING, ""})).statusCode, 200) << verb;
+		EXPECT_EQ(server.requests().back().substr(0, std::string(verb).size()), verb);
+	}
+}

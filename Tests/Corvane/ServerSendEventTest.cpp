@@ -136,3 +136,54 @@ TEST_F(ServerSendEvents, OfAnEndlessStreamEndWithACancel)
 	drain();
 	expectOneCompletion(500, "No Response");
 }
+
+TEST_F(ServerSendEvents, BringEachByteOnceAndInOrderWhileTheBodyGrows)
+{
+	LogCapture log;
+	constexpr size_t events = 50000;
+	std::string body;
+	for (size_t number = 0; number < events; ++number)
+	{
+		body += "data: " + std::to_string(number * number) + "\n\n";
+	}
+	RawServer origin(
+		[&](Connection& connection)
+		{
+			connection.readHead();
+			connection.send(streamHead);
+			for (size_t sent = 0, piece = 1; sent < body.size(); sent += piece, piece = piece % 4000 + 37)
+			{
+				connection.send(body.substr(sent, piece));
+			}
+		});
+	execute(get(origin.url(), {}, "", true));
+	drain();
+	std::string together;
+	for (const ServerSendEvent& event : serverSendEvents)
+	{
+		together += event.response;
+	}
+	EXPECT_TRUE(together == body);
+	expectOneCompletion(200, body);
+	EXPECT_EQ(completions[0].byteData.size(), body.size());
+	EXPECT_EQ(log.count("LogHttp", ELogVerbosity::Warning), 0) << "a running response is left alone";
+}
+
+TEST_F(ServerSendEvents, OfARefusalComeWithItsCodeAndText)
+{
+	LogCapture log;
+	for (const bool whole : {true, false})
+	{
+		completions.clear();
+		RawServer origin(
+			[&](Connection& connection)
+			{
+				connection.readHead();
+				const std::string page = answer(429, "slow down");
+				connection.send(whole ? page : page.substr(0, page.size() - 1));
+			});
+		execute(get(origin.url(), {}, "", true));
+		drain();
+		expectOneCompletion(429, whole ? "slow down" : "slow dow");
+	}
+}

@@ -91,24 +91,9 @@ namespace
 		};
 	}
 
-	class SteppedDownloads : public DownloadFixture, public testing::WithParamInterface<bool>
+	class SteppedDownloads : public DownloadFixture
 	{
-	protected:
-		SteppedDownloads()
-			: DownloadFixture(settings())
-		{
-		}
-
-		static FGameLoopSettings settings()
-		{
-			FGameLoopSettings settings;
-			settings.http.bPartialResponseOnFailure = GetParam();
-			return settings;
-		}
 	};
-
-	INSTANTIATE_TEST_SUITE_P(, SteppedDownloads, testing::Bool(),
-		[](const auto& parameters) { return parameters.param ? "WithPartialResponses" : "WithoutPartialResponses"; });
 
 	class SteppedDownload : public DownloadFixture
 	{
@@ -120,7 +105,7 @@ namespace
 	};
 } // namespace
 
-TEST_P(SteppedDownloads, LeaveTheWholeFileOrWholeSteps)
+TEST_F(SteppedDownloads, LeaveTheWholeFileOrWholeSteps)
 {
 	for (const Fault& fault : faults())
 	{

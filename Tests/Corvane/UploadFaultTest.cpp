@@ -446,3 +446,29 @@ TEST_F(UploadFault, LargeFilesKeepTheirSizeToo)
 	drain();
 	EXPECT_EQ(fs::file_size(path), size);
 }
+
+TEST_F(UploadFault, ARefusalBeforeTheEndIsToldWithItsText)
+{
+	const std::string path = dir.write("a.bin", std::string(24 << 20, 'x'));
+	for (const Type type : everyType)
+	{
+		for (const bool hangsUp : {false, true})
+		{
+			RawServer server(
+				[&](Connection& connection)
+				{
+					connection.readHead();
+					connection.read(100000);
+					connection.send(answer(413, "too large", "Connection: close\r\n"));
+					if (!hangsUp)
+					{
+						connection.waitForPeer();
+					}
+				});
+			const Completion result = run(put(server.url(), path, type));
+			EXPECT_EQ(result.statusCode, 413) << static_cast<int>(type) << hangsUp;
+			EXPECT_EQ(result.dataString, "too large");
+		}
+	}
+	EXPECT_EQ(fs::file_size(path), 24u << 20);
+}

@@ -20,11 +20,6 @@ std::string bytesOf(const TArray<uint8>& array)
 	return std::string(array.begin(), array.end());
 }
 
-std::string firstHeaders(const std::string& authority)
-{
-	return "Host: " + authority + "\r\nAccept: */*\r\nAccept-Encoding: deflate, gzip, br, zstd\r\n";
-}
-
 Exchange::Exchange(const std::string& url, Policy policy)
 	: Request(FHttpModule::Get().CreateRequest())
 {

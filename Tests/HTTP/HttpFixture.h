@@ -22,9 +22,6 @@ FString text(std::string_view utf8);
 std::string utf8(const FString& text);
 std::string bytesOf(const TArray<uint8>& array);
 
-/** What libcurl puts in front of a program's own headers, behind the request line. */
-std::string firstHeaders(const std::string& authority);
-
 /** One request with a record of its callbacks. */
 class Exchange
 {

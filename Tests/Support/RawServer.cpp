@@ -301,3 +301,8 @@ std::string targetOf(std::string_view head)
 	const size_t begin = head.find(' ') + 1;
 	return std::string(head.substr(begin, head.find(' ', begin) - begin));
 }
+
+std::string firstHeaders(const std::string& authority)
+{
+	return "Host: " + authority + "\r\nAccept: */*\r\nAccept-Encoding: deflate, gzip, br, zstd\r\n";
+}
