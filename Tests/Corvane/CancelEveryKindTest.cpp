@@ -88,8 +88,11 @@ TEST_F(CancelEveryKind, ReachesARequestThatWaitsForItsFirstByte)
 
 TEST_F(CancelEveryKind, LeavesANewStartUnderTheSameIdAlone)
 {
-	RangeOrigin honest([](Connection& connection, const RangeRequest& request)
-		{ connection.send(request.range.empty() ? answer(200, "new") : rangedAnswer("new file", request)); });
+	// Whoever asks for a page finds a link back to it, and the page itself is the file behind that.
+	std::string page;
+	RangeOrigin honest([&page](Connection& connection, const RangeRequest& request)
+		{ connection.send(request.range.empty() ? answer(200, page) : rangedAnswer("new file", request)); });
+	page = "<a id=\"download-url\" href=\"" + honest.url("/") + "\"><img></a>";
 	for (const Kind& kind : kinds())
 	{
 		completions.clear();
@@ -97,7 +100,7 @@ TEST_F(CancelEveryKind, LeavesANewStartUnderTheSameIdAlone)
 		execute(kind.build(server.origin.url()));
 		ASSERT_TRUE(loop.WaitFor([&] { return server.reached.isOpen(); }, patienceSeconds)) << kind.name;
 		UCorvaneBPLibrary::cancelRequest("id");
-		execute(kind.build(honest.url("")));
+		execute(kind.build(honest.url("/")));
 		drain();
 		ASSERT_EQ(completions.size(), 2u) << kind.name;
 		const bool bOldFirst = completions[0].statusCode == 500;

@@ -36,7 +36,7 @@ TEST_F(Node, ReturnsTheNodeForFurtherHandlers)
 	)lua");
 }
 
-TEST_F(Node, IsHeldUntilItEndsOrDestroysItself)
+TEST_F(Node, IsHeldUntilItEnds)
 {
 	runGood("SampleNode.startNode{} SampleNode.startNode{ statusCode = 500 } collectgarbage()");
 	HostObjects::CollectGarbage();

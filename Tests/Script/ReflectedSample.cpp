@@ -181,12 +181,13 @@ void USampleNode::Activate()
 void USampleNode::finish()
 {
 	(status < 400 ? OnSuccess : OnFail).Broadcast(status, id);
+	if (isLasting)
+	{
+		return;
+	}
+	SetReadyToDestroy();
 	if (status >= 500)
 	{
 		ConditionalBeginDestroy();
-	}
-	else if (!isLasting)
-	{
-		SetReadyToDestroy();
 	}
 }
