@@ -61,10 +61,6 @@ void UFileFunctionsCorv::splitFile(bool& OutSuccess, TArray<FString>& OutAbsolut
 	}
 	const int64 PartSize = Reader->TotalSize() / (Last + 1);
 	const int64 LastPartSize = Reader->TotalSize() - Last * PartSize;
-	if (LastPartSize > MAX_int32)
-	{
-		return; // no script could read that part
-	}
 	const TUniquePtr<CorvaneSplitFile::FPiece> Piece = MakeUnique<CorvaneSplitFile::FPiece>();
 	for (int32 Index = 0; Index <= Last; ++Index)
 	{
