@@ -261,6 +261,12 @@ TEST_F(UploadFault, AFileIsInOneUploadThatChangesItAtATime)
 
 	completions.clear();
 	library().setUploadGracePeriod(60);
+	UploadSink quick;
+	execute(put(quick.url(), dir.write("A.bin", "other"), Type::PUT_STREAM_MP));
+	ASSERT_TRUE(waitForCompletions());
+	EXPECT_EQ(completions[0].statusCode, 200) << "another file to this file system";
+
+	completions.clear();
 	gate.open();
 	ASSERT_TRUE(waitForCompletions());
 	EXPECT_EQ(completions[0].statusCode, 200);
@@ -274,7 +280,7 @@ TEST_F(UploadFault, AFileIsInOneUploadThatChangesItAtATime)
 	EXPECT_EQ(logged(ELogVerbosity::Error, stillOpen + path), 8);
 	EXPECT_EQ(sink.connectionCount(), 0);
 	loop.Shutdown();
-	EXPECT_EQ(dir.read("a.bin"), std::string(1000, 'x'));
+	EXPECT_EQ(dir.read("a.bin") + dir.read("A.bin"), std::string(1000, 'x') + "other");
 }
 
 TEST_F(UploadFault, AnyNumberOfUploadsReadOneFileAtOnce)
