@@ -67,11 +67,13 @@ TEST_F(SplitFile, OutputsAreAppendedToAndPartsReplaced)
 {
 	const std::string path = dir.write("a.b.c", "abcdef");
 	dir.write("a.b_0.c", "an older and longer part");
+	std::filesystem::create_hard_link(path, dir.path("a.b_1.c"));
 	EXPECT_TRUE(split(path, 2));
 	EXPECT_TRUE(split(path, 3));
 	EXPECT_THAT(names(), ElementsAre("a.b_0.c", "a.b_1.c", "a.b_0.c", "a.b_1.c", "a.b_2.c"));
 	EXPECT_THAT(tellSizes(), ElementsAre(3, 2, 2));
 	EXPECT_EQ(dir.read("a.b_0.c"), "ab");
+	EXPECT_EQ(dir.read("a.b.c"), "abcdef") << "written through a link";
 }
 
 TEST_F(SplitFile, FewerThanOnePartIsOne)
