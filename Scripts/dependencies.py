@@ -25,9 +25,6 @@ out of date. Boxes are targets of this project, round ones come from elsewhere. 
 
 def name_of(target):
     """None for what is no target of anybody: options, and the bare files behind a package."""
-    file = re.fullmatch(r"/.*/lib(cpp-httplib)\.so", target)
-    if file:
-        return file[1]
     return None if target.startswith(("-", "/")) or target == "CorvaneBuildOptions" else MERGED.get(target, target)
 
 
@@ -62,7 +59,7 @@ def without_implied(graph):
 def draw(graph):
     names = sorted(set(ROOTS).union(*(reached(graph, root) for root in ROOTS)), key=str.lower)
     ids = {name: re.sub(r"\W+", "_", name) for name in names}
-    own = lambda name: "::" not in name and name != "cpp-httplib"
+    own = lambda name: "::" not in name
     lines = ["```mermaid", "flowchart TD"]
     lines += [f'    {ids[name]}["{name}"]' if own(name) else f'    {ids[name]}(["{name}"])' for name in names]
     lines += [f"    {ids[user]} --> {ids[used]}" for user in names for used in sorted(graph.get(user, ()), key=str.lower)]

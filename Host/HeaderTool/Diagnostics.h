@@ -16,6 +16,12 @@ namespace HeaderTool
 
 	using Diagnostics = std::vector<Diagnostic>;
 
+	/** Ends the reading of a whole header. */
+	struct NestingError
+	{
+		int line;
+	};
+
 	/** Ends the reading of one declaration; the parser reports it and goes on with the next one. */
 	struct ParseError : std::runtime_error
 	{

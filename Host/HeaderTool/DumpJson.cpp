@@ -109,6 +109,7 @@ namespace HeaderTool
 		Json delegateJson(const DelegateDef& def)
 		{
 			Json object = {{"name", def.name}, {"line", def.line}};
+			addSpecifiers(object, def.specifiers);
 			addList(object, "parameters", listOf(def.parameters, parameterJson));
 			return object;
 		}

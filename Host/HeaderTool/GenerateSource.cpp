@@ -141,10 +141,13 @@ namespace HeaderTool
 
 		std::string defineDelegate(const DelegateDef& def)
 		{
-			const std::string tables = parameterTable("", def.parameters, nullptr);
-			const std::string text = tables.empty() ? "" : reflection(def.name, tables);
-			return text + fmt::format("\nconst UDelegateFunction GeneratedSignatures::{}{{{}, {}, {{}}}};\n", def.name, quote(def.name),
-							  tables.empty() ? "{}" : fmt::format("FReflectionOf<::{}>::Parameters", def.name));
+			const std::string parameters = parameterTable("", def.parameters, nullptr);
+			const std::string meta = metaTable("Meta", def.specifiers);
+			const auto reference = [&](const std::string& table, std::string_view name)
+			{ return table.empty() ? "{}" : fmt::format("FReflectionOf<::{}>::{}", def.name, name); };
+			const std::string text = parameters.empty() && meta.empty() ? "" : reflection(def.name, parameters + meta);
+			return text + fmt::format("\nconst UDelegateFunction GeneratedSignatures::{}{{{}, {}, {}}};\n", def.name, quote(def.name),
+							  reference(parameters, "Parameters"), reference(meta, "Meta"));
 		}
 
 		/** Pointers need no include in the header, but the tables need the class itself. */

@@ -84,6 +84,14 @@ namespace HeaderTool
 			return text.substr(0, text.find_last_not_of('\n') + 1);
 		}
 
+		/** @return what a comment to the end of its line says. @param comment  with its slashes. */
+		std::string plainLine(std::string_view comment)
+		{
+			comment.remove_prefix(std::min(comment.find_first_not_of('/'), comment.size()));
+			comment.remove_prefix(std::min(comment.find_first_not_of(" \t"), comment.size()));
+			return std::string(comment.substr(0, comment.find_last_not_of(" \t") + 1));
+		}
+
 		class Lexer
 		{
 		public:
@@ -123,7 +131,7 @@ namespace HeaderTool
 			{
 				if (rest.starts_with("//"))
 				{
-					take(std::min(rest.find('\n'), rest.size()));
+					addLine(take(std::min(rest.find('\n'), rest.size())));
 					return true;
 				}
 				if (rest.starts_with("/*"))
@@ -135,9 +143,21 @@ namespace HeaderTool
 					}
 					const std::string_view comment = take(end + 2);
 					documentation = comment.starts_with("/**") && comment.size() > 4 ? plainText(comment) : "";
+					documentationIsLines = false;
 					return true;
 				}
 				return false;
+			}
+
+			/** Lines document what follows them, too, unless a block does. @param comment  with its slashes. */
+			void addLine(std::string_view comment)
+			{
+				documentationIsLines = documentationIsLines || documentation.empty();
+				if (!lineHasToken && documentationIsLines)
+				{
+					const std::string line = plainLine(comment);
+					documentation.append(documentation.empty() ? "" : "\n").append(line);
+				}
 			}
 
 			void skipBlank()
@@ -164,6 +184,7 @@ namespace HeaderTool
 				readPlainToken();
 				tokens.back().comment = std::move(comment);
 				documentation.clear(); // one inside a directive documents nothing
+				documentationIsLines = false;
 			}
 
 			void readPlainToken()
@@ -261,6 +282,7 @@ namespace HeaderTool
 			std::string_view rest;
 			std::vector<Token> tokens;
 			std::string documentation; // of the token that comes next
+			bool documentationIsLines = false; // not made of a block
 			bool lineHasToken = false;
 		};
 	} // namespace

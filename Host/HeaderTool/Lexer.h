@@ -26,7 +26,7 @@ namespace HeaderTool
 		std::string prefix; // of a string: "", "u8", "u", "U", "L", each with an "R" when raw
 		int line = 1; // where the token begins
 		int region = 0; // number of directives before it, see takeDirectives
-		std::string comment; // what the documentation comment right in front of it says, line by line; empty = there is none
+		std::string comment; // what the comment right in front of it says, line by line: one for documentation, or lines of their own
 	};
 
 	/**

@@ -138,6 +138,7 @@ namespace HeaderTool
 	struct DelegateDef
 	{
 		std::string name;
+		Specifiers specifiers; // nothing but the comment: the macro takes none
 		int declaredCount = 0; // the number in the macro's name
 		std::vector<ParameterDef> parameters;
 		int line = 1;

@@ -197,8 +197,8 @@ namespace HeaderTool
 		{
 			reader.fail(fmt::format("{} is not available in this host; multicast delegates with up to nine parameters are", macro));
 		}
-		reader.next();
 		DelegateDef delegate;
+		delegate.specifiers.comment = reader.next().comment;
 		delegate.declaredCount = static_cast<int>(count - countWords.begin());
 		reader.expectSymbol("(", fmt::format("behind {}", macro));
 		delegate.line = reader.line();

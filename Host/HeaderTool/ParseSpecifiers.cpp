@@ -1,4 +1,5 @@
 #include "ParseParts.h"
+#include "Utf8.h"
 
 #include <fmt/format.h>
 
@@ -61,6 +62,10 @@ namespace HeaderTool
 				reader.fail(fmt::format("a string with the prefix {} is not read here", reader.peek().prefix));
 			}
 			text += reader.next().text;
+		}
+		if (findNonUtf8(text) < text.size())
+		{
+			reader.fail("the escapes of this text make no UTF-8");
 		}
 		return text;
 	}

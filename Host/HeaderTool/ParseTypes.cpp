@@ -35,7 +35,9 @@ namespace HeaderTool
 			return name;
 		}
 
-		TypeDef parseTypeArgument(TokenReader& reader)
+		TypeDef parseTypeAt(TokenReader& reader, int depth);
+
+		TypeDef parseTypeArgument(TokenReader& reader, int depth)
 		{
 			if (reader.peek().kind == TokenKind::Number)
 			{
@@ -44,11 +46,44 @@ namespace HeaderTool
 				number.name = reader.next().text;
 				return number;
 			}
-			TypeDef type = parseType(reader);
+			TypeDef type = parseTypeAt(reader, depth);
 			if (reader.isSymbol("("))
 			{
 				reader.skipBalanced(); // the signature of a callable; no reflected type has one, as the checks will say
 				type.name += "()";
+			}
+			return type;
+		}
+
+		/** @param depth  of the angle brackets that the type stands in; each takes a piece of the stack. */
+		TypeDef parseTypeAt(TokenReader& reader, int depth)
+		{
+			constexpr int mostDepth = 64;
+			if (depth > mostDepth)
+			{
+				reader.fail(fmt::format("template arguments may not stand more than {} deep in one another", mostDepth));
+			}
+			TypeDef type;
+			type.line = reader.line();
+			type.isConst = reader.acceptWord("const");
+			type.name = parseTypeName(reader);
+			if (reader.acceptSymbol("<"))
+			{
+				do
+				{
+					type.arguments.push_back(parseTypeArgument(reader, depth + 1));
+				} while (reader.acceptSymbol(","));
+				reader.expectSymbol(">", "after the template arguments of " + type.name);
+			}
+			type.isConst = reader.acceptWord("const") || type.isConst;
+			while (reader.acceptSymbol("*"))
+			{
+				++type.pointers;
+				reader.acceptWord("const");
+			}
+			while (reader.acceptSymbol("&"))
+			{
+				++type.references;
 			}
 			return type;
 		}
@@ -157,29 +192,7 @@ namespace HeaderTool
 
 	TypeDef parseType(TokenReader& reader)
 	{
-		TypeDef type;
-		type.line = reader.line();
-		type.isConst = reader.acceptWord("const");
-		type.name = parseTypeName(reader);
-		if (reader.acceptSymbol("<"))
-		{
-			do
-			{
-				type.arguments.push_back(parseTypeArgument(reader));
-			} while (reader.acceptSymbol(","));
-			reader.expectSymbol(">", "after the template arguments of " + type.name);
-		}
-		type.isConst = reader.acceptWord("const") || type.isConst;
-		while (reader.acceptSymbol("*"))
-		{
-			++type.pointers;
-			reader.acceptWord("const");
-		}
-		while (reader.acceptSymbol("&"))
-		{
-			++type.references;
-		}
-		return type;
+		return parseTypeAt(reader, 0);
 	}
 
 	std::vector<ParameterDef> parseParameters(TokenReader& reader)

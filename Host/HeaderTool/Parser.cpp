@@ -40,6 +40,21 @@ namespace HeaderTool
 
 			void run()
 			{
+				try
+				{
+					readFile();
+				}
+				catch (const NestingError& error)
+				{
+					report(error.line, fmt::format("scopes may not stand more than {} deep in one another", mostScopes));
+				}
+			}
+
+		private:
+			static constexpr int mostScopes = 256; // each takes a piece of the stack
+
+			void readFile()
+			{
 				const Scope file{.name = "the file", .isFile = true};
 				while (!reader.atEnd())
 				{
@@ -52,12 +67,15 @@ namespace HeaderTool
 				}
 			}
 
-		private:
 			void report(int line, const std::string& message) { diagnostics.push_back({header.path, line, message}); }
 
 			/** Reads declarations up to the closing brace or the end of the file. */
 			void readScope(const Scope& scope)
 			{
+				if (++depth > mostScopes)
+				{
+					throw NestingError{reader.line()};
+				}
 				while (!reader.atEnd() && !reader.isSymbol("}"))
 				{
 					const size_t start = reader.place();
@@ -71,6 +89,7 @@ namespace HeaderTool
 						reader.recover(start);
 					}
 				}
+				--depth;
 			}
 
 			void readDeclaration(const Scope& scope)
@@ -294,6 +313,7 @@ namespace HeaderTool
 			TokenReader reader;
 			HeaderDef& header;
 			Diagnostics& diagnostics;
+			int depth = 0; // of the scope being read
 		};
 	} // namespace
 

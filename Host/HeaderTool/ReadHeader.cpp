@@ -1,6 +1,8 @@
 #include "Directives.h"
 #include "Parser.h"
+#include "Utf8.h"
 
+#include <algorithm>
 #include <filesystem>
 
 namespace HeaderTool
@@ -31,6 +33,14 @@ namespace HeaderTool
 		header.fileName = std::filesystem::path(path).filename().string();
 		header.includeName = includeNameOf(path);
 		header.isReference = isReference;
+		if (const size_t place = findNonUtf8(text); place < text.size())
+		{
+			const int line = 1 + static_cast<int>(std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(place), '\n'));
+			diagnostics.push_back({path, line, "a byte on this line is no UTF-8"});
+			header.startsWithPragmaOnce = true; // what was not read can lack nothing
+			header.isComplete = false;
+			return header;
+		}
 		const std::vector<Token> tokens = takeDirectives(lex(text, path, diagnostics), header, diagnostics);
 		parse(tokens, header, diagnostics);
 		header.isComplete = diagnostics.size() == before;

@@ -24,9 +24,31 @@ namespace Program
 			return FString::ConstructFromPtrSize(units.Get(), units.Length());
 		}
 
+		/** The value as messages show it; a word that is no UTF-8 is shown, too. */
+		std::string shown(const Json& json)
+		{
+			return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+		}
+
 		[[noreturn]] void refuse(const FPropertyType& type, const Json& json)
 		{
-			throw ScriptError(fmt::format("expected {}, got {}", Script::typeName(type), json.dump()));
+			throw ScriptError(fmt::format("expected {}, got {}", Script::typeName(type), shown(json)));
+		}
+
+		/** @return the word as a text when it is no JSON. */
+		Json parse(const std::string& word)
+		{
+			static constexpr int mostDepth = 16; // values that scripts hold need two
+			const auto check = [](int depth, Json::parse_event_t, const Json&)
+			{
+				if (depth > mostDepth)
+				{
+					throw ScriptError(fmt::format("brackets may not stand more than {} deep in one another", mostDepth));
+				}
+				return true;
+			};
+			const Json parsed = Json::parse(word, check, false);
+			return parsed.is_discarded() ? Json(word) : parsed;
 		}
 
 		template <class T>
@@ -49,7 +71,7 @@ namespace Program
 				names.emplace_back(entry.Name);
 			}
 			const std::string nearest = json.is_string() ? Script::suggestion(json.get_ref<const std::string&>(), names) : "";
-			throw ScriptError(fmt::format("expected {}, got {}{}", Script::typeName(type), json.dump(), nearest));
+			throw ScriptError(fmt::format("expected {}, got {}{}", Script::typeName(type), shown(json), nearest));
 		}
 
 		void readEnum(const Json& json, const FPropertyType& type, void* value)
@@ -177,8 +199,6 @@ namespace Program
 			bytes.Append(reinterpret_cast<const uint8*>(word.data()), static_cast<int32>(word.size()));
 			return;
 		}
-		const Json parsed = Json::parse(word, nullptr, false);
-		const bool isPlainWord = parsed.is_discarded() || type.Kind == EPropertyKind::String;
-		fromJson(isPlainWord ? Json(word) : parsed, type, value);
+		fromJson(type.Kind == EPropertyKind::String ? Json(word) : parse(word), type, value);
 	}
 } // namespace Program

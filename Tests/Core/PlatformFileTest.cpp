@@ -67,17 +67,16 @@ TEST_F(PlatformFile, MakesAndRemovesOneDirectory)
 	EXPECT_TRUE(Files.DeleteDirectory(*Path)) << "there is none";
 }
 
-TEST_F(PlatformFile, MovesButNeverReplaces)
+TEST_F(PlatformFile, MovesAndReplaces)
 {
 	Dir.write("from", "new");
 	Dir.write("old", "old");
-	EXPECT_FALSE(move(Dir.path("old"), Dir.path("from")));
-	EXPECT_FALSE(move(Dir.path("from"), Dir.path("from")));
 	EXPECT_FALSE(move(Dir.path("missing/to"), Dir.path("from")));
-	EXPECT_FALSE(move(Dir.path("to"), Dir.path("missing")));
+	EXPECT_FALSE(move(Dir.path("old"), Dir.path("missing")));
 	EXPECT_EQ(Dir.read("from") + Dir.read("old"), "newold");
-	EXPECT_TRUE(move(Dir.path("to"), Dir.path("from")));
-	EXPECT_FALSE(Dir.exists("from"));
+	EXPECT_TRUE(move(Dir.path("old"), Dir.path("from")));
+	EXPECT_TRUE(move(Dir.path("to"), Dir.path("old")));
+	EXPECT_FALSE(Dir.exists("from") || Dir.exists("old"));
 	EXPECT_EQ(Dir.read("to"), "new");
 }
 
@@ -99,8 +98,11 @@ TEST_F(PlatformFile, MovesToAnotherDisk)
 	EXPECT_EQ(Files.GetTimeStamp(*wide(There)), Time);
 	EXPECT_TRUE(Files.IsReadOnly(*wide(There)));
 	Dir.write("from", "newer");
-	EXPECT_FALSE(move(There, Dir.path("from"))) << "the target exists";
+	EXPECT_FALSE(move(OtherDisk / "missing/to", Dir.path("from")));
 	EXPECT_EQ(Dir.read("from") + std::to_string(fs::file_size(There)), "newer3");
+	EXPECT_TRUE(move(There, Dir.path("from"))) << "here, too, it replaces";
+	EXPECT_EQ(fs::file_size(There), 5u);
+	EXPECT_EQ(std::distance(fs::directory_iterator(OtherDisk), {}), 1);
 	fs::remove_all(OtherDisk);
 }
 

@@ -9,6 +9,7 @@
 #include "NoThreads.h"
 
 #include <atomic>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <memory>
 #include <set>
@@ -112,6 +113,32 @@ TEST(RunnableThread, RunsManyAtOnceAndStartsAgainAfterJoining)
 		EXPECT_EQ(Ids.size(), 100u);
 		HostThreads::JoinIdle();
 	}
+}
+
+TEST(RunnableThread, ThreadsThatNobodyWantsEnd)
+{
+	const auto NumThreads = [] { return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {}); };
+	HostThreads::JoinIdle();
+	const auto Before = NumThreads();
+	for (int Round = 0; Round < 2; ++Round) // the second finds threads that have just ended
+	{
+		std::vector<std::unique_ptr<FWaiter>> Waiters;
+		std::vector<std::unique_ptr<FRunnableThread>> Threads;
+		for (int Number = 0; Number < 30; ++Number)
+		{
+			Waiters.push_back(std::make_unique<FWaiter>());
+			Threads.emplace_back(FRunnableThread::Create(Waiters.back().get(), TEXT("Waiter")));
+		}
+		Threads.clear();
+		EXPECT_GT(NumThreads(), Before);
+		const auto Patience = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+		while (NumThreads() > Before && std::chrono::steady_clock::now() < Patience)
+		{
+			std::this_thread::sleep_for(soon);
+		}
+		EXPECT_EQ(NumThreads(), Before);
+	}
+	HostThreads::JoinIdle();
 }
 
 TEST(GameThreadTasks, RunInOrderAndNeverInsideTheCall)

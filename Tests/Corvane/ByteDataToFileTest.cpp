@@ -1,3 +1,4 @@
+#include "FileKit.h"
 #include "Host/Directories.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"
@@ -89,6 +90,15 @@ TEST_F(ByteDataToFile, NoticesAFullDisk)
 	write(EAction::E_NOT_OVERWRITE, std::string(100000, 'x'), dir.path("full"));
 	drain();
 	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "ByteDataToFile: Can't write into "), 1);
+	{
+		const FileSizeLimit limit(1000);
+		write(EAction::E_NOT_OVERWRITE, std::string(1001, 'x'), dir.path("later"));
+		drain();
+	}
+	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "ByteDataToFile: Can't write into "), 2);
+	write(EAction::E_NOT_OVERWRITE, "there is room again", dir.path("later"));
+	drain();
+	EXPECT_EQ(dir.read("later"), "there is room again");
 }
 
 TEST_F(ByteDataToFile, QueuedWritesAreFinishedAtTheEndOfTheProgram)

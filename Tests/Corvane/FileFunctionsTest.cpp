@@ -50,7 +50,10 @@ TEST(FileFunctions, ResolveEachPathOfAMoveByItsOwnKind)
 	HostDirectories::Set(dir.path("Game"), dir.path("bin"));
 	dir.write("bin/from", "bytes");
 	dir.write("Game/old", "old");
+	dir.write("bin/folder/file", "");
+	std::filesystem::create_directory(dir.path("Game/empty"));
 	EXPECT_FALSE(Files::moveFile(EKind::E_gd, "old", EKind::E_ad, "from")) << "nothing is replaced";
+	EXPECT_FALSE(Files::moveFile(EKind::E_gd, "empty", EKind::E_ad, "folder")) << "no directory either";
 	EXPECT_TRUE(Files::moveFile(EKind::E_gd, "to", EKind::E_ad, "from"));
 	EXPECT_EQ(dir.read("Game/to") + dir.read("Game/old"), "bytesold");
 	EXPECT_FALSE(dir.exists("bin/from"));

@@ -1,6 +1,8 @@
 #include "Rules/PageReading.h"
 #include "ModuleFixture.h"
 
+#include <fstream>
+
 namespace
 {
 	/** A list of fields f0, f1, ... with the two that matter replaced. */
@@ -13,6 +15,25 @@ namespace
 			page += (field == 0 ? "" : ",") + content;
 		}
 		return page;
+	}
+
+	/** @return the most KiB that this process has had in memory since startOfPeak. */
+	long peakMemory()
+	{
+		std::ifstream status("/proc/self/status");
+		std::string word;
+		long kilobytes = 0;
+		while (status >> word && word != "VmHWM:")
+		{
+		}
+		status >> kilobytes;
+		return kilobytes;
+	}
+
+	long startOfPeak()
+	{
+		std::ofstream("/proc/self/clear_refs") << 5;
+		return peakMemory();
 	}
 } // namespace
 
@@ -34,6 +55,7 @@ TEST(PageReading, ReadsNameAndSizeOfADriveFile)
 		{"a size that is no number", itemJson(30, "\"a\"", "null"), true, "a", 0},
 		{"quotes as entities stay", itemJson(28, "&quot;a&quot;", "1"), true, "&quot;a&quot;", 1},
 		{"another case of the mark", "ITEMJSON:" + itemJson(28, "a", "3").substr(20), true, "a", 3},
+		{"a size below nothing", itemJson(28, "\"a\"", "\"-1\""), false, "", 0},
 		{"no mark", "<html>,,,,,,</html>", false, "", 0},
 		{"nothing", "", false, "", 0},
 	};
@@ -44,6 +66,15 @@ TEST(PageReading, ReadsNameAndSizeOfADriveFile)
 		EXPECT_EQ(utf8(info.name), c.name) << c.what;
 		EXPECT_EQ(info.size, c.size) << c.what;
 	}
+	std::string page = itemJson(28, "\"a\"", "7");
+	for (int field = 0; field < 10'000'000; ++field)
+	{
+		page += ",f";
+	}
+	const FString manyFields = text(page);
+	const long before = startOfPeak();
+	EXPECT_EQ(CorvaneRules::readFileInfo(manyFields).size, 7);
+	EXPECT_LT(peakMemory() - before, 300'000) << "fields of no use take memory";
 }
 
 TEST(PageReading, FindsTheTokenOfAConfirmationPage)

@@ -135,6 +135,9 @@ TEST_F(ReadAndWriteFiles, AFullDiskIsAFailureAndWhatWasThereStays)
 		EXPECT_TRUE(success);
 		write(dir.path("new"), std::string(1501, 'd'));
 		EXPECT_FALSE(success);
+		add(dir.path("absent"), std::string(1501, 'e'));
+		EXPECT_FALSE(success);
 	}
+	EXPECT_FALSE(dir.exists("absent")) << "what was not there stays so";
 	EXPECT_EQ(dir.read("log"), std::string(1000, 'a') + std::string(500, 'c'));
 }

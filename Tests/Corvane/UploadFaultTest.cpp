@@ -75,6 +75,25 @@ namespace
 		rlimit before{};
 	};
 
+	/** A disk that has room again as soon as a write has found it full. */
+	class FullForOneWrite : public FileSizeLimit
+	{
+	public:
+		explicit FullForOneWrite(rlim_t bytes)
+			: FileSizeLimit(bytes)
+		{
+			std::signal(SIGXFSZ,
+				[](int)
+				{
+					rlimit limit{};
+					getrlimit(RLIMIT_FSIZE, &limit);
+					limit.rlim_cur = limit.rlim_max;
+					setrlimit(RLIMIT_FSIZE, &limit);
+				});
+		}
+		~FullForOneWrite() { std::signal(SIGXFSZ, SIG_IGN); }
+	};
+
 	/** Takes the right to ignore permissions from this process for its scope, if it has it. */
 	class OrdinaryUser
 	{
@@ -185,7 +204,15 @@ TEST_F(UploadFault, ADiskThatIsFullLeavesTheFileAsItWas)
 			EXPECT_THAT(files(), ElementsAre("a.bin")) << "a copy that was made goes, too";
 		}
 	}
-	EXPECT_EQ(logged(ELogVerbosity::Error, stillOpen), 4);
+	const TArray<FhttpRequest> cutShort = put(sink.url(), path, Type::PUT_STREAM_COPY);
+	{
+		const FullForOneWrite limit(600);
+		execute(cutShort);
+	}
+	drain();
+	EXPECT_EQ(completions.back().statusCode, 400) << "a part of a copy must not travel";
+	EXPECT_THAT(files(), ElementsAre("a.bin"));
+	EXPECT_EQ(logged(ELogVerbosity::Error, stillOpen), 5);
 	EXPECT_EQ(run(put(sink.url(), path, Type::PUT_STREAM_MP)).statusCode, 200) << "nothing blocks the file afterwards";
 }
 
@@ -234,6 +261,12 @@ TEST_F(UploadFault, AFileIsInOneUploadThatChangesItAtATime)
 
 	completions.clear();
 	library().setUploadGracePeriod(60);
+	UploadSink quick;
+	execute(put(quick.url(), dir.write("A.bin", "other"), Type::PUT_STREAM_MP));
+	ASSERT_TRUE(waitForCompletions());
+	EXPECT_EQ(completions[0].statusCode, 200) << "another file to this file system";
+
+	completions.clear();
 	gate.open();
 	ASSERT_TRUE(waitForCompletions());
 	EXPECT_EQ(completions[0].statusCode, 200);
@@ -247,7 +280,7 @@ TEST_F(UploadFault, AFileIsInOneUploadThatChangesItAtATime)
 	EXPECT_EQ(logged(ELogVerbosity::Error, stillOpen + path), 8);
 	EXPECT_EQ(sink.connectionCount(), 0);
 	loop.Shutdown();
-	EXPECT_EQ(dir.read("a.bin"), std::string(1000, 'x'));
+	EXPECT_EQ(dir.read("a.bin") + dir.read("A.bin"), std::string(1000, 'x') + "other");
 }
 
 TEST_F(UploadFault, AnyNumberOfUploadsReadOneFileAtOnce)

@@ -27,6 +27,16 @@ namespace
 		return file("UCLASS()\nclass UCase : public UObject\n{\n\tGENERATED_BODY() public:\n" + members + "\n};\n");
 	}
 
+	std::string repeated(int times, const std::string& text)
+	{
+		std::string all;
+		for (int time = 0; time < times; ++time)
+		{
+			all += text;
+		}
+		return all;
+	}
+
 	/** One reflected function on line 8. */
 	std::string function(const std::string& declaration)
 	{
@@ -65,6 +75,17 @@ namespace
 			{"12: a preprocessor line stands inside this reflected declaration"}},
 		{"OpenCondition", file("#if A\n#if B\n#endif"), {"4: '#if A' has no #endif"}},
 		{"EndWithoutCondition", file("#endif"), {"4: #endif without #if"}},
+		{"NoUtf8", file("// f\xFCr\nUENUM() enum class E : uint8 { A };"), {"4: a byte on this line is no UTF-8"}},
+		{"NoUtf8ByEscapes",
+			inClass("UFUNCTION(meta = (ToolTip = \"\\xC3\" \"\\xA4\")) void a();\n"
+					"UFUNCTION(meta = (ToolTip = \"\\xED\\xA0\\x80\")) void b();"),
+			{"9: the escapes of this text make no UTF-8"}},
+		{"DeepScopes", file(repeated(200'000, "namespace A {\n") + repeated(200'000, "}")),
+			{"260: scopes may not stand more than 256 deep in one another"}},
+		{"DeepOpenScopes", file(repeated(100'000, "class A { struct B {\n")),
+			{"132: scopes may not stand more than 256 deep in one another"}},
+		{"DeepTypes", function("void a(" + repeated(200'000, "TArray<") + "int32" + repeated(200'000, ">") + " b);\nint32 c;"),
+			{"8: template arguments may not stand more than 64 deep in one another"}},
 		{"SameFileName", file(""), {"1: the header 'Case.h' takes a name that Deep/case.h(1) has taken"}, "Deep/case.h", "#pragma once\n"},
 		{"Circle", "#pragma once\n#include \"Other.h\"\n#include \"Case.generated.h\"\n",
 			{"2: \"Other.h\" includes this header in turn", "!Other.h(2): Error: \"Case.h\" includes this header in turn"}, "Other.h",

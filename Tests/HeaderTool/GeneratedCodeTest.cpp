@@ -140,6 +140,8 @@ TEST_F(GeneratedCode, ReachesDelegateMembersByTheirTables)
 	ASSERT_EQ(Delegates.size(), 2u);
 	EXPECT_STREQ(Delegates[1].Signature->Name, "FSampleStepDelegate");
 	EXPECT_EQ(Delegates[1].Signature->Parameters[2].Type().Class(), USampleLibrary::StaticClass());
+	EXPECT_STREQ(FindMeta(Delegates[0].Signature->Meta, "Comment"), "It is over.\n@param message  what became of it.");
+	EXPECT_STREQ(FindMeta(Delegates[1].Signature->Meta, "Comment"), "One step.\nThere are more.");
 	EXPECT_EQ(&Delegates[0].Get(Library), &Library->onSampleDone);
 
 	Library->onSampleDone.AddUniqueDynamic(Library, &USampleLibrary::onDone);

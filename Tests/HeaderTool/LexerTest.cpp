@@ -43,6 +43,8 @@ namespace
 		{"Comments", "a/* * / \n // */b // c \" \n/**/d", "1:I:a 2:I:b 3:I:d "},
 		{"Documentation", "/** one */ a /** two */ /**\n\t * three * 3\n\t *\n\t *   @param x\n\t */\n// and\nb c",
 			"<one>1:I:a <three * 3\n\n  @param x>7:I:b 7:I:c "},
+		{"LinesOfDocumentation", "a // no\n\n/// /one\n//two \nb /** x */\n// y\nc\n// z\n/* */ d",
+			"1:I:a </one\ntwo>5:I:b <x>7:I:c 9:I:d "},
 		{"NoDocumentation", "/**/ a /***/ b /** x */ /* y */ c\n# d /** z */\ne", "1:I:a 1:I:b 1:I:c 2:D:d 3:I:e "},
 		{"QuotesHideComments", "\"/*\" '\"' \"//\" x", "1:S:/* 1:C:'\"' 1:S:// 1:I:x "},
 		{"JoinedLines", "ab\\\ncd // gone \\\nstill gone\ne \"f\\\ng\"", "1:I:abcd 4:I:e 4:S:fg "},

@@ -83,6 +83,14 @@ TEST(NodeFacts, ComeFromTheHeaders)
 	EXPECT_EQ(event.kind, NodeKind::Event);
 	EXPECT_FALSE(pinNamed(event, "size").isLeft());
 	EXPECT_THAT(pinNamed(event, "size").texts, ElementsAre("Filesize in Megabyte"));
+	EXPECT_THAT(pinNamed(factsNamed("onhttpFileUploadDelegate"), "size").texts, ElementsAre("Filesize in Byte")) << "of the signature";
+	const char* const own = "Your own RequestID. It will be output again in the httpRequestComplete event. This allows the request being "
+							"assigned to the response.";
+	EXPECT_THAT(pinNamed(factsNamed("AsyncExecuteHTTP_Upload_PUT_REQUEST"), "optionalRequestID").texts, ElementsAre(own));
+	for (const NodeFacts& facts : allFacts())
+	{
+		EXPECT_THAT(facts.category, testing::StartsWith("Corvane|")) << facts.name;
+	}
 }
 
 TEST(NodeFacts, TextsAreLookedUpInTheFunctionsThatACommentNames)

@@ -11,9 +11,11 @@ namespace
 	struct Case
 	{
 		const FPropertyType& type;
-		const char* word;
+		std::string word;
 		const char* json; // null = refused
 	};
+
+	const std::string deep = std::string(60'000, '[') + "1" + std::string(60'000, ']');
 
 	const Case cases[] = {
 		{PropertyTypeOf<bool>(), "true", "true"},
@@ -46,11 +48,17 @@ namespace
 		{PropertyTypeOf<TMap<FString, FString>>(), "word", nullptr},
 		{PropertyTypeOf<TMap<FString, FString>>(), "5", nullptr},
 		{PropertyTypeOf<UCorvaneBPLibrary*>(), "word", nullptr},
+		{PropertyTypeOf<TArray<FString>>(), deep, nullptr},
+		{PropertyTypeOf<int32>(), deep, nullptr},
+		{PropertyTypeOf<EHTTPCorvFileDownloadResumeType>(), "\xff", nullptr},
 	};
 } // namespace
 
 TEST(Word, BecomesAValueOrIsRefused)
 {
+	Script::Value text(PropertyTypeOf<FString>());
+	Program::fromWord(deep, PropertyTypeOf<FString>(), text.get());
+	EXPECT_EQ(Program::toJson(PropertyTypeOf<FString>(), text.get()), deep) << "a text is no JSON";
 	for (const Case& tested : cases)
 	{
 		Script::Value value(tested.type);

@@ -1,49 +1,47 @@
+#include "FileHandle.h"
 #include "GenericPlatform/GenericPlatformFile.h"
 #include "NativePath.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <fcntl.h>
 
 namespace
 {
 	namespace fs = std::filesystem;
 
-	/** Copies bytes and permissions to a file that must not exist yet. */
-	bool copyToNew(const fs::path& To, const fs::path& From)
+	/** What comes of the writes does not count: the engine does not ask either. */
+	void copyAll(IFileHandle& To, IFileHandle& From)
 	{
-		std::error_code Error;
-		if (!fs::is_regular_file(From, Error) || fs::exists(fs::symlink_status(To, Error)))
+		constexpr int64 pieceSize = 128 << 10;
+		const auto Piece = std::make_unique_for_overwrite<uint8[]>(pieceSize);
+		bool bGoesOn = true;
+		for (int64 Left = From.Size(); Left > 0 && bGoesOn; Left -= pieceSize)
 		{
-			return false;
+			const int64 Number = std::min(Left, pieceSize);
+			bGoesOn = From.Read(Piece.get(), Number) && To.Write(Piece.get(), Number);
 		}
-		if (fs::copy_file(From, To, Error))
-		{
-			return true;
-		}
-		if (Error != std::errc::file_exists) // else somebody else has made it meanwhile
-		{
-			fs::remove(To, Error);
-		}
-		return false;
 	}
 
-	/** For disks that differ, and for file systems that cannot refuse to replace. */
+	/** For disks that differ. The target is replaced once all bytes are there. */
 	bool moveByCopy(const fs::path& To, const fs::path& From)
 	{
-		if (!copyToNew(To, From))
-		{
-			return false;
-		}
+		const fs::path Copy = To.native() + ".moving";
 		std::error_code Error;
-		fs::last_write_time(To, fs::last_write_time(From, Error), Error);
-		fs::remove(From, Error);
-		if (Error)
+		if (fs::is_regular_file(From, Error) && fs::copy_file(From, Copy, Error))
 		{
-			std::error_code Ignored;
-			fs::remove(To, Ignored);
+			fs::last_write_time(Copy, fs::last_write_time(From, Error), Error);
+			fs::rename(Copy, To, Error);
+			if (!Error && fs::remove(From, Error))
+			{
+				return true;
+			}
 		}
-		return !Error;
+		if (Error != std::errc::file_exists) // else the name belongs to somebody
+		{
+			fs::remove(Copy, Error);
+		}
+		return false;
 	}
 } // namespace
 
@@ -57,14 +55,21 @@ bool IPlatformFile::MoveFile(const TCHAR* To, const TCHAR* From)
 {
 	const fs::path Target = toNativePath(To);
 	const fs::path Source = toNativePath(From);
-	if (renameat2(AT_FDCWD, Source.c_str(), AT_FDCWD, Target.c_str(), RENAME_NOREPLACE) == 0)
-	{
-		return true;
-	}
-	return (errno == EXDEV || errno == EINVAL || errno == ENOSYS) && moveByCopy(Target, Source);
+	return std::rename(Source.c_str(), Target.c_str()) == 0 || (errno == EXDEV && moveByCopy(Target, Source));
 }
 
 bool IPlatformFile::CopyFile(const TCHAR* To, const TCHAR* From)
 {
-	return copyToNew(toNativePath(To), toNativePath(From)) && SetReadOnly(To, false);
+	std::error_code Error;
+	const std::unique_ptr<FFileHandle> Source = FFileHandle::OpenToRead(From);
+	if (!Source || fs::exists(fs::symlink_status(toNativePath(To), Error)))
+	{
+		return false;
+	}
+	const std::unique_ptr<FFileHandle> Target = FFileHandle::OpenToWrite(To, false, false);
+	if (Target)
+	{
+		copyAll(*Target, *Source);
+	}
+	return Target != nullptr;
 }

@@ -6,6 +6,7 @@
 #include "HAL/Runnable.h"
 #include "Host/SystemThreads.h"
 
+#include <algorithm>
 #include <condition_variable>
 #include <deque>
 #include <functional>
@@ -31,7 +32,8 @@ namespace
 	/**
 	 * System threads that take job after job. A job waits in a queue until a thread looks there: one that has just finished
 	 * another, which costs nothing, or one that is woken. Only the first of a burst is woken by whoever brings the jobs; each
-	 * that comes wakes the next while jobs are left. For every waiting job there is a thread idle or on its way.
+	 * that comes wakes the next while jobs are left. For every waiting job there is a thread idle or on its way. A thread
+	 * that nobody wants for a while ends.
 	 */
 	class FThreadPool
 	{
@@ -45,9 +47,12 @@ namespace
 	private:
 		bool Grow();
 		void WakeOne();
+		bool SleepUntilWoken(std::unique_lock<std::mutex>& Lock, FSystemThread& Thread);
+		void Retire(std::unique_lock<std::mutex>& Lock, FSystemThread& Thread);
 
 		std::mutex Mutex;
 		std::vector<std::unique_ptr<FSystemThread>> All;
+		std::unique_ptr<FSystemThread> Retired; // the last thread that ended for want of work: it cannot join itself
 		std::vector<FSystemThread*> Idle; // the one that finished last is taken first: its stack is warm
 		std::deque<FJob> Waiting;
 		size_t OnTheirWay = 0; // threads that were woken or made and have not looked for a job yet
@@ -64,7 +69,8 @@ namespace
 		}
 
 		void Wake() { Woken->Trigger(); }
-		void Sleep() { Woken->Wait(); }
+		/** @return false when nobody woke the thread in time. */
+		bool Sleep(uint32 Milliseconds) { return Woken->Wait(Milliseconds); }
 		void Join() { Thread.join(); }
 
 		bool bOnItsWay = true; // guarded by the pool's lock
@@ -128,10 +134,43 @@ namespace
 			{
 				return {};
 			}
-			Idle.push_back(&Thread);
-			Lock.unlock();
-			Thread.Sleep();
-			Lock.lock();
+			if (!SleepUntilWoken(Lock, Thread))
+			{
+				Retire(Lock, Thread);
+				return {};
+			}
+		}
+	}
+
+	/** @return false when the thread is not wanted; it is not among the idle ones any more then. */
+	bool FThreadPool::SleepUntilWoken(std::unique_lock<std::mutex>& Lock, FSystemThread& Thread)
+	{
+		constexpr uint32 patienceMilliseconds = 2000;
+		Idle.push_back(&Thread);
+		Lock.unlock();
+		const bool bWoken = Thread.Sleep(patienceMilliseconds);
+		Lock.lock();
+		if (!bWoken && Thread.bOnItsWay)
+		{
+			Thread.Sleep(0); // woken in this moment: the wake-up must not be left for the next sleep
+		}
+		if (!Thread.bOnItsWay)
+		{
+			std::erase(Idle, &Thread);
+		}
+		return Thread.bOnItsWay;
+	}
+
+	/** The calling thread is about to end; whoever retires next, or closes, joins it. */
+	void FThreadPool::Retire(std::unique_lock<std::mutex>& Lock, FSystemThread& Thread)
+	{
+		const auto Own = std::find_if(All.begin(), All.end(), [&](const auto& Other) { return Other.get() == &Thread; });
+		const std::unique_ptr<FSystemThread> Previous = std::exchange(Retired, std::move(*Own));
+		All.erase(Own);
+		Lock.unlock();
+		if (Previous)
+		{
+			Previous->Join();
 		}
 	}
 
@@ -165,6 +204,10 @@ namespace
 			const std::scoped_lock Lock(Mutex);
 			bClosing = true;
 			Ended.swap(All);
+			if (Retired)
+			{
+				Ended.push_back(std::move(Retired));
+			}
 			while (!Idle.empty())
 			{
 				WakeOne();

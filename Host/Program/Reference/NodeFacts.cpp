@@ -34,12 +34,14 @@ namespace Program
 			std::string name;
 			DocText tooltip;
 			DocText comment;
+			DocText signature; // of an event: what its declaration says about the pins
 			std::string references; // where other names may stand: the whole comment and that of the class
 
-			Documented(std::string ownName, FMetaList meta, const UClass& owner)
+			Documented(std::string ownName, FMetaList meta, const UClass& owner, FMetaList signatureMeta = {})
 				: name(std::move(ownName))
 				, tooltip(readTooltip(FindMeta(meta, "ToolTip")))
 				, comment(readComment(FindMeta(meta, "Comment")))
+				, signature(readComment(FindMeta(signatureMeta, "Comment")))
 				, references(std::string(FindMeta(meta, "Comment")) + " " + FindMeta(owner.Definition.Meta, "Comment"))
 			{
 			}
@@ -70,7 +72,7 @@ namespace Program
 			{
 				for (const FMulticastDelegateProperty& event : owner->Definition.Delegates)
 				{
-					all.emplace_back(event.Name, event.Meta, *owner);
+					all.emplace_back(event.Name, event.Meta, *owner, event.Signature->Meta);
 				}
 			}
 			return all;
@@ -103,6 +105,7 @@ namespace Program
 			std::vector<std::string> texts;
 			addText(texts, documented.tooltip.pin(pin));
 			addText(texts, documented.comment.pin(pin));
+			addText(texts, documented.signature.pin(pin));
 			visited.insert(documented.name);
 			for (auto other = all.begin(); other != all.end() && texts.empty(); ++other)
 			{
@@ -141,7 +144,7 @@ namespace Program
 		{
 			for (const FMulticastDelegateProperty* event : Script::eventsOf(nodeClass))
 			{
-				const Documented documented(event->Name, event->Meta, *nodeClass);
+				const Documented documented(event->Name, event->Meta, *nodeClass, event->Signature->Meta);
 				facts.outcomes.push_back({event->Name, displayName(event->Name), textsOf(documented)});
 				for (const FParameter& parameter : event->Signature->Parameters)
 				{
@@ -156,7 +159,7 @@ namespace Program
 
 		NodeFacts eventFacts(const UClass& owner, const FMulticastDelegateProperty& event)
 		{
-			const Documented documented(event.Name, event.Meta, owner);
+			const Documented documented(event.Name, event.Meta, owner, event.Signature->Meta);
 			NodeFacts facts{NodeKind::Event, std::string(owner.GetName()) + "." + event.Name, displayName(event.Name), "Custom Event",
 				FindMeta(event.Meta, "Category"), textsOf(documented), {}, {}};
 			for (const FParameter& parameter : event.Signature->Parameters)

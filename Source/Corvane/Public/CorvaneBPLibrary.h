@@ -23,6 +23,14 @@ class UCorvaneRequestCompleteObject;
 //Delegates
 DECLARE_DYNAMIC_MULTICAST_DELEGATE_SixParams(FhttpRequestCompleteDelegate, const FString, dataString, const TArray<FString>&, dataArray,
 	const TArray<FString>&, header, int32, statusCode, const TArray<uint8>&, byteData, const FString, requestID);
+/**
+ * Information of a Drive file.
+ * @param fileName  empty when the request failed.
+ * @param fileSizeInBytes  0 when the request failed.
+ * @param statusCode  200; the server's or that of the system itself when the request failed; 452 for a page that cannot be read.
+ * @param downloadID  names the file.
+ * @param requestID  the ID that the request was built with.
+ */
 DECLARE_DYNAMIC_MULTICAST_DELEGATE_FiveParams(FhttpRequestCompleteGoogleInfoDelegate, const FString, fileName, int64, fileSizeInBytes,
 	int32, statusCode, const FString, downloadID, const FString, requestID);
 DECLARE_DYNAMIC_MULTICAST_DELEGATE_FiveParams(
@@ -32,8 +40,20 @@ DECLARE_DYNAMIC_MULTICAST_DELEGATE_FiveParams(
 // FhttpFileProgressDelegate onhttpFileProgressDelegate;
 DECLARE_DYNAMIC_MULTICAST_DELEGATE_FiveParams(
 	FhttpFileDownloadDelegate, float, size, float, megaBytesReceived, float, percentDownload, float, megaBit, const FString, requestID);
+/**
+ * How far the body of a request has been sent.
+ * @param size  Filesize in Byte
+ * @param bytesSent  2147483647 at most.
+ * @param percentUpload  0 to 100.
+ * @param requestID  the ID that the request was built with; cancelRequest takes it.
+ */
 DECLARE_DYNAMIC_MULTICAST_DELEGATE_FourParams(
 	FhttpFileUploadDelegate, float, size, int32, bytesSent, float, percentUpload, const FString, requestID);
+/**
+ * A piece of the body of a response.
+ * @param response  what has arrived since the last piece; it may hold half an event or several.
+ * @param requestID  the ID that the request was built with; cancelRequest takes it.
+ */
 DECLARE_DYNAMIC_MULTICAST_DELEGATE_TwoParams(FhttpServerSendEventDelegate, const FString, response, const FString, requestID);
 
 /** What a record asks for. Scripts save the numbers. */
@@ -171,14 +191,7 @@ public:
 	UPROPERTY(BlueprintAssignable, Category = "Corvane|Events|RequestComplete")
 	FhttpRequestCompleteDelegate onhttpRequestCompleteDelegate;
 
-	/**
-	 * Raised once for each request for the information of a Drive file.
-	 * @param fileName  empty when the request failed.
-	 * @param fileSizeInBytes  0 when the request failed.
-	 * @param statusCode  200; the server's or that of the system itself when the request failed; 452 for a page that cannot be read.
-	 * @param downloadID  names the file.
-	 * @param requestID  the ID that the request was built with.
-	 */
+	/** Raised once for each request for the information of a Drive file. */
 	UPROPERTY(BlueprintAssignable, Category = "Corvane|Events|RequestCompleteGoogleInfo")
 	FhttpRequestCompleteGoogleInfoDelegate onhttpRequestCompleteGoogleInfoDelegate;
 
@@ -193,21 +206,11 @@ public:
 	UPROPERTY(BlueprintAssignable, Category = "Corvane|Events|Download")
 	FhttpFileDownloadDelegate onhttpFileDownloadDelegate;
 
-	/**
-	 * Raised again and again while the body of a request is sent.
-	 * @param size  Filesize in Byte
-	 * @param bytesSent  2147483647 at most.
-	 * @param percentUpload  0 to 100.
-	 * @param requestID  the ID that the request was built with; cancelRequest takes it.
-	 */
+	/** Raised again and again while the body of a request is sent. */
 	UPROPERTY(BlueprintAssignable, Category = "Corvane|Events|Upload")
 	FhttpFileUploadDelegate onhttpFileUploadDelegate;
 
-	/**
-	 * Raised for each piece of the body of a request that was built with bindServerSendEvent.
-	 * @param response  what has arrived since the last piece; it may hold half an event or several.
-	 * @param requestID  the ID that the request was built with; cancelRequest takes it.
-	 */
+	/** Raised for each piece of the body of a request that was built with bindServerSendEvent. */
 	UPROPERTY(BlueprintAssignable, Category = "Corvane|Events|ServerSendEvent")
 	FhttpServerSendEventDelegate onhttpServerSendEventDelegate;
 
@@ -241,7 +244,7 @@ public:
 	void httpServerSendEventDelegate(const FString response, const FString requestID);
 
 	/** @return the object that carries the events; null before the module's classes are set up. */
-	UFUNCTION(BlueprintCallable, Category = "Corvane", meta = (ToolTip = "Return a Target for the Events"))
+	UFUNCTION(BlueprintCallable, Category = "Corvane|Events", meta = (ToolTip = "Return a Target for the Events"))
 	static UCorvaneBPLibrary* getCorvaneTarget();
 
 	/**
@@ -249,7 +252,7 @@ public:
 	 * @param httpRequests  from the builders; an empty array starts nothing.
 	 * @param CorvaneTarget  the object that carries the events.
 	 */
-	UFUNCTION(BlueprintCallable, Category = "Corvane",
+	UFUNCTION(BlueprintCallable, Category = "Corvane|Requests",
 		meta = (ToolTip = "Starts all HTTP requests of the array at once. The results arrive at the events of the target."))
 	static void executeHttpRequests(TArray<FhttpRequest> httpRequests, UCorvaneBPLibrary*& CorvaneTarget);
 
@@ -350,7 +353,7 @@ public:
 	UFUNCTION(BlueprintCallable, Category = "Corvane|File Upload",
 		meta = (AutoCreateRefTerm = "otherHttpRequests,header,POSTData",
 			ToolTip =
-				"Send a file to a Webserver.\n@param fileID name equivalent to <input type=\"file\" name=\"myFile\"> from an html upload\n@param requestID Optional parameter. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response."))
+				"Send a file to a Webserver.\n@param fileID name equivalent to <input type=\"file\" name=\"myFile\"> from an html upload\n@param optionalRequestID Your own RequestID. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response.\n@param requestID Optional parameter. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response."))
 	static int32 CreateHttpRequestFileUploadPOST(TArray<FhttpRequest> otherHttpRequests, FString url, TMap<FString, FString> header,
 		EHTTPCorvFileUpload directoryType, FString filePath, FString fileID, TMap<FString, FString> POSTData, FString optionalRequestID,
 		TArray<FhttpRequest>& httpRequests, FString& requestID);
@@ -364,7 +367,7 @@ public:
 	UFUNCTION(BlueprintCallable, Category = "Corvane|File Upload",
 		meta = (AutoCreateRefTerm = "otherHttpRequests,header",
 			ToolTip =
-				"Send a file to a Webserver.\n@param fileID name equivalent to <input type=\"file\" name=\"myFile\"> from an html upload\n@param uploadType PUT: The whole file is read into memory. PUT Stream (Blank): Only the file is written into the body. The headers fileid, filename, fileformat, mimetype are added. PUT Stream (Multipart): With this option a header is created which goes with a trick into the body and writes the necessary information of the file into the body. The closing information is written into the file. After the upload is finished or canceled it is removed from the file again. PUT Stream (Copy): Like Multipart, but the closing information is written into a copy of the file, which is deleted after the upload. Copying a large file can freeze the game because it happens on the game thread.\n@param requestID Optional parameter. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response."))
+				"Send a file to a Webserver.\n@param fileID name equivalent to <input type=\"file\" name=\"myFile\"> from an html upload\n@param uploadType PUT: The whole file is read into memory. PUT Stream (Blank): Only the file is written into the body. The headers fileid, filename, fileformat, mimetype are added. PUT Stream (Multipart): With this option a header is created which goes with a trick into the body and writes the necessary information of the file into the body. The closing information is written into the file. After the upload is finished or canceled it is removed from the file again. PUT Stream (Copy): Like Multipart, but the closing information is written into a copy of the file, which is deleted after the upload. Copying a large file can freeze the game because it happens on the game thread.\n@param optionalRequestID Your own RequestID. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response.\n@param requestID Optional parameter. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response."))
 	static int32 CreateHttpRequestFileUploadPUT(TArray<FhttpRequest> otherHttpRequests, FString url, TMap<FString, FString> header,
 		EHTTPCorvFileUpload directoryType, FString filePath, FString fileID, EHTTPCorvFileUploadType uploadType, FString optionalRequestID,
 		TArray<FhttpRequest>& httpRequests, FString& requestID);
@@ -377,7 +380,7 @@ public:
 	UFUNCTION(BlueprintCallable, Category = "Corvane|File Upload",
 		meta = (AutoCreateRefTerm = "otherHttpRequests,header,filePaths,fileIDs,POSTData",
 			ToolTip =
-				"Send multiple files to a Webserver in one request.\n@param fileIDs One name for each file, equivalent to <input type=\"file\" name=\"myFile\"> from an html upload\n@param requestID Optional parameter. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response."))
+				"Send multiple files to a Webserver in one request.\n@param fileIDs One name for each file, equivalent to <input type=\"file\" name=\"myFile\"> from an html upload\n@param optionalRequestID Your own RequestID. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response.\n@param requestID Optional parameter. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response."))
 	static int32 CreateHttpRequestFileMultiUploadPOST(TArray<FhttpRequest> otherHttpRequests, FString url, TMap<FString, FString> header,
 		EHTTPCorvFileUpload directoryType, TArray<FString> filePaths, TArray<FString> fileIDs, TMap<FString, FString> POSTData,
 		FString optionalRequestID, TArray<FhttpRequest>& httpRequests, FString& requestID);
@@ -386,7 +389,7 @@ public:
 	UFUNCTION(BlueprintCallable, Category = "Corvane|File Upload",
 		meta = (AutoCreateRefTerm = "otherHttpRequests,header,filePaths,fileIDs",
 			ToolTip =
-				"Send multiple files to a Webserver in one request.\n@param fileIDs One name for each file, equivalent to <input type=\"file\" name=\"myFile\"> from an html upload\n@param requestID Optional parameter. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response."))
+				"Send multiple files to a Webserver in one request.\n@param fileIDs One name for each file, equivalent to <input type=\"file\" name=\"myFile\"> from an html upload\n@param optionalRequestID Your own RequestID. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response.\n@param requestID Optional parameter. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response."))
 	static int32 CreateHttpRequestFileMultiUploadPUT(TArray<FhttpRequest> otherHttpRequests, FString url, TMap<FString, FString> header,
 		EHTTPCorvFileUpload directoryType, TArray<FString> filePaths, TArray<FString> fileIDs, FString optionalRequestID,
 		TArray<FhttpRequest>& httpRequests, FString& requestID);
@@ -488,8 +491,8 @@ public:
 	 * Asks a running request to stop: it then completes as failed. The mark of an ID that does not run waits for it, and
 	 * goes when a request of that ID is started.
 	 */
-	UFUNCTION(
-		BlueprintCallable, Category = "Corvane", meta = (ToolTip = "Cancels a running HTTP request.\n@param requestID ID of the request"))
+	UFUNCTION(BlueprintCallable, Category = "Corvane|Requests",
+		meta = (ToolTip = "Cancels a running HTTP request.\n@param requestID ID of the request"))
 	static void cancelRequest(FString requestID);
 
 	/** @return the text's UTF-8 bytes, those outside A-Z a-z 0-9 - _ . ~ as %XX. Thread: any. */

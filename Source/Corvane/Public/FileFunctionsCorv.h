@@ -118,7 +118,7 @@ public:
 
 	/**
 	 * Writes bytes behind those of a file; a missing file and its directories are made.
-	 * @param success  false leaves the file with the bytes it had.
+	 * @param success  false leaves the file with the bytes it had, and none where there was none.
 	 */
 	UFUNCTION(BlueprintCallable, Category = "Corvane|File",
 		meta = (AutoCreateRefTerm = "bytes", ToolTip = "Append bytes to a file. A missing file is created."))
@@ -168,8 +168,8 @@ public:
 	 * Cuts a file into consecutive parts of equal size, the last of which also has what is left over. The source stays.
 	 * Part number i is named like the source with "_i" behind the base name, wherever that name occurs in the path, in any
 	 * case: also in the name of a directory, which then must exist. Existing parts are replaced. The outputs are appended to.
-	 * @param success  false when the file cannot be read, has no more bytes than parts, has no base name (".env"), a part
-	 * would have 2 GiB or more, or a part cannot be written; earlier parts then stay, and the entries of the failed one.
+	 * @param success  false when the file cannot be read, has no more bytes than parts, has no base name (".env"), or a part
+	 * cannot be written; earlier parts then stay, and the entries of the failed one.
 	 * @param absolutePathsOfTheParts  one entry for each part, in order.
 	 * @param sizeOfTheParts  bytes of each part but the last.
 	 * @param parts  less than 1 is 1.

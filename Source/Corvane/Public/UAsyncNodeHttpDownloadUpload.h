@@ -6,6 +6,7 @@
 
 #include "UAsyncNodeHttpDownloadUpload.generated.h"
 
+/** How a download or an upload ended, as onhttpRequestCompleteDelegate tells it, without the bytes. */
 DECLARE_DYNAMIC_MULTICAST_DELEGATE_FiveParams(FAsyncNodeHttpDownloadUploadCompleteDelegate, const FString, dataString,
 	const TArray<FString>&, dataArray, const TArray<FString>&, header, int32, statusCode, const FString, requestID);
 
@@ -57,7 +58,7 @@ public:
 	UFUNCTION(BlueprintCallable, Category = "Corvane|File Upload",
 		meta = (BlueprintInternalUseOnly = "true", AutoCreateRefTerm = "otherHttpRequests,header,POSTData",
 			ToolTip =
-				"Send a file to a Webserver.\n@param fileID name equivalent to <input type=\"file\" name=\"myFile\"> from an html upload\n@param requestID Optional parameter. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response."))
+				"Send a file to a Webserver.\n@param fileID name equivalent to <input type=\"file\" name=\"myFile\"> from an html upload\n@param optionalRequestID Your own RequestID. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response.\n@param requestID Optional parameter. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response."))
 	static UAsyncNodeHttpDownloadUpload* AsyncExecuteHTTP_Upload_POST_REQUEST(FString url, TMap<FString, FString> header,
 		EHTTPCorvFileUpload DirectoryType, FString filePath, FString fileID, TMap<FString, FString> POSTData, FString optionalRequestID);
 
@@ -65,7 +66,7 @@ public:
 	UFUNCTION(BlueprintCallable, Category = "Corvane|File Upload",
 		meta = (BlueprintInternalUseOnly = "true", AutoCreateRefTerm = "otherHttpRequests,header",
 			ToolTip =
-				"Send a file to a Webserver.\n@param fileID name equivalent to <input type=\"file\" name=\"myFile\"> from an html upload\n@param uploadType PUT: The whole file is read into memory. PUT Stream (Blank): Only the file is written into the body. The headers fileid, filename, fileformat, mimetype are added. PUT Stream (Multipart): With this option a header is created which goes with a trick into the body and writes the necessary information of the file into the body. The closing information is written into the file. After the upload is finished or canceled it is removed from the file again. PUT Stream (Copy): Like Multipart, but the closing information is written into a copy of the file, which is deleted after the upload. Copying a large file can freeze the game because it happens on the game thread.\n@param requestID Optional parameter. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response."))
+				"Send a file to a Webserver.\n@param fileID name equivalent to <input type=\"file\" name=\"myFile\"> from an html upload\n@param uploadType PUT: The whole file is read into memory. PUT Stream (Blank): Only the file is written into the body. The headers fileid, filename, fileformat, mimetype are added. PUT Stream (Multipart): With this option a header is created which goes with a trick into the body and writes the necessary information of the file into the body. The closing information is written into the file. After the upload is finished or canceled it is removed from the file again. PUT Stream (Copy): Like Multipart, but the closing information is written into a copy of the file, which is deleted after the upload. Copying a large file can freeze the game because it happens on the game thread.\n@param optionalRequestID Your own RequestID. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response.\n@param requestID Optional parameter. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response."))
 	static UAsyncNodeHttpDownloadUpload* AsyncExecuteHTTP_Upload_PUT_REQUEST(FString url, TMap<FString, FString> header,
 		EHTTPCorvFileUpload DirectoryType, FString filePath, FString fileID, EHTTPCorvFileUploadType uploadType, FString optionalRequestID);
 
@@ -73,7 +74,7 @@ public:
 	UFUNCTION(BlueprintCallable, Category = "Corvane|File Upload",
 		meta = (BlueprintInternalUseOnly = "true", AutoCreateRefTerm = "otherHttpRequests,header,POSTData",
 			ToolTip =
-				"Send multiple files to a Webserver in one request.\n@param fileIDs One name for each file, equivalent to <input type=\"file\" name=\"myFile\"> from an html upload\n@param requestID Optional parameter. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response."))
+				"Send multiple files to a Webserver in one request.\n@param fileIDs One name for each file, equivalent to <input type=\"file\" name=\"myFile\"> from an html upload\n@param optionalRequestID Your own RequestID. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response.\n@param requestID Optional parameter. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response."))
 	static UAsyncNodeHttpDownloadUpload* AsyncExecuteHTTP_Multi_Upload_POST_REQUEST(FString url, TMap<FString, FString> header,
 		EHTTPCorvFileUpload DirectoryType, TArray<FString> filePaths, TArray<FString> fileIDs, TMap<FString, FString> POSTData,
 		FString optionalRequestID);
@@ -82,7 +83,7 @@ public:
 	UFUNCTION(BlueprintCallable, Category = "Corvane|File Upload",
 		meta = (BlueprintInternalUseOnly = "true", AutoCreateRefTerm = "otherHttpRequests,header",
 			ToolTip =
-				"Send multiple files to a Webserver in one request.\n@param fileIDs One name for each file, equivalent to <input type=\"file\" name=\"myFile\"> from an html upload\n@param requestID Optional parameter. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response."))
+				"Send multiple files to a Webserver in one request.\n@param fileIDs One name for each file, equivalent to <input type=\"file\" name=\"myFile\"> from an html upload\n@param optionalRequestID Your own RequestID. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response.\n@param requestID Optional parameter. It will be output again in the httpRequestComplete event. This allows the request being assigned to the response."))
 	static UAsyncNodeHttpDownloadUpload* AsyncExecuteHTTP_Multi_Upload_PUT_REQUEST(FString url, TMap<FString, FString> header,
 		EHTTPCorvFileUpload DirectoryType, TArray<FString> filePaths, TArray<FString> fileIDs, FString optionalRequestID);
 

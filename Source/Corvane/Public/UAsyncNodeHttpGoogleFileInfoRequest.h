@@ -6,6 +6,7 @@
 
 #include "UAsyncNodeHttpGoogleFileInfoRequest.generated.h"
 
+/** Information of a Drive file, as onhttpRequestCompleteGoogleInfoDelegate tells it. */
 DECLARE_DYNAMIC_MULTICAST_DELEGATE_FiveParams(FAsyncNodeGoogleInfoRequestCompleteDelegate, const FString, fileName, int64, fileSizeInBytes,
 	int32, statusCode, const FString, downloadID, const FString, requestID);
 

@@ -6,6 +6,10 @@
 
 #include "UAsyncNodeHttpRequest.generated.h"
 
+/**
+ * How a request ended, as onhttpRequestCompleteDelegate tells it.
+ * @param data  the body's lines, cut at CR LF, empty ones dropped.
+ */
 DECLARE_DYNAMIC_MULTICAST_DELEGATE_SixParams(FAsyncNodeHttpRequestCompleteDelegate, const FString, dataString, const TArray<FString>&, data,
 	const TArray<FString>&, header, int32, statusCode, const TArray<uint8>&, byteData, const FString, requestID);
 
@@ -22,10 +26,7 @@ class CORVANE_API UAsyncNodeHttpRequest : public UAsyncNodeCorv
 	GENERATED_BODY()
 
 public:
-	/**
-	 * The request ended with a status from 1 to 399. The pins are those of onhttpRequestCompleteDelegate.
-	 * @param data  the body's lines, cut at CR LF, empty ones dropped.
-	 */
+	/** The request ended with a status from 1 to 399. The pins are those of onhttpRequestCompleteDelegate. */
 	UPROPERTY(BlueprintAssignable)
 	FAsyncNodeHttpRequestCompleteDelegate OnSuccess;
 

@@ -28,6 +28,12 @@ struct SAMPLE_API FSampleRecord
 	TArray<int32> kept = {1, 2, 3};
 };
 
+/**
+ * It is over.
+ * @param message  what became of it.
+ */
 DECLARE_DYNAMIC_MULTICAST_DELEGATE_TwoParams(FSampleDoneDelegate, const FString, message, const TArray<FString>&, lines);
+// One step.
+// There are more.
 DECLARE_DYNAMIC_MULTICAST_DELEGATE_FourParams(
 	FSampleStepDelegate, int64, bytes, ESampleKind, kind, USampleLibrary*, library, FSampleRecord, record);

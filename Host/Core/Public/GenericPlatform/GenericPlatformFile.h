@@ -39,9 +39,12 @@ public:
 
 	/** @return whether there was a file that is gone now; a read-only one stays. */
 	bool DeleteFile(const TCHAR* Filename);
-	/** Never replaces a target. */
+	/** Replaces a target. */
 	bool MoveFile(const TCHAR* To, const TCHAR* From);
-	/** Fails when the target exists; what was written by a copy that fails is removed. The copy can be written to. */
+	/**
+	 * Fails when the target exists or cannot be made. A copy that a full disk has cut short counts as made: whoever needs all
+	 * of it compares the sizes. The copy can be written to.
+	 */
 	bool CopyFile(const TCHAR* To, const TCHAR* From);
 
 	/** Makes one level. @return whether the directory is there now. */

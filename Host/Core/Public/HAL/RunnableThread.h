@@ -9,7 +9,8 @@ class FRunnableThread
 {
 public:
 	/**
-	 * Starts a thread; a finished system thread is taken again when there is one, so this is cheap.
+	 * Starts a thread; a finished system thread is taken again when there is one, so this is cheap. Those that nobody wants
+	 * end after some seconds.
 	 * @param Runnable  must outlive the thread.
 	 * @return null when the system has no thread to give. Run may already be executing.
 	 * @note Thread: any.

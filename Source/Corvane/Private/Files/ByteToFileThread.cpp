@@ -37,15 +37,22 @@ namespace CorvaneByteToFile
 		return true;
 	}
 
+	/** A part of the bytes must not pass for the file: E_NOT_OVERWRITE would keep it for ever. */
 	static bool append(const FString& Path, const TArray<uint8>& Bytes)
 	{
-		const TUniquePtr<FArchive> Writer(IFileManager::Get().CreateFileWriter(*Path, FILEWRITE_Append));
+		TUniquePtr<FArchive> Writer(IFileManager::Get().CreateFileWriter(*Path, FILEWRITE_Append));
 		if (!Writer.IsValid())
 		{
 			return false;
 		}
 		Writer->Serialize(const_cast<uint8*>(Bytes.GetData()), Bytes.Num());
-		return Writer->Close();
+		const bool bDone = Writer->Close();
+		Writer.Reset(); // some systems delete no open file
+		if (!bDone)
+		{
+			IFileManager::Get().Delete(*Path);
+		}
+		return bDone;
 	}
 } // namespace CorvaneByteToFile
 

@@ -54,8 +54,12 @@ int64 UFileFunctionsCorv::fileSize(EFileFunctionsCorvDirectoryType InDirectoryTy
 bool UFileFunctionsCorv::moveFile(EFileFunctionsCorvDirectoryType InDirectoryTypeTo, FString InFilePathTo,
 	EFileFunctionsCorvDirectoryType InDirectoryTypeFrom, FString InFilePathFrom)
 {
-	return CorvaneFileFunctions::files().MoveFile(
-		*getCleanDirectory(InDirectoryTypeTo, InFilePathTo), *getCleanDirectory(InDirectoryTypeFrom, InFilePathFrom));
+	const FString To = getCleanDirectory(InDirectoryTypeTo, InFilePathTo);
+	if (FPaths::FileExists(To) || FPaths::DirectoryExists(To))
+	{
+		return false; // some systems' own move would replace it
+	}
+	return CorvaneFileFunctions::files().MoveFile(*To, *getCleanDirectory(InDirectoryTypeFrom, InFilePathFrom));
 }
 
 bool UFileFunctionsCorv::isReadOnly(EFileFunctionsCorvDirectoryType InDirectoryType, FString InFilePath)

@@ -4,15 +4,22 @@
 #include "HAL/FileManager.h"
 #include "HAL/PlatformFileManager.h"
 #include "Misc/FileHelper.h"
+#include "Misc/Paths.h"
 #include "Serialization/Archive.h"
 
 namespace CorvaneReadAndWrite
 {
-	/** Takes away what a failed write left behind the bytes that a file had. */
-	static void cutBack(const FString& Path, int64 Size)
+	/** Takes away what a failed write left: all that stands behind the bytes that a file had, or a file that was not there. */
+	static void undo(const FString& Path, bool bWasThere, int64 Size)
 	{
+		IPlatformFile& Files = FPlatformFileManager::Get().GetPlatformFile();
+		if (!bWasThere)
+		{
+			Files.DeleteFile(*Path);
+			return;
+		}
 		constexpr bool bAppend = true;
-		const TUniquePtr<IFileHandle> File(FPlatformFileManager::Get().GetPlatformFile().OpenWrite(*Path, bAppend));
+		const TUniquePtr<IFileHandle> File(Files.OpenWrite(*Path, bAppend));
 		if (File.IsValid())
 		{
 			File->Truncate(Size);
@@ -67,7 +74,8 @@ void UFileFunctionsCorv::addBytesToFile(
 {
 	OutSuccess = false;
 	const FString Path = getCleanDirectory(InDirectoryType, InFilePath);
-	const TUniquePtr<FArchive> Writer(IFileManager::Get().CreateFileWriter(*Path, FILEWRITE_Append));
+	const bool bWasThere = FPaths::FileExists(Path);
+	TUniquePtr<FArchive> Writer(IFileManager::Get().CreateFileWriter(*Path, FILEWRITE_Append));
 	if (!Writer.IsValid())
 	{
 		return;
@@ -76,8 +84,9 @@ void UFileFunctionsCorv::addBytesToFile(
 	Writer->Seek(SizeBefore);
 	Writer->Serialize(const_cast<uint8*>(InBytes.GetData()), InBytes.Num()); // a writer only reads
 	OutSuccess = Writer->Close();
+	Writer.Reset(); // some systems delete no open file
 	if (!OutSuccess)
 	{
-		CorvaneReadAndWrite::cutBack(Path, SizeBefore);
+		CorvaneReadAndWrite::undo(Path, bWasThere, SizeBefore);
 	}
 }

@@ -26,13 +26,22 @@ namespace CorvaneSplitFile
 		return FPaths::DirectoryExists(FPaths::GetPath(Path) + TEXT("/")); // the root's own path is empty without the slash
 	}
 
+	/** Written through, an existing part might turn out to be a link to the source. */
+	static bool makeRoom(const FString& Path)
+	{
+		constexpr bool bRequireExists = false;
+		constexpr bool bEvenReadOnly = false;
+		constexpr bool bQuiet = true;
+		return IFileManager::Get().Delete(*Path, bRequireExists, bEvenReadOnly, bQuiet);
+	}
+
 	/**
 	 * Copies the reader's next bytes to a part. Piece by piece: fresh memory for a whole part would cost more time than
 	 * the copying.
 	 */
 	static bool writePart(FArchive& Reader, int64 Size, const FString& Path, FPiece& Piece)
 	{
-		const TUniquePtr<FArchive> Part(hasDirectory(Path) ? IFileManager::Get().CreateFileWriter(*Path) : nullptr);
+		const TUniquePtr<FArchive> Part(hasDirectory(Path) && makeRoom(Path) ? IFileManager::Get().CreateFileWriter(*Path) : nullptr);
 		for (int64 Left = Size; Part.IsValid() && Left > 0; Left -= pieceSize)
 		{
 			const int64 Number = FMath::Min<int64>(Left, pieceSize);
@@ -61,10 +70,6 @@ void UFileFunctionsCorv::splitFile(bool& OutSuccess, TArray<FString>& OutAbsolut
 	}
 	const int64 PartSize = Reader->TotalSize() / (Last + 1);
 	const int64 LastPartSize = Reader->TotalSize() - Last * PartSize;
-	if (LastPartSize > MAX_int32)
-	{
-		return; // no script could read that part
-	}
 	const TUniquePtr<CorvaneSplitFile::FPiece> Piece = MakeUnique<CorvaneSplitFile::FPiece>();
 	for (int32 Index = 0; Index <= Last; ++Index)
 	{

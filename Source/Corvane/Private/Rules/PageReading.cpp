@@ -28,6 +28,26 @@ namespace CorvanePageReading
 		return without(Text, TEXT("\""));
 	}
 
+	/** The first fields of a list, empty ones not counted; a page may have millions behind them. */
+	static TArray<FString> firstFields(const FString& List, int32 Number)
+	{
+		TArray<FString> Fields;
+		int32 Start = 0;
+		for (int32 End = 0; End <= List.Len() && Fields.Num() < Number; ++End)
+		{
+			if (End < List.Len() && List[End] != TEXT(','))
+			{
+				continue;
+			}
+			if (End > Start)
+			{
+				Fields.Add(List.Mid(Start, End - Start));
+			}
+			Start = End + 1;
+		}
+		return Fields;
+	}
+
 	static int64 toBytes(float Value)
 	{
 		constexpr float beyondInt64 = 9223372036854775808.0f;
@@ -47,16 +67,18 @@ FCorvFileInfo CorvaneRules::readFileInfo(const FString& Page)
 	constexpr int32 sizeField = 27;
 	FCorvFileInfo Info;
 	FString List;
-	TArray<FString> Fields;
-	if (Page.Split(TEXT("itemJson:"), nullptr, &List))
+	Page.Split(TEXT("itemJson:"), nullptr, &List);
+	const TArray<FString> Fields = firstFields(List, sizeField + 1);
+	if (Fields.Num() <= sizeField)
 	{
-		List.ParseIntoArray(Fields, TEXT(","));
+		return Info;
 	}
-	if (Fields.Num() > sizeField)
+	const int64 Size = FCString::Atoi64(*without(withoutQuotes(Fields[sizeField]), TEXT("]")));
+	if (Size >= 0) // no file has fewer bytes than none
 	{
 		Info.bReadable = true;
 		Info.name = withoutQuotes(Fields[nameField]);
-		Info.size = FCString::Atoi64(*without(withoutQuotes(Fields[sizeField]), TEXT("]")));
+		Info.size = Size;
 	}
 	return Info;
 }

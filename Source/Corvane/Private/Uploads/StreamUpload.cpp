@@ -33,6 +33,12 @@ namespace CorvaneStreamUpload
 		return CopyPath;
 	}
 
+	/** A copy that a full disk has cut short looks made until its size is asked for. */
+	static bool isWhole(const FString& PathToSend, const FString& Path)
+	{
+		return IFileManager::Get().FileSize(*PathToSend) == IFileManager::Get().FileSize(*Path);
+	}
+
 	/** @return null also for a missing file: the writer would make one, and an empty file would be uploaded. */
 	static FArchive* openToAppend(const FString& Path)
 	{
@@ -105,7 +111,8 @@ bool UCorvaneBPLibrary::fillUploadStream(FhttpRequest& InOutRequest, IHttpReques
 		return false;
 	}
 	InOutRequest.filePath = CorvaneStreamUpload::pathToSend(InOutRequest, File.path);
-	if (CorvaneStreamUpload::send(*this, InOutRequest, File, OutHttpRequest))
+	if (CorvaneStreamUpload::isWhole(InOutRequest.filePath, File.path) &&
+		CorvaneStreamUpload::send(*this, InOutRequest, File, OutHttpRequest))
 	{
 		return true;
 	}

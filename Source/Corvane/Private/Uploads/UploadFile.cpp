@@ -1,6 +1,8 @@
 #include "Uploads/UploadFile.h"
 
 #include "FileFunctionsCorv.h"
+#include "GenericPlatform/GenericPlatformFile.h"
+#include "HAL/PlatformFileManager.h"
 #include "Misc/Paths.h"
 #include "Uploads/UploadFiles.h"
 
@@ -12,13 +14,14 @@ bool CorvaneUpload::find(UCorvaneBPLibrary& Library, EHTTPCorvFileUpload Directo
 		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: File not found: %s"), *File.path);
 		return false;
 	}
+	File.name = FPaths::GetCleanFilename(File.path); // as the script spells it
+	File.path = FPlatformFileManager::Get().GetPlatformFile().GetFilenameOnDisk(*File.path);
 	if (Library.uploadFileList().isChanged(File.path))
 	{
 		logStillOpen(File.path);
 		return false;
 	}
-	File.name = FPaths::GetCleanFilename(File.path);
-	File.extension = FPaths::GetExtension(File.path);
+	File.extension = FPaths::GetExtension(File.name);
 	File.mimeType = Library.getMimeTypeInternal(File.extension);
 	return true;
 }

@@ -5,7 +5,7 @@
 /** A file that is to be uploaded, as it is described to the server. */
 struct FCorvUploadFile
 {
-	FString path; // full
+	FString path; // full, spelled as on disk
 	FString name; // with its extension, without directories
 	FString extension; // without the dot
 	FString mimeType;

@@ -6,19 +6,19 @@ void FCorvUploadFiles::begin(FhttpRequest Record)
 {
 	Record.setRequestCompleteObject(nullptr); // it belongs to the game thread
 	FScopeLock Lock(&lock);
-	running.Add(Record.filePath, Record);
+	running.Add(Record);
 }
 
 void FCorvUploadFiles::forget(const FString& Path)
 {
 	FScopeLock Lock(&lock);
-	running.Remove(Path);
+	removeRunning(Path);
 }
 
 void FCorvUploadFiles::waitForRepair(const FString& Path)
 {
 	FScopeLock Lock(&lock);
-	running.Remove(Path);
+	removeRunning(Path);
 	blockedFiles.Add(Path);
 }
 
@@ -37,16 +37,30 @@ bool FCorvUploadFiles::isWaitingForRepair(const FString& Path) const
 bool FCorvUploadFiles::isChanged(const FString& Path) const
 {
 	FScopeLock Lock(&lock);
-	return running.Contains(Path) || blockedFiles.Contains(Path);
+	return indexOfRunning(Path) != INDEX_NONE || blockedFiles.Contains(Path);
 }
 
 TArray<FhttpRequest> FCorvUploadFiles::unfinished() const
 {
-	TArray<FhttpRequest> Records;
 	FScopeLock Lock(&lock);
-	for (const TPair<FString, FhttpRequest>& Upload : running)
+	return running;
+}
+
+int32 FCorvUploadFiles::indexOfRunning(const FString& Path) const
+{
+	int32 Index = running.Num() - 1;
+	while (Index >= 0 && !running[Index].filePath.Equals(Path))
 	{
-		Records.Add(Upload.Value);
+		--Index;
 	}
-	return Records;
+	return Index; // INDEX_NONE is -1
+}
+
+void FCorvUploadFiles::removeRunning(const FString& Path)
+{
+	const int32 Index = indexOfRunning(Path);
+	if (Index != INDEX_NONE)
+	{
+		running.RemoveAt(Index);
+	}
 }

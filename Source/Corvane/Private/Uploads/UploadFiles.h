@@ -5,7 +5,8 @@
 
 /**
  * The files that uploads have changed on disk: those whose upload runs, and those that wait for their repair. Nobody may
- * upload such a file a second time, for its end is not the user's. Paths are compared without regard to case. Thread: any.
+ * upload such a file a second time, for its end is not the user's. Paths are spelled as on disk, and of running uploads
+ * told apart by case, for two of them may name two files; what waits for its repair is asked for in any case. Thread: any.
  */
 class FCorvUploadFiles
 {
@@ -26,7 +27,10 @@ public:
 	TArray<FhttpRequest> unfinished() const;
 
 private:
+	int32 indexOfRunning(const FString& path) const;
+	void removeRunning(const FString& path);
+
 	mutable FCriticalSection lock;
-	TMap<FString, FhttpRequest> running; // by path; the records hold no completion object
+	TArray<FhttpRequest> running; // the records hold no completion object
 	TArray<FString> blockedFiles; // a path once for each of its repairs
 };
