@@ -71,7 +71,7 @@ def parse(build):
     roots += [ROOT / "Host" / library / "Public" for library in ("Core", "CoreUObject", "Engine", "HTTP")]
     roots += [build / "Source/Corvane/Generated/Corvane", build / "Host/Engine/Generated/Engine"]
     unit = "".join(f'#include "{file}"\n' for file in module_files())
-    parsed = cindex.Index.create().parse("unit.cpp", ["-std=c++20", "-DCORVANE_API=", *(f"-I{root}" for root in roots)],
+    parsed = cindex.Index.create().parse("unit.cpp", ["-std=c++20", "-DCORVANE_API=", "-DCORVANE_HTTP_SENDS_ALL_VERBS=0", *(f"-I{root}" for root in roots)],
         [("unit.cpp", unit)], cindex.TranslationUnit.PARSE_DETAILED_PROCESSING_RECORD)
     faults = [d for d in parsed.diagnostics if d.severity >= cindex.Diagnostic.Error]
     if faults:

@@ -14,6 +14,7 @@
 #include "HAL/PlatformProcess.h"
 #include "HAL/Runnable.h"
 #include "HAL/RunnableThread.h"
+#include "HAL/UnrealMemory.h"
 #include "HttpModule.h"
 #include "Interfaces/IHttpRequest.h"
 #include "Interfaces/IHttpResponse.h"
@@ -194,6 +195,13 @@ namespace EngineSignatures
 	IS_DECLARED(int64 (FArchive::*)(), FArchive::Tell);
 	IS_DECLARED(bool (FArchive::*)(), FArchive::Close);
 	IS_DECLARED(bool (FArchive::*)() const, FArchive::IsError);
+	IS_DECLARED(void (FArchive::*)(), FArchive::SetError);
+	struct FReader : FArchive
+	{
+		using FArchive::SetIsLoading;
+	};
+	GIVES(void, std::declval<FReader&>().SetIsLoading(true));
+	GIVES(FArchive*, std::declval<TUniquePtr<FArchive>&>().Release());
 	GIVES(IPlatformFile&, FPlatformFileManager::Get().GetPlatformFile());
 	extern IPlatformFile& Disk;
 	GIVES(bool, Disk.FileExists(Name));
@@ -280,12 +288,20 @@ namespace EngineSignatures
 	IS_DECLARED(void (IHttpRequest::*)(const FString&, const FString&), IHttpRequest::SetHeader);
 	IS_DECLARED(void (IHttpRequest::*)(const FString&), IHttpRequest::SetContentAsString);
 	IS_DECLARED(bool (IHttpRequest::*)(const FString&), IHttpRequest::SetContentAsStreamedFile);
+	IS_DECLARED(bool (IHttpRequest::*)(TSharedRef<FArchive, ESPMode::ThreadSafe>), IHttpRequest::SetContentFromStream);
+	IS_DECLARED(bool (IHttpRequest::*)(TSharedRef<FArchive>), IHttpRequest::SetResponseBodyReceiveStream);
+	IS_DECLARED(bool (IHttpRequest::*)(FHttpRequestStreamDelegateV2), IHttpRequest::SetResponseBodyReceiveStreamDelegateV2);
+	IS_DECLARED(void (IHttpRequest::*)(float), IHttpRequest::SetTimeout);
+	IS_DECLARED(void (IHttpRequest::*)(float), IHttpRequest::SetActivityTimeout);
 	IS_DECLARED(void (IHttpRequest::*)(EHttpRequestDelegateThreadPolicy), IHttpRequest::SetDelegateThreadPolicy);
 	IS_DECLARED(bool (IHttpRequest::*)(), IHttpRequest::ProcessRequest);
 	IS_DECLARED(void (IHttpRequest::*)(), IHttpRequest::CancelRequest);
 	IS_DECLARED(const FHttpResponsePtr (IHttpRequest::*)() const, IHttpRequest::GetResponse);
 	IS_DECLARED(FHttpRequestCompleteDelegate& (IHttpRequest::*)(), IHttpRequest::OnProcessRequestComplete);
 	IS_DECLARED(FHttpRequestProgressDelegate64& (IHttpRequest::*)(), IHttpRequest::OnRequestProgress64);
+	IS_DECLARED(FHttpRequestStatusCodeReceivedDelegate& (IHttpRequest::*)(), IHttpRequest::OnStatusCodeReceived);
+	IS_DECLARED(FHttpRequestHeaderReceivedDelegate& (IHttpRequest::*)(), IHttpRequest::OnHeaderReceived);
+	GIVES(void*, FMemory::Memcpy(std::declval<void*>(), std::declval<const void*>(), std::declval<SIZE_T>()));
 	GIVES(void, std::declval<IHttpRequest&>().SetContent(MoveTemp(Bytes)));
 	static_assert(static_cast<int32>(EHttpRequestDelegateThreadPolicy::CompleteOnGameThread) == 0);
 	static_assert(static_cast<int32>(EHttpRequestDelegateThreadPolicy::CompleteOnHttpThread) == 1);
@@ -296,6 +312,8 @@ namespace EngineSignatures
 	public:
 		void complete(FHttpRequestPtr, FHttpResponsePtr, bool);
 		void progress(FHttpRequestPtr, uint64, uint64);
+		void status(FHttpRequestPtr, int32);
+		void stream(void*, int64&);
 		void text(const FString, const FTexts&);
 		void exit();
 	};
@@ -304,6 +322,10 @@ namespace EngineSignatures
 	static_assert(requires(FReceiver * Receiver) { FCoreDelegates::OnPreExit.RemoveAll(Receiver); });
 	GIVES(void, std::declval<FHttpRequestCompleteDelegate&>().BindUObject(std::declval<FReceiver*>(), &FReceiver::complete));
 	GIVES(void, std::declval<FHttpRequestProgressDelegate64&>().BindUObject(std::declval<FReceiver*>(), &FReceiver::progress));
+	GIVES(void, std::declval<FHttpRequestStatusCodeReceivedDelegate&>().BindUObject(std::declval<FReceiver*>(), &FReceiver::status));
+	GIVES(bool, std::declval<const FHttpRequestProgressDelegate64&>().ExecuteIfBound(nullptr, uint64(), uint64()));
+	GIVES(FHttpRequestRef, std::declval<const FHttpRequestPtr&>().ToSharedRef());
+	GIVES(void, std::declval<FHttpRequestStreamDelegateV2&>().BindUObject(std::declval<FReceiver*>(), &FReceiver::stream));
 	DECLARE_DYNAMIC_MULTICAST_DELEGATE_TwoParams(FEngineSignatureEvent, const FString, text, const FTexts&, texts);
 	GIVES(void, std::declval<const FEngineSignatureEvent&>().Broadcast(Text, Texts));
 	GIVES(void, std::declval<FEngineSignatureEvent&>().AddUniqueDynamic(std::declval<FReceiver*>(), &FReceiver::text));

@@ -193,6 +193,7 @@ private:
 	float megabitSpeed = 0;
 	int64 lastProgressTime = 0; // ticks of 100 ns, 0 = never measured
 	uint64 uploadSize = 0; // set before the start
+	uint64 uploadSent = 0; // request worker
 	// What the callbacks learn while the request runs; of this run, as what follows.
 	std::atomic<int32> statusCode{0}; // 0 = none came
 	std::atomic<int64> bodySize{-1}; // that the answer announces; -1 = no answer yet, 0 = it does not say

@@ -79,6 +79,7 @@ void UCorvaneRequestCompleteObject::resetRun()
 	lastProgressTime = 0;
 	megabitSpeed = 0;
 	serverSendEventLastByte = 0;
+	uploadSent = 0;
 	statusCode = 0;
 	bodySize = -1;
 	eventBody = MakeShared<FCorvEventBody>();

@@ -1,4 +1,3 @@
-#include "Completion/CorvTheadJob.h"
 #include "Completion/EventBody.h"
 #include "Completion/GameThreadDelivery.h"
 #include "CorvaneRequestCompleteObject.h"

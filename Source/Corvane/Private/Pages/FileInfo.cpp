@@ -1,6 +1,5 @@
 #include "CorvaneRequestCompleteObject.h"
 
-#include "Completion/CompletionResult.h"
 #include "Completion/GameThreadDelivery.h"
 #include "Rules/PageReading.h"
 
