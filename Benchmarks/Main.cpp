@@ -21,7 +21,7 @@ namespace
 	{
 		std::vector<Command> commands;
 		for (const auto make : {makeSmallGets, makeIdleRequests, makeEventLatency, makeIdleProgram, makeDownloads, makeUploads,
-				 makeNodeOverhead, makeNodeMemory, makeFileMd5, makeFileBase64, makeFileSplit})
+				 makeNodeOverhead, makeNodeMemory, makeWorkerStart, makeFileMd5, makeFileBase64, makeFileSplit})
 		{
 			std::unique_ptr<Workload> workload = make();
 			CLI::App* app = workload->addTo(program);

@@ -33,3 +33,4 @@ std::unique_ptr<Workload> makeDownloads();
 std::unique_ptr<Workload> makeUploads();
 std::unique_ptr<Workload> makeNodeOverhead();
 std::unique_ptr<Workload> makeNodeMemory();
+std::unique_ptr<Workload> makeWorkerStart();

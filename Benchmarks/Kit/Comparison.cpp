@@ -28,9 +28,10 @@ namespace
 	}
 } // namespace
 
-Comparison::Comparison(std::string inTitle, std::string inPeer)
+Comparison::Comparison(std::string inTitle, std::string inPeer, Layout inLayout)
 	: title(std::move(inTitle))
 	, peer(std::move(inPeer))
+	, layout(inLayout)
 {
 }
 
@@ -53,6 +54,25 @@ void Comparison::addPair(const Figures& corvane, const Figures& peerFigures)
 }
 
 void Comparison::print() const
+{
+	layout == Layout::Rows ? printRows() : printBlocks();
+}
+
+void Comparison::printRows() const
+{
+	constexpr const char* row = "  {:<40}{:>12}{:>14}{:>12}{:>12}{:>12}\n";
+	fmt::print("\n{}\n", title);
+	fmt::print(row, "", "Corvane", peer, "quotient", "min", "max");
+	for (const Metric& each : metrics)
+	{
+		const std::vector<double> quotients = Statistics::ratios(each.corvane, each.peer);
+		fmt::print(row, fmt::format("{} [{}]", each.name, each.unit), text(Statistics::median(each.corvane)),
+			text(Statistics::median(each.peer)), text(Statistics::median(quotients)), text(Statistics::quantile(quotients, 0)),
+			text(Statistics::quantile(quotients, 1)));
+	}
+}
+
+void Comparison::printBlocks() const
 {
 	fmt::print("\n{}\n  {:<46}{:>12}{:>12}{:>12}\n", title, "", "median", "min", "max");
 	for (const Metric& each : metrics)

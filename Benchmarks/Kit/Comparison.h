@@ -19,11 +19,18 @@ using Figures = std::vector<Figure>;
 class Comparison
 {
 public:
+	/** What is printed of a figure. */
+	enum class Layout
+	{
+		Blocks, // median, smallest and largest value of both sides and of their quotients, and each quotient
+		Rows // one row: both medians and the quotients; for many comparisons, whose peers have all figures
+	};
+
 	/**
 	 * @param inTitle  names the workload and its settings.
 	 * @param inPeer  what Corvane is compared with.
 	 */
-	Comparison(std::string inTitle, std::string inPeer);
+	Comparison(std::string inTitle, std::string inPeer, Layout inLayout = Layout::Blocks);
 
 	/**
 	 * Adds the figures of one pair of runs. The peer may lack some of Corvane's figures; otherwise every pair has the same
@@ -31,7 +38,7 @@ public:
 	 */
 	void addPair(const Figures& corvane, const Figures& peer);
 
-	/** Prints a table with median, smallest and largest value of both sides and of their quotients to standard output. */
+	/** Prints a table to standard output. */
 	void print() const;
 	/** The same with every single value. */
 	nlohmann::json toJson() const;
@@ -46,9 +53,12 @@ private:
 	};
 
 	Metric& metric(const Figure& figure);
+	void printBlocks() const;
+	void printRows() const;
 
 	std::string title;
 	std::string peer;
+	Layout layout;
 	std::vector<Metric> metrics;
 };
 
