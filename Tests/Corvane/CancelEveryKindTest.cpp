@@ -48,6 +48,7 @@ namespace
 			{
 			}
 			const Kind& kind;
+			const std::string content = patternedBytes(5000);
 			Gate never, reached;
 			RangeOrigin origin{[this](Connection& connection, const RangeRequest& request)
 				{
@@ -61,7 +62,6 @@ namespace
 					connection.send(bRange ? rangedAnswer(content, request) : answer(200, page));
 				}};
 			std::string authority() const { return origin.url("").substr(7); }
-			const std::string content = patternedBytes(5000);
 		};
 
 		LogCapture log;

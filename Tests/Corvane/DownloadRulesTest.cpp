@@ -1,5 +1,6 @@
 #include "Rules/DownloadRules.h"
 #include "ModuleFixture.h"
+#include "Rules/ShownAddress.h"
 
 TEST(DownloadRules, ReadContentRanges)
 {
@@ -55,6 +56,32 @@ TEST(DownloadRules, AskForPartsWithBothEndsIncluded)
 		EXPECT_EQ(utf8(CorvaneRules::stepRange(c.start, c.step, c.full)), c.range);
 	}
 	EXPECT_EQ(utf8(CorvaneRules::rangeFrom(5368709120)), "bytes=5368709120-");
+}
+
+TEST(DownloadRules, MeasureTheSpeedOnceASecond)
+{
+	struct Case
+	{
+		double seconds;
+		int64 bytes;
+		float megabit;
+	};
+	int64 time = 0, bytes = 0;
+	float megabit = 0;
+	for (const Case& c : {Case{1, 5 << 20, 0}, {1.3, 6 << 20, 0}, {2, 7 << 20, 16}, {2.9, 9 << 20, 16}, {4, 9 << 20, 16}, {6, 10 << 20, 8}})
+	{
+		CorvaneRules::measureSpeed(static_cast<int64>(c.seconds * 1e7), c.bytes, time, bytes, megabit);
+		EXPECT_NEAR(megabit, c.megabit, 1e-4) << c.seconds;
+	}
+}
+
+TEST(DownloadRules, ShowNoSecretsOfAnAddress)
+{
+	for (const auto& [url, shown] : {std::pair("http://h/a?b=c", "http://h/a"), {"https://u:p@h:1/a/b@c#d", "https://h:1/a/b@c"},
+			 {"http://u@x@h", "http://h"}, {"abc", "abc"}, {"", ""}})
+	{
+		EXPECT_EQ(utf8(CorvaneRules::shownAddress(url)), shown);
+	}
 }
 
 TEST(DownloadRules, KeepStepSizesUsable)

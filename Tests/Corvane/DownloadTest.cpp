@@ -74,7 +74,13 @@ namespace
 			{"sends a later start", sending(partAnswer("bytes 1001-4999/5000", content.substr(1001))), prefix, 500, prefix},
 			{"sends a part unasked", sending(partAnswer("bytes 1000-4999/5000", tail)), absent, 500, absent},
 			{"tells no range", sending(answer(206, tail)), prefix, 500, prefix},
-			{"tells a total that is on disk", sending(partAnswer("bytes 0-99/100", content.substr(0, 100))), prefix, 206, prefix},
+			{"tells a total that is on disk", sending(partAnswer("bytes 0-999/1000", prefix)), prefix, 206, prefix},
+			{"tells a total below what is on disk", sending(partAnswer("bytes 0-99/100", content.substr(0, 100))), prefix, 500, prefix},
+			{"sends less than the rest", sending(partAnswer("bytes 1000-2999/5000", content.substr(1000, 2000))), prefix, 500,
+				content.substr(0, 3000)},
+			{"sends less than its range", sending(partAnswer("bytes 1000-4999/*", content.substr(1000, 2000))), prefix, 500,
+				content.substr(0, 3000)},
+			{"sends a beginning unasked", sending(partAnswer("bytes 0-999/5000", prefix)), absent, 500, prefix},
 			{"tells too small a total", sending(partAnswer("bytes 1000-4999/4000", tail)), prefix, 500, prefix},
 			{"knows no total", sending(partAnswer("bytes 1000-4999/*", tail)), prefix, 206, content},
 			{"sends more than its range", sending(chunked(206, "Content-Range: bytes 1000-1999/5000\r\n", tail)), prefix, 500, prefix},
@@ -123,20 +129,23 @@ namespace
 
 TEST_F(Downloads, LeaveTheWholeFileATruePrefixOrWhatWasThere)
 {
-	LogCapture log;
 	for (const Fault& fault : faults())
 	{
+		LogCapture log;
 		const std::string name = std::string("a server that ") + fault.name + ", " + describe(fault.before) + " before";
 		setTarget(fault.before);
 		RangeOrigin origin(fault.serve);
 		const size_t before = completions.size();
-		execute(build({origin.url(), DownloadKind::Whole, fault.action}));
+		execute(build({origin.url("/file?secret#x"), DownloadKind::Whole, fault.action, "", "my-id"}));
 		drain();
 		ASSERT_EQ(completions.size(), before + 1) << name;
 		EXPECT_EQ(completions.back().statusCode, fault.statusCode) << name;
 		EXPECT_EQ(completions.back().byteData, "") << name;
 		EXPECT_EQ(describe(target()), describe(fault.after)) << name;
 		EXPECT_TRUE(target() == fault.after) << name << ": other bytes";
+		const bool bTold = fault.statusCode > 400;
+		EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "File Download: " + targetPath + " is not complete: "), bTold) << name;
+		EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "Request my-id, " + origin.url()), bTold) << name;
 	}
 }
 
@@ -195,12 +204,74 @@ TEST_F(Download, CountsWhatIsOnDiskAsProgress)
 	EXPECT_FLOAT_EQ(downloads.back().percentDownload, 100);
 }
 
-TEST_F(Download, OfAPartOfOnesOwnChoiceIsWrittenAsItComes)
+TEST_F(Download, OfAPartOfOnesOwnChoiceIsWrittenWhereItFollows)
 {
-	RangeOrigin origin(serveHonestly);
-	const Headers header{{"Range", "bytes=100-199"}};
-	EXPECT_EQ(fetch({origin.url(), DownloadKind::Whole, Action::E_OVERWRITE, "", "", header}).statusCode, 206);
-	EXPECT_TRUE(target() == content.substr(100, 100));
+	struct Case
+	{
+		const char* range;
+		std::string part;
+		Target before, after;
+	};
+	const std::string hundred = content.substr(100, 100);
+	for (const Case& c : {Case{"bytes=100-199", hundred, absent, hundred}, {"bytes=100-199", hundred, "", hundred},
+			 {"bytes=100-199", hundred, content.substr(0, 100), content.substr(0, 200)}, {"bytes=100-199", hundred, prefix, prefix}})
+	{
+		for (const bool whole : {true, false}) // or broken off
+		{
+			LogCapture log;
+			RangeOrigin origin([&](Connection& connection, const RangeRequest& request)
+				{ sendWithoutEnd(connection, rangedAnswer(content, request), whole ? 0 : 50); });
+			setTarget(c.before);
+			TArray<FhttpRequest> requests = build({origin.url(), DownloadKind::Whole, Action::E_OVERWRITE, "", "", {{"Range", c.range}}});
+			setTarget(c.before); // as if it had come in between: only then is it there and no resume
+			const bool bFollows = c.before != c.after;
+			EXPECT_EQ(run(requests).statusCode, whole && bFollows ? 206 : 500);
+			const std::string kept = c.after->substr(0, c.after->size() - (whole || !bFollows ? 0 : 50));
+			EXPECT_EQ(describe(target()), describe(kept)) << c.range;
+			EXPECT_TRUE(target() == kept);
+		}
+	}
+}
+
+TEST_F(Download, ThatIsResumedNeverMixesTwoVersions)
+{
+	const std::string second = patternedBytes(6000, 2);
+	const auto versioned = [&](const std::string& whole, const std::string& name, size_t missing)
+	{
+		return [=](Connection& connection, const RangeRequest& request)
+		{
+			RangeRequest asked = request;
+			const size_t at = request.head.find("\r\nIf-Range: ");
+			if (at != std::string::npos && request.head.substr(at + 12, name.size()) != name)
+			{
+				asked.range.clear();
+			}
+			const std::string header = (name[0] == '"' ? "ETag: " : "Last-Modified: ") + name + "\r\n";
+			sendWithoutEnd(connection, rangedAnswer(whole, asked, header), missing);
+		};
+	};
+	const std::string firstDate = "Sat, 21 Nov 2026 10:00:00 GMT", secondDate = "Sun, 22 Nov 2026 10:00:00 GMT";
+	for (const auto& [before, after] : {std::pair<std::string, std::string>("\"one\"", "\"two\""), {firstDate, secondDate}})
+	{
+		for (const DownloadKind kind : {DownloadKind::Whole, DownloadKind::Stepped})
+		{
+			LogCapture log;
+			setTarget(absent);
+			RangeOrigin first(versioned(content, before, 3000));
+			fetch({first.url()});
+			EXPECT_TRUE(target() == content.substr(0, 2000));
+			RangeOrigin changed(versioned(second, after, 0));
+			const bool bWhole = kind == DownloadKind::Whole;
+			EXPECT_EQ(fetch({changed.url(), kind}).statusCode, bWhole ? 200 : 500);
+			EXPECT_TRUE(target() == (bWhole ? second : content.substr(0, 2000))) << describe(target());
+
+			setTarget(absent);
+			fetch({first.url()});
+			RangeOrigin same(versioned(content, before, 0));
+			EXPECT_EQ(fetch({same.url(), kind, Action::E_RESUME, "", "", {}, 100000}).statusCode, 206);
+			EXPECT_TRUE(target() == content);
+		}
+	}
 }
 
 TEST_F(Download, IsRefusedByItsBuilder)

@@ -35,6 +35,19 @@ namespace
 		return [answer = std::move(answer)](Connection& connection, const RangeRequest&) { connection.send(answer); };
 	}
 
+	/** Ends when the client hangs up. */
+	RangeOrigin::Answer sendingForEver(std::string head)
+	{
+		return [head = std::move(head)](Connection& connection, const RangeRequest&)
+		{
+			connection.send(head);
+			for (;;)
+			{
+				connection.send(std::string(1000, 'x'));
+			}
+		};
+	}
+
 	/** The right part of another file. */
 	RangeOrigin::Answer sendingFrom(std::string other, std::string headers)
 	{
@@ -67,7 +80,13 @@ namespace
 			{"does not find the file", servingExcept(0, sending(answer(404, "page"))), 0, 404, noRanges, 0},
 			{"breaks the probe off", servingExcept(0, [](Connection& connection, const RangeRequest&) { connection.reset(); }), 0, 500,
 				nullptr, 0},
-			{"sends the whole file for the first step", servingExcept(1, sending(answer(200, content))), 0, 200, nullptr, 2500},
+			{"sends the whole file for the first step", servingExcept(1, sending(answer(200, content))), 0, 500, aborted, 0},
+			{"never ends the probe", servingExcept(0, sendingForEver("HTTP/1.1 206 X\r\nContent-Range: bytes 0-0/2500\r\n\r\n")), 0, 500,
+				noRanges, 0},
+			{"never ends the first step", servingExcept(1, sendingForEver("HTTP/1.1 206 X\r\nContent-Range: bytes 0-1000/2500\r\n\r\n")), 0,
+				500, aborted, 0},
+			{"never ends the last step", servingExcept(3, sendingForEver("HTTP/1.1 206 X\r\nContent-Range: bytes 2002-2499/2500\r\n\r\n")),
+				0, 500, aborted, 2002},
 			{"sends the whole file for the second step", servingExcept(2, sending(answer(200, content))), 0, 500, aborted, 1001},
 			{"fails in the second step", servingExcept(2, sending(answer(503, "busy"))), 0, 503, aborted, 1001},
 			{"is satisfied in the second step", servingExcept(2, sending(answer(416, "", "Content-Range: bytes */2500\r\n"))), 0, 416,
@@ -260,4 +279,24 @@ TEST_F(SteppedDownload, WaitsForTheBuilderOfItsNextStep)
 	EXPECT_EQ(completions[0].statusCode, 400);
 	EXPECT_EQ(completions[1].statusCode, 500);
 	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, aborted), 1);
+}
+
+TEST_F(SteppedDownload, CarriesItsSpeedOnFromStepToStep)
+{
+	std::chrono::steady_clock::time_point first;
+	RangeOrigin origin(
+		[&](Connection& connection, const RangeRequest& request)
+		{
+			if (request.number == 1)
+			{
+				first = std::chrono::steady_clock::now();
+			}
+			else if (request.number == 2)
+			{
+				std::this_thread::sleep_until(first + std::chrono::milliseconds(1200)); // a second behind the probe's byte
+			}
+			connection.send(rangedAnswer(content, request));
+		});
+	fetch(stepped(origin.url()));
+	EXPECT_FLOAT_EQ(downloads.back().megaBit, 2001 * 7.6293945e-6f);
 }

@@ -50,7 +50,7 @@ namespace
 		static FGameLoopSettings settings()
 		{
 			FGameLoopSettings settings;
-			settings.http.activityTimeoutSeconds = 0.3;
+			settings.http.activityTimeoutSeconds = 0.6;
 			return settings;
 		}
 	};

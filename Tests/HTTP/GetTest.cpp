@@ -219,7 +219,6 @@ TEST_F(Get, StaysAsItIsWhileItRunsAndMayBeSentAgainLater)
 	ASSERT_TRUE(pumpUntil([&] { return exchange.completed(); }));
 	EXPECT_EQ(exchange.code(), 200);
 	EXPECT_TRUE(exchange.start());
-	EXPECT_FALSE(exchange.request().GetResponse().IsValid() && exchange.request().GetResponse()->GetResponseCode() == 200);
 	ASSERT_TRUE(pumpUntil([&] { return exchange.completions() == 2; }));
 	EXPECT_EQ(exchange.code(), 404);
 	EXPECT_EQ(server.requests()[1].find("X-Late"), std::string::npos);

@@ -24,7 +24,8 @@ void FHeaderMap::Append(const FString& Name, const FString& Value)
 {
 	if (FHeader* Known = const_cast<FHeader*>(Find(Name)))
 	{
-		Known->second = Known->second + TEXT(", ") + Value;
+		Known->second += TEXT(", ");
+		Known->second += Value;
 	}
 	else
 	{

@@ -15,7 +15,6 @@
 class FCorvEventBody;
 class FCorvProgressMail;
 class FCorvThread;
-enum class ECorvDownloadAction : uint8;
 enum class ECorvJobType : int32;
 struct FCorvCancelState;
 struct FCorvCompletion;
@@ -28,6 +27,14 @@ struct FCorvFileVersion
 	FString eTag;
 	FString lastModified;
 	int64 total = 0; // bytes
+};
+
+/** The speed of a download, as it was measured last. */
+struct FCorvSpeed
+{
+	int64 bytes = 0; // received at the last measurement
+	int64 time = 0; // of it, in ticks of 100 ns; 0 = never measured
+	float megabit = 0;
 };
 
 /**
@@ -69,6 +76,8 @@ public:
 	void requestMultiStepComplete(FHttpRequestPtr request, FHttpResponsePtr response, bool bWasSuccessful);
 	/** Keeps the code: of an exchange that does not end in order, the response may never tell it. */
 	void requestStatusCode(FHttpRequestPtr request, int32 code);
+	/** Keeps the length of the body: the response must not be looked at while it comes in. */
+	void requestHeader(FHttpRequestPtr request, const FString& name, const FString& value);
 	/** Takes the bytes of server-sent events; sets number to 0 when there is no room for them, which ends the transfer. */
 	void takeEventBytes(void* bytes, int64& number);
 	/** The body of the request, a stream of the module's own, has been read so far. */
@@ -98,8 +107,9 @@ public:
 	 * Makes this request a later step of a download.
 	 * @param download  the number under which the first step has claimed the target.
 	 * @param version  of the file, as the step before saw it.
+	 * @param speed  as the step before measured it.
 	 */
-	void continueDownload(int64 download, FCorvFileVersion version);
+	void continueDownload(int64 download, FCorvFileVersion version, const FCorvSpeed& speed);
 
 	/** Called by the worker as its last deed: releases this object, one game-thread task later. */
 	void workerEnded(int64 runNumber);
@@ -141,7 +151,6 @@ public:
 private:
 	void addJob(FCorvTheadJob* job);
 	void addProgressJob(ECorvJobType type, const FHttpRequestPtr& request, uint64 bytesSent, uint64 bytesReceived);
-	void noteResponse(const FHttpRequestPtr& request);
 	/** @return whether a script has asked to cancel this request, which the log is told then. */
 	bool cancelIfAsked();
 	/** @return the status code of an answer, also of one that broke off; 0 when none came. */
@@ -155,8 +164,11 @@ private:
 
 	// downloads
 	void completeDownload(const FHttpRequestPtr& request, const FHttpResponsePtr& response, bool bWasSuccessful);
-	ECorvDownloadAction writeBody(const FHttpRequestPtr& request, const IHttpResponse& response);
-	void keepReceivedBytes(const IHttpResponse& response, int32 code);
+	FCorvCompletion writeBody(const FHttpRequestPtr& request, const FHttpResponsePtr& response);
+	FCorvCompletion keepReceivedBytes(const FHttpRequestPtr& request, const FHttpResponsePtr& response);
+	FCorvCompletion failedDownload(const FString& reason);
+	void tellFailedDownload(const FString& reason);
+	void rememberVersion(const IHttpResponse& response);
 	int64 downloadNumber() const;
 	void releaseDownloadTarget();
 	void measureSpeed(int64 bytes);
@@ -172,8 +184,9 @@ private:
 	void takeProbeAnswer(const FHttpRequestPtr& request, const FHttpResponsePtr& response);
 	void takeStepAnswer(const FHttpRequestPtr& request, const FHttpResponsePtr& response);
 	bool writeStep(const IHttpResponse& response, const FCorvDownloadAnswer& answer);
+	void abortSteps(const FHttpRequestPtr& request, const FHttpResponsePtr& response);
 	void startStep(const IHttpResponse& response, int64 total, int64 start);
-	void endUnwantedBody(const FHttpRequestPtr& request, uint64 bytesReceived);
+	void endUnwantedBody(IHttpRequest& request, uint64 bytesReceived);
 	void endSteps(const FHttpRequestPtr& request, FCorvCompletion result);
 
 	int64 fileCancelResumeDownloadByteFullSize = 0;
@@ -200,8 +213,9 @@ private:
 	TSharedPtr<FCorvEventBody> eventBody;
 	TSharedPtr<FCorvProgressMail> progressMail;
 	TSharedPtr<FCorvCancelState> cancelState; // never null; shared with what follows this run
-	bool bProbeGotBody = false; // the server sent the file in answer to the question for its size
+	bool bTooMuchCame = false; // the answer to a step, or to the question for the size, was cut off
 	FCorvFileVersion fileVersion; // as the step before saw it
+	FCorvSpeed inheritedSpeed; // likewise
 	int64 inheritedDownload = 0; // 0 = this request begins its download
 
 	// Held while a callback hands over a job: the worker may be neither replaced nor stopped under it.

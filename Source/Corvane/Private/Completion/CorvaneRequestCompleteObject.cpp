@@ -8,6 +8,7 @@
 #include "Completion/GameThreadDelivery.h"
 #include "Completion/ProgressMail.h"
 #include "Completion/RunningRequests.h"
+#include "Misc/CString.h"
 #include "Misc/ScopeLock.h"
 #include "Templates/SharedPointer.h"
 #include "UObject/WeakObjectPtr.h"
@@ -75,9 +76,9 @@ void UCorvaneRequestCompleteObject::freeWorker()
 void UCorvaneRequestCompleteObject::resetRun()
 {
 	completionPosted = false;
-	lastProgressBytes = 0;
-	lastProgressTime = 0;
-	megabitSpeed = 0;
+	lastProgressBytes = inheritedSpeed.bytes;
+	lastProgressTime = inheritedSpeed.time;
+	megabitSpeed = inheritedSpeed.megabit;
 	serverSendEventLastByte = 0;
 	uploadSent = 0;
 	statusCode = 0;
@@ -85,7 +86,7 @@ void UCorvaneRequestCompleteObject::resetRun()
 	eventBody = MakeShared<FCorvEventBody>();
 	progressMail = MakeShared<FCorvProgressMail>();
 	cancelState = MakeShared<FCorvCancelState>();
-	bProbeGotBody = false;
+	bTooMuchCame = false;
 }
 
 void UCorvaneRequestCompleteObject::setHttpRequest(FHttpRequestPtr InRequest)
@@ -111,6 +112,7 @@ void UCorvaneRequestCompleteObject::workerEnded(int64 InRunNumber)
 			if (Alive && Alive->currentRun == InRunNumber) // a later run has rooted the object for itself
 			{
 				Alive->RemoveFromRoot();
+				Alive->freeWorker(); // a thread that has ended counts against the system's limits until then
 			}
 		});
 	corvaneBPLibrary->runningRequestList().end(InRunNumber);
@@ -142,21 +144,19 @@ void UCorvaneRequestCompleteObject::requestCompleteLowRam(FHttpRequestPtr InRequ
 void UCorvaneRequestCompleteObject::requestStatusCode(FHttpRequestPtr, int32 InCode)
 {
 	statusCode = InCode;
+	bodySize = 0;
 }
 
-/** Asked here, on the thread of the callback, because the response changes while it comes in. */
-void UCorvaneRequestCompleteObject::noteResponse(const FHttpRequestPtr& InRequest)
+void UCorvaneRequestCompleteObject::requestHeader(FHttpRequestPtr, const FString& InName, const FString& InValue)
 {
-	const FHttpResponsePtr Response = InRequest->GetResponse();
-	if (Response.IsValid())
+	if (InName == TEXT("Content-Length"))
 	{
-		bodySize = static_cast<int64>(Response->GetContentLength());
+		bodySize = FCString::Atoi64(*InValue);
 	}
 }
 
 void UCorvaneRequestCompleteObject::requestMultiStepDownload(FHttpRequestPtr InRequest, uint64 InBytesSent, uint64 InBytesReceived)
 {
-	noteResponse(InRequest);
 	addProgressJob(ECorvJobType::MultiStepDownload, InRequest, InBytesSent, InBytesReceived);
 }
 
@@ -167,7 +167,6 @@ void UCorvaneRequestCompleteObject::requestProgressUpload(FHttpRequestPtr InRequ
 
 void UCorvaneRequestCompleteObject::requestProgressDownload(FHttpRequestPtr InRequest, uint64 InBytesSent, uint64 InBytesReceived)
 {
-	noteResponse(InRequest);
 	addProgressJob(ECorvJobType::ProgressDownload, InRequest, InBytesSent, InBytesReceived);
 }
 
@@ -178,7 +177,6 @@ void UCorvaneRequestCompleteObject::requestProgressServerSendEvent(FHttpRequestP
 
 void UCorvaneRequestCompleteObject::requestProgressDownloadLowRam(FHttpRequestPtr InRequest, uint64 InBytesSent, uint64 InBytesReceived)
 {
-	noteResponse(InRequest);
 	addProgressJob(ECorvJobType::ProgressDownloadLowRam, InRequest, InBytesSent, InBytesReceived);
 }
 

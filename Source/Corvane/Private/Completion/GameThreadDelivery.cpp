@@ -122,8 +122,3 @@ void CorvaneDelivery::serverSendEvent(UCorvaneBPLibrary* InLibrary, FString Resp
 			}
 		});
 }
-
-void CorvaneDelivery::cancel(FHttpRequestPtr Request)
-{
-	AsyncTask(ENamedThreads::GameThread, [Request] { Request->CancelRequest(); });
-}

@@ -44,7 +44,4 @@ namespace CorvaneDelivery
 	void progress(UCorvaneBPLibrary* library, TSharedPtr<FCorvProgressMail> mail, FCorvProgressMail::FBroadcast broadcast);
 
 	void serverSendEvent(UCorvaneBPLibrary* library, FString response, const FString& requestID);
-
-	/** Cancels an engine request from the game thread. */
-	void cancel(FHttpRequestPtr request);
 } // namespace CorvaneDelivery

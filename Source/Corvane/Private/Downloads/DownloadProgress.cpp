@@ -2,12 +2,11 @@
 
 #include "Completion/GameThreadDelivery.h"
 #include "Misc/DateTime.h"
-#include "Misc/Timespan.h"
+#include "Rules/DownloadRules.h"
 
 namespace CorvaneDownloadProgress
 {
 	constexpr float mebibytesPerByte = 9.536743e-7f;
-	constexpr float mebibitsPerByte = 7.6293945e-6f;
 } // namespace CorvaneDownloadProgress
 
 void UCorvaneRequestCompleteObject::requestProgressDownloadInternal(FHttpRequestPtr InRequest, uint64, uint64 InBytesReceived)
@@ -59,21 +58,22 @@ void UCorvaneRequestCompleteObject::requestProgressDownloadLowRamInternal(FHttpR
 	{
 		return;
 	}
-	endUnwantedBody(InRequest, InBytesReceived);
+	endUnwantedBody(*InRequest, InBytesReceived);
 	// Over the whole file, not over this step.
 	const float Full = fileCancelResumeDownloadByteFullSize > 0 ? static_cast<float>(fileCancelResumeDownloadByteFullSize) : 1.0f;
-	measureSpeed(static_cast<int64>(InBytesReceived));
-	reportDownload(Full, static_cast<float>(fileCancelResumeDownloadByteStart + static_cast<int64>(InBytesReceived)));
+	const int64 Received = fileCancelResumeDownloadByteStart + static_cast<int64>(InBytesReceived);
+	measureSpeed(Received);
+	reportDownload(Full, static_cast<float>(Received));
 }
 
-void UCorvaneRequestCompleteObject::endUnwantedBody(const FHttpRequestPtr& InRequest, uint64 InBytesReceived)
+void UCorvaneRequestCompleteObject::endUnwantedBody(IHttpRequest& InRequest, uint64 InBytesReceived)
 {
-	const bool bIsProbe = fileCancelResumeDownloadByteFullSize <= 0;
-	const bool bBeyondStep = InBytesReceived > static_cast<uint64>(fileCancelResumeDownloadBytePartSize);
-	if (bIsProbe && bBeyondStep && statusCode != 206 && !bProbeGotBody)
+	const int64 Most = CorvaneRules::mostStepBytes(
+		fileCancelResumeDownloadByteStart, fileCancelResumeDownloadBytePartSize, fileCancelResumeDownloadByteFullSize);
+	if (!bTooMuchCame && static_cast<int64>(InBytesReceived) > Most)
 	{
-		bProbeGotBody = true; // memory stays bounded, and the completion knows why the exchange failed
-		CorvaneDelivery::cancel(InRequest);
+		bTooMuchCame = true; // memory stays bounded, and the completion knows why the exchange failed
+		InRequest.CancelRequest(); // from here: the game thread may stand still for long enough to fill the memory
 	}
 }
 
@@ -91,15 +91,5 @@ void UCorvaneRequestCompleteObject::reportDownload(float InTotal, float InReceiv
 void UCorvaneRequestCompleteObject::measureSpeed(int64 InBytes)
 {
 	const int64 Now = FDateTime::UtcNow().GetTicks(); // local time jumps twice a year
-	if (lastProgressTime != 0 && Now - lastProgressTime < ETimespan::TicksPerSecond)
-	{
-		return;
-	}
-	if (lastProgressTime != 0)
-	{
-		// The amount since the last measurement; it is not divided by the time, which is a second or a little more.
-		megabitSpeed = static_cast<float>(InBytes - lastProgressBytes) * CorvaneDownloadProgress::mebibitsPerByte;
-	}
-	lastProgressBytes = InBytes;
-	lastProgressTime = Now;
+	CorvaneRules::measureSpeed(Now, InBytes, lastProgressTime, lastProgressBytes, megabitSpeed);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CoreMinimal.h"
+#include "Downloads/KeptVersions.h"
 #include "HAL/CriticalSection.h"
 
 /**
@@ -14,6 +15,9 @@ public:
 	void claim(const FString& path, int64 download);
 	/** A download has ended; does nothing when the file is another's by now. */
 	void release(const FString& path, int64 download);
+
+	/** Of the files that unfinished downloads have left. */
+	FCorvKeptVersions keptVersions;
 
 private:
 	friend class FCorvDownloadPermission;

@@ -3,6 +3,7 @@
 #include "Completion/CompletionResult.h"
 #include "Downloads/DownloadFile.h"
 #include "Downloads/DownloadTargets.h"
+#include "Rules/ShownAddress.h"
 
 // A download that arrives as one body. In all cases the file is closed before the result goes out, so that a handler may
 // resume at once.
@@ -35,59 +36,101 @@ namespace CorvaneFileDownload
 		}
 		return Result;
 	}
+
+	/** What keeps an answer's body out of the file, in words. */
+	static FString refusalOf(const FCorvDownloadAnswer& Answer, const FCorvDownloadTarget& Target)
+	{
+		return FString::Printf(TEXT("the answer %d (%lld bytes from %lld on, of %lld) does not follow the %lld bytes on disk"),
+			Answer.statusCode, Answer.bodyBytes, Answer.range.first, Answer.range.total, Target.size);
+	}
 } // namespace CorvaneFileDownload
 
 void UCorvaneRequestCompleteObject::completeDownload(
 	const FHttpRequestPtr& InRequest, const FHttpResponsePtr& InResponse, bool bInWasSuccessful)
 {
-	FCorvCompletion Result;
-	if (!bInWasSuccessful || !InResponse.IsValid())
-	{
-		if (InResponse.IsValid())
-		{
-			keepReceivedBytes(*InResponse, codeOf(InResponse));
-		}
-		Result = failureOf(InResponse);
-	}
-	else if (ECorvDownloadAction Done = writeBody(InRequest, *InResponse); Done == ECorvDownloadAction::Refuse)
-	{
-		Result = CorvaneResult::noResponse();
-	}
-	else
-	{
-		Result = CorvaneFileDownload::resultOf(*InResponse, Done != ECorvDownloadAction::Complete);
-	}
+	const bool bHappened = bInWasSuccessful && InResponse.IsValid();
+	FCorvCompletion Result = bHappened ? writeBody(InRequest, InResponse) : keepReceivedBytes(InRequest, InResponse);
 	releaseDownloadTarget();
 	deliver(InRequest, MoveTemp(Result));
 }
 
-ECorvDownloadAction UCorvaneRequestCompleteObject::writeBody(const FHttpRequestPtr& InRequest, const IHttpResponse& InResponse)
+FCorvCompletion UCorvaneRequestCompleteObject::writeBody(const FHttpRequestPtr& InRequest, const FHttpResponsePtr& InResponse)
 {
 	const FString& Path = fileCancelResumeDownloadDir;
 	const FCorvDownloadPermission Permission(corvaneBPLibrary->downloadTargetList(), Path, downloadNumber());
 	const int64 Start = fileCancelResumeDownloadByteStart;
 	const FCorvDownloadTarget Target{Start, CorvaneDownload::sizeOnDisk(Path), CorvaneFileDownload::hasOwnRange(InRequest, Start)};
-	const ECorvDownloadAction Action =
-		CorvaneRules::planDownload(CorvaneDownload::readAnswer(InResponse, InResponse.GetResponseCode()), Target);
-	if (Action != ECorvDownloadAction::Append && Action != ECorvDownloadAction::Replace)
+	const FCorvDownloadAnswer Answer = CorvaneDownload::readAnswer(*InResponse, InResponse->GetResponseCode());
+	const ECorvDownloadAction Action = CorvaneRules::planDownload(Answer, Target);
+	if (Action == ECorvDownloadAction::Nothing || Action == ECorvDownloadAction::Complete)
 	{
-		return Action;
+		if (Answer.statusCode >= 400)
+		{
+			tellFailedDownload(FString::Printf(TEXT("the server answered %d"), Answer.statusCode));
+		}
+		return CorvaneFileDownload::resultOf(*InResponse, Action == ECorvDownloadAction::Nothing);
 	}
-	const bool bReplace = Action == ECorvDownloadAction::Replace;
-	const bool bWritten = Permission.isGranted() && CorvaneDownload::write(Path, InResponse.GetContent(), bReplace);
-	return bWritten ? Action : ECorvDownloadAction::Refuse;
+	if (!Permission.isGranted())
+	{
+		return failedDownload(TEXT("another download has taken the file over"));
+	}
+	if (Action == ECorvDownloadAction::Refuse)
+	{
+		return failedDownload(CorvaneFileDownload::refusalOf(Answer, Target));
+	}
+	if (!CorvaneDownload::write(Path, InResponse->GetContent(), Action == ECorvDownloadAction::Replace))
+	{
+		return CorvaneResult::noResponse(); // the log knows already
+	}
+	const int64 SizeOnDisk = CorvaneDownload::sizeOnDisk(Path);
+	if (!Target.bOwnRange && !CorvaneRules::isAsTold(Answer, SizeOnDisk))
+	{
+		rememberVersion(*InResponse);
+		return failedDownload(FString::Printf(TEXT("it has %lld bytes, and the server told of %lld"), SizeOnDisk, Answer.range.total));
+	}
+	corvaneBPLibrary->downloadTargetList().keptVersions.forget(Path);
+	return CorvaneFileDownload::resultOf(*InResponse, true);
 }
 
-void UCorvaneRequestCompleteObject::keepReceivedBytes(const IHttpResponse& InResponse, int32 InStatusCode)
+FCorvCompletion UCorvaneRequestCompleteObject::keepReceivedBytes(const FHttpRequestPtr& InRequest, const FHttpResponsePtr& InResponse)
 {
 	const FString& Path = fileCancelResumeDownloadDir;
-	const FCorvDownloadPermission Permission(corvaneBPLibrary->downloadTargetList(), Path, downloadNumber());
-	const FCorvDownloadTarget Target{fileCancelResumeDownloadByteStart, CorvaneDownload::sizeOnDisk(Path)};
-	const FCorvDownloadAnswer Answer = CorvaneDownload::readAnswer(InResponse, InStatusCode);
-	if (Permission.isGranted() && CorvaneRules::areReceivedBytesKept(Answer, Target))
+	if (InResponse.IsValid())
 	{
-		CorvaneDownload::write(Path, InResponse.GetContent(), false);
+		const FCorvDownloadPermission Permission(corvaneBPLibrary->downloadTargetList(), Path, downloadNumber());
+		const int64 Start = fileCancelResumeDownloadByteStart;
+		const FCorvDownloadTarget Target{Start, CorvaneDownload::sizeOnDisk(Path), CorvaneFileDownload::hasOwnRange(InRequest, Start)};
+		const FCorvDownloadAnswer Answer = CorvaneDownload::readAnswer(*InResponse, codeOf(InResponse));
+		if (Permission.isGranted() && CorvaneRules::areReceivedBytesKept(Answer, Target) &&
+			CorvaneDownload::write(Path, InResponse->GetContent(), false))
+		{
+			rememberVersion(*InResponse);
+		}
 	}
+	if (!cancelIfAsked())
+	{
+		tellFailedDownload(FString::Printf(TEXT("the transfer broke off, and %lld bytes are on disk"), CorvaneDownload::sizeOnDisk(Path)));
+	}
+	return failureOf(InResponse);
+}
+
+FCorvCompletion UCorvaneRequestCompleteObject::failedDownload(const FString& InReason)
+{
+	tellFailedDownload(InReason);
+	return CorvaneResult::noResponse();
+}
+
+void UCorvaneRequestCompleteObject::tellFailedDownload(const FString& InReason)
+{
+	UE_LOG(LogTemp, Error, TEXT("File Download: %s is not complete: %s. Request %s, %s"), *fileCancelResumeDownloadDir, *InReason,
+		*requestID, *CorvaneRules::shownAddress(httpRequest.url));
+}
+
+void UCorvaneRequestCompleteObject::rememberVersion(const IHttpResponse& InResponse)
+{
+	const FString Version = CorvaneRules::versionOf(InResponse.GetHeader(TEXT("ETag")), InResponse.GetHeader(TEXT("Last-Modified")));
+	const int64 Size = CorvaneDownload::sizeOnDisk(fileCancelResumeDownloadDir);
+	corvaneBPLibrary->downloadTargetList().keptVersions.remember(fileCancelResumeDownloadDir, Size, Version);
 }
 
 int64 UCorvaneRequestCompleteObject::downloadNumber() const

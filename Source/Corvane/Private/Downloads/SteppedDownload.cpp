@@ -20,6 +20,7 @@ namespace CorvaneSteppedDownload
 		int64 fullSize = 0;
 		int64 start = 0;
 		FCorvFileVersion version;
+		FCorvSpeed speed;
 		int64 download = 0;
 	};
 
@@ -34,7 +35,7 @@ namespace CorvaneSteppedDownload
 			UCorvaneRequestCompleteObject* Object = Requests[0].requestCompleteObject();
 			Object->setFileCancelResumeDownloadByteFullSize(Step.fullSize);
 			Object->setFileCancelResumeDownloadByteStart(Step.start);
-			Object->continueDownload(Step.download, Step.version);
+			Object->continueDownload(Step.download, Step.version, Step.speed);
 		}
 		return Requests;
 	}
@@ -42,6 +43,14 @@ namespace CorvaneSteppedDownload
 	static FCorvFileVersion versionOf(const IHttpResponse& Response, int64 Total)
 	{
 		return {Response.GetHeader(TEXT("ETag")), Response.GetHeader(TEXT("Last-Modified")), Total};
+	}
+
+	/** Whether an answer is of the version that the bytes on disk were taken from, as far as this program has seen that. */
+	static bool isKept(FCorvKeptVersions& Kept, const FString& Path, int64 Size, const IHttpResponse& Response)
+	{
+		const FString Version = Kept.find(Path, Size);
+		return Version.IsEmpty() ||
+			   Version.Equals(CorvaneRules::versionOf(Response.GetHeader(TEXT("ETag")), Response.GetHeader(TEXT("Last-Modified"))));
 	}
 
 	static bool isSame(const FCorvFileVersion& Left, const FCorvFileVersion& Right)
@@ -60,7 +69,12 @@ void UCorvaneRequestCompleteObject::requestCompleteLowRamInternal(
 	}
 	if (!bInWasSuccessful || !InResponse.IsValid())
 	{
-		if (bProbeGotBody && !cancelIfAsked())
+		if (bTooMuchCame && fileCancelResumeDownloadByteFullSize > 0)
+		{
+			abortSteps(InRequest, nullptr);
+			return;
+		}
+		if (bTooMuchCame && !cancelIfAsked())
 		{
 			UE_LOG(LogTemp, Error, TEXT("File Download: Server does not suport download range or wrong url. Cancel Download"));
 		}
@@ -93,6 +107,11 @@ void UCorvaneRequestCompleteObject::takeProbeAnswer(const FHttpRequestPtr& InReq
 		UE_LOG(LogTemp, Error, TEXT("File Download: File size equal to or larger than on the server. Cancel Download"));
 		endSteps(InRequest, failureOf(InResponse));
 	}
+	else if (!CorvaneSteppedDownload::isKept(corvaneBPLibrary->downloadTargetList().keptVersions, fileCancelResumeDownloadDir,
+				 fileCancelResumeDownloadByteStart, *InResponse))
+	{
+		abortSteps(InRequest, nullptr); // behind the bytes of another version
+	}
 	else
 	{
 		startStep(*InResponse, Answer.range.total, fileCancelResumeDownloadByteStart);
@@ -107,9 +126,10 @@ void UCorvaneRequestCompleteObject::takeStepAnswer(const FHttpRequestPtr& InRequ
 		endSteps(InRequest, failureOf(InResponse));
 		return;
 	}
-	const bool bWholeFile = Answer.statusCode != 206;
-	if (bWholeFile || CorvaneDownload::sizeOnDisk(fileCancelResumeDownloadDir) >= Answer.range.total)
+	rememberVersion(*InResponse);
+	if (CorvaneDownload::sizeOnDisk(fileCancelResumeDownloadDir) >= Answer.range.total)
 	{
+		corvaneBPLibrary->downloadTargetList().keptVersions.forget(fileCancelResumeDownloadDir);
 		endSteps(InRequest, CorvaneResult::successWithoutBody(*InResponse));
 	}
 	else
@@ -123,8 +143,7 @@ bool UCorvaneRequestCompleteObject::writeStep(const IHttpResponse& InResponse, c
 	const FString& Path = fileCancelResumeDownloadDir;
 	const FCorvDownloadPermission Permission(corvaneBPLibrary->downloadTargetList(), Path, downloadNumber());
 	const FCorvDownloadTarget Target{fileCancelResumeDownloadByteStart, CorvaneDownload::sizeOnDisk(Path)};
-	const bool bSameFile = InAnswer.statusCode != 206 ||
-						   CorvaneSteppedDownload::isSame(fileVersion, CorvaneSteppedDownload::versionOf(InResponse, InAnswer.range.total));
+	const bool bSameFile = CorvaneSteppedDownload::isSame(fileVersion, CorvaneSteppedDownload::versionOf(InResponse, InAnswer.range.total));
 	if (!Permission.isGranted() || !bSameFile || !CorvaneRules::isStep(InAnswer, Target))
 	{
 		UE_LOG(LogTemp, Error, TEXT("Something's went wrong. download is aborted "));
@@ -133,12 +152,18 @@ bool UCorvaneRequestCompleteObject::writeStep(const IHttpResponse& InResponse, c
 	return CorvaneDownload::write(Path, InResponse.GetContent(), false);
 }
 
+void UCorvaneRequestCompleteObject::abortSteps(const FHttpRequestPtr& InRequest, const FHttpResponsePtr& InResponse)
+{
+	UE_LOG(LogTemp, Error, TEXT("Something's went wrong. download is aborted "));
+	endSteps(InRequest, failureOf(InResponse));
+}
+
 void UCorvaneRequestCompleteObject::startStep(const IHttpResponse& InResponse, int64 InTotal, int64 InStart)
 {
 	using namespace CorvaneSteppedDownload;
 	const int64 StepSize = fileCancelResumeDownloadBytePartSize;
 	FStep Step{httpRequest.url, httpRequest.header, requestID, fileCancelResumeDownloadDir, StepSize, FMath::Max<int64>(StepSize, InTotal),
-		InStart, versionOf(InResponse, InTotal), downloadNumber()};
+		InStart, versionOf(InResponse, InTotal), {lastProgressBytes, lastProgressTime, megabitSpeed}, downloadNumber()};
 	FCorvFollowUp FollowUp;
 	FollowUp.requestID = requestID;
 	FollowUp.cancelState = cancelState;
@@ -151,12 +176,18 @@ void UCorvaneRequestCompleteObject::startStep(const IHttpResponse& InResponse, i
 
 void UCorvaneRequestCompleteObject::endSteps(const FHttpRequestPtr& InRequest, FCorvCompletion InResult)
 {
+	if (InResult.statusCode >= 400 && !cancelIfAsked())
+	{
+		const int64 Size = CorvaneDownload::sizeOnDisk(fileCancelResumeDownloadDir);
+		tellFailedDownload(FString::Printf(TEXT("status %d, and %lld bytes are on disk"), InResult.statusCode, Size));
+	}
 	releaseDownloadTarget();
 	deliver(InRequest, MoveTemp(InResult));
 }
 
-void UCorvaneRequestCompleteObject::continueDownload(int64 InDownload, FCorvFileVersion InVersion)
+void UCorvaneRequestCompleteObject::continueDownload(int64 InDownload, FCorvFileVersion InVersion, const FCorvSpeed& InSpeed)
 {
 	inheritedDownload = InDownload;
+	inheritedSpeed = InSpeed;
 	fileVersion = MoveTemp(InVersion);
 }

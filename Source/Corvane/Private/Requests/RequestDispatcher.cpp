@@ -3,6 +3,7 @@
 #include "Completion/GameThreadDelivery.h"
 #include "Containers/StringConv.h"
 #include "CorvaneRequestCompleteObject.h"
+#include "Downloads/DownloadTargets.h"
 #include "HttpModule.h"
 #include "Misc/ScopeLock.h"
 #include "Requests/HttpLayer.h"
@@ -68,6 +69,7 @@ namespace CorvaneDispatcher
 	{
 		using FObject = UCorvaneRequestCompleteObject;
 		HttpRequest.OnStatusCodeReceived().BindUObject(Object, &FObject::requestStatusCode);
+		HttpRequest.OnHeaderReceived().BindUObject(Object, &FObject::requestHeader);
 		FHttpRequestProgressDelegate64& Progress = HttpRequest.OnRequestProgress64();
 		if (Record.requestType == EHTTPCorvRequestType::GETLowRamDownload)
 		{
@@ -246,6 +248,11 @@ void UCorvaneBPLibrary::fillRequestDownload(const FhttpRequest& InRequest, IHttp
 	if (InRequest.requestType == EHTTPCorvRequestType::GET && Start > 0)
 	{
 		OutHttpRequest.SetHeader(TEXT("Range"), CorvaneRules::rangeFrom(Start));
+		const FString Version = downloadTargets->keptVersions.find(Object.getFileCancelResumeDownloadDir(), Start);
+		if (!Version.IsEmpty() && OutHttpRequest.GetHeader(TEXT("If-Range")).IsEmpty())
+		{
+			OutHttpRequest.SetHeader(TEXT("If-Range"), Version); // of another version the whole comes, not the rest
+		}
 	}
 }
 

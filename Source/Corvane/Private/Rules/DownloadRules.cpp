@@ -1,6 +1,7 @@
 #include "Rules/DownloadRules.h"
 
 #include "Misc/CString.h"
+#include "Misc/Timespan.h"
 
 namespace CorvaneDownloadRules
 {
@@ -23,11 +24,16 @@ namespace CorvaneDownloadRules
 		return StatusCode >= 200 && StatusCode <= 299;
 	}
 
+	static bool followsByChoice(const FCorvDownloadAnswer& Answer, const FCorvDownloadTarget& Target)
+	{
+		return Target.size == 0 || (Answer.statusCode == 206 && Answer.range.first == Target.size);
+	}
+
 	static ECorvDownloadAction planWhole(const FCorvDownloadAnswer& Answer, const FCorvDownloadTarget& Target)
 	{
-		if (Target.bOwnRange)
+		if (Target.bOwnRange) // whoever asks for a part of his own choice gets it
 		{
-			return ECorvDownloadAction::Append; // whoever asks for a part of his own choice gets it
+			return CorvaneDownloadRules::followsByChoice(Answer, Target) ? ECorvDownloadAction::Append : ECorvDownloadAction::Refuse;
 		}
 		const bool bOtherPart = Answer.statusCode == 206 && Answer.range.first > 0;
 		return Target.size > 0 || bOtherPart ? ECorvDownloadAction::Refuse : ECorvDownloadAction::Append;
@@ -80,6 +86,27 @@ FString CorvaneRules::stepRange(int64 Start, int64 StepSize, int64 FullSize)
 	return End > FullSize ? rangeFrom(Start) : FString::Printf(TEXT("bytes=%lld-%lld"), Start, End);
 }
 
+int64 CorvaneRules::mostStepBytes(int64 Start, int64 StepSize, int64 FullSize)
+{
+	return FullSize > 0 && Start + StepSize > FullSize ? FullSize - Start : StepSize + 1;
+}
+
+FString CorvaneRules::versionOf(const FString& ETag, const FString& LastModified)
+{
+	return ETag.IsEmpty() || ETag.StartsWith(TEXT("W/")) ? LastModified : ETag;
+}
+
+bool CorvaneRules::isAsTold(const FCorvDownloadAnswer& Answer, int64 SizeOnDisk)
+{
+	if (Answer.statusCode != 206)
+	{
+		return true; // the HTTP layer has compared the lengths
+	}
+	const bool bSpanIsKnown = Answer.range.first >= 0 && Answer.range.last >= 0;
+	const bool bWholeSpan = !bSpanIsKnown || Answer.bodyBytes == Answer.range.last - Answer.range.first + 1;
+	return bWholeSpan && (Answer.range.total <= 0 || SizeOnDisk == Answer.range.total);
+}
+
 bool CorvaneRules::followsOnDisk(const FCorvContentRange& Range, int64 SizeOnDisk, int64 BodyBytes)
 {
 	const bool bInsideSpan = Range.last < 0 || BodyBytes <= Range.last - Range.first + 1;
@@ -91,7 +118,8 @@ ECorvDownloadAction CorvaneRules::planDownload(const FCorvDownloadAnswer& Answer
 {
 	if (Answer.range.total > 0 && Target.size >= Answer.range.total)
 	{
-		return ECorvDownloadAction::Complete;
+		const bool bBelow = Answer.statusCode == 206 && Target.size > Answer.range.total; // it has become another file
+		return bBelow ? ECorvDownloadAction::Refuse : ECorvDownloadAction::Complete;
 	}
 	if (!CorvaneDownloadRules::isSuccess(Answer.statusCode) || Answer.bodyBytes == 0)
 	{
@@ -106,6 +134,10 @@ bool CorvaneRules::areReceivedBytesKept(const FCorvDownloadAnswer& Answer, const
 	{
 		return false;
 	}
+	if (Target.bOwnRange)
+	{
+		return CorvaneDownloadRules::isSuccess(Answer.statusCode) && CorvaneDownloadRules::followsByChoice(Answer, Target);
+	}
 	if (Answer.statusCode == 206)
 	{
 		return followsOnDisk(Answer.range, Target.size, Answer.bodyBytes);
@@ -119,9 +151,22 @@ bool CorvaneRules::isStep(const FCorvDownloadAnswer& Answer, const FCorvDownload
 	{
 		return false;
 	}
-	const bool bWholeFile = Answer.statusCode == 200 && Target.start == 0;
-	const bool bPart = Answer.statusCode == 206 && Answer.range.total > 0;
-	return bWholeFile || (bPart && followsOnDisk(Answer.range, Target.size, Answer.bodyBytes));
+	return Answer.statusCode == 206 && Answer.range.total > 0 && followsOnDisk(Answer.range, Target.size, Answer.bodyBytes);
+}
+
+void CorvaneRules::measureSpeed(int64 Now, int64 Bytes, int64& LastTime, int64& LastBytes, float& Megabit)
+{
+	constexpr float mebibitsPerByte = 7.6293945e-6f;
+	if (LastTime != 0 && Now - LastTime < ETimespan::TicksPerSecond)
+	{
+		return;
+	}
+	if (LastTime != 0)
+	{
+		Megabit = static_cast<float>(Bytes - LastBytes) * mebibitsPerByte;
+	}
+	LastBytes = Bytes;
+	LastTime = Now;
 }
 
 int64 CorvaneRules::usableStepSize(int32 StepSize)

@@ -47,16 +47,37 @@ namespace CorvaneRules
 	/** @return the Range value of a step: its ends are both included, and it is open when it would pass the file's end. */
 	FString stepRange(int64 start, int64 stepSize, int64 fullSize);
 
+	/** @return the most bytes that an honest answer to a step has; of the question for the size, one step. */
+	int64 mostStepBytes(int64 start, int64 stepSize, int64 fullSize);
+
+	/** @return what tells one version of a file from the next: the entity tag unless it is weak, else the date. */
+	FString versionOf(const FString& eTag, const FString& lastModified);
+
 	/** Whether a part of a file, of so many bytes, follows the bytes that are on disk and does not pass its own bounds. */
 	bool followsOnDisk(const FCorvContentRange& range, int64 sizeOnDisk, int64 bodyBytes);
+
+	/**
+	 * Whether a file is what an answer told of it, now that the answer's body is in it: of the total size, and all that the
+	 * answer's range promised. An answer that tells neither is believed.
+	 */
+	bool isAsTold(const FCorvDownloadAnswer& answer, int64 sizeOnDisk);
 
 	/** What becomes of the body of a whole answer. */
 	ECorvDownloadAction planDownload(const FCorvDownloadAnswer& answer, const FCorvDownloadTarget& target);
 	/** Whether the bytes of an answer that broke off, or was cancelled, go behind those on disk. */
 	bool areReceivedBytesKept(const FCorvDownloadAnswer& answer, const FCorvDownloadTarget& target);
 
-	/** Whether the answer to a step may be put behind what is on disk: the part asked for, or, to the first step, the whole file. */
+	/** Whether the answer to a step may be put behind what is on disk: nothing but the part asked for. */
 	bool isStep(const FCorvDownloadAnswer& answer, const FCorvDownloadTarget& target);
+
+	/**
+	 * Measures once a second: the amount since the last measurement, which is not divided by the time, a second or a little
+	 * more.
+	 * @param now, lastTime  ticks of 100 ns; a last time of 0 = never.
+	 * @param bytes, lastBytes  of the whole file.
+	 * @param megabit  2^20 bits each.
+	 */
+	void measureSpeed(int64 now, int64 bytes, int64& lastTime, int64& lastBytes, float& megabit);
 
 	/** @return the step size of a script, or the default when it is below 1; 2^30 at most. */
 	int64 usableStepSize(int32 stepSize);

@@ -1,0 +1,33 @@
+#include "Downloads/KeptVersions.h"
+
+#include "Misc/ScopeLock.h"
+
+void FCorvKeptVersions::remember(const FString& Path, int64 Size, const FString& Version)
+{
+	FScopeLock Lock(&lock);
+	for (int32 Index = 0; Index < all.Num(); ++Index)
+	{
+		if (all[Index].path.Equals(Path))
+		{
+			all.RemoveAt(Index);
+			break;
+		}
+	}
+	if (!Version.IsEmpty())
+	{
+		all.Add(FKept{Path, Size, Version});
+	}
+}
+
+FString FCorvKeptVersions::find(const FString& Path, int64 Size)
+{
+	FScopeLock Lock(&lock);
+	for (const FKept& Kept : all)
+	{
+		if (Kept.path.Equals(Path) && Kept.size == Size)
+		{
+			return Kept.version;
+		}
+	}
+	return FString();
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "CoreMinimal.h"
+#include "HAL/CriticalSection.h"
+
+/**
+ * Which version of a file on a server the bytes belong to that an unfinished download has left on disk, for as long as the
+ * program runs. Paths are full ones and compared exactly. Thread: any.
+ */
+class FCorvKeptVersions
+{
+public:
+	/** @param size  bytes on disk. @param version  an entity tag or a date; an empty one is forgotten. */
+	void remember(const FString& path, int64 size, const FString& version);
+	void forget(const FString& path) { remember(path, 0, FString()); }
+	/** @return the version; empty when it is not known, or the file has another size than it had. */
+	FString find(const FString& path, int64 size);
+
+private:
+	struct FKept
+	{
+		FString path;
+		int64 size = 0;
+		FString version;
+	};
+
+	FCriticalSection lock;
+	TArray<FKept> all;
+};

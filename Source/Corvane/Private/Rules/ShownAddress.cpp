@@ -1,0 +1,25 @@
+#include "Rules/ShownAddress.h"
+
+FString CorvaneRules::shownAddress(const FString& Url)
+{
+	int32 End = 0;
+	while (End < Url.Len() && Url[End] != TEXT('?') && Url[End] != TEXT('#'))
+	{
+		++End;
+	}
+	FString Shown = Url.Left(End);
+	FString Scheme;
+	FString Rest;
+	if (!Shown.Split(TEXT("://"), &Scheme, &Rest))
+	{
+		return Shown;
+	}
+	FString Host = Rest;
+	FString Path;
+	const bool bHasPath = Rest.Split(TEXT("/"), &Host, &Path);
+	FString Secret;
+	while (Host.Split(TEXT("@"), &Secret, &Host)) // the last one ends it
+	{
+	}
+	return Scheme + TEXT("://") + Host + (bHasPath ? TEXT("/") + Path : FString());
+}

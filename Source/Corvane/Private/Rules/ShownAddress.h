@@ -1,0 +1,9 @@
+#pragma once
+
+#include "CoreMinimal.h"
+
+namespace CorvaneRules
+{
+	/** @return an address as a log may show it: without user, password, query and fragment. */
+	FString shownAddress(const FString& url);
+} // namespace CorvaneRules
