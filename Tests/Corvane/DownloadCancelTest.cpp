@@ -145,6 +145,10 @@ TEST_F(DownloadCancel, OfASteppedOneOutlivesASecondStartOfItsRecord)
 	drain();
 	expectOneFailure(0);
 	EXPECT_EQ(target(), std::nullopt);
+	execute(requests); // the cancel was not meant for this one
+	drain();
+	EXPECT_EQ(completions.back().statusCode, 206);
+	EXPECT_TRUE(target() == content);
 }
 
 TEST_F(DownloadCancel, FollowedByAnOverwriteAtOnceNeverMixesTheTwo)
@@ -164,8 +168,8 @@ TEST_F(DownloadCancel, FollowedByAnOverwriteAtOnceNeverMixesTheTwo)
 		drain();
 		ASSERT_EQ(completions.size(), 2u);
 		const Completion& second = completions[0].requestID == "second" ? completions[0] : completions[1];
-		// The kept bytes of the first may have come in between the second's overwrite and its start.
-		const std::string expected = second.statusCode == 500 ? content.substr(0, 5000) : content;
+		// The kept bytes of the first may have come in between the second's overwrite and its start, or its builder's look.
+		const std::string expected = second.statusCode >= 400 ? content.substr(0, 5000) : content;
 		EXPECT_TRUE(target() == expected) << second.statusCode << ", " << describe(target());
 	}
 }
@@ -218,15 +222,11 @@ TEST_F(DownloadCancel, OfASteppedDownloadKeepsWholeSteps)
 			execute(build({origin.url(), DownloadKind::Stepped, Action::E_RESUME, "", "id", {}, step}));
 			ASSERT_TRUE(loop.WaitFor([&] { return reached.isOpen(); }, patienceSeconds)) << "step " << number;
 			UCorvaneBPLibrary::cancelRequest("id");
-			goOn.open();
 			drain();
-			ASSERT_EQ(completions.size(), before + 1);
-			const bool bLastByteOfAll = number == 6;
-			EXPECT_EQ(completions.back().statusCode, bLastByteOfAll && target() == content ? 206 : 500) << "step " << number;
+			expectOneFailure(before);
 			const size_t whole = number == 0 ? 0 : (number - 1) * (step + 1);
-			const std::string kept = target().value_or("");
-			EXPECT_TRUE(kept.size() == whole || kept.size() == whole + step + 1) << "step " << number << ": " << kept.size();
-			EXPECT_TRUE(isPrefix(kept));
+			EXPECT_EQ(target().value_or("").size(), whole) << "step " << number;
+			EXPECT_TRUE(isPrefix(target().value_or("")));
 		}
 		RangeOrigin honest([](Connection& connection, const RangeRequest& request) { connection.send(rangedAnswer(content, request)); });
 		fetch({honest.url(), DownloadKind::Stepped, Action::E_RESUME, "", "id", {}, step});

@@ -193,6 +193,41 @@ TEST_F(Download, TellsTextAndLinesButNoBytes)
 	EXPECT_EQ(result.requestID, "my-id");
 }
 
+TEST(DownloadIntoTheGame, IsReadFromTheProjectsFolder)
+{
+	class Game : public DownloadFixture
+	{
+	public:
+		explicit Game(const TempDir& project)
+			: DownloadFixture(settings(project))
+		{
+		}
+		int32 fetch(const std::string& url, const char* path)
+		{
+			TArray<FhttpRequest> requests;
+			FString id;
+			UCorvaneBPLibrary::CreateHttpRequestGETDownload(
+				{}, text(url), {}, Action::E_OVERWRITE, EHTTPCorvFileUpload::E_gd, path, "", requests, id);
+			return run(requests).statusCode;
+		}
+
+	private:
+		static FGameLoopSettings settings(const TempDir& project)
+		{
+			FGameLoopSettings settings;
+			settings.projectDirectory = project.path();
+			return settings;
+		}
+		void TestBody() override {}
+	};
+	const TempDir project;
+	project.write("Saved/x", "");
+	Game game(project);
+	RangeOrigin origin(serveHonestly);
+	EXPECT_EQ(game.fetch(origin.url(), "Saved/file"), 200);
+	EXPECT_TRUE(project.read("Saved/file") == content);
+}
+
 TEST_F(Download, CountsWhatIsOnDiskAsProgress)
 {
 	setTarget(prefix);

@@ -10,6 +10,7 @@
 #include "Completion/RunningRequests.h"
 #include "Misc/CString.h"
 #include "Misc/ScopeLock.h"
+#include "Rules/ShownAddress.h"
 #include "Templates/SharedPointer.h"
 #include "UObject/WeakObjectPtr.h"
 
@@ -207,7 +208,16 @@ FCorvCompletion UCorvaneRequestCompleteObject::failureOf(const FHttpResponsePtr&
 	constexpr int32 firstErrorCode = 400;
 	const int32 Code = codeOf(InResponse);
 	// Below 400 the answer of a broken exchange would pass for a success, so it counts as none.
-	if (cancelIfAsked() || Code < firstErrorCode)
+	if (cancelIfAsked())
+	{
+		return CorvaneResult::noResponse();
+	}
+	if (fileCancelResumeDownloadDir.IsEmpty()) // downloads have a line of their own
+	{
+		UE_LOG(LogTemp, Warning, TEXT("UCorvaneBPLibrary: The request failed, the server's code is %d. Request %s, %s"), Code, *requestID,
+			*CorvaneRules::shownAddress(httpRequest.url));
+	}
+	if (Code < firstErrorCode)
 	{
 		return CorvaneResult::noResponse();
 	}
