@@ -210,7 +210,7 @@ private:
 	// What the callbacks learn while the request runs; of this run, as what follows.
 	std::atomic<int32> statusCode{0}; // 0 = none came
 	std::atomic<int64> bodySize{-1}; // that the answer announces; -1 = no answer yet, 0 = it does not say
-	TSharedPtr<FCorvEventBody> eventBody;
+	TSharedPtr<FCorvEventBody> eventBody; // null without server-sent events
 	TSharedPtr<FCorvProgressMail> progressMail;
 	TSharedPtr<FCorvCancelState> cancelState; // never null; shared with what follows this run
 	bool bTooMuchCame = false; // the answer to a step, or to the question for the size, was cut off

@@ -9,6 +9,7 @@ struct FCorvCancelState
 {
 	std::atomic<bool> asked{false};
 	std::atomic<bool> logged{false};
+	std::atomic<bool> programEnds{false}; // and cancels everything: no failure of the request's own
 
 	/** Tells the log, once. @return whether the script has asked. */
 	bool isAsked(const FString& requestID)

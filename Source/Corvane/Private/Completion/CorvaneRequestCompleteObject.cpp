@@ -16,8 +16,8 @@
 
 UCorvaneRequestCompleteObject::UCorvaneRequestCompleteObject(const FObjectInitializer& ObjectInitializer)
 	: Super(ObjectInitializer)
+	, cancelState(MakeShared<FCorvCancelState>())
 {
-	resetRun();
 }
 
 void UCorvaneRequestCompleteObject::BeginDestroy()
@@ -84,7 +84,10 @@ void UCorvaneRequestCompleteObject::resetRun()
 	uploadSent = 0;
 	statusCode = 0;
 	bodySize = -1;
-	eventBody = MakeShared<FCorvEventBody>();
+	if (httpRequest.bindServerSendEvent)
+	{
+		eventBody = MakeShared<FCorvEventBody>();
+	}
 	progressMail = MakeShared<FCorvProgressMail>();
 	cancelState = MakeShared<FCorvCancelState>();
 	bTooMuchCame = false;
@@ -212,7 +215,7 @@ FCorvCompletion UCorvaneRequestCompleteObject::failureOf(const FHttpResponsePtr&
 	{
 		return CorvaneResult::noResponse();
 	}
-	if (fileCancelResumeDownloadDir.IsEmpty()) // downloads have a line of their own
+	if (fileCancelResumeDownloadDir.IsEmpty() && !cancelState->programEnds) // downloads have a line of their own
 	{
 		UE_LOG(LogTemp, Warning, TEXT("UCorvaneBPLibrary: The request failed, the server's code is %d. Request %s, %s"), Code, *requestID,
 			*CorvaneRules::shownAddress(httpRequest.url));

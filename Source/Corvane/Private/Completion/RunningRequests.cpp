@@ -115,6 +115,7 @@ void FCorvRunningRequests::cancelAll()
 		FScopeLock Lock(&lock);
 		for (const TPair<int64, FRun>& Run : runs)
 		{
+			Run.Value.cancelState->programEnds = true;
 			Requests.Add(Run.Value.request);
 		}
 	}
