@@ -1,0 +1,45 @@
+#include "Completion/CorvThread.h"
+#include "CorvaneRequestCompleteObject.h"
+#include "Host/Log.h"
+#include "ModuleFixture.h"
+#include "RawServer.h"
+#include "UObject/UObjectGlobals.h"
+
+class Worker : public ModuleFixture
+{
+};
+
+TEST_F(Worker, ProgressThatFindsOtherWaitingTakesItsPlace)
+{
+	// Without a library each job is a line in the log, where the worker can be held.
+	UCorvaneRequestCompleteObject* object = NewObject<UCorvaneRequestCompleteObject>();
+	object->AddToRoot();
+	Gate reached, goOn;
+	std::vector<std::string> lines; // of the worker, read behind its end
+	HostLog::SetSink(
+		[&](const char*, ELogVerbosity::Type, const FString& line)
+		{
+			lines.push_back(utf8(line));
+			reached.open();
+			goOn.wait({});
+			if (lines.back().find("(12)") != std::string::npos)
+			{
+				object->setRequestID("id", FhttpRequest(), UCorvaneBPLibrary::getCorvaneTarget()); // which hears of the end
+			}
+		});
+	{
+		FCorvThread worker(object, 0);
+		worker.addJob(new FCorvTheadJob{ECorvJobType::ProgressDownload, nullptr, nullptr, false, 0, 1});
+		EXPECT_TRUE(waitFor([&] { return reached.isOpen(); }));
+		for (uint64 bytes = 2; bytes < 1000; ++bytes)
+		{
+			worker.addJob(new FCorvTheadJob{ECorvJobType::ProgressDownload, nullptr, nullptr, false, 0, bytes});
+		}
+		worker.addJob(new FCorvTheadJob{ECorvJobType::Complete, nullptr, nullptr, false, 0, 0});
+		goOn.open();
+		EXPECT_TRUE(waitFor([&] { return worker.hasEnded(); }));
+	}
+	HostLog::SetSink({});
+	EXPECT_EQ(lines.size(), 3u) << "one under way, one waiting, the completion";
+	object->RemoveFromRoot();
+}
