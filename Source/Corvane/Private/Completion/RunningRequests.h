@@ -32,6 +32,8 @@ public:
 	void end(int64 runNumber);
 
 	bool isEmpty();
+	/** Whether a worker is still to end; what is only to follow does not count. */
+	bool hasRuns();
 	/** Cancels whatever runs, or is to follow, under an ID. */
 	void cancel(const FString& requestID);
 	/** Cancels the engine request of every run. */
@@ -52,7 +54,6 @@ private:
 	};
 
 	int64 add(FRun run);
-	bool hasRuns();
 
 	FCriticalSection lock;
 	TMap<int64, FRun> runs;
