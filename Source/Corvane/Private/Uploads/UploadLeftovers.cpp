@@ -4,6 +4,7 @@
 #include "GenericPlatform/GenericPlatformFile.h"
 #include "HAL/FileManager.h"
 #include "HAL/PlatformFileManager.h"
+#include "Misc/DateTime.h"
 #include "Misc/Paths.h"
 #include "Rules/UploadTail.h"
 #include "Uploads/UploadFile.h"
