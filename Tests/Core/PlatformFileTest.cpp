@@ -4,6 +4,7 @@
 #include "TextSupport.h"
 
 #include <gtest/gtest.h>
+#include <set>
 
 namespace fs = std::filesystem;
 
@@ -47,6 +48,29 @@ TEST_F(PlatformFile, TellsFilesFromDirectories)
 		EXPECT_EQ(Files.DirectoryExists(*Path), Case.bDirectory) << Case.Path;
 		EXPECT_EQ(Files.FileSize(*Path), Case.Size) << Case.Path;
 	}
+}
+
+TEST_F(PlatformFile, FindsTheFilesOfADirectory)
+{
+	for (const char* Name : {"\u00fc.txt", "b.TXT", "btxt", "below/c.txt"})
+	{
+		Dir.write(Name, "");
+	}
+	const auto Find = [this](const TCHAR* Extension)
+	{
+		TArray<FString> Found;
+		IFileManager::Get().FindFiles(Found, *wide(Dir.path()), Extension);
+		IFileManager::Get().FindFiles(Found, *wide(Dir.path("missing")), Extension);
+		std::multiset<std::string> Names;
+		for (const FString& Name : Found)
+		{
+			Names.insert(utf8(Name));
+		}
+		return Names;
+	};
+	EXPECT_EQ(Find(nullptr), (std::multiset<std::string>{"b.TXT", "btxt", "\u00fc.txt"}));
+	EXPECT_EQ(Find(TEXT("txt")), (std::multiset<std::string>{"\u00fc.txt"}));
+	EXPECT_EQ(Find(TEXT(".TXT")), (std::multiset<std::string>{"b.TXT"}));
 }
 
 TEST_F(PlatformFile, MakesAndRemovesOneDirectory)

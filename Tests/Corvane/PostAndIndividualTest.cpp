@@ -146,7 +146,8 @@ TEST_F(PostAndIndividual, IndividualAddsTheLengthOfItsText)
 	given.type = EHTTPCorvIndividualType::STREAM;
 	given.content = "/a/path";
 	EXPECT_EQ(utf8(build(given)[0].header.FindRef("Content-Length")), "7") << "of the path, as it always was";
-	EXPECT_TRUE(log.lines().empty());
+	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Warning, "Content-Length header has the length of the path"), 1);
+	EXPECT_EQ(log.lines().size(), 1u);
 	given.verb = "GET";
 	given.content = "";
 	build(given);

@@ -5,6 +5,7 @@
 
 #include <csignal>
 #include <fstream>
+#include <map>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -243,21 +244,36 @@ TEST_F(UploadFault, AFileIsInOneUploadThatChangesItAtATime)
 {
 	Gate gate;
 	UploadSink slow(&gate);
+	std::map<std::string, int> left; // files that a repair has left alone, and how often
 	const std::string path = dir.write("a.bin", std::string(1000, 'x'));
 	execute(put(slow.url(), path, Type::PUT_STREAM_MP));
 	EXPECT_EQ(dir.read("a.bin"), std::string(1000, 'x') + tail(1000));
 	EXPECT_FALSE(library().isFileBlocked(text(path))) << "that is said of those that wait for their repair";
-	const auto expectRefused = [&](Type type)
+	fs::create_symlink(path, dir.path("link"));
+	fs::create_hard_link(path, dir.path("twin"));
+	const auto expectNobodyTouchesIt = [&]
 	{
-		completions.clear();
-		execute(put(sink.url(), path, type));
-		ASSERT_TRUE(waitForCompletions());
-		EXPECT_EQ(completions[0].statusCode, 400) << static_cast<int>(type);
+		for (const std::string& name : {path, dir.path("link"), dir.path("twin")})
+		{
+			TArray<FhttpRequest> requests = post(sink.url(), name);
+			requests.Append(individual(sink.url(), name));
+			for (const Type type : everyType)
+			{
+				requests.Append(put(sink.url(), name, type));
+			}
+			for (const FhttpRequest& request : requests)
+			{
+				completions.clear();
+				execute({request});
+				ASSERT_TRUE(waitForCompletions());
+				EXPECT_EQ(completions[0].statusCode, 400) << name << static_cast<int>(request.requestType);
+			}
+			UCorvaneBPLibrary::repairFileAfterUpload(EHTTPCorvFileUpload::E_ad, text(name));
+			EXPECT_EQ(logged(ELogVerbosity::Display, "UCorvaneBPLibrary: truncate fail: " + name), ++left[name]);
+		}
+		EXPECT_EQ(dir.read("a.bin"), std::string(1000, 'x') + tail(1000));
 	};
-	for (const Type type : everyType)
-	{
-		expectRefused(type);
-	}
+	expectNobodyTouchesIt();
 
 	completions.clear();
 	library().setUploadGracePeriod(60);
@@ -273,14 +289,85 @@ TEST_F(UploadFault, AFileIsInOneUploadThatChangesItAtATime)
 	EXPECT_TRUE(library().isFileBlocked(text(path)));
 	EXPECT_TRUE(library().isFileBlocked(text(dir.path("A.BIN"))));
 	EXPECT_TRUE(UCorvaneBPLibrary::hasPendingWork());
-	for (const Type type : everyType)
-	{
-		expectRefused(type);
-	}
-	EXPECT_EQ(logged(ELogVerbosity::Error, stillOpen + path), 8);
+	expectNobodyTouchesIt();
+	EXPECT_EQ(logged(ELogVerbosity::Error, stillOpen + path), 12);
 	EXPECT_EQ(sink.connectionCount(), 0);
 	loop.Shutdown();
 	EXPECT_EQ(dir.read("a.bin") + dir.read("A.bin"), std::string(1000, 'x') + "other");
+}
+
+TEST_F(UploadFault, AFileThatEndsInItsOwnTailIsRefused)
+{
+	const std::string thousand(1000, 'x');
+	const auto answers = [&](const std::string& content)
+	{
+		const std::string path = dir.write("a.bin", content); // as a crash has left it, or another program has it in hand
+		TArray<FhttpRequest> requests = post(sink.url(), path);
+		requests.Append(individual(sink.url(), path));
+		for (const Type type : everyType)
+		{
+			requests.Append(put(sink.url(), path, type));
+		}
+		std::vector<int> codes;
+		for (const FhttpRequest& request : requests)
+		{
+			codes.push_back(run({request}).statusCode);
+		}
+		EXPECT_EQ(dir.read("a.bin"), content);
+		EXPECT_THAT(files(), ElementsAre("a.bin"));
+		return codes;
+	};
+	EXPECT_THAT(answers(thousand + tail(1000)), testing::Each(400));
+	EXPECT_THAT(answers(tail(0)), testing::Each(400));
+	EXPECT_EQ(logged(ELogVerbosity::Error, stillOpen + dir.path("a.bin")), 12);
+	EXPECT_EQ(sink.connectionCount(), 0);
+	for (const std::string& own : {thousand + tail(999), thousand + tail(1000) + "\r\n", thousand.substr(2) + "xx" + tail(1000).substr(2)})
+	{
+		EXPECT_THAT(answers(own), testing::Each(200)) << own.substr(990);
+	}
+}
+
+TEST_F(UploadFault, ARedirectThatAsksForTheBodyAgainIsTold)
+{
+	std::string code;
+	RawServer server(
+		[&](Connection& connection)
+		{
+			for (;;)
+			{
+				const std::string head = connection.readHead();
+				if (head.starts_with("GET"))
+				{
+					connection.send(answer(200, ""));
+					continue;
+				}
+				connection.read(std::stoul(Received{head, ""}.header("Content-Length")));
+				connection.send(answer(std::stoi(code), "", "Location: /\r\n"));
+			}
+		});
+	const std::string path = dir.write("a.bin", "hello");
+	struct Case
+	{
+		TArray<FhttpRequest> request;
+		std::vector<const char*> again, asGet; // codes
+	};
+	for (const Case& c : {Case{post(server.url(), path), {"307", "308"}, {"301", "302", "303"}},
+			 {put(server.url(), path, Type::PUT_STREAM_BLANK), {"301", "302", "307", "308"}, {"303"}}})
+	{
+		const int before = logged(ELogVerbosity::Warning, "UCorvaneBPLibrary: The server sent the upload on to another address (");
+		for (const char* number : c.again)
+		{
+			code = number;
+			EXPECT_EQ(run(c.request).statusCode, 500) << code;
+			EXPECT_GE(logged(ELogVerbosity::Warning, "another address (" + code + ")"), 1);
+		}
+		for (const char* number : c.asGet)
+		{
+			code = number;
+			EXPECT_EQ(run(c.request).statusCode, 200) << code;
+		}
+		EXPECT_EQ(logged(ELogVerbosity::Warning, "another address (") - before, static_cast<int>(c.again.size()));
+	}
 }
 
 TEST_F(UploadFault, AnyNumberOfUploadsReadOneFileAtOnce)

@@ -73,6 +73,15 @@ TArray<FhttpRequest> UploadTest::post(const std::string& url, const std::string&
 	return requests;
 }
 
+TArray<FhttpRequest> UploadTest::individual(const std::string& url, const std::string& path)
+{
+	TArray<FhttpRequest> requests;
+	FString id;
+	UCorvaneBPLibrary::CreateHttpRequestIndividual({}, text(url), {{"Content-Type", "text/plain"}}, "PUT", EHTTPCorvIndividualType::STREAM,
+		text(path), "", requests, id, false, false, true, false);
+	return requests;
+}
+
 std::string UploadTest::tail(size_t size)
 {
 	return "\r\n------UE4CorvanePlugin_" + std::to_string(size) + "--\r\n";

@@ -64,6 +64,9 @@ protected:
 	static TArray<FhttpRequest> put(const std::string& url, const std::string& path, Type type, const UploadOptions& options = {});
 	static TArray<FhttpRequest> post(const std::string& url, const std::string& path, const UploadOptions& options = {});
 
+	/** An individual PUT whose body is the file. */
+	static TArray<FhttpRequest> individual(const std::string& url, const std::string& path);
+
 	/** The tail that stands behind a file of this size during its upload. */
 	static std::string tail(size_t size);
 	/** @return the names of all files in the folder, in order. */

@@ -1,3 +1,5 @@
+#include "Host/SystemThreads.h"
+#include "NoThreads.h"
 #include "UploadFixture.h"
 #include "Uploads/UploadFiles.h"
 
@@ -133,6 +135,21 @@ TEST_F(UploadRepair, AFileIsBlockedUntilAllItsRecordsAreHandled)
 	EXPECT_EQ(dir.read("a.bin"), thousand);
 }
 
+TEST_F(UploadRepair, IsDoneAtOnceWhenTheSystemHasNoThreadToGive)
+{
+	library().setUploadGracePeriod(3600);
+	HostThreads::JoinIdle();
+	const NoThreads limit;
+	for (FhttpRequest made :
+		{record(multipart, dir.write("a.bin", thousand + tail(1000)), 1000), record(copied, dir.write("a_UEUploadCopy_0123.bin", "x"), 1)})
+	{
+		library().addRequestToTruncateThread(made);
+		EXPECT_FALSE(library().isFileBlocked(made.filePath) || UCorvaneBPLibrary::hasPendingWork());
+	}
+	EXPECT_THAT(files(), ElementsAre("a.bin"));
+	EXPECT_EQ(dir.read("a.bin"), thousand);
+}
+
 TEST_F(UploadRepair, TheGracePeriodIsGivenToEveryRecord)
 {
 	using namespace std::chrono;
@@ -229,6 +246,27 @@ TEST_F(UploadRepair, LeftoversAreFoundAndCutOff)
 	}
 	EXPECT_EQ(okay() + failed(), 1);
 	EXPECT_THAT(files(), ElementsAre("a.bin")) << "looking for a file must not make it";
+}
+
+TEST_F(UploadRepair, CopiesThatWereLeftBehindAreTold)
+{
+	Gate gate;
+	UploadSink slow(&gate);
+	const std::string path = dir.write("a.bin", thousand);
+	const std::string copy = dir.write("a_UEUploadCopy_0123.bin", thousand + tail(1000));
+	for (const char* other :
+		{"a_UEUploadCopy_0123.txt", "ba_UEUploadCopy_0123.bin", "below/a_UEUploadCopy_0123.bin", "a_UEUploadCopy_.bin/x"})
+	{
+		dir.write(other, "");
+	}
+	execute(put(slow.url(), path, Type::PUT_STREAM_COPY)); // whose copy is in use
+	const size_t before = files().size();
+	EXPECT_EQ(search(path), untouched);
+	EXPECT_EQ(logged(ELogVerbosity::Display, "UCorvaneBPLibrary: upload copy has been left behind: " + copy), 1);
+	EXPECT_EQ(logged(ELogVerbosity::Display, "left behind"), 1);
+	EXPECT_EQ(files().size(), before);
+	gate.open();
+	drain();
 }
 
 TEST_F(UploadRepair, LeftoversThatDoNotFitAreLeftAlone)

@@ -1,3 +1,4 @@
+#include "Host/Directories.h"
 #include "UploadFixture.h"
 
 using testing::ElementsAre;
@@ -194,9 +195,9 @@ TEST_F(UploadWire, NamesBreakOutOfNothing)
 		EXPECT_EQ((got.head + got.body).find("\nX-Evil"), std::string::npos);
 		if (type == Type::PUT_STREAM_BLANK)
 		{
-			EXPECT_EQ(got.header("filename"), safe);
-			EXPECT_EQ(got.header("fileformat"), "tx%22t");
-			EXPECT_EQ(got.header("fileid"), "f%22%0D%0A");
+			EXPECT_EQ(got.header("filename"), "a\"%0D%0AX-Evil: 1%0D%0A%0D%0A.tx\"t") << "there are no quotes to leave";
+			EXPECT_EQ(got.header("fileformat"), "tx\"t");
+			EXPECT_EQ(got.header("fileid"), "f\"%0D%0A");
 		}
 		else
 		{
@@ -204,6 +205,23 @@ TEST_F(UploadWire, NamesBreakOutOfNothing)
 		}
 	}
 	EXPECT_EQ(dir.read(evil), "hello");
+}
+
+TEST_F(UploadWire, FilesMayLieBelowTheProject)
+{
+	HostDirectories::Set(dir.path(), "/elsewhere");
+	dir.write("Saved/a.bin", "hello");
+	for (const Type type : {Type::PUT, Type::PUT_STREAM_BLANK, Type::PUT_STREAM_MP, Type::PUT_STREAM_COPY})
+	{
+		TArray<FhttpRequest> requests;
+		FString id;
+		UCorvaneBPLibrary::CreateHttpRequestFileUploadPUT(
+			{}, text(sink.url()), {}, EHTTPCorvFileUpload::E_gd, "Saved/a.bin", "f", type, "", requests, id);
+		EXPECT_EQ(run(requests).statusCode, 200) << static_cast<int>(type);
+		EXPECT_THAT(sink.last().body, testing::HasSubstr("hello"));
+	}
+	EXPECT_EQ(dir.read("Saved/a.bin"), "hello");
+	EXPECT_EQ(copyPath(), "");
 }
 
 TEST_F(UploadWire, ProgressIsTheShareOfTheBody)
@@ -229,21 +247,14 @@ TEST_F(UploadWire, ProgressRisesWhileBytesAreSent)
 {
 	constexpr size_t size = 24 << 20; // more than the buffers on the way hold
 	const std::string path = dir.write("a.bin", std::string(size, 'x'));
-	FString id;
-	const auto individual = [&](EHTTPCorvIndividualType type, const std::string& content)
-	{
-		TArray<FhttpRequest> requests;
-		UCorvaneBPLibrary::CreateHttpRequestIndividual(
-			{}, "http://", {{"Content-Type", "text/plain"}}, "PUT", type, text(content), "", requests, id, false, false, true, false);
-		return requests;
-	};
 	TArray<FhttpRequest> all = post("http://", path);
 	for (const Type type : {Type::PUT, Type::PUT_STREAM_BLANK, Type::PUT_STREAM_MP, Type::PUT_STREAM_COPY})
 	{
 		all.Append(put("http://", path, type));
 	}
-	all.Append(individual(EHTTPCorvIndividualType::STRING, std::string(size, 'x')));
-	all.Append(individual(EHTTPCorvIndividualType::STREAM, path));
+	all.Append(individual("http://", path));
+	all.Append(individual("http://", std::string(size, 'x')));
+	all.Last().requestType = EHTTPCorvRequestType::INDIVIDUAL; // its text is the body
 	EXPECT_EQ(all.Num(), 7);
 	for (FhttpRequest& record : all)
 	{

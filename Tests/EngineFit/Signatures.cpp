@@ -187,8 +187,10 @@ namespace EngineSignatures
 	GIVES(FArchive*, IFileManager::Get().CreateFileReader(Name));
 	GIVES(FArchive*, IFileManager::Get().CreateFileWriter(Name, FILEWRITE_Append));
 	GIVES(int64, IFileManager::Get().FileSize(Name));
+	GIVES(void, IFileManager::Get().FindFiles(std::declval<TArray<FString>&>(), Name, nullptr));
 	GIVES(bool, IFileManager::Get().Delete(Name, false, true, true));
-	static_assert(FILEWRITE_None == 0 && FILEWRITE_Append == 0x08 && std::is_convertible_v<EFileWrite, uint32>);
+	static_assert(
+		FILEWRITE_None == 0 && FILEWRITE_Append == 0x08 && FILEWRITE_AllowRead == 0x10 && std::is_convertible_v<EFileWrite, uint32>);
 	IS_DECLARED(void (FArchive::*)(void*, int64), FArchive::Serialize);
 	IS_DECLARED(int64 (FArchive::*)(), FArchive::TotalSize);
 	IS_DECLARED(void (FArchive::*)(int64), FArchive::Seek);

@@ -36,6 +36,22 @@ int64 IFileManager::FileSize(const TCHAR* Filename)
 	return FPlatformFileManager::Get().GetPlatformFile().FileSize(Filename);
 }
 
+void IFileManager::FindFiles(TArray<FString>& FoundFiles, const TCHAR* Directory, const TCHAR* FileExtension)
+{
+	const std::string Wanted = FileExtension ? toNativePath(FileExtension).string() : "";
+	const std::string End = Wanted.empty() || Wanted[0] == '.' ? Wanted : "." + Wanted;
+	std::error_code Error;
+	for (std::filesystem::directory_iterator Entry(toNativePath(Directory), Error), None; !Error && Entry != None; Entry.increment(Error))
+	{
+		const std::string Name = Entry->path().filename().string();
+		std::error_code Ignored; // it may just have gone
+		if (Name.ends_with(End) && Entry->is_regular_file(Ignored))
+		{
+			FoundFiles.Add(FUTF8ToTCHAR(Name.data(), static_cast<int32>(Name.size())).Get());
+		}
+	}
+}
+
 bool IFileManager::Delete(const TCHAR* Filename, bool bRequireExists, bool bEvenReadOnly, bool)
 {
 	IPlatformFile& Files = FPlatformFileManager::Get().GetPlatformFile();

@@ -395,7 +395,8 @@ public:
 		TArray<FhttpRequest>& httpRequests, FString& requestID);
 
 	/**
-	 * Looks for what a PUT_STREAM_MP upload that never ended has left at the end of a file.
+	 * Looks for what a PUT_STREAM_MP upload that never ended has left at the end of a file. Copies of the file that
+	 * PUT_STREAM_COPY has left beside it are named in the log, and stay.
 	 * @param found  whether the file ends so.
 	 * @param originalFileSize  bytes of the file before that upload; left as it was unless found.
 	 * @note Thread: any.
@@ -406,7 +407,8 @@ public:
 	static void searchUploadLeftovers(EHTTPCorvFileUpload directoryType, FString filePath, bool& found, int64& originalFileSize);
 
 	/**
-	 * Cuts a file back to the size that searchUploadLeftovers finds, unless that is 0 or more than the file has.
+	 * Cuts a file back to the size that searchUploadLeftovers finds, unless that is 0 or more than the file has, or this
+	 * program is uploading the file.
 	 * @return always false; the outcome stands in the log.
 	 * @note Thread: any.
 	 */

@@ -1,13 +1,14 @@
 #pragma once
 
-#include "CoreTypes.h"
+#include "Containers/UnrealString.h"
 
 class FArchive;
 
 enum EFileWrite : uint32
 {
 	FILEWRITE_None = 0,
-	FILEWRITE_Append = 0x08 // write behind what the file holds
+	FILEWRITE_Append = 0x08, // write behind what the file holds
+	FILEWRITE_AllowRead = 0x10 // others may read meanwhile; here they always may
 };
 
 /** Opens and deletes files by name. Thread: any. */
@@ -27,6 +28,13 @@ public:
 
 	/** @return bytes, or -1 when that is no file. */
 	int64 FileSize(const TCHAR* Filename);
+
+	/**
+	 * Finds the files in a directory, not those further down.
+	 * @param FoundFiles  gets their names, without the directory, in any order.
+	 * @param FileExtension  with or without its dot; null or empty = any.
+	 */
+	void FindFiles(TArray<FString>& FoundFiles, const TCHAR* Directory, const TCHAR* FileExtension);
 
 	/**
 	 * Deletes a file.

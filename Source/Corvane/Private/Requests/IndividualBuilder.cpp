@@ -39,7 +39,7 @@ namespace CorvaneIndividual
 		return false;
 	}
 
-	static void addContentLength(const FString& UpperVerb, const FString& Body, TMap<FString, FString>& Header)
+	static void addContentLength(const FString& UpperVerb, const FString& Body, bool bPathOfFile, TMap<FString, FString>& Header)
 	{
 		if (UpperVerb == TEXT("GET"))
 		{
@@ -50,6 +50,12 @@ namespace CorvaneIndividual
 		{
 			UE_LOG(LogTemp, Warning,
 				TEXT("Corv Plugin: Setting a Content-Length header with the value 0 can lead to an error on the server. "));
+		}
+		if (bPathOfFile)
+		{
+			UE_LOG(LogTemp, Warning,
+				TEXT(
+					"Corv Plugin: The Content-Length header has the length of the path, not that of the file, so the server will not read the file as it is. Switch addContentLengthHeader off: the length of the file is then sent by itself."));
 		}
 		Header.Add(TEXT("Content-Length"), UCorvaneBPLibrary::Int64ToFString(FTCHARToUTF8(*Body, Body.Len()).Length()));
 	}
@@ -68,13 +74,13 @@ void UCorvaneBPLibrary::CreateHttpRequestIndividual(TArray<FhttpRequest> InOther
 		fireErrorMessageInGameThread(Library ? Library->getUAsyncNodeHttpRequest(OutRequestID) : nullptr, 400, OutRequestID);
 		return;
 	}
+	const bool bStream = InContentBodyType == EHTTPCorvIndividualType::STREAM;
 	if (bInAddContentLengthHeader)
 	{
-		CorvaneIndividual::addContentLength(Verb, InContentBody, InHeader);
+		CorvaneIndividual::addContentLength(Verb, InContentBody, bStream, InHeader);
 	}
 
 	OutRequestID = CorvaneBuilder::idOrNew(InOptionalRequestID);
-	const bool bStream = InContentBodyType == EHTTPCorvIndividualType::STREAM;
 	FhttpRequest Record;
 	Record.requestType = bStream ? EHTTPCorvRequestType::INDIVIDUAL_STREAM : EHTTPCorvRequestType::INDIVIDUAL;
 	Record.url = InUrl;

@@ -11,6 +11,7 @@
 #include "Rules/Multipart.h"
 #include "UObject/UObjectGlobals.h"
 #include "Uploads/UploadBody.h"
+#include "Uploads/UploadFile.h"
 
 namespace CorvaneDispatcher
 {
@@ -273,7 +274,8 @@ bool UCorvaneBPLibrary::fillRequestIndividual(const FhttpRequest& InRequest, IHt
 	fillHeader(InRequest, OutHttpRequest);
 	if (InRequest.requestType == EHTTPCorvRequestType::INDIVIDUAL_STREAM)
 	{
-		return CorvaneUpload::sendFile(InRequest, InRequest.content, OutHttpRequest);
+		const FString Path = CorvaneUpload::onDisk(CorvaneUpload::fullPath(EHTTPCorvFileUpload::E_ad, InRequest.content));
+		return CorvaneUpload::hasOwnEnd(*this, Path) && CorvaneUpload::sendFile(InRequest, InRequest.content, OutHttpRequest);
 	}
 	if (InRequest.bindUploadProgressEvent && !InRequest.content.IsEmpty())
 	{

@@ -32,28 +32,14 @@ FString CorvaneRules::multipartType(const FString& Token)
 	return FString(TEXT("multipart/form-data; boundary=----")) + Token;
 }
 
+FString CorvaneRules::safeHeaderValue(const FString& Text)
+{
+	return Text.Replace(TEXT("\r"), TEXT("%0D")).Replace(TEXT("\n"), TEXT("%0A"));
+}
+
 FString CorvaneRules::safeName(const FString& Name)
 {
-	FString Safe;
-	for (int32 Index = 0; Index < Name.Len(); ++Index)
-	{
-		const TCHAR Unit = Name[Index];
-		switch (Unit)
-		{
-		case TEXT('"'):
-			Safe += TEXT("%22");
-			break;
-		case TEXT('\r'):
-			Safe += TEXT("%0D");
-			break;
-		case TEXT('\n'):
-			Safe += TEXT("%0A");
-			break;
-		default:
-			Safe += FString::ConstructFromPtrSize(&Unit, 1);
-		}
-	}
-	return Safe;
+	return safeHeaderValue(Name).Replace(TEXT("\""), TEXT("%22"));
 }
 
 FString CorvaneRules::filePartHead(const FString& Token, const FString& Field, const FString& File, const FString& MimeType)

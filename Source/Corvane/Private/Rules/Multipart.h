@@ -11,6 +11,9 @@ namespace CorvaneRules
 	/** The value of the Content-Type header. */
 	FString multipartType(const FString& token);
 
+	/** A text made safe as the value of a header: it cannot end the line. */
+	FString safeHeaderValue(const FString& text);
+
 	/** A field or file name made safe for a quoted place in a header: it can end neither the quotes nor the line. */
 	FString safeName(const FString& name);
 

@@ -1,6 +1,7 @@
 #include "Rules/UploadTail.h"
 
 #include "Misc/Paths.h"
+#include "Rules/Multipart.h"
 
 namespace CorvaneUploadTail
 {
@@ -100,10 +101,30 @@ int64 CorvaneRules::sizeBeforeUpload(const uint8* Tail, int32 Number, int64 File
 	return SizeInFront >= firstUnsaidSize || Said < 0 ? -1 : Said;
 }
 
+bool CorvaneRules::endsInOwnTail(const uint8* Tail, int32 Number, int64 FileSize)
+{
+	const int64 Size = sizeBeforeUpload(Tail, Number, FileSize);
+	const TArray<uint8> Own = fstringToByteArray(closingDelimiter(boundaryToken(Size)));
+	if (Size < 0 || Size + Own.Num() != FileSize)
+	{
+		return false;
+	}
+	TArray<uint8> End;
+	End.Append(Tail + Number - Own.Num(), Own.Num());
+	return End == Own;
+}
+
 FString CorvaneRules::uploadCopyPath(const FString& Path, const FString& Guid)
 {
 	const FString Name = FPaths::GetBaseFilename(Path) + CorvaneUploadTail::copyMark + Guid + TEXT(".") + FPaths::GetExtension(Path);
 	return Path.Replace(*FPaths::GetCleanFilename(Path), *Name);
+}
+
+bool CorvaneRules::isUploadCopyOf(const FString& Name, const FString& Path)
+{
+	const FString Begin = FPaths::GetBaseFilename(Path) + CorvaneUploadTail::copyMark;
+	const FString End = FString(TEXT(".")) + FPaths::GetExtension(Path);
+	return Name.StartsWith(Begin, ESearchCase::CaseSensitive) && Name.EndsWith(End, ESearchCase::CaseSensitive);
 }
 
 bool CorvaneRules::needsRepair(const FhttpRequest& Record)

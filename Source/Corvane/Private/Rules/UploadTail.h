@@ -18,10 +18,19 @@ namespace CorvaneRules
 	int64 sizeBeforeUpload(const uint8* tail, int32 number, int64 fileSize);
 
 	/**
+	 * Whether a file is, byte for byte, what an upload makes of it: its content and the tail that names the size of that.
+	 * The parameters are those of sizeBeforeUpload.
+	 */
+	bool endsInOwnTail(const uint8* tail, int32 number, int64 fileSize);
+
+	/**
 	 * Where the copy of an upload file goes: beside it, under a name that tells it from a user's file.
 	 * @param path  full path; every occurrence of its file name is replaced, whatever the case, those in directories too.
 	 */
 	FString uploadCopyPath(const FString& path, const FString& guid);
+
+	/** Whether a file name, without directories, is one that uploadCopyPath gives to copies of the file at the path. */
+	bool isUploadCopyOf(const FString& name, const FString& path);
 
 	/**
 	 * Whether an upload of this record has changed a file: the record names a file that was made longer, or a copy. A copy

@@ -31,9 +31,9 @@ bool UCorvaneBPLibrary::fillUploadBlank(const FhttpRequest& InRequest, IHttpRequ
 	{
 		return false;
 	}
-	OutHttpRequest.SetHeader(TEXT("fileid"), CorvaneRules::safeName(InRequest.fileID));
-	OutHttpRequest.SetHeader(TEXT("filename"), CorvaneRules::safeName(File.name));
-	OutHttpRequest.SetHeader(TEXT("fileformat"), CorvaneRules::safeName(File.extension));
+	OutHttpRequest.SetHeader(TEXT("fileid"), CorvaneRules::safeHeaderValue(InRequest.fileID));
+	OutHttpRequest.SetHeader(TEXT("filename"), CorvaneRules::safeHeaderValue(File.name));
+	OutHttpRequest.SetHeader(TEXT("fileformat"), CorvaneRules::safeHeaderValue(File.extension));
 	OutHttpRequest.SetHeader(TEXT("mimetype"), File.mimeType);
 	return CorvaneUpload::sendFile(InRequest, File.path, OutHttpRequest);
 }

@@ -12,6 +12,7 @@
 #include "Uploads/UploadBody.h"
 #include "Uploads/UploadFile.h"
 #include "Uploads/UploadFiles.h"
+#include "Uploads/UploadLeftovers.h"
 #include "Uploads/UploadRepair.h"
 
 namespace CorvaneStreamUpload
@@ -42,7 +43,7 @@ namespace CorvaneStreamUpload
 	/** @return null also for a missing file: the writer would make one, and an empty file would be uploaded. */
 	static FArchive* openToAppend(const FString& Path)
 	{
-		return FPaths::FileExists(Path) ? IFileManager::Get().CreateFileWriter(*Path, FILEWRITE_Append) : nullptr;
+		return FPaths::FileExists(Path) ? IFileManager::Get().CreateFileWriter(*Path, FILEWRITE_Append | FILEWRITE_AllowRead) : nullptr;
 	}
 
 	/** Sets the headers, in one of which the body begins. @return the bytes that end it. */
@@ -67,7 +68,9 @@ namespace CorvaneStreamUpload
 	{
 		const TUniquePtr<FArchive> Writer(openToAppend(Record.filePath));
 		const int64 Size = Writer.IsValid() ? Writer->TotalSize() : -1;
-		if (Size < 0)
+		// Asked once more behind the open, which keeps other writers out where the system knows how: another program may
+		// have begun an upload of the file since, and a copy may have been made of what that program did.
+		if (Size < 0 || CorvaneUpload::endsInOwnTail(Record.filePath))
 		{
 			return false;
 		}
@@ -110,6 +113,7 @@ bool UCorvaneBPLibrary::fillUploadStream(FhttpRequest& InOutRequest, IHttpReques
 	{
 		return false;
 	}
+	InOutRequest.originalFileSize = 0; // of an earlier upload, perhaps; to that size nothing must be undone
 	InOutRequest.filePath = CorvaneStreamUpload::pathToSend(InOutRequest, File.path);
 	if (CorvaneStreamUpload::isWhole(InOutRequest.filePath, File.path) &&
 		CorvaneStreamUpload::send(*this, InOutRequest, File, OutHttpRequest))

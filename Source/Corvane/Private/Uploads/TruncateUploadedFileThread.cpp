@@ -111,6 +111,11 @@ void UCorvaneBPLibrary::endUploads()
 	{
 		addRequestToTruncateThread(Record);
 	}
-	delete truncateThread;
-	truncateThread = nullptr;
+	FCorvTruncateUploadedFileThread* Thread = nullptr;
+	{
+		FScopeLock Lock(&mapLock);
+		Thread = truncateThread;
+		truncateThread = nullptr;
+	}
+	delete Thread; // carries out the queued repairs
 }

@@ -5,6 +5,7 @@
 #include "HAL/PlatformFileManager.h"
 #include "Misc/Paths.h"
 #include "Uploads/UploadFiles.h"
+#include "Uploads/UploadLeftovers.h"
 
 bool CorvaneUpload::find(UCorvaneBPLibrary& Library, EHTTPCorvFileUpload DirectoryType, const FString& Path, FCorvUploadFile& File)
 {
@@ -15,15 +16,30 @@ bool CorvaneUpload::find(UCorvaneBPLibrary& Library, EHTTPCorvFileUpload Directo
 		return false;
 	}
 	File.name = FPaths::GetCleanFilename(File.path); // as the script spells it
-	File.path = FPlatformFileManager::Get().GetPlatformFile().GetFilenameOnDisk(*File.path);
-	if (Library.uploadFileList().isChanged(File.path))
+	File.path = onDisk(File.path);
+	if (!hasOwnEnd(Library, File.path))
 	{
-		logStillOpen(File.path);
 		return false;
 	}
 	File.extension = FPaths::GetExtension(File.name);
 	File.mimeType = Library.getMimeTypeInternal(File.extension);
 	return true;
+}
+
+bool CorvaneUpload::hasOwnEnd(const UCorvaneBPLibrary& Library, const FString& Path)
+{
+	// The list knows the file by one name only and nothing of other programs; the file itself shows what they did to it.
+	const bool bOwn = !Library.uploadFileList().isChanged(Path) && !endsInOwnTail(Path);
+	if (!bOwn)
+	{
+		logStillOpen(Path);
+	}
+	return bOwn;
+}
+
+FString CorvaneUpload::onDisk(const FString& Path)
+{
+	return FPlatformFileManager::Get().GetPlatformFile().GetFilenameOnDisk(*Path);
 }
 
 FString CorvaneUpload::fullPath(EHTTPCorvFileUpload DirectoryType, const FString& Path)

@@ -16,10 +16,16 @@ namespace CorvaneUpload
 {
 	/**
 	 * Finds a file and describes it.
-	 * @return false, with the reason in the log, when it does not exist or when its end is not its own, because another
-	 * upload has made it longer.
+	 * @return false, with the reason in the log, when it does not exist or when its end is not its own, because
+	 * another upload has made it longer.
 	 */
 	bool find(UCorvaneBPLibrary& library, EHTTPCorvFileUpload directoryType, const FString& path, FCorvUploadFile& file);
+
+	/** @param path  spelled as on disk. @return false, with the reason in the log, when an upload has made the file longer. */
+	bool hasOwnEnd(const UCorvaneBPLibrary& library, const FString& path);
+
+	/** A full path spelled as on disk. Thread: any. */
+	FString onDisk(const FString& path);
 
 	/** The full path that a script means. Thread: any. */
 	FString fullPath(EHTTPCorvFileUpload directoryType, const FString& path);

@@ -40,6 +40,17 @@ bool FCorvUploadFiles::isChanged(const FString& Path) const
 	return indexOfRunning(Path) != INDEX_NONE || blockedFiles.Contains(Path);
 }
 
+TArray<FString> FCorvUploadFiles::paths() const
+{
+	FScopeLock Lock(&lock);
+	TArray<FString> Paths = blockedFiles;
+	for (const FhttpRequest& Record : running)
+	{
+		Paths.Add(Record.filePath);
+	}
+	return Paths;
+}
+
 TArray<FhttpRequest> FCorvUploadFiles::unfinished() const
 {
 	FScopeLock Lock(&lock);

@@ -23,6 +23,8 @@ public:
 	bool isWaitingForRepair(const FString& path) const;
 	/** Whether its upload runs or its repair is still to come. */
 	bool isChanged(const FString& path) const;
+	/** All of these. */
+	TArray<FString> paths() const;
 	/** The records of uploads that have not ended. */
 	TArray<FhttpRequest> unfinished() const;
 

@@ -1,50 +1,116 @@
-#include "CorvaneBPLibrary.h"
+#include "Uploads/UploadLeftovers.h"
 
+#include "CorvaneBPLibrary.h"
+#include "GenericPlatform/GenericPlatformFile.h"
 #include "HAL/FileManager.h"
+#include "HAL/PlatformFileManager.h"
+#include "Misc/DateTime.h"
+#include "Misc/Paths.h"
 #include "Rules/UploadTail.h"
-#include "Serialization/Archive.h"
 #include "Uploads/UploadFile.h"
+#include "Uploads/UploadFiles.h"
 #include "Uploads/UploadRepair.h"
 
 namespace CorvaneUploadLeftovers
 {
-	/** @return the size that the file had before its upload; -1 when it shows no trace of one or cannot be read. */
-	static int64 search(const FString& Path)
+	static IPlatformFile& files()
 	{
-		const TUniquePtr<FArchive> Reader(IFileManager::Get().CreateFileReader(*Path));
+		return FPlatformFileManager::Get().GetPlatformFile();
+	}
+
+	/** The last bytes of a file, as many as the rules want to see. @return the size of the file; -1 when it cannot be read. */
+	static int64 readEnd(const FString& Path, TArray<uint8>& End)
+	{
+		const TUniquePtr<IFileHandle> Reader(files().OpenRead(*Path, true)); // others may be writing to it
 		if (!Reader.IsValid())
 		{
 			return -1;
 		}
-		const int64 FileSize = Reader->TotalSize();
-		TArray<uint8> Tail;
-		Tail.SetNumUninitialized(static_cast<int32>(FMath::Min<int64>(FileSize, CorvaneRules::longestUploadTail)));
-		Reader->Seek(FileSize - Tail.Num());
-		Reader->Serialize(Tail.GetData(), Tail.Num());
-		return Reader->Close() ? CorvaneRules::sizeBeforeUpload(Tail.GetData(), Tail.Num(), FileSize) : -1;
+		const int64 FileSize = Reader->Size();
+		End.SetNumUninitialized(static_cast<int32>(FMath::Min<int64>(FileSize, CorvaneRules::longestUploadTail)));
+		return Reader->Seek(FileSize - End.Num()) && Reader->Read(End.GetData(), End.Num()) ? FileSize : -1;
+	}
+
+	/** Whether two names seem to be those of one file: nobody can ask a link for the file that it stands for. */
+	static bool lookTheSame(const FString& One, const FString& Other)
+	{
+		return files().FileSize(*One) == files().FileSize(*Other) &&
+			   files().GetTimeStamp(*One).GetTicks() == files().GetTimeStamp(*Other).GetTicks();
+	}
+
+	/** @param Path  spelled as on disk. */
+	static bool isBeingUploaded(const FString& Path)
+	{
+		const UCorvaneBPLibrary* Library = UCorvaneBPLibrary::getCorvaneTarget();
+		if (!Library)
+		{
+			return false;
+		}
+		bool bFound = Library->uploadFileList().isChanged(Path);
+		for (const FString& Changed : Library->uploadFileList().paths())
+		{
+			bFound = bFound || lookTheSame(Changed, Path);
+		}
+		return bFound;
+	}
+
+	static void tellCopies(const FString& Path)
+	{
+		const FString Directory = FPaths::GetPath(Path);
+		TArray<FString> Names;
+		IFileManager::Get().FindFiles(Names, *Directory, nullptr);
+		for (const FString& Name : Names)
+		{
+			const FString Copy = Directory + TEXT("/") + FPaths::GetCleanFilename(Name);
+			if (CorvaneRules::isUploadCopyOf(FPaths::GetCleanFilename(Name), Path) && !isBeingUploaded(Copy))
+			{
+				UE_LOG(LogTemp, Display, TEXT("UCorvaneBPLibrary: upload copy has been left behind: %s"), *Copy);
+			}
+		}
 	}
 } // namespace CorvaneUploadLeftovers
+
+int64 CorvaneUpload::sizeBeforeUpload(const FString& Path)
+{
+	TArray<uint8> End;
+	const int64 FileSize = CorvaneUploadLeftovers::readEnd(Path, End);
+	return FileSize < 0 ? -1 : CorvaneRules::sizeBeforeUpload(End.GetData(), End.Num(), FileSize);
+}
+
+bool CorvaneUpload::endsInOwnTail(const FString& Path)
+{
+	TArray<uint8> End;
+	const int64 FileSize = CorvaneUploadLeftovers::readEnd(Path, End);
+	return FileSize >= 0 && CorvaneRules::endsInOwnTail(End.GetData(), End.Num(), FileSize);
+}
 
 void UCorvaneBPLibrary::searchUploadLeftovers(
 	EHTTPCorvFileUpload InDirectoryType, FString InFilePath, bool& bOutFound, int64& OutOriginalFileSize)
 {
-	const int64 Size = CorvaneUploadLeftovers::search(CorvaneUpload::fullPath(InDirectoryType, InFilePath));
+	const FString Path = CorvaneUpload::onDisk(CorvaneUpload::fullPath(InDirectoryType, InFilePath));
+	const int64 Size = CorvaneUpload::sizeBeforeUpload(Path);
 	bOutFound = Size >= 0;
 	if (bOutFound)
 	{
 		OutOriginalFileSize = Size;
 	}
+	CorvaneUploadLeftovers::tellCopies(Path);
 }
 
 bool UCorvaneBPLibrary::repairFileAfterUpload(EHTTPCorvFileUpload InDirectoryType, FString InFilePath)
 {
-	bool bFound = false;
-	int64 OriginalFileSize = 0;
-	searchUploadLeftovers(InDirectoryType, InFilePath, bFound, OriginalFileSize);
-	const FString Path = CorvaneUpload::fullPath(InDirectoryType, InFilePath);
-	if (bFound && OriginalFileSize > 0 && IFileManager::Get().FileSize(*Path) >= OriginalFileSize)
+	const FString Path = CorvaneUpload::onDisk(CorvaneUpload::fullPath(InDirectoryType, InFilePath));
+	const int64 Size = CorvaneUpload::sizeBeforeUpload(Path);
+	if (Size > 0 && IFileManager::Get().FileSize(*Path) >= Size)
 	{
-		CorvaneUpload::truncateAndLog(Path, OriginalFileSize);
+		if (CorvaneUploadLeftovers::isBeingUploaded(Path))
+		{
+			CorvaneUpload::logTruncation(false, Path); // it would be cut under whoever reads it, and is repaired anyway
+		}
+		else
+		{
+			CorvaneUpload::truncateAndLog(Path, Size);
+		}
 	}
 	return false; // on every path: scripts have come to know it so, and the log tells the outcome
 }

@@ -17,18 +17,6 @@ namespace CorvaneUploadRepair
 		return File.Size() >= Size && File.Truncate(Size) && File.Flush();
 	}
 
-	static void logTruncation(bool bDone, const FString& Path)
-	{
-		if (bDone)
-		{
-			UE_LOG(LogTemp, Display, TEXT("UCorvaneBPLibrary: truncate okay: %s"), *Path);
-		}
-		else
-		{
-			UE_LOG(LogTemp, Display, TEXT("UCorvaneBPLibrary: truncate fail: %s"), *Path);
-		}
-	}
-
 	/** Whether the file is its first Size bytes and the tail that belongs to that size, and nothing else. */
 	static bool isAsUploadLeftIt(IFileHandle& File, int64 Size)
 	{
@@ -51,7 +39,7 @@ namespace CorvaneUploadRepair
 		}
 		else
 		{
-			logTruncation(false, Record.filePath);
+			CorvaneUpload::logTruncation(false, Record.filePath);
 		}
 	}
 
@@ -84,12 +72,24 @@ void CorvaneUpload::repair(const FhttpRequest& Record)
 	}
 }
 
+void CorvaneUpload::logTruncation(bool bDone, const FString& Path)
+{
+	if (bDone)
+	{
+		UE_LOG(LogTemp, Display, TEXT("UCorvaneBPLibrary: truncate okay: %s"), *Path);
+	}
+	else
+	{
+		UE_LOG(LogTemp, Display, TEXT("UCorvaneBPLibrary: truncate fail: %s"), *Path);
+	}
+}
+
 void CorvaneUpload::truncateAndLog(const FString& Path, int64 Size)
 {
 	const TUniquePtr<IFileHandle> File(CorvaneUploadRepair::files().OpenWrite(*Path, true, true));
 	if (File.IsValid())
 	{
-		CorvaneUploadRepair::logTruncation(CorvaneUploadRepair::cut(*File, Size), Path);
+		logTruncation(CorvaneUploadRepair::cut(*File, Size), Path);
 	}
 }
 

@@ -15,6 +15,8 @@ namespace CorvaneUpload
 	/** Cuts a file and logs the outcome; nothing happens when it cannot be opened. Never makes a file longer. */
 	void truncateAndLog(const FString& path, int64 size);
 
+	void logTruncation(bool bDone, const FString& path);
+
 	/** Takes away what an append that failed may have left behind the first size bytes. */
 	void cutBack(const FString& path, int64 size);
 } // namespace CorvaneUpload
