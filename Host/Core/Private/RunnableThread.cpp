@@ -158,7 +158,7 @@ namespace
 		{
 			std::erase(Idle, &Thread);
 		}
-		return Thread.bOnItsWay;
+		return Thread.bOnItsWay || !Waiting.empty(); // a waiting job counts on every idle thread, also on one that gives up
 	}
 
 	/** The calling thread is about to end; whoever retires next, or closes, joins it. */
