@@ -10,6 +10,7 @@
 #include "Completion/RunningRequests.h"
 #include "Misc/ScopeLock.h"
 #include "Templates/SharedPointer.h"
+#include "UAsyncNodeCorv.h"
 #include "UObject/WeakObjectPtr.h"
 
 UCorvaneRequestCompleteObject::UCorvaneRequestCompleteObject(const FObjectInitializer& ObjectInitializer)
@@ -29,6 +30,15 @@ void UCorvaneRequestCompleteObject::setRequestID(FString InID, FhttpRequest InRe
 	setRequestStruct(MoveTemp(InRequest));
 	requestID = MoveTemp(InID);
 	corvaneBPLibrary = InLibrary;
+	libraryHandle = InLibrary;
+}
+
+void UCorvaneRequestCompleteObject::continueRequest(UCorvaneBPLibrary& InLibrary, TWeakObjectPtr<UAsyncNodeCorv> InNode)
+{
+	corvaneBPLibrary = &InLibrary;
+	libraryHandle = &InLibrary;
+	node = InNode;
+	bIsLaterStep = true;
 }
 
 void UCorvaneRequestCompleteObject::setRequestStruct(FhttpRequest InRequest)
@@ -39,6 +49,11 @@ void UCorvaneRequestCompleteObject::setRequestStruct(FhttpRequest InRequest)
 
 bool UCorvaneRequestCompleteObject::initCorv()
 {
+	if (!getLibrary())
+	{
+		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: Missing Object instance (12)."));
+		return false;
+	}
 	if (corvThread && !corvThread->hasEnded() && !completionPosted)
 	{
 		return false;
@@ -46,6 +61,11 @@ bool UCorvaneRequestCompleteObject::initCorv()
 	freeWorker();
 	resetRun();
 	AddToRoot();
+	runningLibrary = TStrongObjectPtr<UCorvaneBPLibrary>(corvaneBPLibrary);
+	if (!bIsLaterStep)
+	{
+		node = corvaneBPLibrary->takeNode(requestID);
+	}
 	currentRun = corvaneBPLibrary->runningRequestList().begin(this, requestID, cancelState);
 	FCorvThread* Worker = new FCorvThread(this, currentRun);
 	FScopeLock Lock(&workerLock);
@@ -215,6 +235,6 @@ FCorvCompletion UCorvaneRequestCompleteObject::failureOf(const FHttpResponsePtr&
 	}
 	const bool bOwnBody = httpRequest.bindServerSendEvent;
 	return CorvaneResult::refusal(Code, bOwnBody               ? CorvaneResult::toText(eventBody->take())
-										: InResponse.IsValid() ? InResponse->GetContentAsString()
+										: InResponse.IsValid() ? CorvaneResult::toText(InResponse->GetContent())
 															   : FString());
 }
