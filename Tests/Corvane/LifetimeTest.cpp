@@ -203,7 +203,9 @@ TEST_F(Lifetime, ARecordIsStartedWithItsOwnLibraryWhicheverIsTheLatest)
 
 	Gate never;
 	RawServer silent(answeringBehind(never, ""));
-	execute([&] { TArray<FhttpRequest> all = ofFirst; all[0].url = text(silent.url()); return all; }());
+	TArray<FhttpRequest> unanswered = ofFirst;
+	unanswered[0].url = text(silent.url());
+	execute(unanswered);
 	UCorvaneBPLibrary::cancelRequest("first");
 	drain();
 	EXPECT_EQ(completions.back().statusCode, 500);

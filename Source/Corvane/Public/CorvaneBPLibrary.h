@@ -181,8 +181,8 @@ public:
 
 	/**
 	 * Raised once for each request that has ended, well or not; a request that a latent node waits for ends there instead.
-	 * @param dataString  the body as text.
-	 * @param dataArray  the body's lines, cut at CR LF, empty ones dropped.
+	 * @param dataString  the body as text; empty above 512 MiB.
+	 * @param dataArray  the body's lines, cut at CR LF, empty ones dropped; none above 64 MiB or 1,000,000 lines.
 	 * @param header  the response headers, each "Name: value".
 	 * @param statusCode  the server's, or 400 (refused) or 500 (no response) of the system itself.
 	 * @param byteData  the body's bytes; none of a download that was written to a file.
