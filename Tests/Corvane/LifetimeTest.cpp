@@ -212,7 +212,7 @@ TEST_F(Lifetime, ARecordIsStartedWithItsOwnLibraryWhicheverIsTheLatest)
 
 	second.Reset();
 	loop.CollectGarbage();
-	EXPECT_EQ(UCorvaneBPLibrary::getCorvaneTarget(), nullptr) << "the latest is gone";
+	ASSERT_EQ(UCorvaneBPLibrary::getCorvaneTarget(), nullptr) << "the latest is gone";
 	TArray<FhttpRequest> both = ofSecond;
 	both.Append(ofFirst);
 	first->startRequests(both);

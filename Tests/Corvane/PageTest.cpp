@@ -288,6 +288,8 @@ TEST_F(Pages, ACancelledRecordMayBeExecutedAgain)
 				asked.open();
 				connection.waitFor(never);
 			}
+			connection.send(answer(200, confirmPage));
+			connection.readHead();
 			connection.send(answer(200, "the file"));
 		});
 	const TArray<FhttpRequest> requests = drive(server.url(), "file", "id");
