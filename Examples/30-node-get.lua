@@ -16,6 +16,12 @@ AsyncNodeHttpRequest.AsyncExecuteHTTP_GET_REQUEST{
 	OnFail = function(e) error("the request failed with status " .. e.statusCode) end,
 }
 
+-- A request that cannot be built is over before its outcomes are bound: the event of all requests tells, inside the call.
+local target = CorvaneBPLibrary.getCorvaneTarget().ReturnValue
+local refusals = target.onhttpRequestCompleteDelegate:Add(function(e) print(e.requestID, "refused: " .. e.statusCode) end)
+AsyncNodeHttpRequest.AsyncExecuteHTTP_GET_REQUEST{ url = "x", optionalRequestID = "no URL" }
+target.onhttpRequestCompleteDelegate:Remove(refusals)
+
 -- A page that is not there is a failure, too; the next node may be started from either outcome.
 AsyncNodeHttpRequest.AsyncExecuteHTTP_GET_REQUEST{
 	url = url .. "/nothing",

@@ -1,8 +1,11 @@
 #include "FunctionCall.h"
 
 #include "CallFrame.h"
+#include "Containers/StringConv.h"
 #include "Context.h"
 #include "Converters.h"
+#include "CoreMinimal.h"
+#include "Nodes.h"
 
 #include <fmt/format.h>
 
@@ -115,13 +118,25 @@ namespace Script
 			}
 		}
 
-		void pushStartedNode(lua_State* lua, const CallFrame& frame)
+		void warnOfEndedNode(const std::string& factory)
+		{
+			const std::string text = factory +
+									 ": the request was refused inside this call, before the outcomes were bound; none of them is raised. "
+									 "An event that is bound before the call tells.";
+			const FUTF8ToTCHAR units(text.data(), static_cast<int32>(text.size()));
+			UE_LOG(LogTemp, Warning, TEXT("%s"), *FString::ConstructFromPtrSize(units.Get(), units.Length()));
+		}
+
+		void pushStartedNode(lua_State* lua, const CallFrame& frame, const std::string& factory)
 		{
 			const Value& result = frame[frame.size() - 1];
 			pushValue(lua, result.type(), result.get());
 			UObject* node = nullptr;
 			std::memcpy(&node, result.get(), sizeof(node));
-			startNode(lua, node, handlersIndex);
+			if (!startNode(lua, node, handlersIndex))
+			{
+				warnOfEndedNode(factory);
+			}
 		}
 
 		int call(lua_State* lua)
@@ -141,7 +156,7 @@ namespace Script
 				PinReader(lua, function, frame).readAll();
 			}
 			frame.invoke();
-			nodeClassOf(*function.function) ? pushStartedNode(lua, frame) : pushOutputs(lua, frame);
+			nodeClassOf(*function.function) ? pushStartedNode(lua, frame, function.name) : pushOutputs(lua, frame);
 			return 1;
 		}
 	} // namespace

@@ -9,28 +9,34 @@ namespace Script
 {
 	namespace
 	{
-		void bindEvents(lua_State* lua, UObject& node, int handlers)
+		/** @return whether there were any handlers. */
+		bool bindEvents(lua_State* lua, UObject& node, int handlers)
 		{
+			bool isBound = false;
 			for (const FMulticastDelegateProperty* event : eventsOf(node.GetClass()))
 			{
 				if (lua_rawgetp(lua, handlers, event) == LUA_TFUNCTION)
 				{
 					Context::of(lua).bindings.add(lua, node, *event);
+					isBound = true;
 				}
 				else
 				{
 					lua_pop(lua, 1);
 				}
 			}
+			return isBound;
 		}
 	} // namespace
 
-	void NodeHolds::hold(UBlueprintAsyncActionBase& node)
+	bool NodeHolds::hold(UBlueprintAsyncActionBase& node)
 	{
-		if (FAsyncActionHold::Begin(node, [this, &node] { held.erase(&node); }))
+		const bool isUnderWay = FAsyncActionHold::Begin(node, [this, &node] { held.erase(&node); });
+		if (isUnderWay)
 		{
 			held.try_emplace(&node, &node);
 		}
+		return isUnderWay;
 	}
 
 	void NodeHolds::releaseAll()
@@ -42,15 +48,16 @@ namespace Script
 		held.clear();
 	}
 
-	void startNode(lua_State* lua, UObject* node, int handlers)
+	bool startNode(lua_State* lua, UObject* node, int handlers)
 	{
 		auto* const action = Cast<UBlueprintAsyncActionBase>(node);
 		if (!action)
 		{
-			return;
+			return true;
 		}
-		Context::of(lua).nodes.hold(*action);
-		bindEvents(lua, *action, handlers);
+		const bool isUnderWay = Context::of(lua).nodes.hold(*action);
+		const bool isBound = bindEvents(lua, *action, handlers);
 		action->Activate();
+		return isUnderWay || !isBound;
 	}
 } // namespace Script

@@ -17,8 +17,8 @@ namespace Script
 		NodeHolds(const NodeHolds&) = delete;
 		NodeHolds& operator=(const NodeHolds&) = delete;
 
-		/** Keeps a node alive until it says that it is ready to be destroyed; does nothing when it has said so already. */
-		void hold(UBlueprintAsyncActionBase& node);
+		/** Keeps a node alive until it says that it is ready to be destroyed. @return false when it has said so already. */
+		bool hold(UBlueprintAsyncActionBase& node);
 		void releaseAll();
 
 	private:
@@ -30,6 +30,7 @@ namespace Script
 	 * the script keeps it.
 	 * @param node  null when the factory made none; then nothing happens.
 	 * @param handlers  index of a table from event (light user datum) to Lua function.
+	 * @return false when handlers were given that nothing will call: the node had ended before it could be bound.
 	 */
-	void startNode(lua_State* lua, UObject* node, int handlers);
+	bool startNode(lua_State* lua, UObject* node, int handlers);
 } // namespace Script

@@ -1,3 +1,5 @@
+#include "Completion/CompletionResult.h"
+#include "LogCapture.h"
 #include "ModuleFixture.h"
 #include "RawServer.h"
 #include "UAsyncNodeCorv.h"
@@ -79,6 +81,42 @@ TEST_F(Get, ReadsTheBodyAsTextAndLines)
 		EXPECT_EQ(result.dataString, c.text) << c.name;
 		EXPECT_EQ(result.dataArray, c.lines) << c.name;
 	}
+}
+
+TEST_F(Get, BringsNoLinesWhereThereAreTooMany)
+{
+	LogCapture log;
+	const auto linesOf = [](std::string piece, size_t number)
+	{
+		std::string body;
+		while (number-- > 0)
+		{
+			body += piece;
+		}
+		TArray<uint8> bytes;
+		bytes.Append(reinterpret_cast<const uint8*>(body.data()), static_cast<int32>(body.size()));
+		return CorvaneResult::toLines(CorvaneResult::toText(bytes)).Num();
+	};
+	constexpr size_t mostLines = 1000000;
+	EXPECT_EQ(linesOf("x\r\n\r\n", mostLines), static_cast<int32>(mostLines)) << "empty ones do not count";
+	EXPECT_EQ(linesOf("x\r\n", mostLines + 1), 0);
+	EXPECT_EQ(linesOf(std::string(1 << 20, 'x'), 64), 1);
+	EXPECT_EQ(linesOf(std::string((1 << 20) + 1, 'x'), 64), 0);
+	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Display, "too long for the lines of a result"), 2);
+
+	RawServer origin(answering(
+		[](const std::string&)
+		{
+			std::string body;
+			for (size_t line = 0; line <= mostLines; ++line)
+			{
+				body += "y\r\n";
+			}
+			return answer(200, body);
+		}));
+	const Completion result = run(get(origin.url()));
+	EXPECT_EQ(result.byteData.size(), 3 * (mostLines + 1));
+	EXPECT_TRUE(result.dataString == result.byteData && result.dataArray.empty());
 }
 
 TEST_F(Get, ReportsProgressAgainstTheAnnouncedLength)

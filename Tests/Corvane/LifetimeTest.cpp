@@ -175,6 +175,54 @@ TEST_F(Lifetime, ARecordWithoutCompletionObjectIsSkipped)
 	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "UCorvaneBPLibrary: Missing Object instance (153)."), 1);
 }
 
+TEST_F(Lifetime, ARecordOfAKindThatDoesNotExistIsRefused)
+{
+	LogCapture log;
+	for (const int type : {10, 255})
+	{
+		TArray<FhttpRequest> requests = get(server.url());
+		requests[0].requestType = static_cast<EHTTPCorvRequestType>(type);
+		EXPECT_EQ(run(requests).statusCode, 400);
+	}
+	EXPECT_TRUE(server.requests().empty());
+	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "There are no requests of type"), 2);
+}
+
+TEST_F(Lifetime, ARecordIsStartedWithItsOwnLibraryWhicheverIsTheLatest)
+{
+	LogCapture log;
+	UCorvaneBPLibrary* first = UCorvaneBPLibrary::getCorvaneTarget();
+	TArray<FhttpRequest> ofFirst = get(server.url(), {}, "first");
+	TStrongObjectPtr<UCorvaneBPLibrary> second(NewObject<UCorvaneBPLibrary>());
+	ASSERT_EQ(UCorvaneBPLibrary::getCorvaneTarget(), second.Get());
+	const TArray<FhttpRequest> ofSecond = get(server.url(), {}, "second");
+	execute(ofFirst);
+	drain();
+	ASSERT_EQ(completions.size(), 1u) << "the event of the first, and the loop waits for it";
+	EXPECT_EQ(completions[0].statusCode, 200);
+
+	Gate never;
+	RawServer silent(answeringBehind(never, ""));
+	TArray<FhttpRequest> unanswered = ofFirst;
+	unanswered[0].url = text(silent.url());
+	execute(unanswered);
+	UCorvaneBPLibrary::cancelRequest("first");
+	drain();
+	EXPECT_EQ(completions.back().statusCode, 500);
+
+	second.Reset();
+	loop.CollectGarbage();
+	ASSERT_EQ(UCorvaneBPLibrary::getCorvaneTarget(), nullptr) << "the latest is gone";
+	TArray<FhttpRequest> both = ofSecond;
+	both.Append(ofFirst);
+	first->startRequests(both);
+	drain();
+	EXPECT_EQ(completions.size(), 3u);
+	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "UCorvaneBPLibrary: Missing Object instance (153)."), 1);
+	EXPECT_FALSE(ofSecond[0].requestCompleteObject()->initCorv());
+	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "UCorvaneBPLibrary: Missing Object instance (12)."), 1);
+}
+
 TEST_F(Lifetime, ANodeThatWaitsForTheIdTakesTheResult)
 {
 	UListeningNode* node = NewObject<UListeningNode>();
@@ -200,21 +248,37 @@ TEST_F(Lifetime, ANodeThatIsGoneLeavesTheResultToTheEvent)
 	EXPECT_EQ(run(get(server.url(), {}, "gone")).statusCode, 200);
 }
 
-TEST_F(Lifetime, ANodeReplacedWhileTheAnswerIsOnItsWayDoesNotTakeIt)
+TEST_F(Lifetime, AResultBelongsToTheNodeThatHadTheIdAtTheStart)
 {
-	UListeningNode* first = NewObject<UListeningNode>();
-	UListeningNode* second = NewObject<UListeningNode>();
-	first->AddToRoot();
-	second->AddToRoot();
 	UCorvaneBPLibrary* library = UCorvaneBPLibrary::getCorvaneTarget();
-	library->registerUAsyncNodeHttpRequest("id", first);
-	execute(get(server.url(), {}, "id"));
-	// Without a tick the worker looks the node up and posts, and the result then waits for the game thread.
-	ASSERT_TRUE(waitFor([] { return !UCorvaneBPLibrary::hasPendingWork(); }));
-	library->registerUAsyncNodeHttpRequest("id", second);
-	drain();
-	EXPECT_TRUE(first->statusCodes.empty() && second->statusCodes.empty());
-	EXPECT_EQ(completions.size(), 1u);
-	first->RemoveFromRoot();
-	second->RemoveFromRoot();
+	struct Case
+	{
+		const char* name;
+		bool bHasNode; // when the request starts
+		bool bGivesUp, bReplaced; // meanwhile
+		size_t first, second, events;
+	};
+	const Case cases[] = {{"nothing happens", true, false, false, 1, 0, 0}, {"another node takes the ID", true, false, true, 1, 0, 0},
+		{"it gives up the ID", true, true, false, 0, 0, 1}, {"it gives up the ID to another", true, true, true, 0, 0, 1},
+		{"a node comes later", false, false, true, 0, 0, 1}};
+	for (const Case& c : cases)
+	{
+		completions.clear();
+		UListeningNode* nodes[] = {NewObject<UListeningNode>(), NewObject<UListeningNode>()};
+		const TStrongObjectPtr<UObject> held[] = {TStrongObjectPtr<UObject>(nodes[0]), TStrongObjectPtr<UObject>(nodes[1])};
+		c.bHasNode ? library->registerUAsyncNodeHttpRequest("id", nodes[0]) : library->unregisterUAsyncNodeHttpRequest("id");
+		execute(get(server.url(), {}, "ID"));
+		if (c.bGivesUp)
+		{
+			library->unregisterUAsyncNodeHttpRequest("id");
+		}
+		if (c.bReplaced)
+		{
+			library->registerUAsyncNodeHttpRequest("id", nodes[1]);
+		}
+		drain();
+		EXPECT_EQ(nodes[0]->statusCodes.size(), c.first) << c.name;
+		EXPECT_EQ(nodes[1]->statusCodes.size(), c.second) << c.name;
+		EXPECT_EQ(completions.size(), c.events) << c.name;
+	}
 }

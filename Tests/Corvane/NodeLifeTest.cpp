@@ -5,6 +5,7 @@
 
 #include <fstream>
 #include <gmock/gmock.h>
+#include <malloc.h>
 #include <set>
 
 namespace
@@ -21,36 +22,41 @@ namespace
 	};
 } // namespace
 
-TEST_P(NodeLife, ALaterNodeTakesOverAnIdInAnySpelling)
+TEST_P(NodeLife, TwoOfOneIdHaveTheirOwnOutcomes)
 {
 	NodeOrigin origin(&gate);
-	const TWeakObjectPtr<UAsyncNodeCorv> earlier = &start(make(origin, "Same"));
+	const TWeakObjectPtr<UAsyncNodeCorv> nodes[] = {&startHeld(make(origin, "Same")), nullptr};
+	ASSERT_TRUE(loop.WaitFor([&] { return origin.begun() == 1; }, patienceSeconds));
+	UCorvaneBPLibrary::cancelRequest("same");
 	const TWeakObjectPtr<UAsyncNodeCorv> later = &startHeld(make(origin, "sAME"));
+	EXPECT_EQ(nodes[0].Get()->IsRooted(), isRootedKind()) << "its result is still to come";
 	gate.open();
 	drain();
-	ASSERT_EQ(outcomes.size(), 1u) << "that of the later node, by whichever answer comes first";
-	EXPECT_EQ(completions.size(), 1u) << "and nobody waits for the other one";
+	ASSERT_EQ(outcomes.size(), 2u);
+	for (const Outcome& outcome : outcomes)
+	{
+		EXPECT_EQ(outcome.output, outcome.requestID() == "Same" ? "OnFail" : "OnSuccess");
+	}
+	EXPECT_NE(outcomes[0].requestID(), outcomes[1].requestID());
+	EXPECT_TRUE(completions.empty());
 	held.clear();
-	loop.CollectGarbage();
-	EXPECT_FALSE(earlier.IsValid()) << "no result could ever end it";
 	EXPECT_TRUE(loop.WaitFor(
 		[&]
 		{
 			loop.CollectGarbage();
-			return !later.IsValid();
+			return !nodes[0].IsValid() && !later.IsValid();
 		},
 		patienceSeconds));
 }
 
-TEST_P(NodeLife, ALaterNodeLeavesTheEarlierOneARootOfItsOwner)
+TEST_P(NodeLife, OneThatWasNeverActivatedLosesItsFactorysRootToALaterOne)
 {
-	NodeOrigin origin(&gate);
-	UAsyncNodeCorv& earlier = start(make(origin, "Same"));
+	NodeOrigin origin;
+	UAsyncNodeCorv& earlier = *make(origin, "Same");
 	earlier.AddToRoot();
-	start(make(origin, "same"));
-	EXPECT_EQ(earlier.IsRooted(), !isRootedKind()) << "the root of the other kind is the factory's";
+	startHeld(make(origin, "same"));
+	EXPECT_EQ(earlier.IsRooted(), !isRootedKind()) << "the root of the other kind is its owner's";
 	earlier.RemoveFromRoot();
-	gate.open();
 	drain();
 }
 
@@ -152,6 +158,23 @@ TEST_F(Nodes, AThousandAtOnceHaveOneOutcomeEach)
 		patienceSeconds));
 }
 
+TEST_F(Nodes, LeaveNoBodyBehind)
+{
+	constexpr size_t bodySize = 4 << 20;
+	RawServer server(answering([](const std::string&) { return answer(200, std::string(bodySize, 'x')); }));
+	const auto inUse = [] { return mallinfo2().uordblks + mallinfo2().hblkhd; };
+	const size_t before = inUse();
+	for (int number = 0; number < 16; ++number)
+	{
+		start(UAsyncNodeHttpRequest::AsyncExecuteHTTP_GET_REQUEST(text(server.url()), {}, text(std::to_string(number)), false));
+		drain();
+		ASSERT_EQ(outcomes.size(), 1u);
+		outcomes.clear();
+	}
+	loop.CollectGarbage();
+	EXPECT_LT(inUse(), before + 8 * bodySize) << "their IDs stay among the running requests, what they received does not";
+}
+
 TEST_F(Nodes, ProgressAndServerSentEventsGoToTheLibrary)
 {
 	Gate more;
@@ -211,6 +234,23 @@ TEST_F(Nodes, AResultOfAnotherKindDoesNotReachThem)
 	drain();
 	EXPECT_TRUE(outcomes.empty() && fileInfos.empty()) << "file information for a node of another class is dropped";
 	EXPECT_EQ(library().getUAsyncNodeHttpRequest("Info"), &plain);
+}
+
+TEST_F(Nodes, KeepARequestOfSeveralStepsWhenALaterOneTakesTheId)
+{
+	for (const char* kind : {"GoogleDrive", "LowRamDownload"})
+	{
+		outcomes.clear();
+		Gate gate;
+		NodeOrigin origin(&gate);
+		startHeld(nodeKind(kind).make(site(origin), "Same"));
+		startHeld(nodeKind(kind).make(site(origin), "sAME"));
+		gate.open();
+		drain();
+		ASSERT_EQ(outcomes.size(), 2u) << kind;
+		EXPECT_NE(outcomes[0].requestID(), outcomes[1].requestID()) << kind;
+		EXPECT_TRUE(completions.empty()) << kind;
+	}
 }
 
 TEST_F(Nodes, EveryClassMakesIdsOfItsOwn)

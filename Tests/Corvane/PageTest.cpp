@@ -8,7 +8,8 @@ using testing::ElementsAre;
 
 namespace
 {
-	const std::string confirmPage = R"(<a href="/uc?x;confirm=ab12&amp;id=1">Download anyway</a>)";
+	const std::string confirmPage =
+		R"(<span class="uc-name-size"><a href="/x">file</a> (2M)</span><a href="/uc?x;confirm=ab12&amp;id=1">Download anyway</a>)";
 
 	struct FileInfo
 	{
@@ -110,23 +111,28 @@ TEST_F(Pages, ADriveFileWithoutConfirmationIsTheFirstAnswer)
 
 TEST_F(Pages, ProgressOfADriveFileIsThatOfTheFileAgainstItsKnownSize)
 {
-	Gate half;
-	RawServer server(
-		[&](Connection& connection)
-		{
-			connection.readHead();
-			connection.send(answer(200, confirmPage));
-			connection.readHead();
-			connection.send("HTTP/1.1 200 OK\r\nContent-Length: 2000\r\n\r\n" + std::string(1000, 'x'));
-			connection.waitFor(half);
-			connection.send(std::string(1000, 'x'));
-		});
-	execute(drive(server.url(), "file", "id", 4000));
-	ASSERT_TRUE(loop.WaitFor([this] { return !downloads.empty(); }, patienceSeconds));
-	EXPECT_FLOAT_EQ(downloads[0].size, 4000 * 9.536743e-7f);
-	EXPECT_FLOAT_EQ(downloads[0].percentDownload, 25);
-	half.open();
-	drain();
+	const std::pair<int64, float> cases[] = {{4000, 4000}, {0, 2 << 20}}; // given, or as the page shows it
+	for (const auto& [given, expected] : cases)
+	{
+		downloads.clear();
+		Gate half;
+		RawServer server(
+			[&](Connection& connection)
+			{
+				connection.readHead();
+				connection.send(answer(200, confirmPage));
+				connection.readHead();
+				connection.send("HTTP/1.1 200 OK\r\nContent-Length: 2000\r\n\r\n" + std::string(1000, 'x'));
+				connection.waitFor(half);
+				connection.send(std::string(1000, 'x'));
+			});
+		execute(drive(server.url(), "file", "id", given));
+		ASSERT_TRUE(loop.WaitFor([this] { return !downloads.empty(); }, patienceSeconds));
+		EXPECT_FLOAT_EQ(downloads[0].size, expected * 9.536743e-7f);
+		EXPECT_FLOAT_EQ(downloads[0].percentDownload, 100 * (1000 / expected));
+		half.open();
+		drain();
+	}
 }
 
 TEST_F(Pages, FileInformationOrTheCodeForAPageThatCannotBeRead)
@@ -185,22 +191,24 @@ TEST_F(Pages, AreRefusedWithoutAnAddress)
 TEST_F(Pages, AFilePageLeadsToItsFileOrToOneClearFailure)
 {
 	RawServer file(answering([](const std::string&) { return answer(200, "the file"); }));
+	const std::string tooLarge = std::string(4 << 20, '<') + link(file.url("/f"));
 	struct Case
 	{
 		const char* name;
 		std::string page;
 		int32 statusCode;
 		std::string body;
-		size_t results = 1;
 	};
 	const Case cases[] = {
 		{"a link", link(file.url("/f")), 200, "the file"},
-		{"five megabytes in front", std::string(5 << 20, '<') + link(file.url("/f")), 200, "the file"},
+		{"a page of megabytes", std::string(3 << 20, '<') + link(file.url("/f")), 200, "the file"},
+		{"what is too large for a page", tooLarge, 200, tooLarge},
 		{"bytes that are no text", "\xFF\xFE\x80" + link(file.url("/f")), 200, "the file"},
 		{"a link to the disk", link("file:///etc/hostname"), 500, ""},
 		{"a relative link", link("/file.zip"), 500, ""},
 		{"no markup", "a page, with, many, commas", 500, ""},
-		{"an empty link", link(""), 500, "", 2}, // the builder's refusal comes first
+		{"an empty link", link(""), 500, ""},
+		{"two letters", "hi", 500, ""},
 		{"no page", "", 200, ""},
 	};
 	for (const Case& c : cases)
@@ -209,10 +217,10 @@ TEST_F(Pages, AFilePageLeadsToItsFileOrToOneClearFailure)
 		RawServer page(answering([&](const std::string&) { return answer(200, c.page); }));
 		execute(filePage(page.url(), "id"));
 		drain();
-		ASSERT_EQ(completions.size(), c.results) << c.name;
-		EXPECT_EQ(completions.back().statusCode, c.statusCode) << c.name;
-		EXPECT_EQ(completions.back().byteData, c.body) << c.name;
-		EXPECT_EQ(completions.back().requestID, "id") << c.name;
+		ASSERT_EQ(completions.size(), 1u) << c.name;
+		EXPECT_EQ(completions[0].statusCode, c.statusCode) << c.name;
+		EXPECT_TRUE(completions[0].byteData == c.body) << c.name;
+		EXPECT_EQ(completions[0].requestID, "id") << c.name;
 		EXPECT_EQ(page.requests().size(), 1u) << c.name;
 	}
 }
@@ -268,6 +276,31 @@ TEST_F(Pages, ACancelBetweenTheStepsIsKept)
 	}
 }
 
+TEST_F(Pages, ACancelledRecordMayBeExecutedAgain)
+{
+	Gate asked, never;
+	RawServer server(
+		[&](Connection& connection)
+		{
+			connection.readHead();
+			if (!asked.isOpen())
+			{
+				asked.open();
+				connection.waitFor(never);
+			}
+			connection.send(answer(200, confirmPage));
+			connection.readHead();
+			connection.send(answer(200, "the file"));
+		});
+	const TArray<FhttpRequest> requests = drive(server.url(), "file", "id");
+	execute(requests);
+	ASSERT_TRUE(loop.WaitFor([&] { return asked.isOpen(); }, patienceSeconds));
+	UCorvaneBPLibrary::cancelRequest("id");
+	ASSERT_TRUE(waitForCompletions());
+	EXPECT_EQ(run(requests).byteData, "the file");
+	EXPECT_EQ(completions[0].statusCode, 500);
+}
+
 TEST_F(Pages, ARecordMayBeExecutedAgainFromItsOwnHandler)
 {
 	RawServer server(answering([](const std::string&) { return answer(200, "small file"); }));
@@ -293,7 +326,7 @@ TEST_F(Pages, AShortDriveFileIsReportedToo)
 	{
 		downloads.clear();
 		RawServer server(answeringFirst(answer(200, confirmPage), answer(200, "the file")));
-		run(drive(server.url()));
+		run(drive(server.url(), "file", "", 8));
 		ASSERT_FALSE(downloads.empty()) << "round " << round;
 		EXPECT_EQ(downloads.back().percentDownload, 100);
 	}

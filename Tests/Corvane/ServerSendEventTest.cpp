@@ -67,6 +67,26 @@ TEST_F(ServerSendEvents, ComeInPiecesAndWithoutProgress)
 	EXPECT_EQ(completions[0].dataString, "data: one\n\ndata: two\n\n");
 }
 
+TEST_F(ServerSendEvents, OfAPostAndOfARecordExecutedAgainBeginWithTheFirstByte)
+{
+	RawServer origin(answering([](const std::string&) { return answer(200, "data: one\n\n"); }));
+	TArray<FhttpRequest> records = get(origin.url(), {}, "", true);
+	FString id;
+	UCorvaneBPLibrary::CreateHttpRequestPOST(records, text(origin.url()), {}, {}, "", true, records, id);
+	for (int round = 0; round < 2; ++round)
+	{
+		serverSendEvents.clear();
+		execute(records);
+		drain();
+		std::string together;
+		for (const ServerSendEvent& event : serverSendEvents)
+		{
+			together += event.response;
+		}
+		EXPECT_EQ(together, "data: one\n\ndata: one\n\n");
+	}
+}
+
 TEST_F(ServerSendEvents, MayBeCutInsideACharacterThatTheWholeBodyShows)
 {
 	Gate first;

@@ -37,12 +37,16 @@ TEST_F(EndOfProgram, EndsRequestsWhileAllObjectsAreThere)
 	{
 		void look()
 		{
-			hasLibrary = UCorvaneBPLibrary::getCorvaneTarget() != nullptr;
+			UCorvaneBPLibrary* target = nullptr;
+			UCorvaneBPLibrary::executeHttpRequests(late, target);
+			hasLibrary = target != nullptr;
 			isIdle = !UCorvaneBPLibrary::hasPendingWork();
 		}
+		TArray<FhttpRequest> late;
 		bool hasLibrary = false;
 		bool isIdle = false;
 	} observer;
+	LogCapture log;
 	Gate never;
 	RawServer server(
 		[&](Connection& connection)
@@ -52,11 +56,13 @@ TEST_F(EndOfProgram, EndsRequestsWhileAllObjectsAreThere)
 		});
 	execute(get(server.url()));
 	ASSERT_TRUE(waitFor([&] { return server.connectionCount() == 1; }));
+	observer.late = get(server.url());
 	FCoreDelegates::OnPreExit.AddRaw(&observer, &Observer::look); // it hears of the end behind the module
 	loop.Shutdown();
 	FCoreDelegates::OnPreExit.RemoveAll(&observer);
 	EXPECT_TRUE(observer.hasLibrary);
 	EXPECT_TRUE(observer.isIdle) << "modules are shut down too late for what a request still has to do";
+	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "The module is shutting down."), 1) << "no new request";
 }
 
 TEST_F(EndOfProgram, MayComeAtAnyMomentOfARequest)

@@ -1,3 +1,4 @@
+#include "LogCapture.h"
 #include "ScriptFixture.h"
 
 using Node = ScriptFixture;
@@ -56,9 +57,13 @@ TEST_F(Node, AnOutcomeAloneDoesNotEndIt)
 	EXPECT_EQ(USampleNode::alive, 0);
 }
 
-TEST_F(Node, OneThatEndedInsideItsFactoryIsNotHeld)
+TEST_F(Node, OneThatEndedInsideItsFactoryIsNotHeldAndTheLogSaysSo)
 {
+	LogCapture log;
+	runGood("SampleNode.startEndedNode{} collectgarbage()");
+	EXPECT_TRUE(log.lines().empty()) << "nobody waits for it";
 	runGood("SampleNode.startEndedNode{ OnFail = function() end } collectgarbage()");
+	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Warning, "SampleNode.startEndedNode: the request was refused"), 1);
 	HostObjects::CollectGarbage();
 	EXPECT_EQ(USampleNode::alive, 0);
 }

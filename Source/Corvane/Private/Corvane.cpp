@@ -22,7 +22,7 @@ void FCorvaneModule::ShutdownModule()
 
 void FCorvaneModule::endRequests()
 {
-	if (UCorvaneBPLibrary* Library = UCorvaneBPLibrary::getCorvaneTarget())
+	for (UCorvaneBPLibrary* Library : UCorvaneBPLibrary::libraries())
 	{
 		Library->shutDown();
 	}

@@ -10,6 +10,7 @@
 #include "Uploads/UploadFiles.h"
 
 UCorvaneBPLibrary* UCorvaneBPLibrary::corv = nullptr;
+TWeakObjectPtr<UCorvaneBPLibrary> UCorvaneBPLibrary::corvHandle;
 
 UCorvaneBPLibrary::UCorvaneBPLibrary(const FObjectInitializer& ObjectInitializer)
 	: Super(ObjectInitializer)
@@ -18,6 +19,7 @@ UCorvaneBPLibrary::UCorvaneBPLibrary(const FObjectInitializer& ObjectInitializer
 	, uploadFiles(new FCorvUploadFiles())
 {
 	corv = this;
+	corvHandle = this;
 	fillMimeTypeMap();
 	onhttpRequestCompleteDelegate.AddUniqueDynamic(this, &UCorvaneBPLibrary::httpRequestCompleteDelegate);
 }
@@ -33,8 +35,20 @@ UCorvaneBPLibrary::~UCorvaneBPLibrary()
 
 UCorvaneBPLibrary* UCorvaneBPLibrary::getCorvaneTarget()
 {
-	// The pointer is never cleared, so ask whether what it names still is the library of this process.
-	return GetMutableDefault<UCorvaneBPLibrary>() ? corv : nullptr;
+	return corvHandle.Get();
+}
+
+TArray<UCorvaneBPLibrary*> UCorvaneBPLibrary::libraries()
+{
+	TArray<UCorvaneBPLibrary*> Libraries;
+	for (UCorvaneBPLibrary* Library : {getCorvaneTarget(), GetMutableDefault<UCorvaneBPLibrary>()})
+	{
+		if (Library && !Libraries.Contains(Library))
+		{
+			Libraries.Add(Library);
+		}
+	}
+	return Libraries;
 }
 
 void UCorvaneBPLibrary::executeHttpRequests(TArray<FhttpRequest> InHttpRequests, UCorvaneBPLibrary*& OutCorvaneTarget)
@@ -66,14 +80,16 @@ void UCorvaneBPLibrary::httpServerSendEventDelegate(const FString, const FString
 
 bool UCorvaneBPLibrary::hasPendingWork()
 {
-	UCorvaneBPLibrary* Library = getCorvaneTarget();
-	if (!Library)
+	for (UCorvaneBPLibrary* Library : libraries())
 	{
-		return false;
+		FScopeLock Lock(&Library->mapLock);
+		if (!Library->runningList->isEmpty() || (Library->byteToFileThread && Library->byteToFileThread->hasWork()) ||
+			(Library->truncateThread && Library->truncateThread->hasWork()))
+		{
+			return true;
+		}
 	}
-	FScopeLock Lock(&Library->mapLock);
-	return !Library->runningList->isEmpty() || (Library->byteToFileThread && Library->byteToFileThread->hasWork()) ||
-		   (Library->truncateThread && Library->truncateThread->hasWork());
+	return false;
 }
 
 void UCorvaneBPLibrary::shutDown()

@@ -181,8 +181,8 @@ public:
 
 	/**
 	 * Raised once for each request that has ended, well or not; a request that a latent node waits for ends there instead.
-	 * @param dataString  the body as text.
-	 * @param dataArray  the body's lines, cut at CR LF, empty ones dropped.
+	 * @param dataString  the body as text; empty above 512 MiB.
+	 * @param dataArray  the body's lines, cut at CR LF, empty ones dropped; none above 64 MiB or 1,000,000 lines.
 	 * @param header  the response headers, each "Name: value".
 	 * @param statusCode  the server's, or 400 (refused) or 500 (no response) of the system itself.
 	 * @param byteData  the body's bytes; none of a download that was written to a file.
@@ -243,7 +243,7 @@ public:
 	UFUNCTION()
 	void httpServerSendEventDelegate(const FString response, const FString requestID);
 
-	/** @return the object that carries the events; null before the module's classes are set up. */
+	/** @return the object that carries the events; null before the module's classes are set up, and when it is gone. */
 	UFUNCTION(BlueprintCallable, Category = "Corvane|Events", meta = (ToolTip = "Return a Target for the Events"))
 	static UCorvaneBPLibrary* getCorvaneTarget();
 
@@ -543,8 +543,8 @@ public:
 	void unregisterUAsyncNodeHttpRequest(FString requestID);
 	/** @return the node that waits for an ID, or null. */
 	UAsyncNodeCorv* getUAsyncNodeHttpRequest(FString requestID);
-	/** The same as a handle that may cross threads. Thread: any. */
-	TWeakObjectPtr<UAsyncNodeCorv> findNode(const FString& requestID);
+	/** @return the same for a request that begins: its result goes to this node, whichever has the ID by then. */
+	TWeakObjectPtr<UAsyncNodeCorv> takeNode(const FString& requestID);
 
 	/** @return whether a script asked to cancel this ID; the mark is taken away with the answer. Thread: any. */
 	bool takeCancelMark(const FString& requestID);
@@ -576,7 +576,13 @@ public:
 	/** Refuses new requests, cancels the running ones and waits up to 5 seconds for their workers. */
 	void shutDown();
 
-	/** The object constructed last, which is the class default object. Never cleared. */
+	/** @return the objects whose requests may run: the latest, and the class default object when that is another. */
+	static TArray<UCorvaneBPLibrary*> libraries();
+
+	/**
+	 * The object constructed last, as a rule the class default object. Never cleared: getCorvaneTarget tells whether it is
+	 * still there.
+	 */
 	static UCorvaneBPLibrary* corv;
 
 private:
@@ -589,6 +595,7 @@ private:
 	/** @return the thread that writes byte arrays, made on the first call. Thread: any. */
 	FByteToFileThread* getByteToFileThread();
 
+	/** Starts a record that was built for this library. */
 	void startRequest(FhttpRequest& request);
 	bool fillRequest(FhttpRequest& request, IHttpRequest& httpRequest);
 	void fillRequestGET(const FhttpRequest& request, IHttpRequest& httpRequest);
@@ -610,6 +617,8 @@ private:
 	void fillMimeTypeMap();
 	/** Repairs, without waiting, the files of all uploads that have ended, and of those that still run. */
 	void endUploads();
+
+	static TWeakObjectPtr<UCorvaneBPLibrary> corvHandle; // names what corv does
 
 	// One lock for the maps below. Never held during a broadcast, a node call, file work or a call into the HTTP module.
 	FCriticalSection mapLock;

@@ -15,6 +15,7 @@
 class FCorvEventBody;
 class FCorvProgressMail;
 class FCorvThread;
+class UAsyncNodeCorv;
 enum class ECorvJobType : int32;
 struct FCorvCancelState;
 struct FCorvCompletion;
@@ -54,8 +55,8 @@ public:
 	virtual void BeginDestroy() override;
 
 	/**
-	 * Gets ready for a run: takes root and makes the worker.
-	 * @return false when the run before has not ended; nothing has changed then.
+	 * Gets ready for a run: takes root, makes the worker and looks which node waits for the result.
+	 * @return false when the library is gone, which the log tells, or the run before has not ended; nothing has changed then.
 	 * @note Thread: game thread.
 	 */
 	bool initCorv();
@@ -72,7 +73,6 @@ public:
 	void requestProgressDownload(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
 	void requestProgressServerSendEvent(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
 	void requestProgressDownloadLowRam(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
-	/** The one entry point that does its work itself; the job that it queues only ends the worker. */
 	void requestMultiStepComplete(FHttpRequestPtr request, FHttpResponsePtr response, bool bWasSuccessful);
 	/** Keeps the code: of an exchange that does not end in order, the response may never tell it. */
 	void requestStatusCode(FHttpRequestPtr request, int32 code);
@@ -86,6 +86,7 @@ public:
 	// Thread: request worker.
 	void requestCompleteInternal(FHttpRequestPtr request, FHttpResponsePtr response, bool bWasSuccessful);
 	void requestCompleteLowRamInternal(FHttpRequestPtr request, FHttpResponsePtr response, bool bWasSuccessful);
+	void requestMultiStepCompleteInternal(FHttpRequestPtr request, FHttpResponsePtr response, bool bWasSuccessful);
 	void requestMultiStepDownloadInternal(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
 	void requestProgressUploadInternal(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
 	void requestProgressDownloadInternal(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
@@ -97,9 +98,12 @@ public:
 	 * @param html  the page as text.
 	 * @param url  that of the page.
 	 * @return for a Drive page url and the confirmation token, which may be empty; for a file page the link.
-	 * @note Thread: HTTP callback.
+	 * @note Thread: request worker.
 	 */
 	FString generateURLFromHTML(FString html, FString url);
+
+	/** Makes this request a later step of one that a library has begun, and for which a node may wait. */
+	void continueRequest(UCorvaneBPLibrary& library, TWeakObjectPtr<UAsyncNodeCorv> node);
 
 	/** Makes a download the one that may write its target, when this run begins one. */
 	void claimDownloadTarget();
@@ -120,8 +124,10 @@ public:
 	/** Sets the ID together with a copy of the record and the library that events go to. */
 	void setRequestID(FString id, FhttpRequest request, UCorvaneBPLibrary* library);
 	void setRequestStruct(FhttpRequest request);
-	/** @return the library that events go to; null when there was none when the request was built. */
-	UCorvaneBPLibrary* getLibrary() const { return corvaneBPLibrary; }
+	/** @return the library that events go to; null when there was none when the request was built, and when it is gone. Thread: game thread. */
+	UCorvaneBPLibrary* getLibrary() const { return libraryHandle.Get(); }
+	/** @return the node that waited for the result when this run, or the step before, began; null = the event tells. */
+	TWeakObjectPtr<UAsyncNodeCorv> getNode() const { return node; }
 	FString getDownloadID() const { return downloadID; }
 	void setDownloadID(FString id) { downloadID = id; }
 	/** Bytes; the size of the whole file on the server. */
@@ -177,7 +183,7 @@ private:
 
 	// pages
 	void completeFileInfo(const FHttpRequestPtr& request, const FHttpResponsePtr& response, bool bWasSuccessful);
-	bool findSecondStep(const FHttpResponsePtr& response, FString& url);
+	bool findSecondStep(const IHttpResponse& response, FString& url);
 	void startSecondStep(const FString& url);
 
 	// stepped downloads
@@ -197,7 +203,11 @@ private:
 	FhttpRequest httpRequest; // holds no completion object
 	FString requestID;
 	FString downloadID;
-	UCorvaneBPLibrary* corvaneBPLibrary = nullptr; // not owned: the library lives longer than all requests
+	UCorvaneBPLibrary* corvaneBPLibrary = nullptr; // not owned; lives at least as long as a run
+	TWeakObjectPtr<UCorvaneBPLibrary> libraryHandle; // names the same
+	TStrongObjectPtr<UCorvaneBPLibrary> runningLibrary; // game thread; holds the same from the first run on
+	TWeakObjectPtr<UAsyncNodeCorv> node; // changed on the game thread while no worker runs
+	bool bIsLaterStep = false; // its node is that of the first
 	int32 multiStepDownload = 0;
 	EMultiStepType multiStepDownloadType = EMultiStepType::E_GOOGLE_DRIVE_DOWNLOAD;
 	int64 HTMLFileSize = 0;

@@ -5,6 +5,16 @@
 
 #include "UAsyncNodeCorv.generated.h"
 
+/** Where a latent node stands; the library keeps count. */
+enum class ECorvNodeWait : uint8
+{
+	NotWaiting,
+	/** It has an ID, and no request of that ID has begun. */
+	Registered,
+	/** A request has begun whose result it gets, even when a later node takes over the ID. */
+	HasRequest
+};
+
 /**
  * Base of the latent nodes: what the library hands a finished request to when a node waits for its ID. Thread: game thread.
  */
@@ -25,4 +35,6 @@ public:
 	 */
 	virtual void httpRequestComplete(FString dataString, const TArray<FString>& dataArray, const TArray<FString>& header, int32 statusCode,
 		const TArray<uint8>& byteData, FString requestID);
+
+	ECorvNodeWait waitState = ECorvNodeWait::NotWaiting;
 };

@@ -26,9 +26,10 @@ public:
 	FAsyncNodeHttpDownloadUploadCompleteDelegate OnSuccess;
 
 	/**
-	 * The request ended with any other status: the server's from 400 on, 400 when it was refused or its file cannot be sent,
-	 * 500 when there was no response, it was cancelled, or the bytes could not be written. What had arrived of a download
-	 * stays in its file. The pins are those of OnSuccess.
+	 * The request ended with any other status: the server's from 400 on, 400 when its file cannot be sent, 500 when there was no
+	 * response, it was cancelled, or the bytes could not be written. What had arrived of a download stays in its file. The pins
+	 * are those of OnSuccess. A request that cannot be built (a short URL, no path, a missing folder, a file that exists) has
+	 * ended before anybody listens: nothing is raised here, onhttpRequestCompleteDelegate tells with status 400.
 	 */
 	UPROPERTY(BlueprintAssignable)
 	FAsyncNodeHttpDownloadUploadCompleteDelegate OnFail;

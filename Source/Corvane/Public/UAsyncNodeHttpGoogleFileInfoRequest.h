@@ -25,8 +25,9 @@ public:
 	FAsyncNodeGoogleInfoRequestCompleteDelegate OnSuccess;
 
 	/**
-	 * Any other status: the server's from 400 on, 452 when the page cannot be read, or 400 (refused) or 500 (no response) of
-	 * the system itself. The pins are those of OnSuccess.
+	 * Any other status: the server's from 400 on, 452 when the page cannot be read, or 500 (no response, or cancelled) of the
+	 * system itself. The pins are those of OnSuccess. An empty downloadID has ended the node before anybody listens: nothing is
+	 * raised here, onhttpRequestCompleteGoogleInfoDelegate tells with status 400.
 	 */
 	UPROPERTY(BlueprintAssignable)
 	FAsyncNodeGoogleInfoRequestCompleteDelegate OnFail;

@@ -31,8 +31,11 @@ public:
 	FAsyncNodeHttpRequestCompleteDelegate OnSuccess;
 
 	/**
-	 * The request ended with any other status: the server's from 400 on, or 400 (refused) or 500 (no response) of the system
-	 * itself. The pins are those of OnSuccess.
+	 * The request ended with any other status: the server's from 400 on, or 500 (no response, or cancelled) or 400 (a file that
+	 * cannot be sent) of the system itself. The pins are those of OnSuccess. A request that cannot be built, for its URL has
+	 * fewer than 3 characters, has ended before anybody listens: nothing is raised here, onhttpRequestCompleteDelegate tells with
+	 * status 400, for an empty downloadID onhttpRequestCompleteGoogleInfoDelegate. Only an individual request is told here all
+	 * the same.
 	 */
 	UPROPERTY(BlueprintAssignable)
 	FAsyncNodeHttpRequestCompleteDelegate OnFail;

@@ -18,8 +18,9 @@ namespace CorvaneResult
 	/** An exchange that did not happen, or an answer that must not pass for a success. */
 	FCorvCompletion noResponse();
 
+	/** Empty, with a line in the log, for more than 512 MiB. */
 	FString toText(const TArray<uint8>& utf8);
 
-	/** The text cut at CR LF, empty lines dropped. */
+	/** The text cut at CR LF, empty lines dropped; none, with a line in the log, of more than 64 MiB or 1,000,000 lines. */
 	TArray<FString> toLines(const FString& text);
 } // namespace CorvaneResult

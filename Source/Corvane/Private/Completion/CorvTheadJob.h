@@ -13,8 +13,7 @@ enum class ECorvJobType : int32
 	ProgressDownload = 4,
 	ProgressServerSendEvent = 5,
 	ProgressDownloadLowRam = 6,
-	/** Calls nothing; the work is done and the worker ends. */
-	EndOfStep = 7
+	MultiStepComplete = 7
 };
 
 /**
@@ -25,7 +24,7 @@ struct FCorvTheadJob
 {
 	bool isLast() const
 	{
-		return jobType == ECorvJobType::Complete || jobType == ECorvJobType::CompleteLowRam || jobType == ECorvJobType::EndOfStep;
+		return jobType == ECorvJobType::Complete || jobType == ECorvJobType::CompleteLowRam || jobType == ECorvJobType::MultiStepComplete;
 	}
 
 	ECorvJobType jobType;

@@ -187,7 +187,8 @@ void FCorvThread::runJob(const FCorvTheadJob& InJob)
 	case ECorvJobType::ProgressDownloadLowRam:
 		completeObject->requestProgressDownloadLowRamInternal(InJob.request, InJob.bytesSent, InJob.bytesReceived);
 		break;
-	case ECorvJobType::EndOfStep:
+	case ECorvJobType::MultiStepComplete:
+		completeObject->requestMultiStepCompleteInternal(InJob.request, InJob.response, InJob.bWasSuccessful);
 		break;
 	}
 }

@@ -12,6 +12,7 @@
 #include "Misc/ScopeLock.h"
 #include "Rules/ShownAddress.h"
 #include "Templates/SharedPointer.h"
+#include "UAsyncNodeCorv.h"
 #include "UObject/WeakObjectPtr.h"
 
 UCorvaneRequestCompleteObject::UCorvaneRequestCompleteObject(const FObjectInitializer& ObjectInitializer)
@@ -31,6 +32,15 @@ void UCorvaneRequestCompleteObject::setRequestID(FString InID, FhttpRequest InRe
 	setRequestStruct(MoveTemp(InRequest));
 	requestID = MoveTemp(InID);
 	corvaneBPLibrary = InLibrary;
+	libraryHandle = InLibrary;
+}
+
+void UCorvaneRequestCompleteObject::continueRequest(UCorvaneBPLibrary& InLibrary, TWeakObjectPtr<UAsyncNodeCorv> InNode)
+{
+	corvaneBPLibrary = &InLibrary;
+	libraryHandle = &InLibrary;
+	node = InNode;
+	bIsLaterStep = true;
 }
 
 void UCorvaneRequestCompleteObject::setRequestStruct(FhttpRequest InRequest)
@@ -41,6 +51,11 @@ void UCorvaneRequestCompleteObject::setRequestStruct(FhttpRequest InRequest)
 
 bool UCorvaneRequestCompleteObject::initCorv()
 {
+	if (!getLibrary())
+	{
+		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: Missing Object instance (12)."));
+		return false;
+	}
 	if (corvThread && !corvThread->hasEnded() && !completionPosted)
 	{
 		return false;
@@ -48,6 +63,11 @@ bool UCorvaneRequestCompleteObject::initCorv()
 	freeWorker();
 	resetRun();
 	AddToRoot();
+	runningLibrary = TStrongObjectPtr<UCorvaneBPLibrary>(corvaneBPLibrary);
+	if (!bIsLaterStep)
+	{
+		node = corvaneBPLibrary->takeNode(requestID);
+	}
 	currentRun = corvaneBPLibrary->runningRequestList().begin(this, requestID, cancelState);
 	FCorvThread* Worker = new FCorvThread(this, currentRun);
 	FScopeLock Lock(&workerLock);
@@ -226,6 +246,6 @@ FCorvCompletion UCorvaneRequestCompleteObject::failureOf(const FHttpResponsePtr&
 	}
 	const bool bOwnBody = httpRequest.bindServerSendEvent;
 	return CorvaneResult::refusal(Code, bOwnBody               ? CorvaneResult::toText(eventBody->take())
-										: InResponse.IsValid() ? InResponse->GetContentAsString()
+										: InResponse.IsValid() ? CorvaneResult::toText(InResponse->GetContent())
 															   : FString());
 }

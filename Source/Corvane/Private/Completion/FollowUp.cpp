@@ -3,9 +3,12 @@
 #include "Async/Async.h"
 #include "Completion/CompletionResult.h"
 #include "Completion/RunningRequests.h"
+#include "CorvaneRequestCompleteObject.h"
 
 namespace CorvaneFollowUp
 {
+	static bool bIsBuilding = false;
+
 	/** Keeps the program from ending between two requests; the task may also be dropped without having run. */
 	class FPending
 	{
@@ -42,7 +45,19 @@ namespace CorvaneFollowUp
 		}
 		FCorvCompletion Result = CorvaneResult::noResponse();
 		Result.requestID = FollowUp.requestID;
-		CorvaneDelivery::completion(&Library, nullptr, MoveTemp(Result));
+		CorvaneDelivery::completion(&Library, FollowUp.node, nullptr, MoveTemp(Result));
+	}
+
+	static TArray<FhttpRequest> build(UCorvaneBPLibrary& Library, const FCorvFollowUp& FollowUp)
+	{
+		bIsBuilding = true;
+		TArray<FhttpRequest> Requests = FollowUp.build();
+		bIsBuilding = false;
+		for (FhttpRequest& Request : Requests)
+		{
+			Request.requestCompleteObject()->continueRequest(Library, FollowUp.node);
+		}
+		return Requests;
 	}
 
 	static void run(UCorvaneBPLibrary& Library, const FCorvFollowUp& FollowUp)
@@ -52,7 +67,7 @@ namespace CorvaneFollowUp
 			fail(Library, FollowUp);
 			return;
 		}
-		TArray<FhttpRequest> Requests = FollowUp.build();
+		TArray<FhttpRequest> Requests = build(Library, FollowUp);
 		if (Requests.IsEmpty())
 		{
 			UE_LOG(LogTemp, Error, TEXT("Something's went wrong. download is aborted "));
@@ -62,6 +77,11 @@ namespace CorvaneFollowUp
 		Library.startRequests(Requests);
 	}
 } // namespace CorvaneFollowUp
+
+bool CorvaneFollowUp::isBuilding()
+{
+	return bIsBuilding;
+}
 
 void CorvaneFollowUp::start(UCorvaneBPLibrary* InLibrary, FCorvFollowUp FollowUp)
 {

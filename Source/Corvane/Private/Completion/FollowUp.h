@@ -11,6 +11,8 @@ struct FCorvFollowUp
 	FString requestID;
 	/** Of the request before. */
 	TSharedPtr<FCorvCancelState> cancelState;
+	/** The node that waits for the result of all steps. */
+	TWeakObjectPtr<UAsyncNodeCorv> node;
 	/** Builds it; empty when the builder refused. Thread: game thread. */
 	TUniqueFunction<TArray<FhttpRequest>()> build;
 	/** Called instead of its start; may be unset. Thread: game thread. */
@@ -25,4 +27,7 @@ namespace CorvaneFollowUp
 	 * @note Thread: any.
 	 */
 	void start(UCorvaneBPLibrary* library, FCorvFollowUp followUp);
+
+	/** @return whether a follow-up is being built: a builder that refuses then tells nobody, for one result ends all steps. Thread: game thread. */
+	bool isBuilding();
 } // namespace CorvaneFollowUp

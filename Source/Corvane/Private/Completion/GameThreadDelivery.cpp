@@ -7,24 +7,20 @@
 
 namespace CorvaneDelivery
 {
-	/**
-	 * @param Candidate  the node that waited when the request ended.
-	 * @return the node that takes the result, now that nothing keeps the request's body in memory; null = the event tells.
-	 */
+	/** @return the node that takes the result, now that nothing keeps the request's body in memory; null = the event tells. */
 	static UAsyncNodeCorv* receiver(
-		UCorvaneBPLibrary& Library, UAsyncNodeCorv* Candidate, const FHttpRequestPtr& Request, const FString& RequestID)
+		UCorvaneBPLibrary& Library, UAsyncNodeCorv* Node, const FHttpRequestPtr& Request, const FString& RequestID)
 	{
-		const UAsyncNodeCorv* Registered = Library.getUAsyncNodeHttpRequest(RequestID);
-		if (!Registered)
+		if (!Library.getUAsyncNodeHttpRequest(RequestID))
 		{
 			Library.unregisterUAsyncNodeHttpRequest(RequestID); // what a node leaves that was collected while it waited
 		}
-		if (!Candidate || Candidate != Registered) // it gave up its ID meanwhile, or lost it to another
+		if (!Node || Node->waitState == ECorvNodeWait::NotWaiting) // it gave up its ID meanwhile
 		{
 			return nullptr;
 		}
 		Library.releaseRunningRequest(RequestID, Request);
-		return Candidate;
+		return Node;
 	}
 
 	static void complete(UAsyncNodeCorv& Node, const FCorvCompletion& Result)
@@ -68,13 +64,11 @@ namespace CorvaneDelivery
 			Result.fileName, Result.fileSizeInBytes, Result.statusCode, Result.downloadID, Result.requestID);
 	}
 
-	/** The node is the one that waits now: a later one of the same ID has not asked for this result. */
 	template <class ResultType>
-	static void post(UCorvaneBPLibrary* InLibrary, FHttpRequestPtr Request, ResultType Result)
+	static void post(UCorvaneBPLibrary* InLibrary, TWeakObjectPtr<UAsyncNodeCorv> Node, FHttpRequestPtr Request, ResultType Result)
 	{
 		AsyncTask(ENamedThreads::GameThread,
-			[Library = TWeakObjectPtr<UCorvaneBPLibrary>(InLibrary), Node = InLibrary->findNode(Result.requestID), Request,
-				Result = MoveTemp(Result)]
+			[Library = TWeakObjectPtr<UCorvaneBPLibrary>(InLibrary), Node, Request, Result = MoveTemp(Result)]
 			{
 				if (UCorvaneBPLibrary* Alive = Library.Get())
 				{
@@ -84,14 +78,16 @@ namespace CorvaneDelivery
 	}
 } // namespace CorvaneDelivery
 
-void CorvaneDelivery::completion(UCorvaneBPLibrary* InLibrary, FHttpRequestPtr Request, FCorvCompletion Result)
+void CorvaneDelivery::completion(
+	UCorvaneBPLibrary* InLibrary, TWeakObjectPtr<UAsyncNodeCorv> Node, FHttpRequestPtr Request, FCorvCompletion Result)
 {
-	post(InLibrary, MoveTemp(Request), MoveTemp(Result));
+	post(InLibrary, Node, MoveTemp(Request), MoveTemp(Result));
 }
 
-void CorvaneDelivery::fileInfo(UCorvaneBPLibrary* InLibrary, FHttpRequestPtr Request, FCorvFileInfoResult Result)
+void CorvaneDelivery::fileInfo(
+	UCorvaneBPLibrary* InLibrary, TWeakObjectPtr<UAsyncNodeCorv> Node, FHttpRequestPtr Request, FCorvFileInfoResult Result)
 {
-	post(InLibrary, MoveTemp(Request), MoveTemp(Result));
+	post(InLibrary, Node, MoveTemp(Request), MoveTemp(Result));
 }
 
 void CorvaneDelivery::progress(UCorvaneBPLibrary* InLibrary, TSharedPtr<FCorvProgressMail> Mail, FCorvProgressMail::FBroadcast Broadcast)

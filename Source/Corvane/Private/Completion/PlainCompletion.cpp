@@ -68,5 +68,5 @@ void UCorvaneRequestCompleteObject::deliver(const FHttpRequestPtr& InRequest, FC
 {
 	InResult.requestID = requestID;
 	completionPosted = true;
-	CorvaneDelivery::completion(corvaneBPLibrary, InRequest, MoveTemp(InResult));
+	CorvaneDelivery::completion(corvaneBPLibrary, node, InRequest, MoveTemp(InResult));
 }

@@ -167,6 +167,7 @@ void UCorvaneRequestCompleteObject::startStep(const IHttpResponse& InResponse, i
 	FCorvFollowUp FollowUp;
 	FollowUp.requestID = requestID;
 	FollowUp.cancelState = cancelState;
+	FollowUp.node = node;
 	FollowUp.abandon = [Path = Step.path, Download = Step.download](UCorvaneBPLibrary& Library)
 	{ Library.downloadTargetList().release(Path, Download); };
 	FollowUp.build = [Step = MoveTemp(Step)] { return build(Step); };

@@ -9,8 +9,9 @@ FString CorvaneNode::takeID(UAsyncNodeCorv& Node, const FString& OptionalRequest
 	const FString ID = CorvaneBuilder::idOrNew(OptionalRequestID);
 	if (UCorvaneBPLibrary* Library = UCorvaneBPLibrary::getCorvaneTarget())
 	{
-		// No result will reach it any more, so nothing else would take its root. A root of the other classes is their owner's.
-		if (UAsyncNodeHttpRequest* Replaced = Cast<UAsyncNodeHttpRequest>(Library->getUAsyncNodeHttpRequest(ID)))
+		// One that was never activated has no result to come that would take its root. A root of the other classes is their owner's.
+		UAsyncNodeHttpRequest* Replaced = Cast<UAsyncNodeHttpRequest>(Library->getUAsyncNodeHttpRequest(ID));
+		if (Replaced && Replaced->waitState == ECorvNodeWait::Registered)
 		{
 			Replaced->RemoveFromRoot();
 		}
@@ -19,8 +20,9 @@ FString CorvaneNode::takeID(UAsyncNodeCorv& Node, const FString& OptionalRequest
 	return ID;
 }
 
-void CorvaneNode::giveUpID(const UAsyncNodeCorv& Node, const FString& RequestID)
+void CorvaneNode::giveUpID(UAsyncNodeCorv& Node, const FString& RequestID)
 {
+	Node.waitState = ECorvNodeWait::NotWaiting;
 	UCorvaneBPLibrary* Library = UCorvaneBPLibrary::getCorvaneTarget();
 	if (!Library) // the end of the program
 	{

@@ -16,8 +16,8 @@ namespace CorvaneNode
 	 */
 	FString takeID(UAsyncNodeCorv& node, const FString& optionalRequestID);
 
-	/** Gives up a node's ID, unless a later node has taken it over. */
-	void giveUpID(const UAsyncNodeCorv& node, const FString& requestID);
+	/** A node waits no more. It gives up its ID, unless a later node has taken that over. */
+	void giveUpID(UAsyncNodeCorv& node, const FString& requestID);
 
 	/** Starts a node's requests and empties the array. */
 	void start(TArray<FhttpRequest>& httpRequests);

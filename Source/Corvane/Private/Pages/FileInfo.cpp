@@ -1,5 +1,6 @@
 #include "CorvaneRequestCompleteObject.h"
 
+#include "Completion/CompletionResult.h"
 #include "Completion/GameThreadDelivery.h"
 #include "Rules/PageReading.h"
 
@@ -12,7 +13,7 @@ void UCorvaneRequestCompleteObject::completeFileInfo(
 	Result.requestID = requestID;
 	if (bInWasSuccessful && InResponse.IsValid())
 	{
-		const FCorvFileInfo Info = CorvaneRules::readFileInfo(InResponse->GetContentAsString());
+		const FCorvFileInfo Info = CorvaneRules::readFileInfo(CorvaneResult::toText(InResponse->GetContent()));
 		Result.fileName = Info.name;
 		Result.fileSizeInBytes = Info.size;
 		Result.statusCode = Info.bReadable ? InResponse->GetResponseCode() : unreadablePage;
@@ -22,5 +23,5 @@ void UCorvaneRequestCompleteObject::completeFileInfo(
 		Result.statusCode = failureOf(InResponse).statusCode;
 	}
 	completionPosted = true;
-	CorvaneDelivery::fileInfo(corvaneBPLibrary, InRequest, MoveTemp(Result));
+	CorvaneDelivery::fileInfo(corvaneBPLibrary, node, InRequest, MoveTemp(Result));
 }

@@ -1,12 +1,17 @@
 #include "CorvaneRequestCompleteObject.h"
 
 #include "Completion/CompletionResult.h"
-#include "Completion/CorvThread.h"
+#include "Completion/CorvTheadJob.h"
 #include "Completion/FollowUp.h"
-#include "Misc/ScopeLock.h"
 #include "Rules/PageReading.h"
 
 // A page is fetched first, and the address that it leads to second; the second request is one of its own.
+
+namespace CorvaneTwoStepRequest
+{
+	/** What is larger is no page but the file itself, which may be too large to be read as text. */
+	constexpr int32 mostBytesOfPage = 4 << 20;
+} // namespace CorvaneTwoStepRequest
 
 FString UCorvaneRequestCompleteObject::generateURLFromHTML(FString InHtml, FString InUrl)
 {
@@ -21,43 +26,42 @@ FString UCorvaneRequestCompleteObject::generateURLFromHTML(FString InHtml, FStri
 	return InUrl + TEXT("&confirm=") + CorvaneRules::confirmationToken(InHtml);
 }
 
-bool UCorvaneRequestCompleteObject::findSecondStep(const FHttpResponsePtr& InResponse, FString& OutUrl)
+bool UCorvaneRequestCompleteObject::findSecondStep(const IHttpResponse& InResponse, FString& OutUrl)
 {
-	if (!InResponse.IsValid() || multiStepDownload != 1 || InResponse->GetContent().IsEmpty())
+	const int32 Size = InResponse.GetContent().Num();
+	if (multiStepDownload != 1 || Size == 0 || Size > CorvaneTwoStepRequest::mostBytesOfPage)
 	{
 		return false;
 	}
-	OutUrl = generateURLFromHTML(InResponse->GetContentAsString(), httpRequest.url);
+	OutUrl = generateURLFromHTML(InResponse.GetContentAsString(), httpRequest.url);
 	return !OutUrl.EndsWith(TEXT("confirm=")); // without a token the answer is the file itself
 }
 
 void UCorvaneRequestCompleteObject::requestMultiStepComplete(FHttpRequestPtr InRequest, FHttpResponsePtr InResponse, bool bInWasSuccessful)
 {
-	const FHttpResponsePtr Answer = bInWasSuccessful ? InResponse : nullptr;
-	FString Url;
-	FCorvCompletion Result;
-	const bool bGoesOn = corvaneBPLibrary && findSecondStep(Answer, Url);
-	if (corvaneBPLibrary && !bGoesOn)
-	{
-		Result = Answer.IsValid() ? CorvaneResult::success(*Answer, Answer->GetContent()) : failureOf(InResponse);
-	}
-	// The work is done here, so the last job has none. A handler may start the record again at once: it waits until the job is queued.
-	FScopeLock Lock(&workerLock);
 	if (!corvaneBPLibrary)
 	{
 		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: Missing Object instance (12)."));
+		return;
 	}
-	else if (bGoesOn)
+	addJob(new FCorvTheadJob{ECorvJobType::MultiStepComplete, InRequest, InResponse, bInWasSuccessful});
+}
+
+void UCorvaneRequestCompleteObject::requestMultiStepCompleteInternal(
+	FHttpRequestPtr InRequest, FHttpResponsePtr InResponse, bool bInWasSuccessful)
+{
+	FString Url;
+	if (!bInWasSuccessful || !InResponse.IsValid())
+	{
+		deliver(InRequest, failureOf(InResponse));
+	}
+	else if (findSecondStep(*InResponse, Url))
 	{
 		startSecondStep(Url);
 	}
 	else
 	{
-		deliver(InRequest, MoveTemp(Result));
-	}
-	if (corvThread) // behind what has been queued before: it is still to be told
-	{
-		corvThread->addJob(new FCorvTheadJob{ECorvJobType::EndOfStep, InRequest, InResponse, bInWasSuccessful});
+		deliver(InRequest, CorvaneResult::success(*InResponse, InResponse->GetContent()));
 	}
 }
 
@@ -66,6 +70,7 @@ void UCorvaneRequestCompleteObject::startSecondStep(const FString& InUrl)
 	FCorvFollowUp FollowUp;
 	FollowUp.requestID = requestID;
 	FollowUp.cancelState = cancelState;
+	FollowUp.node = node;
 	FollowUp.build = [Url = InUrl, ID = requestID, DownloadID = downloadID, FileSize = HTMLFileSize]
 	{
 		constexpr int32 secondStep = 2;

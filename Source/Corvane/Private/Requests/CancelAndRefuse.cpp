@@ -8,16 +8,14 @@
 
 void UCorvaneBPLibrary::cancelRequest(FString InRequestID)
 {
-	UCorvaneBPLibrary* Library = getCorvaneTarget();
-	if (!Library)
+	for (UCorvaneBPLibrary* Library : libraries())
 	{
-		return;
+		{
+			FScopeLock Lock(&Library->mapLock);
+			Library->cancelledRequests.Add(InRequestID);
+		}
+		Library->runningList->cancel(InRequestID);
 	}
-	{
-		FScopeLock Lock(&Library->mapLock);
-		Library->cancelledRequests.Add(InRequestID);
-	}
-	Library->runningList->cancel(InRequestID);
 }
 
 void UCorvaneBPLibrary::fireErrorMessageInGameThread(UAsyncNodeCorv* InNode, int32, FString InRequestID)

@@ -16,25 +16,38 @@ void FhttpRequest::setRequestCompleteObject(UCorvaneRequestCompleteObject* Objec
 
 void UCorvaneBPLibrary::registerUAsyncNodeHttpRequest(FString InRequestID, UAsyncNodeCorv* InNode)
 {
+	if (InNode && InNode->waitState == ECorvNodeWait::NotWaiting)
+	{
+		InNode->waitState = ECorvNodeWait::Registered;
+	}
 	FScopeLock Lock(&mapLock);
 	asyncNodes.Add(InRequestID, InNode);
 }
 
 void UCorvaneBPLibrary::unregisterUAsyncNodeHttpRequest(FString InRequestID)
 {
+	if (UAsyncNodeCorv* Node = getUAsyncNodeHttpRequest(InRequestID))
+	{
+		Node->waitState = ECorvNodeWait::NotWaiting;
+	}
 	FScopeLock Lock(&mapLock);
 	asyncNodes.Remove(InRequestID);
 }
 
 UAsyncNodeCorv* UCorvaneBPLibrary::getUAsyncNodeHttpRequest(FString InRequestID)
 {
-	return findNode(InRequestID).Get();
+	FScopeLock Lock(&mapLock);
+	return asyncNodes.FindRef(InRequestID).Get();
 }
 
-TWeakObjectPtr<UAsyncNodeCorv> UCorvaneBPLibrary::findNode(const FString& InRequestID)
+TWeakObjectPtr<UAsyncNodeCorv> UCorvaneBPLibrary::takeNode(const FString& InRequestID)
 {
-	FScopeLock Lock(&mapLock);
-	return asyncNodes.FindRef(InRequestID);
+	UAsyncNodeCorv* Node = getUAsyncNodeHttpRequest(InRequestID);
+	if (Node)
+	{
+		Node->waitState = ECorvNodeWait::HasRequest;
+	}
+	return Node;
 }
 
 bool UCorvaneBPLibrary::takeCancelMark(const FString& InRequestID)

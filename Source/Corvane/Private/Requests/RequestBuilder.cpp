@@ -1,5 +1,6 @@
 #include "Requests/RequestBuilder.h"
 
+#include "Completion/FollowUp.h"
 #include "CorvaneRequestCompleteObject.h"
 #include "Misc/Guid.h"
 #include "UObject/UObjectGlobals.h"
@@ -23,7 +24,8 @@ bool CorvaneBuilder::isUrlLongEnough(const FString& Url)
 int32 CorvaneBuilder::refuse(const FString& RequestID)
 {
 	constexpr int32 refused = 400;
-	if (const UCorvaneBPLibrary* Library = UCorvaneBPLibrary::getCorvaneTarget())
+	const UCorvaneBPLibrary* Library = UCorvaneBPLibrary::getCorvaneTarget();
+	if (Library && !CorvaneFollowUp::isBuilding())
 	{
 		Library->onhttpRequestCompleteDelegate.Broadcast(FString(), {}, {}, refused, {}, RequestID);
 	}

@@ -11,7 +11,7 @@ namespace CorvaneBuilder
 	/** @return false for a URL of fewer than 3 characters, which is logged. */
 	bool isUrlLongEnough(const FString& url);
 
-	/** Broadcasts the refusal of a request at once. @return 400. */
+	/** Broadcasts the refusal of a request at once, unless it is a step that follows another. @return 400. */
 	int32 refuse(const FString& requestID);
 
 	/**

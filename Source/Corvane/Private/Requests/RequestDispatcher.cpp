@@ -144,11 +144,12 @@ namespace CorvaneDispatcher
 		constexpr int32 refused = 400;
 		if (Object->getMultiStepDownloadType() == EMultiStepType::E_GOOGLE_DRIVE_FILE_INFO)
 		{
-			CorvaneDelivery::fileInfo(Library, nullptr, {FString(), 0, refused, Object->getDownloadID(), Object->getRequestID()});
+			CorvaneDelivery::fileInfo(
+				Library, Object->getNode(), nullptr, {FString(), 0, refused, Object->getDownloadID(), Object->getRequestID()});
 		}
 		else
 		{
-			CorvaneDelivery::completion(Library, nullptr, {FString(), {}, {}, refused, {}, Object->getRequestID()});
+			CorvaneDelivery::completion(Library, Object->getNode(), nullptr, {FString(), {}, {}, refused, {}, Object->getRequestID()});
 		}
 		Object->stopJobs();
 	}
@@ -166,18 +167,20 @@ void UCorvaneBPLibrary::startRequests(TArray<FhttpRequest>& InHttpRequests)
 	}
 	for (FhttpRequest& Request : Taken)
 	{
-		startRequest(Request);
+		const UCorvaneRequestCompleteObject* Object = Request.requestCompleteObject();
+		UCorvaneBPLibrary* Owner = IsValid(Object) ? Object->getLibrary() : nullptr;
+		if (!Owner) // gone, or not there when the record was built
+		{
+			UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: Missing Object instance (153)."));
+			continue;
+		}
+		Owner->startRequest(Request);
 	}
 }
 
 void UCorvaneBPLibrary::startRequest(FhttpRequest& InRequest)
 {
 	UCorvaneRequestCompleteObject* Object = InRequest.requestCompleteObject();
-	if (!IsValid(Object) || Object->getLibrary() != this) // or it was built when no library was there to report to
-	{
-		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: Missing Object instance (153)."));
-		return;
-	}
 	const FString ID = Object->getRequestID();
 	if (!Object->initCorv())
 	{
@@ -221,10 +224,16 @@ bool UCorvaneBPLibrary::fillRequest(FhttpRequest& InRequest, IHttpRequest& OutHt
 	case EHTTPCorvRequestType::INDIVIDUAL:
 	case EHTTPCorvRequestType::INDIVIDUAL_STREAM:
 		return fillRequestIndividual(InRequest, OutHttpRequest);
-	default:
+	case EHTTPCorvRequestType::PUT:
+	case EHTTPCorvRequestType::PUT_STREAM_MP:
+	case EHTTPCorvRequestType::PUT_STREAM_BLANK:
+	case EHTTPCorvRequestType::PUT_STREAM_COPY:
+	case EHTTPCorvRequestType::POST_UPLOAD:
 		fillHeader(InRequest, OutHttpRequest);
-		return fillRequestUPLOAD(InRequest, OutHttpRequest); // false for what no builder makes
+		return fillRequestUPLOAD(InRequest, OutHttpRequest);
 	}
+	UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: There are no requests of type %d."), static_cast<int32>(InRequest.requestType));
+	return false; // no builder makes such a record
 }
 
 void UCorvaneBPLibrary::fillRequestGET(const FhttpRequest& InRequest, IHttpRequest& OutHttpRequest)
