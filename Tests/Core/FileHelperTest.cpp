@@ -23,10 +23,10 @@ TEST(FileHelper, WritesAsciiPlainAndTheRestInUtf16)
 	const TempDir Dir;
 	for (const FCase& Case : Cases)
 	{
-		EXPECT_TRUE(FFileHelper::SaveStringToFile(wide(Case.Text), *wide(Dir.path("sub/a.txt"))));
+		EXPECT_TRUE(FFileHelper::SaveStringToFile(text(Case.Text), *text(Dir.path("sub/a.txt"))));
 		EXPECT_EQ(Dir.read("sub/a.txt"), Case.Bytes);
 		FString Loaded("old");
-		EXPECT_TRUE(FFileHelper::LoadFileToString(Loaded, *wide(Dir.path("sub/a.txt"))));
+		EXPECT_TRUE(FFileHelper::LoadFileToString(Loaded, *text(Dir.path("sub/a.txt"))));
 		EXPECT_EQ(utf8(Loaded), Case.Text);
 	}
 }
@@ -51,7 +51,7 @@ TEST(FileHelper, ReadsTextAsItsMarkSays)
 	for (const FCase& Case : Cases)
 	{
 		FString Loaded;
-		EXPECT_TRUE(FFileHelper::LoadFileToString(Loaded, *wide(Dir.write("a", Case.Bytes))));
+		EXPECT_TRUE(FFileHelper::LoadFileToString(Loaded, *text(Dir.write("a", Case.Bytes))));
 		EXPECT_EQ(utf8(Loaded), Case.Text);
 	}
 }
@@ -62,9 +62,9 @@ TEST(FileHelper, ArraysComeBackAndReplace)
 	for (const size_t Size : {100'000u, 1u, 0u})
 	{
 		const std::string Bytes(Size, '\xA5');
-		EXPECT_TRUE(FFileHelper::SaveArrayToFile(byteArray(Bytes), *wide(Dir.path("a"))));
+		EXPECT_TRUE(FFileHelper::SaveArrayToFile(byteArray(Bytes), *text(Dir.path("a"))));
 		TArray<uint8> Loaded = byteArray("old");
-		EXPECT_TRUE(FFileHelper::LoadFileToArray(Loaded, *wide(Dir.path("a"))));
+		EXPECT_TRUE(FFileHelper::LoadFileToArray(Loaded, *text(Dir.path("a"))));
 		EXPECT_TRUE(bytesOf(Loaded) == Bytes) << Size;
 	}
 }
@@ -77,11 +77,11 @@ TEST(FileHelper, FailuresLeaveTheResultAlone)
 	FString Text("old");
 	for (const std::string& Path : {Dir.path("missing"), Dir.path(), Dir.path("huge"), Dir.path(std::string(300, 'x')), std::string()})
 	{
-		EXPECT_FALSE(FFileHelper::LoadFileToArray(Array, *wide(Path))) << Path;
-		EXPECT_FALSE(FFileHelper::LoadFileToString(Text, *wide(Path))) << Path;
+		EXPECT_FALSE(FFileHelper::LoadFileToArray(Array, *text(Path))) << Path;
+		EXPECT_FALSE(FFileHelper::LoadFileToString(Text, *text(Path))) << Path;
 	}
 	EXPECT_EQ(bytesOf(Array) + utf8(Text), "oldold");
-	EXPECT_FALSE(FFileHelper::SaveArrayToFile(Array, *wide(Dir.path())));
+	EXPECT_FALSE(FFileHelper::SaveArrayToFile(Array, *text(Dir.path())));
 	EXPECT_FALSE(FFileHelper::SaveArrayToFile(Array, u"/dev/full"));
-	EXPECT_FALSE(FFileHelper::SaveStringToFile(wide("\u00fc"), u"/dev/full"));
+	EXPECT_FALSE(FFileHelper::SaveStringToFile(text("\u00fc"), u"/dev/full"));
 }

@@ -15,17 +15,17 @@ namespace
 {
 	std::unique_ptr<FArchive> reader(const std::string& Path)
 	{
-		return std::unique_ptr<FArchive>(IFileManager::Get().CreateFileReader(*wide(Path)));
+		return std::unique_ptr<FArchive>(IFileManager::Get().CreateFileReader(*text(Path)));
 	}
 
 	std::unique_ptr<FArchive> writer(const std::string& Path, uint32 Flags = FILEWRITE_None)
 	{
-		return std::unique_ptr<FArchive>(IFileManager::Get().CreateFileWriter(*wide(Path), Flags));
+		return std::unique_ptr<FArchive>(IFileManager::Get().CreateFileWriter(*text(Path), Flags));
 	}
 
 	std::unique_ptr<IFileHandle> openWrite(const std::string& Path, bool bAppend, bool bAllowRead = false)
 	{
-		return std::unique_ptr<IFileHandle>(FPlatformFileManager::Get().GetPlatformFile().OpenWrite(*wide(Path), bAppend, bAllowRead));
+		return std::unique_ptr<IFileHandle>(FPlatformFileManager::Get().GetPlatformFile().OpenWrite(*text(Path), bAppend, bAllowRead));
 	}
 
 	std::string readFrom(FArchive& Reader, size_t Number)
@@ -182,7 +182,7 @@ TEST(FileHandle, PositionsPassFourGigabytes)
 		const std::unique_ptr<IFileHandle> File = openWrite(Dir.path("sparse"), false);
 		EXPECT_TRUE(File->Truncate(Far) && File->Seek(Far) && write(*File, "end"));
 	}
-	EXPECT_EQ(IFileManager::Get().FileSize(*wide(Dir.path("sparse"))), Far + 3);
+	EXPECT_EQ(IFileManager::Get().FileSize(*text(Dir.path("sparse"))), Far + 3);
 	const std::unique_ptr<FArchive> Reader = reader(Dir.path("sparse"));
 	Reader->Seek(Far - 1);
 	EXPECT_EQ(readFrom(*Reader, 4), std::string("\0end", 4));

@@ -23,7 +23,7 @@ TEST(Paths, BecomeAbsoluteAndClean)
 	};
 	for (const FCase& Case : Cases)
 	{
-		EXPECT_EQ(utf8(FPaths::ConvertRelativePathToFull(wide(Case.Path))), Case.Full) << Case.Path;
+		EXPECT_EQ(utf8(FPaths::ConvertRelativePathToFull(text(Case.Path))), Case.Full) << Case.Path;
 	}
 	EXPECT_EQ(utf8(FPaths::ProjectDir()), "../Project/");
 }

@@ -12,8 +12,8 @@ namespace
 	class PlatformFile : public testing::Test
 	{
 	protected:
-		bool move(const std::string& To, const std::string& From) { return Files.MoveFile(*wide(To), *wide(From)); }
-		bool copy(const std::string& To, const std::string& From) { return Files.CopyFile(*wide(To), *wide(From)); }
+		bool move(const std::string& To, const std::string& From) { return Files.MoveFile(*text(To), *text(From)); }
+		bool copy(const std::string& To, const std::string& From) { return Files.CopyFile(*text(To), *text(From)); }
 
 		IPlatformFile& Files = FPlatformFileManager::Get().GetPlatformFile();
 		const TempDir Dir;
@@ -42,7 +42,7 @@ TEST_F(PlatformFile, TellsFilesFromDirectories)
 	};
 	for (const FCase& Case : Cases)
 	{
-		const FString Path = wide(Case.Path);
+		const FString Path = text(Case.Path);
 		EXPECT_EQ(Files.FileExists(*Path), Case.bFile) << Case.Path;
 		EXPECT_EQ(Files.DirectoryExists(*Path), Case.bDirectory) << Case.Path;
 		EXPECT_EQ(Files.FileSize(*Path), Case.Size) << Case.Path;
@@ -51,18 +51,18 @@ TEST_F(PlatformFile, TellsFilesFromDirectories)
 
 TEST_F(PlatformFile, MakesAndRemovesOneDirectory)
 {
-	const FString Path = wide(Dir.path("\u00fc"));
+	const FString Path = text(Dir.path("\u00fc"));
 	EXPECT_TRUE(Files.CreateDirectory(*Path));
 	EXPECT_TRUE(Files.CreateDirectory(*Path)) << "it is there";
-	EXPECT_FALSE(Files.CreateDirectory(*wide(Dir.path("a/b")))) << "one level only";
+	EXPECT_FALSE(Files.CreateDirectory(*text(Dir.path("a/b")))) << "one level only";
 	Dir.write("\u00fc/file", "");
-	EXPECT_FALSE(Files.CreateDirectory(*wide(Dir.path("\u00fc/file"))));
+	EXPECT_FALSE(Files.CreateDirectory(*text(Dir.path("\u00fc/file"))));
 	EXPECT_FALSE(Files.DeleteDirectory(*Path)) << "not empty";
-	EXPECT_FALSE(Files.DeleteDirectory(*wide(Dir.path("\u00fc/file"))));
+	EXPECT_FALSE(Files.DeleteDirectory(*text(Dir.path("\u00fc/file"))));
 	EXPECT_TRUE(Dir.exists("\u00fc/file"));
 	fs::remove(Dir.path("\u00fc/file"));
 	fs::create_directory_symlink(Dir.path("\u00fc"), Dir.path("link"));
-	EXPECT_FALSE(Files.DeleteDirectory(*wide(Dir.path("link")))) << "a link is none";
+	EXPECT_FALSE(Files.DeleteDirectory(*text(Dir.path("link")))) << "a link is none";
 	EXPECT_TRUE(Files.DeleteDirectory(*Path));
 	EXPECT_TRUE(Files.DeleteDirectory(*Path)) << "there is none";
 }
@@ -92,11 +92,11 @@ TEST_F(PlatformFile, MovesToAnotherDisk)
 	Dir.write("from", "new");
 	fs::permissions(Dir.path("from"), fs::perms::owner_read);
 	const FDateTime Time = FDateTime::FromUnixTimestamp(1'000'000'000);
-	Files.SetTimeStamp(*wide(Dir.path("from")), Time);
+	Files.SetTimeStamp(*text(Dir.path("from")), Time);
 	EXPECT_TRUE(move(There, Dir.path("from")));
 	EXPECT_FALSE(Dir.exists("from"));
-	EXPECT_EQ(Files.GetTimeStamp(*wide(There)), Time);
-	EXPECT_TRUE(Files.IsReadOnly(*wide(There)));
+	EXPECT_EQ(Files.GetTimeStamp(*text(There)), Time);
+	EXPECT_TRUE(Files.IsReadOnly(*text(There)));
 	Dir.write("from", "newer");
 	EXPECT_FALSE(move(OtherDisk / "missing/to", Dir.path("from")));
 	EXPECT_EQ(Dir.read("from") + std::to_string(fs::file_size(There)), "newer3");
@@ -111,7 +111,7 @@ TEST_F(PlatformFile, CopiesToANewFileThatCanBeWritten)
 	fs::permissions(Dir.write("from", "bytes"), fs::perms::owner_read);
 	EXPECT_TRUE(copy(Dir.path("to"), Dir.path("from")));
 	EXPECT_EQ(Dir.read("to"), "bytes");
-	EXPECT_FALSE(Files.IsReadOnly(*wide(Dir.path("to"))));
+	EXPECT_FALSE(Files.IsReadOnly(*text(Dir.path("to"))));
 	Dir.write("old", "old");
 	EXPECT_FALSE(copy(Dir.path("old"), Dir.path("from")));
 	EXPECT_FALSE(copy(Dir.path("from"), Dir.path("from")));
@@ -124,7 +124,7 @@ TEST_F(PlatformFile, CopiesToANewFileThatCanBeWritten)
 
 TEST_F(PlatformFile, ReadOnlyFilesStay)
 {
-	const FString Path = wide(Dir.write("file", "x"));
+	const FString Path = text(Dir.write("file", "x"));
 	EXPECT_FALSE(Files.IsReadOnly(*Path));
 	EXPECT_TRUE(Files.SetReadOnly(*Path, true));
 	EXPECT_TRUE(Files.IsReadOnly(*Path));
@@ -134,20 +134,20 @@ TEST_F(PlatformFile, ReadOnlyFilesStay)
 	EXPECT_TRUE(Files.SetReadOnly(*Path, false));
 	EXPECT_TRUE(Files.DeleteFile(*Path));
 	EXPECT_FALSE(Files.DeleteFile(*Path)) << "there is none";
-	EXPECT_FALSE(Files.DeleteFile(*wide(Dir.path()))) << "a directory";
+	EXPECT_FALSE(Files.DeleteFile(*text(Dir.path()))) << "a directory";
 	EXPECT_FALSE(Files.SetReadOnly(*Path, true));
 	EXPECT_FALSE(Files.IsReadOnly(*Path));
-	EXPECT_FALSE(Files.IsReadOnly(*wide(Dir.path())));
+	EXPECT_FALSE(Files.IsReadOnly(*text(Dir.path())));
 	EXPECT_TRUE(IFileManager::Get().Delete(*Path));
 	EXPECT_FALSE(IFileManager::Get().Delete(*Path, true));
-	Files.SetReadOnly(*wide(Dir.write("file", "x")), true);
+	Files.SetReadOnly(*text(Dir.write("file", "x")), true);
 	EXPECT_TRUE(IFileManager::Get().Delete(*Path, true, true));
 	EXPECT_FALSE(Dir.exists("file"));
 }
 
 TEST_F(PlatformFile, TimesReachOverCenturies)
 {
-	const FString Path = wide(Dir.write("file", "x"));
+	const FString Path = text(Dir.write("file", "x"));
 	const FDateTime Access = Files.GetAccessTimeStamp(*Path);
 	for (const FDateTime Time : {FDateTime(FDateTime::FromUnixTimestamp(0).GetTicks() - 1), FDateTime(638'000'000'000'000'001),
 			 FDateTime::FromUnixTimestamp(13'000'000'000)})
@@ -157,7 +157,7 @@ TEST_F(PlatformFile, TimesReachOverCenturies)
 	}
 	EXPECT_EQ(Files.GetAccessTimeStamp(*Path), Access);
 	EXPECT_GT(Access, FDateTime::FromUnixTimestamp(1'700'000'000));
-	EXPECT_EQ(Files.GetTimeStamp(*wide(Dir.path("missing"))), FDateTime::MinValue());
-	EXPECT_EQ(Files.GetAccessTimeStamp(*wide(Dir.path("missing"))), FDateTime::MinValue());
+	EXPECT_EQ(Files.GetTimeStamp(*text(Dir.path("missing"))), FDateTime::MinValue());
+	EXPECT_EQ(Files.GetAccessTimeStamp(*text(Dir.path("missing"))), FDateTime::MinValue());
 	EXPECT_EQ(utf8(Files.GetFilenameOnDisk(*Path)), Dir.path("file"));
 }
