@@ -38,10 +38,3 @@ TEST(DateTime, RefusesWhatIsNoMoment)
 		EXPECT_EQ(Read.GetTicks(), 42) << Text;
 	}
 }
-
-TEST(DateTime, ComparesByTime)
-{
-	EXPECT_LT(FDateTime::MinValue(), FDateTime::FromUnixTimestamp(-1));
-	EXPECT_EQ(FDateTime(5), FDateTime(5));
-	EXPECT_GT(FDateTime::UtcNow(), FDateTime::FromUnixTimestamp(1'700'000'000));
-}
