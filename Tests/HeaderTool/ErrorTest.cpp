@@ -1,7 +1,6 @@
 #include "ToolRun.h"
 
 #include <gtest/gtest.h>
-#include <span>
 
 namespace
 {
@@ -54,7 +53,7 @@ namespace
 	const std::string parentClass = "UCLASS()\nclass UOther : public UObject { GENERATED_BODY()\npublic:\n"
 									"UFUNCTION() void taken();\nUPROPERTY() int32 value; };\n";
 
-	const Case fileCases[] = {
+	const Case cases[] = {
 		{"PragmaLate", "#include \"A.h\"\n#pragma once\n#include \"Case.generated.h\"\n" + enumNode,
 			{"1: the header must begin with #pragma once"}},
 		{"NoGenerated", "#pragma once\n" + enumNode, {"3: reflected types need #include \"Case.generated.h\""}},
@@ -88,9 +87,7 @@ namespace
 			"#pragma once\n#include \"Case.h\"\n"},
 		{"ReferenceMistakesCount", file(""), {"!Other.h(3): Error: unknown specifier 'Foo' in UENUM"}, "Other.h",
 			other("UENUM(Foo)\nenum class EOther : uint8 { A };\n")},
-	};
 
-	const Case typeCases[] = {
 		{"Prefixes",
 			file("UCLASS() class Case : public UObject { GENERATED_BODY() };\n"
 				 "USTRUCT() struct Record { GENERATED_BODY() };\nUENUM() enum class Kind : uint8 { A };\n" +
@@ -152,9 +149,7 @@ namespace
 				"8: 'FGuid': the engine has a type of its own called 'Guid'"}},
 		{"ScriptNames", file(structWithBody), {"5: 'FOther', 'Other' to scripts, takes a name that Other.h(4) has taken"}, "Other.h",
 			other(parentClass)},
-	};
 
-	const Case enumCases[] = {
 		{"EnumForm", file("UENUM() enum class EA : int32 { A };\nUENUM() enum class EB { A };\nUENUM() enum EC : uint8 { A };"),
 			{"4: 'EA' must be an 'enum class' based on uint8", "5: 'EB' must be an 'enum class' based on uint8",
 				"6: 'EC' must be an 'enum class' based on uint8"}},
@@ -169,9 +164,7 @@ namespace
 		{"EnumMeta",
 			file("UENUM() enum class E : uint8 { A UMETA(DisplayName),\nB UMETA(X = 1, x = 2) };\nUENUM() enum class F : uint8 { };"),
 			{"4: 'DisplayName' of UMETA needs a text", "5: 'x' stands twice in UMETA", "6: 'F' has no enumerators"}},
-	};
 
-	const Case specifierCases[] = {
 		{"UnknownSpecifiers",
 			file("UCLASS(Blueprintabel)\nclass UCase : public UObject { GENERATED_BODY()\nUFUNCTION(Exec) void a();\n"
 				 "UPROPERTY(BlueprintReadWrite) int32 b;\nUFUNCTION() void c(UPARAM(Ref = 1, out) int32& d); };\n"
@@ -204,9 +197,7 @@ namespace
 		{"RefNeedsReference", inClass("UFUNCTION() void a(UPARAM(ref) int32 b,\nUPARAM(ref) const int32& c);"),
 			{"8: parameter 'b' of 'a': UPARAM(ref) needs a non-const reference, not 'int32'",
 				"9: parameter 'c' of 'a': UPARAM(ref) needs a non-const reference, not 'const int32&'"}},
-	};
 
-	const Case memberCases[] = {
 		{"Overloads",
 			inClass("UPROPERTY() int32 c; UPROPERTY() int32 C;\nUFUNCTION() void a(); UFUNCTION() void A(int32 b);\nUPROPERTY() int32 a;"),
 			{"8: 'C' is already a reflected property of UCase; case does not tell names apart and there are no overloads",
@@ -257,9 +248,7 @@ namespace
 				"7: " + delegates + "_TenParams is not available in this host; multicast delegates with up to nine parameters are",
 				"8: DECLARE_DYNAMIC_DELEGATE is not available in this host; multicast delegates with up to nine parameters are",
 				"9: parameter 'a' of 'FF': delegates take no non-const references", "9: 'FF' has two parameters called 'A'"}},
-	};
 
-	const Case defaultCases[] = {
 		{"DefaultEnumerators",
 			"#pragma once\n#include \"Other.h\"\n#include \"Case.generated.h\"\nUCLASS()\nclass UCase : public UObject {\n"
 			"GENERATED_BODY()\nUFUNCTION() void a(EOther b = EOther::A, EOther c = EOther::B,\nEOther d = EFoo::A,\nEOther e = A);\n};",
@@ -321,12 +310,7 @@ namespace
 
 	std::vector<Case> allCases()
 	{
-		std::vector<Case> all;
-		for (const std::span<const Case> table :
-			std::initializer_list<std::span<const Case>>{fileCases, typeCases, enumCases, specifierCases, memberCases, defaultCases})
-		{
-			all.insert(all.end(), table.begin(), table.end());
-		}
+		std::vector<Case> all(std::begin(cases), std::end(cases));
 		Case types{"RefusedTypes", "", {}, "Other.h", other(structWithBody + enumNode)};
 		std::string members;
 		int line = 8;
