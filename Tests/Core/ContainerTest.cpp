@@ -1,6 +1,7 @@
 #include "Containers/Array.h"
 #include "Containers/Map.h"
 #include "Containers/Set.h"
+#include "TextSupport.h"
 
 #include <gtest/gtest.h>
 #include <memory>
@@ -13,11 +14,7 @@ namespace
 		std::string Text;
 		for (const auto& Pair : Map)
 		{
-			for (int32 At = 0; At < Pair.Key.Len(); ++At)
-			{
-				Text += static_cast<char>(Pair.Key[At]);
-			}
-			Text += '=' + std::to_string(Pair.Value) + ' ';
+			Text += utf8(Pair.Key) + '=' + std::to_string(Pair.Value) + ' ';
 		}
 		return Text;
 	}

@@ -1,6 +1,7 @@
 #include "GenericPlatform/GenericPlatformFile.h"
 #include "HAL/FileManager.h"
 #include "HAL/PlatformFileManager.h"
+#include "RandomBytes.h"
 #include "Serialization/Archive.h"
 #include "TempDir.h"
 #include "TextSupport.h"
@@ -15,17 +16,17 @@ namespace
 {
 	std::unique_ptr<FArchive> reader(const std::string& Path)
 	{
-		return std::unique_ptr<FArchive>(IFileManager::Get().CreateFileReader(*wide(Path)));
+		return std::unique_ptr<FArchive>(IFileManager::Get().CreateFileReader(*text(Path)));
 	}
 
 	std::unique_ptr<FArchive> writer(const std::string& Path, uint32 Flags = FILEWRITE_None)
 	{
-		return std::unique_ptr<FArchive>(IFileManager::Get().CreateFileWriter(*wide(Path), Flags));
+		return std::unique_ptr<FArchive>(IFileManager::Get().CreateFileWriter(*text(Path), Flags));
 	}
 
 	std::unique_ptr<IFileHandle> openWrite(const std::string& Path, bool bAppend, bool bAllowRead = false)
 	{
-		return std::unique_ptr<IFileHandle>(FPlatformFileManager::Get().GetPlatformFile().OpenWrite(*wide(Path), bAppend, bAllowRead));
+		return std::unique_ptr<IFileHandle>(FPlatformFileManager::Get().GetPlatformFile().OpenWrite(*text(Path), bAppend, bAllowRead));
 	}
 
 	std::string readFrom(FArchive& Reader, size_t Number)
@@ -39,22 +40,12 @@ namespace
 	{
 		return File.Write(reinterpret_cast<const uint8*>(Bytes.data()), static_cast<int64>(Bytes.size()));
 	}
-
-	std::string patternOf(size_t Number)
-	{
-		std::string Bytes(Number, '\0');
-		for (size_t At = 0; At < Number; ++At)
-		{
-			Bytes[At] = static_cast<char>(At * 31 + At / 251);
-		}
-		return Bytes;
-	}
 } // namespace
 
 TEST(FileReader, ReadsAnyPiecesInAnyOrder)
 {
 	const TempDir Dir;
-	const std::string Bytes = patternOf(300'000); // several times its buffer
+	const std::string Bytes = randomBytes(300'000); // several times its buffer
 	const std::unique_ptr<FArchive> Reader = reader(Dir.write("a", Bytes));
 	EXPECT_EQ(Reader->TotalSize(), 300'000);
 	const std::pair<int64, size_t> Pieces[] = {{0, 1024}, {1024, 1024}, {500, 10}, {65'000, 2'000}, {64'000, 3'000}, {299'999, 1},
@@ -87,16 +78,6 @@ TEST(FileReader, EndsAndPositionsOutsideAreErrors)
 			fs::resize_file(Path, 2); // somebody cuts the file meanwhile
 			readFrom(Reader, 5);
 		}));
-}
-
-TEST(FileReader, OpensNothingButFiles)
-{
-	const TempDir Dir;
-	ASSERT_EQ(mkfifo(Dir.path("pipe").c_str(), 0600), 0);
-	for (const std::string& Path : {Dir.path("missing"), Dir.path(), Dir.path("pipe"), std::string("/dev/zero"), std::string()})
-	{
-		EXPECT_EQ(reader(Path), nullptr) << Path;
-	}
 }
 
 TEST(FileWriter, ReplacesAppendsAndMakesDirectories)
@@ -138,7 +119,7 @@ TEST(FileWriter, TellsOfAFullDiskAndOfWrongPositions)
 	EXPECT_FALSE(Writer->Close());
 }
 
-TEST(FileWriter, TouchesNothingItMayNotWrite)
+TEST(FileReaderAndWriter, TouchNothingButFilesThatTheyMay)
 {
 	const TempDir Dir;
 	fs::permissions(Dir.write("readonly", "old"), fs::perms::owner_read);
@@ -148,6 +129,10 @@ TEST(FileWriter, TouchesNothingItMayNotWrite)
 	{
 		EXPECT_EQ(writer(Dir.path(Name)), nullptr) << Name;
 		EXPECT_EQ(openWrite(Dir.path(Name), false), nullptr) << Name;
+	}
+	for (const std::string& Path : {Dir.path("missing"), Dir.path(), Dir.path("pipe"), std::string("/dev/zero")})
+	{
+		EXPECT_EQ(reader(Path), nullptr) << Path;
 	}
 	EXPECT_EQ(openWrite(Dir.path("missing/a"), true), nullptr) << "a handle makes no directory";
 	EXPECT_EQ(Dir.read("readonly") + Dir.read("file"), "oldold");
@@ -182,7 +167,7 @@ TEST(FileHandle, PositionsPassFourGigabytes)
 		const std::unique_ptr<IFileHandle> File = openWrite(Dir.path("sparse"), false);
 		EXPECT_TRUE(File->Truncate(Far) && File->Seek(Far) && write(*File, "end"));
 	}
-	EXPECT_EQ(IFileManager::Get().FileSize(*wide(Dir.path("sparse"))), Far + 3);
+	EXPECT_EQ(IFileManager::Get().FileSize(*text(Dir.path("sparse"))), Far + 3);
 	const std::unique_ptr<FArchive> Reader = reader(Dir.path("sparse"));
 	Reader->Seek(Far - 1);
 	EXPECT_EQ(readFrom(*Reader, 4), std::string("\0end", 4));

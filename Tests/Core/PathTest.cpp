@@ -1,32 +1,7 @@
-#include "Host/Directories.h"
 #include "Misc/Paths.h"
 #include "TextSupport.h"
 
 #include <gtest/gtest.h>
-
-TEST(Paths, BecomeAbsoluteAndClean)
-{
-	HostDirectories::Set("../Project", "/base/bin");
-	struct FCase
-	{
-		const char* Path;
-		const char* Full;
-	};
-	const FCase Cases[] = {
-		{"Content/a.txt", "/base/bin/Content/a.txt"},
-		{"/abs//x/./y/../z", "/abs/x/z"},
-		{"a\\b", "/base/bin/a/b"},
-		{"", "/base/bin/"},
-		{"../Project/Content", "/base/Project/Content"},
-		{"/../..", "/"},
-		{"ü/ß", "/base/bin/ü/ß"},
-	};
-	for (const FCase& Case : Cases)
-	{
-		EXPECT_EQ(utf8(FPaths::ConvertRelativePathToFull(wide(Case.Path))), Case.Full) << Case.Path;
-	}
-	EXPECT_EQ(utf8(FPaths::ProjectDir()), "../Project/");
-}
 
 TEST(Paths, FallIntoParts)
 {

@@ -7,10 +7,12 @@
 #include "Host/GameThreadTasks.h"
 #include "Host/SystemThreads.h"
 #include "NoThreads.h"
+#include "Waiting.h"
 
 #include <atomic>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <list>
 #include <memory>
 #include <set>
 #include <thread>
@@ -45,6 +47,21 @@ namespace
 		FEvent* Event;
 	};
 
+	/** Threads that run until this goes. */
+	struct FWaiters
+	{
+		explicit FWaiters(size_t Number)
+			: All(Number)
+		{
+			for (FWaiter& Waiter : All)
+			{
+				Threads.emplace_back(FRunnableThread::Create(&Waiter, TEXT("Waiter")));
+			}
+		}
+		std::list<FWaiter> All;
+		std::vector<std::unique_ptr<FRunnableThread>> Threads;
+	};
+
 	constexpr auto soon = std::chrono::milliseconds(20);
 } // namespace
 
@@ -60,17 +77,6 @@ TEST(Event, LatchesOneTriggerAndResetsItself)
 	FEvent* Again = FPlatformProcess::GetSynchEventFromPool();
 	EXPECT_FALSE(Again->Wait(0)) << "an event comes out of the pool unset";
 	FPlatformProcess::ReturnSynchEventToPool(Again);
-}
-
-TEST(RunnableThread, StopsAndWaitsWhenDeleted)
-{
-	FWaiter Waiter;
-	std::unique_ptr<FRunnableThread> Thread(FRunnableThread::Create(&Waiter, TEXT("Waiter")));
-	ASSERT_TRUE(Thread);
-	Thread.reset();
-	EXPECT_NE(Waiter.Id, std::thread::id());
-	EXPECT_NE(Waiter.Id, std::this_thread::get_id());
-	HostThreads::JoinIdle();
 }
 
 TEST(RunnableThread, ReusesSystemThreads)
@@ -90,27 +96,17 @@ TEST(RunnableThread, RunsManyAtOnceAndStartsAgainAfterJoining)
 {
 	for (int Round = 0; Round < 2; ++Round)
 	{
-		std::vector<std::unique_ptr<FWaiter>> Waiters;
-		std::vector<std::unique_ptr<FRunnableThread>> Threads;
-		for (int Number = 0; Number < 100; ++Number)
 		{
-			Waiters.push_back(std::make_unique<FWaiter>());
-			Threads.emplace_back(FRunnableThread::Create(Waiters.back().get(), TEXT("Waiter")));
+			const FWaiters Waiters(100);
+			EXPECT_TRUE(waitFor([] { return FWaiter::NumRunning == 100; })) << "all of them must come to run although none ends";
+			std::set<std::thread::id> Ids{std::this_thread::get_id()};
+			for (const FWaiter& Waiter : Waiters.All)
+			{
+				Ids.insert(Waiter.Id);
+			}
+			EXPECT_EQ(Ids.size(), 101u);
 		}
-		// All of them must come to run although none ends.
-		const auto Patience = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-		while (FWaiter::NumRunning < 100 && std::chrono::steady_clock::now() < Patience)
-		{
-			std::this_thread::sleep_for(std::chrono::milliseconds(1));
-		}
-		EXPECT_EQ(FWaiter::NumRunning, 100);
-		Threads.clear();
-		std::set<std::thread::id> Ids;
-		for (const auto& Waiter : Waiters)
-		{
-			Ids.insert(Waiter->Id);
-		}
-		EXPECT_EQ(Ids.size(), 100u);
+		EXPECT_EQ(FWaiter::NumRunning, 0) << "a thread is deleted when it has run to its end";
 		HostThreads::JoinIdle();
 	}
 }
@@ -123,21 +119,9 @@ TEST(RunnableThread, ThreadsThatNobodyWantsEnd)
 	const auto Before = NumThreads();
 	for (int Round = 0; Round < 2; ++Round) // the second finds threads that have just ended
 	{
-		std::vector<std::unique_ptr<FWaiter>> Waiters;
-		std::vector<std::unique_ptr<FRunnableThread>> Threads;
-		for (int Number = 0; Number < 30; ++Number)
-		{
-			Waiters.push_back(std::make_unique<FWaiter>());
-			Threads.emplace_back(FRunnableThread::Create(Waiters.back().get(), TEXT("Waiter")));
-		}
-		Threads.clear();
+		FWaiters(30);
 		EXPECT_GT(NumThreads(), Before);
-		const auto Patience = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-		while (NumThreads() > Before && std::chrono::steady_clock::now() < Patience)
-		{
-			std::this_thread::sleep_for(soon);
-		}
-		EXPECT_EQ(NumThreads(), Before);
+		EXPECT_TRUE(waitFor([&] { return NumThreads() == Before; }));
 	}
 	HostThreads::JoinIdle();
 }

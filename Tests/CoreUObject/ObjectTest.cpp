@@ -76,14 +76,3 @@ TEST_F(Objects, StrongPointersMayOutliveTheEndOfTheProgram)
 	EXPECT_EQ(UTestObject::NumFreed, 1);
 	NewObject<UTestObject>()->AddToRoot(); // takes the freed place; the old pointer must not count for it
 }
-
-TEST_F(Objects, KnowTheirClass)
-{
-	UTestObject* Object = NewObject<UTestObject>();
-	EXPECT_EQ(Cast<UTestObject>(static_cast<UObject*>(Object)), Object);
-	EXPECT_TRUE(Object->IsA(UObject::StaticClass()));
-	EXPECT_EQ(Cast<UTestObject>(nullptr), nullptr);
-	EXPECT_FALSE(UObject::StaticClass()->IsChildOf(UTestObject::StaticClass()));
-	EXPECT_FALSE(IsValid(nullptr));
-	EXPECT_TRUE(IsValid(Object));
-}

@@ -2,75 +2,34 @@
 
 namespace
 {
-	/** Bytes that are read as a file is. */
-	class Stream : public FArchive
-	{
-	public:
-		explicit Stream(std::string inBytes)
-			: bytes(std::move(inBytes))
-		{
-		}
-		int64 TotalSize() override { return static_cast<int64>(bytes.size()); }
-		int64 Tell() override { return static_cast<int64>(position); }
-		void Seek(int64 to) override { position = static_cast<size_t>(to); }
-		void Serialize(void* value, int64 length) override
-		{
-			position += bytes.copy(static_cast<char*>(value), static_cast<size_t>(length), position);
-		}
-
-	private:
-		std::string bytes;
-		size_t position = 0;
-	};
-
 	/** Requests whose body begins inside the Content-Length header. */
 	class BodyInHeader : public HttpTest
 	{
 	protected:
 		Exchange& put(const std::string& url, const std::string& length, const std::string& stream)
 		{
-			Exchange& exchange = make(url);
-			exchange.request().SetVerb("PUT");
+			Exchange& exchange = make(url, "PUT");
 			exchange.request().SetHeader("Content-Type", "x/y");
 			exchange.request().SetHeader("X-Later", "1");
 			exchange.request().SetHeader("Content-Length", text(length));
-			EXPECT_TRUE(exchange.request().SetContentFromStream(MakeShared<Stream>(stream)));
+			EXPECT_TRUE(exchange.request().SetContentFromStream(MakeShared<BytesArchive>(stream)));
 			return exchange;
 		}
 	};
 
 	/** Reads requests with bodies of that many bytes, keeps all bytes, and answers. */
-	class Reader
+	struct Reader
 	{
-	public:
-		explicit Reader(size_t bodyBytes, int code = 200)
-			: Server(
-				  [this, bodyBytes, code](Connection& connection)
-				  {
-					  const std::string head = connection.readHead();
-					  const std::string body = connection.read(bodyBytes);
-					  {
-						  const std::scoped_lock lock(Mutex);
-						  Bytes = head + body;
-					  }
-					  connection.send(answer(code, "", "Location: /elsewhere\r\n"));
-					  connection.waitForPeer();
-				  })
-		{
-		}
-
-		std::string bytes() const
-		{
-			const std::scoped_lock lock(Mutex);
-			return Bytes;
-		}
-
-	private:
-		mutable std::mutex Mutex;
-		std::string Bytes;
-
-	public:
-		RawServer Server;
+		const size_t bodyBytes;
+		const int code = 200;
+		std::string bytes = {}; // to be read behind the answer
+		RawServer server{[this](Connection& connection)
+			{
+				bytes = connection.readHead();
+				bytes += connection.read(bodyBytes);
+				connection.send(answer(code, "", "Location: /elsewhere\r\n"));
+				connection.waitForPeer();
+			}};
 	};
 
 	std::string wire(const RawServer& server, const std::string& length, const std::string& body)
@@ -91,10 +50,10 @@ TEST_F(BodyInHeader, GoesOutAsItIsAndTheStreamFollows)
 	{
 		const std::string body = c.head + "\r\n\r\n" + c.file;
 		const std::string length = std::to_string(body.size());
-		Reader reader(body.size());
-		Exchange& exchange = put(reader.Server.url(), length + "\r\n\r\n" + c.head, c.file);
+		Reader reader{body.size()};
+		Exchange& exchange = put(reader.server.url(), length + "\r\n\r\n" + c.head, c.file);
 		EXPECT_TRUE(run(exchange).succeeded());
-		EXPECT_TRUE(reader.bytes() == wire(reader.Server, length, body)) << reader.bytes().substr(0, 300);
+		EXPECT_TRUE(reader.bytes == wire(reader.server, length, body)) << reader.bytes.substr(0, 300);
 		EXPECT_EQ(exchange.progress().back().sent, c.file.size());
 	}
 }
@@ -103,9 +62,9 @@ TEST_F(BodyInHeader, IsSentWholeWhateverNumberIsAnnounced)
 {
 	for (const char* announced : {"3", "10", "2000000000"})
 	{
-		Reader reader(10);
-		EXPECT_TRUE(run(put(reader.Server.url(), std::string(announced) + "\r\n\r\nab", "1234")).succeeded());
-		EXPECT_EQ(reader.bytes(), wire(reader.Server, announced, "ab\r\n\r\n1234"));
+		Reader reader{10};
+		EXPECT_TRUE(run(put(reader.server.url(), std::string(announced) + "\r\n\r\nab", "1234")).succeeded());
+		EXPECT_EQ(reader.bytes, wire(reader.server, announced, "ab\r\n\r\n1234"));
 	}
 }
 
@@ -113,13 +72,13 @@ TEST_F(BodyInHeader, FollowsNoRedirectAndCostsItsConnection)
 {
 	for (const int code : {301, 307, 308})
 	{
-		Reader reader(9, code);
+		Reader reader{9, code};
 		for (int round = 1; round <= 2; ++round)
 		{
-			EXPECT_EQ(run(put(reader.Server.url(), "9\r\n\r\n", "12345")).code(), code);
-			EXPECT_EQ(reader.Server.connectionCount(), round);
+			EXPECT_EQ(run(put(reader.server.url(), "9\r\n\r\n", "12345")).code(), code);
+			EXPECT_EQ(reader.server.connectionCount(), round);
 		}
-		for (const std::string& head : reader.Server.requests())
+		for (const std::string& head : reader.server.requests())
 		{
 			EXPECT_EQ(targetOf(head), "/");
 		}
@@ -138,8 +97,7 @@ TEST_F(BodyInHeader, OtherLineBreaksInHeadersStayForbidden)
 	EXPECT_FALSE(run(other).succeeded());
 	for (const bool inMemory : {true, false})
 	{
-		Exchange& bodiless = make(server.url());
-		bodiless.request().SetVerb("PUT");
+		Exchange& bodiless = make(server.url(), "PUT");
 		bodiless.request().SetHeader("Content-Length", "5\r\n\r\nGET / HTTP/1.1");
 		bodiless.request().SetContentAsString(inMemory ? "x" : "");
 		EXPECT_FALSE(run(bodiless).succeeded()) << "the text would be a request of its own";

@@ -1,24 +1,6 @@
 #include "HttpFixture.h"
 
-#include "Containers/StringConv.h"
 #include "Host/GameThreadTasks.h"
-
-FString text(std::string_view utf8)
-{
-	const FUTF8ToTCHAR units(utf8.data(), static_cast<int32>(utf8.size()));
-	return FString::ConstructFromPtrSize(units.Get(), units.Length());
-}
-
-std::string utf8(const FString& text)
-{
-	const FTCHARToUTF8 bytes(*text, text.Len());
-	return std::string(bytes.Get(), static_cast<size_t>(bytes.Length()));
-}
-
-std::string bytesOf(const TArray<uint8>& array)
-{
-	return std::string(array.begin(), array.end());
-}
 
 Exchange::Exchange(const std::string& url, Policy policy)
 	: Request(FHttpModule::Get().CreateRequest())
@@ -31,8 +13,8 @@ Exchange::Exchange(const std::string& url, Policy policy)
 		{
 			{
 				const std::scoped_lock lock(seen->mutex);
-				seen->progress.push_back({sent, received, std::this_thread::get_id()});
-				seen->progressAfterCompletion |= seen->over;
+				seen->record.progress.push_back({sent, received, std::this_thread::get_id()});
+				seen->record.progressAfterCompletion |= seen->record.over;
 			}
 			if (onProgress)
 			{
@@ -43,11 +25,11 @@ Exchange::Exchange(const std::string& url, Policy policy)
 		[seen = Seen](FHttpRequestPtr, FHttpResponsePtr response, bool succeeded)
 		{
 			const std::scoped_lock lock(seen->mutex);
-			++seen->completions;
-			seen->over = true;
-			seen->succeeded = succeeded;
-			seen->shown = response;
-			seen->completionThread = std::this_thread::get_id();
+			++seen->record.completions;
+			seen->record.over = true;
+			seen->record.succeeded = succeeded;
+			seen->record.response = response;
+			seen->record.completionThread = std::this_thread::get_id();
 		});
 }
 
@@ -55,51 +37,21 @@ bool Exchange::start()
 {
 	{
 		const std::scoped_lock lock(Seen->mutex);
-		Seen->over = false;
+		Seen->record.over = false;
 	}
 	return Request->ProcessRequest();
 }
 
-int Exchange::completions() const
+Exchange::Record Exchange::record() const
 {
 	const std::scoped_lock lock(Seen->mutex);
-	return Seen->completions;
-}
-
-bool Exchange::succeeded() const
-{
-	const std::scoped_lock lock(Seen->mutex);
-	return Seen->succeeded;
-}
-
-std::thread::id Exchange::completionThread() const
-{
-	const std::scoped_lock lock(Seen->mutex);
-	return Seen->completionThread;
-}
-
-FHttpResponsePtr Exchange::response() const
-{
-	const std::scoped_lock lock(Seen->mutex);
-	return Seen->shown;
+	return Seen->record;
 }
 
 uint64 Exchange::received() const
 {
-	const std::scoped_lock lock(Seen->mutex);
-	return Seen->progress.empty() ? 0 : Seen->progress.back().received;
-}
-
-std::vector<Exchange::Progress> Exchange::progress() const
-{
-	const std::scoped_lock lock(Seen->mutex);
-	return Seen->progress;
-}
-
-bool Exchange::progressAfterCompletion() const
-{
-	const std::scoped_lock lock(Seen->mutex);
-	return Seen->progressAfterCompletion;
+	const std::vector<Progress> seen = progress();
+	return seen.empty() ? 0 : seen.back().received;
 }
 
 int Exchange::code() const
@@ -143,9 +95,14 @@ void HttpTest::restart(const FHttpSettings& settings)
 	HttpService::Start(settings);
 }
 
-Exchange& HttpTest::make(const std::string& url, Policy policy)
+Exchange& HttpTest::make(const std::string& url, const char* verb, Policy policy)
 {
-	return Exchanges.emplace_back(url, policy);
+	Exchange& made = Exchanges.emplace_back(url, policy);
+	if (verb)
+	{
+		made.request().SetVerb(verb);
+	}
+	return made;
 }
 
 Exchange& HttpTest::run(Exchange& exchange)
@@ -161,8 +118,8 @@ void HttpTest::stopAndCheck(int starts)
 	GameThreadTasks::RunQueued();
 	for (const Exchange& exchange : Exchanges)
 	{
-		EXPECT_EQ(exchange.completions(), starts);
-		EXPECT_FALSE(exchange.progressAfterCompletion());
+		EXPECT_EQ(exchange.record().completions, starts);
+		EXPECT_FALSE(exchange.record().progressAfterCompletion);
 	}
 	Exchanges.clear();
 }

@@ -1,7 +1,5 @@
 #include "HttpFixture.h"
 
-#include <optional>
-
 using testing::HasSubstr;
 using testing::Not;
 
@@ -27,7 +25,7 @@ namespace
 TEST_F(Redirect, FollowsTwentyAndNoMore)
 {
 	RawServer server(answering(countDown));
-	for (const int hops : {0, 1, 19, 20, 21, 25})
+	for (const int hops : {1, 20, 21})
 	{
 		SCOPED_TRACE(hops);
 		const size_t before = server.requests().size();
@@ -42,120 +40,95 @@ TEST_F(Redirect, FollowsTwentyAndNoMore)
 	EXPECT_LE(server.connectionCount(), 3); // short bodies are read, so that the connection serves the next hop
 }
 
-TEST_F(Redirect, GoesWhereTheLocationSays)
+TEST_F(Redirect, GoesWhereTheLocationSaysOrFails)
 {
-	struct Case
-	{
-		const char* location;
-		std::string target; // of the second request, empty = refused
-		int firstCode = 302;
-	};
-	std::string location;
-	int code = 0;
-	std::mutex mutex;
-	RawServer server(answering(
-		[&](const std::string& head)
-		{
-			const std::scoped_lock lock(mutex);
-			return targetOf(head) == "/from/here?q" ? answer(code, "moved", location) : answer(200, "arrived");
-		}));
-	const std::string here = server.authority();
-	const std::string absolute = "HTTP://" + here + "/x";
-	const std::string schemeless = "//" + here + "/x";
-	const Case cases[] = {
+	const std::pair<const char*, const char*> cases[] = {
+		// the target of the second request, empty = refused
 		{"there", "/from/there"},
 		{"/there?a=b#c", "/there?a=b"},
 		{"../up", "/up"},
 		{"?other", "/from/here?other"},
-		{absolute.c_str(), "/x"},
-		{schemeless.c_str(), "/x"},
+		{"HTTP://{}/x", "/x"},
+		{"//{}/x", "/x"},
 		{"  \t/there\t ", "/there"},
 		{"\xC3\xBC", "/from/%c3%bc"},
-		{"/301", "/301", 301},
-		{"/303", "/303", 303},
-		{"/307", "/307", 307},
-		{"/308", "/308", 308},
 		{"file:///etc/passwd", ""},
 		{"FILE:/etc/passwd", ""},
-		{"ftp://127.0.0.1/x", ""},
-		{"gopher://127.0.0.1/x", ""},
+		{"ftp://{}/x", ""},
 		{"http://", ""},
 		{"http://[::1", ""},
 	};
-	for (const Case& each : cases)
+	for (std::string location; const auto& [given, target] : cases)
 	{
-		SCOPED_TRACE(each.location);
+		SCOPED_TRACE(given);
+		RawServer server(answering(
+			[&](const std::string& head) { return targetOf(head) == "/from/here?q" ? redirectTo(location) : answer(200, "arrived"); }));
+		location = given;
+		if (const size_t at = location.find("{}"); at != location.npos)
 		{
-			const std::scoped_lock lock(mutex);
-			location = "Location:" + std::string(each.location) + "\r\n";
-			code = each.firstCode;
+			location.replace(at, 2, server.authority());
 		}
-		const size_t before = server.requests().size();
+		const bool refused = *target == '\0';
 		Exchange& exchange = get(server.url("/from/here?q"));
-		const std::vector<std::string> requests = server.requests();
-		ASSERT_EQ(requests.size() - before, each.target.empty() ? 1u : 2u);
-		EXPECT_EQ(exchange.succeeded(), !each.target.empty());
-		EXPECT_EQ(exchange.code(), each.target.empty() ? 302 : 200);
-		EXPECT_EQ(exchange.body(), each.target.empty() ? "" : "arrived");
-		if (!each.target.empty())
-		{
-			EXPECT_EQ(targetOf(requests.back()), each.target);
-		}
+		EXPECT_EQ(exchange.succeeded(), !refused);
+		EXPECT_EQ(exchange.code(), refused ? 302 : 200);
+		EXPECT_EQ(exchange.body(), refused ? "" : "arrived");
+		ASSERT_EQ(server.requests().size(), refused ? 1u : 2u);
+		EXPECT_EQ(refused ? "" : targetOf(server.requests()[1]), target);
 	}
 }
 
 TEST_F(Redirect, OrdinaryAnswersStayWhatTheyAre)
 {
-	struct Case
+	for (const auto& [code, headers] : {std::pair(302, ""), {302, "Location:\r\n"}, {201, "Location: /x\r\n"}, {404, "Location: /x\r\n"}})
 	{
-		int code;
-		const char* headers;
-	};
-	for (const Case& each : {Case{302, ""}, Case{302, "Location:\r\n"}, Case{200, "Location: /x\r\n"}, Case{201, "Location: /x\r\n"},
-			 Case{404, "Location: /x\r\n"}})
-	{
-		SCOPED_TRACE(std::to_string(each.code) + each.headers);
-		RawServer server(answering([&](const std::string&) { return answer(each.code, "page", each.headers); }));
+		SCOPED_TRACE(std::to_string(code) + headers);
+		RawServer server(answering([&](const std::string&) { return answer(code, "page", headers); }));
 		Exchange& exchange = get(server.url());
 		EXPECT_TRUE(exchange.succeeded());
-		EXPECT_EQ(exchange.code(), each.code);
+		EXPECT_EQ(exchange.code(), code);
 		EXPECT_EQ(exchange.body(), "page");
 		EXPECT_EQ(server.requests().size(), 1u);
 	}
 }
 
-TEST_F(Redirect, ChangesVerbAsTheCodeDemands)
+TEST_F(Redirect, ChangesVerbAndRepeatsOrDropsTheBodyAsTheCodeDemands)
 {
 	struct Case
 	{
 		int code;
 		const char* verb;
 		const char* nextVerb;
-		bool dropsBody = false; // and what describes it
+		std::string nextBody; // dropped together with what describes it
 	};
-	const Case cases[] = {{301, "POST", "GET", true}, {302, "POST", "GET", true}, {303, "POST", "GET", true}, {307, "POST", "POST"},
-		{308, "POST", "POST"}, {301, "DELETE", "DELETE"}, {302, "DELETE", "DELETE"}, {303, "DELETE", "DELETE"}, {307, "DELETE", "DELETE"},
-		{303, "HEAD", "HEAD"}, {302, "HEAD", "HEAD"}, {302, "GET", "GET"}};
+	const Case cases[] = {{301, "POST", "GET", ""}, {302, "POST", "GET", ""}, {303, "POST", "GET", ""}, {303, "PUT", "GET", ""},
+		{307, "POST", "POST", "abc"}, {308, "PUT", "PUT", "abc"}, {301, "PUT", "PUT", "abc"}, {303, "PATCH", "PATCH", "abc"},
+		{301, "DELETE", "DELETE", "abc"}, {303, "DELETE", "DELETE", "abc"}};
 	for (const Case& each : cases)
 	{
 		SCOPED_TRACE(std::to_string(each.code) + each.verb);
-		RawServer server(answering(
-			[&](const std::string& head)
+		std::string body;
+		RawServer server(
+			[&](Connection& connection)
 			{
-				const std::string whole = targetOf(head) == "/" ? redirectTo("/next", each.code) : answer(200, "arrived");
-				return head.starts_with("HEAD") ? whole.substr(0, whole.find("\r\n\r\n") + 4) : whole;
-			}));
-		Exchange& exchange = make(server.url());
-		exchange.request().SetVerb(text(each.verb));
-		exchange.request().SetHeader(text("content-type"), text("text/plain"));
-		exchange.request().SetHeader(text("X-Kept"), text("1"));
-		run(exchange);
-		EXPECT_TRUE(exchange.succeeded());
+				connection.readHead();
+				connection.read(3);
+				connection.send(redirectTo("/next", each.code));
+				connection.readHead();
+				body = connection.read(each.nextBody.size());
+				connection.send(answer(200, "arrived"));
+			});
+		Exchange& exchange = make(server.url(), each.verb);
+		exchange.request().SetContentAsString("abc");
+		exchange.request().SetHeader("content-type", "text/plain");
+		exchange.request().SetHeader("X-Kept", "1");
+		EXPECT_EQ(run(exchange).body(), "arrived");
 		ASSERT_EQ(server.requests().size(), 2u);
 		const std::string next = server.requests()[1];
 		EXPECT_THAT(next, testing::StartsWith(std::string(each.nextVerb) + " /next HTTP/1.1\r\n"));
 		EXPECT_THAT(next, HasSubstr("\r\nX-Kept: 1\r\n"));
-		EXPECT_EQ(next.find("content-type") == std::string::npos, each.dropsBody);
+		EXPECT_EQ(next.find("ontent-") == std::string::npos, each.nextBody.empty());
+		EXPECT_EQ(body, each.nextBody);
 	}
 }
 

@@ -58,33 +58,20 @@ namespace
 		{"ShortUnicodeEscape", "\"\\u12\"", "!1:unknown escape '\\u' in a string"},
 		{"Surrogate", "\"\\uD800\"", "!1:an escape in this string names no Unicode character"},
 	};
-
-	/** Keeps the names of the tests free of addresses. */
-	void PrintTo(const Case& c, std::ostream* out)
-	{
-		*out << c.name;
-	}
-
-	class LexerCases : public testing::TestWithParam<Case>
-	{
-	};
 } // namespace
 
-TEST_P(LexerCases, GiveTheExpectedTokens)
+TEST(Lexer, GivesTheExpectedTokens)
 {
-	EXPECT_EQ(describe(GetParam().text), GetParam().expected);
+	for (const Case& c : cases)
+	{
+		EXPECT_EQ(describe(c.text), c.expected) << c.name;
+	}
 }
-
-INSTANTIATE_TEST_SUITE_P(Lexer, LexerCases, testing::ValuesIn(cases), [](const auto& c) { return std::string(c.param.name); });
 
 TEST(StringLiteral, QuotedTextReadsBackAsItself)
 {
-	for (const std::string_view value : {std::string_view("plain"), std::string_view("a\"b\\c\nd\t\x01"),
-			 std::string_view("\x01"
-							  "7\0"
-							  "8",
-				 4),
-			 std::string_view("\xC3\xA4?\x7F")})
+	using namespace std::string_view_literals;
+	for (const std::string_view value : {"a\"b\\c\nd\t\x01"sv, "\x01\x37\0\x38"sv, "\xC3\xA4?\x7F"sv})
 	{
 		const std::string literal = quote(value);
 		EXPECT_EQ(quotedLength(literal, 1), literal.size());

@@ -35,7 +35,7 @@ TEST(Output, UnchangedFilesAreLeftAloneAndChangedOnesAreNot)
 	{
 		EXPECT_EQ(std::filesystem::last_write_time(tool.options.output / name) != longAgo, name == "Two.gen.cpp") << name;
 	}
-	EXPECT_NE(ToolRun::read(tool.options.output / "Two.gen.cpp").find("renamed"), std::string::npos);
+	EXPECT_NE(tool.folder.read("out/Two.gen.cpp").find("renamed"), std::string::npos);
 }
 
 TEST(Output, OneMistakeAnywhereKeepsEverythingUnwritten)
@@ -43,22 +43,21 @@ TEST(Output, OneMistakeAnywhereKeepsEverythingUnwritten)
 	ToolRun tool;
 	tool.addHeader("Good.h", header("Good", "fine"));
 	tool.addHeader("Bad.h", header("Bad", "StaticClass"));
-	tool.options.json = tool.folder / "model.json";
+	tool.options.json = tool.folder.path("model.json");
 	EXPECT_EQ(tool.run(), std::vector<std::string>{"Bad.h(10): Error: 'StaticClass' is the name of a generated member"});
-	EXPECT_FALSE(std::filesystem::exists(tool.options.output));
-	EXPECT_FALSE(std::filesystem::exists(*tool.options.json));
+	EXPECT_FALSE(tool.folder.exists("out") || tool.folder.exists("model.json"));
 }
 
 TEST(Output, FilesThatCannotBeReadOrWrittenAreMistakes)
 {
 	ToolRun missing;
-	missing.options.headers = {(missing.folder / "None.h").string(), missing.folder.string()};
+	missing.options.headers = {missing.folder.path("None.h"), missing.folder.path()};
 	EXPECT_EQ(missing.run().size(), 2u);
 	EXPECT_EQ(missing.run().front(), "None.h(1): Error: the file cannot be read");
 
 	ToolRun blocked;
 	blocked.addHeader("One.h", header("One", "first"));
-	std::ofstream(blocked.options.output) << "a file where the folder should be";
+	blocked.folder.write("out", "a file where the folder should be");
 	EXPECT_EQ(blocked.run(), (std::vector<std::string>{"out/One.gen.cpp(1): Error: the file cannot be written",
 								 "out/One.generated.h(1): Error: the file cannot be written"}));
 }
@@ -68,5 +67,5 @@ TEST(Output, IncludesFollowThePublicFolder)
 	ToolRun tool;
 	tool.addHeader("Module/Public/Deep/One.h", header("One", "first"));
 	ASSERT_TRUE(tool.run().empty());
-	EXPECT_NE(ToolRun::read(tool.options.output / "One.gen.cpp").find("#include \"Deep/One.h\"\n"), std::string::npos);
+	EXPECT_NE(tool.folder.read("out/One.gen.cpp").find("#include \"Deep/One.h\"\n"), std::string::npos);
 }

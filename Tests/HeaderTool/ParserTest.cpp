@@ -51,62 +51,36 @@ namespace
 				members + "};\nUENUM()\nenum class EAfter : uint8 { A };\n",
 			"X.h", false, diagnostics);
 	}
-
-	/** Keeps the names of the tests free of addresses. */
-	void PrintTo(const Case& c, std::ostream* out)
-	{
-		*out << c.name;
-	}
-
-	class ParserCases : public testing::TestWithParam<Case>
-	{
-	};
 } // namespace
 
-TEST_P(ParserCases, AreSkippedBetweenReflectedFunctions)
+TEST(Parser, SkipsWhatStandsBetweenReflectedFunctions)
 {
-	Diagnostics diagnostics;
-	const std::string noise(GetParam().noise);
-	const HeaderDef header = readClass(std::string(probe) + noise + std::string(probe) + noise, diagnostics);
-	for (const Diagnostic& diagnostic : diagnostics)
+	for (const Case& c : cases)
 	{
-		ADD_FAILURE() << diagnostic.line << ": " << diagnostic.message;
+		SCOPED_TRACE(c.name);
+		Diagnostics diagnostics;
+		const std::string noise(c.noise);
+		const HeaderDef header = readClass(std::string(probe) + noise + std::string(probe) + noise, diagnostics);
+		for (const Diagnostic& diagnostic : diagnostics)
+		{
+			ADD_FAILURE() << diagnostic.line << ": " << diagnostic.message;
+		}
+		ASSERT_EQ(header.classes.size(), 1u);
+		EXPECT_EQ(header.enums.size(), 1u) << "what follows the class is still read";
+		const ClassDef& def = header.classes.front();
+		EXPECT_EQ(def.bodyLine, 8);
+		ASSERT_EQ(def.functions.size(), 2u);
+		for (const FunctionDef& function : def.functions)
+		{
+			EXPECT_EQ(function.specifiers.findMeta("tooltip")->value, "a{b\n");
+			ASSERT_EQ(function.parameters.size(), 2u);
+			EXPECT_EQ(spell(function.parameters[0].type), "const TMap<FString, TArray<int32>>&");
+			EXPECT_EQ(function.parameters[1].defaultValue->value, "1");
+		}
+		const auto lines = std::count(noise.begin(), noise.end(), '\n');
+		EXPECT_EQ(def.functions[0].line, 12);
+		EXPECT_EQ(def.functions[1].line, 12 + 4 + lines);
 	}
-	ASSERT_EQ(header.classes.size(), 1u);
-	EXPECT_EQ(header.enums.size(), 1u) << "what follows the class is still read";
-	const ClassDef& def = header.classes.front();
-	EXPECT_EQ(def.bodyLine, 8);
-	ASSERT_EQ(def.functions.size(), 2u);
-	for (const FunctionDef& function : def.functions)
-	{
-		EXPECT_EQ(function.specifiers.findMeta("tooltip")->value, "a{b\n");
-		ASSERT_EQ(function.parameters.size(), 2u);
-		EXPECT_EQ(spell(function.parameters[0].type), "const TMap<FString, TArray<int32>>&");
-		EXPECT_EQ(function.parameters[1].defaultValue->value, "1");
-	}
-	const auto lines = std::count(noise.begin(), noise.end(), '\n');
-	EXPECT_EQ(def.functions[0].line, 12);
-	EXPECT_EQ(def.functions[1].line, 12 + 4 + lines);
-}
-
-INSTANTIATE_TEST_SUITE_P(Parser, ParserCases, testing::ValuesIn(cases), [](const auto& c) { return std::string(c.param.name); });
-
-TEST(Parser, WindowsLinesGiveTheSameModel)
-{
-	Diagnostics diagnostics;
-	std::string text =
-		"#pragma once\n#include \"X.generated.h\"\nUENUM()\nenum class EX : uint8\n{\n\tA UMETA(DisplayName = \"x\"),\n\tB\n};\n";
-	for (size_t at = 0; (at = text.find('\n', at)) != std::string::npos; at += 2)
-	{
-		text.replace(at, 1, "\r\n");
-	}
-	const HeaderDef header = readHeader(text, "X.h", false, diagnostics);
-	EXPECT_TRUE(diagnostics.empty());
-	EXPECT_TRUE(header.startsWithPragmaOnce);
-	ASSERT_EQ(header.enums.size(), 1u);
-	EXPECT_EQ(header.enums[0].line, 4);
-	EXPECT_EQ(header.enums[0].enumerators[0].specifiers.find("DisplayName")->value, "x");
-	EXPECT_EQ(header.includes[0].file, "X.generated.h");
 }
 
 TEST(Parser, AMistakeDoesNotHideTheNextDeclaration)

@@ -10,15 +10,10 @@ USampleLibrary::USampleLibrary(const FObjectInitializer& ObjectInitializer)
 	text = TEXT("made with an initializer");
 }
 
-int32 USampleLibrary::mix(TArray<FSampleRecord> records, const TMap<FString, FString>& table, bool flag, uint8 small, float factor,
-	FString& text, TArray<FString>& lines, int64 limit, ESampleKind kind, const FString& title, FString plain, float step, bool last,
-	USampleNode* node)
+int32 USampleLibrary::mix(TArray<FSampleRecord>, const TMap<FString, FString>&, bool, uint8, float, FString&, TArray<FString>&, int64,
+	ESampleKind, const FString&, FString, float, bool, USampleNode*)
 {
-	text = title + plain;
-	lines.Add(title);
-	const int32 counted = records.Num() + table.Num() + (flag ? 10 : 0) + (last ? 20 : 0) + small + static_cast<int32>(kind);
-	const int32 scaled = static_cast<int32>(factor * 1000.0f + step * 10000.0f);
-	return counted + scaled + static_cast<int32>(limit) + (node ? node->held.number : 0);
+	return 0;
 }
 
 const FString& USampleLibrary::getText() const

@@ -1,5 +1,6 @@
 #include "../Support/Waiting.h" // the script front end has a header of the same name
 #include "ProcessRun.h"
+#include "RandomBytes.h"
 #include "RawServer.h"
 #include "TempDir.h"
 
@@ -39,11 +40,7 @@ TEST(DownloadCrash, AProgramKilledAtAnyMomentLeavesATruePrefixThatAResumeFinishe
 {
 	const TempDir directory;
 	const std::string run = directory.write("download.lua", script);
-	std::string content(200000, '\0');
-	for (size_t at = 0; at < content.size(); ++at)
-	{
-		content[at] = static_cast<char>(at * 31 + at / 251);
-	}
+	const std::string content = randomBytes(200000);
 	std::atomic<int> served = 0;
 	RawServer server(servingParts(content, served));
 	for (int steps = 1; steps <= 19; steps += 3)

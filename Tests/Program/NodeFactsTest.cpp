@@ -32,11 +32,9 @@ TEST(DisplayName, IsThatOfTheEditor)
 {
 	const std::pair<const char*, const char*> cases[] = {
 		{"CreateHttpRequestGET", "Create Http Request GET"},
-		{"AsyncExecuteHTTP_Low_RAM_Download_REQUEST", "Async Execute HTTP Low RAM Download REQUEST"},
 		{"CorvaneBPLibrary", "Corvane BPLibrary"},
 		{"getMD5FromFile", "Get MD5From File"},
 		{"Int64ToFString", "Int 64To FString"},
-		{"url", "Url"},
 		{"", ""},
 	};
 	for (const auto& [name, shown] : cases)

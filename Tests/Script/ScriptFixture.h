@@ -21,7 +21,7 @@ protected:
 		GameThreadTasks::BindToThisThread();
 		HostObjects::CreateDefaultObjects();
 		USampleLibrary::handlerCalls = 0;
-		script = std::make_unique<Script::ScriptState>(Script::LoopAccess{tick, waitFor});
+		renew();
 	}
 
 	~ScriptFixture() override
@@ -30,6 +30,9 @@ protected:
 		GameThreadTasks::Drop(false);
 		HostObjects::DestroyAll();
 	}
+
+	/** Starts with a fresh script. */
+	void renew() { script = std::make_unique<Script::ScriptState>(Script::LoopAccess{tick, waitFor}); }
 
 	static void tick()
 	{

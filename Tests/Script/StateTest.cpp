@@ -56,7 +56,7 @@ TEST_F(State, ErrorsCarryPlaceAndTraceback)
 TEST_F(State, SyntaxErrorsAndBytecodeAreErrors)
 {
 	EXPECT_THAT(runBad("local = 5"), ::testing::StartsWith("script:1: "));
-	script = std::make_unique<Script::ScriptState>(Script::LoopAccess{tick, waitFor});
+	renew();
 	EXPECT_THAT(runBad("\x1bLua"), ::testing::HasSubstr("attempt to load a binary chunk"));
 }
 

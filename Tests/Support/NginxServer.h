@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -23,30 +22,26 @@ class NginxServer
 public:
 	/** Starts nginx and returns when it has answered. Throws std::runtime_error with its log when it does not. */
 	explicit NginxServer(const NginxOptions& options);
-	/** Stops nginx and waits for its end; running transfers are cut off. */
-	~NginxServer();
-	NginxServer(const NginxServer&) = delete;
-	NginxServer& operator=(const NginxServer&) = delete;
 
-	std::uint16_t port() const { return portNumber; }
 	/** @param path  begins with '/'. */
 	std::string url(const std::string& path) const;
-	/** The folder for nginx's own files, where extra configuration may place a log of its own. */
-	const std::filesystem::path& directory() const { return ownDirectory; }
 	/** An empty folder to put served files into, unless the options named another. */
-	std::filesystem::path filesDirectory() const { return ownDirectory / "files"; }
-	/** What nginx wrote to its error log so far. */
-	std::string errorLog() const;
+	std::filesystem::path filesDirectory() const { return own.directory / "files"; }
 
 private:
-	/** Makes the folder; from here on the destructor cleans up, also behind a constructor that throws. */
-	NginxServer();
+	/** The folder and what runs in it; both go also behind a constructor that throws. Transfers are cut off. */
+	struct Run
+	{
+		Run();
+		~Run();
+		std::filesystem::path directory;
+		int process = -1;
+	};
+
 	void writeConfig(const NginxOptions& options) const;
 	void start(int listener);
 	void waitUntilAnswers() const;
-	bool hasEndedWithin(std::chrono::seconds time) const;
 
-	std::filesystem::path ownDirectory;
+	Run own;
 	std::uint16_t portNumber = 0;
-	int processId = -1;
 };

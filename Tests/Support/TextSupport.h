@@ -13,7 +13,7 @@ inline std::string utf8(const FString& Text)
 	return std::string(Bytes.Get(), static_cast<size_t>(Bytes.Length()));
 }
 
-inline FString wide(std::string_view Utf8)
+inline FString text(std::string_view Utf8)
 {
 	const FUTF8ToTCHAR Units(Utf8.data(), static_cast<int32>(Utf8.size()));
 	return FString::ConstructFromPtrSize(Units.Get(), Units.Length());
