@@ -143,7 +143,7 @@ TEST_F(RunningResponse, MayGoToAStreamInsteadOfTheResponse)
 
 TEST_F(RunningResponse, PassesNothingOnBehindACancel)
 {
-	// Both chunks come in one piece, so the second is at hand before the cancel is carried out.
+	// Both chunks come in one piece, so the second, and the end, are at hand before the cancel is carried out.
 	RawServer server(answering(
 		[](const std::string&) { return "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n3\r\nabc\r\n6\r\ndefghi\r\n0\r\n\r\n"; }));
 	Exchange& exchange = make(server.url());

@@ -15,7 +15,7 @@ bool FHttpRequest::ProcessRequest()
 	}
 	Response.Reset();
 	FailureReason = EHttpFailureReason::None;
-	bCancelled = false;
+	bCancelled = bBytesDropped = false;
 	BytesSent = BytesReceived = ReportedSent = ReportedReceived = 0;
 	bOnGameThread = Policy == EHttpRequestDelegateThreadPolicy::CompleteOnGameThread || FHttpThread::Get().ForcesGameThread();
 	bProcessing = true;

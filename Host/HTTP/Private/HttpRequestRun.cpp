@@ -46,6 +46,7 @@ bool FHttpRequest::PassOn(char* Bytes, size_t Number)
 	const bool bStreams = ResponseStreamDelegate.IsBound() || ResponseStream.IsValid();
 	if (bStreams && bCancelled)
 	{
+		bBytesDropped = true;
 		return true; // the end is on its way
 	}
 	int64 Length = static_cast<int64>(Number);

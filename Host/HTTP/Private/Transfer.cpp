@@ -288,6 +288,10 @@ bool FTransfer::OnBody(char* Bytes, size_t Number)
 
 FHttpOutcome FTransfer::Judge(CURLcode Result) const
 {
+	if (Request->bBytesDropped)
+	{
+		return {EHttpFailureReason::Cancelled, 0};
+	}
 	long Code = 0;
 	curl_easy_getinfo(Easy, CURLINFO_RESPONSE_CODE, &Code);
 	FHttpOutcome Judged{EHttpFailureReason::None, static_cast<int32>(Code)};
