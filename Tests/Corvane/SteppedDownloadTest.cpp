@@ -83,6 +83,8 @@ namespace
 			{"sends the whole file for the first step", servingExcept(1, sending(answer(200, content))), 0, 500, aborted, 0},
 			{"never ends the probe", servingExcept(0, sendingForEver("HTTP/1.1 206 X\r\nContent-Range: bytes 0-0/2500\r\n\r\n")), 0, 500,
 				noRanges, 0},
+			{"sends more than the first step", servingExcept(1, sending(partAnswer("bytes 0-2499/2500", content, version))), 0, 500,
+				aborted, 0},
 			{"never ends the first step", servingExcept(1, sendingForEver("HTTP/1.1 206 X\r\nContent-Range: bytes 0-1000/2500\r\n\r\n")), 0,
 				500, aborted, 0},
 			{"never ends the last step", servingExcept(3, sendingForEver("HTTP/1.1 206 X\r\nContent-Range: bytes 2002-2499/2500\r\n\r\n")),

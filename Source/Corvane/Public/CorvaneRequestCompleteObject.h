@@ -174,6 +174,8 @@ private:
 	FCorvCompletion keepReceivedBytes(const FHttpRequestPtr& request, const FHttpResponsePtr& response);
 	FCorvCompletion failedDownload(const FString& reason);
 	void tellFailedDownload(const FString& reason);
+	/** Whether an answer is of the version that the bytes on disk were taken from, as far as this program has seen that. */
+	bool isKeptVersion(const IHttpResponse& response) const;
 	void rememberVersion(const IHttpResponse& response);
 	int64 downloadNumber() const;
 	void releaseDownloadTarget();

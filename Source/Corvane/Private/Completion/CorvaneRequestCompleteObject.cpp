@@ -230,7 +230,11 @@ FCorvCompletion UCorvaneRequestCompleteObject::failureOf(const FHttpResponsePtr&
 {
 	constexpr int32 firstErrorCode = 400;
 	const int32 Code = codeOf(InResponse);
-	// Below 400 the answer of a broken exchange would pass for a success, so it counts as none.
+	TArray<uint8> EventBytes; // taken on every road: the record may be kept for long
+	if (httpRequest.bindServerSendEvent)
+	{
+		EventBytes = eventBody->take();
+	}
 	if (cancelIfAsked())
 	{
 		return CorvaneResult::noResponse();
@@ -240,12 +244,10 @@ FCorvCompletion UCorvaneRequestCompleteObject::failureOf(const FHttpResponsePtr&
 		UE_LOG(LogTemp, Warning, TEXT("UCorvaneBPLibrary: The request failed, the server's code is %d. Request %s, %s"), Code, *requestID,
 			*CorvaneRules::shownAddress(httpRequest.url));
 	}
-	if (Code < firstErrorCode)
+	if (Code < firstErrorCode) // the answer of a broken exchange would pass for a success, so it counts as none
 	{
 		return CorvaneResult::noResponse();
 	}
-	const bool bOwnBody = httpRequest.bindServerSendEvent;
-	return CorvaneResult::refusal(Code, bOwnBody               ? CorvaneResult::toText(eventBody->take())
-										: InResponse.IsValid() ? CorvaneResult::toText(InResponse->GetContent())
-															   : FString());
+	const bool bOwnBody = httpRequest.bindServerSendEvent || !InResponse.IsValid();
+	return CorvaneResult::refusal(Code, CorvaneResult::toText(bOwnBody ? EventBytes : InResponse->GetContent()));
 }

@@ -64,7 +64,7 @@ FCorvCompletion UCorvaneRequestCompleteObject::writeBody(const FHttpRequestPtr& 
 	const ECorvDownloadAction Action = CorvaneRules::planDownload(Answer, Target);
 	if (Action == ECorvDownloadAction::Nothing || Action == ECorvDownloadAction::Complete)
 	{
-		if (Answer.statusCode >= 400)
+		if (Answer.statusCode < 200 || Answer.statusCode > 299)
 		{
 			tellFailedDownload(FString::Printf(TEXT("the server answered %d"), Answer.statusCode));
 		}
@@ -73,6 +73,10 @@ FCorvCompletion UCorvaneRequestCompleteObject::writeBody(const FHttpRequestPtr& 
 	if (!Permission.isGranted())
 	{
 		return failedDownload(TEXT("another download has taken the file over"));
+	}
+	if (Action == ECorvDownloadAction::Append && Start > 0 && !isKeptVersion(*InResponse))
+	{
+		return failedDownload(TEXT("the answer is of another version than the bytes on disk"));
 	}
 	if (Action == ECorvDownloadAction::Refuse)
 	{
@@ -101,7 +105,7 @@ FCorvCompletion UCorvaneRequestCompleteObject::keepReceivedBytes(const FHttpRequ
 		const int64 Start = fileCancelResumeDownloadByteStart;
 		const FCorvDownloadTarget Target{Start, CorvaneDownload::sizeOnDisk(Path), CorvaneFileDownload::hasOwnRange(InRequest, Start)};
 		const FCorvDownloadAnswer Answer = CorvaneDownload::readAnswer(*InResponse, codeOf(InResponse));
-		if (Permission.isGranted() && CorvaneRules::areReceivedBytesKept(Answer, Target) &&
+		if (Permission.isGranted() && CorvaneRules::areReceivedBytesKept(Answer, Target) && isKeptVersion(*InResponse) &&
 			CorvaneDownload::write(Path, InResponse->GetContent(), false))
 		{
 			rememberVersion(*InResponse);
@@ -124,6 +128,14 @@ void UCorvaneRequestCompleteObject::tellFailedDownload(const FString& InReason)
 {
 	UE_LOG(LogTemp, Error, TEXT("File Download: %s is not complete: %s. Request %s, %s"), *fileCancelResumeDownloadDir, *InReason,
 		*requestID, *CorvaneRules::shownAddress(httpRequest.url));
+}
+
+bool UCorvaneRequestCompleteObject::isKeptVersion(const IHttpResponse& InResponse) const
+{
+	const FString Version = corvaneBPLibrary->downloadTargetList().keptVersions.find(
+		fileCancelResumeDownloadDir, CorvaneDownload::sizeOnDisk(fileCancelResumeDownloadDir));
+	return Version.IsEmpty() ||
+		   Version.Equals(CorvaneRules::versionOf(InResponse.GetHeader(TEXT("ETag")), InResponse.GetHeader(TEXT("Last-Modified"))));
 }
 
 void UCorvaneRequestCompleteObject::rememberVersion(const IHttpResponse& InResponse)

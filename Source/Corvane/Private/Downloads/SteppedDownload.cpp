@@ -45,14 +45,6 @@ namespace CorvaneSteppedDownload
 		return {Response.GetHeader(TEXT("ETag")), Response.GetHeader(TEXT("Last-Modified")), Total};
 	}
 
-	/** Whether an answer is of the version that the bytes on disk were taken from, as far as this program has seen that. */
-	static bool isKept(FCorvKeptVersions& Kept, const FString& Path, int64 Size, const IHttpResponse& Response)
-	{
-		const FString Version = Kept.find(Path, Size);
-		return Version.IsEmpty() ||
-			   Version.Equals(CorvaneRules::versionOf(Response.GetHeader(TEXT("ETag")), Response.GetHeader(TEXT("Last-Modified"))));
-	}
-
 	static bool isSame(const FCorvFileVersion& Left, const FCorvFileVersion& Right)
 	{
 		return Left.eTag.Equals(Right.eTag) && Left.lastModified.Equals(Right.lastModified) && Left.total == Right.total;
@@ -107,8 +99,7 @@ void UCorvaneRequestCompleteObject::takeProbeAnswer(const FHttpRequestPtr& InReq
 		UE_LOG(LogTemp, Error, TEXT("File Download: File size equal to or larger than on the server. Cancel Download"));
 		endSteps(InRequest, failureOf(InResponse));
 	}
-	else if (!CorvaneSteppedDownload::isKept(corvaneBPLibrary->downloadTargetList().keptVersions, fileCancelResumeDownloadDir,
-				 fileCancelResumeDownloadByteStart, *InResponse))
+	else if (!isKeptVersion(*InResponse))
 	{
 		abortSteps(InRequest, nullptr); // behind the bytes of another version
 	}
@@ -144,7 +135,9 @@ bool UCorvaneRequestCompleteObject::writeStep(const IHttpResponse& InResponse, c
 	const FCorvDownloadPermission Permission(corvaneBPLibrary->downloadTargetList(), Path, downloadNumber());
 	const FCorvDownloadTarget Target{fileCancelResumeDownloadByteStart, CorvaneDownload::sizeOnDisk(Path)};
 	const bool bSameFile = CorvaneSteppedDownload::isSame(fileVersion, CorvaneSteppedDownload::versionOf(InResponse, InAnswer.range.total));
-	if (!Permission.isGranted() || !bSameFile || !CorvaneRules::isStep(InAnswer, Target))
+	const bool bTooMuch = InAnswer.bodyBytes > CorvaneRules::mostStepBytes(fileCancelResumeDownloadByteStart,
+												   fileCancelResumeDownloadBytePartSize, fileCancelResumeDownloadByteFullSize);
+	if (!Permission.isGranted() || !bSameFile || bTooMuch || !CorvaneRules::isStep(InAnswer, Target))
 	{
 		UE_LOG(LogTemp, Error, TEXT("Something's went wrong. download is aborted "));
 		return false;

@@ -197,7 +197,10 @@ void UCorvaneBPLibrary::startRequest(FhttpRequest& InRequest)
 		CorvaneDispatcher::refuse(this, Object);
 		return;
 	}
-	CorvaneDispatcher::refuseCompression(*Object, *HttpRequest);
+	if (!CorvaneDispatcher::bodyBeginsInContentLength(InRequest)) // whose Content-Length has to stay the last header
+	{
+		CorvaneDispatcher::refuseCompression(*Object, *HttpRequest);
+	}
 	CorvaneDispatcher::bind(InRequest, Object, *HttpRequest);
 	Object->setHttpRequest(HttpRequest);
 	Object->claimDownloadTarget();

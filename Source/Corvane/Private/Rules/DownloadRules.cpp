@@ -35,7 +35,8 @@ namespace CorvaneDownloadRules
 		{
 			return CorvaneDownloadRules::followsByChoice(Answer, Target) ? ECorvDownloadAction::Append : ECorvDownloadAction::Refuse;
 		}
-		const bool bOtherPart = Answer.statusCode == 206 && Answer.range.first > 0;
+		const bool bTellsPart = Answer.statusCode == 206 && Answer.range.first >= 0;
+		const bool bOtherPart = bTellsPart && !CorvaneRules::followsOnDisk(Answer.range, 0, Answer.bodyBytes);
 		return Target.size > 0 || bOtherPart ? ECorvDownloadAction::Refuse : ECorvDownloadAction::Append;
 	}
 
@@ -121,9 +122,14 @@ ECorvDownloadAction CorvaneRules::planDownload(const FCorvDownloadAnswer& Answer
 		const bool bBelow = Answer.statusCode == 206 && Target.size > Answer.range.total; // it has become another file
 		return bBelow ? ECorvDownloadAction::Refuse : ECorvDownloadAction::Complete;
 	}
-	if (!CorvaneDownloadRules::isSuccess(Answer.statusCode) || Answer.bodyBytes == 0)
+	if (!CorvaneDownloadRules::isSuccess(Answer.statusCode))
 	{
 		return ECorvDownloadAction::Nothing;
+	}
+	if (Answer.bodyBytes == 0)
+	{
+		const bool bPromisedMore = !Target.bOwnRange && (Answer.statusCode == 206 || Target.size > 0);
+		return bPromisedMore ? ECorvDownloadAction::Refuse : ECorvDownloadAction::Nothing; // else the file is an empty one
 	}
 	return Target.start > 0 ? CorvaneDownloadRules::planRest(Answer, Target) : CorvaneDownloadRules::planWhole(Answer, Target);
 }
