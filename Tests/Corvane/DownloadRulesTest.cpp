@@ -78,7 +78,7 @@ TEST(DownloadRules, MeasureTheSpeedOnceASecond)
 TEST(DownloadRules, ShowNoSecretsOfAnAddress)
 {
 	for (const auto& [url, shown] : {std::pair("http://h/a?b=c", "http://h/a"), {"https://u:p@h:1/a/b@c#d", "https://h:1/a/b@c"},
-			 {"http://u@x@h", "http://h"}, {"abc", "abc"}, {"", ""}})
+			 {"http://u@x@h", "http://h"}, {"abc", "abc"}, {"u:p@h/a", "h/a"}, {"", ""}})
 	{
 		EXPECT_EQ(utf8(CorvaneRules::shownAddress(url)), shown);
 	}

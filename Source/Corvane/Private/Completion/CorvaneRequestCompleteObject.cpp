@@ -136,7 +136,6 @@ void UCorvaneRequestCompleteObject::workerEnded(int64 InRunNumber)
 			if (Alive && Alive->currentRun == InRunNumber) // a later run has rooted the object for itself
 			{
 				Alive->RemoveFromRoot();
-				Alive->freeWorker(); // a thread that has ended counts against the system's limits until then
 			}
 		});
 	corvaneBPLibrary->runningRequestList().end(InRunNumber);

@@ -64,6 +64,7 @@ namespace CorvaneFollowUp
 	{
 		if (FollowUp.cancelState->isAsked(FollowUp.requestID))
 		{
+			Library.takeCancelMark(FollowUp.requestID);
 			fail(Library, FollowUp);
 			return;
 		}

@@ -9,11 +9,8 @@ FString CorvaneRules::shownAddress(const FString& Url)
 	}
 	FString Shown = Url.Left(End);
 	FString Scheme;
-	FString Rest;
-	if (!Shown.Split(TEXT("://"), &Scheme, &Rest))
-	{
-		return Shown;
-	}
+	FString Rest = Shown;
+	const bool bHasScheme = Shown.Split(TEXT("://"), &Scheme, &Rest);
 	FString Host = Rest;
 	FString Path;
 	const bool bHasPath = Rest.Split(TEXT("/"), &Host, &Path);
@@ -21,5 +18,5 @@ FString CorvaneRules::shownAddress(const FString& Url)
 	while (Host.Split(TEXT("@"), &Secret, &Host)) // the last one ends it
 	{
 	}
-	return Scheme + TEXT("://") + Host + (bHasPath ? TEXT("/") + Path : FString());
+	return (bHasScheme ? Scheme + TEXT("://") : FString()) + Host + (bHasPath ? TEXT("/") + Path : FString());
 }
