@@ -58,10 +58,9 @@ namespace CorvaneDispatcher
 		return Record.requestType == EHTTPCorvRequestType::GET && Record.requestCompleteObject()->getMultiStepDownload() > 0;
 	}
 
-	/** Whether a request stands under its ID among the running ones, where a cancel finds it at once. */
-	static bool isCancelledAtOnce(const FhttpRequest& Record)
+	/** Whether a request is entered under its ID in the map of running ones. */
+	static bool isEntered(const FhttpRequest& Record)
 	{
-		// The steps of the others look for the mark themselves.
 		return Record.requestType != EHTTPCorvRequestType::GETLowRamDownload && !takesTwoSteps(Record);
 	}
 
@@ -204,7 +203,7 @@ void UCorvaneBPLibrary::startRequest(FhttpRequest& InRequest)
 	CorvaneDispatcher::bind(InRequest, Object, *HttpRequest);
 	Object->setHttpRequest(HttpRequest);
 	Object->claimDownloadTarget();
-	if (CorvaneDispatcher::isCancelledAtOnce(InRequest))
+	if (CorvaneDispatcher::isEntered(InRequest))
 	{
 		FScopeLock Lock(&mapLock);
 		runningRequests.Add(ID, HttpRequest);
