@@ -20,9 +20,9 @@ MAY_INCLUDE = {
     "Host/Engine": ["Host/Core", "Host/CoreUObject"],
     "Host/HTTP": ["Host/Core", "Host/CoreUObject"],
     "Host/Launch": ["Host/Core", "Host/CoreUObject", "Host/HTTP"],
-    "Host/HeaderTool": [],
-    "Host/Script": ["Host/Core", "Host/CoreUObject", "Host/Engine"],
-    "Host/Program": HOST_LIBRARIES + ["Host/Launch", "Host/Script", "Source/Corvane/Public"],
+    "Tools/HeaderTool": [],
+    "Tools/Script": ["Host/Core", "Host/CoreUObject", "Host/Engine"],
+    "Tools/Program": HOST_LIBRARIES + ["Host/Launch", "Tools/Script", "Source/Corvane/Public"],
     "Source/Corvane/Public": HOST_LIBRARIES,
     "Source/Corvane/Private": HOST_LIBRARIES + ["Source/Corvane/Public"],
 }
@@ -42,7 +42,7 @@ MODULE_ROOMS = {
 # Where an include is looked up, besides beside the including file.
 INCLUDE_ROOTS = [
     *(library + "/Public" for library in HOST_LIBRARIES),
-    "Host/Launch", "Host/HeaderTool", "Host/Script", "Host/Program", "Host/Program/Reference",
+    "Host/Launch", "Tools/HeaderTool", "Tools/Script", "Tools/Program", "Tools/Program/Reference",
     "Source/Corvane/Public", "Source/Corvane/Private",
 ]
 
@@ -77,7 +77,7 @@ def module_room(file):
 
 
 def check_directions():
-    for file in sources("Host", "Source"):
+    for file in sources("Host", "Source", "Tools"):
         room = room_of(file, MAY_INCLUDE)
         if room is None:
             yield f"{place(file)}: stands in no known room"
@@ -97,7 +97,7 @@ def check_directions():
 
 def needs():
     """The headers that somebody asks for from outside their own room; tests may ask for the host's own doors only."""
-    for file in sources("Source", "Host"):
+    for file in sources("Source", "Host", "Tools"):
         yield from (target for target in includes(file) if room_of(target, MAY_INCLUDE) != room_of(file, MAY_INCLUDE))
     for file in sources("Tests", "Benchmarks"):
         yield from (target for target in includes(file) if "/Public/Host/" in place(target))

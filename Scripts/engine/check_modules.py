@@ -48,7 +48,7 @@ def run(command, about=""):
 
 
 def generate(build, folder):
-    tool = build / "Host/HeaderTool/HeaderTool"
+    tool = build / "Tools/HeaderTool/HeaderTool"
 
     def reflect(module, headers, references):
         options = [part for header in references for part in ("--reference", header)]

@@ -28,9 +28,9 @@ namespace
 				echo building
 				if [ "$1" = --preset ]; then touch build/default/build.ninja; exit; fi
 				[ ! -e broken ] || exit 1
-				mkdir -p build/default/Host/Program
-				printf '#!/bin/sh\necho "$# $1 in $PWD"\nexit 5\n' > build/default/Host/Program/corvane
-				chmod +x build/default/Host/Program/corvane
+				mkdir -p build/default/Tools/Program
+				printf '#!/bin/sh\necho "$# $1 in $PWD"\nexit 5\n' > build/default/Tools/Program/corvane
+				chmod +x build/default/Tools/Program/corvane
 			)sh");
 			fs::copy_file(CORVANE_LAUNCHER, project.path("corvane"));
 		}
