@@ -374,6 +374,8 @@ TEST_F(Download, SaysWhenItCannotWrite)
 			EXPECT_EQ(result.statusCode, 500) << path;
 			EXPECT_EQ(result.dataString, "No Response") << path;
 			EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "File Download: Can't write into " + path), 1) << path;
+			EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, path + " is not complete: "), 1) << path;
+			EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "Request " + result.requestID + ", " + origin.url()), 1) << path;
 		}
 	}
 }

@@ -186,12 +186,13 @@ TEST_F(Lifetime, ARecordOfAKindThatDoesNotExistIsRefused)
 	}
 	EXPECT_TRUE(server.requests().empty());
 	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "There are no requests of type"), 2);
+	EXPECT_EQ(
+		log.count("LogTemp", ELogVerbosity::Error, "could not be started. Request " + completions[0].requestID + ", http://127.0.0.1:"), 1);
 }
 
 TEST_F(Lifetime, ARecordIsStartedWithItsOwnLibraryWhicheverIsTheLatest)
 {
 	LogCapture log;
-	UCorvaneBPLibrary* first = UCorvaneBPLibrary::getCorvaneTarget();
 	TArray<FhttpRequest> ofFirst = get(server.url(), {}, "first");
 	TStrongObjectPtr<UCorvaneBPLibrary> second(NewObject<UCorvaneBPLibrary>());
 	ASSERT_EQ(UCorvaneBPLibrary::getCorvaneTarget(), second.Get());
@@ -215,7 +216,7 @@ TEST_F(Lifetime, ARecordIsStartedWithItsOwnLibraryWhicheverIsTheLatest)
 	ASSERT_EQ(UCorvaneBPLibrary::getCorvaneTarget(), nullptr) << "the latest is gone";
 	TArray<FhttpRequest> both = ofSecond;
 	both.Append(ofFirst);
-	first->startRequests(both);
+	execute(both);
 	drain();
 	EXPECT_EQ(completions.size(), 3u);
 	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "UCorvaneBPLibrary: Missing Object instance (153)."), 1);

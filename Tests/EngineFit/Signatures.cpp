@@ -179,6 +179,7 @@ namespace EngineSignatures
 	GIVES(FString, FPaths::GetCleanFilename(Text));
 	GIVES(FString, FPaths::GetBaseFilename(Text, false));
 	GIVES(FString, FPaths::GetPath(Text));
+	GIVES(bool, FPaths::IsSamePath(Text, Text));
 	GIVES(bool, FFileHelper::LoadFileToArray(Bytes, Name));
 	GIVES(bool, FFileHelper::LoadFileToString(OutText, Name));
 	GIVES(bool, FFileHelper::SaveArrayToFile(ConstBytes, Name));

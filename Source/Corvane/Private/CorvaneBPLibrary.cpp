@@ -12,6 +12,36 @@
 UCorvaneBPLibrary* UCorvaneBPLibrary::corv = nullptr;
 TWeakObjectPtr<UCorvaneBPLibrary> UCorvaneBPLibrary::corvHandle;
 
+namespace CorvaneLibrary
+{
+	/** Every library object that was ever made and may still be there. Thread: any. */
+	struct FInstances
+	{
+		FCriticalSection lock;
+		TArray<TWeakObjectPtr<UCorvaneBPLibrary>> all;
+	};
+
+	static FInstances& instances()
+	{
+		static FInstances Instances;
+		return Instances;
+	}
+
+	static void remember(UCorvaneBPLibrary* Library)
+	{
+		FInstances& Instances = instances();
+		FScopeLock Lock(&Instances.lock);
+		for (int32 Index = Instances.all.Num() - 1; Index >= 0; --Index)
+		{
+			if (!Instances.all[Index].IsValid())
+			{
+				Instances.all.RemoveAt(Index);
+			}
+		}
+		Instances.all.Add(Library);
+	}
+} // namespace CorvaneLibrary
+
 UCorvaneBPLibrary::UCorvaneBPLibrary(const FObjectInitializer& ObjectInitializer)
 	: Super(ObjectInitializer)
 	, runningList(new FCorvRunningRequests())
@@ -20,6 +50,7 @@ UCorvaneBPLibrary::UCorvaneBPLibrary(const FObjectInitializer& ObjectInitializer
 {
 	corv = this;
 	corvHandle = this;
+	CorvaneLibrary::remember(this);
 	fillMimeTypeMap();
 	onhttpRequestCompleteDelegate.AddUniqueDynamic(this, &UCorvaneBPLibrary::httpRequestCompleteDelegate);
 }
@@ -41,9 +72,11 @@ UCorvaneBPLibrary* UCorvaneBPLibrary::getCorvaneTarget()
 TArray<UCorvaneBPLibrary*> UCorvaneBPLibrary::libraries()
 {
 	TArray<UCorvaneBPLibrary*> Libraries;
-	for (UCorvaneBPLibrary* Library : {getCorvaneTarget(), GetMutableDefault<UCorvaneBPLibrary>()})
+	CorvaneLibrary::FInstances& Instances = CorvaneLibrary::instances();
+	FScopeLock Lock(&Instances.lock);
+	for (const TWeakObjectPtr<UCorvaneBPLibrary>& Instance : Instances.all)
 	{
-		if (Library && !Libraries.Contains(Library))
+		if (UCorvaneBPLibrary* Library = Instance.Get())
 		{
 			Libraries.Add(Library);
 		}
@@ -57,9 +90,8 @@ void UCorvaneBPLibrary::executeHttpRequests(TArray<FhttpRequest> InHttpRequests,
 	if (!OutCorvaneTarget)
 	{
 		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary (executeHttpRequests): The library does not exist."));
-		return;
 	}
-	OutCorvaneTarget->startRequests(InHttpRequests);
+	startAll(InHttpRequests);
 }
 
 void UCorvaneBPLibrary::httpRequestCompleteDelegate(

@@ -533,9 +533,12 @@ public:
 		EHTTPCorvFileBytesToFileActionType fileAction, TArray<uint8> byteData, EHTTPCorvFileUpload directoryType, FString filePath);
 
 	/**
-	 * Starts every record and empties the array. A handler may call it again meanwhile.
+	 * Starts every record and empties the array. A handler may call it again meanwhile. Each is started with the library
+	 * that it was built for, whichever this is.
 	 */
-	void startRequests(TArray<FhttpRequest>& httpRequests);
+	void startRequests(TArray<FhttpRequest>& httpRequests) { startAll(httpRequests); }
+	/** The same, when there may be no library but those that the records were built for. */
+	static void startAll(TArray<FhttpRequest>& httpRequests);
 
 	/** Makes a node the receiver of the result of a request; replaces an earlier one. */
 	void registerUAsyncNodeHttpRequest(FString requestID, UAsyncNodeCorv* node);
@@ -576,7 +579,7 @@ public:
 	/** Refuses new requests, cancels the running ones and waits up to 5 seconds for their workers. */
 	void shutDown();
 
-	/** @return the objects whose requests may run: the latest, and the class default object when that is another. */
+	/** @return the objects whose requests may run: every one that has not been freed. Thread: any. */
 	static TArray<UCorvaneBPLibrary*> libraries();
 
 	/**

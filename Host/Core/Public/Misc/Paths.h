@@ -19,6 +19,9 @@ public:
 	static bool FileExists(const FString& Path);
 	static bool DirectoryExists(const FString& Path);
 
+	/** @return whether two paths name the same file, going by the paths alone; where the file system tells names apart by case, so does this. */
+	static bool IsSamePath(const FString& PathA, const FString& PathB);
+
 	/** Parts of a path, which slashes of both kinds cut. @return what stands behind the last slash. */
 	static FString GetCleanFilename(const FString& Path);
 	/** @return what stands behind the last dot of the file name; empty when there is none. */

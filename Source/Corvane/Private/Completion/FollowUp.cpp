@@ -4,6 +4,7 @@
 #include "Completion/CompletionResult.h"
 #include "Completion/RunningRequests.h"
 #include "CorvaneRequestCompleteObject.h"
+#include "Rules/ShownAddress.h"
 
 namespace CorvaneFollowUp
 {
@@ -72,6 +73,8 @@ namespace CorvaneFollowUp
 		if (Requests.IsEmpty())
 		{
 			UE_LOG(LogTemp, Error, TEXT("Something's went wrong. download is aborted "));
+			UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: No request could be built to follow the last one. Request %s, %s"),
+				*FollowUp.requestID, *CorvaneRules::shownAddress(FollowUp.url));
 			fail(Library, FollowUp);
 			return;
 		}

@@ -9,6 +9,8 @@
 struct FCorvFollowUp
 {
 	FString requestID;
+	/** The address of the request before, for the log. */
+	FString url;
 	/** Of the request before. */
 	TSharedPtr<FCorvCancelState> cancelState;
 	/** The node that waits for the result of all steps. */

@@ -6,7 +6,7 @@
 
 /**
  * Which download may write which file: the one that was started last. A download is known by a number that its follow-up
- * steps inherit. Paths are full ones and compared exactly. Thread: any.
+ * steps inherit. Paths are full ones and compared as the file system compares them. Thread: any.
  */
 class FCorvDownloadTargets
 {

@@ -84,13 +84,15 @@ FCorvCompletion UCorvaneRequestCompleteObject::writeBody(const FHttpRequestPtr& 
 	}
 	if (!CorvaneDownload::write(Path, InResponse->GetContent(), Action == ECorvDownloadAction::Replace))
 	{
-		return CorvaneResult::noResponse(); // the log knows already
+		rememberVersion(*InResponse); // some of it may have reached the disk
+		return failedDownload(TEXT("not all of it could be written"));
 	}
 	const int64 SizeOnDisk = CorvaneDownload::sizeOnDisk(Path);
 	if (!Target.bOwnRange && !CorvaneRules::isAsTold(Answer, SizeOnDisk))
 	{
 		rememberVersion(*InResponse);
-		return failedDownload(FString::Printf(TEXT("it has %lld bytes, and the server told of %lld"), SizeOnDisk, Answer.range.total));
+		return failedDownload(
+			FString::Printf(TEXT("it has %lld bytes, and the server told of %lld"), SizeOnDisk, CorvaneRules::toldSize(Answer)));
 	}
 	corvaneBPLibrary->downloadTargetList().keptVersions.forget(Path);
 	return CorvaneFileDownload::resultOf(*InResponse, true);
@@ -105,10 +107,10 @@ FCorvCompletion UCorvaneRequestCompleteObject::keepReceivedBytes(const FHttpRequ
 		const int64 Start = fileCancelResumeDownloadByteStart;
 		const FCorvDownloadTarget Target{Start, CorvaneDownload::sizeOnDisk(Path), CorvaneFileDownload::hasOwnRange(InRequest, Start)};
 		const FCorvDownloadAnswer Answer = CorvaneDownload::readAnswer(*InResponse, codeOf(InResponse));
-		if (Permission.isGranted() && CorvaneRules::areReceivedBytesKept(Answer, Target) && isKeptVersion(*InResponse) &&
-			CorvaneDownload::write(Path, InResponse->GetContent(), false))
+		if (Permission.isGranted() && CorvaneRules::areReceivedBytesKept(Answer, Target) && isKeptVersion(*InResponse))
 		{
-			rememberVersion(*InResponse);
+			CorvaneDownload::write(Path, InResponse->GetContent(), false);
+			rememberVersion(*InResponse); // also when only some of it was written
 		}
 	}
 	if (!cancelIfAsked())

@@ -61,12 +61,13 @@ void UCorvaneRequestCompleteObject::requestCompleteLowRamInternal(
 	}
 	if (!bInWasSuccessful || !InResponse.IsValid())
 	{
-		if (bTooMuchCame && fileCancelResumeDownloadByteFullSize > 0)
+		const bool bTooMuch = bTooMuchCame && !cancelIfAsked();
+		if (bTooMuch && fileCancelResumeDownloadByteFullSize > 0)
 		{
 			abortSteps(InRequest, nullptr);
 			return;
 		}
-		if (bTooMuchCame && !cancelIfAsked())
+		if (bTooMuch)
 		{
 			UE_LOG(LogTemp, Error, TEXT("File Download: Server does not suport download range or wrong url. Cancel Download"));
 		}
@@ -117,7 +118,6 @@ void UCorvaneRequestCompleteObject::takeStepAnswer(const FHttpRequestPtr& InRequ
 		endSteps(InRequest, failureOf(InResponse));
 		return;
 	}
-	rememberVersion(*InResponse);
 	if (CorvaneDownload::sizeOnDisk(fileCancelResumeDownloadDir) >= Answer.range.total)
 	{
 		corvaneBPLibrary->downloadTargetList().keptVersions.forget(fileCancelResumeDownloadDir);
@@ -142,7 +142,9 @@ bool UCorvaneRequestCompleteObject::writeStep(const IHttpResponse& InResponse, c
 		UE_LOG(LogTemp, Error, TEXT("Something's went wrong. download is aborted "));
 		return false;
 	}
-	return CorvaneDownload::write(Path, InResponse.GetContent(), false);
+	const bool bWritten = CorvaneDownload::write(Path, InResponse.GetContent(), false);
+	rememberVersion(InResponse); // also when only some of it was written
+	return bWritten;
 }
 
 void UCorvaneRequestCompleteObject::abortSteps(const FHttpRequestPtr& InRequest, const FHttpResponsePtr& InResponse)
@@ -159,6 +161,7 @@ void UCorvaneRequestCompleteObject::startStep(const IHttpResponse& InResponse, i
 		InStart, versionOf(InResponse, InTotal), {lastProgressBytes, lastProgressTime, megabitSpeed}, downloadNumber()};
 	FCorvFollowUp FollowUp;
 	FollowUp.requestID = requestID;
+	FollowUp.url = httpRequest.url;
 	FollowUp.cancelState = cancelState;
 	FollowUp.node = node;
 	FollowUp.abandon = [Path = Step.path, Download = Step.download](UCorvaneBPLibrary& Library)

@@ -35,22 +35,6 @@ void CorvaneNode::giveUpID(UAsyncNodeCorv& Node, const FString& RequestID)
 	}
 }
 
-void CorvaneNode::start(TArray<FhttpRequest>& HttpRequests)
-{
-	if (HttpRequests.IsEmpty()) // the builder refused
-	{
-		return;
-	}
-	if (UCorvaneBPLibrary* Library = UCorvaneBPLibrary::getCorvaneTarget())
-	{
-		Library->startRequests(HttpRequests);
-	}
-	else
-	{
-		UE_LOG(LogTemp, Error, TEXT("UAsyncNodeCorv (Activate): The library does not exist."));
-	}
-}
-
 bool CorvaneNode::isSuccess(int32 StatusCode)
 {
 	return StatusCode < 400 && StatusCode != 0;

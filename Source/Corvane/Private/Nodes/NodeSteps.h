@@ -19,9 +19,6 @@ namespace CorvaneNode
 	/** A node waits no more. It gives up its ID, unless a later node has taken that over. */
 	void giveUpID(UAsyncNodeCorv& node, const FString& requestID);
 
-	/** Starts a node's requests and empties the array. */
-	void start(TArray<FhttpRequest>& httpRequests);
-
 	/** What counts as success; a file-info node has a rule of its own. */
 	bool isSuccess(int32 statusCode);
 

@@ -85,7 +85,7 @@ UAsyncNodeHttpDownloadUpload* UAsyncNodeHttpDownloadUpload::AsyncExecuteHTTP_Mul
 
 void UAsyncNodeHttpDownloadUpload::Activate()
 {
-	CorvaneNode::start(httpRequests);
+	UCorvaneBPLibrary::startAll(httpRequests); // none when the builder refused
 }
 
 void UAsyncNodeHttpDownloadUpload::httpRequestDownloadUploadComplete(

@@ -18,7 +18,7 @@ UAsyncNodeHttpGoogleFileInfoRequest* UAsyncNodeHttpGoogleFileInfoRequest::AsyncE
 
 void UAsyncNodeHttpGoogleFileInfoRequest::Activate()
 {
-	CorvaneNode::start(httpRequests);
+	UCorvaneBPLibrary::startAll(httpRequests); // none when the builder refused
 }
 
 void UAsyncNodeHttpGoogleFileInfoRequest::httpRequestCompleteGoogleFileInfo(

@@ -62,7 +62,7 @@ UAsyncNodeHttpRequest* UAsyncNodeHttpRequest::AsyncExecuteHTTP_GoogleDrive_REQUE
 
 void UAsyncNodeHttpRequest::Activate()
 {
-	CorvaneNode::start(httpRequests);
+	UCorvaneBPLibrary::startAll(httpRequests); // none when the builder refused
 }
 
 void UAsyncNodeHttpRequest::httpRequestComplete(FString InDataString, const TArray<FString>& InDataArray, const TArray<FString>& InHeader,

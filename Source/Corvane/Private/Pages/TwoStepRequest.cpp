@@ -69,6 +69,7 @@ void UCorvaneRequestCompleteObject::startSecondStep(const FString& InUrl)
 {
 	FCorvFollowUp FollowUp;
 	FollowUp.requestID = requestID;
+	FollowUp.url = httpRequest.url;
 	FollowUp.cancelState = cancelState;
 	FollowUp.node = node;
 	FollowUp.build = [Url = InUrl, ID = requestID, DownloadID = downloadID, FileSize = HTMLFileSize]

@@ -20,13 +20,16 @@ void UCorvaneBPLibrary::cancelRequest(FString InRequestID)
 
 void UCorvaneBPLibrary::fireErrorMessageInGameThread(UAsyncNodeCorv* InNode, int32, FString InRequestID)
 {
+	if (InNode)
+	{
+		InNode->waitState = ECorvNodeWait::HasRequest; // of which the refusal is the result: a later node of the ID leaves it alone
+	}
 	AsyncTask(ENamedThreads::GameThread,
 		[Node = TWeakObjectPtr<UAsyncNodeCorv>(InNode), InRequestID]
 		{
 			UAsyncNodeCorv* Alive = Node.Get();
-			UCorvaneBPLibrary* Library = getCorvaneTarget();
 			// It may have had its result meanwhile, from another request of the same ID.
-			if (Alive && Library && Library->getUAsyncNodeHttpRequest(InRequestID) == Alive)
+			if (Alive && Alive->waitState != ECorvNodeWait::NotWaiting)
 			{
 				Alive->httpRequestComplete(FString(), {}, {}, 400, {}, InRequestID);
 			}

@@ -9,6 +9,7 @@
 #include "Requests/HttpLayer.h"
 #include "Rules/DownloadRules.h"
 #include "Rules/Multipart.h"
+#include "Rules/ShownAddress.h"
 #include "UObject/UObjectGlobals.h"
 #include "Uploads/UploadBody.h"
 #include "Uploads/UploadFile.h"
@@ -138,9 +139,11 @@ namespace CorvaneDispatcher
 	}
 
 	/** Ends a request that was announced to scripts by its builder and cannot be started after all. */
-	static void refuse(UCorvaneBPLibrary* Library, UCorvaneRequestCompleteObject* Object)
+	static void refuse(UCorvaneBPLibrary* Library, UCorvaneRequestCompleteObject* Object, const FhttpRequest& Record)
 	{
 		constexpr int32 refused = 400;
+		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: The request could not be started. Request %s, %s"), *Object->getRequestID(),
+			*CorvaneRules::shownAddress(Record.url));
 		if (Object->getMultiStepDownloadType() == EMultiStepType::E_GOOGLE_DRIVE_FILE_INFO)
 		{
 			CorvaneDelivery::fileInfo(
@@ -154,16 +157,11 @@ namespace CorvaneDispatcher
 	}
 } // namespace CorvaneDispatcher
 
-void UCorvaneBPLibrary::startRequests(TArray<FhttpRequest>& InHttpRequests)
+void UCorvaneBPLibrary::startAll(TArray<FhttpRequest>& InHttpRequests)
 {
 	// Taken first: a handler that runs meanwhile may start requests through the same array.
 	TArray<FhttpRequest> Taken = MoveTemp(InHttpRequests);
 	InHttpRequests.Empty();
-	if (isShuttingDown)
-	{
-		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary (startRequests): The module is shutting down."));
-		return;
-	}
 	for (FhttpRequest& Request : Taken)
 	{
 		const UCorvaneRequestCompleteObject* Object = Request.requestCompleteObject();
@@ -171,6 +169,11 @@ void UCorvaneBPLibrary::startRequests(TArray<FhttpRequest>& InHttpRequests)
 		if (!Owner) // gone, or not there when the record was built
 		{
 			UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: Missing Object instance (153)."));
+			continue;
+		}
+		if (Owner->isShuttingDown)
+		{
+			UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary (startRequests): The module is shutting down."));
 			continue;
 		}
 		Owner->startRequest(Request);
@@ -193,7 +196,7 @@ void UCorvaneBPLibrary::startRequest(FhttpRequest& InRequest)
 	HttpRequest->SetHeader(TEXT("User-Agent"), CorvaneDispatcher::defaultUserAgent);
 	if (!fillRequest(InRequest, *HttpRequest) || !CorvaneDispatcher::isTakenByLayer(InRequest, *HttpRequest))
 	{
-		CorvaneDispatcher::refuse(this, Object);
+		CorvaneDispatcher::refuse(this, Object, InRequest);
 		return;
 	}
 	if (!CorvaneDispatcher::bodyBeginsInContentLength(InRequest)) // whose Content-Length has to stay the last header

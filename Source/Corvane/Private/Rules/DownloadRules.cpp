@@ -108,6 +108,11 @@ bool CorvaneRules::isAsTold(const FCorvDownloadAnswer& Answer, int64 SizeOnDisk)
 	return bWholeSpan && (Answer.range.total <= 0 || SizeOnDisk == Answer.range.total);
 }
 
+int64 CorvaneRules::toldSize(const FCorvDownloadAnswer& Answer)
+{
+	return Answer.range.total > 0 ? Answer.range.total : Answer.range.last + 1;
+}
+
 bool CorvaneRules::followsOnDisk(const FCorvContentRange& Range, int64 SizeOnDisk, int64 BodyBytes)
 {
 	const bool bInsideSpan = Range.last < 0 || BodyBytes <= Range.last - Range.first + 1;

@@ -62,6 +62,9 @@ namespace CorvaneRules
 	 */
 	bool isAsTold(const FCorvDownloadAnswer& answer, int64 sizeOnDisk);
 
+	/** @return the size that the file has to have by what an answer told: the total, else the end of its range. */
+	int64 toldSize(const FCorvDownloadAnswer& answer);
+
 	/** What becomes of the body of a whole answer. */
 	ECorvDownloadAction planDownload(const FCorvDownloadAnswer& answer, const FCorvDownloadTarget& target);
 	/** Whether the bytes of an answer that broke off, or was cancelled, go behind those on disk. */
