@@ -1,6 +1,6 @@
-#include "Completion/RunningRequests.h"
 #include "DownloadFixture.h"
 #include "LogCapture.h"
+#include "Runs/RunList.h"
 
 namespace
 {
@@ -113,7 +113,7 @@ TEST_F(CancelEveryKind, LeavesANewStartUnderTheSameIdAlone)
 
 TEST_F(CancelEveryKind, BetweenTwoStepsIsNotLostEvenWithoutATick)
 {
-	FCorvRunningRequests& running = UCorvaneBPLibrary::getCorvaneTarget()->runningRequestList();
+	FCorvRunList& running = UCorvaneBPLibrary::getCorvaneTarget()->runList();
 	for (const bool startsAgain : {false, true})
 	{
 		for (const Kind& kind : kinds())

@@ -1,6 +1,6 @@
-#include "Completion/RunningRequests.h"
 #include "DownloadFixture.h"
 #include "LogCapture.h"
+#include "Runs/RunList.h"
 
 #include <gmock/gmock.h>
 
@@ -426,7 +426,7 @@ TEST_F(Download, AFloodOfSmallBlocksIsOneEventWithoutATick)
 			}
 		});
 	execute(build({origin.url()}));
-	ASSERT_TRUE(waitFor([] { return !UCorvaneBPLibrary::getCorvaneTarget()->runningRequestList().hasRuns(); }));
+	ASSERT_TRUE(waitFor([] { return !UCorvaneBPLibrary::getCorvaneTarget()->runList().hasRuns(); }));
 	drain();
 	ASSERT_EQ(downloads.size(), 1u) << "while the game stood still, later progress took the place of earlier";
 	EXPECT_EQ(downloads.back().percentDownload, 100);

@@ -1,7 +1,7 @@
-#include "Completion/CompletionResult.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"
 #include "RawServer.h"
+#include "Runs/Result.h"
 #include "UAsyncNodeCorv.h"
 
 #include <gmock/gmock.h>

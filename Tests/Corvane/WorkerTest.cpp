@@ -1,8 +1,8 @@
-#include "Completion/CorvThread.h"
 #include "CorvaneRequestCompleteObject.h"
 #include "Host/Log.h"
 #include "ModuleFixture.h"
 #include "RawServer.h"
+#include "Runs/CorvThread.h"
 #include "UObject/UObjectGlobals.h"
 
 class Worker : public ModuleFixture
@@ -29,13 +29,13 @@ TEST_F(Worker, ProgressThatFindsOtherWaitingTakesItsPlace)
 		});
 	{
 		FCorvThread worker(object, 0);
-		worker.addJob(new FCorvTheadJob{ECorvJobType::ProgressDownload, nullptr, nullptr, false, 0, 1});
+		worker.addJob(MakeUnique<FCorvTheadJob>(FCorvTheadJob{ECorvJobType::ProgressDownload, nullptr, nullptr, false, 0, 1}));
 		EXPECT_TRUE(waitFor([&] { return reached.isOpen(); }));
 		for (uint64 bytes = 2; bytes < 1000; ++bytes)
 		{
-			worker.addJob(new FCorvTheadJob{ECorvJobType::ProgressDownload, nullptr, nullptr, false, 0, bytes});
+			worker.addJob(MakeUnique<FCorvTheadJob>(FCorvTheadJob{ECorvJobType::ProgressDownload, nullptr, nullptr, false, 0, bytes}));
 		}
-		worker.addJob(new FCorvTheadJob{ECorvJobType::Complete, nullptr, nullptr, false, 0, 0});
+		worker.addJob(MakeUnique<FCorvTheadJob>(FCorvTheadJob{ECorvJobType::Complete, nullptr, nullptr, false, 0, 0}));
 		goOn.open();
 		EXPECT_TRUE(waitFor([&] { return worker.hasEnded(); }));
 	}

@@ -1,13 +1,14 @@
 #include "CorvaneBPLibrary.h"
 
-#include "Completion/RunningRequests.h"
 #include "CorvaneRequestCompleteObject.h"
 #include "Downloads/DownloadTargets.h"
 #include "Files/ByteToFileThread.h"
 #include "Misc/ScopeLock.h"
+#include "Runs/Run.h"
+#include "Runs/RunList.h"
 #include "UObject/UObjectGlobals.h"
+#include "Uploads/ChangedFiles.h"
 #include "Uploads/TruncateUploadedFileThread.h"
-#include "Uploads/UploadFiles.h"
 
 UCorvaneBPLibrary* UCorvaneBPLibrary::corv = nullptr;
 TWeakObjectPtr<UCorvaneBPLibrary> UCorvaneBPLibrary::corvHandle;
@@ -44,9 +45,9 @@ namespace CorvaneLibrary
 
 UCorvaneBPLibrary::UCorvaneBPLibrary(const FObjectInitializer& ObjectInitializer)
 	: Super(ObjectInitializer)
-	, runningList(new FCorvRunningRequests())
-	, downloadTargets(new FCorvDownloadTargets())
-	, uploadFiles(new FCorvUploadFiles())
+	, runs(MakeShared<FCorvRunList>())
+	, downloadTargets(MakeShared<FCorvDownloadTargets>())
+	, changedFiles(MakeShared<FCorvChangedFiles>())
 {
 	corv = this;
 	corvHandle = this;
@@ -55,14 +56,7 @@ UCorvaneBPLibrary::UCorvaneBPLibrary(const FObjectInitializer& ObjectInitializer
 	onhttpRequestCompleteDelegate.AddUniqueDynamic(this, &UCorvaneBPLibrary::httpRequestCompleteDelegate);
 }
 
-UCorvaneBPLibrary::~UCorvaneBPLibrary()
-{
-	delete byteToFileThread;
-	delete truncateThread;
-	delete uploadFiles;
-	delete downloadTargets;
-	delete runningList;
-}
+UCorvaneBPLibrary::~UCorvaneBPLibrary() = default;
 
 UCorvaneBPLibrary* UCorvaneBPLibrary::getCorvaneTarget()
 {
@@ -115,7 +109,7 @@ bool UCorvaneBPLibrary::hasPendingWork()
 	for (UCorvaneBPLibrary* Library : libraries())
 	{
 		FScopeLock Lock(&Library->mapLock);
-		if (!Library->runningList->isEmpty() || (Library->byteToFileThread && Library->byteToFileThread->hasWork()) ||
+		if (!Library->runs->isEmpty() || (Library->byteToFileThread && Library->byteToFileThread->hasWork()) ||
 			(Library->truncateThread && Library->truncateThread->hasWork()))
 		{
 			return true;
@@ -128,20 +122,21 @@ void UCorvaneBPLibrary::shutDown()
 {
 	constexpr double longestWaitSeconds = 5;
 	isShuttingDown = true;
-	runningList->cancelAll();
-	if (!runningList->waitUntilEmpty(longestWaitSeconds))
+	runs->cancelAll();
+	if (!runs->waitUntilEmpty(longestWaitSeconds))
 	{
-		for (UCorvaneRequestCompleteObject* Object : runningList->remainingObjects())
+		for (UCorvaneRequestCompleteObject* Object : runs->remainingObjects())
 		{
-			Object->stopWorker();
+			Object->run().stopWorker();
 		}
 	}
-	FByteToFileThread* Writer = nullptr;
-	{
-		FScopeLock Lock(&mapLock);
-		Writer = byteToFileThread;
-		byteToFileThread = nullptr;
-	}
-	delete Writer; // finishes the queued writes
+	endWrites();
 	endUploads();
+}
+
+void UCorvaneBPLibrary::endWrites()
+{
+	TSharedPtr<FByteToFileThread> Writer; // finishes the queued writes when it goes, outside the lock
+	FScopeLock Lock(&mapLock);
+	Writer = MoveTemp(byteToFileThread);
 }

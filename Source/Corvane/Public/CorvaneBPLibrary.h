@@ -13,9 +13,9 @@
 
 class FByteToFileThread;
 class FCorvDownloadTargets;
-class FCorvRunningRequests;
+class FCorvRunList;
 class FCorvTruncateUploadedFileThread;
-class FCorvUploadFiles;
+class FCorvChangedFiles;
 class UAsyncNodeCorv;
 class UCorvaneBPLibrary;
 class UCorvaneRequestCompleteObject;
@@ -556,7 +556,7 @@ public:
 	void releaseRunningRequest(const FString& requestID, const FHttpRequestPtr& request);
 
 	/** Counts the requests that run; completion objects report to it. Thread: any. */
-	FCorvRunningRequests& runningRequestList() const { return *runningList; }
+	FCorvRunList& runList() const { return *runs; }
 
 	/** Which download may write which file. Thread: any. */
 	FCorvDownloadTargets& downloadTargetList() const { return *downloadTargets; }
@@ -569,7 +569,7 @@ public:
 	/** @return whether the file at this full path still waits for its repair. Thread: any. */
 	bool isFileBlocked(FString path);
 	/** The files that uploads have made longer. Thread: any. */
-	FCorvUploadFiles& uploadFileList() const { return *uploadFiles; }
+	FCorvChangedFiles& changedFileList() const { return *changedFiles; }
 	/** Seconds that the repair gives the HTTP layer to close a file: 2, unless set before the first stream upload ends. Thread: any. */
 	void setUploadGracePeriod(double seconds);
 
@@ -596,7 +596,7 @@ private:
 	static void fireErrorMessageInGameThread(UAsyncNodeCorv* node, int32 statusCode, FString requestID);
 
 	/** @return the thread that writes byte arrays, made on the first call. Thread: any. */
-	FByteToFileThread* getByteToFileThread();
+	TSharedPtr<FByteToFileThread> getByteToFileThread();
 
 	/** Starts a record that was built for this library. */
 	void startRequest(FhttpRequest& request);
@@ -618,6 +618,7 @@ private:
 	void fillHeader(const FhttpRequest& request, IHttpRequest& httpRequest);
 	static FString postMapToString(const TMap<FString, FString>& map);
 	void fillMimeTypeMap();
+	void endWrites();
 	/** Repairs, without waiting, the files of all uploads that have ended, and of those that still run. */
 	void endUploads();
 
@@ -631,11 +632,14 @@ private:
 	TMap<FString, FHttpRequestPtr> runningRequests;
 	TMap<FString, TWeakObjectPtr<UAsyncNodeCorv>> asyncNodes;
 
-	FCorvRunningRequests* runningList = nullptr; // owned; a lock of its own
-	FByteToFileThread* byteToFileThread = nullptr; // owned; made under mapLock
-	FCorvDownloadTargets* downloadTargets = nullptr; // owned; a lock of its own
-	FCorvUploadFiles* uploadFiles = nullptr; // owned; a lock of its own
-	FCorvTruncateUploadedFileThread* truncateThread = nullptr; // owned; made under mapLock
+	// Never null, and each with a lock of its own.
+	TSharedPtr<FCorvRunList> runs;
+	TSharedPtr<FCorvDownloadTargets> downloadTargets;
+	TSharedPtr<FCorvChangedFiles> changedFiles; // outlives the repair
+
+	// Made on first use; guarded by mapLock.
+	TSharedPtr<FByteToFileThread> byteToFileThread;
+	TSharedPtr<FCorvTruncateUploadedFileThread> truncateThread;
 	double uploadGracePeriodSeconds = 2.0; // guarded by mapLock
 	FString driveBase = TEXT("https://drive.google.com"); // game thread only
 	bool isShuttingDown = false; // game thread only

@@ -1,6 +1,7 @@
 #include "Nodes/NodeSteps.h"
 
 #include "Requests/RequestBuilder.h"
+#include "Rules/StatusCodes.h"
 #include "UAsyncNodeHttpRequest.h"
 #include "UObject/UObjectGlobals.h"
 
@@ -37,7 +38,7 @@ void CorvaneNode::giveUpID(UAsyncNodeCorv& Node, const FString& RequestID)
 
 bool CorvaneNode::isSuccess(int32 StatusCode)
 {
-	return StatusCode < 400 && StatusCode != 0;
+	return StatusCode < CorvaneStatus::firstError && StatusCode != 0;
 }
 
 void CorvaneNode::release(UAsyncNodeCorv& Node)

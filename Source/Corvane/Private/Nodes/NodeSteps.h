@@ -7,8 +7,6 @@ class UAsyncNodeCorv;
 /** The steps that the latent nodes have in common; each class keeps its own order. Thread: game thread. */
 namespace CorvaneNode
 {
-	constexpr int32 refused = 400;
-
 	/**
 	 * Makes a new node the receiver of the results of an ID, in place of an earlier node.
 	 * @param optionalRequestID  empty = a new GUID.

@@ -1,10 +1,8 @@
 #include "CorvaneBPLibrary.h"
 
-#include "Async/Async.h"
-#include "Completion/RunningRequests.h"
 #include "Misc/ScopeLock.h"
-#include "Requests/RequestBuilder.h"
-#include "UAsyncNodeCorv.h"
+#include "Requests/Refusal.h"
+#include "Runs/RunList.h"
 
 void UCorvaneBPLibrary::cancelRequest(FString InRequestID)
 {
@@ -14,28 +12,11 @@ void UCorvaneBPLibrary::cancelRequest(FString InRequestID)
 			FScopeLock Lock(&Library->mapLock);
 			Library->cancelledRequests.Add(InRequestID);
 		}
-		Library->runningList->cancel(InRequestID);
+		Library->runs->cancel(InRequestID);
 	}
 }
 
 void UCorvaneBPLibrary::fireErrorMessageInGameThread(UAsyncNodeCorv* InNode, int32, FString InRequestID)
 {
-	if (InNode)
-	{
-		InNode->waitState = ECorvNodeWait::HasRequest; // of which the refusal is the result: a later node of the ID leaves it alone
-	}
-	AsyncTask(ENamedThreads::GameThread,
-		[Node = TWeakObjectPtr<UAsyncNodeCorv>(InNode), InRequestID]
-		{
-			UAsyncNodeCorv* Alive = Node.Get();
-			// It may have had its result meanwhile, from another request of the same ID.
-			if (Alive && Alive->waitState != ECorvNodeWait::NotWaiting)
-			{
-				Alive->httpRequestComplete(FString(), {}, {}, 400, {}, InRequestID);
-			}
-			else
-			{
-				CorvaneBuilder::refuse(InRequestID);
-			}
-		});
+	CorvaneRefusal::oneTaskLater(InNode, InRequestID);
 }

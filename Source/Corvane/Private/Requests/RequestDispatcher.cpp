@@ -1,15 +1,15 @@
 #include "CorvaneBPLibrary.h"
 
-#include "Completion/GameThreadDelivery.h"
 #include "Containers/StringConv.h"
 #include "CorvaneRequestCompleteObject.h"
-#include "Downloads/DownloadTargets.h"
+#include "Downloads/Download.h"
 #include "HttpModule.h"
 #include "Misc/ScopeLock.h"
 #include "Requests/HttpLayer.h"
+#include "Requests/Refusal.h"
 #include "Rules/DownloadRules.h"
 #include "Rules/Multipart.h"
-#include "Rules/ShownAddress.h"
+#include "Runs/Run.h"
 #include "UObject/UObjectGlobals.h"
 #include "Uploads/UploadBody.h"
 #include "Uploads/UploadFile.h"
@@ -137,24 +137,6 @@ namespace CorvaneDispatcher
 		}
 		return true;
 	}
-
-	/** Ends a request that was announced to scripts by its builder and cannot be started after all. */
-	static void refuse(UCorvaneBPLibrary* Library, UCorvaneRequestCompleteObject* Object, const FhttpRequest& Record)
-	{
-		constexpr int32 refused = 400;
-		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: The request could not be started. Request %s, %s"), *Object->getRequestID(),
-			*CorvaneRules::shownAddress(Record.url));
-		if (Object->getMultiStepDownloadType() == EMultiStepType::E_GOOGLE_DRIVE_FILE_INFO)
-		{
-			CorvaneDelivery::fileInfo(
-				Library, Object->getNode(), nullptr, {FString(), 0, refused, Object->getDownloadID(), Object->getRequestID()});
-		}
-		else
-		{
-			CorvaneDelivery::completion(Library, Object->getNode(), nullptr, {FString(), {}, {}, refused, {}, Object->getRequestID()});
-		}
-		Object->stopJobs();
-	}
 } // namespace CorvaneDispatcher
 
 void UCorvaneBPLibrary::startAll(TArray<FhttpRequest>& InHttpRequests)
@@ -196,7 +178,7 @@ void UCorvaneBPLibrary::startRequest(FhttpRequest& InRequest)
 	HttpRequest->SetHeader(TEXT("User-Agent"), CorvaneDispatcher::defaultUserAgent);
 	if (!fillRequest(InRequest, *HttpRequest) || !CorvaneDispatcher::isTakenByLayer(InRequest, *HttpRequest))
 	{
-		CorvaneDispatcher::refuse(this, Object, InRequest);
+		CorvaneRefusal::ofRun(InRequest);
 		return;
 	}
 	if (!CorvaneDispatcher::bodyBeginsInContentLength(InRequest)) // whose Content-Length has to stay the last header
@@ -204,8 +186,8 @@ void UCorvaneBPLibrary::startRequest(FhttpRequest& InRequest)
 		CorvaneDispatcher::refuseCompression(*Object, *HttpRequest);
 	}
 	CorvaneDispatcher::bind(InRequest, Object, *HttpRequest);
-	Object->setHttpRequest(HttpRequest);
-	Object->claimDownloadTarget();
+	Object->run().setRequest(HttpRequest);
+	Object->download().file.claim();
 	if (CorvaneDispatcher::isEntered(InRequest))
 	{
 		FScopeLock Lock(&mapLock);

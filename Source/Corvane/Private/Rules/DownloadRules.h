@@ -73,15 +73,6 @@ namespace CorvaneRules
 	/** Whether the answer to a step may be put behind what is on disk: nothing but the part asked for. */
 	bool isStep(const FCorvDownloadAnswer& answer, const FCorvDownloadTarget& target);
 
-	/**
-	 * Measures once a second: the amount since the last measurement, which is not divided by the time, a second or a little
-	 * more.
-	 * @param now, lastTime  ticks of 100 ns; a last time of 0 = never.
-	 * @param bytes, lastBytes  of the whole file.
-	 * @param megabit  2^20 bits each.
-	 */
-	void measureSpeed(int64 now, int64 bytes, int64& lastTime, int64& lastBytes, float& megabit);
-
 	/** @return the step size of a script, or the default when it is below 1; 2^30 at most. */
 	int64 usableStepSize(int32 stepSize);
 } // namespace CorvaneRules

@@ -9,9 +9,9 @@
 #include "Rules/Multipart.h"
 #include "Rules/UploadTail.h"
 #include "Serialization/Archive.h"
+#include "Uploads/ChangedFiles.h"
 #include "Uploads/UploadBody.h"
 #include "Uploads/UploadFile.h"
-#include "Uploads/UploadFiles.h"
 #include "Uploads/UploadLeftovers.h"
 #include "Uploads/UploadRepair.h"
 
@@ -83,7 +83,7 @@ namespace CorvaneStreamUpload
 				Record, MoveTemp(Tail), HttpRequest); // an empty file: no repair would know it from one of size 0, so it is left alone
 			return true;
 		}
-		Library.uploadFileList().begin(Record);
+		Library.changedFileList().begin(Record);
 		return write(*Writer, Tail) && CorvaneUpload::sendFile(Record, Record.filePath, HttpRequest);
 	}
 
@@ -97,7 +97,7 @@ namespace CorvaneStreamUpload
 		if (!isCopy(Record))
 		{
 			CorvaneUpload::cutBack(Record.filePath, Record.originalFileSize);
-			Library.uploadFileList().forget(Record.filePath);
+			Library.changedFileList().forget(Record.filePath);
 		}
 		else if (FPaths::FileExists(Record.filePath))
 		{

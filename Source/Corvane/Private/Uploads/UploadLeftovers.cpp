@@ -7,8 +7,8 @@
 #include "Misc/DateTime.h"
 #include "Misc/Paths.h"
 #include "Rules/UploadTail.h"
+#include "Uploads/ChangedFiles.h"
 #include "Uploads/UploadFile.h"
-#include "Uploads/UploadFiles.h"
 #include "Uploads/UploadRepair.h"
 
 namespace CorvaneUploadLeftovers
@@ -43,11 +43,11 @@ namespace CorvaneUploadLeftovers
 	{
 		for (const UCorvaneBPLibrary* Library : UCorvaneBPLibrary::libraries())
 		{
-			if (Library->uploadFileList().isChanged(Path))
+			if (Library->changedFileList().isChanged(Path))
 			{
 				return true;
 			}
-			for (const FString& Changed : Library->uploadFileList().paths())
+			for (const FString& Changed : Library->changedFileList().paths())
 			{
 				if (lookTheSame(Changed, Path))
 				{

@@ -1,10 +1,11 @@
-#include "Completion/FollowUp.h"
+#include "Runs/FollowUp.h"
 
 #include "Async/Async.h"
-#include "Completion/CompletionResult.h"
-#include "Completion/RunningRequests.h"
 #include "CorvaneRequestCompleteObject.h"
 #include "Rules/ShownAddress.h"
+#include "Runs/Result.h"
+#include "Runs/Run.h"
+#include "Runs/RunList.h"
 
 namespace CorvaneFollowUp
 {
@@ -16,7 +17,7 @@ namespace CorvaneFollowUp
 	public:
 		FPending(UCorvaneBPLibrary* InLibrary, const FCorvFollowUp& FollowUp)
 			: library(InLibrary)
-			, number(InLibrary->runningRequestList().beginFollowUp(FollowUp.requestID, FollowUp.cancelState))
+			, number(InLibrary->runList().beginFollowUp(FollowUp.requestID, FollowUp.cancelState))
 		{
 		}
 		FPending(FPending&& Other)
@@ -29,7 +30,7 @@ namespace CorvaneFollowUp
 		{
 			if (UCorvaneBPLibrary* Alive = library.Get())
 			{
-				Alive->runningRequestList().end(number);
+				Alive->runList().end(number);
 			}
 		}
 
@@ -49,6 +50,16 @@ namespace CorvaneFollowUp
 		CorvaneDelivery::completion(&Library, FollowUp.node, nullptr, MoveTemp(Result));
 	}
 
+	/** A copy of all fields: one that is new tomorrow goes from step to step as well. */
+	static FhttpRequest asBefore(const FhttpRequest& Before, const FhttpRequest& Built)
+	{
+		FhttpRequest Next = Before;
+		Next.url = Built.url;
+		Built.requestCompleteObject()->setRequestStruct(Next);
+		Next.setRequestCompleteObject(Built.requestCompleteObject());
+		return Next;
+	}
+
 	static TArray<FhttpRequest> build(UCorvaneBPLibrary& Library, const FCorvFollowUp& FollowUp)
 	{
 		bIsBuilding = true;
@@ -56,7 +67,8 @@ namespace CorvaneFollowUp
 		bIsBuilding = false;
 		for (FhttpRequest& Request : Requests)
 		{
-			Request.requestCompleteObject()->continueRequest(Library, FollowUp.node);
+			Request = asBefore(FollowUp.record, Request);
+			Request.requestCompleteObject()->run().continueFor(Library, FollowUp.node);
 		}
 		return Requests;
 	}
@@ -74,7 +86,7 @@ namespace CorvaneFollowUp
 		{
 			UE_LOG(LogTemp, Error, TEXT("Something's went wrong. download is aborted "));
 			UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: No request could be built to follow the last one. Request %s, %s"),
-				*FollowUp.requestID, *CorvaneRules::shownAddress(FollowUp.url));
+				*FollowUp.requestID, *CorvaneRules::shownAddress(FollowUp.record.url));
 			fail(Library, FollowUp);
 			return;
 		}

@@ -3,9 +3,9 @@
 #include "CoreMinimal.h"
 #include "HAL/CriticalSection.h"
 #include "Interfaces/IHttpRequest.h"
+#include "Threads/PooledEvent.h"
 #include "UObject/WeakObjectPtr.h"
 
-class FEvent;
 class UCorvaneRequestCompleteObject;
 struct FCorvCancelState;
 
@@ -14,12 +14,9 @@ struct FCorvCancelState;
  * and what is to follow an ended one. It answers whether the program may end, and ends what runs when it must.
  * Thread: any, unless a function says otherwise.
  */
-class FCorvRunningRequests
+class FCorvRunList
 {
 public:
-	FCorvRunningRequests();
-	~FCorvRunningRequests();
-
 	/** @return the number of the new run, never 0 and never used again. */
 	int64 begin(UCorvaneRequestCompleteObject* object, const FString& requestID, TSharedPtr<FCorvCancelState> cancelState);
 	/** The same for a request that is to follow an ended one and has not been started yet. */
@@ -58,5 +55,5 @@ private:
 	FCriticalSection lock;
 	TMap<int64, FRun> runs;
 	int64 lastNumber = 0;
-	FEvent* runEnded; // from the engine's pool
+	FCorvPooledEvent runEnded;
 };

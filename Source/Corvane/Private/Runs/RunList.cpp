@@ -1,14 +1,12 @@
-#include "Completion/RunningRequests.h"
+#include "Runs/RunList.h"
 
-#include "Completion/CancelState.h"
 #include "CorvaneRequestCompleteObject.h"
-#include "HAL/Event.h"
-#include "HAL/PlatformProcess.h"
 #include "Misc/DateTime.h"
 #include "Misc/ScopeLock.h"
 #include "Misc/Timespan.h"
+#include "Runs/CancelState.h"
 
-namespace CorvaneRunningRequests
+namespace CorvaneRunList
 {
 	static void cancel(const TArray<FHttpRequestPtr>& Requests)
 	{
@@ -20,36 +18,26 @@ namespace CorvaneRunningRequests
 			}
 		}
 	}
-} // namespace CorvaneRunningRequests
+} // namespace CorvaneRunList
 
-FCorvRunningRequests::FCorvRunningRequests()
-	: runEnded(FPlatformProcess::GetSynchEventFromPool())
-{
-}
-
-FCorvRunningRequests::~FCorvRunningRequests()
-{
-	FPlatformProcess::ReturnSynchEventToPool(runEnded);
-}
-
-int64 FCorvRunningRequests::begin(UCorvaneRequestCompleteObject* Object, const FString& RequestID, TSharedPtr<FCorvCancelState> CancelState)
+int64 FCorvRunList::begin(UCorvaneRequestCompleteObject* Object, const FString& RequestID, TSharedPtr<FCorvCancelState> CancelState)
 {
 	return add({RequestID, MoveTemp(CancelState), false, Object, nullptr});
 }
 
-int64 FCorvRunningRequests::beginFollowUp(const FString& RequestID, TSharedPtr<FCorvCancelState> CancelState)
+int64 FCorvRunList::beginFollowUp(const FString& RequestID, TSharedPtr<FCorvCancelState> CancelState)
 {
 	return add({RequestID, MoveTemp(CancelState), true, nullptr, nullptr});
 }
 
-int64 FCorvRunningRequests::add(FRun Run)
+int64 FCorvRunList::add(FRun Run)
 {
 	FScopeLock Lock(&lock);
 	runs.Add(++lastNumber, MoveTemp(Run));
 	return lastNumber;
 }
 
-void FCorvRunningRequests::setRequest(int64 RunNumber, FHttpRequestPtr Request)
+void FCorvRunList::setRequest(int64 RunNumber, FHttpRequestPtr Request)
 {
 	FScopeLock Lock(&lock);
 	if (FRun* Run = runs.Find(RunNumber))
@@ -58,27 +46,27 @@ void FCorvRunningRequests::setRequest(int64 RunNumber, FHttpRequestPtr Request)
 	}
 }
 
-FHttpRequestPtr FCorvRunningRequests::request(int64 RunNumber)
+FHttpRequestPtr FCorvRunList::request(int64 RunNumber)
 {
 	FScopeLock Lock(&lock);
 	const FRun* Run = runs.Find(RunNumber);
 	return Run ? Run->request : nullptr;
 }
 
-void FCorvRunningRequests::end(int64 RunNumber)
+void FCorvRunList::end(int64 RunNumber)
 {
 	FScopeLock Lock(&lock);
 	runs.Remove(RunNumber);
 	runEnded->Trigger();
 }
 
-bool FCorvRunningRequests::isEmpty()
+bool FCorvRunList::isEmpty()
 {
 	FScopeLock Lock(&lock);
 	return runs.IsEmpty();
 }
 
-bool FCorvRunningRequests::hasRuns()
+bool FCorvRunList::hasRuns()
 {
 	FScopeLock Lock(&lock);
 	for (const TPair<int64, FRun>& Run : runs)
@@ -91,7 +79,7 @@ bool FCorvRunningRequests::hasRuns()
 	return false;
 }
 
-void FCorvRunningRequests::cancel(const FString& RequestID)
+void FCorvRunList::cancel(const FString& RequestID)
 {
 	TArray<FHttpRequestPtr> Requests;
 	{
@@ -105,10 +93,10 @@ void FCorvRunningRequests::cancel(const FString& RequestID)
 			}
 		}
 	}
-	CorvaneRunningRequests::cancel(Requests);
+	CorvaneRunList::cancel(Requests);
 }
 
-void FCorvRunningRequests::cancelAll()
+void FCorvRunList::cancelAll()
 {
 	TArray<FHttpRequestPtr> Requests;
 	{
@@ -119,10 +107,10 @@ void FCorvRunningRequests::cancelAll()
 			Requests.Add(Run.Value.request);
 		}
 	}
-	CorvaneRunningRequests::cancel(Requests);
+	CorvaneRunList::cancel(Requests);
 }
 
-bool FCorvRunningRequests::waitUntilEmpty(double TimeoutSeconds)
+bool FCorvRunList::waitUntilEmpty(double TimeoutSeconds)
 {
 	const int64 Deadline = FDateTime::UtcNow().GetTicks() + static_cast<int64>(TimeoutSeconds * ETimespan::TicksPerSecond);
 	while (hasRuns())
@@ -137,7 +125,7 @@ bool FCorvRunningRequests::waitUntilEmpty(double TimeoutSeconds)
 	return true;
 }
 
-TArray<UCorvaneRequestCompleteObject*> FCorvRunningRequests::remainingObjects()
+TArray<UCorvaneRequestCompleteObject*> FCorvRunList::remainingObjects()
 {
 	TArray<UCorvaneRequestCompleteObject*> Objects;
 	FScopeLock Lock(&lock);

@@ -8,7 +8,7 @@
  * upload such a file a second time, for its end is not the user's. Paths are spelled as on disk, and of running uploads
  * told apart by case, for two of them may name two files; what waits for its repair is asked for in any case. Thread: any.
  */
-class FCorvUploadFiles
+class FCorvChangedFiles
 {
 public:
 	/** An upload is about to change the file that its record names. */

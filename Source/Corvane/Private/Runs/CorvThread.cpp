@@ -1,38 +1,28 @@
-#include "Completion/CorvThread.h"
+#include "Runs/CorvThread.h"
 
 #include "CorvaneRequestCompleteObject.h"
-#include "HAL/Event.h"
-#include "HAL/PlatformProcess.h"
-#include "HAL/RunnableThread.h"
 #include "Misc/Guid.h"
 #include "Misc/ScopeLock.h"
+#include "Runs/Run.h"
 
 FCorvThread::FCorvThread(UCorvaneRequestCompleteObject* InOwner, int64 InRunNumber)
 	: completeObject(InOwner)
 	, runNumber(InRunNumber)
-	, wakeUp(FPlatformProcess::GetSynchEventFromPool())
 {
 }
 
 FCorvThread::~FCorvThread()
 {
-	delete thread;
-	FCorvTheadJob* Job = nullptr;
-	while (jobQueue.Dequeue(Job))
-	{
-		delete Job;
-	}
-	FPlatformProcess::ReturnSynchEventToPool(wakeUp);
+	thread.Reset(); // while all that it uses is still there
 }
 
-void FCorvThread::addJob(FCorvTheadJob* InJob)
+void FCorvThread::addJob(TUniquePtr<FCorvTheadJob> InJob)
 {
 	if (updateWaitingProgress(*InJob))
 	{
-		delete InJob;
 		return;
 	}
-	jobQueue.Enqueue(InJob);
+	jobQueue.Enqueue(MoveTemp(InJob));
 	if (thread)
 	{
 		pauseThread(false);
@@ -43,7 +33,7 @@ void FCorvThread::addJob(FCorvTheadJob* InJob)
 	}
 }
 
-bool FCorvThread::updateWaitingProgress(const FCorvTheadJob& InJob)
+bool FCorvThread::updateWaitingProgress(FCorvTheadJob& InJob)
 {
 	if (InJob.isLast())
 	{
@@ -52,7 +42,7 @@ bool FCorvThread::updateWaitingProgress(const FCorvTheadJob& InJob)
 	FScopeLock Lock(&progressLock);
 	if (!waitingProgress)
 	{
-		waitingProgress = const_cast<FCorvTheadJob*>(&InJob); // about to be queued
+		waitingProgress = &InJob; // about to be queued
 		return false;
 	}
 	waitingProgress->bytesSent = InJob.bytesSent;
@@ -60,11 +50,11 @@ bool FCorvThread::updateWaitingProgress(const FCorvTheadJob& InJob)
 	return true;
 }
 
-bool FCorvThread::takeJob(FCorvTheadJob*& OutJob)
+bool FCorvThread::takeJob(TUniquePtr<FCorvTheadJob>& OutJob)
 {
 	FScopeLock Lock(&progressLock);
 	const bool bTaken = jobQueue.Dequeue(OutJob);
-	if (bTaken && OutJob == waitingProgress)
+	if (bTaken && OutJob.Get() == waitingProgress)
 	{
 		waitingProgress = nullptr;
 	}
@@ -73,7 +63,7 @@ bool FCorvThread::takeJob(FCorvTheadJob*& OutJob)
 
 void FCorvThread::startThread()
 {
-	thread = FRunnableThread::Create(this, *(TEXT("FCorvThread") + FGuid::NewGuid().ToString()));
+	thread.Reset(FRunnableThread::Create(this, *(TEXT("FCorvThread") + FGuid::NewGuid().ToString())));
 	if (!thread) // received bytes are worth more than the time of the thread that brings them
 	{
 		runQueuedJobs();
@@ -142,14 +132,14 @@ uint32 FCorvThread::Run()
 void FCorvThread::end()
 {
 	ended = true;
-	completeObject->workerEnded(runNumber);
+	completeObject->run().end(runNumber);
 }
 
 void FCorvThread::runQueuedJobs()
 {
 	// A completion job ends the loop of Run, yet what is queued behind it still runs; only stopThread leaves jobs behind.
 	bool bCompleted = false;
-	FCorvTheadJob* Job = nullptr;
+	TUniquePtr<FCorvTheadJob> Job;
 	while ((isRunning || bCompleted) && takeJob(Job))
 	{
 		runJob(*Job);
@@ -158,7 +148,6 @@ void FCorvThread::runQueuedJobs()
 			bCompleted = true;
 			isRunning = false;
 		}
-		delete Job;
 	}
 }
 

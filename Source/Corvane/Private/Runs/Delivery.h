@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Completion/ProgressMail.h"
 #include "CorvaneBPLibrary.h"
+#include "Runs/ProgressMail.h"
 #include "Templates/SharedPointer.h"
 
 /** The result of one request, as its receiver gets it. */

@@ -1,4 +1,4 @@
-#include "Completion/GameThreadDelivery.h"
+#include "Runs/Delivery.h"
 
 #include "Async/Async.h"
 #include "UAsyncNodeHttpDownloadUpload.h"

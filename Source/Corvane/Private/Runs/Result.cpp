@@ -1,6 +1,7 @@
-#include "Completion/CompletionResult.h"
+#include "Runs/Result.h"
 
 #include "Containers/StringConv.h"
+#include "Rules/StatusCodes.h"
 
 namespace CorvaneResult
 {
@@ -55,8 +56,7 @@ FCorvCompletion CorvaneResult::successWithoutBody(const IHttpResponse& Response)
 
 FCorvCompletion CorvaneResult::noResponse()
 {
-	constexpr int32 noResponseCode = 500;
-	return refusal(noResponseCode, TEXT("No Response"));
+	return refusal(CorvaneStatus::noResponse, TEXT("No Response"));
 }
 
 FCorvCompletion CorvaneResult::refusal(int32 StatusCode, FString Text)

@@ -1,46 +1,46 @@
-#include "Uploads/UploadFiles.h"
+#include "Uploads/ChangedFiles.h"
 
 #include "Misc/ScopeLock.h"
 
-void FCorvUploadFiles::begin(FhttpRequest Record)
+void FCorvChangedFiles::begin(FhttpRequest Record)
 {
 	Record.setRequestCompleteObject(nullptr); // it belongs to the game thread
 	FScopeLock Lock(&lock);
 	running.Add(Record);
 }
 
-void FCorvUploadFiles::forget(const FString& Path)
+void FCorvChangedFiles::forget(const FString& Path)
 {
 	FScopeLock Lock(&lock);
 	removeRunning(Path);
 }
 
-void FCorvUploadFiles::waitForRepair(const FString& Path)
+void FCorvChangedFiles::waitForRepair(const FString& Path)
 {
 	FScopeLock Lock(&lock);
 	removeRunning(Path);
 	blockedFiles.Add(Path);
 }
 
-void FCorvUploadFiles::endRepair(const FString& Path)
+void FCorvChangedFiles::endRepair(const FString& Path)
 {
 	FScopeLock Lock(&lock);
 	blockedFiles.RemoveSingle(Path);
 }
 
-bool FCorvUploadFiles::isWaitingForRepair(const FString& Path) const
+bool FCorvChangedFiles::isWaitingForRepair(const FString& Path) const
 {
 	FScopeLock Lock(&lock);
 	return blockedFiles.Contains(Path);
 }
 
-bool FCorvUploadFiles::isChanged(const FString& Path) const
+bool FCorvChangedFiles::isChanged(const FString& Path) const
 {
 	FScopeLock Lock(&lock);
 	return indexOfRunning(Path) != INDEX_NONE || blockedFiles.Contains(Path);
 }
 
-TArray<FString> FCorvUploadFiles::paths() const
+TArray<FString> FCorvChangedFiles::paths() const
 {
 	FScopeLock Lock(&lock);
 	TArray<FString> Paths = blockedFiles;
@@ -51,13 +51,13 @@ TArray<FString> FCorvUploadFiles::paths() const
 	return Paths;
 }
 
-TArray<FhttpRequest> FCorvUploadFiles::unfinished() const
+TArray<FhttpRequest> FCorvChangedFiles::unfinished() const
 {
 	FScopeLock Lock(&lock);
 	return running;
 }
 
-int32 FCorvUploadFiles::indexOfRunning(const FString& Path) const
+int32 FCorvChangedFiles::indexOfRunning(const FString& Path) const
 {
 	int32 Index = running.Num() - 1;
 	while (Index >= 0 && !running[Index].filePath.Equals(Path))
@@ -67,7 +67,7 @@ int32 FCorvUploadFiles::indexOfRunning(const FString& Path) const
 	return Index; // INDEX_NONE is -1
 }
 
-void FCorvUploadFiles::removeRunning(const FString& Path)
+void FCorvChangedFiles::removeRunning(const FString& Path)
 {
 	const int32 Index = indexOfRunning(Path);
 	if (Index != INDEX_NONE)

@@ -1,14 +1,15 @@
 #pragma once
 
-#include "Completion/CorvTheadJob.h"
 #include "Containers/Queue.h"
 #include "HAL/CriticalSection.h"
 #include "HAL/Runnable.h"
+#include "HAL/RunnableThread.h"
+#include "Runs/CorvTheadJob.h"
+#include "Templates/UniquePtr.h"
+#include "Threads/PooledEvent.h"
 
 #include <atomic>
 
-class FEvent;
-class FRunnableThread;
 class UCorvaneRequestCompleteObject;
 
 /**
@@ -23,7 +24,7 @@ class FCorvThread : public FRunnable
 public:
 	/** @param owner  outlives this object. */
 	FCorvThread(UCorvaneRequestCompleteObject* owner, int64 runNumber);
-	/** Waits for the thread, and frees the jobs it has not run. */
+	/** Waits for the thread. */
 	virtual ~FCorvThread() override;
 
 	/** True when the last job has run. Thread: any. */
@@ -32,10 +33,10 @@ public:
 	/**
 	 * Queues one job and starts or wakes the worker. Progress that finds earlier progress still waiting only brings that
 	 * up to date: no flood of callbacks makes a queue long.
-	 * @param job  not null; ownership passes to the queue.
+	 * @param job  not null.
 	 * @note Thread: HTTP callback. Jobs run in call order; on the calling thread only when the system has no thread to give.
 	 */
-	void addJob(FCorvTheadJob* job);
+	void addJob(TUniquePtr<FCorvTheadJob> job);
 	/** Lets the idle worker look at its queue (false). Thread: any. */
 	void pauseThread(bool pause);
 	/** Ends the worker after the job it is in; what is queued behind that is freed, not run. Thread: any. */
@@ -47,8 +48,8 @@ public:
 	virtual void Stop() override;
 
 private:
-	bool updateWaitingProgress(const FCorvTheadJob& job);
-	bool takeJob(FCorvTheadJob*& job);
+	bool updateWaitingProgress(FCorvTheadJob& job);
+	bool takeJob(TUniquePtr<FCorvTheadJob>& job);
 	void startThread();
 	void runQueuedJobs();
 	void runJob(const FCorvTheadJob& job);
@@ -59,9 +60,9 @@ private:
 	std::atomic<bool> isRunning{true};
 	std::atomic<bool> isPaused{false};
 	std::atomic<bool> ended{false};
-	TQueue<FCorvTheadJob*, EQueueMode::Mpsc> jobQueue;
+	TQueue<TUniquePtr<FCorvTheadJob>, EQueueMode::Mpsc> jobQueue;
 	FCriticalSection progressLock; // guards what follows, and the numbers of the job that it names
 	FCorvTheadJob* waitingProgress = nullptr;
-	FEvent* wakeUp; // from the engine's pool
-	FRunnableThread* thread = nullptr; // owned; null until the first job
+	FCorvPooledEvent wakeUp;
+	TUniquePtr<FRunnableThread> thread; // null until the first job
 };

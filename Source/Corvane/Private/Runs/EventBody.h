@@ -14,12 +14,13 @@ public:
 	bool append(const void* bytes, int64 number);
 	/** Bytes so far. */
 	int32 size();
-	/** The bytes from a position on, read as text. @param end  where they end. */
-	FString textFrom(int32 begin, int32& end);
+	/** Gives what has come since the last call, read as text. @return false when nothing has. */
+	bool nextChunk(FString& text);
 	/** The whole body, which is gone from here then. */
 	TArray<uint8> take();
 
 private:
-	FCriticalSection lock;
+	FCriticalSection lock; // guards what follows
 	TArray<uint8> body;
+	int32 serverSendEventLastByte = 0; // the end of the last chunk
 };

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Completion/CancelState.h"
 #include "CorvaneBPLibrary.h"
+#include "Runs/CancelState.h"
 #include "Templates/Function.h"
 #include "Templates/SharedPointer.h"
 
@@ -9,8 +9,8 @@
 struct FCorvFollowUp
 {
 	FString requestID;
-	/** The address of the request before, for the log. */
-	FString url;
+	/** Of the request before; what is built takes everything from it but its address and its completion object. */
+	FhttpRequest record;
 	/** Of the request before. */
 	TSharedPtr<FCorvCancelState> cancelState;
 	/** The node that waits for the result of all steps. */

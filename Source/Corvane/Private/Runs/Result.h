@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Completion/GameThreadDelivery.h"
 #include "Interfaces/IHttpResponse.h"
+#include "Runs/Delivery.h"
 
 /** What a response becomes for its receiver; the request's ID is still to be set. Thread: request worker. */
 namespace CorvaneResult
