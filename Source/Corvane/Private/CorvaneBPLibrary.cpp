@@ -109,8 +109,9 @@ bool UCorvaneBPLibrary::hasPendingWork()
 	for (UCorvaneBPLibrary* Library : libraries())
 	{
 		FScopeLock Lock(&Library->mapLock);
-		if (!Library->runs->isEmpty() || (Library->byteToFileThread && Library->byteToFileThread->hasWork()) ||
-			(Library->truncateThread && Library->truncateThread->hasWork()))
+		const TSharedPtr<FByteToFileThread>& Writer = Library->byteToFileThread;
+		const TSharedPtr<FCorvTruncateUploadedFileThread>& Repair = Library->truncateThread;
+		if (!Library->runs->isEmpty() || (Writer && Writer->hasWork()) || (Repair && Repair->hasWork()))
 		{
 			return true;
 		}

@@ -258,7 +258,7 @@ public:
 
 	/**
 	 * Builds a GET request.
-	 * @param otherHttpRequests  the records built so far; the new one goes behind them.
+	 * @param otherHttpRequests  the records built so far; the new one goes after them.
 	 * @param url  at least 3 characters, sent as given.
 	 * @param header  name to value; they replace persistent headers of the same name.
 	 * @param optionalRequestID  comes back in every event; empty = a new GUID of 32 upper-case hexadecimal digits.
@@ -345,7 +345,7 @@ public:
 	 * those of CreateHttpRequestGET.
 	 * @param directoryType, filePath  name the file.
 	 * @param fileID  form field name of the file.
-	 * @param POSTData  form fields, sent behind the file as they are.
+	 * @param POSTData  form fields, sent after the file as they are.
 	 * @param requestID  the request's ID, also when it is refused.
 	 * @param httpRequests  otherHttpRequests and the new record; just otherHttpRequests when the request is refused.
 	 * @return 0, or 400 when the request was refused; the refusal is also broadcast, inside this call.

@@ -2,13 +2,9 @@
 
 #include "CoreMinimal.h"
 #include "CorvaneBPLibrary.h"
-#include "HAL/CriticalSection.h"
 #include "Interfaces/IHttpRequest.h"
-#include "Interfaces/IHttpResponse.h"
 #include "UObject/Object.h"
 #include "UObject/UObjectGlobals.h"
-
-#include <atomic>
 
 #include "CorvaneRequestCompleteObject.generated.h"
 

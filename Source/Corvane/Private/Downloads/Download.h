@@ -40,7 +40,7 @@ public:
 	/** What decides about the body of an answer. */
 	FCorvDownloadAnswer readAnswer(const IHttpResponse& response) const;
 
-	/** Reports a body, or the part of a file that is on disk and the body behind it. */
+	/** Reports a body, or the part of a file that is on disk and the body after it. */
 	void reportBody(uint64 bytesReceived, uint64 bodySize);
 	/** Reports how much there is of the whole file. */
 	void report(float total, int64 received);

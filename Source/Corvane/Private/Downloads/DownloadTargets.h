@@ -40,7 +40,7 @@ private:
 
 /**
  * The permission to write a download's file, held for the length of a block. Nobody else gets it meanwhile, so two bodies
- * never mix: the size that is read under it holds until the bytes are behind it.
+ * never mix: the size that is read under it holds until the bytes follow it.
  */
 class FCorvDownloadPermission
 {

@@ -103,7 +103,7 @@ void FCorvSteppedDownload::takeProbeAnswer(const FHttpRequestPtr& InRequest, con
 		UE_LOG(LogTemp, Error, TEXT("File Download: File size equal to or larger than on the server. Cancel Download"));
 		end(InRequest, run.failureOf(InResponse));
 	}
-	else if (!download.file.isOfKeptVersion(*InResponse)) // it would go behind the bytes of another one
+	else if (!download.file.isOfKeptVersion(*InResponse)) // it would go after the bytes of another one
 	{
 		CorvaneSteppedDownload::logAborted();
 		end(InRequest, CorvaneResult::noResponse());

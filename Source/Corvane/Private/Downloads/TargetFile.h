@@ -32,7 +32,7 @@ public:
 	/** @return bytes, 0 when there is no file. */
 	int64 size() const;
 	/**
-	 * Puts the body of an answer behind the bytes of the file, or in their place, and remembers its version.
+	 * Puts the body of an answer after the bytes of the file, or in their place, and remembers its version.
 	 * @return false, with a line in the log, when not every byte reached the disk; what did stays there.
 	 */
 	bool write(const IHttpResponse& response, bool bReplace);

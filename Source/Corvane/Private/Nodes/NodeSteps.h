@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CorvaneBPLibrary.h"
+#include "CoreMinimal.h"
 
 class UAsyncNodeCorv;
 

@@ -50,7 +50,7 @@ namespace CorvaneDownloadBuilder
 		{
 			IFileManager::Get().Delete(*Target.path, false, false, true);
 		}
-		if (FPaths::FileExists(Target.path)) // also one that could not be deleted: new bytes would go behind the old
+		if (FPaths::FileExists(Target.path)) // also one that could not be deleted: new bytes would go after the old
 		{
 			UE_LOG(LogTemp, Warning, TEXT("%s: File exist. Cancel download."), Target.builder);
 			return false;

@@ -15,7 +15,7 @@ namespace CorvaneBuilder
 	FhttpRequest makeRecord(EHTTPCorvRequestType type, const FString& url, const TMap<FString, FString>& header = {});
 
 	/**
-	 * Gives a filled record its completion object and puts it behind the other records.
+	 * Gives a filled record its completion object and puts it after the other records.
 	 * @return the completion object, so that the builder can set what else it needs.
 	 */
 	UCorvaneRequestCompleteObject* append(

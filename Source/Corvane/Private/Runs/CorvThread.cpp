@@ -119,7 +119,7 @@ uint32 FCorvThread::Run()
 			break;
 		}
 		isPaused = true;
-		// The queue is looked at again behind the flag: a job that came in between has cleared it too early.
+		// The queue is looked at again after the flag: a job that came in between has cleared it too early.
 		while (isPaused && isRunning && jobQueue.IsEmpty())
 		{
 			wakeUp->Wait();
@@ -137,7 +137,7 @@ void FCorvThread::end()
 
 void FCorvThread::runQueuedJobs()
 {
-	// A completion job ends the loop of Run, yet what is queued behind it still runs; only stopThread leaves jobs behind.
+	// A completion job ends the loop of Run, yet what is queued after it still runs; only stopThread leaves jobs behind.
 	bool bCompleted = false;
 	TUniquePtr<FCorvTheadJob> Job;
 	while ((isRunning || bCompleted) && takeJob(Job))

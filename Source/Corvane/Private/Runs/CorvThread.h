@@ -39,7 +39,7 @@ public:
 	void addJob(TUniquePtr<FCorvTheadJob> job);
 	/** Lets the idle worker look at its queue (false). Thread: any. */
 	void pauseThread(bool pause);
-	/** Ends the worker after the job it is in; what is queued behind that is freed, not run. Thread: any. */
+	/** Ends the worker after the job it is in; what is queued after that is freed, not run. Thread: any. */
 	void stopThread();
 	/** Waits until a stopped worker has ended. Not from the worker. */
 	void waitForEnd();

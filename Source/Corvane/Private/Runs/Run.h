@@ -2,7 +2,6 @@
 
 #include "CorvaneBPLibrary.h"
 #include "HAL/CriticalSection.h"
-#include "Interfaces/IHttpResponse.h"
 #include "Runs/Delivery.h"
 #include "Runs/EventBody.h"
 #include "Templates/UniquePtr.h"

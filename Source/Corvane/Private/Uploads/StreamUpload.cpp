@@ -51,7 +51,7 @@ namespace CorvaneStreamUpload
 	{
 		const FString Token = CorvaneRules::boundaryToken(Record.originalFileSize);
 		HttpRequest.SetHeader(TEXT("Content-Type"), CorvaneRules::multipartType(Token));
-		// The last header to be set, so that the transport puts no other one behind it.
+		// The last header to be set, so that the transport puts no other one after it.
 		HttpRequest.SetHeader(TEXT("Content-Length"),
 			CorvaneRules::streamLengthHeader(Token, Record.fileID, File.name, File.mimeType, Record.originalFileSize));
 		return CorvaneRules::fstringToByteArray(CorvaneRules::closingDelimiter(Token));
@@ -68,7 +68,7 @@ namespace CorvaneStreamUpload
 	{
 		const TUniquePtr<FArchive> Writer(openToAppend(Record.filePath));
 		const int64 Size = Writer.IsValid() ? Writer->TotalSize() : -1;
-		// Asked once more behind the open, which keeps other writers out where the system knows how: another program may
+		// Asked once more after the open, which keeps other writers out where the system knows how: another program may
 		// have begun an upload of the file since, and a copy may have been made of what that program did.
 		if (Size < 0 || CorvaneUpload::endsInOwnTail(Record.filePath))
 		{
