@@ -19,7 +19,7 @@ namespace CorvaneLibrary
 	struct FInstances
 	{
 		FCriticalSection lock;
-		TArray<TWeakObjectPtr<UCorvaneBPLibrary>> all;
+		TArray<TWeakObjectPtr<UCorvaneBPLibrary>> all CORVANE_GUARDED_BY(lock);
 	};
 
 	static FInstances& instances()
@@ -108,15 +108,20 @@ bool UCorvaneBPLibrary::hasPendingWork()
 {
 	for (UCorvaneBPLibrary* Library : libraries())
 	{
-		FScopeLock Lock(&Library->mapLock);
-		const TSharedPtr<FByteToFileThread>& Writer = Library->byteToFileThread;
-		const TSharedPtr<FCorvTruncateUploadedFileThread>& Repair = Library->truncateThread;
-		if (!Library->runs->isEmpty() || (Writer && Writer->hasWork()) || (Repair && Repair->hasWork()))
+		if (Library->hasWork())
 		{
 			return true;
 		}
 	}
 	return false;
+}
+
+bool UCorvaneBPLibrary::hasWork()
+{
+	FScopeLock Lock(&mapLock);
+	const TSharedPtr<FByteToFileThread> Writer = byteToFileThread;
+	const TSharedPtr<FCorvTruncateUploadedFileThread> Repair = truncateThread;
+	return !runs->isEmpty() || (Writer && Writer->hasWork()) || (Repair && Repair->hasWork());
 }
 
 void UCorvaneBPLibrary::shutDown()

@@ -618,29 +618,30 @@ private:
 	void fillHeader(const FhttpRequest& request, IHttpRequest& httpRequest);
 	static FString postMapToString(const TMap<FString, FString>& map);
 	void fillMimeTypeMap();
+	bool hasWork();
 	void endWrites();
 	/** Repairs, without waiting, the files of all uploads that have ended, and of those that still run. */
 	void endUploads();
 
 	static TWeakObjectPtr<UCorvaneBPLibrary> corvHandle; // names what corv does
 
-	// One lock for the maps below. Never held during a broadcast, a node call, file work or a call into the HTTP module.
-	FCriticalSection mapLock;
 	TMap<FString, FString> persistentHeaders; // game thread only
 	TMap<FString, FString> mimeTypeMap; // extension without its dot to type; never changed after construction
-	TSet<FString> cancelledRequests;
-	TMap<FString, FHttpRequestPtr> runningRequests;
-	TMap<FString, TWeakObjectPtr<UAsyncNodeCorv>> asyncNodes;
 
 	// Never null, and each with a lock of its own.
 	TSharedPtr<FCorvRunList> runs;
 	TSharedPtr<FCorvDownloadTargets> downloadTargets;
 	TSharedPtr<FCorvChangedFiles> changedFiles; // outlives the repair
 
-	// Made on first use; guarded by mapLock.
-	TSharedPtr<FByteToFileThread> byteToFileThread;
-	TSharedPtr<FCorvTruncateUploadedFileThread> truncateThread;
-	double uploadGracePeriodSeconds = 2.0; // guarded by mapLock
+	// Never held during a broadcast, a node call, file work or a call into the HTTP module.
+	FCriticalSection mapLock;
+	TSet<FString> cancelledRequests CORVANE_GUARDED_BY(mapLock);
+	TMap<FString, FHttpRequestPtr> runningRequests CORVANE_GUARDED_BY(mapLock);
+	TMap<FString, TWeakObjectPtr<UAsyncNodeCorv>> asyncNodes CORVANE_GUARDED_BY(mapLock);
+	TSharedPtr<FByteToFileThread> byteToFileThread CORVANE_GUARDED_BY(mapLock); // made on first use, like the next
+	TSharedPtr<FCorvTruncateUploadedFileThread> truncateThread CORVANE_GUARDED_BY(mapLock);
+	double uploadGracePeriodSeconds CORVANE_GUARDED_BY(mapLock) = 2.0;
+
 	FString driveBase = TEXT("https://drive.google.com"); // game thread only
 	bool isShuttingDown = false; // game thread only
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CoreMinimal.h"
+#include "Corvane.h"
 #include "Downloads/KeptVersions.h"
 #include "HAL/CriticalSection.h"
 
@@ -31,11 +32,11 @@ private:
 
 	bool beginWriting(const FString& path, int64 download);
 	void endWriting(const FString& path);
-	FTarget* find(const FString& path);
-	void removeIfUnused(const FString& path);
+	FTarget* find(const FString& path) CORVANE_REQUIRES(lock);
+	void removeIfUnused(const FString& path) CORVANE_REQUIRES(lock);
 
 	FCriticalSection lock;
-	TArray<FTarget> targets; // as many as downloads run
+	TArray<FTarget> targets CORVANE_GUARDED_BY(lock); // as many as downloads run
 };
 
 /**

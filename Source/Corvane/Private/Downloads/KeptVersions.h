@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CoreMinimal.h"
+#include "Corvane.h"
 #include "HAL/CriticalSection.h"
 
 /**
@@ -25,5 +26,5 @@ private:
 	};
 
 	FCriticalSection lock;
-	TArray<FKept> all;
+	TArray<FKept> all CORVANE_GUARDED_BY(lock);
 };

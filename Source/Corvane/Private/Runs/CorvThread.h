@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Containers/Queue.h"
+#include "Corvane.h"
 #include "HAL/CriticalSection.h"
 #include "HAL/Runnable.h"
 #include "HAL/RunnableThread.h"
@@ -61,8 +62,8 @@ private:
 	std::atomic<bool> isPaused{false};
 	std::atomic<bool> ended{false};
 	TQueue<TUniquePtr<FCorvTheadJob>, EQueueMode::Mpsc> jobQueue;
-	FCriticalSection progressLock; // guards what follows, and the numbers of the job that it names
-	FCorvTheadJob* waitingProgress = nullptr;
+	FCriticalSection progressLock;
+	FCorvTheadJob* waitingProgress CORVANE_GUARDED_BY(progressLock) = nullptr; // in the queue; its numbers are guarded, too
 	FCorvPooledEvent wakeUp;
 	TUniquePtr<FRunnableThread> thread; // null until the first job
 };

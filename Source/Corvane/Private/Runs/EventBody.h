@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CoreMinimal.h"
+#include "Corvane.h"
 #include "HAL/CriticalSection.h"
 
 /**
@@ -20,7 +21,7 @@ public:
 	TArray<uint8> take();
 
 private:
-	FCriticalSection lock; // guards what follows
-	TArray<uint8> body;
-	int32 serverSendEventLastByte = 0; // the end of the last chunk
+	FCriticalSection lock;
+	TArray<uint8> body CORVANE_GUARDED_BY(lock);
+	int32 serverSendEventLastByte CORVANE_GUARDED_BY(lock) = 0; // the end of the last chunk
 };

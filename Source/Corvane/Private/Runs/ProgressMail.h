@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CoreMinimal.h"
+#include "Corvane.h"
 #include "HAL/CriticalSection.h"
 #include "Misc/ScopeLock.h"
 #include "Templates/Function.h"
@@ -33,5 +34,5 @@ public:
 
 private:
 	FCriticalSection lock;
-	FBroadcast latest;
+	FBroadcast latest CORVANE_GUARDED_BY(lock);
 };

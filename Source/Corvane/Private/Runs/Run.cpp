@@ -40,7 +40,7 @@ bool FCorvRun::begin()
 		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: Missing Object instance (12)."));
 		return false;
 	}
-	if (corvThread && !corvThread->hasEnded() && !completionPosted)
+	if (isBusy())
 	{
 		return false;
 	}
@@ -57,6 +57,12 @@ bool FCorvRun::begin()
 	FScopeLock Lock(&workerLock);
 	corvThread = MoveTemp(Worker);
 	return true;
+}
+
+bool FCorvRun::isBusy()
+{
+	FScopeLock Lock(&workerLock);
+	return corvThread && !corvThread->hasEnded() && !completionPosted;
 }
 
 void FCorvRun::reset()
@@ -91,9 +97,14 @@ void FCorvRun::stopJobs()
 void FCorvRun::stopWorker()
 {
 	stopJobs();
-	if (corvThread)
+	FCorvThread* Worker = nullptr;
 	{
-		corvThread->waitForEnd();
+		FScopeLock Lock(&workerLock);
+		Worker = corvThread.Get();
+	}
+	if (Worker) // no other thread frees it
+	{
+		Worker->waitForEnd();
 	}
 }
 

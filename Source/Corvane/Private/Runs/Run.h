@@ -95,6 +95,8 @@ public:
 
 private:
 	void reset();
+	/** @return whether the run before has not brought its result yet. */
+	bool isBusy();
 
 	UCorvaneRequestCompleteObject& owner;
 	UCorvaneBPLibrary* corvaneBPLibrary = nullptr; // not owned; lives at least as long as a run
@@ -106,7 +108,7 @@ private:
 
 	// Held while a callback hands over a job: the worker may be neither replaced nor stopped under it.
 	FCriticalSection workerLock;
-	TUniquePtr<FCorvThread> corvThread; // changed on the game thread, under workerLock
+	TUniquePtr<FCorvThread> corvThread CORVANE_GUARDED_BY(workerLock); // changed on the game thread
 
 	std::atomic<int32> statusCode{0}; // 0 = none came
 	std::atomic<int64> announcedSize{-1};

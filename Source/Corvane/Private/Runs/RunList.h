@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CoreMinimal.h"
+#include "Corvane.h"
 #include "HAL/CriticalSection.h"
 #include "Interfaces/IHttpRequest.h"
 #include "Threads/PooledEvent.h"
@@ -53,7 +54,7 @@ private:
 	int64 add(FRun run);
 
 	FCriticalSection lock;
-	TMap<int64, FRun> runs;
-	int64 lastNumber = 0;
+	TMap<int64, FRun> runs CORVANE_GUARDED_BY(lock);
+	int64 lastNumber CORVANE_GUARDED_BY(lock) = 0;
 	FCorvPooledEvent runEnded;
 };

@@ -2,6 +2,7 @@
 
 #include "Containers/Queue.h"
 #include "CoreMinimal.h"
+#include "Corvane.h"
 #include "HAL/CriticalSection.h"
 #include "HAL/Runnable.h"
 #include "HAL/RunnableThread.h"
@@ -81,7 +82,11 @@ protected:
 	virtual void work(JobType& job) = 0;
 
 	/** Carries out what is queued, without a pause, and ends the thread. */
-	void finish() { thread.Reset(); }
+	void finish()
+	{
+		FScopeLock Lock(&threadLock);
+		thread.Reset();
+	}
 
 private:
 	void workOff(uint32 pauseBeforeEach)
@@ -106,5 +111,5 @@ private:
 	FCorvPooledEvent wakeUp;
 	FCorvPooledEvent endRequested; // ends a pause, which a new job must not do
 	FCriticalSection threadLock; // guards the making of the thread, and its work while there is none
-	TUniquePtr<FRunnableThread> thread;
+	TUniquePtr<FRunnableThread> thread CORVANE_GUARDED_BY(threadLock);
 };

@@ -29,10 +29,10 @@ public:
 	TArray<FhttpRequest> unfinished() const;
 
 private:
-	int32 indexOfRunning(const FString& path) const;
-	void removeRunning(const FString& path);
+	int32 indexOfRunning(const FString& path) const CORVANE_REQUIRES(lock);
+	void removeRunning(const FString& path) CORVANE_REQUIRES(lock);
 
 	mutable FCriticalSection lock;
-	TArray<FhttpRequest> running; // the records hold no completion object
-	TArray<FString> blockedFiles; // a path once for each of its repairs
+	TArray<FhttpRequest> running CORVANE_GUARDED_BY(lock); // the records hold no completion object
+	TArray<FString> blockedFiles CORVANE_GUARDED_BY(lock); // a path once for each of its repairs
 };
