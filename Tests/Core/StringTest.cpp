@@ -75,7 +75,7 @@ TEST(Utf8, ReadsWellFormedTextAndReplacesTheRest)
 		{"\x80z", u"\uFFFDz"}, // no beginning
 		{"z\xE2\x82", u"z\uFFFD\uFFFD"}, // no end
 		{"\xE2\x82z", u"\uFFFD\uFFFDz"}, // something else in the middle
-		{"\xC0\xAF", u"\uFFFD\uFFFD"}, // a slash in more bytes than it needs
+		{"\xC0\xAF\xE0\x80\xAF", u"\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD"}, // slashes in more bytes than they need
 		{"\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"}, // half of a pair
 		{"\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"}, // beyond the last character
 		{"\xFF\xFE", u"\uFFFD\uFFFD"},
