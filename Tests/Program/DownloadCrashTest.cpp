@@ -1,8 +1,8 @@
-#include "../Support/Waiting.h" // the script front end has a header of the same name
 #include "ProcessRun.h"
 #include "RandomBytes.h"
 #include "RawServer.h"
 #include "TempDir.h"
+#include "Waiting.h"
 
 #include <atomic>
 #include <gtest/gtest.h>

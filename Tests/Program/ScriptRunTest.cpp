@@ -24,16 +24,6 @@ namespace
 	)lua";
 } // namespace
 
-TEST_F(ScriptRun, GoesOnUntilNothingIsPending)
-{
-	const ProcessRun result = run(startOneRequest + R"lua(
-		target.onhttpRequestCompleteDelegate:Add(function(e) print(e.statusCode, e.dataString) end)
-		print("last line")
-	)lua");
-	EXPECT_EQ(result.status, 0) << result.err;
-	EXPECT_EQ(result.out, "last line\n200\twaited 50 ms\n");
-}
-
 TEST_F(ScriptRun, ErrorsEndItWithStatusOneAndATraceback)
 {
 	const struct
@@ -51,8 +41,7 @@ TEST_F(ScriptRun, ErrorsEndItWithStatusOneAndATraceback)
 	{
 		const ProcessRun result = run(tested.script);
 		EXPECT_EQ(result.status, 1) << tested.script;
-		EXPECT_THAT(result.err, HasSubstr(tested.message));
-		EXPECT_THAT(result.err, ::testing::StartsWith("corvane: "));
+		EXPECT_THAT(result.err, ::testing::ContainsRegex(std::string("^corvane: .*") + tested.message));
 	}
 }
 
@@ -70,37 +59,6 @@ TEST_F(ScriptRun, EverythingBehindTheScriptBelongsToIt)
 	const ProcessRun result = runProgram({"run", "--project", "/usr", script, "--project", "-x", "", "a=b"});
 	EXPECT_EQ(result.status, 0) << result.err;
 	EXPECT_EQ(result.out, "4\t--project\t-x\t\ta=b\n/usr/x\n");
-}
-
-TEST_F(ScriptRun, WrongUsageHasStatusTwo)
-{
-	const std::vector<std::string> commandLines[] = {
-		{"run"}, {"run", "--nope", "script.lua"}, {"run", directory.path("missing.lua")}, {"run", directory.path("")}};
-	for (const std::vector<std::string>& commandLine : commandLines)
-	{
-		EXPECT_EQ(runProgram(commandLine).status, 2) << ::testing::PrintToString(commandLine);
-	}
-}
-
-TEST_F(ScriptRun, FileFunctionsKeepWhatTheirOutputsHeld)
-{
-	directory.write("movie.bin", "abcdef");
-	const std::string script = directory.write("script.lua", R"lua(
-		local files = FileFunctionsCorv
-		local first = files.splitFile{ filePath = "movie.bin", parts = 2 }
-		local both = files.splitFile{ filePath = "movie.bin", parts = 3,
-			absolutePathsOfTheParts = first.absolutePathsOfTheParts, sizeOfTheParts = first.sizeOfTheParts }
-		for _, path in ipairs(both.absolutePathsOfTheParts) do print(path:match("[^/]*$")) end
-		print(table.concat(both.sizeOfTheParts, " "), both.success)
-		print(files.fileToBase64String{ filePath = "missing", fileName = "mine" }.fileName)
-		files.setTimeStamp{ filePath = "movie.bin", DateTime = "2024-02-29T12:34:56.789Z" }
-		print(files.getTimeStamp{ filePath = "movie.bin" }.ReturnValue)
-		print(files.getTimeStamp{ filePath = "missing" }.ReturnValue)
-	)lua");
-	const ProcessRun result = runProgram({"run", "--project", directory.path(), script});
-	EXPECT_EQ(result.status, 0) << result.err;
-	EXPECT_EQ(result.out, "movie_0.bin\nmovie_1.bin\nmovie_0.bin\nmovie_1.bin\nmovie_2.bin\n3 2 2\ttrue\nmine\n"
-						  "2024-02-29T12:34:56.789Z\n0001-01-01T00:00:00.000Z\n");
 }
 
 TEST_F(ScriptRun, NodesEndWithTheProgramAtTheLatest)
@@ -127,16 +85,11 @@ TEST_F(ScriptRun, NodesEndWithTheProgramAtTheLatest)
 TEST_F(ScriptRun, AnEarlyEndLeavesNodesUnderWay)
 {
 	const ProcessRun result = run(R"lua(
-		local outcomes, ended = 0, {}
+		local outcomes = 0
 		for number = 1, 6 do -- the origin has few threads
 			AsyncNodeHttpRequest.AsyncExecuteHTTP_GET_REQUEST{
 				url = arg[1] .. (number > 4 and "/wait/300" or "/hello"),
-				optionalRequestID = tostring(number),
-				OnSuccess = function(e)
-					assert(not ended[e.requestID], "twice")
-					ended[e.requestID] = true
-					outcomes = outcomes + 1
-				end,
+				OnSuccess = function() outcomes = outcomes + 1 end,
 				OnFail = function(e) error("failed with " .. e.statusCode) end,
 			}
 		end

@@ -1,7 +1,7 @@
-#include "../Support/Waiting.h" // the script front end has a header of the same name
 #include "ProcessRun.h"
 #include "RawServer.h"
 #include "TempDir.h"
+#include "Waiting.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>

@@ -9,8 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <string>
-#include <vector>
 
 /** A fresh Lua world per test over default objects that are fresh as well; the loop is the bare task queue. */
 class ScriptFixture : public ::testing::Test
@@ -21,7 +19,7 @@ protected:
 		GameThreadTasks::BindToThisThread();
 		HostObjects::CreateDefaultObjects();
 		USampleLibrary::handlerCalls = 0;
-		renew();
+		script = start();
 	}
 
 	~ScriptFixture() override
@@ -30,9 +28,6 @@ protected:
 		GameThreadTasks::Drop(false);
 		HostObjects::DestroyAll();
 	}
-
-	/** Starts with a fresh script. */
-	void renew() { script = std::make_unique<Script::ScriptState>(Script::LoopAccess{tick, waitFor}); }
 
 	static void tick()
 	{
@@ -44,30 +39,27 @@ protected:
 	{
 		using namespace std::chrono;
 		const auto deadline = steady_clock::now() + duration_cast<steady_clock::duration>(duration<double>(seconds));
-		for (;;)
+		bool holds = false;
+		do
 		{
 			tick();
-			if (condition())
-			{
-				return true;
-			}
-			if (steady_clock::now() >= deadline)
-			{
-				return false;
-			}
-			GameThreadTasks::WaitUntil(std::min(deadline, steady_clock::now() + milliseconds(10)));
-		}
+			holds = condition();
+		} while (!holds && steady_clock::now() < deadline);
+		return holds;
 	}
 
 	/** Runs a script that must succeed; it makes its own assertions. */
 	void runGood(const std::string& text) { EXPECT_TRUE(script->runText(text)) << text << "\n" << script->error(); }
 
-	/** @return the first line of the error that the script must end with. */
+	/** @return the first line of the error that the script must end with; later ones start afresh. */
 	std::string runBad(const std::string& text)
 	{
+		script = start();
 		EXPECT_FALSE(script->runText(text)) << text;
 		return script->error().substr(0, script->error().find('\n'));
 	}
+
+	static std::unique_ptr<Script::ScriptState> start() { return std::make_unique<Script::ScriptState>(Script::LoopAccess{tick, waitFor}); }
 
 	std::unique_ptr<Script::ScriptState> script;
 };

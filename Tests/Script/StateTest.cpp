@@ -1,7 +1,5 @@
 #include "ScriptFixture.h"
-
-#include <cstdio>
-#include <fstream>
+#include "TempDir.h"
 
 using State = ScriptFixture;
 
@@ -17,7 +15,7 @@ TEST_F(State, WaitAndTickLetTasksRun)
 		SampleLibrary.raise{ later = true }
 		assert(wait(function() return calls == 2 end, 10) == true)
 		assert(wait(function() return false end, 0.001) == false)
-		assert(wait(function() return false end, -1) == false and wait(function() return false end, 0/0) == false)
+		assert(wait(function() return false end, 0/0) == false)
 		assert(wait(function() return calls == 2 end, math.huge))
 	)lua");
 }
@@ -25,15 +23,14 @@ TEST_F(State, WaitAndTickLetTasksRun)
 TEST_F(State, WaitAndTickAreErrorsInsideHandlers)
 {
 	runGood(R"lua(
-		local errors = {}
+		local errors = ""
 		SampleLibrary.getTarget().ReturnValue.onSample:Add(function()
-			for _, call in ipairs{ tick, function() wait(function() return true end, 1) end } do
-				table.insert(errors, (select(2, pcall(call))))
+			for _, call in ipairs{ tick, wait } do
+				errors = errors .. select(2, pcall(call, function() return true end, 1))
 			end
 		end)
 		SampleLibrary.raise()
-		assert(errors[1]:find("tick may not be called inside an event handler", 1, true), errors[1])
-		assert(errors[2]:find("wait may not be called inside an event handler", 1, true), errors[2])
+		assert(errors:find("tick may not be called inside an event handler.*wait may not be called inside an event handler"), errors)
 		tick()
 	)lua");
 }
@@ -56,25 +53,24 @@ TEST_F(State, ErrorsCarryPlaceAndTraceback)
 TEST_F(State, SyntaxErrorsAndBytecodeAreErrors)
 {
 	EXPECT_THAT(runBad("local = 5"), ::testing::StartsWith("script:1: "));
-	renew();
 	EXPECT_THAT(runBad("\x1bLua"), ::testing::HasSubstr("attempt to load a binary chunk"));
 }
 
 TEST_F(State, ExitEndsTheScriptWithItsStatus)
 {
-	EXPECT_FALSE(script->runText("os.exit(3) print('must not be reached')"));
+	EXPECT_EQ(runBad("os.exit(3) error('must not be reached')"), "");
 	EXPECT_TRUE(script->hasEnded());
 	EXPECT_EQ(script->exitStatus(), 3);
-	EXPECT_EQ(script->error(), "");
 }
 
 TEST_F(State, ArgumentsReachTheScript)
 {
-	const std::string path = ::testing::TempDir() + "ArgumentsReachTheScript.lua";
-	std::ofstream(path) << "assert(arg[1] == 'one' and arg[2] == '' and #arg == 2 and arg[0]:match('%.lua$'))\n"
-						   "assert(select('#', ...) == 2 and ... == 'one')\n";
+	const TempDir directory;
+	const std::string path = directory.write("arguments.lua", R"lua(
+		assert(arg[1] == 'one' and arg[2] == '' and #arg == 2 and arg[0]:match('%.lua$'))
+		assert(select('#', ...) == 2 and ... == 'one')
+	)lua");
 	EXPECT_TRUE(script->runFile(path, {"one", ""})) << script->error();
-	std::remove(path.c_str());
-	EXPECT_FALSE(script->runFile(path));
+	EXPECT_FALSE(script->runFile(directory.path("missing.lua")));
 	EXPECT_THAT(script->error(), ::testing::HasSubstr("cannot open"));
 }

@@ -9,7 +9,11 @@ namespace Program
 		, event(tappedEvent)
 		, handler(event.Get(&eventOwner)
 					  .AddHandler([this, onEvent = std::move(onEvent)](void* const* arguments)
-						  { onEvent(toJson(event.Signature->Parameters, arguments)); }))
+						  {
+							  JsonSink sink;
+							  Reflect::writeParameters(event.Signature->Parameters, arguments, sink);
+							  onEvent(sink.take());
+						  }))
 	{
 	}
 
