@@ -12,5 +12,4 @@ TEST(NearestName, IsTheOneThatWasMeantOrNone)
 		EXPECT_EQ(Reflect::nearestName(name, names), meant) << name;
 	}
 	EXPECT_EQ(Reflect::suggestion("uri", names), ", did you mean 'url'?");
-	EXPECT_EQ(Reflect::suggestion("header", names), "");
 }

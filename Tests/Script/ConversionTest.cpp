@@ -15,7 +15,13 @@ namespace
 				same(echo{ moment = t }.moment, t)
 			end)",
 		R"(same(echo{ colour = ESampleColour.Green }.colour, 5) same(echo{ colour = "blue" }.colour, 6))",
-		"local t = SampleLibrary.getTarget().ReturnValue same(echo{ object = t }.object, t)",
+		R"(for round = 1, 100 do -- the same object is the same value, also when memory is used again
+				local target = SampleLibrary.getTarget().ReturnValue
+				same(echo{ object = target }.object, target)
+				assert(SampleLibrary.makeObject().ReturnValue ~= target)
+				tick()
+				collectgarbage()
+			end)",
 		R"(same(echo{ texts = { "b", "a" }, numbers = { 1, -2 } }, { texts = { "b", "a" }, numbers = { 1, -2 }, flag = false,
 			small = 0, number = 0, big = 0, ratio = 0.0, text = "", colour = 0, bytes = "", map = {}, counts = {},
 			moment = "0001-01-01T00:00:00.000Z" }))",
@@ -49,8 +55,5 @@ TEST_F(Conversion, KeepsTheValueBothWays)
 		end
 		local echo = SampleLibrary.echo
 	)lua";
-	for (const char* each : cases)
-	{
-		runGood(start + each);
-	}
+	runEach(cases, start);
 }

@@ -90,11 +90,7 @@ public:
 	static void raise(FString text, bool later)
 	{
 		const auto broadcast = [text] { getTarget()->onSample.Broadcast(text, {TEXT("a"), TEXT("b")}, {0, 255}, int64(1) << 40); };
-		if (later)
-		{
-			return AsyncTask(ENamedThreads::GameThread, broadcast);
-		}
-		broadcast();
+		later ? AsyncTask(ENamedThreads::GameThread, broadcast) : broadcast();
 	}
 
 	/** Makes a new object that the library does not hold. */
@@ -109,7 +105,7 @@ public:
 	void countCall(const FString, const TArray<FString>&, const TArray<uint8>&, int64) { ++handlerCalls; }
 };
 
-/** A node that has its outcome one task after it was activated; with a status of 500 and above it destroys itself then. */
+/** A node that has its outcome one task after it was activated; below a status of 200 at once, and above 500 it destroys itself. */
 UCLASS()
 class USampleNode : public UBlueprintAsyncActionBase
 {
@@ -125,51 +121,32 @@ public:
 	UPROPERTY(BlueprintAssignable, Category = "Sample")
 	FSampleNodeDelegate OnFail;
 
-	/** @param immediately  raise the event inside Activate. */
+	/** @param statusCode  102: the outcome does not end it, endLasting does; 410: it has ended inside this call. */
 	UFUNCTION(BlueprintCallable, Category = "Sample", meta = (BlueprintInternalUseOnly = "true"))
-	static USampleNode* startNode(int32 statusCode, FString requestID, bool immediately)
+	static USampleNode* startNode(int32 statusCode, FString requestID)
 	{
 		USampleNode* const node = NewObject<USampleNode>();
 		node->status = statusCode;
 		node->id = requestID;
-		node->isImmediate = immediately;
+		lasting = statusCode == 102 ? node : nullptr;
+		if (statusCode == 410)
+		{
+			node->finish();
+		}
 		return node;
-	}
-
-	/** Makes a node whose outcome does not end it; endLasting does. */
-	UFUNCTION(BlueprintCallable, Category = "Sample", meta = (BlueprintInternalUseOnly = "true"))
-	static USampleNode* startLastingNode()
-	{
-		lasting = startNode(200, "", true);
-		return lasting.Get();
 	}
 
 	UFUNCTION(BlueprintCallable, Category = "Sample")
 	static void endLasting() { lasting.Get()->SetReadyToDestroy(); }
 
-	/** Makes a node that has ended inside this call. */
-	UFUNCTION(BlueprintCallable, Category = "Sample", meta = (BlueprintInternalUseOnly = "true"))
-	static USampleNode* startEndedNode()
-	{
-		USampleNode* const node = startNode(400, "", true);
-		node->finish();
-		return node;
-	}
-
 	virtual void Activate() override
 	{
-		if (isImmediate)
+		if (status < 200)
 		{
 			return finish();
 		}
-		AsyncTask(ENamedThreads::GameThread,
-			[weak = TWeakObjectPtr<USampleNode>(this)]
-			{
-				if (USampleNode* const node = weak.Get())
-				{
-					node->finish();
-				}
-			});
+		AsyncTask(
+			ENamedThreads::GameThread, [weak = TWeakObjectPtr<USampleNode>(this)] { weak.IsValid() ? weak.Get()->finish() : void(); });
 	}
 
 	static inline int32 alive = 0; // nodes that are not freed, the default object not counted
@@ -192,7 +169,6 @@ private:
 
 	int32 status = 0;
 	FString id;
-	bool isImmediate = false;
 };
 
 inline void USampleLibrary::echo(bool&, uint8&, int32&, int64&, float&, FString&, ESampleColour&, USampleLibrary*&, FDateTime&,
