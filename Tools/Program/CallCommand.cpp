@@ -27,7 +27,8 @@ namespace Program
 			const std::optional<size_t> index = frame.findInput(pin);
 			if (!index)
 			{
-				throw Reflect::InputError(fmt::format("{}: unknown pin '{}'{}", function.name, pin, Reflect::suggestion(pin, Reflect::inputNames(*function.function))));
+				throw Reflect::InputError(fmt::format(
+					"{}: unknown pin '{}'{}", function.name, pin, Reflect::suggestion(pin, Reflect::inputNames(*function.function))));
 			}
 			const Json value = parseWord(assignment.substr(equals + 1), frame[*index].type());
 			frame.set(*index, pin, JsonSource(value));

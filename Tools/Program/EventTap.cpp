@@ -8,7 +8,8 @@ namespace Program
 		: owner(&eventOwner)
 		, event(tappedEvent)
 		, handler(event.Get(&eventOwner)
-					  .AddHandler([this, onEvent = std::move(onEvent)](void* const* arguments)
+					  .AddHandler(
+						  [this, onEvent = std::move(onEvent)](void* const* arguments)
 						  {
 							  JsonSink sink;
 							  Reflect::writeParameters(event.Signature->Parameters, arguments, sink);

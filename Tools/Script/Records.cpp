@@ -19,7 +19,8 @@ namespace Script
 		int refuseAccess(lua_State* lua)
 		{
 			const Value& record = UserData<Value>::check(lua, 1);
-			throw Reflect::InputError(fmt::format("records of type {} have no fields that scripts may touch", Reflect::typeName(record.type())));
+			throw Reflect::InputError(
+				fmt::format("records of type {} have no fields that scripts may touch", Reflect::typeName(record.type())));
 		}
 
 		int describe(lua_State* lua)
