@@ -1,6 +1,7 @@
 #include "UploadFixture.h"
 
 #include <algorithm>
+#include <fstream>
 
 std::string Received::header(const std::string& name) const
 {
@@ -73,18 +74,39 @@ TArray<FhttpRequest> UploadTest::post(const std::string& url, const std::string&
 	return requests;
 }
 
-TArray<FhttpRequest> UploadTest::individual(const std::string& url, const std::string& path)
+TArray<FhttpRequest> UploadTest::multi(
+	bool bPost, const std::string& url, const TArray<FString>& paths, const TArray<FString>& ids, const UploadOptions& options)
 {
 	TArray<FhttpRequest> requests;
 	FString id;
-	UCorvaneBPLibrary::CreateHttpRequestIndividual({}, text(url), {{"Content-Type", "text/plain"}}, "PUT", EHTTPCorvIndividualType::STREAM,
-		text(path), "", requests, id, false, false, true, false);
+	const auto absolute = EHTTPCorvFileUpload::E_ad;
+	EXPECT_EQ(bPost ? UCorvaneBPLibrary::CreateHttpRequestFileMultiUploadPOST(
+						  {}, text(url), options.header, absolute, paths, ids, options.fields, "", requests, id)
+					: UCorvaneBPLibrary::CreateHttpRequestFileMultiUploadPUT(
+						  {}, text(url), options.header, absolute, paths, ids, "", requests, id),
+		0);
 	return requests;
 }
 
-std::string UploadTest::tail(size_t size)
+TArray<FhttpRequest> UploadTest::ofEveryKind(const std::string& url, const std::string& path)
 {
-	return "\r\n------UE4CorvanePlugin_" + std::to_string(size) + "--\r\n";
+	TArray<FhttpRequest> requests;
+	FString id;
+	UCorvaneBPLibrary::CreateHttpRequestIndividual(post(url, path), text(url), {{"Content-Type", "text/plain"}}, "PUT",
+		EHTTPCorvIndividualType::STREAM, text(path), "", requests, id, false, false, true, false);
+	for (const Type type : everyType)
+	{
+		requests.Append(put(url, path, type));
+	}
+	return requests;
+}
+
+std::string UploadTest::sparse(const std::string& name, std::uintmax_t size, const std::string& end) const
+{
+	const std::string path = dir.write(name, "");
+	std::filesystem::resize_file(path, size);
+	std::ofstream(path, std::ios::binary | std::ios::app) << end;
+	return path;
 }
 
 std::vector<std::string> UploadTest::files() const

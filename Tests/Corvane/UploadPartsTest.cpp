@@ -1,7 +1,7 @@
+#include "RandomBytes.h"
 #include "UploadFixture.h"
 
 #include <httplib.h>
-#include <random>
 
 namespace
 {
@@ -55,17 +55,8 @@ namespace
 	class UploadParts : public UploadTest
 	{
 	protected:
-		/** Random bytes, with delimiters in between that are none of this upload's. */
-		static std::string content(size_t size)
-		{
-			std::mt19937 random(static_cast<unsigned>(size));
-			std::string bytes(size, '\0');
-			for (char& byte : bytes)
-			{
-				byte = static_cast<char>(random());
-			}
-			return bytes + "\r\n------UE4CorvanePlugin_--\r\n";
-		}
+		/** Random bytes, with a delimiter behind them that is none of this upload's. */
+		static std::string content(size_t size) { return randomBytes(size) + "\r\n------UE4CorvanePlugin_--\r\n"; }
 
 		SavingServer server;
 	};
@@ -73,26 +64,20 @@ namespace
 
 TEST_F(UploadParts, ArriveAsTheyAreOnDisk)
 {
-	const std::string fields[] = {"small", "middle", "large"};
-	TArray<FString> paths;
-	TArray<FString> ids;
-	for (size_t number = 0; number < 3; ++number)
+	TArray<FString> paths, ids;
+	for (const size_t size : {1u, 1024u, 1u << 20})
 	{
-		paths.Add(text(dir.write(fields[number] + " ü;.tar.PNG", content(size_t(1) << (number * 10)))));
-		ids.Add(text(fields[number]));
+		ids.Add(text(std::to_string(size)));
+		paths.Add(text(dir.write(std::to_string(size) + " ü;.tar.PNG", content(size))));
 	}
 	for (const bool bPost : {true, false})
 	{
-		TArray<FhttpRequest> requests;
-		FString id;
-		const auto absolute = EHTTPCorvFileUpload::E_ad;
-		bPost ? UCorvaneBPLibrary::CreateHttpRequestFileMultiUploadPOST(
-					{}, text(server.url()), {}, absolute, paths, ids, {{"text", "value"}}, "", requests, id)
-			  : UCorvaneBPLibrary::CreateHttpRequestFileMultiUploadPUT({}, text(server.url()), {}, absolute, paths, ids, "", requests, id);
-		EXPECT_EQ(run(requests).dataString, bPost ? "saved 4" : "saved 3");
-		for (const std::string& field : fields)
+		const UploadOptions options{"", {}, {{"text", "value"}}};
+		EXPECT_EQ(run(multi(bPost, server.url(), paths, ids, options)).dataString, bPost ? "saved 4" : "saved 3");
+		for (const size_t size : {1u, 1024u, 1u << 20})
 		{
-			EXPECT_TRUE(server.Saved.read(field) == dir.read(field + " ü;.tar.PNG")) << field;
+			const std::string field = std::to_string(size);
+			EXPECT_TRUE(server.Saved.read(field) == content(size)) << field;
 			EXPECT_EQ(server.name(field), field + " ü;.tar.PNG image/png");
 		}
 	}
@@ -105,8 +90,7 @@ TEST_F(UploadParts, OfStreamsArriveAsTheyAreOnDisk)
 	{
 		for (const size_t size : {1u, 1023u, 65536u, 1000000u})
 		{
-			const std::string path = dir.write("a.bin", content(size));
-			EXPECT_EQ(run(put(server.url(), path, type, {"field"})).dataString, "saved 1");
+			EXPECT_EQ(run(put(server.url(), dir.write("a.bin", content(size)), type, {"field"})).dataString, "saved 1");
 			EXPECT_TRUE(server.Saved.read("field") == content(size)) << size;
 			EXPECT_TRUE(dir.read("a.bin") == content(size)) << size;
 			EXPECT_EQ(server.name("field"), "a.bin ") << "its type stands there without a name";
