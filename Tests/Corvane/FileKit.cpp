@@ -1,9 +1,10 @@
 #include "FileKit.h"
 
+#include "ModuleFixture.h"
+
 #include <array>
 #include <csignal>
 #include <cstdio>
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 
 TArray<uint8> toArray(std::string_view bytes)
@@ -29,6 +30,58 @@ std::string outputOf(const std::string& command)
 	}
 	EXPECT_TRUE(pipe && pclose(pipe) == 0) << command;
 	return output;
+}
+
+std::optional<std::string> FileTest::read(const std::string& path, int64 seek)
+{
+	bool success = false;
+	const TArray<uint8> bytes = Files::readBytesFromFile(EKind::E_ad, text(path), seek, success);
+	EXPECT_TRUE(success || bytes.IsEmpty());
+	return success ? std::optional(toBytes(bytes)) : std::nullopt;
+}
+
+std::optional<std::string> FileTest::readText(const std::string& path)
+{
+	bool success = false;
+	FString data = "old";
+	Files::readStringFromFile(EKind::E_ad, text(path), success, data);
+	EXPECT_TRUE(success || data.IsEmpty());
+	return success ? std::optional(utf8(data)) : std::nullopt;
+}
+
+std::optional<std::string> FileTest::md5(const std::string& path)
+{
+	bool success = false;
+	FString digest = "old";
+	Files::getMD5FromFile(EKind::E_ad, text(path), success, digest);
+	EXPECT_TRUE(success || digest.IsEmpty());
+	return success ? std::optional(utf8(digest)) : std::nullopt;
+}
+
+bool FileTest::write(const std::string& path, std::string_view bytes)
+{
+	bool success = false;
+	Files::writeBytesToFile(EKind::E_ad, text(path), toArray(bytes), success);
+	return success;
+}
+
+bool FileTest::writeText(const std::string& path, std::string_view utf8)
+{
+	bool success = false;
+	Files::writeStringToFile(EKind::E_ad, text(utf8), text(path), success);
+	return success;
+}
+
+bool FileTest::add(const std::string& path, std::string_view bytes)
+{
+	bool success = false;
+	Files::addBytesToFile(EKind::E_ad, text(path), toArray(bytes), success);
+	return success;
+}
+
+std::vector<std::string> FileTest::noFiles() const
+{
+	return {dir.path(), dir.path() + "/", dir.path("file/"), dir.path("file/below"), dir.path(std::string(256, 'x')), "/", ""};
 }
 
 FileSizeLimit::FileSizeLimit(unsigned long bytes)

@@ -17,23 +17,13 @@ namespace
 		return page;
 	}
 
-	/** @return the most KiB that this process has had in memory since startOfPeak. */
+	/** @return the most KiB that this process has had in memory since the last call. */
 	long peakMemory()
 	{
-		std::ifstream status("/proc/self/status");
-		std::string word;
-		long kilobytes = 0;
-		while (status >> word && word != "VmHWM:")
-		{
-		}
-		status >> kilobytes;
-		return kilobytes;
-	}
-
-	long startOfPeak()
-	{
+		std::ifstream file("/proc/self/status");
+		const std::string status{std::istreambuf_iterator<char>(file), {}};
 		std::ofstream("/proc/self/clear_refs") << 5;
-		return peakMemory();
+		return std::stol(status.substr(status.find("VmHWM:") + 6));
 	}
 } // namespace
 
@@ -43,27 +33,26 @@ TEST(PageReading, ReadsNameAndSizeOfADriveFile)
 	{
 		const char* what;
 		std::string page;
-		bool readable;
-		const char* name;
+		const char* name; // null = not readable
 		int64 size;
 	};
 	const Case cases[] = {
-		{"exactly enough fields", itemJson(28, "\"level.pak\"", "\"1572864\"]"), true, "level.pak", 1572864},
-		{"one too few", itemJson(27, "\"level.pak\"", ""), false, "", 0},
-		{"hundreds", itemJson(900, "\"a\"", "5000000000"), true, "a", 5000000000},
-		{"empty fields do not count", itemJson(28, "", "\"7\""), false, "", 0},
-		{"a size that is no number", itemJson(30, "\"a\"", "null"), true, "a", 0},
-		{"quotes as entities stay", itemJson(28, "&quot;a&quot;", "1"), true, "&quot;a&quot;", 1},
-		{"another case of the mark", "ITEMJSON:" + itemJson(28, "a", "3").substr(20), true, "a", 3},
-		{"a size below nothing", itemJson(28, "\"a\"", "\"-1\""), false, "", 0},
-		{"no mark", "<html>,,,,,,</html>", false, "", 0},
-		{"nothing", "", false, "", 0},
+		{"exactly enough fields", itemJson(28, "\"level.pak\"", "\"1572864\"]"), "level.pak", 1572864},
+		{"one too few", itemJson(27, "\"level.pak\"", ""), nullptr, 0},
+		{"hundreds", itemJson(900, "\"a\"", "5000000000"), "a", 5000000000},
+		{"empty fields do not count", itemJson(28, "", "\"7\""), nullptr, 0},
+		{"a size that is no number", itemJson(30, "\"a\"", "null"), "a", 0},
+		{"quotes as entities stay", itemJson(28, "&quot;a&quot;", "1"), "&quot;a&quot;", 1},
+		{"another case of the mark", "ITEMJSON:" + itemJson(28, "a", "3").substr(20), "a", 3},
+		{"a size below nothing", itemJson(28, "\"a\"", "\"-1\""), nullptr, 0},
+		{"no mark", "<html>,,,,,,</html>", nullptr, 0},
+		{"nothing", "", nullptr, 0},
 	};
 	for (const Case& c : cases)
 	{
 		const FCorvFileInfo info = CorvaneRules::readFileInfo(text(c.page));
-		EXPECT_EQ(info.bReadable, c.readable) << c.what;
-		EXPECT_EQ(utf8(info.name), c.name) << c.what;
+		EXPECT_EQ(info.bReadable, c.name != nullptr) << c.what;
+		EXPECT_EQ(utf8(info.name), c.name ? c.name : "") << c.what;
 		EXPECT_EQ(info.size, c.size) << c.what;
 	}
 	std::string page = itemJson(28, "\"a\"", "7");
@@ -72,7 +61,8 @@ TEST(PageReading, ReadsNameAndSizeOfADriveFile)
 		page += ",f";
 	}
 	const FString manyFields = text(page);
-	[[maybe_unused]] const long before = startOfPeak();
+	peakMemory();
+	[[maybe_unused]] const long before = peakMemory();
 	EXPECT_EQ(CorvaneRules::readFileInfo(manyFields).size, 7);
 #if !defined(__SANITIZE_THREAD__) && !defined(__SANITIZE_ADDRESS__) // they need memory of their own
 	EXPECT_LT(peakMemory() - before, 300'000) << "fields of no use take memory";
