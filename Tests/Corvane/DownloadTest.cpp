@@ -1,5 +1,6 @@
 #include "Completion/RunningRequests.h"
 #include "DownloadFixture.h"
+#include "Host/Directories.h"
 
 using testing::ElementsAre;
 
@@ -44,18 +45,10 @@ namespace
 			: DownloadFixture(settings())
 		{
 		}
-
-		static const TempDir& project()
-		{
-			static const TempDir directory;
-			return directory;
-		}
-
 		static FGameLoopSettings settings()
 		{
 			FGameLoopSettings settings;
 			settings.http.activityTimeoutSeconds = 0.5;
-			settings.projectDirectory = project().path();
 			return settings;
 		}
 
@@ -137,36 +130,30 @@ TEST_F(Download, LeavesTheWholeFileATruePrefixOrWhatWasThere)
 	}
 }
 
-TEST_F(Download, TellsTextAndLinesButNoBytes)
+TEST_F(Download, TellsTextAndLinesThatCameAndCountsWhatIsOnDisk)
 {
-	RangeOrigin origin(sending(answer(200, "one\r\n\r\ntwo")));
+	setTarget("begin,");
+	RangeOrigin origin(serving("begin,one\r\n\r\ntwo"));
 	const Completion result = fetch({origin.url()});
 	EXPECT_EQ(result.dataString, "one\r\n\r\ntwo");
 	EXPECT_THAT(result.dataArray, ElementsAre("one", "two"));
 	EXPECT_THAT(result.header, testing::Contains("Content-Length: 10"));
+	ASSERT_FALSE(downloads.empty());
+	EXPECT_FLOAT_EQ(downloads.back().size, 16 * 9.536743e-7f);
+	EXPECT_FLOAT_EQ(downloads.back().megaBytesReceived, 16 * 9.536743e-7f);
+	EXPECT_FLOAT_EQ(downloads.back().percentDownload, 100);
 }
 
 TEST_F(Download, IntoTheGameIsReadFromTheProjectsFolder)
 {
-	project().write("Saved/x", "");
+	HostDirectories::Set(dir.path(), "/elsewhere");
 	RangeOrigin origin(serving(content));
 	for (const DownloadKind kind : bothDownloadKinds)
 	{
-		fetch({origin.url(), kind, Action::E_OVERWRITE, "Saved/file", "", {}, 9999, EHTTPCorvFileUpload::E_gd});
-		EXPECT_TRUE(project().read("Saved/file") == content);
-		project().write("Saved/file", "old");
+		setTarget(foreign);
+		fetch({origin.url(), kind, Action::E_OVERWRITE, "target.bin", "", {}, 9999, EHTTPCorvFileUpload::E_gd});
+		EXPECT_TRUE(target() == content);
 	}
-}
-
-TEST_F(Download, CountsWhatIsOnDiskAsProgress)
-{
-	setTarget(prefix);
-	RangeOrigin origin(serving(content));
-	fetch({origin.url()});
-	ASSERT_FALSE(downloads.empty());
-	EXPECT_FLOAT_EQ(downloads.back().size, 5000 * 9.536743e-7f);
-	EXPECT_FLOAT_EQ(downloads.back().megaBytesReceived, 5000 * 9.536743e-7f);
-	EXPECT_FLOAT_EQ(downloads.back().percentDownload, 100);
 }
 
 TEST_F(Download, OfAPartOfOnesOwnChoiceIsWrittenWhereItFollows)
@@ -236,35 +223,27 @@ TEST_F(Download, ThatIsResumedNeverMixesTwoVersions)
 
 TEST_F(Download, IsRefusedByItsBuilder)
 {
-	struct Case
-	{
-		const char* url;
-		std::string path;
-		Action action;
-		ELogVerbosity::Type verbosity;
-		const char* message;
-	};
 	setTarget(foreign);
-	const Case cases[] = {
-		{"abc", noPath, Action::E_RESUME, ELogVerbosity::Error, "%: FilePath not set."},
-		{"abc", dir.path("missing/file"), Action::E_RESUME, ELogVerbosity::Error, "%: Directory does not exist."},
-		{"ab", dir.path("missing/file"), Action::E_RESUME, ELogVerbosity::Error, "%: Directory does not exist."},
+	const std::tuple<const char*, std::string, Action, ELogVerbosity::Type, const char*> cases[] = {
+		{"abc", noPath, Action::E_RESUME, ELogVerbosity::Error, ": FilePath not set."},
+		{"abc", dir.path("missing/file"), Action::E_RESUME, ELogVerbosity::Error, ": Directory does not exist."},
+		{"ab", dir.path("missing/file"), Action::E_RESUME, ELogVerbosity::Error, ": Directory does not exist."},
 		{"ab", targetPath, Action::E_OVERWRITE, ELogVerbosity::Error, "Cancel Request : URL to short."},
-		{"abc", targetPath, Action::E_NOT_OVERWRITE, ELogVerbosity::Warning, "%: File exist. Cancel download."},
+		{"abc", targetPath, Action::E_NOT_OVERWRITE, ELogVerbosity::Warning, ": File exist. Cancel download."},
 	};
 	for (const DownloadKind kind : bothDownloadKinds)
 	{
 		const std::string builder = kind == DownloadKind::Whole ? "CreateHttpRequestGETDownload" : "CreateHttpRequestGETLowRamDownload";
-		for (const Case& c : cases)
+		for (const auto& [url, path, action, verbosity, ending] : cases)
 		{
-			const std::string message = c.message[0] == '%' ? builder + (c.message + 1) : c.message;
+			const std::string message = ending[0] == ':' ? builder + ending : ending;
 			const LogCapture log;
 			completions.clear();
-			EXPECT_EQ(build({c.url, kind, c.action, c.path}, get("http://other")).Num(), 1) << "the other records go on";
+			EXPECT_EQ(build({url, kind, action, path}, get("http://other")).Num(), 1) << "the other records go on";
 			ASSERT_EQ(completions.size(), 1u) << "inside the call";
 			EXPECT_EQ(completions[0].statusCode, 400);
 			EXPECT_EQ(completions[0].requestID.size(), 32u);
-			EXPECT_EQ(log.count("LogTemp", c.verbosity, message), 1) << message;
+			EXPECT_EQ(log.count("LogTemp", verbosity, message), 1) << message;
 		}
 	}
 	EXPECT_TRUE(target() == foreign);

@@ -7,6 +7,18 @@
 #include <cstdio>
 #include <sys/resource.h>
 
+namespace
+{
+	/** @return what a function tells of its success. */
+	template <class Function>
+	bool succeeds(Function function)
+	{
+		bool success = false;
+		function(success);
+		return success;
+	}
+} // namespace
+
 TArray<uint8> toArray(std::string_view bytes)
 {
 	TArray<uint8> array;
@@ -34,49 +46,33 @@ std::string outputOf(const std::string& command)
 
 std::optional<std::string> FileTest::read(const std::string& path, int64 seek)
 {
-	bool success = false;
-	const TArray<uint8> bytes = Files::readBytesFromFile(EKind::E_ad, text(path), seek, success);
-	EXPECT_TRUE(success || bytes.IsEmpty());
-	return success ? std::optional(toBytes(bytes)) : std::nullopt;
+	TArray<uint8> bytes;
+	const bool bRead = succeeds([&](bool& success) { bytes = Files::readBytesFromFile(EKind::E_ad, text(path), seek, success); });
+	EXPECT_TRUE(bRead || bytes.IsEmpty());
+	return bRead ? std::optional(toBytes(bytes)) : std::nullopt;
 }
 
-std::optional<std::string> FileTest::readText(const std::string& path)
+std::optional<std::string> FileTest::textBy(Reader reader, const std::string& path)
 {
-	bool success = false;
-	FString data = "old";
-	Files::readStringFromFile(EKind::E_ad, text(path), success, data);
-	EXPECT_TRUE(success || data.IsEmpty());
-	return success ? std::optional(utf8(data)) : std::nullopt;
-}
-
-std::optional<std::string> FileTest::md5(const std::string& path)
-{
-	bool success = false;
-	FString digest = "old";
-	Files::getMD5FromFile(EKind::E_ad, text(path), success, digest);
-	EXPECT_TRUE(success || digest.IsEmpty());
-	return success ? std::optional(utf8(digest)) : std::nullopt;
+	FString result = "old";
+	const bool bRead = succeeds([&](bool& success) { reader(EKind::E_ad, text(path), success, result); });
+	EXPECT_TRUE(bRead || result.IsEmpty());
+	return bRead ? std::optional(utf8(result)) : std::nullopt;
 }
 
 bool FileTest::write(const std::string& path, std::string_view bytes)
 {
-	bool success = false;
-	Files::writeBytesToFile(EKind::E_ad, text(path), toArray(bytes), success);
-	return success;
+	return succeeds([&](bool& success) { Files::writeBytesToFile(EKind::E_ad, text(path), toArray(bytes), success); });
 }
 
 bool FileTest::writeText(const std::string& path, std::string_view utf8)
 {
-	bool success = false;
-	Files::writeStringToFile(EKind::E_ad, text(utf8), text(path), success);
-	return success;
+	return succeeds([&](bool& success) { Files::writeStringToFile(EKind::E_ad, text(utf8), text(path), success); });
 }
 
 bool FileTest::add(const std::string& path, std::string_view bytes)
 {
-	bool success = false;
-	Files::addBytesToFile(EKind::E_ad, text(path), toArray(bytes), success);
-	return success;
+	return succeeds([&](bool& success) { Files::addBytesToFile(EKind::E_ad, text(path), toArray(bytes), success); });
 }
 
 std::vector<std::string> FileTest::noFiles() const

@@ -21,8 +21,8 @@ class FileTest : public testing::Test
 {
 protected:
 	static std::optional<std::string> read(const std::string& path, int64 seek = 0);
-	static std::optional<std::string> readText(const std::string& path);
-	static std::optional<std::string> md5(const std::string& path);
+	static std::optional<std::string> readText(const std::string& path) { return textBy(Files::readStringFromFile, path); }
+	static std::optional<std::string> md5(const std::string& path) { return textBy(Files::getMD5FromFile, path); }
 	static bool write(const std::string& path, std::string_view bytes);
 	static bool writeText(const std::string& path, std::string_view utf8);
 	static bool add(const std::string& path, std::string_view bytes);
@@ -32,6 +32,10 @@ protected:
 
 	const TempDir dir;
 	const std::string file = dir.write("file", "x");
+
+private:
+	using Reader = void (*)(EKind kind, FString path, bool& success, FString& result);
+	static std::optional<std::string> textBy(Reader reader, const std::string& path);
 };
 
 /**

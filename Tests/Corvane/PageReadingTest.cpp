@@ -69,36 +69,47 @@ TEST(PageReading, ReadsNameAndSizeOfADriveFile)
 #endif
 }
 
-TEST(PageReading, FindsTheTokenOfAConfirmationPage)
+TEST(PageReading, FindsTokenLinkAndSize)
 {
-	const std::pair<std::string, const char*> cases[] = {
-		{"x;confirm=ab12&amp;id=", "ab12"},
-		{"x;CONFIRM=ab12&id=1;confirm=second&", "ab12"},
-		{"x;confirm=&id=1", ""},
-		{"x;confirm=without-end", ""},
-		{"&confirm=ab12&", ""},
-		{"", ""},
-	};
-	for (const auto& [page, token] : cases)
+	const auto token = [](const FString& page) { return CorvaneRules::confirmationToken(page); };
+	const auto link = [](const FString& page) { return CorvaneRules::downloadLink(page); };
+	const auto size = [](const FString& page) { return text(std::to_string(CorvaneRules::shownSize(page))); };
+	const auto shown = [](const std::string& told)
+	{ return R"(<span class="uc-name-size"><a href="x">f.bin</a> )" + told + "</span><span>(9G)</span>"; };
+	struct Case
 	{
-		EXPECT_EQ(utf8(CorvaneRules::confirmationToken(text(page))), token) << page;
-	}
-}
-
-TEST(PageReading, FindsTheLinkOfAFilePage)
-{
-	const std::pair<std::string, const char*> cases[] = {
-		{R"(<a id="download-url" class="b" href="https://cdn.example/f.zip"><img> Download</a> <a href="no"><b>)",
+		FString (*find)(const FString& page);
+		std::string page;
+		const char* found;
+	};
+	const Case cases[] = {
+		{token, "x;confirm=ab12&amp;id=", "ab12"},
+		{token, "x;CONFIRM=ab12&id=1;confirm=second&", "ab12"},
+		{token, "x;confirm=&id=1", ""},
+		{token, "x;confirm=without-end", ""},
+		{token, "&confirm=ab12&", ""},
+		{token, "", ""},
+		{link, R"(<a id="download-url" class="b" href="https://cdn.example/f.zip"><img> Download</a> <a href="no"><b>)",
 			"https://cdn.example/f.zip"},
-		{R"(<a ID="Download-URL" HREF="/f"><IMG></A>)", "/f"},
-		{R"(<a id="download-url" href=""><img></a>)", ""},
-		{R"(<a href="/other"><img></a>)", "/other"}, // without the mark the first link that looks alike
-		{"no markup at all", "no markup at all"},
-		{"", ""},
+		{link, R"(<a ID="Download-URL" HREF="/f"><IMG></A>)", "/f"},
+		{link, R"(<a id="download-url" href=""><img></a>)", ""},
+		{link, R"(<a href="/other"><img></a>)", "/other"}, // without the mark the first link that looks alike
+		{link, "no markup at all", "no markup at all"},
+		{link, "", ""},
+		{size, shown("(350M)"), "367001600"},
+		{size, shown("(1,5G)"), "1610612736"},
+		{size, shown("(1.5 G)"), "1610612736"},
+		{size, shown("(12K)"), "12884901888"}, // whatever is not in M
+		{size, shown("(0M)"), "0"},
+		{size, shown("(-1M)"), "-1048576"},
+		{size, shown("(1e30G)"), "9223372036854775807"},
+		{size, shown("(nonsense)"), "0"},
+		{size, R"(<span class="uc-name-size">(2M))", "0"},
+		{size, "no size", "0"},
 	};
-	for (const auto& [page, link] : cases)
+	for (const Case& c : cases)
 	{
-		EXPECT_EQ(utf8(CorvaneRules::downloadLink(text(page))), link) << page;
+		EXPECT_EQ(utf8(c.find(text(c.page))), c.found) << c.page;
 	}
 	std::string manyQuotes; // taken away one by one from the front, they would keep the HTTP thread for hours
 	for (int number = 0; number < 1'000'000; ++number)
@@ -106,26 +117,4 @@ TEST(PageReading, FindsTheLinkOfAFilePage)
 		manyQuotes += "a\"bcdef";
 	}
 	EXPECT_EQ(CorvaneRules::downloadLink(text(manyQuotes)).Len(), 6'000'000);
-}
-
-TEST(PageReading, ReadsTheSizeThatAPageShows)
-{
-	const auto page = [](const std::string& shown)
-	{ return R"(<span class="uc-name-size"><a href="x">f.bin</a> )" + shown + "</span><span>(9G)</span>"; };
-	const std::pair<std::string, int64> cases[] = {
-		{page("(350M)"), 350 * 1048576},
-		{page("(1,5G)"), 1610612736},
-		{page("(1.5 G)"), 1610612736},
-		{page("(12K)"), 12LL << 30}, // whatever is not in M
-		{page("(0M)"), 0},
-		{page("(-1M)"), -1048576},
-		{page("(1e30G)"), INT64_MAX},
-		{page("(nonsense)"), 0},
-		{R"(<span class="uc-name-size">(2M))", 0},
-		{"no size", 0},
-	};
-	for (const auto& [text8, size] : cases)
-	{
-		EXPECT_EQ(CorvaneRules::shownSize(text(text8)), size) << text8;
-	}
 }

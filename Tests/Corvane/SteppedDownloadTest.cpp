@@ -44,7 +44,6 @@ namespace
 
 	std::vector<SteppedDownload::Fault> SteppedDownload::faults() const
 	{
-		const auto resume = Action::E_RESUME;
 		const auto honest = serving(content, version);
 		const std::string step = content.substr(0, 1001);
 		const std::string second = content.substr(1001, 1001);
@@ -58,44 +57,44 @@ namespace
 			std::filesystem::remove_all(dir.path());
 			honest(connection, request);
 		};
+		const auto anew = [](const char* name, const RangeOrigin::Answer& serve, int32 code, const Target& after,
+							  const char* message = nullptr) {
+			return Fault{name, serve, absent, code, after, Action::E_RESUME, message};
+		};
 		return {
 			{"serves ranges", honest, absent, 206, content},
 			{"serves ranges", honest, content.substr(0, 1700), 206, content},
 			{"serves ranges", honest, "something else", 206, content, Action::E_OVERWRITE},
 			{"serves ranges", honest, absent, 206, content, Action::E_NOT_OVERWRITE},
-			{"serves ranges", honest, content, 500, content, resume, nothingLeft},
-			{"ignores the probe's range", except(0, whole), absent, 500, absent, resume, noRanges},
-			{"knows no total", except(0, part("bytes 0-0/*", "x")), absent, 500, absent, resume, noRanges},
-			{"tells a total of 0", except(0, part("bytes 0-0/0", "x")), absent, 500, absent, resume, noRanges},
-			{"has an empty file", except(0, sending(answer(416, "", "Content-Range: bytes */0\r\n"))), absent, 416, absent, resume,
-				noRanges},
-			{"does not find the file", except(0, sending(answer(404, "page"))), absent, 404, absent, resume, noRanges},
-			{"breaks the probe off", except(0, reset), absent, 500, absent},
-			{"never ends the probe", except(0, endless("206 X\r\nContent-Range: bytes 0-0/2500")), absent, 500, absent, resume, noRanges},
-			{"never ends another answer", except(0, endless("200 OK\r\nConnection: close")), absent, 500, absent, resume, noRanges},
-			{"sends the whole file for the first step", except(1, whole), absent, 500, absent, resume, aborted},
-			{"sends more than the first step", except(1, part("bytes 0-2499/2500", content)), absent, 500, absent, resume, aborted},
-			{"never ends the first step", except(1, endless("206 X\r\nContent-Range: bytes 0-1000/2500")), absent, 500, absent, resume,
-				aborted},
-			{"never ends the last step", except(3, endless("206 X\r\nContent-Range: bytes 2002-2499/2500")), absent, 500, step + second,
-				resume, aborted},
-			{"sends the whole file for the second step", except(2, whole), absent, 500, step, resume, aborted},
-			{"fails in the second step", except(2, sending(answer(503, "busy"))), absent, 503, step, resume, aborted},
-			{"is satisfied in the second step", except(2, sending(answer(416, "", "Content-Range: bytes */2500\r\n"))), absent, 416, step,
-				resume, aborted},
-			{"sends another start", except(2, part("bytes 1000-1999/2500", content.substr(1000, 1000))), absent, 500, step, resume,
-				aborted},
-			{"sends nothing", except(2, part("bytes 1001-1001/2500", "")), absent, 500, step, resume, aborted},
-			{"loses the total", except(2, part("bytes 1001-2001/*", second)), absent, 500, step, resume, aborted},
-			{"loses the range", except(2, sending(answer(206, second, version))), absent, 500, step, resume, aborted},
-			{"has another size", except(2, serving(content + "more", version)), absent, 500, step, resume, aborted},
-			{"has another tag", except(2, serving(other, "ETag: \"two\"\r\nLast-Modified: today\r\n")), absent, 500, step, resume, aborted},
-			{"has another date", except(1, serving(other, "ETag: \"one\"\r\nLast-Modified: now\r\n")), absent, 500, absent, resume,
-				aborted},
-			{"sends a short step", except(2, part("bytes 1001-1100/2500", content.substr(1001, 100))), absent, 206, content},
-			{"breaks a step off", except(2, breakOff), absent, 500, step},
+			{"serves ranges", honest, content, 500, content, Action::E_RESUME, nothingLeft},
+			anew("ignores the probe's range", except(0, whole), 500, absent, noRanges),
+			anew("knows no total", except(0, part("bytes 0-0/*", "x")), 500, absent, noRanges),
+			anew("tells a total of 0", except(0, part("bytes 0-0/0", "x")), 500, absent, noRanges),
+			anew("has an empty file", except(0, sending(answer(416, "", "Content-Range: bytes */0\r\n"))), 416, absent, noRanges),
+			anew("does not find the file", except(0, sending(answer(404, "page"))), 404, absent, noRanges),
+			anew("breaks the probe off", except(0, reset), 500, absent),
+			anew("never ends the probe", except(0, endless("206 X\r\nContent-Range: bytes 0-0/2500")), 500, absent, noRanges),
+			anew("never ends another answer", except(0, endless("200 OK\r\nConnection: close")), 500, absent, noRanges),
+			anew("sends the whole file for the first step", except(1, whole), 500, absent, aborted),
+			anew("sends more than the first step", except(1, part("bytes 0-2499/2500", content)), 500, absent, aborted),
+			anew("never ends the first step", except(1, endless("206 X\r\nContent-Range: bytes 0-1000/2500")), 500, absent, aborted),
+			anew("never ends the last step", except(3, endless("206 X\r\nContent-Range: bytes 2002-2499/2500")), 500, step + second,
+				aborted),
+			anew("sends the whole file for the second step", except(2, whole), 500, step, aborted),
+			anew("fails in the second step", except(2, sending(answer(503, "busy"))), 503, step, aborted),
+			anew("is satisfied in the second step", except(2, sending(answer(416, "", "Content-Range: bytes */2500\r\n"))), 416, step,
+				aborted),
+			anew("sends another start", except(2, part("bytes 1000-1999/2500", content.substr(1000, 1000))), 500, step, aborted),
+			anew("sends nothing", except(2, part("bytes 1001-1001/2500", "")), 500, step, aborted),
+			anew("loses the total", except(2, part("bytes 1001-2001/*", second)), 500, step, aborted),
+			anew("loses the range", except(2, sending(answer(206, second, version))), 500, step, aborted),
+			anew("has another size", except(2, serving(content + "more", version)), 500, step, aborted),
+			anew("has another tag", except(2, serving(other, "ETag: \"two\"\r\nLast-Modified: today\r\n")), 500, step, aborted),
+			anew("has another date", except(1, serving(other, "ETag: \"one\"\r\nLast-Modified: now\r\n")), 500, absent, aborted),
+			anew("sends a short step", except(2, part("bytes 1001-1100/2500", content.substr(1001, 100))), 206, content),
+			anew("breaks a step off", except(2, breakOff), 500, step),
 			// last, because the others need it: the builder of the next step does not find its place any more
-			{"removes the directory", removeDirectory, absent, 500, absent, resume, aborted},
+			anew("removes the directory", removeDirectory, 500, absent, aborted),
 		};
 	}
 } // namespace

@@ -3,6 +3,17 @@
 #include <algorithm>
 #include <fstream>
 
+namespace
+{
+	constexpr auto absolute = EHTTPCorvFileUpload::E_ad;
+
+	TArray<FhttpRequest> checked(int32 result, const TArray<FhttpRequest>& requests, const UploadOptions& options)
+	{
+		EXPECT_EQ(result, requests.Num() == options.others.Num() ? 400 : 0);
+		return requests;
+	}
+} // namespace
+
 std::string Received::header(const std::string& name) const
 {
 	const size_t line = head.find("\r\n" + name + ": ");
@@ -58,20 +69,18 @@ TArray<FhttpRequest> UploadTest::put(const std::string& url, const std::string& 
 {
 	TArray<FhttpRequest> requests;
 	FString id;
-	EXPECT_EQ(UCorvaneBPLibrary::CreateHttpRequestFileUploadPUT({}, text(url), options.header, EHTTPCorvFileUpload::E_ad, text(path),
-				  text(options.fileID), type, text(options.requestID), requests, id),
-		0);
-	return requests;
+	const int32 result = UCorvaneBPLibrary::CreateHttpRequestFileUploadPUT(
+		options.others, text(url), options.header, absolute, text(path), text(options.fileID), type, text(options.requestID), requests, id);
+	return checked(result, requests, options);
 }
 
 TArray<FhttpRequest> UploadTest::post(const std::string& url, const std::string& path, const UploadOptions& options)
 {
 	TArray<FhttpRequest> requests;
 	FString id;
-	EXPECT_EQ(UCorvaneBPLibrary::CreateHttpRequestFileUploadPOST({}, text(url), options.header, EHTTPCorvFileUpload::E_ad, text(path),
-				  text(options.fileID), options.fields, text(options.requestID), requests, id),
-		0);
-	return requests;
+	const int32 result = UCorvaneBPLibrary::CreateHttpRequestFileUploadPOST(options.others, text(url), options.header, absolute, text(path),
+		text(options.fileID), options.fields, text(options.requestID), requests, id);
+	return checked(result, requests, options);
 }
 
 TArray<FhttpRequest> UploadTest::multi(
@@ -79,13 +88,12 @@ TArray<FhttpRequest> UploadTest::multi(
 {
 	TArray<FhttpRequest> requests;
 	FString id;
-	const auto absolute = EHTTPCorvFileUpload::E_ad;
-	EXPECT_EQ(bPost ? UCorvaneBPLibrary::CreateHttpRequestFileMultiUploadPOST(
-						  {}, text(url), options.header, absolute, paths, ids, options.fields, "", requests, id)
-					: UCorvaneBPLibrary::CreateHttpRequestFileMultiUploadPUT(
-						  {}, text(url), options.header, absolute, paths, ids, "", requests, id),
-		0);
-	return requests;
+	const FString requestID = text(options.requestID);
+	const int32 result = bPost ? UCorvaneBPLibrary::CreateHttpRequestFileMultiUploadPOST(options.others, text(url), options.header,
+									 absolute, paths, ids, options.fields, requestID, requests, id)
+							   : UCorvaneBPLibrary::CreateHttpRequestFileMultiUploadPUT(
+									 options.others, text(url), options.header, absolute, paths, ids, requestID, requests, id);
+	return checked(result, requests, options);
 }
 
 TArray<FhttpRequest> UploadTest::ofEveryKind(const std::string& url, const std::string& path)

@@ -50,6 +50,7 @@ struct UploadOptions
 	TMap<FString, FString> header = {};
 	TMap<FString, FString> fields = {};
 	std::string requestID = "";
+	TArray<FhttpRequest> others = {};
 };
 
 /** Uploads of files in a folder of the test's own; repairs do not wait. */
@@ -62,6 +63,7 @@ protected:
 	static constexpr Type everyType[] = {Type::PUT, Type::PUT_STREAM_BLANK, Type::PUT_STREAM_COPY, Type::PUT_STREAM_MP};
 
 	static UCorvaneBPLibrary& library() { return *UCorvaneBPLibrary::getCorvaneTarget(); }
+	// The three hand out the other records and their own, if it was not refused.
 	static TArray<FhttpRequest> put(const std::string& url, const std::string& path, Type type, const UploadOptions& options = {});
 	static TArray<FhttpRequest> post(const std::string& url, const std::string& path, const UploadOptions& options = {});
 

@@ -175,19 +175,6 @@ TEST_F(UploadRepair, WaitsTwoSecondsUnlessToldOtherwise)
 	EXPECT_EQ(dir.read("a.bin"), "x") << "the end of the program does not wait";
 }
 
-TEST_F(UploadRepair, AFileWrittenDuringTheGracePeriodStaysAsItWasWritten)
-{
-	library().setUploadGracePeriod(3600);
-	UploadSink sink;
-	execute(put(sink.url(), dir.write("save.dat", thousand), Type::PUT_STREAM_MP));
-	ASSERT_TRUE(waitForCompletions());
-	EXPECT_EQ(dir.read("save.dat"), thousand + tail(1000));
-	dir.write("save.dat", std::string(5000, 'n'));
-	loop.Shutdown();
-	EXPECT_EQ(dir.read("save.dat"), std::string(5000, 'n'));
-	EXPECT_EQ(failed(), 1);
-}
-
 TEST_F(UploadRepair, ARecordIsUploadedAgainAfterTheRepair)
 {
 	UploadSink sink;

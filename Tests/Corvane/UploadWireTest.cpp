@@ -199,3 +199,26 @@ TEST_F(UploadWire, ProgressIsTheShareOfTheBodyAndRisesWhileBytesAreSent)
 	}
 	EXPECT_TRUE(downloads.empty());
 }
+
+TEST_F(UploadWire, IsRefusedByItsBuilderWithoutAUrlOrAListOfNames)
+{
+	const UploadOptions options{"x", {}, {}, "given", get("http://other")};
+	const auto expectRefusal = [this](const TArray<FhttpRequest>& requests)
+	{
+		EXPECT_EQ(requests.Num(), 1) << "the records so far go on";
+		ASSERT_EQ(completions.size(), 1u) << "inside the call";
+		EXPECT_EQ(completions[0].requestID + std::to_string(completions[0].statusCode), "given400");
+		completions.clear();
+	};
+	expectRefusal(put("ab", "/f", Type::PUT, options));
+	expectRefusal(post("ab", "/f", options));
+	for (const bool bPost : {true, false})
+	{
+		expectRefusal(multi(bPost, "ab", {"/f"}, {}, options));
+		expectRefusal(multi(bPost, "abc", {"/f"}, {}, options));
+		EXPECT_EQ(multi(bPost, "abc", {"/f"}, {""}, options).Num(), 2) << "an empty name is one";
+	}
+	EXPECT_EQ(logged(ELogVerbosity::Error, "Cancel Request : URL to short."), 4);
+	EXPECT_EQ(logged(ELogVerbosity::Error, "Cancel Request : File ID is missing"), 2);
+	EXPECT_EQ(put("abc", "/f", static_cast<Type>(9), options)[1].requestType, EHTTPCorvRequestType::PUT);
+}
