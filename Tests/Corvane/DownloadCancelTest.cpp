@@ -167,7 +167,7 @@ TEST_F(DownloadCancel, FollowedByAnOverwriteAtOnceNeverMixesTheTwo)
 		const Completion& second = completions[completions[0].requestID == "second" ? 0 : 1];
 		// The kept bytes of the first may have come in between the second's overwrite and its start, or its builder's look.
 		const std::string expected = second.statusCode >= 400 ? content.substr(0, 5000) : content;
-		EXPECT_TRUE(target() == expected) << second.statusCode << ", " << describe(target());
+		EXPECT_EQ(describe(target()), describe(expected)) << second.statusCode;
 	}
 }
 
@@ -225,5 +225,5 @@ TEST_F(DownloadCancel, TheEndOfTheProgramKeepsWhatArrived)
 	Pieces server(2);
 	start(server, 2);
 	loop.Shutdown();
-	EXPECT_TRUE(target() == content.substr(0, 10000)) << describe(target());
+	EXPECT_EQ(describe(target()), describe(content.substr(0, 10000)));
 }

@@ -41,7 +41,6 @@ void DownloadFixture::expectOutcome(const Fault& fault, DownloadKind kind)
 	EXPECT_EQ(completions[0].statusCode, fault.statusCode) << name;
 	EXPECT_EQ(completions[0].byteData, "") << name;
 	EXPECT_EQ(describe(target()), describe(fault.after)) << name;
-	EXPECT_TRUE(target() == fault.after) << name << ": other bytes";
 }
 
 void DownloadFixture::setTarget(const Target& content)
@@ -60,5 +59,5 @@ DownloadFixture::Target DownloadFixture::target() const
 
 std::string describe(const std::optional<std::string>& content)
 {
-	return content ? std::to_string(content->size()) + " bytes" : "no file";
+	return content ? std::to_string(content->size()) + " bytes of sum " + std::to_string(std::hash<std::string>()(*content)) : "no file";
 }

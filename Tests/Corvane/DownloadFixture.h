@@ -76,5 +76,5 @@ protected:
 	const std::string targetPath = dir.path("target.bin");
 };
 
-/** For messages: the length of a file's content, or its absence. */
+/** What tells one content of a file from another, in a readable length; or that there is no file. */
 std::string describe(const std::optional<std::string>& content);

@@ -176,7 +176,6 @@ TEST_F(Download, OfAPartOfOnesOwnChoiceIsWrittenWhereItFollows)
 			EXPECT_EQ(run(requests).statusCode, missing == 0 && bFollows ? 206 : 500);
 			const std::string kept = after.substr(0, after.size() - (bFollows ? missing : 0));
 			EXPECT_EQ(describe(target()), describe(kept));
-			EXPECT_TRUE(target() == kept);
 		}
 	}
 }
@@ -215,7 +214,7 @@ TEST_F(Download, ThatIsResumedNeverMixesTwoVersions)
 				fetch({first.url()});
 				EXPECT_TRUE(target() == start);
 				EXPECT_EQ(fetch({next->url(), kind, Action::E_RESUME, "", "", {}, 100000}).statusCode, code);
-				EXPECT_TRUE(target() == result) << describe(target());
+				EXPECT_EQ(describe(target()), describe(result));
 			}
 		}
 	}

@@ -26,11 +26,7 @@ namespace
 TEST_F(FileFunctions, ResolveBothKindsOfPaths)
 {
 	HostDirectories::Set("../Game", "/base/bin");
-	struct Case
-	{
-		const char *path, *game, *absolute;
-	};
-	const Case cases[] = {
+	const std::tuple<const char*, const char*, const char*> cases[] = {
 		{"Content/a.txt", "/base/Game/Content/a.txt", "/base/bin/Content/a.txt"},
 		{"", "/base/Game/", "/base/bin/"},
 		{"/a//b/./c", "/base/Game/a/b/c", "/a/b/c"},
@@ -38,11 +34,11 @@ TEST_F(FileFunctions, ResolveBothKindsOfPaths)
 		{"a\\b/", "/base/Game/a/b/", "/base/bin/a/b/"},
 		{"\u00fc/\u20ac", "/base/Game/\u00fc/\u20ac", "/base/bin/\u00fc/\u20ac"},
 	};
-	for (const Case& c : cases)
+	for (const auto& [path, game, absolute] : cases)
 	{
-		EXPECT_EQ(utf8(Files::getCleanDirectory(EKind::E_gd, text(c.path))), c.game) << c.path;
-		EXPECT_EQ(utf8(Files::getCleanDirectory(EKind::E_ad, text(c.path))), c.absolute) << c.path;
-		EXPECT_EQ(utf8(Files::getFilenameOnDisk(EKind::E_ad, text(c.path))), c.absolute) << c.path;
+		EXPECT_EQ(utf8(Files::getCleanDirectory(EKind::E_gd, text(path))), game) << path;
+		EXPECT_EQ(utf8(Files::getCleanDirectory(EKind::E_ad, text(path))), absolute) << path;
+		EXPECT_EQ(utf8(Files::getFilenameOnDisk(EKind::E_ad, text(path))), absolute) << path;
 	}
 }
 

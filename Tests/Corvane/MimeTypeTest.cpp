@@ -6,25 +6,23 @@
 
 namespace
 {
+	std::string type(const char* extension)
+	{
+		return utf8(UCorvaneBPLibrary::getCorvaneTarget()->getMimeTypeInternal(extension));
+	}
+
+	/** @return the type of a file on disk; "-" = not found. */
+	std::string typeOfFile(const std::string& path)
+	{
+		FString mimeType = "left over";
+		bool success = true;
+		UCorvaneBPLibrary::getMimeTypeByFile(EHTTPCorvFileUpload::E_ad, text(path), mimeType, success);
+		EXPECT_EQ(mimeType.IsEmpty(), !success);
+		return success ? utf8(mimeType) : "-";
+	}
+
 	class MimeTypes : public ModuleFixture
 	{
-	protected:
-		static std::string type(const char* extension)
-		{
-			return utf8(UCorvaneBPLibrary::getCorvaneTarget()->getMimeTypeInternal(extension));
-		}
-
-		/** @return the type of a file on disk; "-" = not found. */
-		static std::string typeOfFile(const std::string& path)
-		{
-			FString mimeType = "left over";
-			bool success = true;
-			UCorvaneBPLibrary::getMimeTypeByFile(EHTTPCorvFileUpload::E_ad, text(path), mimeType, success);
-			EXPECT_EQ(mimeType.IsEmpty(), !success);
-			return success ? utf8(mimeType) : "-";
-		}
-
-		TempDir dir;
 	};
 } // namespace
 
@@ -76,6 +74,7 @@ TEST_F(MimeTypes, TheTellingRowsAreThese)
 
 TEST_F(MimeTypes, AFileMustExistAndBeKnown)
 {
+	const TempDir dir;
 	for (const auto& [name, value] : {std::pair("a.PhP", "#application/x-httpd-php"), {"a.tar", "application/x-tar"}, {"a.GZ", "-"},
 			 {"font.pcf.Z", "-"}, {"png", "-"}, {"png.", "-"}})
 	{

@@ -1,7 +1,6 @@
 #include "ModuleFixture.h"
 #include "NginxServer.h"
 #include "NoThreads.h"
-#include "RandomBytes.h"
 #include "TempDir.h"
 
 #include <cstdlib>
@@ -12,17 +11,8 @@ class Nginx : public ModuleFixture
 {
 protected:
 	TempDir dir;
-	NginxServer server{{dir.path(), "location /moved { return 301 /file.bin; }"}};
+	NginxServer server{{dir.path(), ""}};
 };
-
-TEST_F(Nginx, ServesFilesRedirectsAndErrors)
-{
-	const std::string content = randomBytes(3 << 20);
-	dir.write("file.bin", content);
-	EXPECT_TRUE(run(get(server.url("/moved"))).byteData == content);
-	EXPECT_EQ(run(get(server.url("/missing"))).statusCode, 404);
-	EXPECT_EQ(run(get(server.url("/file.bin"), {{"Range", "bytes=10-19"}})).byteData, content.substr(10, 10));
-}
 
 TEST_F(Nginx, AnswersArriveWhenTheSystemHasNoThreadToGive)
 {

@@ -29,14 +29,8 @@ namespace
 
 TEST(PageReading, ReadsNameAndSizeOfADriveFile)
 {
-	struct Case
-	{
-		const char* what;
-		std::string page;
-		const char* name; // null = not readable
-		int64 size;
-	};
-	const Case cases[] = {
+	const std::tuple<const char*, std::string, const char*, int64> cases[] = {
+		// a name of null = not readable
 		{"exactly enough fields", itemJson(28, "\"level.pak\"", "\"1572864\"]"), "level.pak", 1572864},
 		{"one too few", itemJson(27, "\"level.pak\"", ""), nullptr, 0},
 		{"hundreds", itemJson(900, "\"a\"", "5000000000"), "a", 5000000000},
@@ -48,12 +42,12 @@ TEST(PageReading, ReadsNameAndSizeOfADriveFile)
 		{"no mark", "<html>,,,,,,</html>", nullptr, 0},
 		{"nothing", "", nullptr, 0},
 	};
-	for (const Case& c : cases)
+	for (const auto& [what, content, name, size] : cases)
 	{
-		const FCorvFileInfo info = CorvaneRules::readFileInfo(text(c.page));
-		EXPECT_EQ(info.bReadable, c.name != nullptr) << c.what;
-		EXPECT_EQ(utf8(info.name), c.name ? c.name : "") << c.what;
-		EXPECT_EQ(info.size, c.size) << c.what;
+		const FCorvFileInfo info = CorvaneRules::readFileInfo(text(content));
+		EXPECT_EQ(info.bReadable, name != nullptr) << what;
+		EXPECT_EQ(utf8(info.name), name ? name : "") << what;
+		EXPECT_EQ(info.size, size) << what;
 	}
 	std::string page = itemJson(28, "\"a\"", "7");
 	for (int field = 0; field < 10'000'000; ++field)
@@ -76,13 +70,7 @@ TEST(PageReading, FindsTokenLinkAndSize)
 	const auto size = [](const FString& page) { return text(std::to_string(CorvaneRules::shownSize(page))); };
 	const auto shown = [](const std::string& told)
 	{ return R"(<span class="uc-name-size"><a href="x">f.bin</a> )" + told + "</span><span>(9G)</span>"; };
-	struct Case
-	{
-		FString (*find)(const FString& page);
-		std::string page;
-		const char* found;
-	};
-	const Case cases[] = {
+	const std::tuple<FString (*)(const FString& page), std::string, const char*> cases[] = {
 		{token, "x;confirm=ab12&amp;id=", "ab12"},
 		{token, "x;CONFIRM=ab12&id=1;confirm=second&", "ab12"},
 		{token, "x;confirm=&id=1", ""},
@@ -107,9 +95,9 @@ TEST(PageReading, FindsTokenLinkAndSize)
 		{size, R"(<span class="uc-name-size">(2M))", "0"},
 		{size, "no size", "0"},
 	};
-	for (const Case& c : cases)
+	for (const auto& [find, page, found] : cases)
 	{
-		EXPECT_EQ(utf8(c.find(text(c.page))), c.found) << c.page;
+		EXPECT_EQ(utf8(find(text(page))), found) << page;
 	}
 	std::string manyQuotes; // taken away one by one from the front, they would keep the HTTP thread for hours
 	for (int number = 0; number < 1'000'000; ++number)

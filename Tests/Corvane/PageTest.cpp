@@ -176,14 +176,7 @@ TEST_F(Pages, AFilePageLeadsToItsFileOrToOneClearFailure)
 {
 	RawServer file(serving("the file"));
 	const std::string tooLarge = std::string(4 << 20, '<') + link(file.url("/f"));
-	struct Case
-	{
-		const char* name;
-		std::string page;
-		int32 statusCode;
-		std::string body;
-	};
-	const Case cases[] = {
+	const std::tuple<const char*, std::string, int32, std::string> cases[] = {
 		{"a link", link(file.url("/f")), 200, "the file"},
 		{"a page of megabytes", std::string(3 << 20, '<') + link(file.url("/f")), 200, "the file"},
 		{"what is too large for a page", tooLarge, 200, tooLarge},
@@ -195,14 +188,13 @@ TEST_F(Pages, AFilePageLeadsToItsFileOrToOneClearFailure)
 		{"two letters", "hi", 500, ""},
 		{"no page", "", 200, ""},
 	};
-	for (const Case& c : cases)
+	for (const auto& [name, content, code, body] : cases)
 	{
-		RawServer page(serving(c.page));
+		RawServer page(serving(content));
 		const Completion result = run(filePage(page.url()));
-		EXPECT_EQ(result.statusCode, c.statusCode) << c.name;
-		EXPECT_TRUE(result.byteData == c.body) << c.name;
-		EXPECT_EQ(result.requestID, "id") << c.name;
-		EXPECT_EQ(page.requests().size(), 1u) << c.name;
+		EXPECT_EQ(result.requestID + std::to_string(result.statusCode), "id" + std::to_string(code)) << name;
+		EXPECT_TRUE(result.byteData == body) << name;
+		EXPECT_EQ(page.requests().size(), 1u) << name;
 	}
 }
 

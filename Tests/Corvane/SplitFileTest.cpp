@@ -128,22 +128,9 @@ TEST_F(SplitFile, StopsAtThePartThatCannotBeWritten)
 	EXPECT_EQ(dir.read("film_0.bin") + dir.read("film_1.bin") + dir.read("film.bin"), "abprotectedabcdef");
 	EXPECT_FALSE(dir.exists("film_2.bin"));
 
-	std::filesystem::resize_file(path, 4'400'000'000); // a part may be larger than an array; writing one would take too long here
 	std::filesystem::remove(dir.path("film_0.bin"));
 	std::filesystem::create_symlink("/dev/full", dir.path("film_0.bin"));
+	EXPECT_EQ(split(path, 2), "no film_0.bin 3");
+	std::filesystem::resize_file(path, 4'400'000'000); // a part may be larger than an array; writing one would take too long here
 	EXPECT_EQ(split(path, 2), "no film_0.bin 2200000000");
-}
-
-TEST_F(SplitFile, AFullDiskIsAFailure)
-{
-	const std::string bytes = randomBytes(3002);
-	const std::string path = dir.write("film.bin", bytes);
-	std::string told;
-	{
-		const FileSizeLimit limit(1000); // enough for all parts but the last
-		told = split(path, 3);
-	}
-	EXPECT_EQ(told, "no film_0.bin film_1.bin film_2.bin 1000 1000");
-	EXPECT_TRUE(dir.read("film_0.bin") + dir.read("film_1.bin") == bytes.substr(0, 2000));
-	EXPECT_TRUE(dir.read("film.bin") == bytes);
 }

@@ -114,12 +114,7 @@ TEST_F(SteppedDownload, LeavesTheWholeFileOrWholeSteps)
 
 TEST_F(SteppedDownload, AsksForStepsOfOneByteMoreThanTheirSize)
 {
-	struct Case
-	{
-		size_t size, before;
-		std::vector<std::string> ranges;
-	};
-	const Case cases[] = {
+	const std::tuple<size_t, size_t, std::vector<std::string>> cases[] = {
 		{1, 0, {"bytes=0-0", "bytes=0-1000"}},
 		{1000, 0, {"bytes=0-0", "bytes=0-1000"}},
 		{1001, 0, {"bytes=0-0", "bytes=0-1000"}},
@@ -130,14 +125,14 @@ TEST_F(SteppedDownload, AsksForStepsOfOneByteMoreThanTheirSize)
 		{300, 100, {"bytes=0-0", "bytes=100-"}},
 		{2500, 1000, {"bytes=0-0", "bytes=1000-2000", "bytes=2001-"}},
 	};
-	for (const Case& c : cases)
+	for (const auto& [size, before, ranges] : cases)
 	{
-		const std::string file = patternedBytes(c.size);
-		setTarget(c.before > 0 ? std::optional(file.substr(0, c.before)) : absent);
+		const std::string file = patternedBytes(size);
+		setTarget(before > 0 ? std::optional(file.substr(0, before)) : absent);
 		RangeOrigin origin(serving(file));
-		EXPECT_EQ(fetch({origin.url(), DownloadKind::Stepped}).statusCode, 206) << c.size;
-		EXPECT_TRUE(target() == file) << c.size;
-		EXPECT_EQ(origin.ranges(), c.ranges) << c.size;
+		EXPECT_EQ(fetch({origin.url(), DownloadKind::Stepped}).statusCode, 206) << size;
+		EXPECT_TRUE(target() == file) << size;
+		EXPECT_EQ(origin.ranges(), ranges) << size;
 	}
 }
 

@@ -20,11 +20,6 @@ namespace
 	class UploadFault : public UploadTest
 	{
 	protected:
-		explicit UploadFault(FGameLoopSettings settings = {})
-			: UploadTest(settings)
-		{
-		}
-
 		/** Runs an upload that must be refused: 400 once, nothing sent, nothing kept. */
 		void expectRefusal(const std::string& path, Type type)
 		{
@@ -70,11 +65,11 @@ namespace
 	};
 
 	/** Where a peer may be silent for a short while only. */
-	class UploadToBadServer : public UploadFault
+	class UploadToBadServer : public UploadTest
 	{
 	protected:
 		UploadToBadServer()
-			: UploadFault(settings())
+			: UploadTest(settings())
 		{
 		}
 		static FGameLoopSettings settings()
@@ -325,35 +320,29 @@ TEST_F(UploadFault, WhatAFileBecomesDuringItsUploadIsKept)
 {
 	const std::string content(8 << 20, 'x'); // more than sockets take before the other end reads
 	const std::string longer(9 << 20, 'n');
-	struct Case
-	{
-		const char* name;
-		std::function<void(const std::string& path)> change;
-		int statusCode;
-		std::string after;
-		int failed; // truncations that the log tells of
-	};
 	const auto append = [](const std::string& path) { std::ofstream(path, std::ios::app) << "more"; };
 	const auto rewrite = [](const std::string& path) { std::ofstream(path) << "new"; };
 	const auto overwrite = [&](const std::string& path) { std::ofstream(path, std::ios::in | std::ios::out) << longer; };
-	const Case cases[] = {
-		{"grows", append, 200, content + tail(content.size()) + "more", 1},
-		{"shrinks", rewrite, 500, "new", 2},
-		{"is rewritten", overwrite, 200, longer, 3},
-		{"goes", [](const std::string& path) { fs::remove(path); }, 200, "", 3},
+	const auto remove = [](const std::string& path) { fs::remove(path); };
+	// What is done to the file, what the upload tells, what is there afterwards, and how often the log has told of a failed repair.
+	const std::tuple<std::function<void(const std::string& path)>, int, std::string, int> cases[] = {
+		{append, 200, content + tail(content.size()) + "more", 1},
+		{rewrite, 500, "new", 2},
+		{overwrite, 200, longer, 3},
+		{remove, 200, "", 3},
 	};
-	for (const Case& c : cases)
+	for (const auto& [change, code, after, failed] : cases)
 	{
 		Gate gate;
 		UploadSink slow(&gate);
 		const std::string path = dir.write("a.bin", content);
 		execute(put(slow.url(), path, Type::PUT_STREAM_MP));
-		c.change(path);
+		change(path);
 		gate.open();
 		drain();
-		EXPECT_EQ(completions.back().statusCode, c.statusCode) << c.name;
-		EXPECT_EQ(logged(ELogVerbosity::Display, "UCorvaneBPLibrary: truncate fail: " + path), c.failed) << c.name;
-		EXPECT_TRUE((dir.exists("a.bin") ? dir.read("a.bin") : "") == c.after) << c.name;
+		EXPECT_EQ(completions.back().statusCode, code) << failed;
+		EXPECT_EQ(logged(ELogVerbosity::Display, "UCorvaneBPLibrary: truncate fail: " + path), failed);
+		EXPECT_TRUE((dir.exists("a.bin") ? dir.read("a.bin") : "") == after) << failed;
 	}
 	EXPECT_EQ(completions.size(), 4u);
 	EXPECT_FALSE(dir.exists("a.bin"));
@@ -364,30 +353,12 @@ TEST_F(UploadFault, WhatAFileBecomesDuringItsUploadIsKept)
 TEST_F(UploadToBadServer, LeavesNoTraceOnDiskAndTellsWhatItWasAnswered)
 {
 	const std::string large(8 << 20, 'x');
-	struct Case
-	{
-		const char* name;
-		RawServer::Script script;
-		int statusCode;
-		std::string dataString;
-	};
-	const Case cases[] = {
+	Gate never;
+	const std::tuple<const char*, RawServer::Script, int, const char*> cases[] = {
 		{"refuses early", refusing(answer(413, "too large", "Connection: close\r\n")), 413, "too large"},
 		{"breaks its refusal off", refusing(answer(413, "too large", "Connection: close\r\n"), 6), 413, "too"},
-		{"closes in the middle",
-			[](Connection& connection)
-			{
-				connection.readHead();
-				connection.read(1000);
-			},
-			500, "No Response"},
-		{"never reads",
-			[](Connection& connection)
-			{
-				Gate never;
-				connection.waitFor(never);
-			},
-			500, "No Response"},
+		{"closes in the middle", [](Connection& connection) { connection.read(1000); }, 500, "No Response"},
+		{"never reads", [&never](Connection& connection) { connection.waitFor(never); }, 500, "No Response"},
 		{"reads all and never answers", [](Connection& connection) { connection.waitForPeer(); }, 500, "No Response"},
 		{"fails expectations",
 			[](Connection& connection)
@@ -398,20 +369,20 @@ TEST_F(UploadToBadServer, LeavesNoTraceOnDiskAndTellsWhatItWasAnswered)
 			},
 			202, "fine"},
 	};
-	for (const Case& c : cases)
+	for (const auto& [name, script, code, told] : cases)
 	{
-		RawServer server(c.script);
+		RawServer server(script);
 		completions.clear();
 		for (const Type type : everyType)
 		{
 			execute(put(server.url(), dir.write(std::to_string(static_cast<int>(type)), large), type));
 		}
 		drain();
-		EXPECT_EQ(completions.size(), 4u) << c.name;
-		EXPECT_THAT(completions, Each(testing::Field(&Completion::statusCode, c.statusCode))) << c.name;
-		EXPECT_THAT(completions, Each(testing::Field(&Completion::dataString, c.dataString))) << c.name;
-		EXPECT_THAT(files(), ElementsAre("0", "1", "2", "3")) << c.name;
-		EXPECT_TRUE(dir.read(std::to_string(static_cast<int>(Type::PUT_STREAM_MP))) == large) << c.name;
+		EXPECT_EQ(completions.size(), 4u) << name;
+		EXPECT_THAT(completions, Each(testing::Field(&Completion::statusCode, code))) << name;
+		EXPECT_THAT(completions, Each(testing::Field(&Completion::dataString, told))) << name;
+		EXPECT_THAT(files(), ElementsAre("0", "1", "2", "3")) << name;
+		EXPECT_TRUE(dir.read(std::to_string(static_cast<int>(Type::PUT_STREAM_MP))) == large) << name;
 	}
 }
 

@@ -21,14 +21,6 @@ std::string Received::header(const std::string& name) const
 	return line == head.npos ? "" : head.substr(begin, head.find("\r\n", begin) - begin);
 }
 
-std::string Received::token() const
-{
-	const std::string type = header("Content-Type");
-	const std::string before = "multipart/form-data; boundary=----";
-	EXPECT_EQ(type.substr(0, before.size()), before);
-	return type.substr(std::min(before.size(), type.size()));
-}
-
 UploadSink::UploadSink(Gate* gate)
 	: Server([this, gate](Connection& connection) { serve(connection, gate); })
 {
@@ -126,16 +118,4 @@ std::vector<std::string> UploadTest::files() const
 	}
 	std::sort(names.begin(), names.end());
 	return names;
-}
-
-std::string UploadTest::copyPath() const
-{
-	for (const std::string& name : files())
-	{
-		if (name.find("_UEUploadCopy_") != name.npos)
-		{
-			return dir.path(name);
-		}
-	}
-	return "";
 }

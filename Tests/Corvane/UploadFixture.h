@@ -15,8 +15,6 @@ struct Received
 
 	/** The value of a header; empty when absent. */
 	std::string header(const std::string& name) const;
-	/** What stands behind "----" in the boundary parameter. */
-	std::string token() const;
 };
 
 /** An origin that reads bodies of the announced length, keeps them and answers 200. */
@@ -81,8 +79,6 @@ protected:
 	std::string sparse(const std::string& name, std::uintmax_t size, const std::string& end = "") const;
 	/** @return the names of all files in the folder, in order. */
 	std::vector<std::string> files() const;
-	/** @return the path of the one copy in the folder; empty when there is none. */
-	std::string copyPath() const;
 	int logged(ELogVerbosity::Type verbosity, const std::string& part) const { return log.count("LogTemp", verbosity, part); }
 
 	static constexpr const char* stillOpen =
