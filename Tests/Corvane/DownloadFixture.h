@@ -53,8 +53,7 @@ protected:
 		const char* message = nullptr;
 	};
 
-	DownloadFixture() = default;
-	explicit DownloadFixture(FGameLoopSettings settings)
+	explicit DownloadFixture(FGameLoopSettings settings = {})
 		: ModuleFixture(settings)
 	{
 	}

@@ -2,10 +2,12 @@
 
 #include "ModuleFixture.h"
 
+#include <algorithm>
 #include <array>
 #include <csignal>
 #include <cstdio>
 #include <sys/resource.h>
+#include <utility>
 
 namespace
 {
@@ -16,6 +18,16 @@ namespace
 		bool success = false;
 		function(success);
 		return success;
+	}
+
+	/** @return the limit before. */
+	rlim_t setLimit(rlim_t bytes)
+	{
+		rlimit limit{};
+		getrlimit(RLIMIT_FSIZE, &limit);
+		const rlim_t before = std::exchange(limit.rlim_cur, std::min(bytes, limit.rlim_max));
+		setrlimit(RLIMIT_FSIZE, &limit);
+		return before;
 	}
 } // namespace
 
@@ -80,21 +92,14 @@ std::vector<std::string> FileTest::noFiles() const
 	return {dir.path(), dir.path() + "/", dir.path("file/"), dir.path("file/below"), dir.path(std::string(256, 'x')), "/", ""};
 }
 
-FileSizeLimit::FileSizeLimit(unsigned long bytes)
-	: handlerBefore(std::signal(SIGXFSZ, SIG_IGN))
+FileSizeLimit::FileSizeLimit(unsigned long bytes, bool bForOneWrite)
+	: handlerBefore(std::signal(SIGXFSZ, bForOneWrite ? [](int) { setLimit(RLIM_INFINITY); } : SIG_IGN))
+	, limitBefore(setLimit(bytes))
 {
-	rlimit limit{};
-	getrlimit(RLIMIT_FSIZE, &limit);
-	limitBefore = limit.rlim_cur;
-	limit.rlim_cur = bytes;
-	setrlimit(RLIMIT_FSIZE, &limit);
 }
 
 FileSizeLimit::~FileSizeLimit()
 {
-	rlimit limit{};
-	getrlimit(RLIMIT_FSIZE, &limit);
-	limit.rlim_cur = limitBefore;
-	setrlimit(RLIMIT_FSIZE, &limit);
+	setLimit(limitBefore);
 	std::signal(SIGXFSZ, handlerBefore);
 }

