@@ -332,35 +332,37 @@ TEST_F(UploadToBadServer, LeavesNoTraceOnDiskAndTellsWhatItWasAnswered)
 {
 	const std::string large(8 << 20, 'x');
 	Gate never;
-	const std::tuple<const char*, RawServer::Script, int, const char*> cases[] = {
-		{"refuses early", refusing(answer(413, "too large", "Connection: close\r\n")), 413, "too large"},
-		{"breaks its refusal off", refusing(answer(413, "too large", "Connection: close\r\n"), 6), 413, "too"},
-		{"closes in the middle", [](Connection& connection) { connection.read(1000); }, 500, "No Response"},
-		{"never reads", [&never](Connection& connection) { connection.waitFor(never); }, 500, "No Response"},
-		{"reads all and never answers", [](Connection& connection) { connection.waitForPeer(); }, 500, "No Response"},
-		{"fails expectations",
-			[](Connection& connection)
+	const std::pair<RawServer::Script, const char*> cases[] = {
+		{refusing(answer(413, "too large", "Connection: close\r\n")), "413 too large"},
+		{refusing(answer(413, "too large", "Connection: close\r\n"), 6), "413 too"},
+		{[](Connection& connection) { connection.read(1000); }, "500 No Response"},
+		{[&never](Connection& connection) { connection.waitFor(never); }, "500 No Response"},
+		{[](Connection& connection) { connection.waitForPeer(); }, "500 No Response"},
+		{[](Connection& connection)
 			{
 				const std::string head = connection.readHead();
 				connection.send(answer(head.find("Expect") == head.npos ? 202 : 417, "fine", "Connection: close\r\n"));
 				connection.waitForPeer();
 			},
-			202, "fine"},
+			"202 fine"},
 	};
-	for (const auto& [name, script, code, told] : cases)
+	for (const auto& [script, told] : cases)
 	{
 		RawServer server(script);
 		completions.clear();
 		for (const Type type : everyType)
 		{
-			execute(put(server.url(), dir.write(std::to_string(static_cast<int>(type)), large), type));
+			execute(put(server.url(), dir.write(std::to_string(static_cast<int>(type)) + ".bin", large), type));
 		}
 		drain();
-		EXPECT_EQ(completions.size(), 4u) << name;
-		EXPECT_THAT(completions, Each(testing::Field(&Completion::statusCode, code))) << name;
-		EXPECT_THAT(completions, Each(testing::Field(&Completion::dataString, told))) << name;
-		EXPECT_THAT(files(), ElementsAre("0", "1", "2", "3")) << name;
-		EXPECT_TRUE(dir.read(std::to_string(static_cast<int>(Type::PUT_STREAM_MP))) == large) << name;
+		std::vector<std::string> results;
+		for (const Completion& completion : completions)
+		{
+			results.push_back(std::to_string(completion.statusCode) + " " + completion.dataString);
+		}
+		EXPECT_THAT(results, ElementsAre(told, told, told, told));
+		EXPECT_THAT(files(), ElementsAre("0.bin", "1.bin", "2.bin", "3.bin")) << told;
+		EXPECT_TRUE(dir.read(std::to_string(static_cast<int>(Type::PUT_STREAM_MP)) + ".bin") == large) << told;
 	}
 }
 
