@@ -1,4 +1,5 @@
 #include "DownloadFixture.h"
+#include "HttpModule.h"
 
 namespace
 {
@@ -134,18 +135,25 @@ TEST_F(DownloadCancel, MayBeFollowedByANewStartInItsOwnEvent)
 
 TEST_F(DownloadCancel, OfASteppedOneOutlivesASecondStartOfItsRecord)
 {
-	Gate gate;
-	RangeOrigin origin(
-		[&gate](Connection& connection, const RangeRequest& request)
+	Gate held, goOn;
+	RangeOrigin origin([](Connection& connection, const RangeRequest& request) { connection.send(rangedAnswer(content, request)); });
+	const FHttpRequestPtr other = FHttpModule::Get().CreateRequest(); // holds the HTTP thread, so that the cancel takes its time
+	other->SetURL(text(origin.url()));
+	FHttpRequestStreamDelegateV2 bytes;
+	bytes.BindLambda(
+		[&](void*, int64&)
 		{
-			connection.waitFor(gate);
-			connection.send(rangedAnswer(content, request));
+			held.open();
+			goOn.wait({});
 		});
+	other->SetResponseBodyReceiveStreamDelegateV2(MoveTemp(bytes));
+	other->ProcessRequest();
+	waitFor([&] { return held.isOpen(); });
 	const TArray<FhttpRequest> requests = build({origin.url(), DownloadKind::Stepped, Action::E_RESUME, "", "id", {}, 20000});
 	execute(requests);
 	UCorvaneBPLibrary::cancelRequest("id");
 	execute(requests); // refused, and no reason to go on
-	gate.open();
+	goOn.open();
 	drain();
 	expectOneFailure();
 	EXPECT_EQ(target(), std::nullopt);

@@ -39,7 +39,7 @@ TEST(DownloadCrash, AProgramKilledAtAnyMomentLeavesATruePrefixThatAResumeFinishe
 {
 	const TempDir directory;
 	const std::string run = directory.write("download.lua", script);
-	const std::string content = randomBytes(200000);
+	const std::string content = randomBytes(1000000); // so many steps that none of these moments comes too late
 	std::atomic<int> served = 0;
 	RawServer server(servingParts(content, served));
 	for (int steps = 1; steps <= 19; steps += 3)
