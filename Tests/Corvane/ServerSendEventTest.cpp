@@ -1,16 +1,31 @@
+#include "Calls.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"
-#include "RawServer.h"
-
-#include <gmock/gmock.h>
-
-using testing::AllOf;
-using testing::ElementsAre;
-using testing::Field;
+#include "ServerKit.h"
 
 namespace
 {
-	constexpr const char* streamHead = "HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\nConnection: close\r\n\r\n";
+	const std::string streamHead = "HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\nConnection: close\r\n\r\n";
+
+	/** A stream of two pieces, or of one. */
+	struct Stream
+	{
+		const char* name;
+		std::string first, second; // bytes
+		std::string events; // with a bar between them
+		std::string result;
+		bool bStaysOpen = false;
+	};
+
+	const Stream streams[] = {
+		{"two events", streamHead + "data: one\n\n", "data: two\n\n", "data: one\n\n|data: two\n\n", "200 data: one\n\ndata: two\n\n"},
+		{"cut in a character", streamHead + "caf\xC3", "\xA9!", "caf\uFFFD|\uFFFD!", "200 caf\u00e9!"},
+		{"a redirect", answer(302, "data: a body longer than that of the target\n\n", "Location: /target\r\n"),
+			answer(200, "data: target\n\n"), "data: target\n\n", "200 data: target\n\n"},
+		{"falls silent", streamHead + "data: one\n\n", "", "data: one\n\n", "500 No Response", true},
+		{"a refusal", answer(429, "slow down"), "", "slow down", "429 slow down"},
+		{"a refusal that breaks off", "HTTP/1.1 429 X\r\nContent-Length: 9\r\n\r\nslow dow", "", "slow dow", "429 slow dow"},
+	};
 
 	class ServerSendEvents : public ModuleFixture
 	{
@@ -29,113 +44,73 @@ namespace
 
 		bool waitForPieces(size_t number)
 		{
-			return loop.WaitFor([this, number] { return serverSendEvents.size() >= number; }, patienceSeconds);
+			return until([this, number] { return serverSendEvents.size() >= number; });
 		}
 
-		void expectOneCompletion(int32 statusCode, const std::string& dataString)
+		/** @return the pieces that have come since the last call. */
+		std::string takePieces(const char* between = "")
 		{
-			ASSERT_EQ(completions.size(), 1u);
-			EXPECT_EQ(completions[0].statusCode, statusCode);
-			EXPECT_EQ(completions[0].dataString, dataString);
+			std::string all;
+			for (const ServerSendEvent& event : std::exchange(serverSendEvents, {}))
+			{
+				EXPECT_EQ(event.requestID, "sse");
+				all += (all.empty() ? "" : between) + event.response;
+			}
+			return all;
 		}
+
+		LogCapture log;
 	};
 } // namespace
 
 TEST_F(ServerSendEvents, ComeInPiecesAndWithoutProgress)
 {
-	Gate first, second;
-	RawServer origin(
-		[&](Connection& connection)
-		{
-			connection.readHead();
-			connection.send(std::string(streamHead) + "data: one\n\n");
-			connection.waitFor(first);
-			connection.send("data: two\n\n");
-			connection.waitFor(second);
-		});
-	execute(get(origin.url(), {}, "sse", true));
-	ASSERT_TRUE(waitForPieces(1));
-	first.open();
-	ASSERT_TRUE(waitForPieces(2));
-	second.open();
-	drain();
-	EXPECT_THAT(
-		serverSendEvents, ElementsAre(AllOf(Field(&ServerSendEvent::response, "data: one\n\n"), Field(&ServerSendEvent::requestID, "sse")),
-							  Field(&ServerSendEvent::response, "data: two\n\n")));
+	for (const Stream& stream : streams)
+	{
+		Gate next, never;
+		RawServer origin(
+			[&](Connection& connection)
+			{
+				connection.readHead();
+				connection.send(stream.first);
+				if (stream.first.find("Location") != std::string::npos)
+				{
+					connection.readHead();
+				}
+				else if (!stream.second.empty())
+				{
+					connection.waitFor(next);
+				}
+				connection.send(stream.second);
+				if (stream.bStaysOpen)
+				{
+					connection.waitFor(never);
+				}
+			});
+		execute(get(origin.url(), {}, "sse", true));
+		ASSERT_TRUE(waitForPieces(1)) << stream.name;
+		next.open();
+		drain();
+		EXPECT_EQ(takePieces("|"), stream.events) << stream.name;
+		EXPECT_EQ(completions.back().brief(), stream.result) << stream.name;
+	}
+	EXPECT_EQ(completions.size(), std::size(streams));
 	EXPECT_TRUE(downloads.empty());
-	ASSERT_EQ(completions.size(), 1u);
-	EXPECT_EQ(completions[0].dataString, "data: one\n\ndata: two\n\n");
 }
 
 TEST_F(ServerSendEvents, OfAPostAndOfARecordExecutedAgainBeginWithTheFirstByte)
 {
 	RawServer origin(answering([](const std::string&) { return answer(200, "data: one\n\n"); }));
-	TArray<FhttpRequest> records = get(origin.url(), {}, "", true);
-	FString id;
-	UCorvaneBPLibrary::CreateHttpRequestPOST(records, text(origin.url()), {}, {}, "", true, records, id);
+	const TArray<FhttpRequest> records = build("CreateHttpRequestPOST", {.otherHttpRequests = get(origin.url(), {}, "sse", true),
+																			.url = text(origin.url()),
+																			.bindServerSendEvent = true,
+																			.optionalRequestID = "sse"});
 	for (int round = 0; round < 2; ++round)
 	{
-		serverSendEvents.clear();
 		execute(records);
 		drain();
-		std::string together;
-		for (const ServerSendEvent& event : serverSendEvents)
-		{
-			together += event.response;
-		}
-		EXPECT_EQ(together, "data: one\n\ndata: one\n\n");
+		EXPECT_EQ(takePieces(), "data: one\n\ndata: one\n\n");
 	}
-}
-
-TEST_F(ServerSendEvents, MayBeCutInsideACharacterThatTheWholeBodyShows)
-{
-	Gate first;
-	RawServer origin(
-		[&](Connection& connection)
-		{
-			connection.readHead();
-			connection.send(std::string(streamHead) + "caf\xC3");
-			connection.waitFor(first);
-			connection.send("\xA9!");
-		});
-	execute(get(origin.url(), {}, "", true));
-	ASSERT_TRUE(waitForPieces(1));
-	first.open();
-	drain();
-	EXPECT_THAT(
-		serverSendEvents, ElementsAre(Field(&ServerSendEvent::response, "caf\uFFFD"), Field(&ServerSendEvent::response, "\uFFFD!")));
-	expectOneCompletion(200, "caf\u00e9!");
-}
-
-TEST_F(ServerSendEvents, OfARedirectAreThoseOfItsTarget)
-{
-	RawServer origin(answering(
-		[](const std::string& head)
-		{
-			return targetOf(head) == "/" ? answer(302, "data: a body longer than that of the target\n\n", "Location: /target\r\n")
-										 : answer(200, "data: target\n\n");
-		}));
-	execute(get(origin.url(), {}, "", true));
-	drain();
-	EXPECT_THAT(serverSendEvents, ElementsAre(Field(&ServerSendEvent::response, "data: target\n\n")));
-	expectOneCompletion(200, "data: target\n\n");
-}
-
-TEST_F(ServerSendEvents, OfAStreamThatFallsSilentEndInAFailure)
-{
-	LogCapture log;
-	Gate never;
-	RawServer origin(
-		[&](Connection& connection)
-		{
-			connection.readHead();
-			connection.send(std::string(streamHead) + "data: one\n\n");
-			connection.waitFor(never);
-		});
-	execute(get(origin.url(), {}, "", true));
-	drain();
-	EXPECT_THAT(serverSendEvents, ElementsAre(Field(&ServerSendEvent::response, "data: one\n\n")));
-	expectOneCompletion(500, "No Response");
 }
 
 TEST_F(ServerSendEvents, OfAnEndlessStreamEndWithACancel)
@@ -144,25 +119,23 @@ TEST_F(ServerSendEvents, OfAnEndlessStreamEndWithACancel)
 		[](Connection& connection)
 		{
 			connection.readHead();
-			connection.send(streamHead);
-			for (;;)
+			for (connection.send(streamHead);;)
 			{
 				connection.send("data: again\n\n"); // ends when the client hangs up
 			}
 		});
-	execute(get(origin.url(), {}, "endless", true));
+	execute(get(origin.url(), {}, "sse", true));
 	ASSERT_TRUE(waitForPieces(3));
-	UCorvaneBPLibrary::cancelRequest("endless");
+	UCorvaneBPLibrary::cancelRequest("sse");
 	drain();
-	expectOneCompletion(500, "No Response");
+	ASSERT_EQ(completions.size(), 1u);
+	EXPECT_EQ(completions[0].brief(), "500 No Response");
 }
 
 TEST_F(ServerSendEvents, BringEachByteOnceAndInOrderWhileTheBodyGrows)
 {
-	LogCapture log;
-	constexpr size_t events = 50000;
 	std::string body;
-	for (size_t number = 0; number < events; ++number)
+	for (size_t number = 0; number < 50000; ++number)
 	{
 		body += "data: " + std::to_string(number * number) + "\n\n";
 	}
@@ -176,34 +149,8 @@ TEST_F(ServerSendEvents, BringEachByteOnceAndInOrderWhileTheBodyGrows)
 				connection.send(body.substr(sent, piece));
 			}
 		});
-	execute(get(origin.url(), {}, "", true));
-	drain();
-	std::string together;
-	for (const ServerSendEvent& event : serverSendEvents)
-	{
-		together += event.response;
-	}
-	EXPECT_TRUE(together == body);
-	expectOneCompletion(200, body);
-	EXPECT_EQ(completions[0].byteData.size(), body.size());
+	const Completion result = run(get(origin.url(), {}, "sse", true));
+	EXPECT_TRUE(takePieces() == body);
+	EXPECT_TRUE(result.brief() == "200 " + body && result.byteData == body);
 	EXPECT_EQ(log.count("LogHttp", ELogVerbosity::Warning), 0) << "a running response is left alone";
-}
-
-TEST_F(ServerSendEvents, OfARefusalComeWithItsCodeAndText)
-{
-	LogCapture log;
-	for (const bool whole : {true, false})
-	{
-		completions.clear();
-		RawServer origin(
-			[&](Connection& connection)
-			{
-				connection.readHead();
-				const std::string page = answer(429, "slow down");
-				connection.send(whole ? page : page.substr(0, page.size() - 1));
-			});
-		execute(get(origin.url(), {}, "", true));
-		drain();
-		expectOneCompletion(429, whole ? "slow down" : "slow dow");
-	}
 }
