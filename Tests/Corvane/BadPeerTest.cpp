@@ -28,15 +28,8 @@ namespace
 	{
 	protected:
 		BadPeers()
-			: ModuleFixture(settings())
+			: ModuleFixture(impatient(0.3))
 		{
-		}
-
-		static FGameLoopSettings settings()
-		{
-			FGameLoopSettings settings;
-			settings.http.activityTimeoutSeconds = 0.3;
-			return settings;
 		}
 
 		LogCapture log;

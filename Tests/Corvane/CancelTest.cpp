@@ -10,7 +10,7 @@ namespace
 		const std::string begun = "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n1";
 		LogCapture log;
 		Gate never;
-		RawServer server{saying(begun, never)};
+		RawServer server{saying(begun, &never)};
 		RawServer good{answering([](const std::string&) { return answer(200, "fine"); })};
 	};
 } // namespace
@@ -31,7 +31,7 @@ TEST_F(Cancel, OfAnIdThatDoesNotRunChangesNothing)
 	for (const char* round : {"an unknown ID", "a finished one"})
 	{
 		Gate end;
-		RawServer slow(saying(begun, end, "2"));
+		RawServer slow(saying(begun, &end, "2"));
 		downloads.clear();
 		UCorvaneBPLibrary::cancelRequest("later");
 		execute(get(slow.url(), {}, "later"));

@@ -17,7 +17,7 @@ namespace
 		LogCapture log;
 		Gate gate;
 		RawServer server{answering([](const std::string&) { return answer(200, "hello"); })};
-		RawServer slow{saying("", gate, answer(200, "late"))};
+		RawServer slow{saying("", &gate, answer(200, "late"))};
 	};
 
 	using Results = std::vector<std::string>;

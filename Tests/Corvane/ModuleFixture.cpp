@@ -42,6 +42,13 @@ ModuleFixture::ModuleFixture(FGameLoopSettings settings)
 	record(library());
 }
 
+FGameLoopSettings ModuleFixture::impatient(double seconds)
+{
+	FGameLoopSettings settings;
+	settings.http.activityTimeoutSeconds = seconds;
+	return settings;
+}
+
 void ModuleFixture::record(UCorvaneBPLibrary& library)
 {
 	Listen(library.onhttpRequestCompleteDelegate,

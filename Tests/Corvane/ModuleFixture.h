@@ -57,6 +57,8 @@ protected:
 	{
 	}
 	explicit ModuleFixture(FGameLoopSettings settings);
+	/** @return settings in which a request fails after so much silence. */
+	static FGameLoopSettings impatient(double seconds);
 
 	using Headers = TMap<FString, FString>;
 

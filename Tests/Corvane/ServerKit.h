@@ -2,24 +2,17 @@
 
 #include "RawServer.h"
 
-/** A script that reads a request, says these bytes and closes. */
-inline RawServer::Script saying(std::string bytes)
+/** A script that reads a request, says these bytes, and the rest when the gate opens, if there is one; then it closes. */
+inline RawServer::Script saying(std::string bytes, Gate* gate = nullptr, std::string rest = "")
 {
-	return [bytes = std::move(bytes)](Connection& connection)
+	return [=](Connection& connection)
 	{
 		connection.readHead();
 		connection.send(bytes);
-	};
-}
-
-/** The same, with a rest that waits for a gate. */
-inline RawServer::Script saying(std::string bytes, Gate& gate, std::string rest = "")
-{
-	return [&gate, bytes = std::move(bytes), rest = std::move(rest)](Connection& connection)
-	{
-		connection.readHead();
-		connection.send(bytes);
-		connection.waitFor(gate);
+		if (gate)
+		{
+			connection.waitFor(*gate);
+		}
 		connection.send(rest);
 	};
 }

@@ -21,7 +21,7 @@ namespace
 
 		LogCapture log;
 		Gate never;
-		RawServer silent{saying("", never)};
+		RawServer silent{saying("", &never)};
 	};
 } // namespace
 
