@@ -5,12 +5,7 @@
 
 #include <gmock/gmock.h>
 
-namespace
-{
-	class Builder : public ModuleFixture
-	{
-	};
-} // namespace
+using Builder = ModuleFixture;
 
 TEST_F(Builder, RefusesAShortUrlInsideTheCall)
 {

@@ -12,9 +12,7 @@ namespace
 	constexpr const char* defaultUserAgent =
 		"UE4 Mozilla/5.0 (Windows NT 10.0; Win64; x64) AppleWebKit/537.36 (KHTML, like Gecko) Chrome/69.0.3497.81 Safari/537.36";
 
-	class Get : public ModuleFixture
-	{
-	};
+	using Get = ModuleFixture;
 
 	std::string repeated(const std::string& piece, size_t times)
 	{
@@ -79,11 +77,6 @@ TEST_F(Get, BringsNoLinesWhereThereAreTooMany)
 	EXPECT_EQ(linesOf(std::string(64 << 20, 'x')), 1);
 	EXPECT_EQ(linesOf(std::string((64 << 20) + 64, 'x')), 0);
 	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Display, "too long for the lines of a result"), 2);
-
-	RawServer origin(saying(answer(200, repeated("y\r\n", mostLines + 1))));
-	const Completion result = run(get(origin.url()));
-	EXPECT_EQ(result.byteData.size(), 3 * (mostLines + 1));
-	EXPECT_TRUE(result.dataString == result.byteData && result.dataArray.empty());
 }
 
 TEST_F(Get, ReportsProgressAgainstTheAnnouncedLengthOrOneByte)

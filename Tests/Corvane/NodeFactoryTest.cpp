@@ -15,16 +15,15 @@ namespace
 		{
 			drain();
 			std::vector<std::string> all = origin.takeRequests();
-			all.push_back("of " + std::to_string(downloads.empty() ? 0 : downloads.back().size) + " MB, " +
-						  std::to_string(uploads.empty() ? 0 : uploads.back().bytesSent) + " bytes sent");
-			for (const ServerSendEvent& event : serverSendEvents)
+			all.push_back(dir.exists("download.bin") ? dir.read("download.bin") : "no file");
+			all.push_back(std::to_string(downloads.empty() ? 0 : downloads.back().size) + " MB to come, " +
+						  std::to_string(uploads.empty() ? 0 : uploads.back().bytesSent) + " bytes sent, ");
+			for (const ServerSendEvent& event : std::exchange(serverSendEvents, {}))
 			{
 				all.back() += event.response;
 			}
-			all.push_back(dir.exists("download.bin") ? dir.read("download.bin") : "no file");
 			downloads.clear();
 			uploads.clear();
-			serverSendEvents.clear();
 			return all;
 		}
 
@@ -52,16 +51,22 @@ TEST_P(NodeFactory, SendsWhatItsBuilderSendsAndSucceeds)
 	EXPECT_EQ(library().getUAsyncNodeHttpRequest(text(outcomes[0].requestID())), nullptr);
 }
 
-TEST_P(NodeFactory, FailsWithTheServersCode)
+TEST_P(NodeFactory, FailsWithTheServersCodeOrWhenItsFileIsMissing)
 {
-	Pins given = pins(origin);
 	RawServer refusing(answering([](const std::string&) { return answer(403, "not you"); }));
+	Pins given = pins(origin);
 	given.url = text(refusing.url());
+	given.filePath = given.content = text(dir.path("missing"));
+	given.filePaths = {given.filePath, given.filePath};
 	UCorvaneBPLibrary::setGoogleDriveBase(text(refusing.url("")));
 	startHeld(GetParam().make(given, "Node"));
+	EXPECT_TRUE(outcomes.empty()) << "never inside the call";
 	drain();
 	ASSERT_EQ(outcomes.size(), 1u);
-	EXPECT_EQ(outcomes[0].brief(), isFileInfo() ? "OnFail 452" : "OnFail 403"); // an unreadable view page has a code of its own
+	const bool bNeedsFile = GetParam().name.find("Upload") != std::string::npos || GetParam().name == "IndividualFile";
+	// An unreadable view page has a code of its own.
+	EXPECT_EQ(outcomes[0].brief(), bNeedsFile ? "OnFail 400" : isFileInfo() ? "OnFail 452" : "OnFail 403");
+	EXPECT_TRUE(completions.empty());
 }
 
 TEST_P(NodeFactory, TellsARefusalInsideTheCall)

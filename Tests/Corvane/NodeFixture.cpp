@@ -106,10 +106,10 @@ NodeFixture::NodeFixture()
 
 Pins NodeFixture::pins(const NodeOrigin& origin) const
 {
-	UCorvaneBPLibrary::setGoogleDriveBase(origin.base());
+	UCorvaneBPLibrary::setGoogleDriveBase(origin.url(""));
 	const FString file = text(dir.write("upload.txt", "to be sent"));
 	// Two entries each, so that their order shows. The path is the content of an individual text as well.
-	return {.url = text(origin.url()),
+	return {.url = origin.url(),
 		.downloadID = "level",
 		.header = {{"Content-Type", "text/x-own"}, {"X-Two", "2"}},
 		.content = file,

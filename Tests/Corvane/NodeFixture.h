@@ -45,9 +45,7 @@ public:
 	/** @param gate  every answer waits for it, when given. Outlives this object. */
 	explicit NodeOrigin(Gate* gate = nullptr);
 
-	std::string url() const { return origin.url(); }
-	/** Scheme and host. */
-	FString base() const { return text(origin.url("")); }
+	FString url(std::string_view path = "/file") const { return text(origin.url(path)); }
 	/**
 	 * Heads with their bodies since the last call, in the order in which they ended; what differs from one form to the next is
 	 * taken out.

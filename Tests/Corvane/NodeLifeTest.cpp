@@ -17,9 +17,7 @@ namespace
 		bool hasSteps() const { return std::string_view(GetParam()) == "GoogleDrive" || std::string_view(GetParam()) == "LowRamDownload"; }
 	};
 
-	class Nodes : public NodeFixture
-	{
-	};
+	using Nodes = NodeFixture;
 } // namespace
 
 TEST_P(NodeLife, TwoOfOneIdHaveTheirOwnOutcomes)
@@ -168,9 +166,9 @@ TEST_F(Nodes, GetTheResultOfTheRequestThatBeganWithThem)
 		}
 		std::string heard;
 		duringOutcome = [&](UAsyncNodeCorv& node) { heard += &node == nodes[0] ? "first" : "second"; };
-		for (const char* step = order; *step; ++step)
+		for (const char step : std::string_view(order))
 		{
-			steps.at (*step)();
+			steps.at(step)();
 		}
 		drain();
 		EXPECT_EQ(heard + (takeResults().empty() ? "" : "event"), receiver) << order;

@@ -30,11 +30,6 @@ namespace
 		{
 		}
 
-		bool waitForPieces(size_t number)
-		{
-			return until([this, number] { return serverSendEvents.size() >= number; });
-		}
-
 		/** @return the pieces that have come since the last call. */
 		std::string takePieces(const char* between = "")
 		{
@@ -58,7 +53,7 @@ TEST_F(ServerSendEvents, ComeInPiecesAndWithoutProgress)
 		Gate next;
 		RawServer origin(saying(stream.first, &next, stream.second));
 		execute(get(origin.url(), {}, "sse", true));
-		ASSERT_TRUE(waitForPieces(1)) << stream.result;
+		ASSERT_TRUE(until([this] { return !serverSendEvents.empty(); })) << stream.result;
 		next.open();
 		drain();
 		EXPECT_EQ(takePieces("|"), stream.events);
@@ -109,7 +104,7 @@ TEST_F(ServerSendEvents, OfAnEndlessStreamEndWithACancel)
 			}
 		});
 	execute(get(origin.url(), {}, "sse", true));
-	ASSERT_TRUE(waitForPieces(3));
+	ASSERT_TRUE(until([this] { return serverSendEvents.size() >= 3; }));
 	UCorvaneBPLibrary::cancelRequest("sse");
 	drain();
 	EXPECT_EQ(takeResults(), std::vector<std::string>{"sse: 500 No Response"});

@@ -5,15 +5,13 @@
 #include "RawServer.h"
 #include "UObject/UObjectGlobals.h"
 
-class Worker : public ModuleFixture
-{
-};
+using Worker = ModuleFixture;
 
 TEST_F(Worker, ProgressThatFindsOtherWaitingTakesItsPlace)
 {
 	// Without a library each job is a line in the log, where the worker can be held.
 	UCorvaneRequestCompleteObject* object = NewObject<UCorvaneRequestCompleteObject>();
-	object->AddToRoot();
+	const TStrongObjectPtr<UObject> held(object);
 	Gate reached, goOn;
 	std::vector<std::string> lines; // of the worker, read behind its end
 	HostLog::SetSink(
@@ -29,17 +27,19 @@ TEST_F(Worker, ProgressThatFindsOtherWaitingTakesItsPlace)
 		});
 	{
 		FCorvThread worker(object, 0);
-		worker.addJob(new FCorvTheadJob{ECorvJobType::ProgressDownload, nullptr, nullptr, false, 0, 1});
+		const auto add = [&worker](ECorvJobType type, uint64 bytes) {
+			worker.addJob(new FCorvTheadJob{type, nullptr, nullptr, false, 0, bytes});
+		};
+		add(ECorvJobType::ProgressDownload, 1);
 		EXPECT_TRUE(waitFor([&] { return reached.isOpen(); }));
 		for (uint64 bytes = 2; bytes < 1000; ++bytes)
 		{
-			worker.addJob(new FCorvTheadJob{ECorvJobType::ProgressDownload, nullptr, nullptr, false, 0, bytes});
+			add(ECorvJobType::ProgressDownload, bytes);
 		}
-		worker.addJob(new FCorvTheadJob{ECorvJobType::Complete, nullptr, nullptr, false, 0, 0});
+		add(ECorvJobType::Complete, 0);
 		goOn.open();
 		EXPECT_TRUE(waitFor([&] { return worker.hasEnded(); }));
 	}
 	HostLog::SetSink({});
 	EXPECT_EQ(lines.size(), 3u) << "one under way, one waiting, the completion";
-	object->RemoveFromRoot();
 }
