@@ -70,7 +70,12 @@ TEST_F(Get, BringsOneEventWithTheAnswerAsTextLinesAndBytes)
 TEST_F(Get, BringsNoLinesWhereThereAreTooMany)
 {
 	LogCapture log;
-	const auto linesOf = [](const std::string& body) { return CorvaneResult::toLines(CorvaneResult::toText(byteArray(body))).Num(); };
+	const auto linesOf = [](const std::string& body)
+	{
+		TArray<uint8> bytes;
+		bytes.Append(reinterpret_cast<const uint8*>(body.data()), static_cast<int32>(body.size()));
+		return CorvaneResult::toLines(CorvaneResult::toText(bytes)).Num();
+	};
 	constexpr size_t mostLines = 1000000;
 	EXPECT_EQ(linesOf(repeated("x\r\n\r\n", mostLines)), static_cast<int32>(mostLines)) << "empty ones do not count";
 	EXPECT_EQ(linesOf(repeated("x\r\n", mostLines + 1)), 0);
