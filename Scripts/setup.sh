@@ -4,13 +4,13 @@
 set -euo pipefail
 
 packages=(
-	g++ cmake ninja-build pkg-config git
+	g++ cmake ninja-build pkg-config git python3
 	libcurl4-openssl-dev libssl-dev libfmt-dev libcli11-dev nlohmann-json3-dev liblua5.4-dev libcpp-httplib-dev
 	libgtest-dev libgmock-dev nginx-light openssl ca-certificates
 )
 for option in "$@"; do
 	case "$option" in
-	--check) packages+=(clang clang-format python3 python3-clang g++-mingw-w64-x86-64-posix) ;;
+	--check) packages+=(clang clang-format python3-clang g++-mingw-w64-x86-64-posix) ;;
 	--bench) packages+=(curl wget aria2) ;;
 	*)
 		echo "usage: $0 [--check] [--bench]" >&2

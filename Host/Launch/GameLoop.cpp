@@ -14,7 +14,7 @@ namespace
 {
 	using FClock = std::chrono::steady_clock;
 
-	// Results that arrive closely behind each other share a tick: waking up for each would cost more than handling it.
+	// Results that arrive closely after each other share a tick: waking up for each would cost more than handling it.
 	constexpr std::chrono::microseconds shortestTick(250);
 
 	/**

@@ -9,18 +9,16 @@ Prints one line per fault and ends with status 1 when there is any.
 """
 
 import ctypes
-import fnmatch
 import pathlib
 import re
 import sys
 
 from clang import cindex  # Debian's python3-clang
 from clang.cindex import CursorKind
+from symbol_list import LIST, EngineList
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 MODULE = ROOT / "Source/Corvane"
-SIGNATURES = ROOT / "Tests/EngineFit/Signatures.cpp"
-LIST = pathlib.Path(__file__).with_name("symbols.txt")
 INCLUDE = re.compile(r'^#include\s+["<]([^">]+)[">]', re.MULTILINE)
 FORWARD = re.compile(r"^(?:class|struct) (\w+);", re.MULTILINE)
 FUNCTIONS = (CursorKind.FUNCTION_DECL, CursorKind.CXX_METHOD, CursorKind.CONSTRUCTOR, CursorKind.DESTRUCTOR)
@@ -32,30 +30,6 @@ ALWAYS_INCLUDED = {"CoreMinimal.h"}
 
 # Names that headers of the Windows system or of the engine define as macros, or types in the way of locals.
 TAKEN_NAMES = {"ERROR", "IN", "OUT", "near", "far", "min", "max", "GetObject", "SendMessage", "byte", "check", "verify", "ensure", "PI"}
-
-
-class EngineList:
-    """What the list says: which header brings a symbol, and on which headers' back a header comes along."""
-
-    def __init__(self, text):
-        self.header_of = {}
-        self.modules = {}
-        self.carriers = {}
-        header = None
-        for line in filter(None, (raw.split("#")[0].strip() for raw in text.splitlines())):
-            if line.startswith("["):
-                header, module, carriers = re.fullmatch(r"\[(\S+)\]\s+(\w+)(?:\s+via\s+(.+))?", line).groups()
-                self.modules[header] = module
-                self.carriers[header] = (carriers or "").split()
-                continue
-            names, _, members = line.partition(": ")
-            for name in names.split():
-                self.header_of[name] = header
-                self.header_of.update((f"{name}::{member}", header) for member in members.split())
-
-    def brings(self, include, header):
-        """Whether a file that includes `include` may lean on what `header` offers."""
-        return include == header or any(fnmatch.fnmatch(include, carrier) for carrier in self.carriers[header])
 
 
 def place(path):
@@ -274,13 +248,13 @@ def check_hiding(uses):
         yield f"{place(file)}:{line}: {name} hides a member of its class"
 
 
-def check_asserted(uses):
-    """Every function of the engine that the module calls has its signature asserted."""
-    asserted = set(re.findall(r"\w+", SIGNATURES.read_text()))
+def check_asserted(uses, engine):
+    """Every function of the engine that the module calls stands in the list with its signature."""
+    asserted = engine.asserted()
     called = {name for names in uses.engine.values() for name in names if "::" in name and "::operator" not in name}
     for name in sorted(called):
-        if not name.startswith(("std::", "ELogVerbosity::")) and not asserted.issuperset(name.split("::")[-1:]):
-            yield f"{place(SIGNATURES)}: nothing is asserted of {name}"
+        if not name.startswith(("std::", "ELogVerbosity::")) and name.split("::")[-1] not in asserted:
+            yield f"{place(LIST)}: {name} has no signature"
 
 
 def main():
@@ -290,7 +264,7 @@ def main():
     build_rules = (MODULE / "Corvane.Build.cs").read_text()
     faults = [*check_includes_known(includes, engine, build_rules), *check_names(uses, includes, engine),
         *check_unused_includes(uses, includes, engine), *check_first_includes(includes), *check_base_names(), *check_taken_names(uses),
-        *check_hiding(uses), *check_asserted(uses)]
+        *check_hiding(uses), *check_asserted(uses, engine)]
     for fault in faults:
         print(fault)
     return 1 if faults else 0

@@ -1,8 +1,8 @@
 #include "Calls.h"
-#include "Completion/RunningRequests.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"
 #include "RangeOrigin.h"
+#include "Runs/RunList.h"
 #include "TempDir.h"
 
 #include <ranges>
@@ -89,7 +89,7 @@ TEST_F(CancelEveryKind, ReachesARequestThatWaitsForItsFirstByteAndNoNewStartUnde
 
 TEST_F(CancelEveryKind, BetweenTwoStepsIsNotLostEvenWithoutATick)
 {
-	FCorvRunningRequests& running = library().runningRequestList();
+	FCorvRunList& running = library().runList();
 	for (const bool bStartsAgain : {false, true})
 	{
 		for (const Kind& kind : kinds | std::views::filter([](const Kind& each) { return each.answers == 1; }))

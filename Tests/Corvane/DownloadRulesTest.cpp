@@ -1,6 +1,7 @@
 #include "Rules/DownloadRules.h"
 #include "ModuleFixture.h"
 #include "Rules/ShownAddress.h"
+#include "Rules/Speed.h"
 
 TEST(DownloadRules, ReadContentRanges)
 {
@@ -66,12 +67,11 @@ TEST(DownloadRules, MeasureTheSpeedOnceASecond)
 		int64 bytes;
 		float megabit;
 	};
-	int64 time = 0, bytes = 0;
-	float megabit = 0;
+	FCorvSpeed speed;
 	for (const Case& c : {Case{1, 5 << 20, 0}, {1.3, 6 << 20, 0}, {2, 7 << 20, 16}, {2.9, 9 << 20, 16}, {4, 9 << 20, 16}, {6, 10 << 20, 8}})
 	{
-		CorvaneRules::measureSpeed(static_cast<int64>(c.seconds * 1e7), c.bytes, time, bytes, megabit);
-		EXPECT_NEAR(megabit, c.megabit, 1e-4) << c.seconds;
+		speed.measure(static_cast<int64>(c.seconds * 1e7), c.bytes);
+		EXPECT_NEAR(speed.megabit, c.megabit, 1e-4) << c.seconds;
 	}
 }
 

@@ -1,6 +1,6 @@
-#include "Completion/RunningRequests.h"
 #include "DownloadFixture.h"
 #include "LogCapture.h"
+#include "Runs/RunList.h"
 
 #include <gmock/gmock.h>
 
@@ -374,6 +374,8 @@ TEST_F(Download, SaysWhenItCannotWrite)
 			EXPECT_EQ(result.statusCode, 500) << path;
 			EXPECT_EQ(result.dataString, "No Response") << path;
 			EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "File Download: Can't write into " + path), 1) << path;
+			EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, path + " is not complete: "), 1) << path;
+			EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "Request " + result.requestID + ", " + origin.url()), 1) << path;
 		}
 	}
 }
@@ -424,7 +426,7 @@ TEST_F(Download, AFloodOfSmallBlocksIsOneEventWithoutATick)
 			}
 		});
 	execute(build({origin.url()}));
-	ASSERT_TRUE(waitFor([] { return !UCorvaneBPLibrary::getCorvaneTarget()->runningRequestList().hasRuns(); }));
+	ASSERT_TRUE(waitFor([] { return !UCorvaneBPLibrary::getCorvaneTarget()->runList().hasRuns(); }));
 	drain();
 	ASSERT_EQ(downloads.size(), 1u) << "while the game stood still, later progress took the place of earlier";
 	EXPECT_EQ(downloads.back().percentDownload, 100);

@@ -1,6 +1,6 @@
-#include "Completion/CompletionResult.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"
+#include "Runs/Result.h"
 #include "ServerKit.h"
 
 #include <gmock/gmock.h>

@@ -123,11 +123,11 @@ TEST_F(Lifetime, ARecordThatCannotBeStartedTouchesNoOther)
 	EXPECT_EQ(errors("still running"), 1);
 	EXPECT_EQ(errors(missing), 1);
 	EXPECT_EQ(errors("There are no requests of type"), 2);
+	EXPECT_EQ(errors("could not be started. Request unknown, http://127.0.0.1:"), 2);
 }
 
 TEST_F(Lifetime, ARecordIsStartedWithItsOwnLibraryWhicheverIsTheLatest)
 {
-	UCorvaneBPLibrary& first = library();
 	const TArray<FhttpRequest> ofFirst = get(server.url(), {}, "first");
 	TStrongObjectPtr<UCorvaneBPLibrary> second(NewObject<UCorvaneBPLibrary>());
 	ASSERT_EQ(UCorvaneBPLibrary::getCorvaneTarget(), second.Get());
@@ -146,7 +146,7 @@ TEST_F(Lifetime, ARecordIsStartedWithItsOwnLibraryWhicheverIsTheLatest)
 	ASSERT_EQ(UCorvaneBPLibrary::getCorvaneTarget(), nullptr) << "the latest is gone";
 	TArray<FhttpRequest> both = ofSecond;
 	both.Append(ofFirst);
-	first.startRequests(both);
+	execute(both);
 	drain();
 	EXPECT_EQ(completions.size(), 3u);
 	EXPECT_EQ(errors(missing), 1);

@@ -121,17 +121,16 @@ namespace
 	};
 } // namespace
 
-TEST_F(IndividualNode, ALateRefusalDoesNotReachOneThatHasEndedOrLostItsId)
+TEST_F(IndividualNode, ALateRefusalReachesOneThatHasLostItsIdButNoneThatHasEnded)
 {
 	UAsyncNodeCorv& ended = start(refused("Ended"));
 	ended.httpRequestComplete("", {}, {}, 200, {}, "Ended"); // another request of the same ID was quicker
 	start(refused("Lost"));
 	start(refused("lOST"));
 	drain();
-	ASSERT_EQ(outcomes.size(), 2u);
+	ASSERT_EQ(outcomes.size(), 3u);
 	EXPECT_EQ(outcomes[0].brief(), "OnSuccess 200");
-	EXPECT_EQ(outcomes[1].requestID(), "lOST");
-	ASSERT_EQ(completions.size(), 2u);
-	EXPECT_EQ(completions[0].requestID, "Ended");
-	EXPECT_EQ(completions[1].requestID, "Lost");
+	EXPECT_EQ(outcomes[1].requestID(), "Lost");
+	EXPECT_EQ(outcomes[2].requestID(), "lOST");
+	EXPECT_EQ(takeResults(), std::vector<std::string>{"Ended: 400 "});
 }

@@ -71,9 +71,11 @@ TEST_F(EndOfProgram, RecordsAreRefusedWithoutALibraryAndSkippedByALaterOne)
 	EXPECT_EQ(target, nullptr);
 	EXPECT_EQ(errors("executeHttpRequests"), 1);
 
+	constexpr const char* skipped = "UCorvaneBPLibrary: Missing Object instance (153).";
+	const int skippedBefore = errors(skipped);
 	FGameLoop next;
 	execute(before);
 	execute(between);
-	EXPECT_EQ(errors("UCorvaneBPLibrary: Missing Object instance (153)."), 2);
+	EXPECT_EQ(errors(skipped) - skippedBefore, 2);
 	EXPECT_FALSE(UCorvaneBPLibrary::hasPendingWork());
 }

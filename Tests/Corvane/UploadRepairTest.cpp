@@ -1,7 +1,7 @@
 #include "Host/SystemThreads.h"
 #include "NoThreads.h"
 #include "UploadFixture.h"
-#include "Uploads/UploadFiles.h"
+#include "Uploads/ChangedFiles.h"
 
 #include <fstream>
 
@@ -123,7 +123,7 @@ TEST_F(UploadRepair, AFileIsBlockedUntilAllItsRecordsAreHandled)
 	FhttpRequest made = record(multipart, path, 1000);
 	library().addRequestToTruncateThread(made);
 	library().addRequestToTruncateThread(made);
-	FCorvUploadFiles& changed = library().uploadFileList();
+	FCorvChangedFiles& changed = library().changedFileList();
 	EXPECT_TRUE(library().isFileBlocked(text(path)));
 	changed.endRepair(text(path));
 	EXPECT_TRUE(library().isFileBlocked(text(path))) << "a second record waits";
@@ -220,7 +220,7 @@ TEST_F(UploadRepair, TheEndOfTheProgramRepairsWhatIsQueuedAndWhatRuns)
 	execute(put(silent.url(), dir.write("running.bin", thousand), Type::PUT_STREAM_MP));
 	execute(put(silent.url(), dir.write("copying.bin", thousand), Type::PUT_STREAM_COPY));
 	// Stands for an upload whose completion never comes.
-	library().uploadFileList().begin(record(multipart, dir.write("stuck.bin", thousand + tail(1000)), 1000));
+	library().changedFileList().begin(record(multipart, dir.write("stuck.bin", thousand + tail(1000)), 1000));
 	EXPECT_EQ(dir.read("done.bin"), thousand + tail(1000));
 	loop.Shutdown();
 	EXPECT_THAT(files(), ElementsAre("copied.bin", "copying.bin", "done.bin", "running.bin", "stuck.bin"));

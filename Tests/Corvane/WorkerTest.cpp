@@ -1,8 +1,8 @@
-#include "Completion/CorvThread.h"
 #include "CorvaneRequestCompleteObject.h"
 #include "Host/Log.h"
 #include "ModuleFixture.h"
 #include "RawServer.h"
+#include "Runs/CorvThread.h"
 #include "UObject/UObjectGlobals.h"
 
 using Worker = ModuleFixture;
@@ -11,7 +11,7 @@ TEST_F(Worker, ProgressThatFindsOtherWaitingTakesItsPlace)
 {
 	// Without a library each job is a line in the log, where the worker can be held.
 	UCorvaneRequestCompleteObject* object = NewObject<UCorvaneRequestCompleteObject>();
-	const TStrongObjectPtr<UObject> held(object);
+	object->AddToRoot();
 	Gate reached, goOn;
 	std::vector<std::string> lines; // of the worker, read behind its end
 	HostLog::SetSink(
@@ -27,19 +27,17 @@ TEST_F(Worker, ProgressThatFindsOtherWaitingTakesItsPlace)
 		});
 	{
 		FCorvThread worker(object, 0);
-		const auto add = [&worker](ECorvJobType type, uint64 bytes) {
-			worker.addJob(new FCorvTheadJob{type, nullptr, nullptr, false, 0, bytes});
-		};
-		add(ECorvJobType::ProgressDownload, 1);
+		worker.addJob(MakeUnique<FCorvTheadJob>(FCorvTheadJob{ECorvJobType::ProgressDownload, nullptr, nullptr, false, 0, 1}));
 		EXPECT_TRUE(waitFor([&] { return reached.isOpen(); }));
 		for (uint64 bytes = 2; bytes < 1000; ++bytes)
 		{
-			add(ECorvJobType::ProgressDownload, bytes);
+			worker.addJob(MakeUnique<FCorvTheadJob>(FCorvTheadJob{ECorvJobType::ProgressDownload, nullptr, nullptr, false, 0, bytes}));
 		}
-		add(ECorvJobType::Complete, 0);
+		worker.addJob(MakeUnique<FCorvTheadJob>(FCorvTheadJob{ECorvJobType::Complete, nullptr, nullptr, false, 0, 0}));
 		goOn.open();
 		EXPECT_TRUE(waitFor([&] { return worker.hasEnded(); }));
 	}
 	HostLog::SetSink({});
 	EXPECT_EQ(lines.size(), 3u) << "one under way, one waiting, the completion";
+	object->RemoveFromRoot();
 }

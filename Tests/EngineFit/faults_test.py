@@ -33,7 +33,7 @@ SYMBOL_FAULTS = [
         "isShuttingDown hides a member of its class"),
     ("Source/Corvane/Private/Files/eventchunk.cpp", None, '#include "Rules/EventChunk.h"', "has the same name"),
     ("Source/Corvane/Corvane.Build.cs", '"Engine", ', "", "belongs to Engine, on which Corvane.Build.cs does not depend"),
-    ("Tests/EngineFit/Signatures.cpp", "\tGIVES(FString, FPaths::ProjectDir());\n", "", "nothing is asserted of FPaths::ProjectDir"),
+    ("Scripts/engine/symbols.txt", "static FString ProjectDir()", "ProjectDir", "FPaths::ProjectDir has no signature"),
 ]
 
 # What the engine's tool puts into a class must compile there.

@@ -7,12 +7,13 @@
 #include "TextSupport.h"
 #include "Waiting.h"
 
+#include <atomic>
 #include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <list>
-#include <memory>
 #include <mutex>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -25,56 +26,56 @@ class Exchange
 public:
 	struct Progress
 	{
-		uint64 sent;
-		uint64 received;
-		std::thread::id thread;
+		uint64 sent, received;
 	};
 
 	struct Record
 	{
 		std::vector<Progress> progress;
 		int completions = 0;
-		bool over = false;
 		bool succeeded = false;
-		bool progressAfterCompletion = false;
-		std::thread::id completionThread;
+		std::set<std::thread::id> threads; // of all callbacks
 		FHttpResponsePtr response; // as the completion callback was given it
 	};
 
-	explicit Exchange(const std::string& url, Policy policy = Policy::CompleteOnHttpThread);
+	Exchange(const std::string& url, Policy policy);
 
 	IHttpRequest& request() const { return *Request; }
-	bool start();
+	bool start()
+	{
+		++Starts;
+		return Request->ProcessRequest();
+	}
 	/** Called in each progress callback; set before the start. */
 	std::function<void(IHttpRequest&)> onProgress;
 
 	// All of these may be asked on any thread.
-	Record record() const;
+	Record record() const
+	{
+		const std::scoped_lock lock(Mutex);
+		return Seen;
+	}
+	int starts() const { return Starts; }
 	bool completed() const { return record().completions > 0; }
 	bool succeeded() const { return record().succeeded; }
 	std::vector<Progress> progress() const { return record().progress; }
-	uint64 received() const;
+	uint64 received() const { return progress().empty() ? 0 : progress().back().received; }
 
 	/** What the completion callback was given; null, 0 and empty when there was none. */
 	FHttpResponsePtr response() const { return record().response; }
-	int code() const;
-	std::string body() const;
-	std::string header(const char* name) const;
+	int code() const { return response() ? response()->GetResponseCode() : 0; }
+	std::string body() const { return response() ? bytesOf(response()->GetContent()) : ""; }
 
 private:
-	struct Shared
-	{
-		std::mutex mutex;
-		Record record;
-	};
-
+	mutable std::mutex Mutex;
+	Record Seen;
+	std::atomic<int> Starts{0};
 	FHttpRequestRef Request;
-	std::shared_ptr<Shared> Seen = std::make_shared<Shared>();
 };
 
 /**
  * Runs the HTTP service with short time limits. At the end of a test it stops the service and checks of every request
- * made here that it completed exactly once, and nothing was reported after that.
+ * made here that each start had exactly one completion; nothing may be reported after that.
  */
 class HttpTest : public ::testing::Test
 {
@@ -82,16 +83,28 @@ protected:
 	HttpTest();
 	~HttpTest() override;
 
-	/** Starts the service again with other settings. */
-	void restart(const FHttpSettings& settings);
+	/** Starts the service again with the settings as they are now. */
+	void restart()
+	{
+		HttpService::Stop();
+		HttpService::Start(Settings);
+	}
 
 	/** @param verb  null = as the request has it by itself. */
-	Exchange& make(const std::string& url, const char* verb = nullptr, Policy policy = Policy::CompleteOnHttpThread);
+	Exchange& make(const std::string& url, const char* verb = nullptr, Policy policy = Policy::CompleteOnHttpThread)
+	{
+		Exchange& made = Exchanges.emplace_back(url, policy);
+		verb ? made.request().SetVerb(verb) : void();
+		return made;
+	}
 	/** Starts a request and waits for its completion. */
-	Exchange& run(Exchange& exchange);
+	Exchange& run(Exchange& exchange)
+	{
+		exchange.start();
+		pumpUntil([&] { return exchange.completed(); });
+		return exchange;
+	}
 	Exchange& get(const std::string& url) { return run(make(url)); }
-	/** @param starts  how often each request was started. */
-	void stopAndCheck(int starts = 1);
 
 	FHttpSettings Settings;
 	LogCapture Log;
@@ -100,37 +113,37 @@ private:
 	std::list<Exchange> Exchanges;
 };
 
-/** Bytes that are read as a file is; notes where it is asked. */
+/** Bytes as a file has them, to be read, or when there are none yet, written. */
 class BytesArchive : public FArchive
 {
 public:
-	/** @param inBreaksAt  reading beyond it is an error. */
+	/** @param inBreaksAt  being used beyond it is an error. */
 	explicit BytesArchive(std::string inBytes, size_t inBreaksAt = std::string::npos)
 		: bytes(std::move(inBytes))
 		, breaksAt(inBreaksAt)
 	{
 	}
-	int64 TotalSize() override { return note(static_cast<int64>(bytes.size())); }
-	int64 Tell() override { return note(static_cast<int64>(position)); }
-	void Seek(int64 to) override { position = static_cast<size_t>(note(to)); }
+	int64 TotalSize() override { return static_cast<int64>(bytes.size()); }
+	int64 Tell() override { return static_cast<int64>(position); }
+	void Seek(int64 to) override { position = static_cast<size_t>(to); }
 	void Serialize(void* value, int64 length) override
 	{
-		position += bytes.copy(static_cast<char*>(value), static_cast<size_t>(note(length)), position);
+		askedOnlyElsewhere &= std::this_thread::get_id() != home;
+		const size_t number = static_cast<size_t>(length);
+		bWrites ? void(bytes.append(static_cast<char*>(value), number)) : void(bytes.copy(static_cast<char*>(value), number, position));
+		position += number;
 		if (position > breaksAt)
 		{
 			SetError();
 		}
 	}
-	bool askedOnlyElsewhere = true;
+
+	std::string bytes;
+	bool askedOnlyElsewhere = true; // on no thread but others
 
 private:
-	int64 note(int64 value)
-	{
-		askedOnlyElsewhere &= std::this_thread::get_id() != home;
-		return value;
-	}
+	const bool bWrites = bytes.empty();
 	const std::thread::id home = std::this_thread::get_id();
-	const std::string bytes;
 	const size_t breaksAt;
 	size_t position = 0;
 };

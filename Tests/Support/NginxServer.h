@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
 #include <string>
 
@@ -15,33 +14,23 @@ struct NginxOptions
 
 /**
  * A real nginx with one worker on a free port of the loopback interface. Its configuration, logs and temporary files live
- * in a folder of their own, which goes with this object. It never outlives the thread that made this object.
+ * in a folder of their own, which goes with this object; transfers are cut off. It never outlives the thread that made
+ * this object.
  */
 class NginxServer
 {
 public:
-	/** Starts nginx and returns when it has answered. Throws std::runtime_error with its log when it does not. */
+	/** Starts nginx. Requests wait until it is up; one that does not come up says why on stderr, and refuses them. */
 	explicit NginxServer(const NginxOptions& options);
+	~NginxServer();
 
 	/** @param path  begins with '/'. */
-	std::string url(const std::string& path) const;
+	std::string url(const std::string& path) const { return origin + path; }
 	/** An empty folder to put served files into, unless the options named another. */
-	std::filesystem::path filesDirectory() const { return own.directory / "files"; }
+	std::filesystem::path filesDirectory() const { return directory / "files"; }
 
 private:
-	/** The folder and what runs in it; both go also behind a constructor that throws. Transfers are cut off. */
-	struct Run
-	{
-		Run();
-		~Run();
-		std::filesystem::path directory;
-		int process = -1;
-	};
-
-	void writeConfig(const NginxOptions& options) const;
-	void start(int listener);
-	void waitUntilAnswers() const;
-
-	Run own;
-	std::uint16_t portNumber = 0;
+	std::filesystem::path directory;
+	std::string origin;
+	int process = -1;
 };

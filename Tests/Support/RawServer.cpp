@@ -2,14 +2,10 @@
 
 #include "TlsIdentity.h"
 
-#include <arpa/inet.h>
+#include <algorithm>
 #include <csignal>
-#include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <openssl/ssl.h>
-#include <stdexcept>
-#include <sys/socket.h>
-#include <unistd.h>
 
 namespace
 {
@@ -18,68 +14,35 @@ namespace
 	{
 	};
 
-	void need(bool done, const char* what)
+	void need(bool goesOn)
 	{
-		if (!done)
-		{
-			throw std::runtime_error(what);
-		}
-	}
-
-	std::shared_ptr<void> makeTlsContext(const TlsIdentity& identity)
-	{
-		std::shared_ptr<SSL_CTX> context(SSL_CTX_new(TLS_server_method()), SSL_CTX_free);
-		need(SSL_CTX_use_certificate_file(context.get(), identity.certificateFile.c_str(), SSL_FILETYPE_PEM) == 1 &&
-				 SSL_CTX_use_PrivateKey_file(context.get(), identity.keyFile.c_str(), SSL_FILETYPE_PEM) == 1,
-			"cannot use the certificate");
-		return context;
-	}
-} // namespace
-
-struct TlsStream
-{
-	TlsStream(void* context, int socket)
-		: Ssl(SSL_new(static_cast<SSL_CTX*>(context)), SSL_free)
-	{
-		SSL_set_fd(Ssl.get(), socket);
-		if (SSL_accept(Ssl.get()) != 1)
+		if (!goesOn)
 		{
 			throw ConnectionOver();
 		}
 	}
 
-	std::unique_ptr<SSL, void (*)(SSL*)> Ssl;
-};
+	std::shared_ptr<SSL_CTX> makeTls(const TlsIdentity& identity)
+	{
+		std::shared_ptr<SSL_CTX> context(SSL_CTX_new(TLS_server_method()), SSL_CTX_free);
+		SSL_CTX_use_certificate_file(context.get(), identity.certificateFile.c_str(), SSL_FILETYPE_PEM);
+		SSL_CTX_use_PrivateKey_file(context.get(), identity.keyFile.c_str(), SSL_FILETYPE_PEM);
+		return context;
+	}
 
-void Gate::open()
-{
-	const std::scoped_lock lock(Mutex);
-	Open = true;
-	Changed.notify_all();
-}
-
-bool Gate::isOpen() const
-{
-	const std::scoped_lock lock(Mutex);
-	return Open;
-}
-
-bool Gate::wait(std::stop_token stop)
-{
-	std::unique_lock lock(Mutex);
-	return Changed.wait(lock, stop, [this] { return Open; });
-}
+	BIO* makeStream(SSL_CTX* tls, int socket)
+	{
+		BIO* const plain = BIO_new_socket(socket, BIO_CLOSE);
+		return tls ? BIO_push(BIO_new_ssl(tls, 0), plain) : plain;
+	}
+} // namespace
 
 Connection::Connection(RawServer& server, int socket, int number)
 	: Server(server)
 	, Number(number)
 	, Socket(socket)
+	, Stream(makeStream(server.Tls.get(), socket), BIO_free_all)
 {
-}
-
-Connection::~Connection()
-{
-	close();
 }
 
 std::string Connection::readHead()
@@ -87,76 +50,65 @@ std::string Connection::readHead()
 	size_t end;
 	while ((end = Unread.find("\r\n\r\n")) == std::string::npos)
 	{
-		if (!fill())
-		{
-			throw ConnectionOver();
-		}
+		need(fill());
 	}
-	const std::string head = Unread.substr(0, end + 4);
-	Unread.erase(0, end + 4);
-	Server.record(head);
-	return head;
+	const std::string head = take(end + 4);
+	const std::scoped_lock lock(Server.Mutex);
+	return Server.Heads.emplace_back(head);
+}
+
+std::string Connection::readBody(std::string_view head)
+{
+	const std::string length = headerOf(head, "Content-Length");
+	const std::string body = read(length.empty() ? 0 : std::stoul(length));
+	const std::scoped_lock lock(Server.Mutex);
+	return Server.Bodies.emplace_back(body);
 }
 
 std::string Connection::read(size_t bytes)
 {
 	while (Unread.size() < bytes)
 	{
-		if (!fill())
-		{
-			throw ConnectionOver();
-		}
+		need(fill());
 	}
-	const std::string taken = Unread.substr(0, bytes);
+	return take(bytes);
+}
+
+std::string Connection::take(size_t bytes)
+{
+	std::string taken = Unread.substr(0, bytes);
 	Unread.erase(0, bytes);
 	return taken;
 }
 
 bool Connection::fill()
 {
-	char bytes[4096];
-	const ssize_t number = Tls ? SSL_read(Tls->Ssl.get(), bytes, sizeof bytes) : ::recv(Socket, bytes, sizeof bytes, 0);
-	if (number <= 0)
-	{
-		return false;
-	}
-	Unread.append(bytes, static_cast<size_t>(number));
-	return true;
+	char bytes[16384];
+	const int number = BIO_read(Stream.get(), bytes, sizeof bytes);
+	Unread.append(bytes, static_cast<size_t>(std::max(number, 0)));
+	return number > 0;
 }
 
 void Connection::send(std::string_view bytes)
 {
 	while (!bytes.empty())
 	{
-		const ssize_t number = Tls ? SSL_write(Tls->Ssl.get(), bytes.data(), static_cast<int>(bytes.size()))
-								   : ::send(Socket, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-		if (number <= 0)
-		{
-			throw ConnectionOver();
-		}
+		const int number = BIO_write(Stream.get(), bytes.data(), static_cast<int>(bytes.size()));
+		need(number > 0);
 		bytes.remove_prefix(static_cast<size_t>(number));
 	}
-}
-
-void Connection::closeWrite()
-{
-	::shutdown(Socket, SHUT_WR);
 }
 
 void Connection::reset()
 {
 	const linger hard{1, 0};
 	::setsockopt(Socket, SOL_SOCKET, SO_LINGER, &hard, sizeof hard);
-	close();
 	throw ConnectionOver();
 }
 
 void Connection::waitFor(Gate& gate)
 {
-	if (!gate.wait(Server.Stop.get_token()))
-	{
-		throw ConnectionOver();
-	}
+	need(gate.wait(Server.Stop.get_token()));
 }
 
 void Connection::waitForPeer()
@@ -167,70 +119,37 @@ void Connection::waitForPeer()
 	}
 }
 
-void Connection::shutdownBoth()
-{
-	const std::scoped_lock lock(SocketMutex);
-	if (Socket >= 0)
-	{
-		::shutdown(Socket, SHUT_RDWR);
-	}
-}
-
-void Connection::close()
-{
-	const std::scoped_lock lock(SocketMutex);
-	if (Socket >= 0)
-	{
-		::close(Socket);
-		Socket = -1;
-	}
-}
-
 RawServer::RawServer(Script script, const TlsIdentity* identity)
 	: TheScript(std::move(script))
-	, TlsContext(identity ? makeTlsContext(*identity) : nullptr)
-	, Listener(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
+	, Tls(identity ? makeTls(*identity) : nullptr)
 {
-	std::signal(SIGPIPE, SIG_IGN); // writing TLS to a peer that hung up raises it
-	sockaddr_in address{};
-	address.sin_family = AF_INET;
-	address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-	socklen_t size = sizeof address;
-	sockaddr* const raw = reinterpret_cast<sockaddr*>(&address);
-	need(::bind(Listener, raw, size) == 0 && ::listen(Listener, 1024) == 0 && ::getsockname(Listener, raw, &size) == 0, "cannot listen");
-	Port = ntohs(address.sin_port);
+	std::signal(SIGPIPE, SIG_IGN); // writing to a peer that hung up raises it
 	Acceptor = std::thread([this] { acceptAll(); });
 }
 
 RawServer::~RawServer()
 {
 	Stop.request_stop();
-	::shutdown(Listener, SHUT_RDWR);
+	::shutdown(Listener.descriptor, SHUT_RDWR);
 	Acceptor.join();
-	::close(Listener);
-	for (Connection& connection : Connections)
 	{
-		connection.shutdownBoth();
+		const std::scoped_lock lock(Mutex);
+		for (const Connection& connection : Connections)
+		{
+			::shutdown(connection.Stream ? connection.Socket : -1, SHUT_RDWR);
+		}
 	}
-	for (std::thread& thread : Threads)
-	{
-		thread.join();
-	}
+	Threads.clear();
 }
 
 void RawServer::acceptAll()
 {
-	for (int number = 0; !Stop.stop_requested(); ++number)
+	for (int socket; (socket = ::accept4(Listener.descriptor, nullptr, nullptr, SOCK_CLOEXEC)) >= 0;)
 	{
-		const int socket = ::accept4(Listener, nullptr, nullptr, SOCK_CLOEXEC);
-		if (socket < 0)
-		{
-			return;
-		}
 		const int yes = 1;
 		::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
 		const std::scoped_lock lock(Mutex);
-		Connection& connection = Connections.emplace_back(*this, socket, number);
+		Connection& connection = Connections.emplace_back(*this, socket, static_cast<int>(Connections.size()));
 		Threads.emplace_back([this, &connection] { serve(connection); });
 	}
 }
@@ -239,44 +158,18 @@ void RawServer::serve(Connection& connection)
 {
 	try
 	{
-		if (TlsContext)
-		{
-			connection.Tls = std::make_unique<TlsStream>(TlsContext.get(), connection.Socket);
-		}
 		TheScript(connection);
 	}
 	catch (const ConnectionOver&)
 	{
 	}
-	connection.close();
-}
-
-void RawServer::record(const std::string& head)
-{
 	const std::scoped_lock lock(Mutex);
-	Requests.push_back(head);
-}
-
-std::string RawServer::authority() const
-{
-	return "127.0.0.1:" + std::to_string(Port);
+	connection.Stream.reset();
 }
 
 std::string RawServer::url(std::string_view path) const
 {
-	return (TlsContext ? "https://" : "http://") + authority() + std::string(path);
-}
-
-std::vector<std::string> RawServer::requests() const
-{
-	const std::scoped_lock lock(Mutex);
-	return Requests;
-}
-
-int RawServer::connectionCount() const
-{
-	const std::scoped_lock lock(Mutex);
-	return static_cast<int>(Connections.size());
+	return (Tls ? "https://" : "http://") + authority() + std::string(path);
 }
 
 RawServer::Script answering(std::function<std::string(const std::string& head)> respond)
@@ -285,7 +178,9 @@ RawServer::Script answering(std::function<std::string(const std::string& head)> 
 	{
 		for (;;)
 		{
-			connection.send(respond(connection.readHead()));
+			const std::string head = connection.readHead();
+			connection.readBody(head);
+			connection.send(respond(head));
 		}
 	};
 }
@@ -300,6 +195,13 @@ std::string targetOf(std::string_view head)
 {
 	const size_t begin = head.find(' ') + 1;
 	return std::string(head.substr(begin, head.find(' ', begin) - begin));
+}
+
+std::string headerOf(std::string_view head, const std::string& name)
+{
+	const size_t line = head.find("\r\n" + name + ": ");
+	const size_t begin = line + name.size() + 4;
+	return line == head.npos ? "" : std::string(head.substr(begin, head.find("\r\n", begin) - begin));
 }
 
 std::string firstHeaders(const std::string& authority)

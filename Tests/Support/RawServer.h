@@ -1,5 +1,7 @@
 #pragma once
 
+#include "LoopbackListener.h"
+
 #include <condition_variable>
 #include <functional>
 #include <list>
@@ -13,16 +15,28 @@
 
 class RawServer;
 class TlsIdentity;
-struct TlsStream;
 
 /** Closed until a test opens it; scripts of servers wait for it. Thread: any. */
 class Gate
 {
 public:
-	void open();
+	void open()
+	{
+		const std::scoped_lock lock(Mutex);
+		Open = true;
+		Changed.notify_all();
+	}
 	/** @return false when stop was requested before the gate was opened. */
-	bool wait(std::stop_token stop);
-	bool isOpen() const;
+	bool wait(std::stop_token stop)
+	{
+		std::unique_lock lock(Mutex);
+		return Changed.wait(lock, stop, [this] { return Open; });
+	}
+	bool isOpen() const
+	{
+		const std::scoped_lock lock(Mutex);
+		return Open;
+	}
 
 private:
 	mutable std::mutex Mutex;
@@ -38,22 +52,21 @@ class Connection
 {
 public:
 	Connection(RawServer& server, int socket, int number);
-	~Connection();
-	Connection(const Connection&) = delete;
-	Connection& operator=(const Connection&) = delete;
 
 	/** Connections of a server count from 0. */
 	int number() const { return Number; }
 
 	/** Reads a request up to and including its empty line; the server records it. */
 	std::string readHead();
+	/** Reads a body as long as this head says; the server records it. */
+	std::string readBody(std::string_view head);
 	std::string read(size_t bytes);
 	void send(std::string_view bytes);
 
 	/** Tells the peer that no more bytes come; reading goes on. */
-	void closeWrite();
-	/** Drops the connection so that the peer sees an error instead of an end. Nothing else works after that. */
-	void reset();
+	void closeWrite() { ::shutdown(Socket, SHUT_WR); }
+	/** Ends the script so that the peer sees an error instead of an end. */
+	[[noreturn]] void reset();
 	void waitFor(Gate& gate);
 	/** Reads and drops what comes until the peer hangs up. */
 	void waitForPeer();
@@ -62,15 +75,13 @@ private:
 	friend class RawServer;
 
 	bool fill();
-	void shutdownBoth();
-	void close();
+	std::string take(size_t bytes);
 
 	RawServer& Server;
 	const int Number;
-	std::unique_ptr<TlsStream> Tls; // null = plain
+	const int Socket;
+	std::shared_ptr<struct bio_st> Stream; // null = closed; guarded by the server against its destructor
 	std::string Unread;
-	std::mutex SocketMutex; // guards closing against the shutdown by the server's destructor
-	int Socket;
 };
 
 /**
@@ -83,41 +94,53 @@ class RawServer
 public:
 	using Script = std::function<void(Connection&)>;
 
-	/** @param identity  speaks TLS with this certificate when given; outlives the server. */
+	/** @param identity  speaks TLS with this certificate when given. */
 	explicit RawServer(Script script, const TlsIdentity* identity = nullptr);
 	~RawServer();
 	RawServer(const RawServer&) = delete;
 	RawServer& operator=(const RawServer&) = delete;
 
-	int port() const { return Port; }
+	int port() const { return Listener.port; }
 	/** "127.0.0.1:port" */
-	std::string authority() const;
+	std::string authority() const { return Listener.authority(); }
 	std::string url(std::string_view path = "/") const;
 
-	/** The request heads read so far, byte for byte, in the order in which they arrived. Thread: any. */
-	std::vector<std::string> requests() const;
-	int connectionCount() const;
+	/** The request heads, and the bodies, read so far, byte for byte, in the order in which they ended. Thread: any. */
+	std::vector<std::string> requests() const
+	{
+		const std::scoped_lock lock(Mutex);
+		return Heads;
+	}
+	std::vector<std::string> bodies() const
+	{
+		const std::scoped_lock lock(Mutex);
+		return Bodies;
+	}
+	int connectionCount() const
+	{
+		const std::scoped_lock lock(Mutex);
+		return static_cast<int>(Connections.size());
+	}
 
 private:
 	friend class Connection;
 
 	void acceptAll();
 	void serve(Connection& connection);
-	void record(const std::string& head);
 
 	const Script TheScript;
-	std::shared_ptr<void> TlsContext; // null = plain
-	int Listener = -1;
-	int Port = 0;
+	const std::shared_ptr<struct ssl_ctx_st> Tls; // null = plain
+	const LoopbackListener Listener;
 	std::stop_source Stop;
 	mutable std::mutex Mutex; // guards what follows
-	std::vector<std::string> Requests;
+	std::vector<std::string> Heads;
+	std::vector<std::string> Bodies;
 	std::list<Connection> Connections;
-	std::vector<std::thread> Threads;
+	std::vector<std::jthread> Threads;
 	std::thread Acceptor;
 };
 
-/** A script that answers every request of a connection with what respond makes of its head. */
+/** A script that reads every request of a connection with its body, and answers what respond makes of its head. */
 RawServer::Script answering(std::function<std::string(const std::string& head)> respond);
 
 /** @return a whole answer with a Content-Length. @param headers  lines with their line ends. */
@@ -128,3 +151,6 @@ std::string firstHeaders(const std::string& authority);
 
 /** @return the target in a request head: "/a?b" of "GET /a?b HTTP/1.1...". */
 std::string targetOf(std::string_view head);
+
+/** @param name  as it is spelt in the head. @return the value of a header; empty when absent. */
+std::string headerOf(std::string_view head, const std::string& name);

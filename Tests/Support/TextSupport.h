@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Containers/Array.h"
 #include "Containers/StringConv.h"
 #include "Containers/UnrealString.h"
 
@@ -17,13 +18,6 @@ inline FString text(std::string_view Utf8)
 {
 	const FUTF8ToTCHAR Units(Utf8.data(), static_cast<int32>(Utf8.size()));
 	return FString::ConstructFromPtrSize(Units.Get(), Units.Length());
-}
-
-inline TArray<uint8> byteArray(std::string_view Bytes)
-{
-	TArray<uint8> Array;
-	Array.Append(reinterpret_cast<const uint8*>(Bytes.data()), static_cast<int32>(Bytes.size()));
-	return Array;
 }
 
 inline std::string bytesOf(const TArray<uint8>& Array)

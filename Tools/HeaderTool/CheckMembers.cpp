@@ -1,201 +1,159 @@
 #include "Checks.h"
 
 #include <algorithm>
-#include <array>
-#include <fmt/format.h>
-#include <type_traits>
 
 namespace HeaderTool
 {
 	namespace
 	{
-		constexpr std::array<std::string_view, 4> generatedMembers = {"StaticClass", "StaticStruct", "Super", "ThisClass"};
-
 		template <class Range>
 		auto findByName(const Range& range, std::string_view name)
 		{
 			return std::find_if(range.begin(), range.end(), [name](const auto& entry) { return sameName(entry.name, name); });
 		}
 
-		/** @return whether the first member of that name is another one than `self`. */
-		template <class Def>
-		bool isTaken(const std::vector<Def>& members, const std::string& name, const void* self)
+		/** @return the class and its reflected bases below UObject, the class itself first. */
+		std::vector<const ClassDef*> withBases(const Symbols& symbols, const ClassDef& first)
 		{
-			const auto found = findByName(members, name);
-			return found != members.end() && &*found != self;
+			std::vector<const ClassDef*> chain;
+			// A class that derives from itself is for the compiler to refuse; here it only has to end.
+			for (const ClassDef* c = &first; c && std::find(chain.begin(), chain.end(), c) == chain.end(); c = symbols.findClass(c->super))
+			{
+				chain.push_back(c);
+			}
+			return chain;
 		}
 
-		/** A name that a generated member, another member of the class or one of a base has taken. */
+		/** A name that another member of the class or one of a base has taken. */
 		template <class Def>
-		void checkMemberName(const CheckContext& context, const ClassDef& owner, const Def& member)
+		void checkMemberName(const Symbols& symbols, const ClassDef& owner, const Def& member)
 		{
-			if (std::find(generatedMembers.begin(), generatedMembers.end(), member.name) != generatedMembers.end())
+			const void* const self = &member;
+			const auto isOther = [&](const auto& other) { return sameName(other.name, member.name) && &other != self; };
+			for (const ClassDef* const c : withBases(symbols, owner))
 			{
-				context.report(member.line, fmt::format("'{}' is the name of a generated member", member.name));
-			}
-			for (const ClassDef* const c : context.symbols.withBases(owner))
-			{
-				const bool isFunction = isTaken(c->functions, member.name, &member);
-				// Within one class a function and a property of the same name are reported once, at the property.
-				const bool skipsProperties = std::is_same_v<Def, FunctionDef> && c == &owner;
-				if (isFunction || (!skipsProperties && isTaken(c->properties, member.name, &member)))
+				if (std::any_of(c->functions.begin(), c->functions.end(), isOther) ||
+					std::any_of(c->properties.begin(), c->properties.end(), isOther))
 				{
-					context.report(member.line,
-						fmt::format("'{}' is already a reflected {} of {}; case does not tell names apart and there are no overloads",
-							member.name, isFunction ? "function" : "property", c->name));
-					return;
+					fail(member.line, "{} has another member '{}'; case does not tell names apart and there are no overloads", c->name,
+						member.name);
 				}
 			}
 		}
 
-		void checkFunctionForm(const CheckContext& context, const FunctionDef& function)
+		void checkForScripts(const FunctionDef& function)
 		{
-			if (function.isStatic && (function.isVirtual || function.isConst))
-			{
-				context.report(
-					function.line, fmt::format("'{}' cannot be static and {}", function.name, function.isVirtual ? "virtual" : "const"));
-			}
 			const bool isPure = function.specifiers.find("BlueprintPure") != nullptr;
 			const Specifier* const category = function.specifiers.find("Category");
 			if ((isPure || function.specifiers.find("BlueprintCallable")) && (!category || category->value.value_or("").empty()))
 			{
-				context.report(function.line, fmt::format("'{}' is for scripts and needs a Category", function.name));
+				fail(function.line, "'{}' is for scripts and needs a Category", function.name);
 			}
-			const bool hasResult = function.returnType || std::any_of(function.parameters.begin(), function.parameters.end(),
-															  [](const ParameterDef& p) { return p.type.isOutput(); });
-			if (isPure && !hasResult)
+			const auto isOutput = [](const ParameterDef& p) { return p.type.isOutput(); };
+			if (isPure && !function.result && std::none_of(function.parameters.begin(), function.parameters.end(), isOutput))
 			{
-				context.report(function.line, fmt::format("'{}' is BlueprintPure but gives no result", function.name));
+				fail(function.line, "'{}' is BlueprintPure but gives no result", function.name);
 			}
 		}
 
-		void checkReturn(const CheckContext& context, const FunctionDef& function)
+		void checkReturn(const Symbols& symbols, const FunctionDef& function)
 		{
-			checkSpecifiers(context, function.returnSpecifiers, "UPARAM", function.name);
-			if (!function.returnType)
+			if (!function.result)
 			{
 				return;
 			}
-			const auto clash = findByName(function.parameters, "ReturnValue");
+			const ParameterDef& result = *function.result;
+			checkSpecifiers(result.specifiers, "UPARAM");
+			const auto clash = findByName(function.parameters, result.name);
 			if (clash != function.parameters.end())
 			{
-				context.report(clash->line, fmt::format("'{}' of '{}' is the name of the return value", clash->name, function.name));
+				fail(clash->line, "'{}' of '{}' is the name of the return value", clash->name, function.name);
 			}
-			const std::optional<std::string> problem =
-				function.returnType->isOutput() ? fmt::format("'{}' is a reference that cannot be kept", spell(*function.returnType))
-												: typeProblem(context, *function.returnType, TypeUse::Parameter);
-			if (problem)
+			const std::string problem = result.type.isOutput() ? fmt::format("'{}' is a reference that cannot be kept", spell(result.type))
+															   : typeProblem(symbols, result.type, TypeUse::Parameter);
+			if (!problem.empty())
 			{
-				context.report(function.returnType->line, fmt::format("return value of '{}': {}", function.name, *problem));
+				fail(result.line, "return value of '{}': {}", function.name, problem);
 			}
 		}
 
-		void checkParameter(const CheckContext& context, const ParameterDef& parameter, const std::string& owner)
+		/** @return what is wrong with a parameter; empty when nothing is. */
+		std::string parameterProblem(const Symbols& symbols, const ParameterDef& parameter)
 		{
-			const auto report = [&](const std::string& problem)
-			{ context.report(parameter.line, fmt::format("parameter '{}' of '{}': {}", parameter.name, owner, problem)); };
-			checkSpecifiers(context, parameter.specifiers, "UPARAM", parameter.name);
 			if (parameter.specifiers.find("ref") && !parameter.type.isOutput())
 			{
-				report(fmt::format("UPARAM(ref) needs a non-const reference, not '{}'", spell(parameter.type)));
+				return fmt::format("UPARAM(ref) needs a non-const reference, not '{}'", spell(parameter.type));
 			}
-			if (const auto problem = typeProblem(context, parameter.type, TypeUse::Parameter))
+			std::string problem = typeProblem(symbols, parameter.type, TypeUse::Parameter);
+			const std::optional<DefaultDef>& value = parameter.defaultValue;
+			if (problem.empty() && value && !suits(*value, parameter.type))
 			{
-				report(*problem);
+				problem = fmt::format("the default '{}' cannot be given to '{}'", value->spelling, spell(parameter.type));
 			}
-			else if (parameter.defaultValue)
-			{
-				if (const auto unfit = defaultProblem(context, parameter))
-				{
-					report(*unfit);
-				}
-			}
+			return problem;
 		}
 
-		void checkAgainstProperties(const CheckContext& context, const ClassDef& owner, const FunctionDef& function)
+		void checkAgainstProperties(const Symbols& symbols, const ClassDef& owner, const FunctionDef& function)
 		{
 			for (const ParameterDef& parameter : function.parameters)
 			{
-				for (const ClassDef* const c : context.symbols.withBases(owner))
+				for (const ClassDef* const c : withBases(symbols, owner))
 				{
 					if (findByName(c->properties, parameter.name) != c->properties.end())
 					{
-						context.report(parameter.line, fmt::format("parameter '{}' of '{}' has the name of a reflected property of {}",
-														   parameter.name, function.name, c->name));
+						fail(parameter.line, "parameter '{}' of '{}' has the name of a reflected property of {}", parameter.name,
+							function.name, c->name);
 					}
 				}
 			}
 		}
 
-		void checkAssignable(const CheckContext& context, const PropertyDef& property, bool isClass)
+		void checkProperty(const Symbols& symbols, const PropertyDef& property, const std::string& owner, bool isClass)
 		{
-			const Found<DelegateDef> found = context.symbols.findDelegate(property.type.name);
-			if (!isClass)
+			if (property.specifiers.find("BlueprintAssignable") && !(isClass && symbols.findDelegate(property.type.name)))
 			{
-				context.report(property.line, fmt::format("'{}': BlueprintAssignable is for members of classes", property.name));
+				fail(property.line, "'{}': BlueprintAssignable is for members of classes that are dynamic multicast delegates",
+					property.name);
 			}
-			else if (!found && context.symbols.areComplete())
+			if (const std::string problem = typeProblem(symbols, property.type, TypeUse::Property); !problem.empty())
 			{
-				context.report(property.line, fmt::format("'{}': BlueprintAssignable needs a dynamic multicast delegate, '{}' is none",
-												  property.name, spell(property.type)));
+				fail(property.line, "property '{}' of '{}': {}", property.name, owner, problem);
 			}
 		}
 	} // namespace
 
-	void checkParameters(const CheckContext& context, const std::vector<ParameterDef>& parameters, const std::string& owner)
+	void checkParameters(const Symbols& symbols, const std::vector<ParameterDef>& parameters, const std::string& owner)
 	{
-		bool hasDefault = false;
 		for (auto parameter = parameters.begin(); parameter != parameters.end(); ++parameter)
 		{
-			checkParameter(context, *parameter, owner);
-			if (std::any_of(parameters.begin(), parameter, [&](const ParameterDef& p) { return sameName(p.name, parameter->name); }))
+			checkSpecifiers(parameter->specifiers, "UPARAM");
+			if (const std::string problem = parameterProblem(symbols, *parameter); !problem.empty())
 			{
-				context.report(parameter->line, fmt::format("'{}' has two parameters called '{}'", owner, parameter->name));
+				fail(parameter->line, "parameter '{}' of '{}': {}", parameter->name, owner, problem);
 			}
-			if (hasDefault && !parameter->defaultValue)
+			if (findByName(parameters, parameter->name) != parameter)
 			{
-				context.report(parameter->line,
-					fmt::format("parameter '{}' of '{}' needs a default, since one before it has one", parameter->name, owner));
+				fail(parameter->line, "'{}' has two parameters called '{}'", owner, parameter->name);
 			}
-			hasDefault = hasDefault || parameter->defaultValue;
 		}
 	}
 
-	void checkFunctions(const CheckContext& context, const ClassDef& owner)
+	void checkMembers(const Symbols& symbols, const ClassDef& owner, bool isClass)
 	{
 		for (const FunctionDef& function : owner.functions)
 		{
-			checkSpecifiers(context, function.specifiers, "UFUNCTION", function.name);
-			checkMemberName(context, owner, function);
-			checkFunctionForm(context, function);
-			checkReturn(context, function);
-			checkParameters(context, function.parameters, function.name);
-			checkAgainstProperties(context, owner, function);
+			checkSpecifiers(function.specifiers, "UFUNCTION");
+			checkMemberName(symbols, owner, function);
+			checkForScripts(function);
+			checkReturn(symbols, function);
+			checkParameters(symbols, function.parameters, function.name);
+			checkAgainstProperties(symbols, owner, function);
 		}
 		for (const PropertyDef& property : owner.properties)
 		{
-			checkMemberName(context, owner, property);
-		}
-	}
-
-	void checkProperties(const CheckContext& context, const std::vector<PropertyDef>& properties, const std::string& owner, bool isClass)
-	{
-		for (const PropertyDef& property : properties)
-		{
-			checkSpecifiers(context, property.specifiers, "UPROPERTY", property.name);
-			const bool isAssignable = property.specifiers.find("BlueprintAssignable") != nullptr;
-			if (isAssignable)
-			{
-				checkAssignable(context, property, isClass);
-			}
-			const bool isDelegate = context.symbols.findDelegate(property.type.name).def != nullptr;
-			if (!isAssignable || isDelegate)
-			{
-				if (const auto problem = typeProblem(context, property.type, TypeUse::Property))
-				{
-					context.report(property.line, fmt::format("property '{}' of '{}': {}", property.name, owner, *problem));
-				}
-			}
+			checkSpecifiers(property.specifiers, "UPROPERTY");
+			checkMemberName(symbols, owner, property);
+			checkProperty(symbols, property, owner.name, isClass);
 		}
 	}
 } // namespace HeaderTool

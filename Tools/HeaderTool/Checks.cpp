@@ -2,144 +2,151 @@
 
 #include <algorithm>
 #include <cctype>
-#include <fmt/format.h>
+#include <map>
 
 namespace HeaderTool
 {
 	namespace
 	{
-		/** The engine's prefixes tell it what a name stands for: the letter, then a name that begins like a name. */
-		void checkPrefix(const CheckContext& context, const std::string& name, char prefix, int line, std::string_view what)
+		using Owners = std::map<std::string, std::string>;
+
+		/** Remembers who took a name first; the engine does not look at the case of letters. */
+		void take(Owners& owners, std::string name, const HeaderDef& header, int line, std::string_view what)
 		{
-			if (name.size() < 2 || name[0] != prefix)
+			std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+			const auto [taken, isNew] = owners.try_emplace(name, fmt::format("{}({})", header.path, line));
+			if (!isNew)
 			{
-				context.report(line, fmt::format("the name of the {} '{}' must begin with {}", what, name, prefix));
+				fail(line, "'{}' takes a name that {} has taken", what, taken->second);
 			}
 		}
 
-		void checkClass(const CheckContext& context, const ClassDef& def)
+		/** Checks one header after the other; what they have in common are the names. */
+		class Checker
 		{
-			checkPrefix(context, def.name, 'U', def.line, "class");
-			checkSpecifiers(context, def.specifiers, "UCLASS", def.name);
-			const Found<ClassDef> super = context.symbols.findClass(def.super);
-			if (def.super.empty())
+		public:
+			explicit Checker(const Symbols& inSymbols)
+				: symbols(inSymbols)
 			{
-				context.report(def.line, fmt::format("'{}' must derive from UObject or a class that does", def.name));
 			}
-			else if (!super && def.super != "UObject" && context.symbols.areComplete())
-			{
-				context.report(def.line, fmt::format("the base '{}' of '{}' is not a reflected class", def.super, def.name));
-			}
-			else if (super && !context.symbols.isVisible(super, context.header, def.line))
-			{
-				context.report(def.line, fmt::format("the base '{}' of '{}' must be declared before it", def.super, def.name));
-			}
-			for (const std::string& base : def.otherBases)
-			{
-				if (base == "UObject" || context.symbols.findClass(base))
-				{
-					context.report(def.line, fmt::format("'{}' may have one reflected base only, '{}' is a second one", def.name, base));
-				}
-			}
-			checkProperties(context, def.properties, def.name, true);
-			checkFunctions(context, def);
-		}
 
-		void checkStruct(const CheckContext& context, const StructDef& def)
-		{
-			checkPrefix(context, def.name, 'F', def.line, "struct");
-			checkSpecifiers(context, def.specifiers, "USTRUCT", def.name);
-			const Found<StructDef> super = context.symbols.findStruct(def.super);
-			const bool isKnown = super && context.symbols.isVisible(super, context.header, def.line);
-			if (!def.super.empty() && !isKnown && (super || context.symbols.areComplete()))
+			void checkHeader(const HeaderDef& header)
 			{
-				context.report(
-					def.line, fmt::format("the base '{}' of '{}' is not a reflected struct declared before it", def.super, def.name));
+				take(files, header.baseName(), header, 1, header.fileName);
+				checkFile(symbols, header);
+				checkNames(header, header.classes, "U");
+				checkNames(header, header.structs, "F");
+				checkNames(header, header.enums, "");
+				checkNames(header, header.delegates, "F");
+				const auto checkAll = [&](const auto& defs, auto checkOne)
+				{ std::for_each(defs.begin(), defs.end(), [&](const auto& def) { (this->*checkOne)(def); }); };
+				checkAll(header.enums, &Checker::checkEnum);
+				checkAll(header.structs, &Checker::checkStruct);
+				checkAll(header.delegates, &Checker::checkDelegate);
+				checkAll(header.classes, &Checker::checkClass);
 			}
-			checkProperties(context, def.properties, def.name, false);
-			for (auto property = def.properties.begin(); property != def.properties.end(); ++property)
-			{
-				if (std::any_of(def.properties.begin(), property, [&](const PropertyDef& p) { return sameName(p.name, property->name); }))
-				{
-					context.report(property->line, fmt::format("'{}' is already a reflected property of {}", property->name, def.name));
-				}
-			}
-		}
 
-		void checkEnumerators(const CheckContext& context, const EnumDef& def)
-		{
-			for (auto enumerator = def.enumerators.begin(); enumerator != def.enumerators.end(); ++enumerator)
+		private:
+			/** The engine's prefixes tell it what a name stands for; it knows the type by the rest of the name. */
+			template <class Def>
+			void checkNames(const HeaderDef& header, const std::vector<Def>& defs, std::string_view prefix)
 			{
-				checkSpecifiers(context, enumerator->specifiers, "UMETA", enumerator->name);
-				if (enumerator->value < 0 || enumerator->value > UINT8_MAX)
+				for (const Def& def : defs)
 				{
-					context.report(
-						enumerator->line, fmt::format("the value {} of '{}' is outside 0..255", enumerator->value, enumerator->name));
-				}
-				const auto clash = std::find_if(def.enumerators.begin(), enumerator,
-					[&](const EnumeratorDef& e) { return sameName(e.name, enumerator->name) || e.value == enumerator->value; });
-				if (clash != enumerator)
-				{
-					const bool isName = sameName(clash->name, enumerator->name);
-					context.report(enumerator->line,
-						isName ? fmt::format("{} has '{}' twice", def.name, enumerator->name)
-							   : fmt::format("'{}' has the value {} of '{}'", enumerator->name, enumerator->value, clash->name));
+					const std::string name = def.name.substr(prefix.size());
+					if (!def.name.starts_with(prefix) || name.empty())
+					{
+						fail(def.line, "the name '{}' must begin with {}", def.name, prefix);
+					}
+					if (!header.isReference && isEngineName(name))
+					{
+						fail(def.line, "'{}': the engine has a type of its own called '{}'", def.name, name);
+					}
+					take(std::is_same_v<Def, DelegateDef> ? delegates : types, name, header, def.line, def.name);
 				}
 			}
-		}
 
-		void checkEnum(const CheckContext& context, const EnumDef& def)
-		{
-			checkSpecifiers(context, def.specifiers, "UENUM", def.name);
-			if (!def.isScoped || def.base != "uint8")
+			void checkClass(const ClassDef& def) const
 			{
-				context.report(def.line, fmt::format("'{}' must be an 'enum class' based on uint8", def.name));
-			}
-			if (def.enumerators.empty())
-			{
-				context.report(def.line, fmt::format("'{}' has no enumerators", def.name));
-			}
-			checkEnumerators(context, def);
-		}
-
-		void checkDelegate(const CheckContext& context, const DelegateDef& def)
-		{
-			checkPrefix(context, def.name, 'F', def.line, "delegate");
-			if (def.parameters.size() != static_cast<size_t>(def.declaredCount))
-			{
-				context.report(def.line,
-					fmt::format("'{}' has {} parameters, its macro is for {}", def.name, def.parameters.size(), def.declaredCount));
-			}
-			for (const ParameterDef& parameter : def.parameters)
-			{
-				if (parameter.type.isOutput())
+				checkSpecifiers(def.specifiers, "UCLASS");
+				if (!symbols.isClass(def.super))
 				{
-					context.report(parameter.line,
-						fmt::format("parameter '{}' of '{}': delegates take no non-const references", parameter.name, def.name));
+					fail(def.line, "'{}' must derive from a reflected class, '{}' is none", def.name, def.super);
+				}
+				for (const std::string& base : def.otherBases)
+				{
+					if (symbols.isClass(base))
+					{
+						fail(def.line, "'{}' may have one reflected base only, '{}' is a second one", def.name, base);
+					}
+				}
+				checkMembers(symbols, def, true);
+			}
+
+			void checkStruct(const ClassDef& def) const
+			{
+				checkSpecifiers(def.specifiers, "USTRUCT");
+				if (!def.super.empty() && !symbols.findStruct(def.super))
+				{
+					fail(def.line, "the base '{}' of '{}' is not a reflected struct", def.super, def.name);
+				}
+				checkMembers(symbols, def, false);
+			}
+
+			void checkEnum(const EnumDef& def) const
+			{
+				checkSpecifiers(def.specifiers, "UENUM");
+				if (!def.isScoped || def.base != "uint8")
+				{
+					fail(def.line, "'{}' must be an 'enum class' based on uint8", def.name);
+				}
+				for (auto enumerator = def.enumerators.begin(); enumerator != def.enumerators.end(); ++enumerator)
+				{
+					checkSpecifiers(enumerator->specifiers, "UMETA");
+					const auto isSame = [&](const EnumeratorDef& e)
+					{ return sameName(e.name, enumerator->name) || e.value == enumerator->value; };
+					if (const auto clash = std::find_if(def.enumerators.begin(), enumerator, isSame); clash != enumerator)
+					{
+						fail(enumerator->line, "'{}' has the name or the value of '{}'", enumerator->name, clash->name);
+					}
 				}
 			}
-			checkParameters(context, def.parameters, def.name);
-		}
+
+			void checkDelegate(const DelegateDef& def) const
+			{
+				for (const ParameterDef& parameter : def.parameters)
+				{
+					if (parameter.type.isOutput())
+					{
+						fail(parameter.line, "parameter '{}' of '{}': delegates take no non-const references", parameter.name, def.name);
+					}
+				}
+				checkParameters(symbols, def.parameters, def.name);
+			}
+
+			const Symbols& symbols;
+			Owners files;
+			Owners types; // as scripts see them, without their prefix
+			Owners delegates;
+		};
 	} // namespace
 
-	void check(const std::vector<HeaderDef>& headers, Diagnostics& diagnostics)
+	Diagnostics check(const std::vector<HeaderDef>& headers)
 	{
 		const Symbols symbols(headers);
+		Checker checker(symbols);
+		Diagnostics diagnostics;
 		for (const HeaderDef& header : headers)
 		{
-			const CheckContext context{headers, symbols, header, diagnostics};
-			const auto checkAll = [&](const auto& list, auto checkOne)
-			{ std::for_each(list.begin(), list.end(), [&](const auto& def) { checkOne(context, def); }); };
-			checkFile(context);
-			if (!header.isReference)
+			try
 			{
-				checkEngineNames(context);
+				checker.checkHeader(header);
 			}
-			checkAll(header.enums, checkEnum);
-			checkAll(header.structs, checkStruct);
-			checkAll(header.delegates, checkDelegate);
-			checkAll(header.classes, checkClass);
+			catch (const HeaderError& error)
+			{
+				diagnostics.push_back({header.path, error.line, error.what()});
+			}
 		}
-		checkClashes(headers, diagnostics);
+		return diagnostics;
 	}
 } // namespace HeaderTool

@@ -3,27 +3,34 @@
 #include "Diagnostics.h"
 #include "Symbols.h"
 
-#include <optional>
-
 namespace HeaderTool
 {
 	/**
-	 * Finds what the engine would refuse, or this host could not offer, in headers that could be read.
-	 * @param headers      all headers of the run, reference headers too: names are looked up in all of them.
-	 * @param diagnostics  receives one entry per mistake, in no particular order.
+	 * Finds what the engine would refuse, or this host could not offer; what the compiler refuses by itself is left to it.
+	 * @param headers  all headers of the run, reference headers too: names are looked up in all of them.
+	 * @return the first mistake of each header.
 	 */
-	void check(const std::vector<HeaderDef>& headers, Diagnostics& diagnostics);
+	Diagnostics check(const std::vector<HeaderDef>& headers);
 
-	/** What one group of checks works with. */
-	struct CheckContext
-	{
-		const std::vector<HeaderDef>& headers;
-		const Symbols& symbols;
-		const HeaderDef& header; // the one being checked
-		Diagnostics& diagnostics;
+	// The groups of checks; all of them throw HeaderError.
 
-		void report(int line, std::string message) const { diagnostics.push_back({header.path, line, std::move(message)}); }
-	};
+	/** #pragma once, the generated header and circles of includes. */
+	void checkFile(const Symbols& symbols, const HeaderDef& header);
+
+	/**
+	 * @param name  of a type without its prefix, but for enumerations, which the engine knows by their whole name.
+	 * @return whether the engine is known to have a reflected type of that name; case does not matter.
+	 */
+	bool isEngineName(std::string_view name);
+
+	/** Unknown and repeated specifiers of one macro. @param macro  "UCLASS"; selects the specifiers that are known. */
+	void checkSpecifiers(const Specifiers& specifiers, std::string_view macro);
+
+	/** Functions and properties of a class or struct. */
+	void checkMembers(const Symbols& symbols, const ClassDef& owner, bool isClass);
+
+	/** Types, names and defaults of parameters, whatever they belong to. */
+	void checkParameters(const Symbols& symbols, const std::vector<ParameterDef>& parameters, const std::string& owner);
 
 	/** Where a type stands; not every type may stand everywhere. */
 	enum class TypeUse
@@ -32,27 +39,9 @@ namespace HeaderTool
 		Property // a member that scripts do not see
 	};
 
-	/** @return why the type may not be used there, or nothing when it may. */
-	std::optional<std::string> typeProblem(const CheckContext& context, const TypeDef& type, TypeUse use);
+	/** @return why the type may not be used there; empty when it may. */
+	std::string typeProblem(const Symbols& symbols, const TypeDef& type, TypeUse use);
 
-	/** @return why the declared default does not suit the parameter's type, or nothing when it does. */
-	std::optional<std::string> defaultProblem(const CheckContext& context, const ParameterDef& parameter);
-
-	/**
-	 * Unknown, repeated and contradicting specifiers of one macro.
-	 * @param macro  "UCLASS"; selects the specifiers that are known.
-	 * @param owner  the name of what the macro stands before, for messages.
-	 */
-	void checkSpecifiers(const CheckContext& context, const Specifiers& specifiers, std::string_view macro, const std::string& owner);
-
-	void checkFile(const CheckContext& context);
-	void checkFunctions(const CheckContext& context, const ClassDef& owner);
-	/** @param owner  the name of the class or struct. */
-	void checkProperties(const CheckContext& context, const std::vector<PropertyDef>& properties, const std::string& owner, bool isClass);
-	/** Types, names and count of parameters, whatever they belong to. */
-	void checkParameters(const CheckContext& context, const std::vector<ParameterDef>& parameters, const std::string& owner);
-	/** Names that the engine has given away; it looks neither at prefixes nor at case. */
-	void checkEngineNames(const CheckContext& context);
-	/** Names that two headers, or two types, would both take in the generated code. */
-	void checkClashes(const std::vector<HeaderDef>& headers, Diagnostics& diagnostics);
+	/** @return whether a parameter of that type may have the default. */
+	bool suits(const DefaultDef& value, const TypeDef& type);
 } // namespace HeaderTool

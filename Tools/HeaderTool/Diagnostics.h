@@ -1,7 +1,9 @@
 #pragma once
 
+#include <fmt/format.h>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace HeaderTool
@@ -16,20 +18,20 @@ namespace HeaderTool
 
 	using Diagnostics = std::vector<Diagnostic>;
 
-	/** Ends the reading of a whole header. */
-	struct NestingError
+	/** Ends the work on one header: what follows its first mistake is not looked at. */
+	struct HeaderError : std::runtime_error
 	{
-		int line;
-	};
-
-	/** Ends the reading of one declaration; the parser reports it and goes on with the next one. */
-	struct ParseError : std::runtime_error
-	{
-		ParseError(int inLine, const std::string& message)
+		HeaderError(int inLine, const std::string& message)
 			: std::runtime_error(message)
 			, line(inLine)
 		{
 		}
 		int line;
 	};
+
+	template <class... Arguments>
+	[[noreturn]] void fail(int line, fmt::format_string<Arguments...> text, Arguments&&... arguments)
+	{
+		throw HeaderError(line, fmt::format(text, std::forward<Arguments>(arguments)...));
+	}
 } // namespace HeaderTool

@@ -1,8 +1,4 @@
-#include "Directives.h"
-
-#include <algorithm>
-#include <array>
-#include <fmt/format.h>
+#include "Parser.h"
 
 namespace HeaderTool
 {
@@ -23,119 +19,62 @@ namespace HeaderTool
 			return {text.substr(0, end), rest.substr(std::min(rest.find_first_not_of(" \t"), rest.size()))};
 		}
 
-		class DirectiveReader
+		void readDirective(const Token& token, HeaderDef& header, std::vector<Condition>& conditions)
 		{
-		public:
-			DirectiveReader(HeaderDef& inHeader, Diagnostics& inDiagnostics)
-				: header(inHeader)
-				, diagnostics(inDiagnostics)
+			const auto [name, rest] = splitDirective(token.text);
+			if (name == "include")
 			{
+				const size_t end = rest.find_first_of(">\"", 1);
+				header.includes.push_back({end == rest.npos ? "" : std::string(rest.substr(1, end - 1)), token.line});
 			}
-
-			void readDirective(const Token& token)
+			else if (name.starts_with("if"))
 			{
-				const auto [name, rest] = splitDirective(token.text);
-				if (name == "include")
-				{
-					header.includes.push_back({fileOf(rest), token.line, !conditions.empty()});
-				}
-				else if (name.starts_with("if"))
-				{
-					const bool isEditor = name == "if" && (rest == "WITH_EDITOR" || rest == "WITH_EDITORONLY_DATA");
-					conditions.push_back({token.line, "#" + token.text, isEditor});
-				}
-				else if (name == "else" || name == "elif" || name == "endif")
-				{
-					leaveBranch(token, name == "endif");
-				}
+				const bool isEditor = name == "if" && (rest == "WITH_EDITOR" || rest == "WITH_EDITORONLY_DATA");
+				conditions.push_back({token.line, "#" + token.text, isEditor});
 			}
-
-			/** @return whether the parser gets to see the token. */
-			bool keeps(const Token& token)
+			else if (!conditions.empty() && name == "endif")
 			{
-				if (conditions.empty() || token.kind == TokenKind::End)
-				{
-					return true;
-				}
-				const auto barrier = std::find_if(conditions.begin(), conditions.end(), [](const Condition& c) { return !c.isEditor; });
-				if (barrier != conditions.end() && token.kind == TokenKind::Identifier && isReflectionMacro(token.text))
-				{
-					report(token.line,
-						fmt::format("{} stands inside '{}' of line {}; only WITH_EDITOR and WITH_EDITORONLY_DATA may enclose it",
-							token.text, barrier->text, barrier->line));
-				}
-				return false;
+				conditions.pop_back();
 			}
-
-			void finish()
+			else if (!conditions.empty() && name.starts_with("el"))
 			{
-				for (const Condition& condition : conditions)
-				{
-					report(condition.line, fmt::format("'{}' has no #endif", condition.text));
-				}
+				conditions.back() = {token.line, "#" + token.text, false}; // "not in the editor" is no condition the engine reads
 			}
+		}
 
-		private:
-			void report(int line, std::string message) { diagnostics.push_back({header.path, line, std::move(message)}); }
-
-			static std::string fileOf(std::string_view operand)
+		void refuseReflection(const Token& token, const std::vector<Condition>& conditions)
+		{
+			const auto barrier = std::find_if(conditions.begin(), conditions.end(), [](const Condition& c) { return !c.isEditor; });
+			if (barrier != conditions.end() && isReflectionMacro(token))
 			{
-				const size_t end = operand.find_first_of(">\"", 1);
-				return end == std::string_view::npos ? std::string() : std::string(operand.substr(1, end - 1));
+				fail(token.line, "{} stands inside '{}' of line {}; only WITH_EDITOR and WITH_EDITORONLY_DATA may enclose it", token.text,
+					barrier->text, barrier->line);
 			}
-
-			void leaveBranch(const Token& token, bool isLast)
-			{
-				if (conditions.empty())
-				{
-					report(token.line, fmt::format("#{} without #if", token.text));
-				}
-				else if (isLast)
-				{
-					conditions.pop_back();
-				}
-				else
-				{
-					conditions.back() = {token.line, "#" + token.text, false}; // "not in the editor" is no condition the engine reads
-				}
-			}
-
-			HeaderDef& header;
-			Diagnostics& diagnostics;
-			std::vector<Condition> conditions;
-		};
+		}
 	} // namespace
 
-	bool isReflectionMacro(std::string_view word)
+	std::vector<Token> takeDirectives(std::vector<Token> tokens, HeaderDef& header)
 	{
-		constexpr std::array<std::string_view, 9> names = {
-			"UCLASS", "USTRUCT", "UENUM", "UFUNCTION", "UPROPERTY", "UPARAM", "UMETA", "UINTERFACE", "UDELEGATE"};
-		return word.starts_with("DECLARE_DYNAMIC_") || (word.starts_with("GENERATED_") && word.ends_with("BODY")) ||
-			   std::find(names.begin(), names.end(), word) != names.end();
-	}
-
-	std::vector<Token> takeDirectives(std::vector<Token> tokens, HeaderDef& header, Diagnostics& diagnostics)
-	{
-		header.startsWithPragmaOnce =
-			tokens.front().kind == TokenKind::Directive &&
-			splitDirective(tokens.front().text) == std::pair<std::string_view, std::string_view>("pragma", "once");
-		DirectiveReader reader(header, diagnostics);
+		using Words = std::pair<std::string_view, std::string_view>;
+		const Token& first = tokens.front();
+		header.startsWithPragmaOnce = first.kind == TokenKind::Directive && splitDirective(first.text) == Words("pragma", "once");
+		std::vector<Condition> conditions;
 		std::vector<Token> kept;
 		int region = 0;
 		for (Token& token : tokens)
 		{
+			refuseReflection(token, conditions);
+			token.region = region;
 			if (token.kind == TokenKind::Directive)
 			{
-				reader.readDirective(token);
+				readDirective(token, header, conditions);
 				++region;
 			}
-			else if (reader.keeps(token))
+			else if (conditions.empty() || token.kind == TokenKind::End)
 			{
-				token.region = region;
 				kept.push_back(std::move(token));
 			}
 		}
-		reader.finish();
 		return kept;
 	}
 } // namespace HeaderTool

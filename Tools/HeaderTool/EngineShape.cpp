@@ -116,7 +116,7 @@ namespace HeaderTool
 	std::string generateEngineHeader(const HeaderDef& header, const std::string& module)
 	{
 		const std::string api = exportMacro(module);
-		const std::string fileId = GeneratedNames(header, module).fileId;
+		const std::string fileId = fmt::format("FID_{}_h", generatedName(header, module));
 		std::string text = "#pragma once\n#include \"EngineShape.h\"\n";
 		text += fmt::format("#undef CURRENT_FILE_ID\n#define CURRENT_FILE_ID {}\n", fileId);
 		for (const EnumDef& def : header.enums)
@@ -127,7 +127,7 @@ namespace HeaderTool
 		{
 			text += delegateBody(def, api);
 		}
-		for (const StructDef& def : header.structs)
+		for (const ClassDef& def : header.structs)
 		{
 			text += fmt::format("\n#define {}_{}_GENERATED_BODY \\\n\tfriend struct Z_Construct_UScriptStruct_{}_Statics; \\\n"
 								"\tstatic const UScriptStruct* StaticStruct();\n",
@@ -152,7 +152,7 @@ namespace HeaderTool
 		{
 			text += wrapper(def);
 		}
-		for (const StructDef& def : header.structs)
+		for (const ClassDef& def : header.structs)
 		{
 			text += fmt::format(
 				"\nconst UScriptStruct* {0}::StaticStruct()\n{{\n\treturn MakeStaticStruct(&PropertyTypeOf<{0}>);\n}}\n", def.name);

@@ -28,7 +28,7 @@ struct FReflectionOf;
 			{
 				text += fmt::format("\nclass {};\n", def.name);
 			}
-			for (const StructDef& def : header.structs)
+			for (const ClassDef& def : header.structs)
 			{
 				text += fmt::format("\nstruct {};\n", def.name);
 			}
@@ -60,7 +60,7 @@ struct FReflectionOf;
 				def.super, def.name);
 		}
 
-		std::string structBody(const StructDef& def)
+		std::string structBody(const ClassDef& def)
 		{
 			return fmt::format("\tstatic const UScriptStruct* StaticStruct(); \\\n"
 							   "\tfriend struct FReflectionOf<{}>;\n",
@@ -68,13 +68,12 @@ struct FReflectionOf;
 		}
 	} // namespace
 
-	GeneratedNames::GeneratedNames(const HeaderDef& header, const std::string& module)
+	std::string generatedName(const HeaderDef& header, const std::string& module)
 	{
 		std::string base = header.baseName();
 		std::replace_if(
 			base.begin(), base.end(), [](unsigned char c) { return !std::isalnum(c); }, '_');
-		fileId = fmt::format("FID_{}_{}_h", module, base);
-		registration = fmt::format("GeneratedRegistration_{}_{}", module, base);
+		return module + "_" + base;
 	}
 
 	std::string generateHeader(const HeaderDef& header, const std::string& module)
@@ -88,9 +87,9 @@ struct FReflectionOf;
 		}
 		text += declarations;
 		text += declareTypes(header);
-		const std::string fileId = GeneratedNames(header, module).fileId;
+		const std::string fileId = fmt::format("FID_{}_h", generatedName(header, module));
 		text += fmt::format("\n#undef CURRENT_FILE_ID\n#define CURRENT_FILE_ID {}\n", fileId);
-		for (const StructDef& def : header.structs)
+		for (const ClassDef& def : header.structs)
 		{
 			text += fmt::format("\n#define {}_{}_GENERATED_BODY \\\n{}", fileId, def.bodyLine, structBody(def));
 		}

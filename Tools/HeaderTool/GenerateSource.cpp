@@ -1,7 +1,8 @@
 #include "Generator.h"
-#include "StringLiteral.h"
 #include "Tables.h"
+#include "Text.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 #include <set>
 
@@ -9,19 +10,6 @@ namespace HeaderTool
 {
 	namespace
 	{
-		std::optional<ParameterDef> resultOf(const FunctionDef& function)
-		{
-			if (!function.returnType)
-			{
-				return std::nullopt;
-			}
-			ParameterDef result;
-			result.name = "ReturnValue";
-			result.type = *function.returnType;
-			result.specifiers = function.returnSpecifiers;
-			return result;
-		}
-
 		/** `static void Invoke_x(UObject* Self, void* const* Arguments)` */
 		std::string thunk(const ClassDef& owner, const FunctionDef& function)
 		{
@@ -33,14 +21,14 @@ namespace HeaderTool
 			}
 			call = function.isStatic ? fmt::format("{}::{}({})", owner.name, function.name, call)
 									 : fmt::format("static_cast<{}*>(Self)->{}({})", owner.name, function.name, call);
-			if (const std::optional<ParameterDef> result = resultOf(function))
+			if (function.result)
 			{
-				const std::string type = storedType(result->type);
-				const bool dropsConst = result->type.pointers > 0 && result->type.isConst;
+				const std::string type = storedType(function.result->type);
+				const bool dropsConst = function.result->type.pointers > 0 && function.result->type.isConst;
 				call = fmt::format("*static_cast<{}*>(Arguments[{}]) = {}", type, function.parameters.size(),
 					dropsConst ? fmt::format("const_cast<{}>({})", type, call) : call);
 			}
-			const bool usesArguments = function.returnType || !function.parameters.empty();
+			const bool usesArguments = function.result || !function.parameters.empty();
 			return fmt::format("\tstatic void Invoke_{}(UObject*{}, void* const*{})\n\t{{\n\t\t{};\n\t}}\n", function.name,
 				function.isStatic ? "" : " Self", usesArguments ? " Arguments" : "", call);
 		}
@@ -56,23 +44,24 @@ namespace HeaderTool
 			return isPure ? flags + " | FUNC_BlueprintPure" : flags;
 		}
 
-		std::string functionTables(const ClassDef& owner)
+		Table functionTable(const ClassDef& owner)
 		{
 			std::string text;
 			std::string rows;
 			for (const FunctionDef& function : owner.functions)
 			{
-				const std::optional<ParameterDef> result = resultOf(function);
-				const std::string parameters = parameterTable("_" + function.name, function.parameters, result ? &*result : nullptr);
-				const std::string metaName = "FunctionMeta_" + function.name;
-				text += thunk(owner, function) + parameters + metaTable(metaName, function.specifiers) + "\n";
-				rows += fmt::format("\t\t{{{}, {}, {}, &Invoke_{}, {}}},\n", quote(function.name), flagsOf(function),
-					parameters.empty() ? "{}" : "Parameters_" + function.name, function.name, metaReference(metaName, function.specifiers));
+				const Table parameters = parameterTable("_" + function.name, function.parameters, function.result);
+				const Table meta = metaTable("FunctionMeta_" + function.name, function.specifiers);
+				text += thunk(owner, function) + parameters.text + meta.text + "\n";
+				rows += fmt::format("\t\t{{{}, {}, {}, &Invoke_{}, {}}},\n", quote(function.name), flagsOf(function), parameters.reference,
+					function.name, meta.reference);
 			}
-			return rows.empty() ? rows : fmt::format("{}\tstatic constexpr UFunction Functions[] = {{\n{}\t}};\n", text, rows);
+			Table table = makeTable("static constexpr UFunction Functions[]", "Functions", rows);
+			table.text.insert(0, text);
+			return table;
 		}
 
-		std::string delegateTables(const ClassDef& owner)
+		Table delegateTable(const ClassDef& owner)
 		{
 			std::string text;
 			std::string rows;
@@ -82,16 +71,17 @@ namespace HeaderTool
 				{
 					continue; // scripts do not see it
 				}
-				const std::string metaName = "DelegateMeta_" + property.name;
+				const Table meta = metaTable("DelegateMeta_" + property.name, property.specifiers);
 				text +=
 					fmt::format("\tstatic FMulticastScriptDelegate& Get_{0}(UObject* Owner) {{ return static_cast<{1}*>(Owner)->{0}; }}\n",
 						property.name, owner.name);
-				text += metaTable(metaName, property.specifiers);
+				text += meta.text;
 				rows += fmt::format("\t\t{{{}, &GeneratedSignatures::{}, &Get_{}, {}}},\n", quote(property.name), property.type.name,
-					property.name, metaReference(metaName, property.specifiers));
+					property.name, meta.reference);
 			}
-			return rows.empty() ? rows
-								: fmt::format("{}\n\tstatic constexpr FMulticastDelegateProperty Delegates[] = {{\n{}\t}};\n", text, rows);
+			Table table = makeTable("static constexpr FMulticastDelegateProperty Delegates[]", "Delegates", rows);
+			table.text.insert(0, text.empty() ? "" : text + "\n");
+			return table;
 		}
 
 		std::string reflection(const std::string& type, const std::string& members)
@@ -101,24 +91,26 @@ namespace HeaderTool
 
 		std::string defineClass(const ClassDef& def)
 		{
-			const std::string functions = functionTables(def);
-			const std::string delegates = delegateTables(def);
+			const Table functions = functionTable(def);
+			const Table delegates = delegateTable(def);
+			const Table meta = metaTable("Meta", def.specifiers);
 			const bool isAbstract = def.specifiers.find("Abstract") != nullptr;
 			const std::string definition =
 				fmt::format("\tstatic constexpr FClassDefinition Definition{{{}, &{}::StaticClass, {}, {}, {}, {}}};\n",
 					quote(def.name.substr(1)), def.super, isAbstract ? "nullptr" : fmt::format("&ConstructObject<{}>", def.name),
-					functions.empty() ? "{}" : "Functions", delegates.empty() ? "{}" : "Delegates", metaReference("Meta", def.specifiers));
-			return reflection(def.name, functions + delegates + metaTable("Meta", def.specifiers) + definition) +
+					functions.reference, delegates.reference, meta.reference);
+			return reflection(def.name, functions.text + delegates.text + meta.text + definition) +
 				   fmt::format("\nUClass* {0}::StaticClass()\n"
 							   "{{\n\tstatic UClass Instance(FReflectionOf<{0}>::Definition);\n\treturn &Instance;\n}}\n",
 					   def.name);
 		}
 
-		std::string defineStruct(const StructDef& def)
+		std::string defineStruct(const ClassDef& def)
 		{
+			const Table meta = metaTable("Meta", def.specifiers);
 			const std::string definition = fmt::format("\tstatic constexpr UScriptStruct Definition{{{}, &PropertyTypeOf<{}>, {}}};\n",
-				quote(def.name.substr(1)), def.name, metaReference("Meta", def.specifiers));
-			return reflection(def.name, metaTable("Meta", def.specifiers) + definition) +
+				quote(def.name.substr(1)), def.name, meta.reference);
+			return reflection(def.name, meta.text + definition) +
 				   fmt::format("\nconst UScriptStruct* {0}::StaticStruct()\n{{\n\treturn &FReflectionOf<{0}>::Definition;\n}}\n", def.name);
 		}
 
@@ -131,31 +123,33 @@ namespace HeaderTool
 				rows += fmt::format("\t\t{{{}, {}, {}}},\n", quote(enumerator.name), enumerator.value,
 					quote(display ? display->value.value_or("") : enumerator.name));
 			}
-			const std::string definition = fmt::format(
-				"\tstatic constexpr UEnum Definition{{{}, Enumerators, {}}};\n", quote(def.name), metaReference("Meta", def.specifiers));
-			return reflection(def.name, fmt::format("\tstatic constexpr FEnumerator Enumerators[] = {{\n{}\t}};\n", rows) +
-											metaTable("Meta", def.specifiers) + definition) +
+			const Table meta = metaTable("Meta", def.specifiers);
+			const std::string definition =
+				fmt::format("\tstatic constexpr UEnum Definition{{{}, Enumerators, {}}};\n", quote(def.name), meta.reference);
+			const Table enumerators = makeTable("static constexpr FEnumerator Enumerators[]", "Enumerators", rows);
+			return reflection(def.name, enumerators.text + meta.text + definition) +
 				   fmt::format(
 					   "\ntemplate <>\nconst UEnum* StaticEnum<{0}>()\n{{\n\treturn &FReflectionOf<{0}>::Definition;\n}}\n", def.name);
 		}
 
 		std::string defineDelegate(const DelegateDef& def)
 		{
-			const std::string parameters = parameterTable("", def.parameters, nullptr);
-			const std::string meta = metaTable("Meta", def.specifiers);
-			const auto reference = [&](const std::string& table, std::string_view name)
-			{ return table.empty() ? "{}" : fmt::format("FReflectionOf<::{}>::{}", def.name, name); };
-			const std::string text = parameters.empty() && meta.empty() ? "" : reflection(def.name, parameters + meta);
-			return text + fmt::format("\nconst UDelegateFunction GeneratedSignatures::{}{{{}, {}, {}}};\n", def.name, quote(def.name),
-							  reference(parameters, "Parameters"), reference(meta, "Meta"));
+			const Table parameters = parameterTable("", def.parameters, std::nullopt);
+			const Table meta = metaTable("Meta", def.specifiers);
+			const auto reference = [&](const Table& table)
+			{ return table.text.empty() ? "{}" : fmt::format("FReflectionOf<::{}>::{}", def.name, table.reference); };
+			const std::string tables = parameters.text + meta.text;
+			return (tables.empty() ? "" : reflection(def.name, tables)) +
+				   fmt::format("\nconst UDelegateFunction GeneratedSignatures::{}{{{}, {}, {}}};\n", def.name, quote(def.name),
+					   reference(parameters), reference(meta));
 		}
 
 		/** Pointers need no include in the header, but the tables need the class itself. */
 		void collectClasses(const TypeDef& type, const Symbols& symbols, std::set<std::string>& includes)
 		{
-			if (const Found<ClassDef> found = symbols.findClass(type.name))
+			if (const ClassDef* const found = symbols.findClass(type.name))
 			{
-				includes.insert(found.header->includeName);
+				includes.insert(found->includeName);
 			}
 			for (const TypeDef& argument : type.arguments)
 			{
@@ -166,23 +160,17 @@ namespace HeaderTool
 		std::string includesOf(const HeaderDef& header, const Symbols& symbols)
 		{
 			std::set<std::string> includes;
-			const auto collect = [&](const std::vector<ParameterDef>& parameters)
-			{
-				for (const ParameterDef& parameter : parameters)
-				{
-					collectClasses(parameter.type, symbols, includes);
-				}
-			};
+			const auto collect = [&](const ParameterDef& parameter) { collectClasses(parameter.type, symbols, includes); };
 			for (const DelegateDef& def : header.delegates)
 			{
-				collect(def.parameters);
+				std::for_each(def.parameters.begin(), def.parameters.end(), collect);
 			}
 			for (const ClassDef& def : header.classes)
 			{
 				for (const FunctionDef& function : def.functions)
 				{
-					collect(function.parameters);
-					collectClasses(function.returnType.value_or(TypeDef()), symbols, includes);
+					std::for_each(function.parameters.begin(), function.parameters.end(), collect);
+					collect(function.result.value_or(ParameterDef()));
 				}
 			}
 			includes.erase(header.includeName);
@@ -195,29 +183,35 @@ namespace HeaderTool
 			return text;
 		}
 
+		/** What the registry takes of one kind. @param entry  with {} for the name of a type. */
 		template <class Def>
-		std::string pointerTable(const std::vector<Def>& defs, std::string_view declaration, std::string_view entry)
+		Table registered(const std::vector<Def>& defs, std::string_view declaration, const std::string& name,
+			fmt::format_string<const std::string&> entry)
 		{
 			std::string rows;
 			for (const Def& def : defs)
 			{
-				rows += fmt::format("\t\t{},\n", fmt::format(fmt::runtime(entry), def.name));
+				rows += fmt::format("\t\t{},\n", fmt::format(entry, def.name));
 			}
-			return rows.empty() ? rows : fmt::format("\t{} = {{\n{}\t}};\n", declaration, rows);
+			return makeTable(declaration, name, rows);
 		}
 
 		std::string registration(const HeaderDef& header, const std::string& module)
 		{
-			const std::string space = GeneratedNames(header, module).registration;
-			const auto reference = [](const auto& list, std::string_view name) { return list.empty() ? std::string_view("{}") : name; };
-			return fmt::format("\nnamespace {}\n{{\n", space) +
-				   pointerTable(header.classes, "constexpr UClass* (*Classes[])()", "&{}::StaticClass") +
-				   pointerTable(header.structs, "constexpr const UScriptStruct* Structs[]", "&FReflectionOf<{}>::Definition") +
-				   pointerTable(header.enums, "constexpr const UEnum* Enums[]", "&FReflectionOf<{}>::Definition") +
-				   pointerTable(header.delegates, "constexpr const UDelegateFunction* Delegates[]", "&GeneratedSignatures::{}") +
-				   fmt::format("\tstatic FCompiledInHeader Header({}, {}, {}, {}, {});\n}} // namespace {}\n", quote(header.fileName),
-					   reference(header.classes, "Classes"), reference(header.structs, "Structs"), reference(header.enums, "Enums"),
-					   reference(header.delegates, "Delegates"), space);
+			const std::string space = "GeneratedRegistration_" + generatedName(header, module);
+			const Table tables[] = {registered(header.classes, "constexpr UClass* (*Classes[])()", "Classes", "&{}::StaticClass"),
+				registered(header.structs, "constexpr const UScriptStruct* Structs[]", "Structs", "&FReflectionOf<{}>::Definition"),
+				registered(header.enums, "constexpr const UEnum* Enums[]", "Enums", "&FReflectionOf<{}>::Definition"),
+				registered(header.delegates, "constexpr const UDelegateFunction* Delegates[]", "Delegates", "&GeneratedSignatures::{}")};
+			std::string text;
+			std::string references;
+			for (const Table& table : tables)
+			{
+				text += table.text;
+				references += ", " + table.reference;
+			}
+			return fmt::format("\nnamespace {0}\n{{\n{1}\tstatic FCompiledInHeader Header({2}{3});\n}} // namespace {0}\n", space, text,
+				quote(header.fileName), references);
 		}
 
 		template <class Def, class Define>

@@ -4,14 +4,8 @@
 
 namespace HeaderTool
 {
-	/** Names that the generated files of one header share. */
-	struct GeneratedNames
-	{
-		GeneratedNames(const HeaderDef& header, const std::string& module);
-
-		std::string fileId; // "FID_Corvane_Sample_h": begins the name of each GENERATED_BODY macro
-		std::string registration; // the namespace of what is not seen outside the source
-	};
+	/** "Corvane_Sample": what tells the names in the generated files of one header from those of all others. */
+	std::string generatedName(const HeaderDef& header, const std::string& module);
 
 	/** The text of X.generated.h. It depends on the header alone. Only headers that pass the checks may be given. */
 	std::string generateHeader(const HeaderDef& header, const std::string& module);
@@ -29,7 +23,4 @@ namespace HeaderTool
 	std::string generateEngineHeader(const HeaderDef& header, const std::string& module);
 	/** The text of X.gen.cpp that goes with it. */
 	std::string generateEngineSource(const HeaderDef& header, const std::string& module);
-
-	/** The model of the headers that are no reference headers, as JSON. */
-	std::string dumpJson(const std::vector<HeaderDef>& headers, const std::string& module);
 } // namespace HeaderTool

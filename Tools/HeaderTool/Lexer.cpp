@@ -1,15 +1,16 @@
 #include "Lexer.h"
 
-#include "StringLiteral.h"
+#include "Diagnostics.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 namespace HeaderTool
 {
 	namespace
 	{
+		constexpr std::string_view blanks = " \t\v\f\n";
+
 		bool isDigit(char c)
 		{
 			return c >= '0' && c <= '9';
@@ -19,11 +20,6 @@ namespace HeaderTool
 		bool isWordCharacter(char c)
 		{
 			return isDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || static_cast<unsigned char>(c) >= 0x80;
-		}
-
-		bool isSpace(char c)
-		{
-			return c == ' ' || c == '\t' || c == '\v' || c == '\f' || c == '\n';
 		}
 
 		/** The text after joining continued lines, with the line on which each character stood before. */
@@ -65,7 +61,6 @@ namespace HeaderTool
 		/** @return what a comment says, without the stars at the beginning of its lines. @param comment  with its delimiters. */
 		std::string plainText(std::string_view comment)
 		{
-			constexpr std::string_view blanks = " \t";
 			comment.remove_prefix(3);
 			comment.remove_suffix(2);
 			std::string text;
@@ -88,8 +83,8 @@ namespace HeaderTool
 		std::string plainLine(std::string_view comment)
 		{
 			comment.remove_prefix(std::min(comment.find_first_not_of('/'), comment.size()));
-			comment.remove_prefix(std::min(comment.find_first_not_of(" \t"), comment.size()));
-			return std::string(comment.substr(0, comment.find_last_not_of(" \t") + 1));
+			comment.remove_prefix(std::min(comment.find_first_not_of(blanks), comment.size()));
+			return std::string(comment.substr(0, comment.find_last_not_of(blanks) + 1));
 		}
 
 		class Lexer
@@ -101,18 +96,13 @@ namespace HeaderTool
 			{
 			}
 
-			/** The tokens so far survive a ParseError. */
-			void run()
+			std::vector<Token> run()
 			{
 				while (skipBlank(), !rest.empty())
 				{
 					readToken();
 				}
-			}
-
-			std::vector<Token> takeTokens()
-			{
-				tokens.push_back({TokenKind::End, "", "", currentLine(), 0, ""});
+				add(TokenKind::End, currentLine(), "");
 				return std::move(tokens);
 			}
 
@@ -124,6 +114,12 @@ namespace HeaderTool
 				const std::string_view taken = rest.substr(0, count);
 				rest.remove_prefix(taken.size());
 				return taken;
+			}
+
+			template <class Belongs>
+			std::string_view takeWhile(Belongs belongs)
+			{
+				return take(static_cast<size_t>(std::find_if_not(rest.begin(), rest.end(), belongs) - rest.begin()));
 			}
 
 			/** @return false when there is no comment here. */
@@ -139,7 +135,7 @@ namespace HeaderTool
 					const size_t end = rest.find("*/", 2);
 					if (end == std::string_view::npos)
 					{
-						throw ParseError(currentLine(), "this comment does not end");
+						fail(currentLine(), "this comment does not end");
 					}
 					const std::string_view comment = take(end + 2);
 					documentation = comment.starts_with("/**") && comment.size() > 4 ? plainText(comment) : "";
@@ -164,7 +160,7 @@ namespace HeaderTool
 			{
 				while (!rest.empty())
 				{
-					if (isSpace(rest.front()))
+					if (blanks.find(rest.front()) != blanks.npos)
 					{
 						lineHasToken = lineHasToken && rest.front() != '\n';
 						take(1);
@@ -176,7 +172,7 @@ namespace HeaderTool
 				}
 			}
 
-			void add(TokenKind kind, int line, std::string_view text) { tokens.push_back({kind, std::string(text), "", line, 0, ""}); }
+			void add(TokenKind kind, int line, std::string_view text) { tokens.push_back({kind, std::string(text), line, 0, ""}); }
 
 			void readToken()
 			{
@@ -196,17 +192,14 @@ namespace HeaderTool
 				{
 					readDirective(line);
 				}
-				else if (isDigit(rest.front()) || (rest.size() > 1 && rest.front() == '.' && isDigit(rest[1])))
+				else if (isDigit(rest.front()))
 				{
-					readNumber(line);
+					add(TokenKind::Number, line, takeWhile([](char c) { return isWordCharacter(c) || c == '.' || c == '\''; }));
 				}
-				else if (rest.front() == '"')
+				else if (rest.front() == '"' || rest.front() == '\'')
 				{
-					readString(line, "");
-				}
-				else if (rest.front() == '\'')
-				{
-					add(TokenKind::Character, line, take(quotedLength(rest, line)));
+					const TokenKind kind = rest.front() == '"' ? TokenKind::String : TokenKind::Character;
+					add(kind, line, take(quotedLength(line)));
 				}
 				else if (isWordCharacter(rest.front()))
 				{
@@ -231,51 +224,35 @@ namespace HeaderTool
 					else
 					{
 						// A "//" in quotes is no comment. Apostrophes stay alone: #error lines may hold one.
-						text += take(rest.front() == '"' ? quotedLength(rest, line) : 1);
+						text += take(rest.front() == '"' ? quotedLength(line) : 1);
 					}
 				}
-				const size_t begin = std::min(text.find_first_not_of(" \t"), text.size());
-				add(TokenKind::Directive, line, std::string_view(text).substr(begin, text.find_last_not_of(" \t") + 1 - begin));
-			}
-
-			void readNumber(int line)
-			{
-				size_t length = 1;
-				while (length < rest.size())
-				{
-					const char c = rest[length];
-					const char before = rest[length - 1];
-					const bool exponentSign = (c == '+' || c == '-') && (before == 'e' || before == 'E') && !rest.starts_with("0x");
-					if (!isWordCharacter(c) && c != '.' && c != '\'' && !exponentSign)
-					{
-						break;
-					}
-					++length;
-				}
-				add(TokenKind::Number, line, take(length));
+				const size_t begin = std::min(text.find_first_not_of(blanks), text.size());
+				add(TokenKind::Directive, line, std::string_view(text).substr(begin, text.find_last_not_of(blanks) + 1 - begin));
 			}
 
 			void readWord(int line)
 			{
-				const auto end = std::find_if_not(rest.begin(), rest.end(), isWordCharacter);
-				const std::string_view word = take(static_cast<size_t>(end - rest.begin()));
-				constexpr std::array<std::string_view, 9> prefixes = {"u8", "u", "U", "L", "R", "u8R", "uR", "UR", "LR"};
-				if (rest.starts_with("\"") && std::find(prefixes.begin(), prefixes.end(), word) != prefixes.end())
+				const std::string_view word = takeWhile(isWordCharacter);
+				if (rest.starts_with('"') && word.ends_with('R'))
 				{
-					readString(line, word);
+					fail(line, "raw strings are not read here");
 				}
-				else
-				{
-					add(TokenKind::Identifier, line, word);
-				}
+				add(TokenKind::Identifier, line, word);
 			}
 
-			void readString(int line, std::string_view prefix)
+			/** @return the length of the quoted text that begins here, quotes included. */
+			size_t quotedLength(int line) const
 			{
-				const bool raw = prefix.ends_with("R");
-				const std::string_view quoted = take(raw ? rawLength(rest, line) : quotedLength(rest, line));
-				tokens.push_back({TokenKind::String, raw ? std::string(quoted) : unescape(quoted.substr(1, quoted.size() - 2), line),
-					std::string(prefix), line, 0, ""});
+				for (size_t i = 1; i < rest.size() && rest[i] != '\n'; ++i)
+				{
+					if (rest[i] == rest.front())
+					{
+						return i + 1;
+					}
+					i += rest[i] == '\\';
+				}
+				fail(line, "this quoted text does not end on its line");
 			}
 
 			JoinedText source;
@@ -287,17 +264,8 @@ namespace HeaderTool
 		};
 	} // namespace
 
-	std::vector<Token> lex(std::string_view text, const std::string& path, Diagnostics& diagnostics)
+	std::vector<Token> lex(std::string_view text)
 	{
-		Lexer lexer(text);
-		try
-		{
-			lexer.run();
-		}
-		catch (const ParseError& error)
-		{
-			diagnostics.push_back({path, error.line, error.what()});
-		}
-		return lexer.takeTokens();
+		return Lexer(text).run();
 	}
 } // namespace HeaderTool

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Diagnostics.h"
-
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,8 +20,7 @@ namespace HeaderTool
 	struct Token
 	{
 		TokenKind kind = TokenKind::End;
-		std::string text; // the spelling; of a string its value in UTF-8; of a directive what follows the '#'
-		std::string prefix; // of a string: "", "u8", "u", "U", "L", each with an "R" when raw
+		std::string text; // the spelling; of a directive what follows the '#'
 		int line = 1; // where the token begins
 		int region = 0; // number of directives before it, see takeDirectives
 		std::string comment; // what the comment right in front of it says, line by line: one for documentation, or lines of their own
@@ -32,9 +29,7 @@ namespace HeaderTool
 	/**
 	 * Cuts the text of a header into tokens. Comments vanish but for those that document
 	 * the token behind them, continued lines are joined, line ends may be LF or CR LF.
-	 * @param text         UTF-8, with or without byte order mark.
-	 * @param path         for messages.
-	 * @param diagnostics  receives what cannot be read; the tokens then end at that place.
+	 * @param text  UTF-8, with or without byte order mark. Throws HeaderError for what cannot be read.
 	 */
-	std::vector<Token> lex(std::string_view text, const std::string& path, Diagnostics& diagnostics);
+	std::vector<Token> lex(std::string_view text);
 } // namespace HeaderTool

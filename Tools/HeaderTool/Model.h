@@ -77,11 +77,8 @@ namespace HeaderTool
 		std::string name;
 		Specifiers specifiers;
 		std::vector<ParameterDef> parameters;
-		std::optional<TypeDef> returnType; // empty for void
-		Specifiers returnSpecifiers;
+		std::optional<ParameterDef> result; // "ReturnValue"; empty for void
 		bool isStatic = false;
-		bool isVirtual = false;
-		bool isConst = false;
 		int line = 1;
 	};
 
@@ -93,6 +90,7 @@ namespace HeaderTool
 		int line = 1;
 	};
 
+	/** A class, or a struct; a struct has no functions. */
 	struct ClassDef
 	{
 		std::string name;
@@ -105,16 +103,7 @@ namespace HeaderTool
 		bool declaresDestructor = false;
 		int line = 1;
 		int bodyLine = 0; // of GENERATED_BODY
-	};
-
-	struct StructDef
-	{
-		std::string name;
-		std::string super;
-		Specifiers specifiers;
-		std::vector<PropertyDef> properties;
-		int line = 1;
-		int bodyLine = 0;
+		std::string includeName; // of its header
 	};
 
 	struct EnumeratorDef
@@ -139,7 +128,6 @@ namespace HeaderTool
 	{
 		std::string name;
 		Specifiers specifiers; // nothing but the comment: the macro takes none
-		int declaredCount = 0; // the number in the macro's name
 		std::vector<ParameterDef> parameters;
 		int line = 1;
 	};
@@ -148,7 +136,6 @@ namespace HeaderTool
 	{
 		std::string file; // between the quotes or brackets
 		int line = 1;
-		bool isConditional = false;
 	};
 
 	struct HeaderDef
@@ -158,10 +145,9 @@ namespace HeaderTool
 		std::string includeName; // how sources include it: the part of the path below the last folder called Public
 		bool isReference = false; // read for the checks only
 		bool startsWithPragmaOnce = false;
-		bool isComplete = true; // false when a declaration could not be read: a missing name proves nothing then
 		std::vector<IncludeDef> includes;
 		std::vector<ClassDef> classes;
-		std::vector<StructDef> structs;
+		std::vector<ClassDef> structs;
 		std::vector<EnumDef> enums;
 		std::vector<DelegateDef> delegates;
 

@@ -1,40 +1,30 @@
-#include "ParseParts.h"
+#include "Parser.h"
 
-#include <algorithm>
-#include <array>
 #include <charconv>
-#include <fmt/format.h>
 
 namespace HeaderTool
 {
 	namespace
 	{
-		constexpr std::array<std::string_view, 10> countWords = {"", "_OneParam", "_TwoParams", "_ThreeParams", "_FourParams",
-			"_FiveParams", "_SixParams", "_SevenParams", "_EightParams", "_NineParams"};
-
 		/** Words before the return type. */
-		void parseFunctionPrefix(TokenReader& reader, FunctionDef& function)
+		void parseFunctionPrefix(TokenReader& reader, FunctionDef& function, ParameterDef& result)
 		{
 			for (;;)
 			{
-				if (reader.isWord("UPARAM"))
+				if (reader.is("UPARAM"))
 				{
 					reader.next();
-					function.returnSpecifiers = parseSpecifiers(reader);
+					result.specifiers = parseSpecifiers(reader);
 				}
-				else if (reader.acceptWord("static"))
+				else if (reader.accept("static"))
 				{
 					function.isStatic = true;
 				}
-				else if (reader.acceptWord("virtual"))
-				{
-					function.isVirtual = true;
-				}
-				else if (reader.peek().text.ends_with("_API") || reader.isWord("inline") || reader.isWord("FORCEINLINE"))
+				else if (reader.peek().text.ends_with("_API"))
 				{
 					reader.next();
 				}
-				else
+				else if (!reader.accept("virtual") && !reader.accept("inline") && !reader.accept("FORCEINLINE"))
 				{
 					return;
 				}
@@ -44,22 +34,20 @@ namespace HeaderTool
 		/** From the parameter list's end to the end of the declaration. */
 		void parseFunctionSuffix(TokenReader& reader, FunctionDef& function)
 		{
-			function.isConst = reader.acceptWord("const");
-			while (reader.acceptWord("override") || reader.acceptWord("final") || reader.acceptWord("noexcept"))
+			while (reader.accept("const") || reader.accept("override") || reader.accept("final") || reader.accept("noexcept"))
 			{
 			}
-			if (reader.isSymbol("{"))
+			if (reader.is("{"))
 			{
-				reader.skipBalanced();
-				reader.acceptSymbol(";");
+				reader.skip();
+				reader.accept(";");
 				return;
 			}
-			reader.expectSymbol(";", fmt::format("after the declaration of {}", function.name));
+			reader.expect(";", "after the declaration of " + function.name);
 		}
 
 		long long parseEnumeratorValue(TokenReader& reader, const std::string& name)
 		{
-			const bool isNegative = reader.acceptSymbol("-");
 			const std::string text = reader.peek().text;
 			const bool isHex = text.starts_with("0x") || text.starts_with("0X");
 			const char* const begin = text.data() + (isHex ? 2 : 0);
@@ -69,10 +57,10 @@ namespace HeaderTool
 			const bool isOctal = text.size() > 1 && text[0] == '0' && !isHex;
 			if (reader.peek().kind != TokenKind::Number || stop != end || error != std::errc() || isOctal)
 			{
-				reader.fail(fmt::format("the value of {} must be a plain number, found {}", name, reader.found()));
+				fail(reader.line(), "the value of {} must be a plain number, found {}", name, reader.found());
 			}
 			reader.next();
-			return isNegative ? -value : value;
+			return value;
 		}
 
 		EnumeratorDef parseEnumerator(TokenReader& reader, long long nextValue)
@@ -81,43 +69,54 @@ namespace HeaderTool
 			enumerator.line = reader.line();
 			enumerator.name = reader.expectName("an enumerator");
 			enumerator.value = nextValue;
-			const auto parseMeta = [&]
-			{
-				if (reader.acceptWord("UMETA"))
-				{
-					enumerator.specifiers = parseSpecifiers(reader);
-				}
-			};
-			parseMeta();
-			if (reader.acceptSymbol("="))
+			if (reader.accept("="))
 			{
 				enumerator.value = parseEnumeratorValue(reader, enumerator.name);
-				parseMeta();
+			}
+			if (reader.accept("UMETA"))
+			{
+				enumerator.specifiers = parseSpecifiers(reader);
 			}
 			return enumerator;
 		}
-
-		/** The macro splits its arguments at every comma outside round brackets, so a comma in <...> breaks a type in two. */
-		void refuseSplitType(const TypeDef& type)
-		{
-			if (type.arguments.size() > 1)
-			{
-				throw ParseError(type.line, fmt::format("the comma in '{}' splits the macro's arguments", spell(type)));
-			}
-			for (const TypeDef& argument : type.arguments)
-			{
-				refuseSplitType(argument);
-			}
-		}
 	} // namespace
+
+	ClassDef parseTypeHead(TokenReader& reader, std::string_view keyword)
+	{
+		ClassDef head;
+		reader.expect(keyword, "behind its macro");
+		if (reader.peek().text.ends_with("_API"))
+		{
+			reader.next();
+		}
+		head.line = reader.line();
+		head.name = reader.expectName("a type");
+		reader.accept("final");
+		std::vector<std::string> bases;
+		if (reader.accept(":"))
+		{
+			do
+			{
+				reader.expect("public", "before a base of " + head.name);
+				bases.push_back(spell(parseType(reader)));
+			} while (reader.accept(","));
+			head.super = bases.front();
+			head.otherBases.assign(bases.begin() + 1, bases.end());
+		}
+		return head;
+	}
 
 	FunctionDef parseFunction(TokenReader& reader)
 	{
 		FunctionDef function;
-		parseFunctionPrefix(reader, function);
-		if (!reader.acceptWord("void"))
+		ParameterDef result;
+		parseFunctionPrefix(reader, function, result);
+		if (!reader.accept("void"))
 		{
-			function.returnType = parseType(reader);
+			result.name = "ReturnValue";
+			result.line = reader.line();
+			result.type = parseType(reader);
+			function.result = result;
 		}
 		function.line = reader.line();
 		function.name = reader.expectName("a function");
@@ -132,89 +131,74 @@ namespace HeaderTool
 		property.type = parseType(reader);
 		property.line = reader.line();
 		property.name = reader.expectName("a property");
-		if (reader.acceptSymbol(":"))
+		if (reader.accept(":"))
 		{
 			reader.next(); // width of a bit field
 		}
-		if (reader.acceptSymbol("="))
+		if (reader.is("{"))
 		{
-			while (!reader.atEnd() && !reader.isSymbol(";") && !reader.isSymbol("}"))
+			reader.skip();
+		}
+		else if (reader.accept("="))
+		{
+			while (!reader.atEnd() && !reader.is(";") && !reader.is("}"))
 			{
-				if (reader.isSymbol("(") || reader.isSymbol("[") || reader.isSymbol("{"))
-				{
-					reader.skipBalanced();
-				}
-				else
-				{
-					reader.next();
-				}
+				reader.skip();
 			}
 		}
-		else if (reader.isSymbol("{"))
-		{
-			reader.skipBalanced();
-		}
-		reader.expectSymbol(";", fmt::format("after the declaration of {}", property.name));
+		reader.expect(";", "after the declaration of " + property.name);
 		return property;
 	}
 
 	EnumDef parseEnum(TokenReader& reader)
 	{
 		EnumDef result;
-		if (!reader.acceptWord("enum"))
-		{
-			reader.fail(fmt::format("expected 'enum' behind UENUM, found {}", reader.found()));
-		}
-		result.isScoped = reader.acceptWord("class");
+		reader.expect("enum", "behind UENUM");
+		result.isScoped = reader.accept("class");
 		result.line = reader.line();
 		result.name = reader.expectName("an enumeration");
-		if (reader.acceptSymbol(":"))
+		if (reader.accept(":"))
 		{
 			result.base = spell(parseType(reader));
 		}
-		reader.expectSymbol("{", fmt::format("before the enumerators of {}", result.name));
+		reader.expect("{", "before the enumerators of " + result.name);
 		long long nextValue = 0;
-		while (!reader.acceptSymbol("}"))
+		while (!reader.accept("}"))
 		{
 			result.enumerators.push_back(parseEnumerator(reader, nextValue));
 			nextValue = result.enumerators.back().value + 1;
-			if (!reader.isSymbol("}"))
+			if (!reader.is("}"))
 			{
-				reader.expectSymbol(",", "or '}' after an enumerator");
+				reader.expect(",", "or '}' after an enumerator");
 			}
 		}
-		reader.expectSymbol(";", fmt::format("after {}", result.name));
+		reader.expect(";", "after " + result.name);
 		return result;
 	}
 
 	DelegateDef parseDelegate(TokenReader& reader)
 	{
-		constexpr std::string_view prefix = "DECLARE_DYNAMIC_MULTICAST_DELEGATE";
 		const std::string macro = reader.peek().text;
-		const auto count =
-			macro.starts_with(prefix) ? std::find(countWords.begin(), countWords.end(), macro.substr(prefix.size())) : countWords.end();
-		if (count == countWords.end())
+		if (!macro.starts_with("DECLARE_DYNAMIC_MULTICAST_DELEGATE"))
 		{
-			reader.fail(fmt::format("{} is not available in this host; multicast delegates with up to nine parameters are", macro));
+			fail(reader.line(), "{} is not available in this host; multicast delegates are", macro);
 		}
 		DelegateDef delegate;
 		delegate.specifiers.comment = reader.next().comment;
-		delegate.declaredCount = static_cast<int>(count - countWords.begin());
-		reader.expectSymbol("(", fmt::format("behind {}", macro));
+		reader.expect("(", "behind " + macro);
 		delegate.line = reader.line();
 		delegate.name = reader.expectName("a delegate");
-		while (reader.acceptSymbol(","))
+		while (reader.accept(","))
 		{
 			ParameterDef parameter;
 			parameter.type = parseType(reader);
-			refuseSplitType(parameter.type);
-			reader.expectSymbol(",", fmt::format("between the type '{}' and the parameter's name", spell(parameter.type)));
+			reader.expect(",", fmt::format("between the type '{}' and the parameter's name", spell(parameter.type)));
 			parameter.line = reader.line();
 			parameter.name = reader.expectName("a parameter");
 			delegate.parameters.push_back(parameter);
 		}
-		reader.expectSymbol(")", fmt::format("at the end of {}", macro));
-		reader.acceptSymbol(";");
+		reader.expect(")", "at the end of " + macro);
+		reader.accept(";");
 		return delegate;
 	}
 } // namespace HeaderTool

@@ -1,7 +1,5 @@
-#include "ParseParts.h"
-#include "Utf8.h"
-
-#include <fmt/format.h>
+#include "Parser.h"
+#include "Text.h"
 
 namespace HeaderTool
 {
@@ -14,11 +12,11 @@ namespace HeaderTool
 			{
 				return parseText(reader);
 			}
-			const std::string sign = reader.acceptSymbol("-") ? "-" : "";
+			const std::string sign = reader.accept("-") ? "-" : "";
 			const TokenKind kind = reader.peek().kind;
-			if (kind != TokenKind::Number && (kind != TokenKind::Identifier || !sign.empty() || reader.isWord("TEXT")))
+			if (kind != TokenKind::Number && (kind != TokenKind::Identifier || !sign.empty()))
 			{
-				reader.fail(fmt::format("expected the value of '{}', found {}", key, reader.found()));
+				fail(reader.line(), "expected the value of '{}', found {}", key, reader.found());
 			}
 			return sign + reader.next().text;
 		}
@@ -28,7 +26,7 @@ namespace HeaderTool
 			Specifier specifier;
 			specifier.line = reader.line();
 			specifier.key = reader.expectName("a specifier");
-			if (reader.acceptSymbol("="))
+			if (reader.accept("="))
 			{
 				specifier.value = parseValue(reader, specifier.key);
 			}
@@ -39,16 +37,16 @@ namespace HeaderTool
 		template <class Parse>
 		void parseList(TokenReader& reader, Parse parseEntry)
 		{
-			reader.expectSymbol("(", "before the specifiers");
-			if (reader.acceptSymbol(")"))
+			reader.expect("(", "before the specifiers");
+			if (reader.accept(")"))
 			{
 				return;
 			}
 			do
 			{
 				parseEntry();
-			} while (reader.acceptSymbol(","));
-			reader.expectSymbol(")", "or ',' after a specifier");
+			} while (reader.accept(","));
+			reader.expect(")", "or ',' after a specifier");
 		}
 	} // namespace
 
@@ -57,15 +55,8 @@ namespace HeaderTool
 		std::string text;
 		while (reader.peek().kind == TokenKind::String)
 		{
-			if (!reader.peek().prefix.empty())
-			{
-				reader.fail(fmt::format("a string with the prefix {} is not read here", reader.peek().prefix));
-			}
-			text += reader.next().text;
-		}
-		if (findNonUtf8(text) < text.size())
-		{
-			reader.fail("the escapes of this text make no UTF-8");
+			const Token& token = reader.next();
+			text += unescape(token.text.substr(1, token.text.size() - 2), token.line);
 		}
 		return text;
 	}
@@ -77,7 +68,7 @@ namespace HeaderTool
 		parseList(reader,
 			[&]
 			{
-				if (sameName(reader.peek().text, "meta") && reader.isSymbol("=", 1))
+				if (sameName(reader.peek().text, "meta") && reader.is("=", 1))
 				{
 					reader.next();
 					reader.next();

@@ -1,58 +1,21 @@
-#include "ParseParts.h"
+#include "Parser.h"
 
 #include <algorithm>
-#include <array>
-#include <fmt/format.h>
 
 namespace HeaderTool
 {
 	namespace
 	{
-		bool isBuiltinWord(const TokenReader& reader)
-		{
-			constexpr std::array<std::string_view, 8> words = {"unsigned", "signed", "long", "short", "int", "char", "double", "float"};
-			return reader.peek().kind == TokenKind::Identifier && std::find(words.begin(), words.end(), reader.peek().text) != words.end();
-		}
-
 		std::string parseTypeName(TokenReader& reader)
 		{
-			std::string name;
-			if (isBuiltinWord(reader))
-			{
-				while (isBuiltinWord(reader))
-				{
-					name += (name.empty() ? "" : " ") + reader.next().text;
-				}
-				return name;
-			}
-			reader.acceptWord("class") || reader.acceptWord("struct") || reader.acceptWord("enum");
-			name = reader.acceptSymbol("::") ? "::" : "";
+			reader.accept("class") || reader.accept("struct") || reader.accept("enum");
+			std::string name = reader.accept("::") ? "::" : "";
 			name += reader.expectName("a type");
-			while (reader.acceptSymbol("::"))
+			while (reader.accept("::"))
 			{
 				name += "::" + reader.expectName("a type");
 			}
 			return name;
-		}
-
-		TypeDef parseTypeAt(TokenReader& reader, int depth);
-
-		TypeDef parseTypeArgument(TokenReader& reader, int depth)
-		{
-			if (reader.peek().kind == TokenKind::Number)
-			{
-				TypeDef number;
-				number.line = reader.line();
-				number.name = reader.next().text;
-				return number;
-			}
-			TypeDef type = parseTypeAt(reader, depth);
-			if (reader.isSymbol("("))
-			{
-				reader.skipBalanced(); // the signature of a callable; no reflected type has one, as the checks will say
-				type.name += "()";
-			}
-			return type;
 		}
 
 		/** @param depth  of the angle brackets that the type stands in; each takes a piece of the stack. */
@@ -61,27 +24,27 @@ namespace HeaderTool
 			constexpr int mostDepth = 64;
 			if (depth > mostDepth)
 			{
-				reader.fail(fmt::format("template arguments may not stand more than {} deep in one another", mostDepth));
+				fail(reader.line(), "template arguments may not stand more than {} deep in one another", mostDepth);
 			}
 			TypeDef type;
 			type.line = reader.line();
-			type.isConst = reader.acceptWord("const");
+			type.isConst = reader.accept("const");
 			type.name = parseTypeName(reader);
-			if (reader.acceptSymbol("<"))
+			if (reader.accept("<"))
 			{
 				do
 				{
-					type.arguments.push_back(parseTypeArgument(reader, depth + 1));
-				} while (reader.acceptSymbol(","));
-				reader.expectSymbol(">", "after the template arguments of " + type.name);
+					type.arguments.push_back(parseTypeAt(reader, depth + 1));
+				} while (reader.accept(","));
+				reader.expect(">", "after the template arguments of " + type.name);
 			}
-			type.isConst = reader.acceptWord("const") || type.isConst;
-			while (reader.acceptSymbol("*"))
+			type.isConst = reader.accept("const") || type.isConst;
+			while (reader.accept("*"))
 			{
 				++type.pointers;
-				reader.acceptWord("const");
+				reader.accept("const");
 			}
-			while (reader.acceptSymbol("&"))
+			while (reader.accept("&"))
 			{
 				++type.references;
 			}
@@ -93,24 +56,20 @@ namespace HeaderTool
 		{
 			std::string spelling;
 			int depth = 0;
-			while (!reader.atEnd() && (depth > 0 || (!reader.isSymbol(",") && !reader.isSymbol(")"))))
+			while (!reader.atEnd() && (depth > 0 || (!reader.is(",") && !reader.is(")"))))
 			{
-				depth += reader.isSymbol("(") || reader.isSymbol("{") || reader.isSymbol("[");
-				depth -= reader.isSymbol(")") || reader.isSymbol("}") || reader.isSymbol("]");
-				const bool isText = reader.peek().kind == TokenKind::String;
-				spelling += isText ? '"' + reader.peek().text + '"' : reader.peek().text;
-				reader.next();
+				depth += reader.is("(") || reader.is("{") || reader.is("[");
+				depth -= reader.is(")") || reader.is("}") || reader.is("]");
+				spelling += reader.next().text;
 			}
 			return spelling;
 		}
 
 		DefaultDef numberDefault(const std::string& sign, const std::string& text)
 		{
-			const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
 			const bool isFloat = text.find('.') != std::string::npos;
-			const bool hasSuffix = isFloat && (text.ends_with('f') || text.ends_with('F'));
-			const std::string digits = hasSuffix ? text.substr(0, text.size() - 1) : text;
-			const auto strange = std::count_if(digits.begin(), digits.end(), [&](char c) { return !isDigit(c); });
+			const std::string digits = isFloat && text.ends_with('f') ? text.substr(0, text.size() - 1) : text;
+			const auto strange = std::count_if(digits.begin(), digits.end(), [](char c) { return c < '0' || c > '9'; });
 			const bool isOctal = !isFloat && digits.size() > 1 && digits[0] == '0';
 			if (strange != (isFloat ? 1 : 0) || isOctal)
 			{
@@ -122,18 +81,18 @@ namespace HeaderTool
 		/** Reads one of the accepted forms; the caller sees by the place that the whole default was read. */
 		DefaultDef parseSimpleDefault(TokenReader& reader)
 		{
-			if (reader.peek().kind == TokenKind::String)
+			const bool isMacro = reader.is("TEXT") && reader.is("(", 1);
+			if (isMacro)
 			{
-				return {DefaultKind::Text, parseText(reader), "", ""};
+				reader.next();
+				reader.next();
 			}
-			if (reader.isWord("TEXT") && reader.isSymbol("(", 1) && reader.peek(2).kind == TokenKind::String)
+			if (isMacro || reader.peek().kind == TokenKind::String)
 			{
-				reader.next();
-				reader.next();
 				const std::string text = parseText(reader);
-				return {reader.acceptSymbol(")") ? DefaultKind::Text : DefaultKind::Unreadable, text, "", ""};
+				return {!isMacro || reader.accept(")") ? DefaultKind::Text : DefaultKind::Unreadable, text, "", ""};
 			}
-			const std::string sign = reader.acceptSymbol("-") ? "-" : "";
+			const std::string sign = reader.accept("-") ? "-" : "";
 			const Token& token = reader.next();
 			if (token.kind == TokenKind::Number)
 			{
@@ -151,7 +110,7 @@ namespace HeaderTool
 			{
 				return {DefaultKind::Null, "", "", ""};
 			}
-			if (reader.isSymbol("::") && reader.peek(1).kind == TokenKind::Identifier)
+			if (reader.is("::") && reader.peek(1).kind == TokenKind::Identifier)
 			{
 				reader.next();
 				return {DefaultKind::Enumerator, reader.next().text, token.text, ""};
@@ -175,14 +134,14 @@ namespace HeaderTool
 		ParameterDef parseParameter(TokenReader& reader)
 		{
 			ParameterDef parameter;
-			if (reader.acceptWord("UPARAM"))
+			if (reader.accept("UPARAM"))
 			{
 				parameter.specifiers = parseSpecifiers(reader);
 			}
 			parameter.type = parseType(reader);
 			parameter.line = reader.line();
 			parameter.name = reader.expectName("a parameter");
-			if (reader.acceptSymbol("="))
+			if (reader.accept("="))
 			{
 				parameter.defaultValue = parseDefault(reader);
 			}
@@ -198,16 +157,16 @@ namespace HeaderTool
 	std::vector<ParameterDef> parseParameters(TokenReader& reader)
 	{
 		std::vector<ParameterDef> parameters;
-		reader.expectSymbol("(", "before the parameters");
-		if (reader.acceptSymbol(")"))
+		reader.expect("(", "before the parameters");
+		if (reader.accept(")"))
 		{
 			return parameters;
 		}
 		do
 		{
 			parameters.push_back(parseParameter(reader));
-		} while (reader.acceptSymbol(","));
-		reader.expectSymbol(")", "or ',' after a parameter");
+		} while (reader.accept(","));
+		reader.expect(")", "or ',' after a parameter");
 		return parameters;
 	}
 } // namespace HeaderTool

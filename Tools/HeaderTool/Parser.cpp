@@ -1,197 +1,66 @@
 #include "Parser.h"
 
-#include "Directives.h"
-#include "ParseParts.h"
-#include "ScopeOpenings.h"
+#include "Text.h"
 
-#include <fmt/format.h>
+#include <filesystem>
 
 namespace HeaderTool
 {
 	namespace
 	{
-		/** What the declarations being read stand in. The pointers are set inside the body of a reflected type only. */
-		struct Scope
-		{
-			std::string_view name; // for messages
-			bool isFile = false;
-			ClassDef* reflectedClass = nullptr;
-			StructDef* reflectedStruct = nullptr;
-
-			int* bodyLine() const
-			{
-				return reflectedClass ? &reflectedClass->bodyLine : reflectedStruct ? &reflectedStruct->bodyLine : nullptr;
-			}
-			std::vector<PropertyDef>* properties() const
-			{
-				return reflectedClass ? &reflectedClass->properties : reflectedStruct ? &reflectedStruct->properties : nullptr;
-			}
-		};
-
 		class Parser
 		{
 		public:
-			Parser(const std::vector<Token>& tokens, HeaderDef& inHeader, Diagnostics& inDiagnostics)
+			Parser(const std::vector<Token>& tokens, HeaderDef& inHeader)
 				: reader(tokens)
 				, header(inHeader)
-				, diagnostics(inDiagnostics)
 			{
 			}
 
 			void run()
 			{
-				try
+				while (!reader.atEnd())
 				{
-					readFile();
-				}
-				catch (const NestingError& error)
-				{
-					report(error.line, fmt::format("scopes may not stand more than {} deep in one another", mostScopes));
+					if (reader.isReflection())
+					{
+						readType();
+					}
+					else if (reader.is("}"))
+					{
+						fail(reader.line(), "'}}' without '{{'");
+					}
+					else
+					{
+						reader.skipDeclaration();
+					}
 				}
 			}
 
 		private:
-			static constexpr int mostScopes = 256; // each takes a piece of the stack
-
-			void readFile()
+			void readType()
 			{
-				const Scope file{.name = "the file", .isFile = true};
-				while (!reader.atEnd())
-				{
-					readScope(file);
-					if (reader.isSymbol("}"))
-					{
-						report(reader.line(), "'}' without '{'");
-						reader.next();
-					}
-				}
-			}
-
-			void report(int line, const std::string& message) { diagnostics.push_back({header.path, line, message}); }
-
-			/** Reads declarations up to the closing brace or the end of the file. */
-			void readScope(const Scope& scope)
-			{
-				if (++depth > mostScopes)
-				{
-					throw NestingError{reader.line()};
-				}
-				while (!reader.atEnd() && !reader.isSymbol("}"))
-				{
-					const size_t start = reader.place();
-					try
-					{
-						readDeclaration(scope);
-					}
-					catch (const ParseError& error)
-					{
-						report(error.line, error.what());
-						reader.recover(start);
-					}
-				}
-				--depth;
-			}
-
-			void readDeclaration(const Scope& scope)
-			{
-				if (reader.isReflection())
-				{
-					readReflected(scope);
-				}
-				else if (isAccessLabel(reader))
-				{
-					reader.next();
-					reader.next();
-				}
-				else if (reader.acceptWord("template"))
-				{
-					reader.skipAngles();
-				}
-				else if (stepIntoNamespace(reader))
-				{
-					readBraces({.name = "a namespace"});
-				}
-				else if (stepIntoClass(reader))
-				{
-					readBraces({.name = "another class"});
-					reader.skipDeclaration(); // variables behind the brace
-				}
-				else
-				{
-					if (scope.reflectedClass)
-					{
-						noteConstruction(*scope.reflectedClass);
-					}
-					reader.skipDeclaration();
-				}
-			}
-
-			/** The engine's tool adds a constructor and a destructor to a class that declares none. */
-			void noteConstruction(ClassDef& def)
-			{
-				size_t bracket = 0;
-				while (reader.peek(bracket).kind == TokenKind::Identifier || reader.isSymbol("~", bracket))
-				{
-					++bracket;
-				}
-				if (bracket > 0 && reader.isSymbol("(", bracket) && reader.isWord(def.name, bracket - 1))
-				{
-					const bool isDestructor = bracket > 1 && reader.isSymbol("~", bracket - 2);
-					(isDestructor ? def.declaresDestructor : def.declaresConstructor) = true;
-				}
-			}
-
-			void readBraces(const Scope& scope)
-			{
-				const int line = reader.line();
-				reader.expectSymbol("{", fmt::format("at the beginning of {}", scope.name));
-				readScope(scope);
-				if (!reader.acceptSymbol("}"))
-				{
-					throw ParseError(line, "this brace is not closed");
-				}
-			}
-
-			void readReflected(const Scope& scope)
-			{
-				const std::string macro = reader.peek().text;
-				if (macro.starts_with("GENERATED_"))
-				{
-					readGeneratedBody(scope, false);
-				}
-				else if (macro == "UFUNCTION" || macro == "UPROPERTY")
-				{
-					readMember(scope, macro);
-				}
-				else if (macro == "UCLASS" || macro == "USTRUCT" || macro == "UENUM" || macro.starts_with("DECLARE_DYNAMIC_"))
-				{
-					readType(scope, macro);
-				}
-				else
-				{
-					reader.fail(fmt::format("{} is not read here", macro));
-				}
-			}
-
-			void readType(const Scope& scope, const std::string& macro)
-			{
-				if (!scope.isFile)
-				{
-					reader.fail(fmt::format("{} stands inside {}; reflected types belong to the file itself", macro, scope.name));
-				}
+				const std::string& macro = reader.peek().text;
 				if (macro == "UCLASS")
 				{
-					readClass();
+					header.classes.push_back(readClass("class"));
 				}
 				else if (macro == "USTRUCT")
 				{
-					readStruct();
+					header.structs.push_back(readClass("struct"));
+				}
+				else if (macro == "UENUM")
+				{
+					readEnum();
+				}
+				else if (macro.starts_with("DECLARE_"))
+				{
+					const size_t start = reader.place();
+					header.delegates.push_back(parseDelegate(reader));
+					reader.requireNoDirectiveSince(start);
 				}
 				else
 				{
-					const size_t start = reader.place();
-					macro == "UENUM" ? readEnum() : header.delegates.push_back(parseDelegate(reader));
-					reader.requireNoDirectiveSince(start);
+					reader.failMisplaced();
 				}
 			}
 
@@ -206,119 +75,123 @@ namespace HeaderTool
 
 			void readEnum()
 			{
+				const size_t start = reader.place();
 				Specifiers specifiers = readMacro();
 				header.enums.push_back(parseEnum(reader));
 				header.enums.back().specifiers = std::move(specifiers);
+				reader.requireNoDirectiveSince(start);
 			}
 
-			void readMember(const Scope& scope, const std::string& macro)
+			ClassDef readClass(std::string_view keyword)
 			{
-				if (!scope.properties())
-				{
-					reader.fail(fmt::format("{} stands inside {}, which is not a reflected class", macro, scope.name));
-				}
-				if (macro == "UFUNCTION" && !scope.reflectedClass)
-				{
-					reader.fail(fmt::format("the struct {} may have no UFUNCTION", scope.name));
-				}
 				const size_t start = reader.place();
 				Specifiers specifiers = readMacro();
-				if (macro == "UFUNCTION")
-				{
-					FunctionDef function = parseFunction(reader);
-					function.specifiers = std::move(specifiers);
-					scope.reflectedClass->functions.push_back(std::move(function));
-				}
-				else
-				{
-					PropertyDef property = parseProperty(reader);
-					property.specifiers = std::move(specifiers);
-					scope.properties()->push_back(std::move(property));
-				}
+				ClassDef def = parseTypeHead(reader, keyword);
+				def.specifiers = std::move(specifiers);
+				def.includeName = header.includeName;
+				reader.expect("{", "at the beginning of " + def.name);
 				reader.requireNoDirectiveSince(start);
+				def.bodyLine = reader.line();
+				reader.expect("GENERATED_BODY", "at the beginning of " + def.name);
+				reader.expect("(", "behind GENERATED_BODY");
+				reader.expect(")", "behind GENERATED_BODY");
+				while (!reader.atEnd() && !reader.is("}"))
+				{
+					readMember(def, keyword == "struct");
+				}
+				reader.expect("}", "at the end of " + def.name);
+				reader.expect(";", "after the body of " + def.name);
+				return def;
 			}
 
-			void readGeneratedBody(const Scope& scope, bool isFirst)
+			void readMember(ClassDef& owner, bool isStruct)
 			{
-				const Token& macro = reader.next();
-				int* const bodyLine = scope.bodyLine();
-				if (macro.text != "GENERATED_BODY" || !bodyLine)
+				if (reader.isReflection())
 				{
-					throw ParseError(macro.line, bodyLine ? fmt::format("{} is outdated, write GENERATED_BODY()", macro.text)
-														  : fmt::format("{} stands inside {}", macro.text, scope.name));
+					readReflected(owner, isStruct);
 				}
-				if (*bodyLine != 0 || !isFirst)
-				{
-					report(macro.line, *bodyLine != 0 ? fmt::format("{} has a second GENERATED_BODY()", scope.name)
-													  : fmt::format("GENERATED_BODY() must come first in the body of {}", scope.name));
-				}
-				*bodyLine = macro.line;
-				reader.expectSymbol("(", "behind GENERATED_BODY");
-				reader.expectSymbol(")", "behind GENERATED_BODY");
-				reader.acceptSymbol(";");
-			}
-
-			/** @param start  the place of the macro before the type. */
-			void readBody(const Scope& scope, size_t start, int line)
-			{
-				reader.requireNoDirectiveSince(start);
-				if (reader.isSymbol("{") && reader.peek(1).text == "GENERATED_BODY")
+				else if ((reader.is("public") || reader.is("protected") || reader.is("private")) && reader.is(":", 1))
 				{
 					reader.next();
-					readGeneratedBody(scope, true);
-					readScope(scope);
-					reader.expectSymbol("}", fmt::format("at the end of {}", scope.name));
+					reader.next();
 				}
 				else
 				{
-					readBraces(scope);
-				}
-				reader.expectSymbol(";", fmt::format("after the body of {}", scope.name));
-				if (*scope.bodyLine() == 0)
-				{
-					report(line, fmt::format("{} has no GENERATED_BODY()", scope.name));
+					noteConstruction(owner);
+					reader.skipDeclaration();
 				}
 			}
 
-			void readClass()
+			void readReflected(ClassDef& owner, bool isStruct)
 			{
 				const size_t start = reader.place();
-				ClassDef result;
-				result.specifiers = readMacro();
-				TypeHead head = parseTypeHead(reader, "class", "UCLASS");
-				result.line = head.line;
-				result.name = head.name;
-				if (!head.bases.empty())
+				if (reader.is("UFUNCTION") && !isStruct)
 				{
-					result.super = head.bases.front();
-					result.otherBases.assign(head.bases.begin() + 1, head.bases.end());
+					Specifiers specifiers = readMacro();
+					owner.functions.push_back(parseFunction(reader));
+					owner.functions.back().specifiers = std::move(specifiers);
 				}
-				readBody({.name = head.name, .reflectedClass = &result}, start, head.line);
-				header.classes.push_back(std::move(result));
+				else if (reader.is("UPROPERTY"))
+				{
+					Specifiers specifiers = readMacro();
+					owner.properties.push_back(parseProperty(reader));
+					owner.properties.back().specifiers = std::move(specifiers);
+				}
+				else
+				{
+					reader.failMisplaced();
+				}
+				reader.requireNoDirectiveSince(start);
 			}
 
-			void readStruct()
+			/** The engine's tool adds a constructor and a destructor to a class that declares none. */
+			void noteConstruction(ClassDef& def) const
 			{
-				const size_t start = reader.place();
-				StructDef result;
-				result.specifiers = readMacro();
-				const TypeHead head = parseTypeHead(reader, "struct", "USTRUCT");
-				result.line = head.line;
-				result.name = head.name;
-				result.super = head.bases.empty() ? "" : head.bases.front();
-				readBody({.name = head.name, .reflectedStruct = &result}, start, head.line);
-				header.structs.push_back(std::move(result));
+				size_t bracket = 0;
+				while (reader.peek(bracket).kind == TokenKind::Identifier || reader.is("~", bracket))
+				{
+					++bracket;
+				}
+				if (bracket > 0 && reader.is("(", bracket) && reader.is(def.name, bracket - 1))
+				{
+					const bool isDestructor = bracket > 1 && reader.is("~", bracket - 2);
+					(isDestructor ? def.declaresDestructor : def.declaresConstructor) = true;
+				}
 			}
 
 			TokenReader reader;
 			HeaderDef& header;
-			Diagnostics& diagnostics;
-			int depth = 0; // of the scope being read
 		};
+
+		std::string includeNameOf(const std::filesystem::path& path)
+		{
+			std::filesystem::path below = path.filename();
+			for (std::filesystem::path folder = path.parent_path(); folder.has_filename(); folder = folder.parent_path())
+			{
+				if (folder.filename() == "Public")
+				{
+					return below.generic_string();
+				}
+				below = folder.filename() / below;
+			}
+			return path.filename().generic_string();
+		}
 	} // namespace
 
-	void parse(const std::vector<Token>& tokens, HeaderDef& header, Diagnostics& diagnostics)
+	HeaderDef readHeader(std::string_view text, const std::string& path, bool isReference)
 	{
-		Parser(tokens, header, diagnostics).run();
+		if (const size_t place = findNonUtf8(text); place < text.size())
+		{
+			const auto before = text.substr(0, place);
+			fail(1 + static_cast<int>(std::count(before.begin(), before.end(), '\n')), "a byte on this line is no UTF-8");
+		}
+		HeaderDef header;
+		header.path = path;
+		header.fileName = std::filesystem::path(path).filename().string();
+		header.includeName = includeNameOf(path);
+		header.isReference = isReference;
+		const std::vector<Token> tokens = takeDirectives(lex(text), header);
+		Parser(tokens, header).run();
+		return header;
 	}
 } // namespace HeaderTool

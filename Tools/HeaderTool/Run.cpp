@@ -4,11 +4,7 @@
 #include "Generator.h"
 #include "Parser.h"
 
-#include <algorithm>
-#include <fmt/format.h>
 #include <fstream>
-#include <sstream>
-#include <tuple>
 
 namespace HeaderTool
 {
@@ -17,13 +13,11 @@ namespace HeaderTool
 		std::optional<std::string> readFile(const std::filesystem::path& path)
 		{
 			std::ifstream file(path, std::ios::binary);
-			std::stringstream text;
-			// An empty file would put the string stream into its error state, so it is told apart first.
-			if (file && file.peek() != std::ifstream::traits_type::eof())
+			if (!file || std::filesystem::is_directory(path))
 			{
-				text << file.rdbuf();
+				return std::nullopt;
 			}
-			return file.is_open() && !file.bad() && !std::filesystem::is_directory(path) ? std::optional(text.str()) : std::nullopt;
+			return std::string(std::istreambuf_iterator<char>(file), {});
 		}
 
 		/** Leaves a file alone that holds the text already: its time decides what is compiled again. */
@@ -51,13 +45,14 @@ namespace HeaderTool
 			{
 				for (const std::string& path : paths)
 				{
-					if (const std::optional<std::string> text = readFile(path))
+					try
 					{
-						headers.push_back(readHeader(*text, path, isReference, diagnostics));
+						const std::optional<std::string> text = readFile(path);
+						headers.push_back(text ? readHeader(*text, path, isReference) : throw HeaderError(1, "the file cannot be read"));
 					}
-					else
+					catch (const HeaderError& error)
 					{
-						diagnostics.push_back({path, 1, "the file cannot be read"});
+						diagnostics.push_back({path, error.line, error.what()});
 					}
 				}
 			};
@@ -66,36 +61,20 @@ namespace HeaderTool
 			return headers;
 		}
 
-		/** By header as given, then by line; what was found first on a line stays first. */
-		void sort(Diagnostics& diagnostics, const Options& options)
-		{
-			const auto orderOf = [&](const Diagnostic& diagnostic)
-			{
-				const auto place = std::find(options.headers.begin(), options.headers.end(), diagnostic.path);
-				return std::tuple(place - options.headers.begin(), diagnostic.path, diagnostic.line);
-			};
-			std::stable_sort(
-				diagnostics.begin(), diagnostics.end(), [&](const Diagnostic& a, const Diagnostic& b) { return orderOf(a) < orderOf(b); });
-		}
-
 		void writeAll(const std::vector<HeaderDef>& headers, const Options& options, Diagnostics& diagnostics)
 		{
 			const Symbols symbols(headers);
+			const std::string& module = options.module;
 			for (const HeaderDef& header : headers)
 			{
 				if (!header.isReference)
 				{
 					const std::filesystem::path base = options.output / header.baseName();
-					const std::string& module = options.module;
 					writeIfChanged(base.string() + ".generated.h",
 						options.engineShape ? generateEngineHeader(header, module) : generateHeader(header, module), diagnostics);
 					writeIfChanged(base.string() + ".gen.cpp",
 						options.engineShape ? generateEngineSource(header, module) : generateSource(header, symbols, module), diagnostics);
 				}
-			}
-			if (options.json)
-			{
-				writeIfChanged(*options.json, dumpJson(headers, options.module), diagnostics);
 			}
 		}
 	} // namespace
@@ -104,12 +83,14 @@ namespace HeaderTool
 	{
 		Diagnostics diagnostics;
 		const std::vector<HeaderDef> headers = readAll(options, diagnostics);
-		check(headers, diagnostics);
+		if (diagnostics.empty()) // with a header missing, unknown names would prove nothing
+		{
+			diagnostics = check(headers);
+		}
 		if (diagnostics.empty())
 		{
 			writeAll(headers, options, diagnostics);
 		}
-		sort(diagnostics, options);
 		return diagnostics;
 	}
 

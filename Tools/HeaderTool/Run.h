@@ -3,7 +3,6 @@
 #include "Diagnostics.h"
 
 #include <filesystem>
-#include <optional>
 
 namespace HeaderTool
 {
@@ -12,7 +11,6 @@ namespace HeaderTool
 	{
 		std::string module; // "Corvane"
 		std::filesystem::path output; // folder of the generated files; made when missing
-		std::optional<std::filesystem::path> json; // where to dump the model, if anywhere
 		bool engineShape = false; // write what the engine's tool would, to compile only
 		std::vector<std::string> headers; // read and generated for, in this order
 		std::vector<std::string> references; // read for the checks only
@@ -22,7 +20,7 @@ namespace HeaderTool
 	 * Reads all headers, checks them and writes X.generated.h and X.gen.cpp for each. A header without reflected types gets files that
 	 * hold nothing, so that a build need not look into headers to know what comes out. Files whose text stays the same are
 	 * left alone. Nothing is written when there is a mistake in any header.
-	 * @return all mistakes, by header as given and by line; a file that cannot be read or written is one too.
+	 * @return the first mistake of each header; a file that cannot be read or written is one too.
 	 */
 	Diagnostics run(const Options& options);
 

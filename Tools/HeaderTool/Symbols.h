@@ -2,20 +2,9 @@
 
 #include "Model.h"
 
-#include <set>
-
 namespace HeaderTool
 {
-	/** A declaration together with the header that holds it; false when nothing was found. */
-	template <class Def>
-	struct Found
-	{
-		const Def* def = nullptr;
-		const HeaderDef* header = nullptr;
-		explicit operator bool() const { return def != nullptr; }
-	};
-
-	/** Looks up reflected types by their C++ names in all headers of a run. Reading is safe from any thread. */
+	/** Looks up reflected types by their C++ names in all headers of a run. */
 	class Symbols
 	{
 	public:
@@ -25,30 +14,17 @@ namespace HeaderTool
 		{
 		}
 
-		Found<ClassDef> findClass(std::string_view name) const { return find(&HeaderDef::classes, name); }
-		Found<StructDef> findStruct(std::string_view name) const { return find(&HeaderDef::structs, name); }
-		Found<EnumDef> findEnum(std::string_view name) const { return find(&HeaderDef::enums, name); }
-		Found<DelegateDef> findDelegate(std::string_view name) const { return find(&HeaderDef::delegates, name); }
+		const ClassDef* findClass(std::string_view name) const { return find(&HeaderDef::classes, name); }
+		const ClassDef* findStruct(std::string_view name) const { return find(&HeaderDef::structs, name); }
+		const EnumDef* findEnum(std::string_view name) const { return find(&HeaderDef::enums, name); }
+		const DelegateDef* findDelegate(std::string_view name) const { return find(&HeaderDef::delegates, name); }
+		bool isClass(std::string_view name) const { return name == "UObject" || findClass(name) != nullptr; }
 
-		/** @return the class and its reflected bases below UObject, the class itself first. */
-		std::vector<const ClassDef*> withBases(const ClassDef& first) const;
-
-		/** @return the headers that `from` includes, directly or not. */
-		std::set<const HeaderDef*> includedBy(const HeaderDef& from) const;
-
-		/** @return whether the compiler has seen the declaration when it comes to that line. */
-		template <class Def>
-		bool isVisible(const Found<Def>& found, const HeaderDef& from, int line) const
-		{
-			return found.header == &from ? found.def->line < line : includedBy(from).contains(found.header);
-		}
-
-		/** @return whether every header could be read as a whole, so that an unknown name is a mistake. */
-		bool areComplete() const;
+		const std::vector<HeaderDef>& headers;
 
 	private:
 		template <class Def>
-		Found<Def> find(std::vector<Def> HeaderDef::*list, std::string_view name) const
+		const Def* find(std::vector<Def> HeaderDef::*list, std::string_view name) const
 		{
 			for (const HeaderDef& header : headers)
 			{
@@ -56,13 +32,11 @@ namespace HeaderTool
 				{
 					if (def.name == name)
 					{
-						return {&def, &header};
+						return &def;
 					}
 				}
 			}
-			return {};
+			return nullptr;
 		}
-
-		const std::vector<HeaderDef>& headers;
 	};
 } // namespace HeaderTool

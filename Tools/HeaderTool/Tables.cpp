@@ -1,8 +1,7 @@
 #include "Tables.h"
 
-#include "StringLiteral.h"
+#include "Text.h"
 
-#include <algorithm>
 #include <array>
 #include <fmt/format.h>
 
@@ -17,48 +16,36 @@ namespace HeaderTool
 			return !parameter.type.isOutput() ? "Input" : parameter.specifiers.find("ref") ? "InputOutput" : "Output";
 		}
 
-		std::string parameterRow(const ParameterDef& parameter, std::string_view kind, const std::string& metaName)
+		std::string metaRow(std::string_view key, std::string_view value)
 		{
-			return fmt::format("\t\t{{{}, &PropertyTypeOf<{}>, EParameterKind::{}, {}, {}}},\n", quote(parameter.name),
-				storedType(parameter.type), kind, parameter.defaultValue ? quote(parameter.defaultValue->value) : "nullptr",
-				metaReference(metaName, parameter.specifiers));
+			return fmt::format("\t\t{{{}, {}}},\n", quote(key), quote(value));
 		}
 	} // namespace
 
-	std::vector<std::pair<std::string, std::string>> metaEntries(const Specifiers& specifiers)
+	Table makeTable(std::string_view declaration, const std::string& name, const std::string& rows)
 	{
-		std::vector<std::pair<std::string, std::string>> entries;
+		return rows.empty() ? Table() : Table{fmt::format("\t{} = {{\n{}\t}};\n", declaration, rows), name};
+	}
+
+	Table metaTable(const std::string& name, const Specifiers& specifiers)
+	{
+		std::string rows;
 		for (const Specifier& meta : specifiers.meta)
 		{
-			entries.emplace_back(meta.key, meta.value.value_or("true"));
+			rows += metaRow(meta.key, meta.value.value_or("true"));
 		}
-		for (const std::string_view name : keptSpecifiers)
+		for (const std::string_view key : keptSpecifiers)
 		{
-			if (const Specifier* const specifier = specifiers.find(name))
+			if (const Specifier* const specifier = specifiers.find(key))
 			{
-				entries.emplace_back(name, specifier->value.value_or("true"));
+				rows += metaRow(key, specifier->value.value_or("true"));
 			}
 		}
 		if (!specifiers.comment.empty() && !specifiers.findMeta("Comment"))
 		{
-			entries.emplace_back("Comment", specifiers.comment); // under the key that the engine's tool keeps it under
+			rows += metaRow("Comment", specifiers.comment); // under the key that the engine's tool keeps it under
 		}
-		return entries;
-	}
-
-	std::string metaTable(const std::string& name, const Specifiers& specifiers)
-	{
-		std::string rows;
-		for (const auto& [key, value] : metaEntries(specifiers))
-		{
-			rows += fmt::format("\t\t{{{}, {}}},\n", quote(key), quote(value));
-		}
-		return rows.empty() ? rows : fmt::format("\tstatic constexpr FMetaEntry {}[] = {{\n{}\t}};\n", name, rows);
-	}
-
-	std::string metaReference(const std::string& name, const Specifiers& specifiers)
-	{
-		return metaEntries(specifiers).empty() ? "{}" : name;
+		return makeTable(fmt::format("static constexpr FMetaEntry {}[]", name), name, rows);
 	}
 
 	std::string storedType(const TypeDef& type)
@@ -69,15 +56,17 @@ namespace HeaderTool
 		return spell(stored);
 	}
 
-	std::string parameterTable(const std::string& suffix, const std::vector<ParameterDef>& parameters, const ParameterDef* result)
+	Table parameterTable(const std::string& suffix, const std::vector<ParameterDef>& parameters, const std::optional<ParameterDef>& result)
 	{
-		std::string tables;
+		std::string metaTables;
 		std::string rows;
 		const auto addRow = [&](const ParameterDef& parameter, std::string_view kind, size_t index)
 		{
-			const std::string metaName = fmt::format("ParameterMeta{}_{}", suffix, index);
-			tables += metaTable(metaName, parameter.specifiers);
-			rows += parameterRow(parameter, kind, metaName);
+			const Table meta = metaTable(fmt::format("ParameterMeta{}_{}", suffix, index), parameter.specifiers);
+			metaTables += meta.text;
+			rows += fmt::format("\t\t{{{}, &PropertyTypeOf<{}>, EParameterKind::{}, {}, {}}},\n", quote(parameter.name),
+				storedType(parameter.type), kind, parameter.defaultValue ? quote(parameter.defaultValue->value) : "nullptr",
+				meta.reference);
 		};
 		for (size_t i = 0; i < parameters.size(); ++i)
 		{
@@ -87,6 +76,8 @@ namespace HeaderTool
 		{
 			addRow(*result, "Return", parameters.size());
 		}
-		return rows.empty() ? rows : fmt::format("{}\tstatic constexpr FParameter Parameters{}[] = {{\n{}\t}};\n", tables, suffix, rows);
+		Table table = makeTable(fmt::format("static constexpr FParameter Parameters{}[]", suffix), "Parameters" + suffix, rows);
+		table.text.insert(0, metaTables);
+		return table;
 	}
 } // namespace HeaderTool

@@ -1,11 +1,19 @@
 #include "TokenReader.h"
 
-#include "Directives.h"
-
-#include <fmt/format.h>
+#include <array>
 
 namespace HeaderTool
 {
+	bool isReflectionMacro(const Token& token)
+	{
+		constexpr std::array<std::string_view, 9> names = {
+			"UCLASS", "USTRUCT", "UENUM", "UFUNCTION", "UPROPERTY", "UPARAM", "UMETA", "UINTERFACE", "UDELEGATE"};
+		const std::string_view word = token.text;
+		return token.kind == TokenKind::Identifier &&
+			   (word.starts_with("DECLARE_DYNAMIC_") || (word.starts_with("GENERATED_") && word.ends_with("BODY")) ||
+				   std::find(names.begin(), names.end(), word) != names.end());
+	}
+
 	const Token& TokenReader::next()
 	{
 		const Token& token = peek();
@@ -16,24 +24,15 @@ namespace HeaderTool
 		return token;
 	}
 
-	bool TokenReader::isSymbol(std::string_view text, size_t ahead) const
+	bool TokenReader::is(std::string_view text, size_t ahead) const
 	{
-		return peek(ahead).kind == TokenKind::Symbol && peek(ahead).text == text;
+		const Token& token = peek(ahead);
+		return (token.kind == TokenKind::Symbol || token.kind == TokenKind::Identifier) && token.text == text;
 	}
 
-	bool TokenReader::isWord(std::string_view text, size_t ahead) const
+	bool TokenReader::accept(std::string_view text)
 	{
-		return peek(ahead).kind == TokenKind::Identifier && peek(ahead).text == text;
-	}
-
-	bool TokenReader::isReflection() const
-	{
-		return peek().kind == TokenKind::Identifier && isReflectionMacro(peek().text);
-	}
-
-	bool TokenReader::acceptSymbol(std::string_view text)
-	{
-		const bool there = isSymbol(text);
+		const bool there = is(text);
 		if (there)
 		{
 			next();
@@ -41,21 +40,11 @@ namespace HeaderTool
 		return there;
 	}
 
-	bool TokenReader::acceptWord(std::string_view text)
+	void TokenReader::expect(std::string_view text, std::string_view where)
 	{
-		const bool there = isWord(text);
-		if (there)
+		if (!accept(text))
 		{
-			next();
-		}
-		return there;
-	}
-
-	void TokenReader::expectSymbol(std::string_view text, std::string_view where)
-	{
-		if (!acceptSymbol(text))
-		{
-			fail(fmt::format("expected '{}' {}, found {}", text, where, found()));
+			fail(line(), "expected '{}' {}, found {}", text, where, found());
 		}
 	}
 
@@ -63,25 +52,24 @@ namespace HeaderTool
 	{
 		if (peek().kind != TokenKind::Identifier || isReflection())
 		{
-			fail(fmt::format("expected the name of {}, found {}", what, found()));
+			fail(line(), "expected the name of {}, found {}", what, found());
 		}
 		return next().text;
 	}
 
 	std::string TokenReader::found() const
 	{
-		switch (peek().kind)
-		{
-		case TokenKind::End:
-			return "the end of the file";
-		case TokenKind::String:
-			return "a string";
-		default:
-			return fmt::format("'{}'", peek().text);
-		}
+		return atEnd() ? "the end of the file" : fmt::format("'{}'", peek().text);
 	}
 
-	void TokenReader::skipBalanced()
+	void TokenReader::failMisplaced() const
+	{
+		fail(line(),
+			"{} is not read here: reflected types belong to the file itself, properties to their bodies, functions to those of classes",
+			peek().text);
+	}
+
+	void TokenReader::skip()
 	{
 		const int begin = line();
 		std::string expected;
@@ -89,121 +77,38 @@ namespace HeaderTool
 		{
 			if (atEnd())
 			{
-				throw ParseError(begin, "this bracket is not closed");
+				fail(begin, "this bracket is not closed");
 			}
-			if (isReflection() && !isRecovering)
+			if (isReflection())
 			{
-				fail(fmt::format("{} stands where it is not read", peek().text));
+				failMisplaced();
 			}
-			const Token& token = next();
-			if (token.kind != TokenKind::Symbol)
+			if (!expected.empty() && (is(")") || is("]") || is("}")))
 			{
-				continue;
-			}
-			const std::string& symbol = token.text;
-			if (symbol == "(" || symbol == "[" || symbol == "{")
-			{
-				expected += symbol == "(" ? ')' : symbol == "[" ? ']' : '}';
-			}
-			else if (symbol == ")" || symbol == "]" || symbol == "}")
-			{
-				if (symbol[0] != expected.back())
-				{
-					throw ParseError(token.line, fmt::format("expected '{}', found '{}'", expected.back(), symbol));
-				}
+				expect(std::string_view(expected).substr(expected.size() - 1), "to close a bracket");
 				expected.pop_back();
-			}
-		} while (!expected.empty());
-	}
-
-	void TokenReader::skipAngles()
-	{
-		expectSymbol("<", "here");
-		for (int depth = 1; depth > 0;)
-		{
-			if (isSymbol("(") || isSymbol("[") || isSymbol("{"))
-			{
-				skipBalanced();
 				continue;
 			}
-			if (atEnd() || isSymbol(";"))
+			if (is("(") || is("[") || is("{"))
 			{
-				fail("expected '>' before " + found());
+				expected += is("(") ? ')' : is("[") ? ']' : '}';
 			}
-			depth += isSymbol("<") - isSymbol(">");
 			next();
-		}
-	}
-
-	void TokenReader::skipOperatorName()
-	{
-		next();
-		if (isSymbol("(") && isSymbol(")", 1))
-		{
-			next();
-			next();
-		}
-		while (!atEnd() && !isSymbol("(") && !isSymbol(";"))
-		{
-			next(); // "==", "[]", "bool"
-		}
-	}
-
-	/** Behind a closing brace: the body of a function ends its declaration, a braced initialiser goes on to a comma or a semicolon. */
-	bool TokenReader::bodyEndsDeclaration()
-	{
-		return acceptSymbol(";") || (!isSymbol(",") && !isSymbol("{") && !isSymbol("("));
+		} while (!expected.empty());
 	}
 
 	void TokenReader::skipDeclaration()
 	{
-		while (!atEnd() && !isReflection() && !isSymbol("}"))
+		while (!atEnd() && !isReflection() && !is("}") && !accept(";"))
 		{
-			if (isWord("operator"))
-			{
-				skipOperatorName();
-			}
-			else if (isSymbol("(") || isSymbol("["))
-			{
-				skipBalanced();
-			}
-			else if (isSymbol("{"))
-			{
-				skipBalanced();
-				if (bodyEndsDeclaration())
-				{
-					return;
-				}
-			}
-			else if (acceptSymbol(";"))
+			const bool isBody = is("{");
+			skip();
+			// The body of a function ends its declaration, a braced initialiser goes on to a comma or a semicolon.
+			if (isBody && (accept(";") || (!is(",") && !is("{") && !is("("))))
 			{
 				return;
 			}
-			else
-			{
-				next();
-			}
 		}
-	}
-
-	void TokenReader::recover(size_t start)
-	{
-		position = start;
-		isRecovering = true;
-		try
-		{
-			next();
-			if (isSymbol("("))
-			{
-				skipBalanced();
-			}
-			skipDeclaration();
-		}
-		catch (const ParseError&)
-		{
-			position = tokens.size() - 1; // brackets that do not match: nothing behind them can be trusted
-		}
-		isRecovering = false;
 	}
 
 	void TokenReader::requireNoDirectiveSince(size_t start) const
@@ -212,7 +117,7 @@ namespace HeaderTool
 		{
 			if (tokens[i].region != tokens[start].region)
 			{
-				throw ParseError(tokens[i].line, "a preprocessor line stands inside this reflected declaration");
+				fail(tokens[i].line, "a preprocessor line stands inside this reflected declaration");
 			}
 		}
 	}

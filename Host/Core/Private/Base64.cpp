@@ -48,7 +48,7 @@ FString FBase64::Encode(const uint8* Source, uint32 Length)
 {
 	FString Text;
 	Text.Reserve(static_cast<int32>((static_cast<int64>(Length) + 2) / 3 * 4));
-	std::array<uint8, digitsPerPiece + 1> Digits; // and the library's zero behind them
+	std::array<uint8, digitsPerPiece + 1> Digits; // and the library's zero after them
 	for (int64 At = 0; At < Length; At += bytesPerPiece)
 	{
 		const int64 Number = std::min<int64>(bytesPerPiece, Length - At);

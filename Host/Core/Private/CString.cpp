@@ -5,7 +5,7 @@
 
 namespace
 {
-	/** @return the text up to the first unit that is not ASCII: no number goes on behind it. */
+	/** @return the text up to the first unit that is not ASCII: no number goes on after it. */
 	std::string asciiPart(const TCHAR* Text)
 	{
 		std::string Narrow;

@@ -15,7 +15,7 @@ namespace
 	using FMoment = sys_time<FTick>;
 
 	constexpr sys_days firstDay = year(1) / January / 1;
-	constexpr sys_days dayBehindLast = year(10000) / January / 1;
+	constexpr sys_days dayAfterLast = year(10000) / January / 1;
 
 	FDateTime fromMoment(FMoment Moment)
 	{
@@ -57,7 +57,7 @@ FDateTime FDateTime::Now()
 
 FDateTime FDateTime::MaxValue()
 {
-	return fromMoment(FMoment(dayBehindLast) - FTick(1));
+	return fromMoment(FMoment(dayAfterLast) - FTick(1));
 }
 
 FDateTime FDateTime::FromUnixTimestamp(int64 Seconds)

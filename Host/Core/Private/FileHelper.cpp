@@ -20,7 +20,7 @@ namespace
 	}
 
 	/** @param Low  where in a unit its low byte stands: 0 or 1. */
-	FString utf16BehindMark(const TArray<uint8>& Bytes, int32 Low)
+	FString utf16AfterMark(const TArray<uint8>& Bytes, int32 Low)
 	{
 		FString Text;
 		Text.Reserve(Bytes.Num() / 2);
@@ -76,11 +76,11 @@ bool FFileHelper::LoadFileToString(FString& Result, const TCHAR* Filename)
 	}
 	if (startsWith(Bytes, utf16LowFirst))
 	{
-		Result = utf16BehindMark(Bytes, 0);
+		Result = utf16AfterMark(Bytes, 0);
 	}
 	else if (startsWith(Bytes, utf16HighFirst))
 	{
-		Result = utf16BehindMark(Bytes, 1);
+		Result = utf16AfterMark(Bytes, 1);
 	}
 	else
 	{

@@ -74,6 +74,11 @@ bool FPaths::DirectoryExists(const FString& Path)
 	return FPlatformFileManager::Get().GetPlatformFile().DirectoryExists(*Path);
 }
 
+bool FPaths::IsSamePath(const FString& PathA, const FString& PathB)
+{
+	return ConvertRelativePathToFull(PathA).Equals(ConvertRelativePathToFull(PathB));
+}
+
 FString FPaths::GetCleanFilename(const FString& Path)
 {
 	return Path.RightChop(lastSlash(Path) + 1);

@@ -60,7 +60,7 @@ namespace
 		return Lead < 0xE0 ? FForm{2, 0x1F, 0x80} : Lead < 0xF0 ? FForm{3, 0x0F, 0x800} : FForm{4, 0x07, 0x10000};
 	}
 
-	/** Reads one character; moves Position behind it, or behind one byte when it is not well-formed. */
+	/** Reads one character; moves Position after it, or after one byte when it is not well-formed. */
 	char32_t readUtf8(std::string_view Bytes, size_t& Position)
 	{
 		const size_t Start = Position++;

@@ -131,14 +131,14 @@ bool FString::Split(
 		return false;
 	}
 	const FString Before = Left(At);
-	const FString Behind = RightChop(At + Separator.Len());
+	const FString After = RightChop(At + Separator.Len());
 	if (LeftPart)
 	{
 		*LeftPart = Before;
 	}
 	if (RightPart)
 	{
-		*RightPart = Behind;
+		*RightPart = After;
 	}
 	return true;
 }

@@ -72,7 +72,7 @@ public:
 	FHeaderMap Headers;
 	std::unique_ptr<FRequestBody> Body; // open; null = none
 	FTransfer* RunningTransfer = nullptr;
-	bool bBytesDropped = false; // behind a cancel: whatever comes of the transfer, it is not whole
+	bool bBytesDropped = false; // after a cancel: whatever comes of the transfer, it is not whole
 	bool bEnded = false;
 
 private:

@@ -8,7 +8,7 @@
 #include <memory>
 #include <optional>
 
-/** What a request sends behind its headers. Thread: one at a time. */
+/** What a request sends after its headers. Thread: one at a time. */
 class FRequestBody
 {
 public:

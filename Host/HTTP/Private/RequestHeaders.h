@@ -6,7 +6,7 @@
 #include <memory>
 #include <string_view>
 
-/** Header lines in the form that libcurl takes them; a name with nothing behind its colon is left out. */
+/** Header lines in the form that libcurl takes them; a name with nothing after its colon is left out. */
 struct FHeaderLinesCleanup
 {
 	void operator()(curl_slist* List) const { curl_slist_free_all(List); }

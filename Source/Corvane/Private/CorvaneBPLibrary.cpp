@@ -1,37 +1,62 @@
 #include "CorvaneBPLibrary.h"
 
-#include "Completion/RunningRequests.h"
 #include "CorvaneRequestCompleteObject.h"
 #include "Downloads/DownloadTargets.h"
 #include "Files/ByteToFileThread.h"
 #include "Misc/ScopeLock.h"
+#include "Runs/Run.h"
+#include "Runs/RunList.h"
 #include "UObject/UObjectGlobals.h"
+#include "Uploads/ChangedFiles.h"
 #include "Uploads/TruncateUploadedFileThread.h"
-#include "Uploads/UploadFiles.h"
 
 UCorvaneBPLibrary* UCorvaneBPLibrary::corv = nullptr;
 TWeakObjectPtr<UCorvaneBPLibrary> UCorvaneBPLibrary::corvHandle;
 
+namespace CorvaneLibrary
+{
+	/** Every library object that was ever made and may still be there. Thread: any. */
+	struct FInstances
+	{
+		FCriticalSection lock;
+		TArray<TWeakObjectPtr<UCorvaneBPLibrary>> all CORVANE_GUARDED_BY(lock);
+	};
+
+	static FInstances& instances()
+	{
+		static FInstances Instances;
+		return Instances;
+	}
+
+	static void remember(UCorvaneBPLibrary* Library)
+	{
+		FInstances& Instances = instances();
+		FScopeLock Lock(&Instances.lock);
+		for (int32 Index = Instances.all.Num() - 1; Index >= 0; --Index)
+		{
+			if (!Instances.all[Index].IsValid())
+			{
+				Instances.all.RemoveAt(Index);
+			}
+		}
+		Instances.all.Add(Library);
+	}
+} // namespace CorvaneLibrary
+
 UCorvaneBPLibrary::UCorvaneBPLibrary(const FObjectInitializer& ObjectInitializer)
 	: Super(ObjectInitializer)
-	, runningList(new FCorvRunningRequests())
-	, downloadTargets(new FCorvDownloadTargets())
-	, uploadFiles(new FCorvUploadFiles())
+	, runs(MakeShared<FCorvRunList>())
+	, downloadTargets(MakeShared<FCorvDownloadTargets>())
+	, changedFiles(MakeShared<FCorvChangedFiles>())
 {
 	corv = this;
 	corvHandle = this;
+	CorvaneLibrary::remember(this);
 	fillMimeTypeMap();
 	onhttpRequestCompleteDelegate.AddUniqueDynamic(this, &UCorvaneBPLibrary::httpRequestCompleteDelegate);
 }
 
-UCorvaneBPLibrary::~UCorvaneBPLibrary()
-{
-	delete byteToFileThread;
-	delete truncateThread;
-	delete uploadFiles;
-	delete downloadTargets;
-	delete runningList;
-}
+UCorvaneBPLibrary::~UCorvaneBPLibrary() = default;
 
 UCorvaneBPLibrary* UCorvaneBPLibrary::getCorvaneTarget()
 {
@@ -41,9 +66,11 @@ UCorvaneBPLibrary* UCorvaneBPLibrary::getCorvaneTarget()
 TArray<UCorvaneBPLibrary*> UCorvaneBPLibrary::libraries()
 {
 	TArray<UCorvaneBPLibrary*> Libraries;
-	for (UCorvaneBPLibrary* Library : {getCorvaneTarget(), GetMutableDefault<UCorvaneBPLibrary>()})
+	CorvaneLibrary::FInstances& Instances = CorvaneLibrary::instances();
+	FScopeLock Lock(&Instances.lock);
+	for (const TWeakObjectPtr<UCorvaneBPLibrary>& Instance : Instances.all)
 	{
-		if (Library && !Libraries.Contains(Library))
+		if (UCorvaneBPLibrary* Library = Instance.Get())
 		{
 			Libraries.Add(Library);
 		}
@@ -57,9 +84,8 @@ void UCorvaneBPLibrary::executeHttpRequests(TArray<FhttpRequest> InHttpRequests,
 	if (!OutCorvaneTarget)
 	{
 		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary (executeHttpRequests): The library does not exist."));
-		return;
 	}
-	OutCorvaneTarget->startRequests(InHttpRequests);
+	startAll(InHttpRequests);
 }
 
 void UCorvaneBPLibrary::httpRequestCompleteDelegate(
@@ -82,9 +108,7 @@ bool UCorvaneBPLibrary::hasPendingWork()
 {
 	for (UCorvaneBPLibrary* Library : libraries())
 	{
-		FScopeLock Lock(&Library->mapLock);
-		if (!Library->runningList->isEmpty() || (Library->byteToFileThread && Library->byteToFileThread->hasWork()) ||
-			(Library->truncateThread && Library->truncateThread->hasWork()))
+		if (Library->hasWork())
 		{
 			return true;
 		}
@@ -92,24 +116,33 @@ bool UCorvaneBPLibrary::hasPendingWork()
 	return false;
 }
 
+bool UCorvaneBPLibrary::hasWork()
+{
+	FScopeLock Lock(&mapLock);
+	const TSharedPtr<FByteToFileThread> Writer = byteToFileThread;
+	const TSharedPtr<FCorvTruncateUploadedFileThread> Repair = truncateThread;
+	return !runs->isEmpty() || (Writer && Writer->hasWork()) || (Repair && Repair->hasWork());
+}
+
 void UCorvaneBPLibrary::shutDown()
 {
 	constexpr double longestWaitSeconds = 5;
 	isShuttingDown = true;
-	runningList->cancelAll();
-	if (!runningList->waitUntilEmpty(longestWaitSeconds))
+	runs->cancelAll();
+	if (!runs->waitUntilEmpty(longestWaitSeconds))
 	{
-		for (UCorvaneRequestCompleteObject* Object : runningList->remainingObjects())
+		for (UCorvaneRequestCompleteObject* Object : runs->remainingObjects())
 		{
-			Object->stopWorker();
+			Object->run().stopWorker();
 		}
 	}
-	FByteToFileThread* Writer = nullptr;
-	{
-		FScopeLock Lock(&mapLock);
-		Writer = byteToFileThread;
-		byteToFileThread = nullptr;
-	}
-	delete Writer; // finishes the queued writes
+	endWrites();
 	endUploads();
+}
+
+void UCorvaneBPLibrary::endWrites()
+{
+	TSharedPtr<FByteToFileThread> Writer; // finishes the queued writes when it goes, outside the lock
+	FScopeLock Lock(&mapLock);
+	Writer = MoveTemp(byteToFileThread);
 }

@@ -5,6 +5,16 @@
 
 #include "Corvane.generated.h"
 
+// Which lock guards a member, and which one a function wants held: for Clang, where the checks of the project ask for it,
+// and nothing anywhere else.
+#ifdef CORVANE_CHECK_LOCKS
+	#define CORVANE_GUARDED_BY(lock) __attribute__((guarded_by(lock)))
+	#define CORVANE_REQUIRES(lock) __attribute__((requires_capability(lock)))
+#else
+	#define CORVANE_GUARDED_BY(lock)
+	#define CORVANE_REQUIRES(lock)
+#endif
+
 /** What the path of an upload, a download or a MIME lookup is relative to. Scripts save the numbers. */
 UENUM(BlueprintType)
 enum class EHTTPCorvFileUpload : uint8

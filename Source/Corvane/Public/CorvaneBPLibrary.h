@@ -13,9 +13,9 @@
 
 class FByteToFileThread;
 class FCorvDownloadTargets;
-class FCorvRunningRequests;
+class FCorvRunList;
 class FCorvTruncateUploadedFileThread;
-class FCorvUploadFiles;
+class FCorvChangedFiles;
 class UAsyncNodeCorv;
 class UCorvaneBPLibrary;
 class UCorvaneRequestCompleteObject;
@@ -258,7 +258,7 @@ public:
 
 	/**
 	 * Builds a GET request.
-	 * @param otherHttpRequests  the records built so far; the new one goes behind them.
+	 * @param otherHttpRequests  the records built so far; the new one goes after them.
 	 * @param url  at least 3 characters, sent as given.
 	 * @param header  name to value; they replace persistent headers of the same name.
 	 * @param optionalRequestID  comes back in every event; empty = a new GUID of 32 upper-case hexadecimal digits.
@@ -345,7 +345,7 @@ public:
 	 * those of CreateHttpRequestGET.
 	 * @param directoryType, filePath  name the file.
 	 * @param fileID  form field name of the file.
-	 * @param POSTData  form fields, sent behind the file as they are.
+	 * @param POSTData  form fields, sent after the file as they are.
 	 * @param requestID  the request's ID, also when it is refused.
 	 * @param httpRequests  otherHttpRequests and the new record; just otherHttpRequests when the request is refused.
 	 * @return 0, or 400 when the request was refused; the refusal is also broadcast, inside this call.
@@ -533,9 +533,12 @@ public:
 		EHTTPCorvFileBytesToFileActionType fileAction, TArray<uint8> byteData, EHTTPCorvFileUpload directoryType, FString filePath);
 
 	/**
-	 * Starts every record and empties the array. A handler may call it again meanwhile.
+	 * Starts every record and empties the array. A handler may call it again meanwhile. Each is started with the library
+	 * that it was built for, whichever this is.
 	 */
-	void startRequests(TArray<FhttpRequest>& httpRequests);
+	void startRequests(TArray<FhttpRequest>& httpRequests) { startAll(httpRequests); }
+	/** The same, when there may be no library but those that the records were built for. */
+	static void startAll(TArray<FhttpRequest>& httpRequests);
 
 	/** Makes a node the receiver of the result of a request; replaces an earlier one. */
 	void registerUAsyncNodeHttpRequest(FString requestID, UAsyncNodeCorv* node);
@@ -553,7 +556,7 @@ public:
 	void releaseRunningRequest(const FString& requestID, const FHttpRequestPtr& request);
 
 	/** Counts the requests that run; completion objects report to it. Thread: any. */
-	FCorvRunningRequests& runningRequestList() const { return *runningList; }
+	FCorvRunList& runList() const { return *runs; }
 
 	/** Which download may write which file. Thread: any. */
 	FCorvDownloadTargets& downloadTargetList() const { return *downloadTargets; }
@@ -566,7 +569,7 @@ public:
 	/** @return whether the file at this full path still waits for its repair. Thread: any. */
 	bool isFileBlocked(FString path);
 	/** The files that uploads have made longer. Thread: any. */
-	FCorvUploadFiles& uploadFileList() const { return *uploadFiles; }
+	FCorvChangedFiles& changedFileList() const { return *changedFiles; }
 	/** Seconds that the repair gives the HTTP layer to close a file: 2, unless set before the first stream upload ends. Thread: any. */
 	void setUploadGracePeriod(double seconds);
 
@@ -576,7 +579,7 @@ public:
 	/** Refuses new requests, cancels the running ones and waits up to 5 seconds for their workers. */
 	void shutDown();
 
-	/** @return the objects whose requests may run: the latest, and the class default object when that is another. */
+	/** @return the objects whose requests may run: every one that has not been freed. Thread: any. */
 	static TArray<UCorvaneBPLibrary*> libraries();
 
 	/**
@@ -593,7 +596,7 @@ private:
 	static void fireErrorMessageInGameThread(UAsyncNodeCorv* node, int32 statusCode, FString requestID);
 
 	/** @return the thread that writes byte arrays, made on the first call. Thread: any. */
-	FByteToFileThread* getByteToFileThread();
+	TSharedPtr<FByteToFileThread> getByteToFileThread();
 
 	/** Starts a record that was built for this library. */
 	void startRequest(FhttpRequest& request);
@@ -615,25 +618,30 @@ private:
 	void fillHeader(const FhttpRequest& request, IHttpRequest& httpRequest);
 	static FString postMapToString(const TMap<FString, FString>& map);
 	void fillMimeTypeMap();
+	bool hasWork();
+	void endWrites();
 	/** Repairs, without waiting, the files of all uploads that have ended, and of those that still run. */
 	void endUploads();
 
 	static TWeakObjectPtr<UCorvaneBPLibrary> corvHandle; // names what corv does
 
-	// One lock for the maps below. Never held during a broadcast, a node call, file work or a call into the HTTP module.
-	FCriticalSection mapLock;
 	TMap<FString, FString> persistentHeaders; // game thread only
 	TMap<FString, FString> mimeTypeMap; // extension without its dot to type; never changed after construction
-	TSet<FString> cancelledRequests;
-	TMap<FString, FHttpRequestPtr> runningRequests;
-	TMap<FString, TWeakObjectPtr<UAsyncNodeCorv>> asyncNodes;
 
-	FCorvRunningRequests* runningList = nullptr; // owned; a lock of its own
-	FByteToFileThread* byteToFileThread = nullptr; // owned; made under mapLock
-	FCorvDownloadTargets* downloadTargets = nullptr; // owned; a lock of its own
-	FCorvUploadFiles* uploadFiles = nullptr; // owned; a lock of its own
-	FCorvTruncateUploadedFileThread* truncateThread = nullptr; // owned; made under mapLock
-	double uploadGracePeriodSeconds = 2.0; // guarded by mapLock
+	// Never null, and each with a lock of its own.
+	TSharedPtr<FCorvRunList> runs;
+	TSharedPtr<FCorvDownloadTargets> downloadTargets;
+	TSharedPtr<FCorvChangedFiles> changedFiles; // outlives the repair
+
+	// Never held during a broadcast, a node call, file work or a call into the HTTP module.
+	FCriticalSection mapLock;
+	TSet<FString> cancelledRequests CORVANE_GUARDED_BY(mapLock);
+	TMap<FString, FHttpRequestPtr> runningRequests CORVANE_GUARDED_BY(mapLock);
+	TMap<FString, TWeakObjectPtr<UAsyncNodeCorv>> asyncNodes CORVANE_GUARDED_BY(mapLock);
+	TSharedPtr<FByteToFileThread> byteToFileThread CORVANE_GUARDED_BY(mapLock); // made on first use, like the next
+	TSharedPtr<FCorvTruncateUploadedFileThread> truncateThread CORVANE_GUARDED_BY(mapLock);
+	double uploadGracePeriodSeconds CORVANE_GUARDED_BY(mapLock) = 2.0;
+
 	FString driveBase = TEXT("https://drive.google.com"); // game thread only
 	bool isShuttingDown = false; // game thread only
 };

@@ -83,7 +83,7 @@ public:
 	/**
 	 * The full path that a directory kind and a path stand for; every function that takes the two resolves them so.
 	 * Nothing has to be there.
-	 * @param directoryType  E_gd: the path goes behind the project directory, without a separator of its own; E_ad: the
+	 * @param directoryType  E_gd: the path goes after the project directory, without a separator of its own; E_ad: the
 	 * path as given, a relative one starting at the engine's base directory.
 	 * @param filePath  of a file or a directory.
 	 * @return the absolute path with forward slashes and without "." and ".." steps.
@@ -111,13 +111,13 @@ public:
 	static void writeBytesToFile(
 		EFileFunctionsCorvDirectoryType directoryType, FString filePath, const TArray<uint8>& bytes, bool& success);
 
-	/** The same with text: ASCII as it is, anything else in UTF-16 behind a byte-order mark. The text comes before the path. */
+	/** The same with text: ASCII as it is, anything else in UTF-16 after a byte-order mark. The text comes before the path. */
 	UFUNCTION(BlueprintCallable, Category = "Corvane|File",
 		meta = (AutoCreateRefTerm = "data", ToolTip = "Write text into a file. An existing file is replaced."))
 	static void writeStringToFile(EFileFunctionsCorvDirectoryType directoryType, const FString& data, FString filePath, bool& success);
 
 	/**
-	 * Writes bytes behind those of a file; a missing file and its directories are made.
+	 * Writes bytes after those of a file; a missing file and its directories are made.
 	 * @param success  false leaves the file with the bytes it had, and none where there was none.
 	 */
 	UFUNCTION(BlueprintCallable, Category = "Corvane|File",
@@ -166,7 +166,7 @@ public:
 
 	/**
 	 * Cuts a file into consecutive parts of equal size, the last of which also has what is left over. The source stays.
-	 * Part number i is named like the source with "_i" behind the base name, wherever that name occurs in the path, in any
+	 * Part number i is named like the source with "_i" after the base name, wherever that name occurs in the path, in any
 	 * case: also in the name of a directory, which then must exist. Existing parts are replaced. The outputs are appended to.
 	 * @param success  false when the file cannot be read, has no more bytes than parts, has no base name (".env"), or a part
 	 * cannot be written; earlier parts then stay, and the entries of the failed one.

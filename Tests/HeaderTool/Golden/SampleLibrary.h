@@ -10,7 +10,7 @@ class USampleNode;
 
 UCLASS(BlueprintType, Blueprintable,
 	meta = (ToolTip = "Two "
-					  "pieces,\none \\ text: \u00e4."))
+					  "pieces,\none \\ text: ä."))
 class SAMPLE_API USampleLibrary : public UBlueprintFunctionLibrary
 {
 	GENERATED_BODY()
@@ -44,9 +44,6 @@ public:
 
 	UPROPERTY()
 	TArray<FSampleRecord> tracked;
-
-	FString text = "unset";
-	FString heard;
 
 private:
 	UPROPERTY(BlueprintAssignable, Category = "Sample|Events", meta = (ToolTip = "Hidden from C++."))

@@ -13,10 +13,6 @@ class USampleNode final : public UBlueprintAsyncActionBase
 public:
 	UFUNCTION(BlueprintCallable, Category = "Sample", meta = (BlueprintInternalUseOnly = "true"))
 	static USampleNode* start(FSampleRecord record);
-	virtual void Activate() override { ++activations; }
-
-	FSampleRecord held;
-	int32 activations = 0;
 };
 
 /** Derives from a class of the same file. */
@@ -34,6 +30,5 @@ class USampleDerived : public USampleBase
 {
 	GENERATED_BODY()
 public:
-	virtual void ping() override { ++pings; }
-	int32 pings = 0;
+	virtual void ping() override {}
 };

@@ -13,7 +13,7 @@ enum class ESampleKind : uint8
 	None UMETA(DisplayName = "Nothing \"at all\""),
 	Five = 5 UMETA(DisplayName = "A|B"),
 	Six,
-	Last UMETA(DisplayName = "Last") = 0xFF
+	Last = 0xFF UMETA(DisplayName = "Last")
 };
 
 USTRUCT(BlueprintType, meta = (ToolTip = "One record."))

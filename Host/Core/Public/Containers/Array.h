@@ -84,7 +84,7 @@ public:
 		RemoveAt(static_cast<int32>(Found - begin()));
 		return 1;
 	}
-	/** Removes one element; those behind it move up. */
+	/** Removes one element; those after it move up. */
 	void RemoveAt(int32 Index)
 	{
 		T* Removed = At(Index);

@@ -65,7 +65,7 @@ public:
 	bool Contains(const FString& Part, ESearchCase::Type Case = ESearchCase::IgnoreCase) const { return Find(Part, Case) != INDEX_NONE; }
 	bool StartsWith(const FString& Prefix, ESearchCase::Type Case = ESearchCase::IgnoreCase) const;
 	bool EndsWith(const FString& Suffix, ESearchCase::Type Case = ESearchCase::IgnoreCase) const;
-	/** @return true for digits with at most one dot among them, also behind a sign. */
+	/** @return true for digits with at most one dot among them, also after a sign. */
 	bool IsNumeric() const;
 
 	/** Cut; counts are clamped to the length. */
@@ -74,7 +74,7 @@ public:
 	FString Right(int32 Count) const { return Mid(Len() - std::clamp(Count, 0, Len())); }
 	FString RightChop(int32 Count) const { return Mid(std::clamp(Count, 0, Len())); }
 	FString Mid(int32 Start, int32 Count = MAX_int32) const;
-	/** @return the text without blanks, tabs and line ends behind it. */
+	/** @return the text without blanks, tabs and line ends after it. */
 	FString TrimEnd() const;
 	FString ToUpper() const;
 
@@ -83,7 +83,7 @@ public:
 
 	/**
 	 * Cuts the text in two at the first or last occurrence of Separator.
-	 * @param LeftPart, RightPart  what stands before and behind it; either may be null or this text itself.
+	 * @param LeftPart, RightPart  what stands before and after it; either may be null or this text itself.
 	 * @return false when it does not occur; the parts are not touched then.
 	 */
 	bool Split(const FString& Separator, FString* LeftPart, FString* RightPart, ESearchCase::Type Case = ESearchCase::IgnoreCase,

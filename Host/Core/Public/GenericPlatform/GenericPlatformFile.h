@@ -69,7 +69,7 @@ public:
 	IFileHandle* OpenRead(const TCHAR* Filename, bool bAllowWrite = false);
 	/**
 	 * Opens a file at its end, or makes it or empties it. Missing directories are not made.
-	 * @param bAppend  keep the content, start behind it.
+	 * @param bAppend  keep the content, start after it.
 	 * @param bAllowRead  the handle can be read from as well.
 	 * @return null when that fails; the caller deletes it.
 	 */

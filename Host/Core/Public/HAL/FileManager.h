@@ -7,7 +7,7 @@ class FArchive;
 enum EFileWrite : uint32
 {
 	FILEWRITE_None = 0,
-	FILEWRITE_Append = 0x08, // write behind what the file holds
+	FILEWRITE_Append = 0x08, // write after what the file holds
 	FILEWRITE_AllowRead = 0x10 // others may read meanwhile; here they always may
 };
 

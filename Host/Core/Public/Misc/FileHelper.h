@@ -17,6 +17,6 @@ struct FFileHelper
 
 	/** Replaces or makes a file, and makes missing directories. @return whether every byte was written. */
 	static bool SaveArrayToFile(TArrayView<const uint8> Array, const TCHAR* Filename);
-	/** The same with text: ASCII as it is, anything else in UTF-16 with the low byte first, behind a mark. */
+	/** The same with text: ASCII as it is, anything else in UTF-16 with the low byte first, after a mark. */
 	static bool SaveStringToFile(FStringView String, const TCHAR* Filename);
 };

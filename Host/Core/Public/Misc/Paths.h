@@ -19,9 +19,12 @@ public:
 	static bool FileExists(const FString& Path);
 	static bool DirectoryExists(const FString& Path);
 
-	/** Parts of a path, which slashes of both kinds cut. @return what stands behind the last slash. */
+	/** @return whether two paths name the same file, going by the paths alone; where the file system tells names apart by case, so does this. */
+	static bool IsSamePath(const FString& PathA, const FString& PathB);
+
+	/** Parts of a path, which slashes of both kinds cut. @return what stands after the last slash. */
 	static FString GetCleanFilename(const FString& Path);
-	/** @return what stands behind the last dot of the file name; empty when there is none. */
+	/** @return what stands after the last dot of the file name; empty when there is none. */
 	static FString GetExtension(const FString& Path, bool bIncludeDot = false);
 	/** @return the path without its last extension, and without its directory unless told otherwise. */
 	static FString GetBaseFilename(const FString& Path, bool bRemovePath = true);

@@ -3,15 +3,15 @@
 #include "HAL/CriticalSection.h"
 
 /** Holds a lock for the length of a block. */
-class FScopeLock
+class HOST_LOCK_ATTRIBUTE(scoped_lockable) FScopeLock
 {
 public:
-	explicit FScopeLock(FCriticalSection* InSection)
+	explicit FScopeLock(FCriticalSection* InSection) HOST_LOCK_ATTRIBUTE(acquire_capability(InSection))
 		: Section(InSection)
 	{
 		Section->Lock();
 	}
-	~FScopeLock() { Section->Unlock(); }
+	~FScopeLock() HOST_LOCK_ATTRIBUTE(release_capability()) { Section->Unlock(); }
 	FScopeLock(const FScopeLock&) = delete;
 	FScopeLock& operator=(const FScopeLock&) = delete;
 

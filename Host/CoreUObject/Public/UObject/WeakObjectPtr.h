@@ -13,7 +13,7 @@ struct TWeakObjectPtr
 	{
 	}
 
-	/** Thread: game thread. Elsewhere the object could be freed behind the answer: Pin it. */
+	/** Thread: game thread. Elsewhere the object could be freed after the answer: Pin it. */
 	T* Get() const { return static_cast<T*>(ObjectLifetime::Resolve(Handle)); }
 	bool IsValid() const { return Get() != nullptr; }
 	void Reset() { Handle = {}; }

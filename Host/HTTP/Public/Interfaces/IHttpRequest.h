@@ -71,7 +71,7 @@ public:
 
 	virtual FHttpRequestCompleteDelegate& OnProcessRequestComplete() = 0;
 	/**
-	 * On the HTTP thread: behind each received block of the body and once at the end, when a count has changed. On the game
+	 * On the HTTP thread: after each received block of the body and once at the end, when a count has changed. On the game
 	 * thread: once a tick, also while bytes are sent.
 	 */
 	virtual FHttpRequestProgressDelegate64& OnRequestProgress64() = 0;
@@ -88,7 +88,7 @@ public:
 	virtual bool ProcessRequest() = 0;
 	/** Ends a running request as failed, later and through the same completion; harmless when it is over. Thread: any. */
 	virtual void CancelRequest() = 0;
-	/** @return null before the first header line, and behind a failed completion. Thread: that of the callbacks. */
+	/** @return null before the first header line, and after a failed completion. Thread: that of the callbacks. */
 	virtual const FHttpResponsePtr GetResponse() const = 0;
 	virtual EHttpFailureReason GetFailureReason() const = 0;
 };

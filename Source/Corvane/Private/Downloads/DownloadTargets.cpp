@@ -1,5 +1,6 @@
 #include "Downloads/DownloadTargets.h"
 
+#include "Misc/Paths.h"
 #include "Misc/ScopeLock.h"
 
 void FCorvDownloadTargets::claim(const FString& Path, int64 Download)
@@ -52,7 +53,7 @@ FCorvDownloadTargets::FTarget* FCorvDownloadTargets::find(const FString& Path)
 {
 	for (FTarget& Target : targets)
 	{
-		if (Target.path.Equals(Path))
+		if (FPaths::IsSamePath(Target.path, Path))
 		{
 			return &Target;
 		}
@@ -64,7 +65,7 @@ void FCorvDownloadTargets::removeIfUnused(const FString& Path)
 {
 	for (int32 Index = 0; Index < targets.Num(); ++Index)
 	{
-		if (targets[Index].path.Equals(Path) && targets[Index].download == 0 && !targets[Index].bWriting)
+		if (FPaths::IsSamePath(targets[Index].path, Path) && targets[Index].download == 0 && !targets[Index].bWriting)
 		{
 			targets.RemoveAt(Index);
 			return;

@@ -1,12 +1,13 @@
 #pragma once
 
 #include "CoreMinimal.h"
+#include "Corvane.h"
 #include "Downloads/KeptVersions.h"
 #include "HAL/CriticalSection.h"
 
 /**
  * Which download may write which file: the one that was started last. A download is known by a number that its follow-up
- * steps inherit. Paths are full ones and compared exactly. Thread: any.
+ * steps inherit. Paths are full ones and compared as the file system compares them. Thread: any.
  */
 class FCorvDownloadTargets
 {
@@ -31,16 +32,16 @@ private:
 
 	bool beginWriting(const FString& path, int64 download);
 	void endWriting(const FString& path);
-	FTarget* find(const FString& path);
-	void removeIfUnused(const FString& path);
+	FTarget* find(const FString& path) CORVANE_REQUIRES(lock);
+	void removeIfUnused(const FString& path) CORVANE_REQUIRES(lock);
 
 	FCriticalSection lock;
-	TArray<FTarget> targets; // as many as downloads run
+	TArray<FTarget> targets CORVANE_GUARDED_BY(lock); // as many as downloads run
 };
 
 /**
  * The permission to write a download's file, held for the length of a block. Nobody else gets it meanwhile, so two bodies
- * never mix: the size that is read under it holds until the bytes are behind it.
+ * never mix: the size that is read under it holds until the bytes follow it.
  */
 class FCorvDownloadPermission
 {

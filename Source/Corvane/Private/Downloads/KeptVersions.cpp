@@ -1,5 +1,6 @@
 #include "Downloads/KeptVersions.h"
 
+#include "Misc/Paths.h"
 #include "Misc/ScopeLock.h"
 
 void FCorvKeptVersions::remember(const FString& Path, int64 Size, const FString& Version)
@@ -7,7 +8,7 @@ void FCorvKeptVersions::remember(const FString& Path, int64 Size, const FString&
 	FScopeLock Lock(&lock);
 	for (int32 Index = 0; Index < all.Num(); ++Index)
 	{
-		if (all[Index].path.Equals(Path))
+		if (FPaths::IsSamePath(all[Index].path, Path))
 		{
 			all.RemoveAt(Index);
 			break;
@@ -24,7 +25,7 @@ FString FCorvKeptVersions::find(const FString& Path, int64 Size)
 	FScopeLock Lock(&lock);
 	for (const FKept& Kept : all)
 	{
-		if (Kept.path.Equals(Path) && Kept.size == Size)
+		if (FPaths::IsSamePath(Kept.path, Path) && Kept.size == Size)
 		{
 			return Kept.version;
 		}

@@ -1,11 +1,12 @@
 #pragma once
 
 #include "CoreMinimal.h"
+#include "Corvane.h"
 #include "HAL/CriticalSection.h"
 
 /**
  * Which version of a file on a server the bytes belong to that an unfinished download has left on disk, for as long as the
- * program runs. Paths are full ones and compared exactly. Thread: any.
+ * program runs. Paths are full ones and compared as the file system compares them. Thread: any.
  */
 class FCorvKeptVersions
 {
@@ -25,5 +26,5 @@ private:
 	};
 
 	FCriticalSection lock;
-	TArray<FKept> all;
+	TArray<FKept> all CORVANE_GUARDED_BY(lock);
 };

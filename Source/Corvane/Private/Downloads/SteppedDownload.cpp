@@ -1,41 +1,21 @@
+#include "Downloads/SteppedDownload.h"
+
 #include "CorvaneRequestCompleteObject.h"
-
-#include "Completion/CompletionResult.h"
-#include "Completion/FollowUp.h"
-#include "Downloads/DownloadFile.h"
-#include "Downloads/DownloadTargets.h"
-
-// A download in steps: a probe for the size, then one ranged request after the other. Each is a request of its own.
+#include "Rules/StatusCodes.h"
+#include "Runs/Result.h"
+#include "Runs/Run.h"
 
 namespace CorvaneSteppedDownload
 {
-	/** What a step hands on to the next; copies only, because the step is gone by then. */
-	struct FStep
-	{
-		FString url;
-		TMap<FString, FString> header;
-		FString requestID;
-		FString path; // full
-		int64 stepSize = 0;
-		int64 fullSize = 0;
-		int64 start = 0;
-		FCorvFileVersion version;
-		FCorvSpeed speed;
-		int64 download = 0;
-	};
-
-	static TArray<FhttpRequest> build(const FStep& Step)
+	static TArray<FhttpRequest> build(const FhttpRequest& Before, const FString& RequestID, const FCorvDownloadStep& Step)
 	{
 		TArray<FhttpRequest> Requests;
-		FString RequestID;
-		UCorvaneBPLibrary::CreateHttpRequestGETLowRamDownload({}, Step.url, Step.header, EHTTPCorvFileDownloadResumeType::E_RESUME,
-			EHTTPCorvFileUpload::E_ad, Step.path, Step.requestID, Requests, RequestID, static_cast<int32>(Step.stepSize));
+		FString ID;
+		UCorvaneBPLibrary::CreateHttpRequestGETLowRamDownload({}, Before.url, Before.header, EHTTPCorvFileDownloadResumeType::E_RESUME,
+			EHTTPCorvFileUpload::E_ad, Step.path, RequestID, Requests, ID, static_cast<int32>(Step.plan.stepSize));
 		if (!Requests.IsEmpty())
 		{
-			UCorvaneRequestCompleteObject* Object = Requests[0].requestCompleteObject();
-			Object->setFileCancelResumeDownloadByteFullSize(Step.fullSize);
-			Object->setFileCancelResumeDownloadByteStart(Step.start);
-			Object->continueDownload(Step.download, Step.version, Step.speed);
+			Requests[0].requestCompleteObject()->steppedDownload().continueFrom(Step);
 		}
 		return Requests;
 	}
@@ -49,30 +29,39 @@ namespace CorvaneSteppedDownload
 	{
 		return Left.eTag.Equals(Right.eTag) && Left.lastModified.Equals(Right.lastModified) && Left.total == Right.total;
 	}
+
+	static void logNoRanges()
+	{
+		UE_LOG(LogTemp, Error, TEXT("File Download: Server does not suport download range or wrong url. Cancel Download"));
+	}
+
+	static void logAborted()
+	{
+		UE_LOG(LogTemp, Error, TEXT("Something's went wrong. download is aborted "));
+	}
 } // namespace CorvaneSteppedDownload
 
-void UCorvaneRequestCompleteObject::requestCompleteLowRamInternal(
-	FHttpRequestPtr InRequest, FHttpResponsePtr InResponse, bool bInWasSuccessful)
+FCorvSteppedDownload::FCorvSteppedDownload(FCorvRun& InRun, FCorvDownload& InDownload)
+	: run(InRun)
+	, download(InDownload)
 {
-	if (!corvaneBPLibrary)
-	{
-		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: Missing Object instance (12)."));
-		return;
-	}
+}
+
+void FCorvSteppedDownload::continueFrom(FCorvDownloadStep InStep)
+{
+	download.plan = InStep.plan;
+	download.inheritedSpeed = InStep.speed;
+	download.file.inherit(InStep.download);
+	version = MoveTemp(InStep.version);
+}
+
+void FCorvSteppedDownload::complete(const FHttpRequestPtr& InRequest, const FHttpResponsePtr& InResponse, bool bInWasSuccessful)
+{
 	if (!bInWasSuccessful || !InResponse.IsValid())
 	{
-		if (bTooMuchCame && fileCancelResumeDownloadByteFullSize > 0)
-		{
-			abortSteps(InRequest, nullptr);
-			return;
-		}
-		if (bTooMuchCame && !cancelIfAsked())
-		{
-			UE_LOG(LogTemp, Error, TEXT("File Download: Server does not suport download range or wrong url. Cancel Download"));
-		}
-		endSteps(InRequest, failureOf(InResponse));
+		takeBrokenAnswer(InRequest, InResponse);
 	}
-	else if (fileCancelResumeDownloadByteFullSize <= 0)
+	else if (download.plan.fullSize <= 0)
 	{
 		takeProbeAnswer(InRequest, InResponse);
 	}
@@ -82,106 +71,116 @@ void UCorvaneRequestCompleteObject::requestCompleteLowRamInternal(
 	}
 }
 
-void UCorvaneRequestCompleteObject::takeProbeAnswer(const FHttpRequestPtr& InRequest, const FHttpResponsePtr& InResponse)
+void FCorvSteppedDownload::takeBrokenAnswer(const FHttpRequestPtr& InRequest, const FHttpResponsePtr& InResponse)
 {
-	const FCorvDownloadAnswer Answer = CorvaneDownload::readAnswer(*InResponse, InResponse->GetResponseCode());
-	if (cancelIfAsked())
+	const bool bTooMuch = bTooMuchCame && !run.cancelIfAsked();
+	const bool bIsStep = download.plan.fullSize > 0;
+	if (bTooMuch && bIsStep)
 	{
-		endSteps(InRequest, CorvaneResult::noResponse());
+		CorvaneSteppedDownload::logAborted();
 	}
-	else if (Answer.statusCode != 206 || Answer.range.total < 1)
+	else if (bTooMuch)
 	{
-		UE_LOG(LogTemp, Error, TEXT("File Download: Server does not suport download range or wrong url. Cancel Download"));
-		endSteps(InRequest, failureOf(InResponse));
+		CorvaneSteppedDownload::logNoRanges();
 	}
-	else if (CorvaneDownload::sizeOnDisk(fileCancelResumeDownloadDir) >= Answer.range.total)
+	end(InRequest, run.failureOf(bTooMuch && bIsStep ? nullptr : InResponse));
+}
+
+void FCorvSteppedDownload::takeProbeAnswer(const FHttpRequestPtr& InRequest, const FHttpResponsePtr& InResponse)
+{
+	const FCorvDownloadAnswer Answer = download.readAnswer(*InResponse);
+	if (run.cancelIfAsked())
+	{
+		end(InRequest, CorvaneResult::noResponse());
+	}
+	else if (Answer.statusCode != CorvaneStatus::partialContent || Answer.range.total < 1)
+	{
+		CorvaneSteppedDownload::logNoRanges();
+		end(InRequest, run.failureOf(InResponse));
+	}
+	else if (download.file.size() >= Answer.range.total)
 	{
 		UE_LOG(LogTemp, Error, TEXT("File Download: File size equal to or larger than on the server. Cancel Download"));
-		endSteps(InRequest, failureOf(InResponse));
+		end(InRequest, run.failureOf(InResponse));
 	}
-	else if (!isKeptVersion(*InResponse))
+	else if (!download.file.isOfKeptVersion(*InResponse)) // it would go after the bytes of another one
 	{
-		abortSteps(InRequest, nullptr); // behind the bytes of another version
+		CorvaneSteppedDownload::logAborted();
+		end(InRequest, CorvaneResult::noResponse());
 	}
 	else
 	{
-		startStep(*InResponse, Answer.range.total, fileCancelResumeDownloadByteStart);
+		startStep(*InResponse, Answer.range.total, download.plan.start);
 	}
 }
 
-void UCorvaneRequestCompleteObject::takeStepAnswer(const FHttpRequestPtr& InRequest, const FHttpResponsePtr& InResponse)
+void FCorvSteppedDownload::takeStepAnswer(const FHttpRequestPtr& InRequest, const FHttpResponsePtr& InResponse)
 {
-	const FCorvDownloadAnswer Answer = CorvaneDownload::readAnswer(*InResponse, InResponse->GetResponseCode());
+	const FCorvDownloadAnswer Answer = download.readAnswer(*InResponse);
 	if (!writeStep(*InResponse, Answer))
 	{
-		endSteps(InRequest, failureOf(InResponse));
-		return;
+		end(InRequest, run.failureOf(InResponse));
 	}
-	rememberVersion(*InResponse);
-	if (CorvaneDownload::sizeOnDisk(fileCancelResumeDownloadDir) >= Answer.range.total)
+	else if (download.file.size() >= Answer.range.total)
 	{
-		corvaneBPLibrary->downloadTargetList().keptVersions.forget(fileCancelResumeDownloadDir);
-		endSteps(InRequest, CorvaneResult::successWithoutBody(*InResponse));
+		download.file.forgetVersion();
+		end(InRequest, CorvaneResult::successWithoutBody(*InResponse));
 	}
 	else
 	{
-		startStep(*InResponse, Answer.range.total, fileCancelResumeDownloadByteStart + Answer.bodyBytes);
+		startStep(*InResponse, Answer.range.total, download.plan.start + Answer.bodyBytes);
 	}
 }
 
-bool UCorvaneRequestCompleteObject::writeStep(const IHttpResponse& InResponse, const FCorvDownloadAnswer& InAnswer)
-{
-	const FString& Path = fileCancelResumeDownloadDir;
-	const FCorvDownloadPermission Permission(corvaneBPLibrary->downloadTargetList(), Path, downloadNumber());
-	const FCorvDownloadTarget Target{fileCancelResumeDownloadByteStart, CorvaneDownload::sizeOnDisk(Path)};
-	const bool bSameFile = CorvaneSteppedDownload::isSame(fileVersion, CorvaneSteppedDownload::versionOf(InResponse, InAnswer.range.total));
-	const bool bTooMuch = InAnswer.bodyBytes > CorvaneRules::mostStepBytes(fileCancelResumeDownloadByteStart,
-												   fileCancelResumeDownloadBytePartSize, fileCancelResumeDownloadByteFullSize);
-	if (!Permission.isGranted() || !bSameFile || bTooMuch || !CorvaneRules::isStep(InAnswer, Target))
-	{
-		UE_LOG(LogTemp, Error, TEXT("Something's went wrong. download is aborted "));
-		return false;
-	}
-	return CorvaneDownload::write(Path, InResponse.GetContent(), false);
-}
-
-void UCorvaneRequestCompleteObject::abortSteps(const FHttpRequestPtr& InRequest, const FHttpResponsePtr& InResponse)
-{
-	UE_LOG(LogTemp, Error, TEXT("Something's went wrong. download is aborted "));
-	endSteps(InRequest, failureOf(InResponse));
-}
-
-void UCorvaneRequestCompleteObject::startStep(const IHttpResponse& InResponse, int64 InTotal, int64 InStart)
+bool FCorvSteppedDownload::writeStep(const IHttpResponse& InResponse, const FCorvDownloadAnswer& InAnswer)
 {
 	using namespace CorvaneSteppedDownload;
-	const int64 StepSize = fileCancelResumeDownloadBytePartSize;
-	FStep Step{httpRequest.url, httpRequest.header, requestID, fileCancelResumeDownloadDir, StepSize, FMath::Max<int64>(StepSize, InTotal),
-		InStart, versionOf(InResponse, InTotal), {lastProgressBytes, lastProgressTime, megabitSpeed}, downloadNumber()};
-	FCorvFollowUp FollowUp;
-	FollowUp.requestID = requestID;
-	FollowUp.cancelState = cancelState;
-	FollowUp.node = node;
-	FollowUp.abandon = [Path = Step.path, Download = Step.download](UCorvaneBPLibrary& Library)
-	{ Library.downloadTargetList().release(Path, Download); };
-	FollowUp.build = [Step = MoveTemp(Step)] { return build(Step); };
-	completionPosted = true;
-	CorvaneFollowUp::start(corvaneBPLibrary, MoveTemp(FollowUp));
-}
-
-void UCorvaneRequestCompleteObject::endSteps(const FHttpRequestPtr& InRequest, FCorvCompletion InResult)
-{
-	if (InResult.statusCode >= 400 && !cancelIfAsked())
+	const FCorvDownloadPermission Permission = download.file.askToWrite();
+	const FCorvDownloadTarget Target{download.plan.start, download.file.size()};
+	const bool bSameFile = isSame(version, versionOf(InResponse, InAnswer.range.total));
+	const bool bTooMuch = InAnswer.bodyBytes > mostBytes();
+	if (!Permission.isGranted() || !bSameFile || bTooMuch || !CorvaneRules::isStep(InAnswer, Target))
 	{
-		const int64 Size = CorvaneDownload::sizeOnDisk(fileCancelResumeDownloadDir);
-		tellFailedDownload(FString::Printf(TEXT("status %d, and %lld bytes are on disk"), InResult.statusCode, Size));
+		logAborted();
+		return false;
 	}
-	releaseDownloadTarget();
-	deliver(InRequest, MoveTemp(InResult));
+	return download.file.write(InResponse, false);
 }
 
-void UCorvaneRequestCompleteObject::continueDownload(int64 InDownload, FCorvFileVersion InVersion, const FCorvSpeed& InSpeed)
+void FCorvSteppedDownload::startStep(const IHttpResponse& InResponse, int64 InTotal, int64 InStart)
 {
-	inheritedDownload = InDownload;
-	inheritedSpeed = InSpeed;
-	fileVersion = MoveTemp(InVersion);
+	const int64 StepSize = download.plan.stepSize;
+	const FCorvDownloadPlan Plan{InStart, StepSize, FMath::Max<int64>(StepSize, InTotal)};
+	const FCorvDownloadStep Step{
+		download.file.path, Plan, CorvaneSteppedDownload::versionOf(InResponse, InTotal), download.speed, download.file.download()};
+	run.follow([Before = run.httpRequest, ID = run.requestID, Step] { return CorvaneSteppedDownload::build(Before, ID, Step); },
+		[Path = Step.path, Download = Step.download](UCorvaneBPLibrary& Library) { Library.downloadTargetList().release(Path, Download); });
+}
+
+void FCorvSteppedDownload::end(const FHttpRequestPtr& InRequest, FCorvCompletion InResult)
+{
+	if (InResult.statusCode >= CorvaneStatus::firstError && !run.cancelIfAsked())
+	{
+		download.file.tellIncomplete(
+			FString::Printf(TEXT("status %d, and %lld bytes are on disk"), InResult.statusCode, download.file.size()));
+	}
+	download.file.release();
+	run.deliver(InRequest, MoveTemp(InResult));
+}
+
+int64 FCorvSteppedDownload::mostBytes() const
+{
+	return CorvaneRules::mostStepBytes(download.plan.start, download.plan.stepSize, download.plan.fullSize);
+}
+
+void FCorvSteppedDownload::report(IHttpRequest& InRequest, uint64 InBytesReceived)
+{
+	if (!bTooMuchCame && static_cast<int64>(InBytesReceived) > mostBytes())
+	{
+		bTooMuchCame = true; // memory stays bounded, and the completion knows why the exchange failed
+		InRequest.CancelRequest(); // from here: the game thread may stand still for long enough to fill the memory
+	}
+	// Over the whole file, not over this step.
+	const float Full = download.plan.fullSize > 0 ? static_cast<float>(download.plan.fullSize) : 1.0f;
+	download.report(Full, download.plan.start + static_cast<int64>(InBytesReceived));
 }

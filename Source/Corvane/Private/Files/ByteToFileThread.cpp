@@ -1,11 +1,7 @@
 #include "Files/ByteToFileThread.h"
 
 #include "FileFunctionsCorv.h"
-#include "HAL/Event.h"
 #include "HAL/FileManager.h"
-#include "HAL/PlatformProcess.h"
-#include "HAL/RunnableThread.h"
-#include "Misc/Guid.h"
 #include "Misc/Paths.h"
 #include "Misc/ScopeLock.h"
 #include "Serialization/Archive.h"
@@ -57,64 +53,16 @@ namespace CorvaneByteToFile
 } // namespace CorvaneByteToFile
 
 FByteToFileThread::FByteToFileThread()
-	: wakeUp(FPlatformProcess::GetSynchEventFromPool())
+	: TCorvQueueThread(TEXT("FByteToFileThread"))
 {
-	startThread();
 }
 
 FByteToFileThread::~FByteToFileThread()
 {
-	delete thread;
-	FPlatformProcess::ReturnSynchEventToPool(wakeUp);
+	finish();
 }
 
-void FByteToFileThread::startThread()
-{
-	thread = FRunnableThread::Create(this, *(TEXT("FByteToFileThread") + FGuid::NewGuid().ToString()));
-}
-
-void FByteToFileThread::addJob(FByteToFileJob InJob)
-{
-	if (!thread)
-	{
-		startThread(); // the system may have one by now
-	}
-	if (!thread)
-	{
-		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: No thread to write into %s"), *InJob.filePath);
-		return;
-	}
-	++jobsLeft;
-	jobQueue.Enqueue(MoveTemp(InJob));
-	wakeUp->Trigger();
-}
-
-void FByteToFileThread::Stop()
-{
-	isStopping = true;
-	wakeUp->Trigger();
-}
-
-uint32 FByteToFileThread::Run()
-{
-	for (;;)
-	{
-		const bool bLastRound = isStopping; // read first: a job queued before the stop is still found
-		FByteToFileJob Job;
-		while (jobQueue.Dequeue(Job))
-		{
-			write(Job);
-			--jobsLeft;
-		}
-		if (bLastRound)
-		{
-			return 0;
-		}
-		wakeUp->Wait();
-	}
-}
-
-void FByteToFileThread::write(const FByteToFileJob& InJob)
+void FByteToFileThread::work(FByteToFileJob& InJob)
 {
 	if (InJob.byteData.IsEmpty())
 	{
@@ -134,12 +82,12 @@ void FByteToFileThread::write(const FByteToFileJob& InJob)
 	}
 }
 
-FByteToFileThread* UCorvaneBPLibrary::getByteToFileThread()
+TSharedPtr<FByteToFileThread> UCorvaneBPLibrary::getByteToFileThread()
 {
 	FScopeLock Lock(&mapLock);
 	if (!byteToFileThread)
 	{
-		byteToFileThread = new FByteToFileThread();
+		byteToFileThread = MakeShared<FByteToFileThread>();
 	}
 	return byteToFileThread;
 }
@@ -149,7 +97,6 @@ void UCorvaneBPLibrary::byteDataToFile(
 {
 	if (UCorvaneBPLibrary* Library = getCorvaneTarget())
 	{
-		FScopeLock Lock(&Library->mapLock); // the end of the program would else free the thread under this call
 		Library->getByteToFileThread()->addJob({MoveTemp(InByteData), InDirectoryType, InFilePath, InFileAction});
 	}
 }

@@ -1,13 +1,7 @@
 #pragma once
 
-#include "Containers/Queue.h"
 #include "CorvaneBPLibrary.h"
-#include "HAL/Runnable.h"
-
-#include <atomic>
-
-class FEvent;
-class FRunnableThread;
+#include "Threads/QueueThread.h"
 
 /** One byte array on its way to a file. */
 struct FByteToFileJob
@@ -19,30 +13,15 @@ struct FByteToFileJob
 };
 
 /**
- * The writer: it carries out file jobs one after another, away from the game thread. Owned by the library. Deleting it
- * finishes the queued jobs first.
+ * The writer: it carries out file jobs one after another, away from the game thread; failures are logged. Shared by the
+ * library and whoever brings a job; whoever lets go last finishes the queued jobs.
  */
-class FByteToFileThread : public FRunnable
+class FByteToFileThread : public TCorvQueueThread<FByteToFileJob>
 {
 public:
 	FByteToFileThread();
 	virtual ~FByteToFileThread() override;
 
-	/** Queues a job and wakes the writer; failures are logged by the writer. Thread: any. */
-	void addJob(FByteToFileJob job);
-	/** False when every job was carried out. Thread: any. */
-	bool hasWork() const { return jobsLeft > 0; }
-
-	virtual uint32 Run() override;
-	virtual void Stop() override;
-
-private:
-	void startThread();
-	static void write(const FByteToFileJob& job);
-
-	TQueue<FByteToFileJob, EQueueMode::Mpsc> jobQueue;
-	std::atomic<int32> jobsLeft{0};
-	std::atomic<bool> isStopping{false};
-	FEvent* wakeUp; // from the engine's pool
-	FRunnableThread* thread = nullptr; // owned
+protected:
+	virtual void work(FByteToFileJob& job) override;
 };

@@ -9,7 +9,7 @@
 
 namespace CorvaneReadAndWrite
 {
-	/** Takes away what a failed write left: all that stands behind the bytes that a file had, or a file that was not there. */
+	/** Takes away what a failed write left: all that stands after the bytes that a file had, or a file that was not there. */
 	static void undo(const FString& Path, bool bWasThere, int64 Size)
 	{
 		IPlatformFile& Files = FPlatformFileManager::Get().GetPlatformFile();

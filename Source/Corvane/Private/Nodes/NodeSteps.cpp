@@ -1,6 +1,7 @@
 #include "Nodes/NodeSteps.h"
 
 #include "Requests/RequestBuilder.h"
+#include "Rules/StatusCodes.h"
 #include "UAsyncNodeHttpRequest.h"
 #include "UObject/UObjectGlobals.h"
 
@@ -35,25 +36,9 @@ void CorvaneNode::giveUpID(UAsyncNodeCorv& Node, const FString& RequestID)
 	}
 }
 
-void CorvaneNode::start(TArray<FhttpRequest>& HttpRequests)
-{
-	if (HttpRequests.IsEmpty()) // the builder refused
-	{
-		return;
-	}
-	if (UCorvaneBPLibrary* Library = UCorvaneBPLibrary::getCorvaneTarget())
-	{
-		Library->startRequests(HttpRequests);
-	}
-	else
-	{
-		UE_LOG(LogTemp, Error, TEXT("UAsyncNodeCorv (Activate): The library does not exist."));
-	}
-}
-
 bool CorvaneNode::isSuccess(int32 StatusCode)
 {
-	return StatusCode < 400 && StatusCode != 0;
+	return StatusCode < CorvaneStatus::firstError && StatusCode != 0;
 }
 
 void CorvaneNode::release(UAsyncNodeCorv& Node)

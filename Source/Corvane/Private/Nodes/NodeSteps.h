@@ -1,14 +1,12 @@
 #pragma once
 
-#include "CorvaneBPLibrary.h"
+#include "CoreMinimal.h"
 
 class UAsyncNodeCorv;
 
 /** The steps that the latent nodes have in common; each class keeps its own order. Thread: game thread. */
 namespace CorvaneNode
 {
-	constexpr int32 refused = 400;
-
 	/**
 	 * Makes a new node the receiver of the results of an ID, in place of an earlier node.
 	 * @param optionalRequestID  empty = a new GUID.
@@ -18,9 +16,6 @@ namespace CorvaneNode
 
 	/** A node waits no more. It gives up its ID, unless a later node has taken that over. */
 	void giveUpID(UAsyncNodeCorv& node, const FString& requestID);
-
-	/** Starts a node's requests and empties the array. */
-	void start(TArray<FhttpRequest>& httpRequests);
 
 	/** What counts as success; a file-info node has a rule of its own. */
 	bool isSuccess(int32 statusCode);

@@ -1,6 +1,7 @@
 #include "UAsyncNodeHttpDownloadUpload.h"
 
 #include "Nodes/NodeSteps.h"
+#include "Rules/StatusCodes.h"
 #include "UObject/UObjectGlobals.h"
 
 namespace CorvaneDownloadUploadNode
@@ -15,7 +16,7 @@ namespace CorvaneDownloadUploadNode
 	/** @param StatusCode  what the builder returned. */
 	static UAsyncNodeHttpDownloadUpload* finish(UAsyncNodeHttpDownloadUpload* Node, int32 StatusCode)
 	{
-		if (StatusCode == CorvaneNode::refused)
+		if (StatusCode == CorvaneStatus::refused)
 		{
 			Node->httpRequestDownloadUploadComplete(FString(), {}, {}, StatusCode, Node->requestID);
 		}
@@ -85,7 +86,7 @@ UAsyncNodeHttpDownloadUpload* UAsyncNodeHttpDownloadUpload::AsyncExecuteHTTP_Mul
 
 void UAsyncNodeHttpDownloadUpload::Activate()
 {
-	CorvaneNode::start(httpRequests);
+	UCorvaneBPLibrary::startAll(httpRequests); // none when the builder refused
 }
 
 void UAsyncNodeHttpDownloadUpload::httpRequestDownloadUploadComplete(

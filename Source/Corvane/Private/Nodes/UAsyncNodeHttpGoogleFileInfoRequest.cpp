@@ -1,6 +1,7 @@
 #include "UAsyncNodeHttpGoogleFileInfoRequest.h"
 
 #include "Nodes/NodeSteps.h"
+#include "Rules/StatusCodes.h"
 #include "UObject/UObjectGlobals.h"
 
 UAsyncNodeHttpGoogleFileInfoRequest* UAsyncNodeHttpGoogleFileInfoRequest::AsyncExecuteHTTP_GoogleFileInfo_REQUEST(FString InDownloadID)
@@ -9,7 +10,7 @@ UAsyncNodeHttpGoogleFileInfoRequest* UAsyncNodeHttpGoogleFileInfoRequest::AsyncE
 	Node->requestID = CorvaneNode::takeID(*Node, FString());
 	const int32 StatusCode =
 		UCorvaneBPLibrary::CreateHttpRequestGoogleDriveFileInfo({}, InDownloadID, Node->requestID, Node->httpRequests, Node->requestID);
-	if (StatusCode == CorvaneNode::refused)
+	if (StatusCode == CorvaneStatus::refused)
 	{
 		Node->httpRequestCompleteGoogleFileInfo(FString(), 0, StatusCode, InDownloadID, Node->requestID);
 	}
@@ -18,13 +19,13 @@ UAsyncNodeHttpGoogleFileInfoRequest* UAsyncNodeHttpGoogleFileInfoRequest::AsyncE
 
 void UAsyncNodeHttpGoogleFileInfoRequest::Activate()
 {
-	CorvaneNode::start(httpRequests);
+	UCorvaneBPLibrary::startAll(httpRequests); // none when the builder refused
 }
 
 void UAsyncNodeHttpGoogleFileInfoRequest::httpRequestCompleteGoogleFileInfo(
 	FString InFileName, int64 InFileSizeInBytes, int32 InStatusCode, FString InDownloadID, FString InRequestID)
 {
-	const auto& Outcome = InStatusCode < CorvaneNode::refused ? OnSuccess : OnFail; // 0 counts as success here
+	const auto& Outcome = InStatusCode < CorvaneStatus::firstError ? OnSuccess : OnFail; // 0 counts as success here
 	Outcome.Broadcast(InFileName, InFileSizeInBytes, InStatusCode, InDownloadID, InRequestID);
 	CorvaneNode::giveUpID(*this, requestID);
 	CorvaneNode::release(*this);

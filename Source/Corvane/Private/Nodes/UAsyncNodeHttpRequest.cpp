@@ -1,6 +1,7 @@
 #include "UAsyncNodeHttpRequest.h"
 
 #include "Nodes/NodeSteps.h"
+#include "Rules/StatusCodes.h"
 #include "UObject/UObjectGlobals.h"
 
 namespace CorvaneRequestNode
@@ -16,7 +17,7 @@ namespace CorvaneRequestNode
 	/** @param StatusCode  what the builder returned. */
 	static UAsyncNodeHttpRequest* finish(UAsyncNodeHttpRequest* Node, int32 StatusCode)
 	{
-		if (StatusCode == CorvaneNode::refused)
+		if (StatusCode == CorvaneStatus::refused)
 		{
 			Node->httpRequestComplete(FString(), {}, {}, StatusCode, {}, Node->requestID);
 		}
@@ -62,7 +63,7 @@ UAsyncNodeHttpRequest* UAsyncNodeHttpRequest::AsyncExecuteHTTP_GoogleDrive_REQUE
 
 void UAsyncNodeHttpRequest::Activate()
 {
-	CorvaneNode::start(httpRequests);
+	UCorvaneBPLibrary::startAll(httpRequests); // none when the builder refused
 }
 
 void UAsyncNodeHttpRequest::httpRequestComplete(FString InDataString, const TArray<FString>& InDataArray, const TArray<FString>& InHeader,

@@ -4,8 +4,10 @@
 #include "FileFunctionsCorv.h"
 #include "HAL/FileManager.h"
 #include "Misc/Paths.h"
+#include "Requests/Refusal.h"
 #include "Requests/RequestBuilder.h"
 #include "Rules/DownloadRules.h"
+#include "Rules/StatusCodes.h"
 
 namespace CorvaneDownloadBuilder
 {
@@ -48,7 +50,7 @@ namespace CorvaneDownloadBuilder
 		{
 			IFileManager::Get().Delete(*Target.path, false, false, true);
 		}
-		if (FPaths::FileExists(Target.path)) // also one that could not be deleted: new bytes would go behind the old
+		if (FPaths::FileExists(Target.path)) // also one that could not be deleted: new bytes would go after the old
 		{
 			UE_LOG(LogTemp, Warning, TEXT("%s: File exist. Cancel download."), Target.builder);
 			return false;
@@ -67,22 +69,13 @@ namespace CorvaneDownloadBuilder
 		if (!resolvePath(Target) || !CorvaneBuilder::isUrlLongEnough(Record.url) || !applyAction(Target))
 		{
 			HttpRequests = MoveTemp(OtherHttpRequests);
-			CorvaneBuilder::refuse(RequestID);
+			CorvaneRefusal::atOnce(RequestID);
 			return nullptr;
 		}
 		UCorvaneRequestCompleteObject* Object = CorvaneBuilder::append(MoveTemp(Record), RequestID, OtherHttpRequests, HttpRequests);
 		Object->setFileCancelResumeDownloadDir(Target.path);
 		Object->setFileCancelResumeDownloadByteStart(Target.start);
 		return Object;
-	}
-
-	static FhttpRequest makeRecord(EHTTPCorvRequestType Type, const FString& Url, const TMap<FString, FString>& Header)
-	{
-		FhttpRequest Record;
-		Record.requestType = Type;
-		Record.url = Url;
-		Record.header = Header;
-		return Record;
 	}
 } // namespace CorvaneDownloadBuilder
 
@@ -92,8 +85,10 @@ int32 UCorvaneBPLibrary::CreateHttpRequestGETDownload(TArray<FhttpRequest> InOth
 {
 	using namespace CorvaneDownloadBuilder;
 	const FTarget Target{TEXT("CreateHttpRequestGETDownload"), InActionIfFileExists, InDirectoryType, InFilePathWithFileName};
-	FhttpRequest Record = makeRecord(EHTTPCorvRequestType::GET, InUrl, InHeader);
-	return build(MoveTemp(Record), Target, InOptionalRequestID, InOtherHttpRequests, OutHttpRequests, OutRequestID) ? 0 : 400;
+	FhttpRequest Record = CorvaneBuilder::makeRecord(EHTTPCorvRequestType::GET, InUrl, InHeader);
+	return build(MoveTemp(Record), Target, InOptionalRequestID, InOtherHttpRequests, OutHttpRequests, OutRequestID)
+			   ? 0
+			   : CorvaneStatus::refused;
 }
 
 int32 UCorvaneBPLibrary::CreateHttpRequestGETLowRamDownload(TArray<FhttpRequest> InOtherHttpRequests, FString InUrl,
@@ -103,12 +98,12 @@ int32 UCorvaneBPLibrary::CreateHttpRequestGETLowRamDownload(TArray<FhttpRequest>
 {
 	using namespace CorvaneDownloadBuilder;
 	const FTarget Target{TEXT("CreateHttpRequestGETLowRamDownload"), InActionIfFileExists, InDirectoryType, InFilePathWithFileName};
-	FhttpRequest Record = makeRecord(EHTTPCorvRequestType::GETLowRamDownload, InUrl, InHeader);
+	FhttpRequest Record = CorvaneBuilder::makeRecord(EHTTPCorvRequestType::GETLowRamDownload, InUrl, InHeader);
 	UCorvaneRequestCompleteObject* Object =
 		build(MoveTemp(Record), Target, InOptionalRequestID, InOtherHttpRequests, OutHttpRequests, OutRequestID);
 	if (!Object)
 	{
-		return 400;
+		return CorvaneStatus::refused;
 	}
 	Object->setFileCancelResumeDownloadBytePartSize(CorvaneRules::usableStepSize(InFileSizeStepsInBytes));
 	return 0;

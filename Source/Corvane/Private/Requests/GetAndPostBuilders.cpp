@@ -5,9 +5,7 @@
 int32 UCorvaneBPLibrary::CreateHttpRequestGET(TArray<FhttpRequest> InOtherHttpRequests, FString InUrl, TMap<FString, FString> InHeader,
 	FString InOptionalRequestID, bool bInBindServerSendEvent, TArray<FhttpRequest>& OutHttpRequests, FString& OutRequestID)
 {
-	FhttpRequest Record;
-	Record.url = InUrl;
-	Record.header = InHeader;
+	FhttpRequest Record = CorvaneBuilder::makeRecord(EHTTPCorvRequestType::GET, InUrl, InHeader);
 	Record.bindServerSendEvent = bInBindServerSendEvent;
 	return CorvaneBuilder::checkAndAppend(Record, InOptionalRequestID, InOtherHttpRequests, OutHttpRequests, OutRequestID);
 }
@@ -16,11 +14,8 @@ int32 UCorvaneBPLibrary::CreateHttpRequestPOST(TArray<FhttpRequest> InOtherHttpR
 	TMap<FString, FString> InPOSTData, FString InOptionalRequestID, bool bInBindServerSendEvent, TArray<FhttpRequest>& OutHttpRequests,
 	FString& OutRequestID)
 {
-	FhttpRequest Record;
-	Record.url = InUrl;
-	Record.header = InHeader;
+	FhttpRequest Record = CorvaneBuilder::makeRecord(EHTTPCorvRequestType::POST, InUrl, InHeader);
 	Record.POSTData = InPOSTData;
-	Record.requestType = EHTTPCorvRequestType::POST;
 	Record.bindServerSendEvent = bInBindServerSendEvent;
 	return CorvaneBuilder::checkAndAppend(Record, InOptionalRequestID, InOtherHttpRequests, OutHttpRequests, OutRequestID);
 }

@@ -2,6 +2,7 @@
 
 #include "Containers/StringConv.h"
 #include "Requests/RequestBuilder.h"
+#include "Rules/StatusCodes.h"
 
 namespace CorvaneIndividual
 {
@@ -71,7 +72,8 @@ void UCorvaneBPLibrary::CreateHttpRequestIndividual(TArray<FhttpRequest> InOther
 	{
 		// A waiting node has put its ID into the output before the call; a plain script call usually has not.
 		UCorvaneBPLibrary* Library = getCorvaneTarget();
-		fireErrorMessageInGameThread(Library ? Library->getUAsyncNodeHttpRequest(OutRequestID) : nullptr, 400, OutRequestID);
+		fireErrorMessageInGameThread(
+			Library ? Library->getUAsyncNodeHttpRequest(OutRequestID) : nullptr, CorvaneStatus::refused, OutRequestID);
 		return;
 	}
 	const bool bStream = InContentBodyType == EHTTPCorvIndividualType::STREAM;
@@ -81,10 +83,8 @@ void UCorvaneBPLibrary::CreateHttpRequestIndividual(TArray<FhttpRequest> InOther
 	}
 
 	OutRequestID = CorvaneBuilder::idOrNew(InOptionalRequestID);
-	FhttpRequest Record;
-	Record.requestType = bStream ? EHTTPCorvRequestType::INDIVIDUAL_STREAM : EHTTPCorvRequestType::INDIVIDUAL;
-	Record.url = InUrl;
-	Record.header = InHeader;
+	FhttpRequest Record =
+		CorvaneBuilder::makeRecord(bStream ? EHTTPCorvRequestType::INDIVIDUAL_STREAM : EHTTPCorvRequestType::INDIVIDUAL, InUrl, InHeader);
 	Record.verb = Verb;
 	Record.content = InContentBody;
 	Record.bindDownloadProgressEvent = bInBindDownloadProgressEvent;

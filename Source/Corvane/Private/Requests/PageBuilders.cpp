@@ -1,29 +1,18 @@
 #include "CorvaneBPLibrary.h"
 
 #include "CorvaneRequestCompleteObject.h"
+#include "Requests/Refusal.h"
 #include "Requests/RequestBuilder.h"
 
 namespace CorvanePageBuilder
 {
 	constexpr int32 firstStep = 1;
 
-	/** Tells that there is no Drive file to ask for. @return 400. */
-	static int32 refuseDrive(const FString& DownloadID, const FString& RequestID)
-	{
-		constexpr int32 refused = 400;
-		if (const UCorvaneBPLibrary* Library = UCorvaneBPLibrary::getCorvaneTarget())
-		{
-			Library->onhttpRequestCompleteGoogleInfoDelegate.Broadcast(FString(), 0, refused, DownloadID, RequestID);
-		}
-		return refused;
-	}
-
 	/** @return the completion object of a GET to the Drive endpoint. */
 	static UCorvaneRequestCompleteObject* appendDrive(const FString& Path, const FString& DownloadID, const FString& RequestID,
 		TArray<FhttpRequest>& OtherHttpRequests, TArray<FhttpRequest>& HttpRequests)
 	{
-		FhttpRequest Record;
-		Record.url = UCorvaneBPLibrary::googleDriveBase() + Path;
+		FhttpRequest Record = CorvaneBuilder::makeRecord(EHTTPCorvRequestType::GET, UCorvaneBPLibrary::googleDriveBase() + Path);
 		UCorvaneRequestCompleteObject* Object = CorvaneBuilder::append(MoveTemp(Record), RequestID, OtherHttpRequests, HttpRequests);
 		Object->setDownloadID(DownloadID);
 		return Object;
@@ -38,7 +27,7 @@ int32 UCorvaneBPLibrary::CreateHttpRequestGoogleDrive(TArray<FhttpRequest> InOth
 	{
 		UE_LOG(LogTemp, Error, TEXT("No downloadId in CreateHttpRequestGoogleDrive."));
 		OutHttpRequests = MoveTemp(InOtherHttpRequests);
-		return CorvanePageBuilder::refuseDrive(InDownloadID, OutRequestID);
+		return CorvaneRefusal::ofDriveFile(InDownloadID, OutRequestID);
 	}
 	UCorvaneRequestCompleteObject* Object = CorvanePageBuilder::appendDrive(
 		TEXT("/uc?id=") + InDownloadID + TEXT("&export=download"), InDownloadID, OutRequestID, InOtherHttpRequests, OutHttpRequests);
@@ -55,7 +44,7 @@ int32 UCorvaneBPLibrary::CreateHttpRequestGoogleDriveFileInfo(TArray<FhttpReques
 	{
 		UE_LOG(LogTemp, Error, TEXT("No downloadId in CreateHttpRequestGoogleDriveFileInfo."));
 		OutHttpRequests = MoveTemp(InOtherHttpRequests);
-		return CorvanePageBuilder::refuseDrive(InDownloadID, OutRequestID);
+		return CorvaneRefusal::ofDriveFile(InDownloadID, OutRequestID);
 	}
 	UCorvaneRequestCompleteObject* Object = CorvanePageBuilder::appendDrive(
 		TEXT("/file/d/") + InDownloadID + TEXT("/view"), InDownloadID, OutRequestID, InOtherHttpRequests, OutHttpRequests);
@@ -70,10 +59,9 @@ int32 UCorvaneBPLibrary::CreateHttpRequestAnonfiles(TArray<FhttpRequest> InOther
 	if (!CorvaneBuilder::isUrlLongEnough(InUrl))
 	{
 		OutHttpRequests = MoveTemp(InOtherHttpRequests);
-		return CorvaneBuilder::refuse(OutRequestID);
+		return CorvaneRefusal::atOnce(OutRequestID);
 	}
-	FhttpRequest Record;
-	Record.url = InUrl;
+	FhttpRequest Record = CorvaneBuilder::makeRecord(EHTTPCorvRequestType::GET, InUrl);
 	UCorvaneRequestCompleteObject* Object = CorvaneBuilder::append(MoveTemp(Record), OutRequestID, InOtherHttpRequests, OutHttpRequests);
 	Object->setMultiStepDownload(CorvanePageBuilder::firstStep);
 	Object->setMultiStepDownloadType(EMultiStepType::E_ANONFILES_PAGE);

@@ -1,8 +1,8 @@
 #include "Requests/RequestBuilder.h"
 
-#include "Completion/FollowUp.h"
 #include "CorvaneRequestCompleteObject.h"
 #include "Misc/Guid.h"
+#include "Requests/Refusal.h"
 #include "UObject/UObjectGlobals.h"
 
 FString CorvaneBuilder::idOrNew(const FString& OptionalRequestID)
@@ -21,15 +21,13 @@ bool CorvaneBuilder::isUrlLongEnough(const FString& Url)
 	return true;
 }
 
-int32 CorvaneBuilder::refuse(const FString& RequestID)
+FhttpRequest CorvaneBuilder::makeRecord(EHTTPCorvRequestType Type, const FString& Url, const TMap<FString, FString>& Header)
 {
-	constexpr int32 refused = 400;
-	const UCorvaneBPLibrary* Library = UCorvaneBPLibrary::getCorvaneTarget();
-	if (Library && !CorvaneFollowUp::isBuilding())
-	{
-		Library->onhttpRequestCompleteDelegate.Broadcast(FString(), {}, {}, refused, {}, RequestID);
-	}
-	return refused;
+	FhttpRequest Record;
+	Record.requestType = Type;
+	Record.url = Url;
+	Record.header = Header;
+	return Record;
 }
 
 UCorvaneRequestCompleteObject* CorvaneBuilder::append(
@@ -49,7 +47,7 @@ int32 CorvaneBuilder::checkAndAppend(FhttpRequest Record, const FString& Optiona
 	RequestID = idOrNew(OptionalRequestID);
 	if (!isUrlLongEnough(Record.url))
 	{
-		return refuse(RequestID);
+		return CorvaneRefusal::atOnce(RequestID);
 	}
 	append(MoveTemp(Record), RequestID, OtherHttpRequests, HttpRequests);
 	return 0;

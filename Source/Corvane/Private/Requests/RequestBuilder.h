@@ -11,11 +11,11 @@ namespace CorvaneBuilder
 	/** @return false for a URL of fewer than 3 characters, which is logged. */
 	bool isUrlLongEnough(const FString& url);
 
-	/** Broadcasts the refusal of a request at once, unless it is a step that follows another. @return 400. */
-	int32 refuse(const FString& requestID);
+	/** @return a record without its completion object. */
+	FhttpRequest makeRecord(EHTTPCorvRequestType type, const FString& url, const TMap<FString, FString>& header = {});
 
 	/**
-	 * Gives a filled record its completion object and puts it behind the other records.
+	 * Gives a filled record its completion object and puts it after the other records.
 	 * @return the completion object, so that the builder can set what else it needs.
 	 */
 	UCorvaneRequestCompleteObject* append(

@@ -1,14 +1,15 @@
 #include "CorvaneBPLibrary.h"
 
-#include "Completion/GameThreadDelivery.h"
 #include "Containers/StringConv.h"
 #include "CorvaneRequestCompleteObject.h"
-#include "Downloads/DownloadTargets.h"
+#include "Downloads/Download.h"
 #include "HttpModule.h"
 #include "Misc/ScopeLock.h"
 #include "Requests/HttpLayer.h"
+#include "Requests/Refusal.h"
 #include "Rules/DownloadRules.h"
 #include "Rules/Multipart.h"
+#include "Runs/Run.h"
 #include "UObject/UObjectGlobals.h"
 #include "Uploads/UploadBody.h"
 #include "Uploads/UploadFile.h"
@@ -136,34 +137,13 @@ namespace CorvaneDispatcher
 		}
 		return true;
 	}
-
-	/** Ends a request that was announced to scripts by its builder and cannot be started after all. */
-	static void refuse(UCorvaneBPLibrary* Library, UCorvaneRequestCompleteObject* Object)
-	{
-		constexpr int32 refused = 400;
-		if (Object->getMultiStepDownloadType() == EMultiStepType::E_GOOGLE_DRIVE_FILE_INFO)
-		{
-			CorvaneDelivery::fileInfo(
-				Library, Object->getNode(), nullptr, {FString(), 0, refused, Object->getDownloadID(), Object->getRequestID()});
-		}
-		else
-		{
-			CorvaneDelivery::completion(Library, Object->getNode(), nullptr, {FString(), {}, {}, refused, {}, Object->getRequestID()});
-		}
-		Object->stopJobs();
-	}
 } // namespace CorvaneDispatcher
 
-void UCorvaneBPLibrary::startRequests(TArray<FhttpRequest>& InHttpRequests)
+void UCorvaneBPLibrary::startAll(TArray<FhttpRequest>& InHttpRequests)
 {
 	// Taken first: a handler that runs meanwhile may start requests through the same array.
 	TArray<FhttpRequest> Taken = MoveTemp(InHttpRequests);
 	InHttpRequests.Empty();
-	if (isShuttingDown)
-	{
-		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary (startRequests): The module is shutting down."));
-		return;
-	}
 	for (FhttpRequest& Request : Taken)
 	{
 		const UCorvaneRequestCompleteObject* Object = Request.requestCompleteObject();
@@ -171,6 +151,11 @@ void UCorvaneBPLibrary::startRequests(TArray<FhttpRequest>& InHttpRequests)
 		if (!Owner) // gone, or not there when the record was built
 		{
 			UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: Missing Object instance (153)."));
+			continue;
+		}
+		if (Owner->isShuttingDown)
+		{
+			UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary (startRequests): The module is shutting down."));
 			continue;
 		}
 		Owner->startRequest(Request);
@@ -193,7 +178,7 @@ void UCorvaneBPLibrary::startRequest(FhttpRequest& InRequest)
 	HttpRequest->SetHeader(TEXT("User-Agent"), CorvaneDispatcher::defaultUserAgent);
 	if (!fillRequest(InRequest, *HttpRequest) || !CorvaneDispatcher::isTakenByLayer(InRequest, *HttpRequest))
 	{
-		CorvaneDispatcher::refuse(this, Object);
+		CorvaneRefusal::ofRun(InRequest);
 		return;
 	}
 	if (!CorvaneDispatcher::bodyBeginsInContentLength(InRequest)) // whose Content-Length has to stay the last header
@@ -201,8 +186,8 @@ void UCorvaneBPLibrary::startRequest(FhttpRequest& InRequest)
 		CorvaneDispatcher::refuseCompression(*Object, *HttpRequest);
 	}
 	CorvaneDispatcher::bind(InRequest, Object, *HttpRequest);
-	Object->setHttpRequest(HttpRequest);
-	Object->claimDownloadTarget();
+	Object->run().setRequest(HttpRequest);
+	Object->download().file.claim();
 	if (CorvaneDispatcher::isEntered(InRequest))
 	{
 		FScopeLock Lock(&mapLock);

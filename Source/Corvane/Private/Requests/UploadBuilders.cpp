@@ -1,5 +1,6 @@
 #include "CorvaneBPLibrary.h"
 
+#include "Requests/Refusal.h"
 #include "Requests/RequestBuilder.h"
 
 namespace CorvaneUploadBuilder
@@ -29,13 +30,10 @@ namespace CorvaneUploadBuilder
 		return true;
 	}
 
-	static FhttpRequest makeRecord(
+	static FhttpRequest makeUpload(
 		EHTTPCorvRequestType Type, const FString& Url, const TMap<FString, FString>& Header, EHTTPCorvFileUpload DirectoryType)
 	{
-		FhttpRequest Record;
-		Record.requestType = Type;
-		Record.url = Url;
-		Record.header = Header;
+		FhttpRequest Record = CorvaneBuilder::makeRecord(Type, Url, Header);
 		Record.directoryType = DirectoryType;
 		return Record;
 	}
@@ -48,7 +46,7 @@ namespace CorvaneUploadBuilder
 		if (!CorvaneBuilder::isUrlLongEnough(Record.url) || (bMulti && !hasFileIDs(Record)))
 		{
 			HttpRequests = MoveTemp(OtherHttpRequests);
-			return CorvaneBuilder::refuse(RequestID);
+			return CorvaneRefusal::atOnce(RequestID);
 		}
 		CorvaneBuilder::append(MoveTemp(Record), RequestID, OtherHttpRequests, HttpRequests);
 		return 0;
@@ -68,7 +66,7 @@ int32 UCorvaneBPLibrary::CreateHttpRequestFileUploadPUT(TArray<FhttpRequest> InO
 	EHTTPCorvFileUploadType InUploadType, FString InOptionalRequestID, TArray<FhttpRequest>& OutHttpRequests, FString& OutRequestID)
 {
 	FhttpRequest Record =
-		CorvaneUploadBuilder::makeRecord(CorvaneUploadBuilder::requestTypeOf(InUploadType), InUrl, InHeader, InDirectoryType);
+		CorvaneUploadBuilder::makeUpload(CorvaneUploadBuilder::requestTypeOf(InUploadType), InUrl, InHeader, InDirectoryType);
 	Record.filePath = InFilePath;
 	Record.fileID = InFileID;
 	return CorvaneUploadBuilder::checkAndAppend(false, Record, InOptionalRequestID, InOtherHttpRequests, OutHttpRequests, OutRequestID);
@@ -78,7 +76,7 @@ int32 UCorvaneBPLibrary::CreateHttpRequestFileMultiUploadPOST(TArray<FhttpReques
 	TMap<FString, FString> InHeader, EHTTPCorvFileUpload InDirectoryType, TArray<FString> InFilePaths, TArray<FString> InFileIDs,
 	TMap<FString, FString> InPOSTData, FString InOptionalRequestID, TArray<FhttpRequest>& OutHttpRequests, FString& OutRequestID)
 {
-	FhttpRequest Record = CorvaneUploadBuilder::makeRecord(EHTTPCorvRequestType::POST_UPLOAD, InUrl, InHeader, InDirectoryType);
+	FhttpRequest Record = CorvaneUploadBuilder::makeUpload(EHTTPCorvRequestType::POST_UPLOAD, InUrl, InHeader, InDirectoryType);
 	Record.filePaths = InFilePaths;
 	Record.fileIDs = InFileIDs;
 	Record.POSTData = InPOSTData;
@@ -89,7 +87,7 @@ int32 UCorvaneBPLibrary::CreateHttpRequestFileMultiUploadPUT(TArray<FhttpRequest
 	TMap<FString, FString> InHeader, EHTTPCorvFileUpload InDirectoryType, TArray<FString> InFilePaths, TArray<FString> InFileIDs,
 	FString InOptionalRequestID, TArray<FhttpRequest>& OutHttpRequests, FString& OutRequestID)
 {
-	FhttpRequest Record = CorvaneUploadBuilder::makeRecord(EHTTPCorvRequestType::PUT, InUrl, InHeader, InDirectoryType);
+	FhttpRequest Record = CorvaneUploadBuilder::makeUpload(EHTTPCorvRequestType::PUT, InUrl, InHeader, InDirectoryType);
 	Record.filePaths = InFilePaths;
 	Record.fileIDs = InFileIDs;
 	return CorvaneUploadBuilder::checkAndAppend(true, Record, InOptionalRequestID, InOtherHttpRequests, OutHttpRequests, OutRequestID);

@@ -1,7 +1,7 @@
 #include "Rules/DownloadRules.h"
 
 #include "Misc/CString.h"
-#include "Misc/Timespan.h"
+#include "Rules/StatusCodes.h"
 
 namespace CorvaneDownloadRules
 {
@@ -19,14 +19,9 @@ namespace CorvaneDownloadRules
 		return Text.IsEmpty() || Text.Len() > mostDigits ? -1 : FCString::Atoi64(*Text);
 	}
 
-	static bool isSuccess(int32 StatusCode)
-	{
-		return StatusCode >= 200 && StatusCode <= 299;
-	}
-
 	static bool followsByChoice(const FCorvDownloadAnswer& Answer, const FCorvDownloadTarget& Target)
 	{
-		return Target.size == 0 || (Answer.statusCode == 206 && Answer.range.first == Target.size);
+		return Target.size == 0 || (Answer.statusCode == CorvaneStatus::partialContent && Answer.range.first == Target.size);
 	}
 
 	static ECorvDownloadAction planWhole(const FCorvDownloadAnswer& Answer, const FCorvDownloadTarget& Target)
@@ -35,14 +30,14 @@ namespace CorvaneDownloadRules
 		{
 			return CorvaneDownloadRules::followsByChoice(Answer, Target) ? ECorvDownloadAction::Append : ECorvDownloadAction::Refuse;
 		}
-		const bool bTellsPart = Answer.statusCode == 206 && Answer.range.first >= 0;
+		const bool bTellsPart = Answer.statusCode == CorvaneStatus::partialContent && Answer.range.first >= 0;
 		const bool bOtherPart = bTellsPart && !CorvaneRules::followsOnDisk(Answer.range, 0, Answer.bodyBytes);
 		return Target.size > 0 || bOtherPart ? ECorvDownloadAction::Refuse : ECorvDownloadAction::Append;
 	}
 
 	static ECorvDownloadAction planRest(const FCorvDownloadAnswer& Answer, const FCorvDownloadTarget& Target)
 	{
-		if (Answer.statusCode != 206)
+		if (Answer.statusCode != CorvaneStatus::partialContent)
 		{
 			return ECorvDownloadAction::Replace;
 		}
@@ -99,13 +94,18 @@ FString CorvaneRules::versionOf(const FString& ETag, const FString& LastModified
 
 bool CorvaneRules::isAsTold(const FCorvDownloadAnswer& Answer, int64 SizeOnDisk)
 {
-	if (Answer.statusCode != 206)
+	if (Answer.statusCode != CorvaneStatus::partialContent)
 	{
 		return true; // the HTTP layer has compared the lengths
 	}
 	const bool bSpanIsKnown = Answer.range.first >= 0 && Answer.range.last >= 0;
 	const bool bWholeSpan = !bSpanIsKnown || Answer.bodyBytes == Answer.range.last - Answer.range.first + 1;
 	return bWholeSpan && (Answer.range.total <= 0 || SizeOnDisk == Answer.range.total);
+}
+
+int64 CorvaneRules::toldSize(const FCorvDownloadAnswer& Answer)
+{
+	return Answer.range.total > 0 ? Answer.range.total : Answer.range.last + 1;
 }
 
 bool CorvaneRules::followsOnDisk(const FCorvContentRange& Range, int64 SizeOnDisk, int64 BodyBytes)
@@ -119,16 +119,17 @@ ECorvDownloadAction CorvaneRules::planDownload(const FCorvDownloadAnswer& Answer
 {
 	if (Answer.range.total > 0 && Target.size >= Answer.range.total)
 	{
-		const bool bBelow = Answer.statusCode == 206 && Target.size > Answer.range.total; // it has become another file
+		const bool bBelow =
+			Answer.statusCode == CorvaneStatus::partialContent && Target.size > Answer.range.total; // it has become another file
 		return bBelow ? ECorvDownloadAction::Refuse : ECorvDownloadAction::Complete;
 	}
-	if (!CorvaneDownloadRules::isSuccess(Answer.statusCode))
+	if (!CorvaneStatus::isDone(Answer.statusCode))
 	{
 		return ECorvDownloadAction::Nothing;
 	}
 	if (Answer.bodyBytes == 0)
 	{
-		const bool bPromisedMore = !Target.bOwnRange && (Answer.statusCode == 206 || Target.size > 0);
+		const bool bPromisedMore = !Target.bOwnRange && (Answer.statusCode == CorvaneStatus::partialContent || Target.size > 0);
 		return bPromisedMore ? ECorvDownloadAction::Refuse : ECorvDownloadAction::Nothing; // else the file is an empty one
 	}
 	return Target.start > 0 ? CorvaneDownloadRules::planRest(Answer, Target) : CorvaneDownloadRules::planWhole(Answer, Target);
@@ -142,9 +143,9 @@ bool CorvaneRules::areReceivedBytesKept(const FCorvDownloadAnswer& Answer, const
 	}
 	if (Target.bOwnRange)
 	{
-		return CorvaneDownloadRules::isSuccess(Answer.statusCode) && CorvaneDownloadRules::followsByChoice(Answer, Target);
+		return CorvaneStatus::isDone(Answer.statusCode) && CorvaneDownloadRules::followsByChoice(Answer, Target);
 	}
-	if (Answer.statusCode == 206)
+	if (Answer.statusCode == CorvaneStatus::partialContent)
 	{
 		return followsOnDisk(Answer.range, Target.size, Answer.bodyBytes);
 	}
@@ -157,22 +158,8 @@ bool CorvaneRules::isStep(const FCorvDownloadAnswer& Answer, const FCorvDownload
 	{
 		return false;
 	}
-	return Answer.statusCode == 206 && Answer.range.total > 0 && followsOnDisk(Answer.range, Target.size, Answer.bodyBytes);
-}
-
-void CorvaneRules::measureSpeed(int64 Now, int64 Bytes, int64& LastTime, int64& LastBytes, float& Megabit)
-{
-	constexpr float mebibitsPerByte = 7.6293945e-6f;
-	if (LastTime != 0 && Now - LastTime < ETimespan::TicksPerSecond)
-	{
-		return;
-	}
-	if (LastTime != 0)
-	{
-		Megabit = static_cast<float>(Bytes - LastBytes) * mebibitsPerByte;
-	}
-	LastBytes = Bytes;
-	LastTime = Now;
+	return Answer.statusCode == CorvaneStatus::partialContent && Answer.range.total > 0 &&
+		   followsOnDisk(Answer.range, Target.size, Answer.bodyBytes);
 }
 
 int64 CorvaneRules::usableStepSize(int32 StepSize)

@@ -33,7 +33,7 @@ enum class ECorvDownloadAction : uint8
 	Complete, // the file is on disk already
 	Append,
 	Replace, // the body is the whole file, though a part was asked for
-	Refuse // the body does not belong behind what is on disk
+	Refuse // the body does not belong after what is on disk
 };
 
 /** How downloads ask for parts of a file and what they make of the answers. Sizes and positions are bytes. */
@@ -62,22 +62,16 @@ namespace CorvaneRules
 	 */
 	bool isAsTold(const FCorvDownloadAnswer& answer, int64 sizeOnDisk);
 
+	/** @return the size that the file has to have by what an answer told: the total, else the end of its range. */
+	int64 toldSize(const FCorvDownloadAnswer& answer);
+
 	/** What becomes of the body of a whole answer. */
 	ECorvDownloadAction planDownload(const FCorvDownloadAnswer& answer, const FCorvDownloadTarget& target);
-	/** Whether the bytes of an answer that broke off, or was cancelled, go behind those on disk. */
+	/** Whether the bytes of an answer that broke off, or was cancelled, go after those on disk. */
 	bool areReceivedBytesKept(const FCorvDownloadAnswer& answer, const FCorvDownloadTarget& target);
 
-	/** Whether the answer to a step may be put behind what is on disk: nothing but the part asked for. */
+	/** Whether the answer to a step may be put after what is on disk: nothing but the part asked for. */
 	bool isStep(const FCorvDownloadAnswer& answer, const FCorvDownloadTarget& target);
-
-	/**
-	 * Measures once a second: the amount since the last measurement, which is not divided by the time, a second or a little
-	 * more.
-	 * @param now, lastTime  ticks of 100 ns; a last time of 0 = never.
-	 * @param bytes, lastBytes  of the whole file.
-	 * @param megabit  2^20 bits each.
-	 */
-	void measureSpeed(int64 now, int64 bytes, int64& lastTime, int64& lastBytes, float& megabit);
 
 	/** @return the step size of a script, or the default when it is below 1; 2^30 at most. */
 	int64 usableStepSize(int32 stepSize);

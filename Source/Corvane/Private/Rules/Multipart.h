@@ -23,15 +23,15 @@ namespace CorvaneRules
 	/** A whole text field, from the part before on. @param value  sent as it is, also when it is empty. */
 	FString textPart(const FString& token, const FString& field, const FString& value);
 
-	/** The end of a body; the tail that a stream multipart upload puts behind its file. */
+	/** The end of a body; the tail that a stream multipart upload puts after its file. */
 	FString closingDelimiter(const FString& token);
 
 	/** The text as UTF-8, without a terminator. */
 	TArray<uint8> fstringToByteArray(const FString& text);
 
 	/**
-	 * The Content-Length value of a stream multipart upload: the length of the body, and behind it the end of the header
-	 * block and the head of the part, without the blank line that the transport puts behind the last header anyway. The
+	 * The Content-Length value of a stream multipart upload: the length of the body, and after it the end of the header
+	 * block and the head of the part, without the blank line that the transport puts after the last header anyway. The
 	 * MIME type stands there without its name. The length counts UTF-16 units of the two texts, so it is that of the bytes
 	 * sent as long as the names are ASCII.
 	 * @param fileSize  bytes of the file without the tail.

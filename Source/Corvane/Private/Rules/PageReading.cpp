@@ -4,7 +4,7 @@
 
 namespace CorvanePageReading
 {
-	static FString behind(const FString& Text, const TCHAR* Mark)
+	static FString after(const FString& Text, const TCHAR* Mark)
 	{
 		FString Rest = Text;
 		Text.Split(Mark, nullptr, &Rest);
@@ -28,7 +28,7 @@ namespace CorvanePageReading
 		return without(Text, TEXT("\""));
 	}
 
-	/** The first fields of a list, empty ones not counted; a page may have millions behind them. */
+	/** The first fields of a list, empty ones not counted; a page may have millions after them. */
 	static TArray<FString> firstFields(const FString& List, int32 Number)
 	{
 		TArray<FString> Fields;
@@ -93,8 +93,8 @@ FString CorvaneRules::confirmationToken(const FString& Page)
 FString CorvaneRules::downloadLink(const FString& Page)
 {
 	using namespace CorvanePageReading;
-	const FString Link = before(behind(Page, TEXT("id=\"download-url\"")), TEXT("</a>"));
-	return withoutQuotes(before(behind(Link, TEXT("href=")), TEXT("><")));
+	const FString Link = before(after(Page, TEXT("id=\"download-url\"")), TEXT("</a>"));
+	return withoutQuotes(before(after(Link, TEXT("href=")), TEXT("><")));
 }
 
 int64 CorvaneRules::shownSize(const FString& Page)

@@ -110,7 +110,7 @@ bool UCorvaneBPLibrary::fillUploadInMemory(const FhttpRequest& InRequest, IHttpR
 	}
 	if (!CorvaneMemoryUpload::appendFields(Body, Token, InRequest.POSTData))
 	{
-		CorvaneUpload::logUnreadable(File.path); // with the fields behind it, it has no room in memory any more
+		CorvaneUpload::logUnreadable(File.path); // with the fields after it, it has no room in memory any more
 		return false;
 	}
 	OutHttpRequest.SetHeader(TEXT("Content-Length"), Int64ToFString(Body.Num()));

@@ -9,9 +9,9 @@
 #include "Rules/Multipart.h"
 #include "Rules/UploadTail.h"
 #include "Serialization/Archive.h"
+#include "Uploads/ChangedFiles.h"
 #include "Uploads/UploadBody.h"
 #include "Uploads/UploadFile.h"
-#include "Uploads/UploadFiles.h"
 #include "Uploads/UploadLeftovers.h"
 #include "Uploads/UploadRepair.h"
 
@@ -51,7 +51,7 @@ namespace CorvaneStreamUpload
 	{
 		const FString Token = CorvaneRules::boundaryToken(Record.originalFileSize);
 		HttpRequest.SetHeader(TEXT("Content-Type"), CorvaneRules::multipartType(Token));
-		// The last header to be set, so that the transport puts no other one behind it.
+		// The last header to be set, so that the transport puts no other one after it.
 		HttpRequest.SetHeader(TEXT("Content-Length"),
 			CorvaneRules::streamLengthHeader(Token, Record.fileID, File.name, File.mimeType, Record.originalFileSize));
 		return CorvaneRules::fstringToByteArray(CorvaneRules::closingDelimiter(Token));
@@ -68,7 +68,7 @@ namespace CorvaneStreamUpload
 	{
 		const TUniquePtr<FArchive> Writer(openToAppend(Record.filePath));
 		const int64 Size = Writer.IsValid() ? Writer->TotalSize() : -1;
-		// Asked once more behind the open, which keeps other writers out where the system knows how: another program may
+		// Asked once more after the open, which keeps other writers out where the system knows how: another program may
 		// have begun an upload of the file since, and a copy may have been made of what that program did.
 		if (Size < 0 || CorvaneUpload::endsInOwnTail(Record.filePath))
 		{
@@ -83,7 +83,7 @@ namespace CorvaneStreamUpload
 				Record, MoveTemp(Tail), HttpRequest); // an empty file: no repair would know it from one of size 0, so it is left alone
 			return true;
 		}
-		Library.uploadFileList().begin(Record);
+		Library.changedFileList().begin(Record);
 		return write(*Writer, Tail) && CorvaneUpload::sendFile(Record, Record.filePath, HttpRequest);
 	}
 
@@ -97,7 +97,7 @@ namespace CorvaneStreamUpload
 		if (!isCopy(Record))
 		{
 			CorvaneUpload::cutBack(Record.filePath, Record.originalFileSize);
-			Library.uploadFileList().forget(Record.filePath);
+			Library.changedFileList().forget(Record.filePath);
 		}
 		else if (FPaths::FileExists(Record.filePath))
 		{

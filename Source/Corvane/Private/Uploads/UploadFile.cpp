@@ -4,7 +4,7 @@
 #include "GenericPlatform/GenericPlatformFile.h"
 #include "HAL/PlatformFileManager.h"
 #include "Misc/Paths.h"
-#include "Uploads/UploadFiles.h"
+#include "Uploads/ChangedFiles.h"
 #include "Uploads/UploadLeftovers.h"
 
 bool CorvaneUpload::find(UCorvaneBPLibrary& Library, EHTTPCorvFileUpload DirectoryType, const FString& Path, FCorvUploadFile& File)
@@ -29,7 +29,7 @@ bool CorvaneUpload::find(UCorvaneBPLibrary& Library, EHTTPCorvFileUpload Directo
 bool CorvaneUpload::hasOwnEnd(const UCorvaneBPLibrary& Library, const FString& Path)
 {
 	// The list knows the file by one name only and nothing of other programs; the file itself shows what they did to it.
-	const bool bOwn = !Library.uploadFileList().isChanged(Path) && !endsInOwnTail(Path);
+	const bool bOwn = !Library.changedFileList().isChanged(Path) && !endsInOwnTail(Path);
 	if (!bOwn)
 	{
 		logStillOpen(Path);

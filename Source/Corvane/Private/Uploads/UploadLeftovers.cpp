@@ -7,8 +7,8 @@
 #include "Misc/DateTime.h"
 #include "Misc/Paths.h"
 #include "Rules/UploadTail.h"
+#include "Uploads/ChangedFiles.h"
 #include "Uploads/UploadFile.h"
-#include "Uploads/UploadFiles.h"
 #include "Uploads/UploadRepair.h"
 
 namespace CorvaneUploadLeftovers
@@ -41,17 +41,21 @@ namespace CorvaneUploadLeftovers
 	/** @param Path  spelled as on disk. */
 	static bool isBeingUploaded(const FString& Path)
 	{
-		const UCorvaneBPLibrary* Library = UCorvaneBPLibrary::getCorvaneTarget();
-		if (!Library)
+		for (const UCorvaneBPLibrary* Library : UCorvaneBPLibrary::libraries())
 		{
-			return false;
+			if (Library->changedFileList().isChanged(Path))
+			{
+				return true;
+			}
+			for (const FString& Changed : Library->changedFileList().paths())
+			{
+				if (lookTheSame(Changed, Path))
+				{
+					return true;
+				}
+			}
 		}
-		bool bFound = Library->uploadFileList().isChanged(Path);
-		for (const FString& Changed : Library->uploadFileList().paths())
-		{
-			bFound = bFound || lookTheSame(Changed, Path);
-		}
-		return bFound;
+		return false;
 	}
 
 	static void tellCopies(const FString& Path)

@@ -17,6 +17,6 @@ namespace CorvaneUpload
 
 	void logTruncation(bool bDone, const FString& path);
 
-	/** Takes away what an append that failed may have left behind the first size bytes. */
+	/** Takes away what an append that failed may have left after the first size bytes. */
 	void cutBack(const FString& path, int64 size);
 } // namespace CorvaneUpload

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "CoreMinimal.h"
+
+class FCorvRun;
+
+/** How much of an upload's body is on its way. */
+class FCorvUploadProgress
+{
+public:
+	explicit FCorvUploadProgress(FCorvRun& inRun)
+		: run(inRun)
+	{
+	}
+
+	/** Bytes of the body; 0 = the request has none of the module's own. Set before the start. */
+	uint64 uploadSize = 0;
+
+	/** A run begins. Thread: game thread. */
+	void begin() { uploadSent = 0; }
+	/** @param bytesSent  as the body or the HTTP layer tells it, in any order. Thread: request worker. */
+	void report(uint64 bytesSent);
+	/** Tells the log when an answer asks for the body once more, elsewhere. Thread: request worker. */
+	void tellIfSentOn(int32 statusCode) const;
+
+private:
+	FCorvRun& run;
+	uint64 uploadSent = 0;
+};
