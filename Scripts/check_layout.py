@@ -21,11 +21,15 @@ MAY_INCLUDE = {
     "Host/HTTP": ["Host/Core", "Host/CoreUObject"],
     "Host/Launch": ["Host/Core", "Host/CoreUObject", "Host/HTTP"],
     "Tools/HeaderTool": [],
-    "Tools/Script": ["Host/Core", "Host/CoreUObject", "Host/Engine"],
-    "Tools/Program": HOST_LIBRARIES + ["Host/Launch", "Tools/Script", "Source/Corvane/Public"],
+    "Tools/Reflect": ["Host/Core", "Host/CoreUObject", "Host/Engine"],
+    "Tools/Script": ["Host/Core", "Host/CoreUObject", "Host/Engine", "Tools/Reflect"],
+    "Tools/Program": HOST_LIBRARIES + ["Host/Launch", "Tools/Reflect", "Tools/Script", "Source/Corvane/Public"],
     "Source/Corvane/Public": HOST_LIBRARIES,
     "Source/Corvane/Private": HOST_LIBRARIES + ["Source/Corvane/Public"],
 }
+
+# Room -> the only header of it that other rooms may include.
+DOORS = {"Tools/Script": "Tools/Script/ScriptState.h"}
 
 # Inside the module: a room may include itself and what stands to its right. Files at the top bind the rooms together.
 MODULE_ROOMS = {
@@ -43,7 +47,7 @@ MODULE_ROOMS = {
 # Where an include is looked up, besides beside the including file.
 INCLUDE_ROOTS = [
     *(library + "/Public" for library in HOST_LIBRARIES),
-    "Host/Launch", "Tools/HeaderTool", "Tools/Script", "Tools/Program", "Tools/Program/Reference",
+    "Host/Launch", "Tools/HeaderTool", "Tools/Reflect", "Tools/Script", "Tools/Program", "Tools/Program/Reference",
     "Source/Corvane/Public", "Source/Corvane/Private",
 ]
 
@@ -88,6 +92,8 @@ def check_directions():
             if other != room and other not in MAY_INCLUDE[room]:
                 yield f"{place(file)}: {room} may not include {place(target)}"
             if other in HOST_LIBRARIES and other != room and "/Public/" not in place(target):
+                yield f"{place(file)}: {place(target)} is private to {other}"
+            if other != room and DOORS.get(other, place(target)) != place(target):
                 yield f"{place(file)}: {place(target)} is private to {other}"
             if room.startswith("Source/") and "/Public/Host/" in place(target):
                 yield f"{place(file)}: the engine has no {place(target)}"

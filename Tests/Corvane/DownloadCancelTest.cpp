@@ -1,14 +1,8 @@
 #include "DownloadFixture.h"
-#include "LogCapture.h"
 
 namespace
 {
 	const std::string content = patternedBytes(60000);
-
-	bool isPrefix(const std::string& part)
-	{
-		return content.compare(0, part.size(), part) == 0;
-	}
 
 	class DownloadCancel : public DownloadFixture
 	{
@@ -16,6 +10,8 @@ namespace
 		/** Serves the file in twelve pieces; each waits until the test allows it. */
 		struct Pieces
 		{
+			explicit Pieces(size_t open = 0) { allow(open); }
+
 			std::vector<Gate> gates = std::vector<Gate>(12);
 			RangeOrigin origin{[this](Connection& connection, const RangeRequest& request)
 				{
@@ -31,27 +27,58 @@ namespace
 					}
 				}};
 
-			void openAll()
+			void allow(size_t pieces)
 			{
-				for (Gate& gate : gates)
+				for (size_t piece = 0; piece < pieces; ++piece)
 				{
-					gate.open();
+					gates[piece].open();
 				}
 			}
 		};
 
-		size_t received() const
+		/** Starts over: nothing on disk, nothing recorded. */
+		void reset()
 		{
-			return downloads.empty() ? 0 : static_cast<size_t>(downloads.back().megaBytesReceived * (1 << 20) + 0.5f);
+			setTarget(std::nullopt);
+			downloads.clear();
+			completions.clear();
 		}
 
-		void expectOneFailure(size_t before)
+		/** Starts a download of the pieces and waits until as many as are allowed have arrived. */
+		void start(const Pieces& server, size_t pieces, Action action = Action::E_RESUME)
+		{
+			execute(build({server.origin.url(), DownloadKind::Whole, action, "", "id"}));
+			awaitBytes(5000 * pieces);
+		}
+
+		void awaitBytes(size_t number)
+		{
+			const auto received = [this]
+			{ return downloads.empty() ? 0 : static_cast<size_t>(downloads.back().megaBytesReceived * (1 << 20) + 0.5f); };
+			ASSERT_TRUE(loop.WaitFor([&] { return received() >= number; }, patienceSeconds)) << number;
+		}
+
+		void cancel()
+		{
+			UCorvaneBPLibrary::cancelRequest("id");
+			drain();
+		}
+
+		void expectOneFailure(size_t before = 0)
 		{
 			ASSERT_EQ(completions.size(), before + 1);
 			EXPECT_EQ(completions.back().statusCode, 500);
 			EXPECT_EQ(completions.back().dataString, "No Response");
 		}
 
+		void expectStartOfFile(size_t atLeast)
+		{
+			const std::string kept = target().value_or("");
+			EXPECT_GE(kept.size(), atLeast);
+			EXPECT_TRUE(content.starts_with(kept)) << atLeast;
+		}
+
+		RangeOrigin honest{serving(content)};
 		LogCapture log;
 	};
 } // namespace
@@ -60,28 +87,13 @@ TEST_F(DownloadCancel, KeepsWhatArrivedAtAnyMomentAndAResumeFinishes)
 {
 	for (size_t pieces = 0; pieces < 12; ++pieces)
 	{
-		setTarget(std::nullopt);
-		downloads.clear();
-		const size_t before = completions.size();
-		{
-			Pieces server;
-			execute(build({server.origin.url(), DownloadKind::Whole, Action::E_RESUME, "", "id"}));
-			for (size_t piece = 0; piece < pieces; ++piece)
-			{
-				server.gates[piece].open();
-			}
-			const size_t expected = content.size() * pieces / 12;
-			ASSERT_TRUE(loop.WaitFor([&] { return received() >= expected; }, patienceSeconds)) << pieces;
-			UCorvaneBPLibrary::cancelRequest("id");
-			drain();
-			expectOneFailure(before);
-			const std::string kept = target().value_or("");
-			EXPECT_GE(kept.size(), expected) << "pieces: " << pieces;
-			EXPECT_TRUE(isPrefix(kept)) << "pieces: " << pieces;
-		}
-		Pieces server;
-		server.openAll();
-		EXPECT_EQ(fetch({server.origin.url()}).statusCode, pieces == 0 ? 200 : 206);
+		reset();
+		Pieces server(pieces);
+		start(server, pieces);
+		cancel();
+		expectOneFailure();
+		expectStartOfFile(5000 * pieces);
+		EXPECT_EQ(fetch({honest.url()}).statusCode, pieces == 0 ? 200 : 206);
 		EXPECT_TRUE(target() == content) << "pieces: " << pieces;
 	}
 }
@@ -89,42 +101,34 @@ TEST_F(DownloadCancel, KeepsWhatArrivedAtAnyMomentAndAResumeFinishes)
 TEST_F(DownloadCancel, ReachesARequestWhoseEntryAnotherHasTaken)
 {
 	Pieces server;
-	execute(build({server.origin.url(), DownloadKind::Whole, Action::E_RESUME, "", "id"}));
+	start(server, 0);
 	execute(get("abc", {}, "id"));
 	ASSERT_TRUE(waitForCompletions(1));
-	server.gates[0].open();
-	ASSERT_TRUE(loop.WaitFor([&] { return received() >= 5000; }, patienceSeconds));
-	UCorvaneBPLibrary::cancelRequest("id");
-	drain();
+	server.allow(1);
+	awaitBytes(5000);
+	cancel();
 	expectOneFailure(1);
-	EXPECT_GE(target().value_or("").size(), 5000u);
-	EXPECT_TRUE(isPrefix(target().value_or("")));
+	expectStartOfFile(5000);
 	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Warning, "Request has been canceled. id"), 1);
 }
 
 TEST_F(DownloadCancel, MayBeFollowedByANewStartInItsOwnEvent)
 {
-	Pieces server;
-	Pieces second;
-	second.openAll();
-	UCorvaneBPLibrary* library = UCorvaneBPLibrary::getCorvaneTarget();
+	Pieces server(1);
 	bool bRestarted = false;
-	library->onhttpRequestCompleteDelegate.AddHandler(
+	UCorvaneBPLibrary::getCorvaneTarget()->onhttpRequestCompleteDelegate.AddHandler(
 		[&](void* const*)
 		{
 			if (!std::exchange(bRestarted, true))
 			{
-				execute(build({second.origin.url()})); // the bytes are on disk by now
+				execute(build({honest.url()})); // the bytes are on disk by now
 			}
 		});
-	execute(build({server.origin.url(), DownloadKind::Whole, Action::E_RESUME, "", "id"}));
-	server.gates[0].open();
-	ASSERT_TRUE(loop.WaitFor([&] { return received() >= 5000; }, patienceSeconds));
-	UCorvaneBPLibrary::cancelRequest("id");
-	drain();
+	start(server, 1);
+	cancel();
 	ASSERT_EQ(completions.size(), 2u);
 	EXPECT_EQ(completions[1].statusCode, 206);
-	EXPECT_EQ(second.origin.ranges(), std::vector<std::string>{"bytes=5000-"});
+	EXPECT_EQ(honest.ranges(), std::vector<std::string>{"bytes=5000-"});
 	EXPECT_TRUE(target() == content);
 }
 
@@ -143,34 +147,27 @@ TEST_F(DownloadCancel, OfASteppedOneOutlivesASecondStartOfItsRecord)
 	execute(requests); // refused, and no reason to go on
 	gate.open();
 	drain();
-	expectOneFailure(0);
+	expectOneFailure();
 	EXPECT_EQ(target(), std::nullopt);
-	execute(requests); // the cancel was not meant for this one
-	drain();
-	EXPECT_EQ(completions.back().statusCode, 206);
+	EXPECT_EQ(run(requests).statusCode, 206) << "the cancel was not meant for this one";
 	EXPECT_TRUE(target() == content);
 }
 
 TEST_F(DownloadCancel, FollowedByAnOverwriteAtOnceNeverMixesTheTwo)
 {
-	RangeOrigin honest([](Connection& connection, const RangeRequest& request) { connection.send(rangedAnswer(content, request)); });
-	for (const DownloadKind kind : {DownloadKind::Whole, DownloadKind::Stepped})
+	for (const DownloadKind kind : bothDownloadKinds)
 	{
-		completions.clear();
-		setTarget(std::nullopt);
-		downloads.clear();
-		Pieces first;
-		execute(build({first.origin.url(), DownloadKind::Whole, Action::E_OVERWRITE, "", "first"}));
-		first.gates[0].open();
-		ASSERT_TRUE(loop.WaitFor([&] { return received() >= 5000; }, patienceSeconds));
-		UCorvaneBPLibrary::cancelRequest("first");
+		reset();
+		Pieces first(1);
+		start(first, 1, Action::E_OVERWRITE);
+		UCorvaneBPLibrary::cancelRequest("id");
 		execute(build({honest.url(), kind, Action::E_OVERWRITE, "", "second", {}, 20000}));
 		drain();
 		ASSERT_EQ(completions.size(), 2u);
-		const Completion& second = completions[0].requestID == "second" ? completions[0] : completions[1];
+		const Completion& second = completions[completions[0].requestID == "second" ? 0 : 1];
 		// The kept bytes of the first may have come in between the second's overwrite and its start, or its builder's look.
 		const std::string expected = second.statusCode >= 400 ? content.substr(0, 5000) : content;
-		EXPECT_TRUE(target() == expected) << second.statusCode << ", " << describe(target());
+		EXPECT_EQ(describe(target()), describe(expected)) << second.statusCode;
 	}
 }
 
@@ -178,18 +175,14 @@ TEST_F(DownloadCancel, TwoDownloadsOfOneTargetNeverMix)
 {
 	for (const Action action : {Action::E_OVERWRITE, Action::E_RESUME})
 	{
-		completions.clear();
-		setTarget(std::nullopt);
-		Pieces first;
-		Pieces second;
-		TArray<FhttpRequest> requests = build({first.origin.url(), DownloadKind::Whole, action, "", "first"});
-		requests.Append(build({second.origin.url(), DownloadKind::Whole, action, "", "second"}));
-		execute(requests);
-		first.openAll();
+		reset();
+		Pieces first, second;
+		execute(build({second.origin.url(), DownloadKind::Whole, action}, build({first.origin.url(), DownloadKind::Whole, action})));
+		first.allow(12);
 		ASSERT_TRUE(waitForCompletions(1));
 		EXPECT_EQ(completions[0].statusCode, 500) << "the later one has taken the file over";
 		EXPECT_FALSE(target().has_value());
-		second.openAll();
+		second.allow(12);
 		drain();
 		ASSERT_EQ(completions.size(), 2u);
 		EXPECT_EQ(completions[1].statusCode, 200);
@@ -200,35 +193,28 @@ TEST_F(DownloadCancel, TwoDownloadsOfOneTargetNeverMix)
 TEST_F(DownloadCancel, OfASteppedDownloadKeepsWholeSteps)
 {
 	constexpr int32 step = 9999;
-	for (size_t number = 0; number < 7; ++number)
+	for (int number = 0; number < 7; ++number)
 	{
-		setTarget(std::nullopt);
-		downloads.clear();
-		const size_t before = completions.size();
+		reset();
 		Gate reached, goOn;
-		{
-			RangeOrigin origin(
-				[&](Connection& connection, const RangeRequest& request)
+		RangeOrigin origin(
+			[&](Connection& connection, const RangeRequest& request)
+			{
+				const std::string whole = rangedAnswer(content, request);
+				connection.send(whole.substr(0, whole.size() - 1));
+				if (request.number == number)
 				{
-					const std::string whole = rangedAnswer(content, request);
-					if (request.number == static_cast<int>(number))
-					{
-						connection.send(whole.substr(0, whole.size() - 1));
-						reached.open();
-						connection.waitFor(goOn);
-					}
-					connection.send(request.number == static_cast<int>(number) ? whole.substr(whole.size() - 1) : whole);
-				});
-			execute(build({origin.url(), DownloadKind::Stepped, Action::E_RESUME, "", "id", {}, step}));
-			ASSERT_TRUE(loop.WaitFor([&] { return reached.isOpen(); }, patienceSeconds)) << "step " << number;
-			UCorvaneBPLibrary::cancelRequest("id");
-			drain();
-			expectOneFailure(before);
-			const size_t whole = number == 0 ? 0 : (number - 1) * (step + 1);
-			EXPECT_EQ(target().value_or("").size(), whole) << "step " << number;
-			EXPECT_TRUE(isPrefix(target().value_or("")));
-		}
-		RangeOrigin honest([](Connection& connection, const RangeRequest& request) { connection.send(rangedAnswer(content, request)); });
+					reached.open();
+					connection.waitFor(goOn);
+				}
+				connection.send(whole.substr(whole.size() - 1));
+			});
+		execute(build({origin.url(), DownloadKind::Stepped, Action::E_RESUME, "", "id", {}, step}));
+		ASSERT_TRUE(loop.WaitFor([&] { return reached.isOpen(); }, patienceSeconds)) << "step " << number;
+		cancel();
+		expectOneFailure();
+		const int steps = std::max(number - 1, 0);
+		EXPECT_TRUE(target().value_or("") == content.substr(0, static_cast<size_t>(steps * (step + 1)))) << "step " << number;
 		fetch({honest.url(), DownloadKind::Stepped, Action::E_RESUME, "", "id", {}, step});
 		EXPECT_TRUE(target() == content) << "step " << number;
 	}
@@ -236,11 +222,8 @@ TEST_F(DownloadCancel, OfASteppedDownloadKeepsWholeSteps)
 
 TEST_F(DownloadCancel, TheEndOfTheProgramKeepsWhatArrived)
 {
-	Pieces server;
-	execute(build({server.origin.url()}));
-	server.gates[0].open();
-	server.gates[1].open();
-	ASSERT_TRUE(loop.WaitFor([&] { return received() >= 10000; }, patienceSeconds));
+	Pieces server(2);
+	start(server, 2);
 	loop.Shutdown();
-	EXPECT_TRUE(target() == content.substr(0, 10000)) << describe(target());
+	EXPECT_EQ(describe(target()), describe(content.substr(0, 10000)));
 }

@@ -2,22 +2,48 @@
 
 #include <filesystem>
 
-TArray<FhttpRequest> DownloadFixture::build(const Download& download)
+RangeOrigin::Answer sending(std::string answer)
 {
-	const FString path = text(download.path.empty() ? targetPath : download.path);
+	return [answer = std::move(answer)](Connection& connection, const RangeRequest&) { connection.send(answer); };
+}
+
+RangeOrigin::Answer serving(std::string content, std::string headers)
+{
+	return [=](Connection& connection, const RangeRequest& request) { connection.send(rangedAnswer(content, request, headers)); };
+}
+
+TArray<FhttpRequest> DownloadFixture::build(const Download& download, const TArray<FhttpRequest>& others)
+{
+	const FString path = text(download.path.empty() ? targetPath : download.path == noPath ? "" : download.path);
 	const FString url = text(download.url);
 	TArray<FhttpRequest> requests;
 	FString id;
 	const int32 result = download.kind == DownloadKind::Whole
 							 ? UCorvaneBPLibrary::CreateHttpRequestGETDownload(
-								   {}, url, download.header, download.action, EHTTPCorvFileUpload::E_ad, path, download.id, requests, id)
-							 : UCorvaneBPLibrary::CreateHttpRequestGETLowRamDownload({}, url, download.header, download.action,
-								   EHTTPCorvFileUpload::E_ad, path, download.id, requests, id, download.step);
-	EXPECT_EQ(result, requests.IsEmpty() ? 400 : 0);
+								   others, url, download.header, download.action, download.directory, path, download.id, requests, id)
+							 : UCorvaneBPLibrary::CreateHttpRequestGETLowRamDownload(others, url, download.header, download.action,
+								   download.directory, path, download.id, requests, id, download.step);
+	const bool bRefused = requests.Num() == others.Num();
+	EXPECT_EQ(result, bRefused ? 400 : 0);
+	EXPECT_TRUE(!bRefused || (!completions.empty() && completions.back().requestID == utf8(id))) << "told inside the call";
 	return requests;
 }
 
-void DownloadFixture::setTarget(const std::optional<std::string>& content)
+void DownloadFixture::expectOutcome(const Fault& fault, DownloadKind kind)
+{
+	const std::string name = std::string("a server that ") + fault.name + ", " + describe(fault.before) + " before";
+	setTarget(fault.before);
+	completions.clear();
+	RangeOrigin origin(fault.serve);
+	execute(build({origin.url("/file?secret#x"), kind, fault.action, "", "my-id"}));
+	drain();
+	ASSERT_EQ(completions.size(), 1u) << name;
+	EXPECT_EQ(completions[0].statusCode, fault.statusCode) << name;
+	EXPECT_EQ(completions[0].byteData, "") << name;
+	EXPECT_EQ(describe(target()), describe(fault.after)) << name;
+}
+
+void DownloadFixture::setTarget(const Target& content)
 {
 	std::filesystem::remove(targetPath);
 	if (content)
@@ -26,12 +52,12 @@ void DownloadFixture::setTarget(const std::optional<std::string>& content)
 	}
 }
 
-std::optional<std::string> DownloadFixture::target() const
+DownloadFixture::Target DownloadFixture::target() const
 {
 	return dir.exists("target.bin") ? std::optional(dir.read("target.bin")) : std::nullopt;
 }
 
 std::string describe(const std::optional<std::string>& content)
 {
-	return content ? std::to_string(content->size()) + " bytes" : "no file";
+	return content ? std::to_string(content->size()) + " bytes of sum " + std::to_string(std::hash<std::string>()(*content)) : "no file";
 }

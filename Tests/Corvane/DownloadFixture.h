@@ -1,9 +1,11 @@
 #pragma once
 
+#include "LogCapture.h"
 #include "ModuleFixture.h"
 #include "RangeOrigin.h"
 #include "TempDir.h"
 
+#include <gmock/gmock.h>
 #include <optional>
 
 /** The two kinds of downloads. */
@@ -13,11 +15,19 @@ enum class DownloadKind
 	Stepped
 };
 
+constexpr DownloadKind bothDownloadKinds[] = {DownloadKind::Whole, DownloadKind::Stepped};
+
+/** Answers every request with these bytes. */
+RangeOrigin::Answer sending(std::string answer);
+/** Serves a file as a server should. @param headers  lines with their line ends. */
+RangeOrigin::Answer serving(std::string content, std::string headers = "");
+
 /** Downloads into a directory of their own. */
 class DownloadFixture : public ModuleFixture
 {
 protected:
 	using Action = EHTTPCorvFileDownloadResumeType;
+	using Target = std::optional<std::string>;
 
 	struct Download
 	{
@@ -28,26 +38,42 @@ protected:
 		const char* id = "";
 		Headers header = {};
 		int32 step = 1000;
+		EHTTPCorvFileUpload directory = EHTTPCorvFileUpload::E_ad;
 	};
 
-	DownloadFixture() = default;
-	explicit DownloadFixture(FGameLoopSettings settings)
+	/** What the server does, what is on disk, and what must come of it. */
+	struct Fault
+	{
+		const char* name;
+		RangeOrigin::Answer serve;
+		Target before;
+		int32 statusCode;
+		Target after;
+		Action action = Action::E_RESUME;
+		const char* message = nullptr;
+	};
+
+	explicit DownloadFixture(FGameLoopSettings settings = {})
 		: ModuleFixture(settings)
 	{
 	}
 
-	/** @return the record; none when the download was refused. */
-	TArray<FhttpRequest> build(const Download& download);
+	/** @return the others and the record, if it was not refused. */
+	TArray<FhttpRequest> build(const Download& download, const TArray<FhttpRequest>& others = {});
 	Completion fetch(const Download& download) { return run(build(download)); }
+	/** Downloads from a server with a fault and compares what became of the target. */
+	void expectOutcome(const Fault& fault, DownloadKind kind);
 
 	/** Makes the target hold these bytes, or be absent. */
-	void setTarget(const std::optional<std::string>& content);
+	void setTarget(const Target& content);
 	/** @return the target's bytes, nothing when it does not exist. */
-	std::optional<std::string> target() const;
+	Target target() const;
+
+	static constexpr const char* noPath = "none";
 
 	TempDir dir;
 	const std::string targetPath = dir.path("target.bin");
 };
 
-/** For messages: the length of a file's content, or its absence. */
+/** What tells one content of a file from another, in a readable length; or that there is no file. */
 std::string describe(const std::optional<std::string>& content);

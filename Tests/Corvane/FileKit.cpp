@@ -1,10 +1,35 @@
 #include "FileKit.h"
 
+#include "ModuleFixture.h"
+
+#include <algorithm>
 #include <array>
 #include <csignal>
 #include <cstdio>
-#include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <utility>
+
+namespace
+{
+	/** @return what a function tells of its success. */
+	template <class Function>
+	bool succeeds(Function function)
+	{
+		bool success = false;
+		function(success);
+		return success;
+	}
+
+	/** @return the limit before. */
+	rlim_t setLimit(rlim_t bytes)
+	{
+		rlimit limit{};
+		getrlimit(RLIMIT_FSIZE, &limit);
+		const rlim_t before = std::exchange(limit.rlim_cur, std::min(bytes, limit.rlim_max));
+		setrlimit(RLIMIT_FSIZE, &limit);
+		return before;
+	}
+} // namespace
 
 TArray<uint8> toArray(std::string_view bytes)
 {
@@ -31,21 +56,50 @@ std::string outputOf(const std::string& command)
 	return output;
 }
 
-FileSizeLimit::FileSizeLimit(unsigned long bytes)
-	: handlerBefore(std::signal(SIGXFSZ, SIG_IGN))
+std::optional<std::string> FileTest::read(const std::string& path, int64 seek)
 {
-	rlimit limit{};
-	getrlimit(RLIMIT_FSIZE, &limit);
-	limitBefore = limit.rlim_cur;
-	limit.rlim_cur = bytes;
-	setrlimit(RLIMIT_FSIZE, &limit);
+	TArray<uint8> bytes;
+	const bool bRead = succeeds([&](bool& success) { bytes = Files::readBytesFromFile(EKind::E_ad, text(path), seek, success); });
+	EXPECT_TRUE(bRead || bytes.IsEmpty());
+	return bRead ? std::optional(toBytes(bytes)) : std::nullopt;
+}
+
+std::optional<std::string> FileTest::textBy(Reader reader, const std::string& path)
+{
+	FString result = "old";
+	const bool bRead = succeeds([&](bool& success) { reader(EKind::E_ad, text(path), success, result); });
+	EXPECT_TRUE(bRead || result.IsEmpty());
+	return bRead ? std::optional(utf8(result)) : std::nullopt;
+}
+
+bool FileTest::write(const std::string& path, std::string_view bytes)
+{
+	return succeeds([&](bool& success) { Files::writeBytesToFile(EKind::E_ad, text(path), toArray(bytes), success); });
+}
+
+bool FileTest::writeText(const std::string& path, std::string_view utf8)
+{
+	return succeeds([&](bool& success) { Files::writeStringToFile(EKind::E_ad, text(utf8), text(path), success); });
+}
+
+bool FileTest::add(const std::string& path, std::string_view bytes)
+{
+	return succeeds([&](bool& success) { Files::addBytesToFile(EKind::E_ad, text(path), toArray(bytes), success); });
+}
+
+std::vector<std::string> FileTest::noFiles() const
+{
+	return {dir.path(), dir.path() + "/", dir.path("file/"), dir.path("file/below"), dir.path(std::string(256, 'x')), "/", ""};
+}
+
+FileSizeLimit::FileSizeLimit(unsigned long bytes, bool bForOneWrite)
+	: handlerBefore(std::signal(SIGXFSZ, bForOneWrite ? [](int) { setLimit(RLIM_INFINITY); } : SIG_IGN))
+	, limitBefore(setLimit(bytes))
+{
 }
 
 FileSizeLimit::~FileSizeLimit()
 {
-	rlimit limit{};
-	getrlimit(RLIMIT_FSIZE, &limit);
-	limit.rlim_cur = limitBefore;
-	setrlimit(RLIMIT_FSIZE, &limit);
+	setLimit(limitBefore);
 	std::signal(SIGXFSZ, handlerBefore);
 }

@@ -11,80 +11,49 @@ class Nginx : public ModuleFixture
 {
 protected:
 	TempDir dir;
-	NginxServer server{{dir.path(), "location /moved { return 301 /file.bin; }"}};
+	NginxServer server{{dir.path(), ""}};
 };
-
-TEST_F(Nginx, ServesFilesRedirectsAndErrors)
-{
-	std::string content(3 << 20, '\0');
-	for (size_t at = 0; at < content.size(); ++at)
-	{
-		content[at] = static_cast<char>(at * 31 + at / 4099);
-	}
-	dir.write("file.bin", content);
-	dir.write("empty", "");
-	EXPECT_TRUE(run(get(server.url("/file.bin"))).byteData == content);
-	EXPECT_TRUE(run(get(server.url("/moved"))).byteData == content);
-	EXPECT_EQ(run(get(server.url("/empty"))).byteData, "");
-	EXPECT_EQ(run(get(server.url("/missing"))).statusCode, 404);
-	const Completion part = run(get(server.url("/file.bin"), {{"Range", "bytes=10-19"}}));
-	EXPECT_EQ(part.statusCode, 206);
-	EXPECT_EQ(part.byteData, content.substr(10, 10));
-}
 
 TEST_F(Nginx, AnswersArriveWhenTheSystemHasNoThreadToGive)
 {
 	const std::string content(1 << 20, 'c');
 	dir.write("file.bin", content);
-	TArray<FhttpRequest> requests = get(server.url("/file.bin"), {}, "text");
+	const FString url = text(server.url("/file.bin"));
+	TArray<FhttpRequest> requests;
 	FString id;
-	ASSERT_EQ(
-		UCorvaneBPLibrary::CreateHttpRequestGETDownload(requests, text(server.url("/file.bin")), {},
-			EHTTPCorvFileDownloadResumeType::E_OVERWRITE, EHTTPCorvFileUpload::E_ad, text(dir.path() + "/copy"), "file", requests, id),
-		0);
-	const NoThreads limit;
-	execute(requests);
-	drain();
-	ASSERT_EQ(completions.size(), 2u);
-	for (const Completion& completion : completions)
+	UCorvaneBPLibrary::CreateHttpRequestGETDownload(get(server.url("/file.bin")), url, {}, EHTTPCorvFileDownloadResumeType::E_OVERWRITE,
+		EHTTPCorvFileUpload::E_ad, text(dir.path("copy")), "file", requests, id);
 	{
-		EXPECT_EQ(completion.statusCode, 200);
-		EXPECT_TRUE(completion.dataString == content) << completion.requestID;
+		const NoThreads limit;
+		execute(requests);
+		drain();
 	}
+	ASSERT_EQ(completions.size(), 2u);
+	EXPECT_TRUE(completions[0].dataString == content && completions[1].dataString == content);
 	EXPECT_TRUE(dir.read("copy") == content);
-}
-
-/** Rounds of the test below; the environment variable CORVANE_TEST_ROUNDS asks for a longer run. */
-static int rounds()
-{
-	const char* wanted = std::getenv("CORVANE_TEST_ROUNDS");
-	return wanted ? std::stoi(wanted) : 2;
 }
 
 TEST_F(Nginx, GivesEachOfManyRequestsStartedAtOnceOneCompletion)
 {
-	constexpr size_t atOnce = 500;
+	const char* wanted = std::getenv("CORVANE_TEST_ROUNDS"); // asks for a longer run
 	dir.write("small", "hello");
-	for (int round = 0; round < rounds(); ++round)
+	for (int round = wanted ? std::stoi(wanted) : 2; round > 0; --round)
 	{
 		completions.clear();
 		TArray<FhttpRequest> requests;
-		std::set<std::string> expected;
-		for (size_t number = 0; number < atOnce; ++number)
+		std::multiset<std::string> expected, seen;
+		for (int number = 0; number < 500; ++number)
 		{
 			const std::string id = std::to_string(number);
 			requests.Append(get(server.url("/small"), {}, id.c_str()));
-			expected.insert(id);
+			expected.insert(id + " hello");
 		}
 		execute(requests);
 		drain();
-		std::set<std::string> seen;
 		for (const Completion& completion : completions)
 		{
-			EXPECT_EQ(completion.byteData, "hello");
-			seen.insert(completion.requestID);
+			seen.insert(completion.requestID + " " + completion.byteData);
 		}
-		ASSERT_EQ(completions.size(), atOnce) << "round " << round;
-		ASSERT_EQ(seen, expected) << "round " << round;
+		ASSERT_EQ(seen, expected);
 	}
 }

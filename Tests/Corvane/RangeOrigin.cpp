@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cinttypes>
+#include <cstdio>
 #include <random>
 
 namespace
@@ -14,17 +16,11 @@ namespace
 
 	RangeRequest read(const std::string& head)
 	{
-		RangeRequest request;
-		request.head = head;
-		request.range = headerOf(head, "Range");
-		if (!request.range.empty())
+		RangeRequest request{head, 0, headerOf(head, "Range")};
+		std::int64_t last = 0;
+		if (std::sscanf(request.range.c_str(), "bytes=%" SCNd64 "-%" SCNd64, &request.first, &last) == 2)
 		{
-			const size_t dash = request.range.find('-');
-			request.first = std::stoll(request.range.substr(6));
-			if (dash + 1 < request.range.size())
-			{
-				request.last = std::stoll(request.range.substr(dash + 1));
-			}
+			request.last = last;
 		}
 		return request;
 	}

@@ -17,7 +17,7 @@ struct RangeRequest
 	/** The Range header as it came, empty when there is none. */
 	std::string range;
 	std::int64_t first = 0;
-	std::optional<std::int64_t> last;
+	std::optional<std::int64_t> last = {};
 };
 
 /** Bytes without a pattern that would repeat at a place where a test cuts. */

@@ -1,20 +1,24 @@
 #include "UploadFixture.h"
 
 #include <algorithm>
+#include <fstream>
+
+namespace
+{
+	constexpr auto absolute = EHTTPCorvFileUpload::E_ad;
+
+	TArray<FhttpRequest> checked(int32 result, const TArray<FhttpRequest>& requests, const UploadOptions& options)
+	{
+		EXPECT_EQ(result, requests.Num() == options.others.Num() ? 400 : 0);
+		return requests;
+	}
+} // namespace
 
 std::string Received::header(const std::string& name) const
 {
 	const size_t line = head.find("\r\n" + name + ": ");
 	const size_t begin = line + name.size() + 4;
 	return line == head.npos ? "" : head.substr(begin, head.find("\r\n", begin) - begin);
-}
-
-std::string Received::token() const
-{
-	const std::string type = header("Content-Type");
-	const std::string before = "multipart/form-data; boundary=----";
-	EXPECT_EQ(type.substr(0, before.size()), before);
-	return type.substr(std::min(before.size(), type.size()));
 }
 
 UploadSink::UploadSink(Gate* gate)
@@ -57,34 +61,52 @@ TArray<FhttpRequest> UploadTest::put(const std::string& url, const std::string& 
 {
 	TArray<FhttpRequest> requests;
 	FString id;
-	EXPECT_EQ(UCorvaneBPLibrary::CreateHttpRequestFileUploadPUT({}, text(url), options.header, EHTTPCorvFileUpload::E_ad, text(path),
-				  text(options.fileID), type, text(options.requestID), requests, id),
-		0);
-	return requests;
+	const int32 result = UCorvaneBPLibrary::CreateHttpRequestFileUploadPUT(
+		options.others, text(url), options.header, absolute, text(path), text(options.fileID), type, text(options.requestID), requests, id);
+	return checked(result, requests, options);
 }
 
 TArray<FhttpRequest> UploadTest::post(const std::string& url, const std::string& path, const UploadOptions& options)
 {
 	TArray<FhttpRequest> requests;
 	FString id;
-	EXPECT_EQ(UCorvaneBPLibrary::CreateHttpRequestFileUploadPOST({}, text(url), options.header, EHTTPCorvFileUpload::E_ad, text(path),
-				  text(options.fileID), options.fields, text(options.requestID), requests, id),
-		0);
-	return requests;
+	const int32 result = UCorvaneBPLibrary::CreateHttpRequestFileUploadPOST(options.others, text(url), options.header, absolute, text(path),
+		text(options.fileID), options.fields, text(options.requestID), requests, id);
+	return checked(result, requests, options);
 }
 
-TArray<FhttpRequest> UploadTest::individual(const std::string& url, const std::string& path)
+TArray<FhttpRequest> UploadTest::multi(
+	bool bPost, const std::string& url, const TArray<FString>& paths, const TArray<FString>& ids, const UploadOptions& options)
 {
 	TArray<FhttpRequest> requests;
 	FString id;
-	UCorvaneBPLibrary::CreateHttpRequestIndividual({}, text(url), {{"Content-Type", "text/plain"}}, "PUT", EHTTPCorvIndividualType::STREAM,
-		text(path), "", requests, id, false, false, true, false);
+	const FString requestID = text(options.requestID);
+	const int32 result = bPost ? UCorvaneBPLibrary::CreateHttpRequestFileMultiUploadPOST(options.others, text(url), options.header,
+									 absolute, paths, ids, options.fields, requestID, requests, id)
+							   : UCorvaneBPLibrary::CreateHttpRequestFileMultiUploadPUT(
+									 options.others, text(url), options.header, absolute, paths, ids, requestID, requests, id);
+	return checked(result, requests, options);
+}
+
+TArray<FhttpRequest> UploadTest::ofEveryKind(const std::string& url, const std::string& path)
+{
+	TArray<FhttpRequest> requests;
+	FString id;
+	UCorvaneBPLibrary::CreateHttpRequestIndividual(post(url, path), text(url), {{"Content-Type", "text/plain"}}, "PUT",
+		EHTTPCorvIndividualType::STREAM, text(path), "", requests, id, false, false, true, false);
+	for (const Type type : everyType)
+	{
+		requests.Append(put(url, path, type));
+	}
 	return requests;
 }
 
-std::string UploadTest::tail(size_t size)
+std::string UploadTest::sparse(const std::string& name, std::uintmax_t size, const std::string& end) const
 {
-	return "\r\n------UE4CorvanePlugin_" + std::to_string(size) + "--\r\n";
+	const std::string path = dir.write(name, "");
+	std::filesystem::resize_file(path, size);
+	std::ofstream(path, std::ios::binary | std::ios::app) << end;
+	return path;
 }
 
 std::vector<std::string> UploadTest::files() const
@@ -96,16 +118,4 @@ std::vector<std::string> UploadTest::files() const
 	}
 	std::sort(names.begin(), names.end());
 	return names;
-}
-
-std::string UploadTest::copyPath() const
-{
-	for (const std::string& name : files())
-	{
-		if (name.find("_UEUploadCopy_") != name.npos)
-		{
-			return dir.path(name);
-		}
-	}
-	return "";
 }

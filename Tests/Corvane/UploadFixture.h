@@ -15,8 +15,6 @@ struct Received
 
 	/** The value of a header; empty when absent. */
 	std::string header(const std::string& name) const;
-	/** What stands behind "----" in the boundary parameter. */
-	std::string token() const;
 };
 
 /** An origin that reads bodies of the announced length, keeps them and answers 200. */
@@ -50,6 +48,7 @@ struct UploadOptions
 	TMap<FString, FString> header = {};
 	TMap<FString, FString> fields = {};
 	std::string requestID = "";
+	TArray<FhttpRequest> others = {};
 };
 
 /** Uploads of files in a folder of the test's own; repairs do not wait. */
@@ -59,20 +58,27 @@ protected:
 	explicit UploadTest(FGameLoopSettings settings = {});
 
 	using Type = EHTTPCorvFileUploadType;
+	static constexpr Type everyType[] = {Type::PUT, Type::PUT_STREAM_BLANK, Type::PUT_STREAM_COPY, Type::PUT_STREAM_MP};
 
 	static UCorvaneBPLibrary& library() { return *UCorvaneBPLibrary::getCorvaneTarget(); }
+	// The three hand out the other records and their own, if it was not refused.
 	static TArray<FhttpRequest> put(const std::string& url, const std::string& path, Type type, const UploadOptions& options = {});
 	static TArray<FhttpRequest> post(const std::string& url, const std::string& path, const UploadOptions& options = {});
 
-	/** An individual PUT whose body is the file. */
-	static TArray<FhttpRequest> individual(const std::string& url, const std::string& path);
+	/** One form of several files, by POST or PUT. */
+	static TArray<FhttpRequest> multi(
+		bool bPost, const std::string& url, const TArray<FString>& paths, const TArray<FString>& ids, const UploadOptions& options = {});
+	/** The file as a POST, as an individual PUT whose body it is, and by every type. */
+	static TArray<FhttpRequest> ofEveryKind(const std::string& url, const std::string& path);
 
 	/** The tail that stands behind a file of this size during its upload. */
-	static std::string tail(size_t size);
+	static std::string tail(const std::string& size) { return "\r\n------UE4CorvanePlugin_" + size + "--\r\n"; }
+	static std::string tail(size_t size) { return tail(std::to_string(size)); }
+	static inline const std::string thousand = std::string(1000, 'x');
+	/** Makes a file of so many bytes that takes no room on disk, and of these behind them. */
+	std::string sparse(const std::string& name, std::uintmax_t size, const std::string& end = "") const;
 	/** @return the names of all files in the folder, in order. */
 	std::vector<std::string> files() const;
-	/** @return the path of the one copy in the folder; empty when there is none. */
-	std::string copyPath() const;
 	int logged(ELogVerbosity::Type verbosity, const std::string& part) const { return log.count("LogTemp", verbosity, part); }
 
 	static constexpr const char* stillOpen =

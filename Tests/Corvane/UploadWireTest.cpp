@@ -1,87 +1,59 @@
 #include "Host/Directories.h"
 #include "UploadFixture.h"
 
-using testing::ElementsAre;
-
 namespace
 {
 	class UploadWire : public UploadTest
 	{
 	protected:
-		/** A whole head, where everything between the user agent and the end is own. */
-		std::string head(const char* verb, const std::string& own) const
+		/** Compares the last request, where everything in the head between the user agent and the length is own. */
+		void expectSent(const char* verb, const std::string& own, const std::string& body) const
 		{
-			return std::string(verb) + " / HTTP/1.1\r\n" + firstHeaders(sink.authority()) +
-				   "User-Agent: UE4 Mozilla/5.0 (Windows NT 10.0; Win64; x64) AppleWebKit/537.36 (KHTML, like Gecko) "
-				   "Chrome/69.0.3497.81 Safari/537.36\r\n" +
-				   own + "\r\n";
+			EXPECT_EQ(
+				sink.last().head, std::string(verb) + " / HTTP/1.1\r\n" + firstHeaders(sink.authority()) +
+									  "User-Agent: UE4 Mozilla/5.0 (Windows NT 10.0; Win64; x64) AppleWebKit/537.36 (KHTML, like Gecko) "
+									  "Chrome/69.0.3497.81 Safari/537.36\r\n" +
+									  own + "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n");
+			EXPECT_TRUE(sink.last().body == body) << sink.last().body.substr(0, 500);
 		}
 
-		std::string memoryHead(const char* verb, const std::string& own = "") const
+		/** Compares the last form, whose boundary has a number of its own. @param parts  each without its delimiter. */
+		void expectForm(const char* verb, const std::vector<std::string>& parts, const std::string& own = "") const
 		{
-			const Received got = sink.last();
-			return head(verb, own + "Content-Type: multipart/form-data; boundary=----" + got.token() +
-								  "\r\nContent-Length: " + std::to_string(got.body.size()) + "\r\n");
-		}
-
-		TArray<FhttpRequest> multi(bool bPost, const TArray<FString>& paths, const TArray<FString>& ids, const UploadOptions& options = {})
-		{
-			TArray<FhttpRequest> requests;
-			FString id;
-			const auto directory = EHTTPCorvFileUpload::E_ad;
-			EXPECT_EQ(bPost ? UCorvaneBPLibrary::CreateHttpRequestFileMultiUploadPOST(
-								  {}, text(sink.url()), options.header, directory, paths, ids, options.fields, "", requests, id)
-							: UCorvaneBPLibrary::CreateHttpRequestFileMultiUploadPUT(
-								  {}, text(sink.url()), options.header, directory, paths, ids, "", requests, id),
-				0);
-			return requests;
+			const std::string type = sink.last().header("Content-Type");
+			EXPECT_THAT(type, testing::MatchesRegex("multipart/form-data; boundary=----UE4CorvanePlugin_-?[0-9]+"));
+			const std::string token = type.substr(type.find("UE4"));
+			std::string body;
+			for (const std::string& part : parts)
+			{
+				body += "\r\n------" + token + "\r\nContent-Disposition: form-data; name=\"" + part;
+			}
+			expectSent(verb, own + "Content-Type: " + type + "\r\n", body + "\r\n------" + token + "--\r\n");
 		}
 
 		UploadSink sink;
 	};
 
-	/** A part of an in-memory body, from the line break in front of it on. */
-	std::string filePart(
-		const std::string& token, const std::string& field, const std::string& file, const std::string& type, const std::string& bytes)
+	std::string filePart(const std::string& field, const std::string& file, const std::string& type, const std::string& bytes)
 	{
-		return "\r\n------" + token + "\r\nContent-Disposition: form-data; name=\"" + field + "\"; filename=\"" + file +
-			   "\"\r\nContent-Type: " + type + "\r\n\r\n" + bytes;
-	}
-
-	std::string textPart(const std::string& token, const std::string& field, const std::string& value)
-	{
-		return "\r\n------" + token + "\r\nContent-Disposition: form-data; name=\"" + field + "\"\r\n\r\n" + value;
-	}
-
-	std::string end(const std::string& token)
-	{
-		return "\r\n------" + token + "--\r\n";
+		return field + "\"; filename=\"" + file + "\"\r\nContent-Type: " + type + "\r\n\r\n" + bytes;
 	}
 
 	const std::string binary("\0\r\n------\xFF", 10);
 } // namespace
 
-TEST_F(UploadWire, PostOfOneFile)
+TEST_F(UploadWire, FormsOfOneFile)
 {
 	const Completion result = run(post(sink.url(), dir.write("a.png", binary), {"myFile", {{"X-Own", "yes"}, {"Content-Type", "x"}}}));
 	EXPECT_EQ(result.statusCode, 200);
 	EXPECT_EQ(result.dataString, "thanks");
-	const std::string token = sink.last().token();
-	EXPECT_THAT(token, testing::MatchesRegex("UE4CorvanePlugin_-?[0-9]+"));
-	EXPECT_EQ(sink.last().body, filePart(token, "myFile", "a.png", "image/png", binary) + end(token));
-	const std::string type = "Content-Type: multipart/form-data; boundary=----" + token + "\r\n";
-	EXPECT_EQ(
-		sink.last().head, head("POST", "X-Own: yes\r\n" + type + "Content-Length: " + std::to_string(sink.last().body.size()) + "\r\n"));
-}
+	expectForm("POST", {filePart("myFile", "a.png", "image/png", binary)}, "X-Own: yes\r\n");
 
-TEST_F(UploadWire, FieldsFollowTheFileAsTheyAre)
-{
-	UploadOptions options{"f", {}, {{"b", "2"}, {"a", ""}, {u"k\u00fc\"", u"\u00fc\r\n\"x\" & y"}}};
-	run(post(sink.url(), dir.write("a.txt", "hello"), options));
-	const std::string token = sink.last().token();
-	EXPECT_EQ(sink.last().body, filePart(token, "f", "a.txt", "text/plain", "hello") + textPart(token, "b", "2") +
-									textPart(token, "a", "") + textPart(token, "kü%22", "ü\r\n\"x\" & y") + end(token));
-	EXPECT_EQ(sink.last().head, memoryHead("POST"));
+	run(post(sink.url(), dir.write("a.txt", "hello"), {"f", {}, {{"b", "2"}, {"a", ""}, {u"k\u00fc\"", u"\u00fc\r\n\"x\" & y"}}}));
+	expectForm("POST", {filePart("f", "a.txt", "text/plain", "hello"), "b\"\r\n\r\n2", "a\"\r\n\r\n", "kü%22\"\r\n\r\nü\r\n\"x\" & y"});
+
+	run(put(sink.url(), dir.write("a.json", "{}"), Type::PUT));
+	expectForm("PUT", {filePart("f", "a.json", "application/json", "{}")});
 }
 
 TEST_F(UploadWire, SeveralFilesTakeTheirNamesFromTheList)
@@ -90,70 +62,48 @@ TEST_F(UploadWire, SeveralFilesTakeTheirNamesFromTheList)
 		text(dir.write("one.php", "1")), text(dir.write("two.unknown", "")), text(dir.write("sub.png/three", binary))};
 	for (const bool bPost : {true, false})
 	{
-		TArray<FhttpRequest> requests = multi(bPost, paths, {"x", ""}, {});
+		TArray<FhttpRequest> requests = multi(bPost, sink.url(), paths, {"x", ""});
 		requests[0].fileID = "last"; // no builder sets both, but native code may
 		requests[0].filePath = text(dir.write("four.tar.gz", "4"));
-		EXPECT_EQ(run(requests).statusCode, 200);
-		const std::string token = sink.last().token();
-		EXPECT_EQ(sink.last().body, filePart(token, "x", "one.php", "#application/x-httpd-php", "1") +
-										filePart(token, "", "two.unknown", "application/octet-stream", "") +
-										filePart(token, "last", "three", "application/octet-stream", binary) +
-										filePart(token, "last", "four.tar.gz", "application/octet-stream", "4") + end(token));
-		EXPECT_EQ(sink.last().head, memoryHead(bPost ? "POST" : "PUT"));
+		run(requests);
+		expectForm(bPost ? "POST" : "PUT",
+			{filePart("x", "one.php", "#application/x-httpd-php", "1"), filePart("", "two.unknown", "application/octet-stream", ""),
+				filePart("last", "three", "application/octet-stream", binary),
+				filePart("last", "four.tar.gz", "application/octet-stream", "4")});
 	}
-}
-
-TEST_F(UploadWire, NoFileAtAllIsAnEmptyForm)
-{
-	EXPECT_EQ(run(multi(true, {}, {"x"}, {})).statusCode, 200);
-	EXPECT_EQ(sink.last().body, end(sink.last().token()));
-}
-
-TEST_F(UploadWire, PutOfOneFileIsAMultipartBodyToo)
-{
-	EXPECT_EQ(run(put(sink.url(), dir.write("a.json", "{}"), Type::PUT)).statusCode, 200);
-	EXPECT_EQ(sink.last().body, filePart(sink.last().token(), "f", "a.json", "application/json", "{}") + end(sink.last().token()));
-	EXPECT_EQ(sink.last().head, memoryHead("PUT"));
+	run(multi(true, sink.url(), {}, {"x"}));
+	expectForm("POST", {});
 }
 
 TEST_F(UploadWire, BlankStreamsDescribeTheFileInHeaders)
 {
 	for (const std::string& content : {binary, std::string(), std::string(300000, 'z')})
 	{
-		const std::string path = dir.write("a b.PNG", content);
-		EXPECT_EQ(run(put(sink.url(), path, Type::PUT_STREAM_BLANK, {"my ü", {{"X-Own", "1"}}})).statusCode, 200);
-		EXPECT_EQ(sink.last().head,
-			head("PUT", "X-Own: 1\r\nfileid: my ü\r\nfilename: a b.PNG\r\nfileformat: PNG\r\nmimetype: image/png\r\nContent-Length: " +
-							std::to_string(content.size()) + "\r\n"));
-		EXPECT_TRUE(sink.last().body == content);
+		run(put(sink.url(), dir.write("a b.PNG", content), Type::PUT_STREAM_BLANK, {"my ü", {{"X-Own", "1"}}}));
+		expectSent("PUT", "X-Own: 1\r\nfileid: my ü\r\nfilename: a b.PNG\r\nfileformat: PNG\r\nmimetype: image/png\r\n", content);
 	}
 	EXPECT_EQ(sink.connectionCount(), 1) << "an ordinary request, whose connection is kept";
 }
 
 TEST_F(UploadWire, StreamMultipartBeginsInItsHeader)
 {
-	const std::string thousand(1000, 'x');
-	const std::string large(200000, 'y');
 	struct Case
 	{
 		std::string name, content, fileID, type;
 	};
 	for (const Case& c : {Case{"a.bin", thousand, "f", "application/octet-stream"}, {"empty.png", "", "f", "image/png"},
-			 {"b.txt", large, "", "text/plain"}, {"noext", binary, "f", "application/octet-stream"}})
+			 {"b.txt", std::string(200000, 'y'), "", "text/plain"}, {"noext", binary, "f", "application/octet-stream"}})
 	{
 		for (const Type type : {Type::PUT_STREAM_MP, Type::PUT_STREAM_COPY})
 		{
 			const std::string path = dir.write(c.name, c.content);
-			const UploadOptions options{c.fileID, {{"content-length", "7"}, {"X-Own", "1"}, {"Content-Type", "x"}}};
-			EXPECT_EQ(run(put(sink.url(), path, type, options)).statusCode, 200);
-			const std::string token = "UE4CorvanePlugin_" + std::to_string(c.content.size());
-			const std::string body = "------" + token + "\r\nContent-Disposition: form-data; name=\"" + c.fileID + "\"; filename=\"" +
-									 c.name + "\"\r\n" + c.type + "\r\n\r\n" + c.content + end(token);
-			EXPECT_EQ(sink.last().head, head("PUT", "X-Own: 1\r\nContent-Type: multipart/form-data; boundary=----" + token +
-														"\r\nContent-Length: " + std::to_string(body.size()) + "\r\n"));
-			EXPECT_TRUE(sink.last().body == body) << sink.last().body.substr(0, 200);
+			run(put(sink.url(), path, type, {c.fileID, {{"content-length", "7"}, {"X-Own", "1"}, {"Content-Type", "x"}}}));
+			const std::string delimiter = "----UE4CorvanePlugin_" + std::to_string(c.content.size());
+			expectSent("PUT", "X-Own: 1\r\nContent-Type: multipart/form-data; boundary=" + delimiter + "\r\n",
+				"--" + delimiter + "\r\nContent-Disposition: form-data; name=\"" + c.fileID + "\"; filename=\"" + c.name + "\"\r\n" +
+					c.type + "\r\n\r\n" + c.content + tail(c.content.size()));
 			EXPECT_TRUE(dir.read(c.name) == c.content);
-			EXPECT_EQ(copyPath(), "");
+			EXPECT_THAT(files(), testing::Not(testing::Contains(testing::HasSubstr("_UEUploadCopy_"))));
 		}
 	}
 	EXPECT_EQ(sink.connectionCount(), 8) << "the announced length may be wrong";
@@ -170,38 +120,31 @@ TEST_F(UploadWire, StreamMultipartAnnouncesUnitsAndSendsBytes)
 			connection.send(answer(200, ""));
 			connection.waitForPeer();
 		});
-	const std::string path = dir.write("ü.png", std::string(1000, 'x'));
-	EXPECT_EQ(run(put(server.url(), path, Type::PUT_STREAM_MP, {"myFile"})).statusCode, 200);
+	UCorvaneBPLibrary::addPersistentHTTPRequestHeader("Content-Length", "5");
+	run(put(server.url(), dir.write("ü.png", thousand), Type::PUT_STREAM_MP, {"myFile"}));
 	EXPECT_THAT(server.requests().back(), testing::EndsWith("\r\nContent-Length: 1140\r\n\r\n"));
 	EXPECT_THAT(body, testing::EndsWith("x\r\n------UE4CorvanePlugin_1000--\r\n"));
 }
 
-TEST_F(UploadWire, AnotherStreamWaitsForNoPersistentLength)
-{
-	UCorvaneBPLibrary::addPersistentHTTPRequestHeader("Content-Length", "5");
-	run(put(sink.url(), dir.write("a.bin", "12345678"), Type::PUT_STREAM_MP));
-	EXPECT_THAT(sink.last().head, testing::EndsWith("boundary=----UE4CorvanePlugin_8\r\nContent-Length: 152\r\n\r\n"));
-}
-
 TEST_F(UploadWire, NamesBreakOutOfNothing)
 {
-	const std::string evil = "a\"\r\nX-Evil: 1\r\n\r\n.tx\"t";
-	const std::string safe = "a%22%0D%0AX-Evil: 1%0D%0A%0D%0A.tx%22t";
+	const std::string evil = "100%22 ü;'\"\r\nX-Evil: 1\r\n\r\n.tx\"t";
 	const std::string path = dir.write(evil, "hello");
-	for (const Type type : {Type::PUT, Type::PUT_STREAM_BLANK, Type::PUT_STREAM_MP, Type::PUT_STREAM_COPY})
+	for (const Type type : everyType)
 	{
-		EXPECT_EQ(run(put(sink.url(), path, type, {"f\"\r\n"})).statusCode, 200);
+		run(put(sink.url(), path, type, {"f\"\r\n\\"}));
 		const Received got = sink.last();
 		EXPECT_EQ((got.head + got.body).find("\nX-Evil"), std::string::npos);
 		if (type == Type::PUT_STREAM_BLANK)
 		{
-			EXPECT_EQ(got.header("filename"), "a\"%0D%0AX-Evil: 1%0D%0A%0D%0A.tx\"t") << "there are no quotes to leave";
+			EXPECT_EQ(got.header("filename"), "100%22 ü;'\"%0D%0AX-Evil: 1%0D%0A%0D%0A.tx\"t") << "there are no quotes to leave";
 			EXPECT_EQ(got.header("fileformat"), "tx\"t");
-			EXPECT_EQ(got.header("fileid"), "f\"%0D%0A");
+			EXPECT_EQ(got.header("fileid"), "f\"%0D%0A\\");
 		}
 		else
 		{
-			EXPECT_THAT(got.body, testing::HasSubstr("name=\"f%22%0D%0A\"; filename=\"" + safe + "\"\r\n"));
+			EXPECT_THAT(
+				got.body, testing::HasSubstr("name=\"f%22%0D%0A\\\"; filename=\"100%22 ü;'%22%0D%0AX-Evil: 1%0D%0A%0D%0A.tx%22t\"\r\n"));
 		}
 	}
 	EXPECT_EQ(dir.read(evil), "hello");
@@ -211,51 +154,28 @@ TEST_F(UploadWire, FilesMayLieBelowTheProject)
 {
 	HostDirectories::Set(dir.path(), "/elsewhere");
 	dir.write("Saved/a.bin", "hello");
-	for (const Type type : {Type::PUT, Type::PUT_STREAM_BLANK, Type::PUT_STREAM_MP, Type::PUT_STREAM_COPY})
+	for (const Type type : everyType)
 	{
 		TArray<FhttpRequest> requests;
 		FString id;
 		UCorvaneBPLibrary::CreateHttpRequestFileUploadPUT(
 			{}, text(sink.url()), {}, EHTTPCorvFileUpload::E_gd, "Saved/a.bin", "f", type, "", requests, id);
-		EXPECT_EQ(run(requests).statusCode, 200) << static_cast<int>(type);
+		run(requests);
 		EXPECT_THAT(sink.last().body, testing::HasSubstr("hello"));
 	}
 	EXPECT_EQ(dir.read("Saved/a.bin"), "hello");
-	EXPECT_EQ(copyPath(), "");
+	EXPECT_THAT(files(), testing::ElementsAre("Saved", "Saved/a.bin"));
 }
 
-TEST_F(UploadWire, ProgressIsTheShareOfTheBody)
+TEST_F(UploadWire, ProgressIsTheShareOfTheBodyAndRisesWhileBytesAreSent)
 {
-	const std::string path = dir.write("a.bin", std::string(500000, 'x'));
-	for (const Type type : {Type::PUT, Type::PUT_STREAM_BLANK, Type::PUT_STREAM_MP, Type::PUT_STREAM_COPY})
-	{
-		uploads.clear();
-		run(put(sink.url(), path, type, {"f", {}, {}, "progress"}));
-		ASSERT_FALSE(uploads.empty());
-		// The beginning of a stream multipart body goes out as a header.
-		const bool beginsInHeader = type == Type::PUT_STREAM_MP || type == Type::PUT_STREAM_COPY;
-		const size_t size = beginsInHeader ? 500000 + tail(500000).size() : sink.last().body.size();
-		EXPECT_EQ(uploads.back().size, static_cast<float>(size));
-		EXPECT_EQ(uploads.back().bytesSent, static_cast<int32>(size));
-		EXPECT_EQ(uploads.back().percentUpload, 100.0f);
-		EXPECT_EQ(uploads.back().requestID, "progress");
-		EXPECT_TRUE(downloads.empty());
-	}
-}
-
-TEST_F(UploadWire, ProgressRisesWhileBytesAreSent)
-{
-	constexpr size_t size = 24 << 20; // more than the buffers on the way hold
-	const std::string path = dir.write("a.bin", std::string(size, 'x'));
-	TArray<FhttpRequest> all = post("http://", path);
-	for (const Type type : {Type::PUT, Type::PUT_STREAM_BLANK, Type::PUT_STREAM_MP, Type::PUT_STREAM_COPY})
-	{
-		all.Append(put("http://", path, type));
-	}
-	all.Append(individual("http://", path));
-	all.Append(individual("http://", std::string(size, 'x')));
-	all.Last().requestType = EHTTPCorvRequestType::INDIVIDUAL; // its text is the body
-	EXPECT_EQ(all.Num(), 7);
+	constexpr int32 size = 24 << 20; // more than the buffers on the way hold
+	const std::string content(size, 'x');
+	TArray<FhttpRequest> all = ofEveryKind("http://", dir.write("a.bin", content));
+	FhttpRequest ofText = all[1];
+	ofText.requestType = EHTTPCorvRequestType::INDIVIDUAL;
+	ofText.content = text(content);
+	all.Add(ofText);
 	for (FhttpRequest& record : all)
 	{
 		uploads.clear();
@@ -263,17 +183,42 @@ TEST_F(UploadWire, ProgressRisesWhileBytesAreSent)
 		UploadSink slow(&read);
 		record.url = text(slow.url());
 		execute({record});
-		ASSERT_TRUE(loop.WaitFor([this] { return !uploads.empty() && uploads.back().bytesSent > 0; }, patienceSeconds))
-			<< static_cast<int>(record.requestType);
+		ASSERT_TRUE(loop.WaitFor([this] { return !uploads.empty() && uploads.back().bytesSent > 0; }, patienceSeconds));
 		EXPECT_LT(uploads.back().percentUpload, 100);
 		read.open();
 		drain();
-		EXPECT_EQ(static_cast<float>(uploads.back().bytesSent), uploads.back().size);
-		EXPECT_GE(uploads.back().bytesSent, static_cast<int32>(size));
+		// The beginning of a stream multipart body goes out as a header.
+		const bool beginsInHeader =
+			record.requestType == EHTTPCorvRequestType::PUT_STREAM_MP || record.requestType == EHTTPCorvRequestType::PUT_STREAM_COPY;
+		const auto sent = static_cast<int32>(beginsInHeader ? content.size() + tail(content.size()).size() : slow.last().body.size());
+		EXPECT_EQ(uploads.back().bytesSent, sent) << static_cast<int>(record.requestType);
+		EXPECT_EQ(uploads.back().size, static_cast<float>(sent));
 		EXPECT_EQ(uploads.back().percentUpload, 100);
-		for (size_t i = 1; i < uploads.size(); ++i)
-		{
-			EXPECT_GE(uploads[i].bytesSent, uploads[i - 1].bytesSent);
-		}
+		EXPECT_TRUE(std::is_sorted(uploads.begin(), uploads.end(),
+			[](const UploadProgress& before, const UploadProgress& after) { return before.bytesSent < after.bytesSent; }));
 	}
+	EXPECT_TRUE(downloads.empty());
+}
+
+TEST_F(UploadWire, IsRefusedByItsBuilderWithoutAUrlOrAListOfNames)
+{
+	const UploadOptions options{"x", {}, {}, "given", get("http://other")};
+	const auto expectRefusal = [this](const TArray<FhttpRequest>& requests)
+	{
+		EXPECT_EQ(requests.Num(), 1) << "the records so far go on";
+		ASSERT_EQ(completions.size(), 1u) << "inside the call";
+		EXPECT_EQ(completions[0].requestID + std::to_string(completions[0].statusCode), "given400");
+		completions.clear();
+	};
+	expectRefusal(put("ab", "/f", Type::PUT, options));
+	expectRefusal(post("ab", "/f", options));
+	for (const bool bPost : {true, false})
+	{
+		expectRefusal(multi(bPost, "ab", {"/f"}, {}, options));
+		expectRefusal(multi(bPost, "abc", {"/f"}, {}, options));
+		EXPECT_EQ(multi(bPost, "abc", {"/f"}, {""}, options).Num(), 2) << "an empty name is one";
+	}
+	EXPECT_EQ(logged(ELogVerbosity::Error, "Cancel Request : URL to short."), 4);
+	EXPECT_EQ(logged(ELogVerbosity::Error, "Cancel Request : File ID is missing"), 2);
+	EXPECT_EQ(put("abc", "/f", static_cast<Type>(9), options)[1].requestType, EHTTPCorvRequestType::PUT);
 }

@@ -1,8 +1,8 @@
-#include "../Support/Waiting.h" // the script front end has a header of the same name
 #include "ProcessRun.h"
 #include "RandomBytes.h"
 #include "RawServer.h"
 #include "TempDir.h"
+#include "Waiting.h"
 
 #include <atomic>
 #include <gtest/gtest.h>
@@ -23,13 +23,12 @@ namespace
 			for (;;)
 			{
 				const std::string head = connection.readHead();
-				const size_t at = head.find("Range: bytes=") + 13;
-				const size_t first = std::stoul(head.substr(at));
-				const size_t dash = head.find('-', at);
-				const size_t last = head[dash + 1] == '\r' ? content.size() - 1 : std::stoul(head.substr(dash + 1));
-				const size_t end = std::min(last + 1, content.size());
-				const std::string range = std::to_string(first) + "-" + std::to_string(end - 1) + "/" + std::to_string(content.size());
-				connection.send(answer(206, content.substr(first, end - first), "Content-Range: bytes " + range + "\r\n"));
+				size_t first = 0;
+				size_t last = content.size() - 1;
+				std::sscanf(head.c_str() + head.find("Range:"), "Range: bytes=%zu-%zu", &first, &last);
+				last = std::min(last, content.size() - 1);
+				const std::string range = std::to_string(first) + "-" + std::to_string(last) + "/" + std::to_string(content.size());
+				connection.send(answer(206, content.substr(first, last + 1 - first), "Content-Range: bytes " + range + "\r\n"));
 				++served;
 			}
 		};
@@ -47,11 +46,9 @@ TEST(DownloadCrash, AProgramKilledAtAnyMomentLeavesATruePrefixThatAResumeFinishe
 	{
 		served = 0;
 		const std::string file = "file-" + std::to_string(steps);
-		{
-			RunningProgram program({"run", run, server.url(), directory.path(file)});
-			ASSERT_TRUE(waitFor([&] { return served >= steps; }));
-			program.kill();
-		}
+		RunningProcess program({CORVANE_PROGRAM, "run", run, server.url(), directory.path(file)});
+		ASSERT_TRUE(waitFor([&] { return served >= steps; }));
+		EXPECT_EQ(program.end().status, 128 + 9);
 		const std::string left = directory.exists(file) ? directory.read(file) : "";
 		EXPECT_TRUE(content.starts_with(left)) << "killed behind step " << steps;
 		const ProcessRun rest = runProgram({"run", run, server.url(), directory.path(file)});

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "TempDir.h"
+
 #include <string>
 #include <vector>
 
@@ -11,25 +13,27 @@ struct ProcessRun
 	std::string err;
 };
 
-/** Runs a command to its end, with nothing on its standard input. @param words  the absolute path of a program and its arguments. */
-ProcessRun runProcess(const std::vector<std::string>& words);
-
-/** Runs the program of this project. */
-ProcessRun runProgram(const std::vector<std::string>& arguments);
-
-/** A run of the program of this project that the test ends; what it prints is dropped. */
-class RunningProgram
+/** A run of a command, with nothing on its standard input. It ends with this object at the latest. */
+class RunningProcess
 {
 public:
-	explicit RunningProgram(const std::vector<std::string>& arguments);
-	/** Ends it like a crash, if it still runs. */
-	~RunningProgram() { kill(); }
-	RunningProgram(const RunningProgram&) = delete;
-	RunningProgram& operator=(const RunningProgram&) = delete;
+	/** @param words  the absolute path of a program and its arguments. */
+	explicit RunningProcess(const std::vector<std::string>& words);
+	~RunningProcess() { end(); }
+	RunningProcess(const RunningProcess&) = delete;
+	RunningProcess& operator=(const RunningProcess&) = delete;
 
-	/** Sends SIGKILL and waits for the end. */
-	void kill();
+	/** Ends it with a signal, unless that is 0, and waits for the end. */
+	ProcessRun end(int signal = 9);
 
 private:
-	int process; // 0 = has ended
+	const TempDir directory;
+	int process = 0; // 0 = has ended
+	int status = 0;
 };
+
+/** Runs a command to its end. */
+ProcessRun runProcess(const std::vector<std::string>& words);
+
+/** Runs the program of this project to its end. */
+ProcessRun runProgram(std::vector<std::string> arguments);

@@ -1,45 +1,93 @@
 #include "CorvaneBPLibrary.h"
-#include "Html.h"
-#include "HtmlCheck.h"
+#include "DisplayName.h"
+#include "DocText.h"
 #include "NodeDrawing.h"
 #include "ProcessRun.h"
-#include "ReferencePages.h"
 #include "TempDir.h"
+#include "WriteReference.h"
 
 #include <gmock/gmock.h>
 
-#include <filesystem>
+#include <algorithm>
 
 using namespace Program;
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
-using ::testing::Not;
+using ::testing::Pair;
 
 namespace
 {
-	size_t count(const std::string& text, const std::string& part)
+	NodeFacts node(const std::string& name)
 	{
-		size_t found = 0;
-		for (size_t place = text.find(part); place != std::string::npos; place = text.find(part, place + 1))
-		{
-			++found;
-		}
-		return found;
+		const std::vector<NodeFacts> all = allFacts();
+		const auto found = std::find_if(all.begin(), all.end(), [&](const NodeFacts& facts) { return facts.ownName() == name; });
+		return all.at(static_cast<size_t>(found - all.begin()));
 	}
 
-	/** A latent node with a pin of many kinds. */
-	NodeFacts latentNode()
+	PinFacts pin(const std::string& nodeName, const std::string& name)
 	{
-		const std::vector<std::string> text{"text"};
-		return {NodeKind::Latent, "Sample.start", "Start", "", "Sample|Nodes", text,
-			{{"url", "Url", &PropertyTypeOf<FString>(), EParameterKind::Input, "http://x/?a&b", false, text},
-				{"header", "Header", &PropertyTypeOf<TMap<FString, FString>>(), EParameterKind::Input, std::nullopt, true, text},
-				{"action", "Action", &PropertyTypeOf<EHTTPCorvFileDownloadResumeType>(), EParameterKind::Input, "E_RESUME", false, text},
-				{"flag", "Flag", &PropertyTypeOf<bool>(), EParameterKind::Input, std::nullopt, false, text},
-				{"statusCode", "Status Code", &PropertyTypeOf<int32>(), EParameterKind::Output, std::nullopt, false, text}},
-			{{"OnSuccess", "On Success", text}, {"OnFail", "On Fail", text}}};
+		const std::vector<PinFacts> all = node(nodeName).pins;
+		const auto found = std::find_if(all.begin(), all.end(), [&](const PinFacts& facts) { return facts.name == name; });
+		return all.at(static_cast<size_t>(found - all.begin()));
+	}
+
+	size_t count(const std::string& text, const std::string& part)
+	{
+		const size_t place = text.find(part);
+		return place == std::string::npos ? 0 : 1 + count(text.substr(place + 1), part);
+	}
+
+	/** @return what is wrong with the pages in a folder. */
+	std::string faultsOf(const std::string& folder)
+	{
+		const ProcessRun check = runProcess({"/usr/bin/env", "python3", CORVANE_CHECK_PAGES, folder});
+		return check.out + check.err;
 	}
 } // namespace
+
+TEST(DisplayName, IsThatOfTheEditor)
+{
+	const std::pair<const char*, const char*> cases[] = {{"CreateHttpRequestGET", "Create Http Request GET"},
+		{"CorvaneBPLibrary", "Corvane BPLibrary"}, {"getMD5FromFile", "Get MD5From File"}, {"Int64ToFString", "Int 64To FString"},
+		{"bNewReadOnlyValue", "New Read Only Value"}, {"bindServerSendEvent", "Bind Server Send Event"}, {"", ""}};
+	for (const auto& [name, shown] : cases)
+	{
+		EXPECT_EQ(displayName(name, *name == 'b'), shown);
+	}
+}
+
+TEST(DocText, CommentsAndTooltipsAreTakenApartAtTheirTags)
+{
+	const DocText doc =
+		readComment("Does it\nwell.\n\nAlways.\n@param one, two  the\nfirst\n@param Three  x. @return y. Thread: any.\n@note Slow.");
+	EXPECT_EQ(doc.text, "Does it well.\nAlways.\nThread: any.\nSlow.");
+	EXPECT_THAT(doc.pins, ElementsAre(Pair("one", "the first"), Pair("two", "the first"), Pair("Three", "x."), Pair("ReturnValue", "y.")));
+	EXPECT_EQ(doc.pin("THREE"), "x.");
+	EXPECT_EQ(readTooltip("One.\nTwo.\n@param a b\nc").text, "One.\nTwo.");
+	EXPECT_EQ(readTooltip("One.\nTwo.\n@param a b\nc").pin("a"), "b\nc");
+}
+
+TEST(NodeFacts, ComeFromTheHeaders)
+{
+	const NodeFacts get = node("CreateHttpRequestGET");
+	EXPECT_EQ(get.kind, NodeKind::Callable);
+	EXPECT_EQ(get.subtitle, "Target is Corvane BPLibrary");
+	EXPECT_EQ(get.category, "Corvane|GET");
+	EXPECT_THAT(get.texts, ElementsAre("Send a GET HTTP Request to Webserver.", "Builds a GET request."));
+	EXPECT_TRUE(pin("CreateHttpRequestGET", "header").mayStayUnconnected);
+	EXPECT_FALSE(pin("CreateHttpRequestGET", "url").mayStayUnconnected);
+	EXPECT_EQ(node("getCleanDirectory").kind, NodeKind::Pure);
+	EXPECT_EQ(node("onhttpFileDownloadDelegate").kind, NodeKind::Event);
+	EXPECT_FALSE(pin("onhttpFileDownloadDelegate", "size").isLeft());
+	EXPECT_THAT(pin("onhttpFileDownloadDelegate", "size").texts, ElementsAre("Filesize in Megabyte"));
+	EXPECT_THAT(pin("onhttpFileUploadDelegate", "size").texts, ElementsAre("Filesize in Byte")) << "of the signature";
+	EXPECT_THAT(
+		pin("AsyncExecuteHTTP_Upload_PUT_REQUEST", "optionalRequestID").texts, ElementsAre(::testing::StartsWith("Your own RequestID.")));
+	// Looked up in the functions that a comment names, by way of two others.
+	const std::vector<std::string> urlTexts = {"at least 3 characters, sent as given."};
+	EXPECT_EQ(pin("CreateHttpRequestGET", "url").texts, urlTexts);
+	EXPECT_EQ(pin("CreateHttpRequestFileMultiUploadPUT", "url").texts, urlTexts);
+}
 
 TEST(ReferencePages, AreCompleteWellFormedAndLinked)
 {
@@ -47,92 +95,64 @@ TEST(ReferencePages, AreCompleteWellFormedAndLinked)
 	const ProcessRun run = runProgram({"nodes", "--html", directory.path("new/pages")});
 	EXPECT_EQ(run.err, "") << "a function lacks a text or an example";
 	EXPECT_EQ(run.status, 0);
-
-	std::map<std::string, CheckedPage> pages;
-	for (const auto& entry : std::filesystem::directory_iterator(directory.path("new/pages")))
-	{
-		const std::string name = entry.path().filename().string();
-		pages[name] = name.ends_with(".html") ? checkHtml(directory.read("new/pages/" + name)) : CheckedPage();
-		EXPECT_THAT(pages[name].faults, IsEmpty()) << name;
-	}
-	for (const auto& [name, page] : pages)
-	{
-		for (const std::string& link : page.links)
-		{
-			const std::string file = link.substr(0, link.find('#'));
-			const auto target = pages.find(file.empty() ? name : file);
-			ASSERT_NE(target, pages.end()) << link << " in " << name;
-			EXPECT_TRUE(link == file || target->second.ids.contains(link.substr(file.size() + 1))) << link << " in " << name;
-		}
-		const bool isNode = name.ends_with(".html") && name != "index.html";
-		EXPECT_TRUE(!isNode || ::testing::Value(pages["index.html"].links, ::testing::Contains(name))) << name;
-	}
+	EXPECT_EQ(faultsOf(directory.path("new/pages")), "");
 	for (const NodeFacts& facts : allFacts())
 	{
-		EXPECT_TRUE(pages.contains(pageName(facts))) << facts.name;
+		EXPECT_TRUE(directory.exists("new/pages/" + pageName(facts))) << facts.name;
 	}
 }
 
 TEST(ReferencePages, NothingInATextCanBreakOut)
 {
 	const std::string evil = "</p><script>\"a\" & 'b'\x01";
-	NodeFacts facts{NodeKind::Callable, "Sample." + evil, evil, evil, evil, {evil},
+	const NodeFacts facts{NodeKind::Callable, "Sample.<script>\"a\" & 'b'", evil, evil, evil, {evil},
 		{{evil, evil, &PropertyTypeOf<FString>(), EParameterKind::Input, evil, false, {evil}}}, {{evil, evil, {evil}}}};
-	const Reference reference{{facts}, {{"", evil, evil, "x." + evil}}};
-	for (const std::string& page : {nodePage(reference, facts), indexPage(reference)})
+	const TempDir directory;
+	writeReference({{facts}, {{"", evil, evil, "x." + evil}}}, directory.path());
+	EXPECT_EQ(faultsOf(directory.path()), "");
+	for (const std::string& page : {pageName(facts), std::string("index.html")})
 	{
-		EXPECT_THAT(checkHtml(page).faults, IsEmpty());
-		EXPECT_THAT(page, Not(HasSubstr("<script>")));
-		EXPECT_THAT(page, HasSubstr("&lt;script&gt;&quot;a&quot; &amp; &#39;b&#39;"));
-		EXPECT_THAT(page, Not(HasSubstr("\x01")));
+		EXPECT_THAT(directory.read(page), ::testing::Not(HasSubstr("<script>")));
+		EXPECT_THAT(directory.read(page), HasSubstr("&lt;script&gt;&quot;a&quot; &amp; &#39;b&#39;"));
 	}
 }
 
-TEST(ReferencePages, GapsAreNamedOneByOne)
+TEST(Reference, NamesItsGapsAndTheExampleThatIsMostAboutANodeFirst)
 {
-	NodeFacts good = latentNode();
-	NodeFacts bad = latentNode();
+	Reference reference{{node("AsyncExecuteHTTP_GET_REQUEST"), node("AsyncExecuteHTTP_GET_REQUEST")}, {}};
+	NodeFacts& bad = reference.nodes[1];
 	bad.name = "Sample.stop";
 	bad.texts.clear();
 	bad.outcomes[1].texts.clear();
-	const Reference reference{{good, bad}, {{"", "1.lua", "One", "-- Sample.stop{}\nSample.start{}\nSample.stopped()"}}};
-	EXPECT_EQ(reference.gaps(),
-		(std::vector<std::string>{"Sample.stop has no text", "Sample.stop has no example", "Sample.stop does not say what OnFail means"}));
-}
+	reference.examples = {{"", "1.lua", "One", "-- Sample.stop{}\nx.AsyncExecuteHTTP_GET_REQUEST{}\nSample.stopped()"}};
+	EXPECT_THAT(reference.gaps(),
+		ElementsAre("Sample.stop has no text", "Sample.stop has no example", "Sample.stop does not say what OnFail means"));
 
-TEST(ReferencePages, TheExampleThatIsMostAboutANodeComesFirst)
-{
-	NodeFacts start = latentNode();
-	NodeFacts stop = latentNode();
-	stop.name = "Sample.stop";
-	const Reference reference{
-		{start, stop}, {{"", "1.lua", "Both", "Sample.start{} Sample.stop{}"}, {"", "2.lua", "One", "Sample.start{}"}}};
-	const std::vector<const Example*> examples = reference.examplesOf(start);
-	ASSERT_EQ(examples.size(), 2u);
-	EXPECT_EQ(examples[0]->file, "2.lua");
-	EXPECT_EQ(reference.examplesOf(stop).size(), 1u);
+	reference.examples = {
+		{"", "1.lua", "Both", "x.AsyncExecuteHTTP_GET_REQUEST{} Sample.stop{}"}, {"", "2.lua", "One", "x.AsyncExecuteHTTP_GET_REQUEST{}"}};
+	EXPECT_EQ(reference.examplesOf(reference.nodes[0]).at(0)->file, "2.lua");
+	EXPECT_EQ(reference.examplesOf(bad).size(), 1u);
 }
 
 TEST(NodeDrawing, ShowsPinsDefaultsAndOutcomes)
 {
-	const std::string execution = "fill=\"none\" stroke=\"#ffffff\" stroke-width=\"1.6\"";
-	NodeFacts facts = latentNode();
+	NodeFacts facts = node("AsyncExecuteHTTP_Download_REQUEST");
+	facts.pins[0].defaultText = "true";
+	facts.pins[2].defaultText = "E_RESUME";
 	std::string drawing = drawNode(facts);
-	EXPECT_EQ(count(drawing, execution), 4u); // in, out and two outcomes
-	for (const char* shown : {">Start<", ">On Success<", ">On Fail<", ">Status Code<", ">http://x/?a&amp;b<", ">Resume<"})
+	for (const char* shown : {">Async Execute HTTP Download REQUEST<", ">On Success<", ">On Fail<", ">Status Code<", ">true<", ">Resume<",
+			 ">Game directory<", ">may stay unconnected<"})
 	{
 		EXPECT_EQ(count(drawing, shown), 1u) << shown;
 	}
-	EXPECT_EQ(count(drawing, ">may stay unconnected<"), 1u);
-	EXPECT_THAT(drawing, Not(HasSubstr("#4aa3ff"))); // no tick
-	facts.pins[3].defaultText = "true";
-	EXPECT_THAT(drawNode(facts), HasSubstr("#4aa3ff"));
+	EXPECT_EQ(count(drawing, "#4aa3ff"), 0u) << "the tick of a switch";
+	facts.pins[0].type = &PropertyTypeOf<bool>();
+	EXPECT_EQ(count(drawNode(facts), "#4aa3ff"), 1u);
 
-	facts.kind = NodeKind::Pure;
-	facts.outcomes.clear();
-	EXPECT_EQ(count(drawNode(facts), execution), 0u);
-	facts.kind = NodeKind::Callable;
-	EXPECT_EQ(count(drawNode(facts), execution), 2u);
-	facts.kind = NodeKind::Event;
-	EXPECT_EQ(count(drawNode(facts), execution), 1u);
+	const std::pair<const char*, size_t> executions[] = {
+		{"AsyncExecuteHTTP_Download_REQUEST", 4}, {"CreateHttpRequestGET", 2}, {"getCleanDirectory", 0}, {"onhttpFileDownloadDelegate", 1}};
+	for (const auto& [name, pins] : executions)
+	{
+		EXPECT_EQ(count(drawNode(node(name)), R"(fill="none" stroke="#ffffff" stroke-width="1.6")"), pins) << name;
+	}
 }

@@ -4,145 +4,67 @@
 
 #include <gmock/gmock.h>
 
-using ::testing::HasSubstr;
-
 namespace
 {
-	class ScriptRun : public ::testing::Test
-	{
-	protected:
-		/** Runs a script with the server's address as its first argument. */
-		ProcessRun run(const std::string& text) { return runProgram({"run", directory.write("script.lua", text), origin.url()}); }
-
-		const TempDir directory;
-		const Program::DemoOrigin origin;
-	};
-
 	const std::string startOneRequest = R"lua(
 		local call = CorvaneBPLibrary.CreateHttpRequestGET{ url = arg[1] .. "/wait/50" }
 		local target = CorvaneBPLibrary.executeHttpRequests{ httpRequests = call.httpRequests }.CorvaneTarget
 	)lua";
-} // namespace
 
-TEST_F(ScriptRun, GoesOnUntilNothingIsPending)
-{
-	const ProcessRun result = run(startOneRequest + R"lua(
-		target.onhttpRequestCompleteDelegate:Add(function(e) print(e.statusCode, e.dataString) end)
-		print("last line")
-	)lua");
-	EXPECT_EQ(result.status, 0) << result.err;
-	EXPECT_EQ(result.out, "last line\n200\twaited 50 ms\n");
-}
-
-TEST_F(ScriptRun, ErrorsEndItWithStatusOneAndATraceback)
-{
 	const struct
 	{
 		std::string script;
-		const char* message;
+		int status;
+		const char* out;
+		const char* err; // how it begins
 	} cases[] = {
-		{"error('at the top')", "script.lua:1: at the top\nstack traceback:"},
-		{"local x =", "script.lua:1: unexpected symbol near <eof>"},
-		{startOneRequest + "target.onhttpRequestCompleteDelegate:Add(function() error('in a handler') end)",
-			"script.lua:4: in a handler\nstack traceback:"},
-		{startOneRequest + "error('while a transfer runs')", "script.lua:4: while a transfer runs"},
+		{"print(arg[0], #arg, select(2, ...)) print((FileFunctionsCorv.getCleanDirectory{ filePath = '/x' }).ReturnValue)", 0,
+			"script.lua\t5\t--project\t-x\t\ta=b\n/usr/x\n", ""},
+		{"error('at the top')", 1, "", "corvane: script.lua:1: at the top\nstack traceback:"},
+		{"local x =", 1, "", "corvane: script.lua:1: unexpected symbol near <eof>"},
+		{startOneRequest + "target.onhttpRequestCompleteDelegate:Add(function(e) error(e.dataString) end) print('last line')", 1,
+			"last line\n", "corvane: script.lua:4: waited 50 ms\nstack traceback:"},
+		{startOneRequest + "error('while a transfer runs')", 1, "", "corvane: script.lua:4: while a transfer runs"},
+		{startOneRequest + "os.exit(7)", 7, "", ""},
+		{R"lua( -- nodes end with the program at the latest
+			local ended = 0
+			local pins = { url = arg[1] .. "/wait/30", optionalRequestID = "same" }
+			pins.OnSuccess = function(e)
+				ended = ended + 1
+				print(ended, e.requestID, e.dataString)
+				if ended < 3 then AsyncNodeHttpRequest.AsyncExecuteHTTP_GET_REQUEST(pins) end
+			end
+			AsyncNodeHttpRequest.AsyncExecuteHTTP_GET_REQUEST(pins)
+			collectgarbage()
+			assert(wait(function() return ended == 2 end, 10))
+			print("last line") -- the third one is under way
+		)lua",
+			0, "1\tsame\twaited 30 ms\n2\tsame\twaited 30 ms\nlast line\n3\tsame\twaited 30 ms\n", ""},
+		{R"lua( -- an early end leaves nodes under way
+			local outcomes = 0
+			local function count() outcomes = outcomes + 1 end
+			for _, path in ipairs{ "/hello", "/wait/300", "/hello", "/wait/300" } do
+				AsyncNodeHttpRequest.AsyncExecuteHTTP_GET_REQUEST{ url = arg[1] .. path, OnSuccess = count }
+			end
+			assert(wait(function() return outcomes >= 2 end, 10))
+			os.exit(5)
+		)lua",
+			5, "", ""},
 	};
+} // namespace
+
+TEST(ScriptRun, EndsWithStatusOutputAndError)
+{
+	const TempDir directory;
+	const Program::DemoOrigin origin;
 	for (const auto& tested : cases)
 	{
-		const ProcessRun result = run(tested.script);
-		EXPECT_EQ(result.status, 1) << tested.script;
-		EXPECT_THAT(result.err, HasSubstr(tested.message));
-		EXPECT_THAT(result.err, ::testing::StartsWith("corvane: "));
+		directory.write("script.lua", tested.script);
+		const char* const command = R"(cd "$0" && exec "$1" run --project /usr script.lua "$2" --project -x "" a=b)";
+		const ProcessRun run = runProcess({"/bin/sh", "-c", command, directory.path(), CORVANE_PROGRAM, origin.url()});
+		EXPECT_EQ(run.status, tested.status) << tested.script;
+		EXPECT_EQ(run.out, tested.out) << tested.script;
+		EXPECT_THAT(run.err, ::testing::StartsWith(tested.err));
+		EXPECT_TRUE(*tested.err || run.err.empty()) << run.err;
 	}
-}
-
-TEST_F(ScriptRun, ExitGivesTheStatusEvenWhileATransferRuns)
-{
-	const ProcessRun result = run(startOneRequest + "os.exit(7)");
-	EXPECT_EQ(result.status, 7);
-	EXPECT_EQ(result.err, "");
-}
-
-TEST_F(ScriptRun, EverythingBehindTheScriptBelongsToIt)
-{
-	const std::string script =
-		directory.write("script.lua", "print(#arg, ...) print((FileFunctionsCorv.getCleanDirectory{ filePath = '/x' }).ReturnValue)");
-	const ProcessRun result = runProgram({"run", "--project", "/usr", script, "--project", "-x", "", "a=b"});
-	EXPECT_EQ(result.status, 0) << result.err;
-	EXPECT_EQ(result.out, "4\t--project\t-x\t\ta=b\n/usr/x\n");
-}
-
-TEST_F(ScriptRun, WrongUsageHasStatusTwo)
-{
-	const std::vector<std::string> commandLines[] = {
-		{"run"}, {"run", "--nope", "script.lua"}, {"run", directory.path("missing.lua")}, {"run", directory.path("")}};
-	for (const std::vector<std::string>& commandLine : commandLines)
-	{
-		EXPECT_EQ(runProgram(commandLine).status, 2) << ::testing::PrintToString(commandLine);
-	}
-}
-
-TEST_F(ScriptRun, FileFunctionsKeepWhatTheirOutputsHeld)
-{
-	directory.write("movie.bin", "abcdef");
-	const std::string script = directory.write("script.lua", R"lua(
-		local files = FileFunctionsCorv
-		local first = files.splitFile{ filePath = "movie.bin", parts = 2 }
-		local both = files.splitFile{ filePath = "movie.bin", parts = 3,
-			absolutePathsOfTheParts = first.absolutePathsOfTheParts, sizeOfTheParts = first.sizeOfTheParts }
-		for _, path in ipairs(both.absolutePathsOfTheParts) do print(path:match("[^/]*$")) end
-		print(table.concat(both.sizeOfTheParts, " "), both.success)
-		print(files.fileToBase64String{ filePath = "missing", fileName = "mine" }.fileName)
-		files.setTimeStamp{ filePath = "movie.bin", DateTime = "2024-02-29T12:34:56.789Z" }
-		print(files.getTimeStamp{ filePath = "movie.bin" }.ReturnValue)
-		print(files.getTimeStamp{ filePath = "missing" }.ReturnValue)
-	)lua");
-	const ProcessRun result = runProgram({"run", "--project", directory.path(), script});
-	EXPECT_EQ(result.status, 0) << result.err;
-	EXPECT_EQ(result.out, "movie_0.bin\nmovie_1.bin\nmovie_0.bin\nmovie_1.bin\nmovie_2.bin\n3 2 2\ttrue\nmine\n"
-						  "2024-02-29T12:34:56.789Z\n0001-01-01T00:00:00.000Z\n");
-}
-
-TEST_F(ScriptRun, NodesEndWithTheProgramAtTheLatest)
-{
-	const ProcessRun result = run(R"lua(
-		local ended = 0
-		local pins = { url = arg[1] .. "/wait/30", optionalRequestID = "same" }
-		pins.OnSuccess = function(e)
-			ended = ended + 1
-			print(ended, e.requestID, e.dataString)
-			if ended < 3 then AsyncNodeHttpRequest.AsyncExecuteHTTP_GET_REQUEST(pins) end
-		end
-		pins.OnFail = function(e) error("failed with " .. e.statusCode) end
-		AsyncNodeHttpRequest.AsyncExecuteHTTP_GET_REQUEST(pins)
-		collectgarbage()
-		assert(wait(function() return ended == 2 end, 10))
-		print("last line") -- the third one is under way
-	)lua");
-	EXPECT_EQ(result.status, 0) << result.err;
-	EXPECT_EQ(result.out, "1\tsame\twaited 30 ms\n2\tsame\twaited 30 ms\nlast line\n3\tsame\twaited 30 ms\n");
-	EXPECT_EQ(result.err, "");
-}
-
-TEST_F(ScriptRun, AnEarlyEndLeavesNodesUnderWay)
-{
-	const ProcessRun result = run(R"lua(
-		local outcomes, ended = 0, {}
-		for number = 1, 6 do -- the origin has few threads
-			AsyncNodeHttpRequest.AsyncExecuteHTTP_GET_REQUEST{
-				url = arg[1] .. (number > 4 and "/wait/300" or "/hello"),
-				optionalRequestID = tostring(number),
-				OnSuccess = function(e)
-					assert(not ended[e.requestID], "twice")
-					ended[e.requestID] = true
-					outcomes = outcomes + 1
-				end,
-				OnFail = function(e) error("failed with " .. e.statusCode) end,
-			}
-		end
-		assert(wait(function() return outcomes >= 4 end, 10))
-		os.exit(5)
-	)lua");
-	EXPECT_EQ(result.status, 5) << result.err;
-	EXPECT_EQ(result.err, "");
 }

@@ -1,76 +1,63 @@
 #include "LogCapture.h"
 #include "ScriptFixture.h"
 
-using Node = ScriptFixture;
-
-TEST_F(Node, RaisesOneOutcomeWithItsPins)
+namespace
 {
-	runGood(R"lua(
-		local log = {}
-		local function note(pin) return function(e) table.insert(log, pin .. e.statusCode .. e.requestID) end end
-		for _, status in ipairs{ 200, 404 } do
-			SampleNode.startNode{ statusCode = status, requestID = "x", onsuccess = note("success "), OnFail = note("fail ") }
-		end
-		assert(#log == 0, "nothing ends inside the call")
-		assert(wait(function() return #log == 2 end, 10))
-		assert(table.concat(log, ", ") == "success 200x, fail 404x")
-	)lua");
-}
+	const char* const cases[] = {
+		R"lua( -- one outcome is raised, with its pins
+			local log = ""
+			local function note(pin) return function(e) log = log .. pin .. e.statusCode .. e.requestID end end
+			for _, status in ipairs{ 200, 404 } do
+				SampleNode.startNode{ statusCode = status, requestID = "x", onsuccess = note(" success "), OnFail = note(" fail ") }
+			end
+			assert(log == "", "nothing ends inside the call")
+			tick()
+			assert(log == " success 200x fail 404x", log)
+		)lua",
+		R"lua( -- handlers are bound before the node is activated, or to the node that is returned
+			local calls = 0
+			local function count() calls = calls + 1 end
+			SampleNode.startNode{ statusCode = 100, OnSuccess = count }
+			assert(calls == 1)
+			SampleNode.startNode{ statusCode = 200, OnSuccess = count }.OnSuccess:Add(count)
+			tick()
+			assert(calls == 3)
+		)lua",
+	};
 
-TEST_F(Node, EventsAreBoundBeforeActivation)
-{
-	runGood(R"lua(
-		local status
-		SampleNode.startNode{ statusCode = 201, immediately = true, OnSuccess = function(e) status = e.statusCode end }
-		assert(status == 201)
-	)lua");
-}
+	using Node = ScriptFixture;
+} // namespace
 
-TEST_F(Node, ReturnsTheNodeForFurtherHandlers)
+TEST_F(Node, RaisesItsOutcome)
 {
-	runGood(R"lua(
-		local calls = 0
-		local node = SampleNode.startNode{ OnSuccess = function() calls = calls + 1 end }
-		node.OnSuccess:Add(function() calls = calls + 1 end)
-		assert(wait(function() return calls > 0 end, 10))
-		assert(calls == 2)
-	)lua");
+	runEach(cases);
 }
 
 TEST_F(Node, IsHeldUntilItEnds)
 {
-	runGood("SampleNode.startNode{} SampleNode.startNode{ statusCode = 500 } collectgarbage()");
+	runGood(R"lua(
+		outcomes = 0
+		SampleNode.startNode{ statusCode = 200 }
+		SampleNode.startNode{ statusCode = 500 }
+		SampleNode.startNode{ statusCode = 200, OnSuccess = function() error("cleared") end }.OnSuccess:Clear()
+		SampleNode.startNode{ statusCode = 102, OnSuccess = function() outcomes = outcomes + 1 end }
+		collectgarbage()
+	)lua");
 	HostObjects::CollectGarbage();
-	EXPECT_EQ(USampleNode::alive, 2); // the script keeps no reference, and gave no handlers
-	GameThreadTasks::RunQueued();
-	HostObjects::CollectGarbage();
-	EXPECT_EQ(USampleNode::alive, 0);
-}
-
-TEST_F(Node, AnOutcomeAloneDoesNotEndIt)
-{
-	runGood("outcomes = 0 SampleNode.startLastingNode{ OnSuccess = function() outcomes = outcomes + 1 end } collectgarbage()");
-	HostObjects::CollectGarbage();
-	EXPECT_EQ(USampleNode::alive, 1);
-	runGood("assert(outcomes == 1) SampleNode.endLasting()");
-	HostObjects::CollectGarbage();
+	EXPECT_EQ(USampleNode::alive, 4); // the script keeps no reference
+	tick();
+	EXPECT_EQ(USampleNode::alive, 1); // an outcome alone does not end it
+	runGood("assert(outcomes == 1) SampleNode.endLasting() tick()");
 	EXPECT_EQ(USampleNode::alive, 0);
 }
 
 TEST_F(Node, OneThatEndedInsideItsFactoryIsNotHeldAndTheLogSaysSo)
 {
 	LogCapture log;
-	runGood("SampleNode.startEndedNode{} collectgarbage()");
+	runGood("SampleNode.startNode{ statusCode = 410 } collectgarbage()");
 	EXPECT_TRUE(log.lines().empty()) << "nobody waits for it";
-	runGood("SampleNode.startEndedNode{ OnFail = function() end } collectgarbage()");
-	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Warning, "SampleNode.startEndedNode: the request was refused"), 1);
-	HostObjects::CollectGarbage();
-	EXPECT_EQ(USampleNode::alive, 0);
-}
-
-TEST_F(Node, ClearingItsEventDoesNotKeepItForEver)
-{
-	runGood("SampleNode.startNode{ OnSuccess = function() error('cleared') end }.OnSuccess:Clear() collectgarbage() tick()");
+	runGood("SampleNode.startNode{ statusCode = 410, OnFail = function() end } collectgarbage()");
+	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Warning, "SampleNode.startNode: the request was refused"), 1);
 	HostObjects::CollectGarbage();
 	EXPECT_EQ(USampleNode::alive, 0);
 }

@@ -1,14 +1,17 @@
 #pragma once
 
+#include "Async/Async.h"
 #include "CoreMinimal.h"
 #include "Kismet/BlueprintAsyncActionBase.h"
 #include "Kismet/BlueprintFunctionLibrary.h"
 #include "Misc/DateTime.h"
+#include "UObject/UObjectGlobals.h"
+#include "UObject/WeakObjectPtr.h"
 
 #include "ReflectedSample.generated.h"
 
-DECLARE_DYNAMIC_MULTICAST_DELEGATE_SixParams(
-	FSampleEvent, const FString, text, const TArray<FString>&, list, int32, number, const TArray<uint8>&, bytes, int64, big, float, ratio);
+DECLARE_DYNAMIC_MULTICAST_DELEGATE_FourParams(
+	FSampleEvent, const FString, text, const TArray<FString>&, list, const TArray<uint8>&, bytes, int64, big);
 DECLARE_DYNAMIC_MULTICAST_DELEGATE_TwoParams(FSampleNodeDelegate, int32, statusCode, const FString, requestID);
 
 UENUM(BlueprintType)
@@ -44,70 +47,73 @@ public:
 	FSampleEvent onSample;
 
 	UFUNCTION(BlueprintCallable, Category = "Sample")
-	static USampleLibrary* getTarget();
+	static USampleLibrary* getTarget() { return GetMutableDefault<USampleLibrary>(); }
 
+	/** Leaves its outputs as they were given. */
 	UFUNCTION(BlueprintCallable, Category = "Sample")
-	static void echoPlain(bool inFlag, uint8 inSmall, int32 inNumber, int64 inBig, float inRatio, FString inText, ESampleColour inColour,
-		USampleLibrary* inObject, bool& flag, uint8& small, int32& number, int64& big, float& ratio, FString& text, ESampleColour& colour,
-		USampleLibrary*& object);
-
-	UFUNCTION(BlueprintCallable, Category = "Sample")
-	static void echoContainers(const TArray<FString>& inTexts, TArray<int32> inNumbers, TArray<uint8> inBytes,
-		const TMap<FString, FString>& inMap, TMap<FString, int32> inCounts, TArray<FString>& texts, TArray<int32>& numbers,
-		TArray<uint8>& bytes, TMap<FString, FString>& map, TMap<FString, int32>& counts);
-
-	/** @param list  gets the moment in front of what it had. */
-	UFUNCTION(BlueprintCallable, Category = "Sample")
-	static FDateTime echoTime(FDateTime moment, TArray<FDateTime>& list);
+	static void echo(bool& flag, uint8& small, int32& number, int64& big, float& ratio, FString& text, ESampleColour& colour,
+		USampleLibrary*& object, FDateTime& moment, TArray<FString>& texts, TArray<int32>& numbers, TArray<uint8>& bytes,
+		TMap<FString, FString>& map, UPARAM(ref) TMap<FString, int32>& counts);
 
 	/** @return the pins as one text, in their order, with "|" between. */
 	UFUNCTION(BlueprintPure, Category = "Sample")
 	static FString describeDefaults(bool flag = true, uint8 small = 7, int32 number = 10485760, int64 big = -5, float ratio = 2.5,
-		FString text = TEXT("a \"b\""), ESampleColour colour = ESampleColour::Blue);
+		FString text = TEXT("a \"b\""), ESampleColour colour = ESampleColour::Blue, USampleLibrary* object = nullptr)
+	{
+		return FString::Printf(TEXT("%d|%d|%d|%lld|%.1f|%s|%d|%d"), static_cast<int32>(flag), static_cast<int32>(small), number, big, ratio,
+			*text, static_cast<int32>(colour), static_cast<int32>(object == nullptr));
+	}
 
 	/** @return "key=value;" for every pair, in the map's order. */
 	UFUNCTION(BlueprintPure, Category = "Sample")
-	static FString describeMap(TMap<FString, FString> map);
-
-	/** Appends to its outputs instead of setting them. */
-	UFUNCTION(BlueprintCallable, Category = "Sample")
-	static void appendText(FString text, TArray<FString>& list, UPARAM(ref) int32& count);
-
-	UFUNCTION(BlueprintCallable, Category = "Sample")
-	static void addRecord(TArray<FSampleRecord> otherRecords, FString text, TArray<FSampleRecord>& records);
-
-	UFUNCTION(BlueprintCallable, Category = "Sample")
-	static TArray<FString> recordTexts(TArray<FSampleRecord> records);
+	static FString describeMap(const TMap<FString, FString>& map)
+	{
+		FString text;
+		for (const TPair<FString, FString>& pair : map)
+		{
+			text += pair.Key + TEXT("=") + pair.Value + TEXT(";");
+		}
+		return text;
+	}
 
 	UFUNCTION(BlueprintCallable, Category = "Sample")
-	static void makeForeignRecord(TArray<FForeignRecord>& records);
+	static void addRecord(FString text, TArray<FSampleRecord>& records) { records.Add({text}); }
+
+	UFUNCTION(BlueprintCallable, Category = "Sample")
+	static FString textOfFirst(TArray<FSampleRecord> records) { return records[0].text; }
+
+	UFUNCTION(BlueprintCallable, Category = "Sample")
+	static void addForeignRecord(TArray<FForeignRecord>& records) { records.Add({}); }
 
 	/** Raises onSample, inside the call or as a later task. */
 	UFUNCTION(BlueprintCallable, Category = "Sample")
-	static void raise(FString text, bool later);
+	static void raise(FString text, bool later)
+	{
+		const auto broadcast = [text] { getTarget()->onSample.Broadcast(text, {TEXT("a"), TEXT("b")}, {0, 255}, int64(1) << 40); };
+		later ? AsyncTask(ENamedThreads::GameThread, broadcast) : broadcast();
+	}
 
 	/** Makes a new object that the library does not hold. */
 	UFUNCTION(BlueprintCallable, Category = "Sample")
-	static USampleLibrary* makeObject();
+	static USampleLibrary* makeObject() { return NewObject<USampleLibrary>(); }
 
 	UFUNCTION()
-	static void notForScripts();
+	static void notForScripts() {}
 
-	static int32 handlerCalls; // of the native handler below
+	static inline int32 handlerCalls = 0; // of the native handler below
 
-	UFUNCTION()
-	void countCall(const FString text, const TArray<FString>& list, int32 number, const TArray<uint8>& bytes, int64 big, float ratio);
+	void countCall(const FString, const TArray<FString>&, const TArray<uint8>&, int64) { ++handlerCalls; }
 };
 
-/** A node that has its outcome one task after it was activated; with a status of 500 and above it destroys itself then. */
+/** A node that has its outcome one task after it was activated; below a status of 200 at once, and above 500 it destroys itself. */
 UCLASS()
 class USampleNode : public UBlueprintAsyncActionBase
 {
 	GENERATED_BODY()
 
 public:
-	USampleNode();
-	virtual ~USampleNode() override;
+	USampleNode() { alive += HasAnyFlags(RF_ClassDefaultObject) ? 0 : 1; }
+	virtual ~USampleNode() override { alive -= HasAnyFlags(RF_ClassDefaultObject) ? 0 : 1; }
 
 	UPROPERTY(BlueprintAssignable, Category = "Sample")
 	FSampleNodeDelegate OnSuccess;
@@ -115,30 +121,57 @@ public:
 	UPROPERTY(BlueprintAssignable, Category = "Sample")
 	FSampleNodeDelegate OnFail;
 
-	/** @param immediately  raise the event inside Activate. */
+	/** @param statusCode  102: the outcome does not end it, endLasting does; 410: it has ended inside this call. */
 	UFUNCTION(BlueprintCallable, Category = "Sample", meta = (BlueprintInternalUseOnly = "true"))
-	static USampleNode* startNode(int32 statusCode, FString requestID, bool immediately);
-
-	/** Makes a node whose outcome does not end it; endLasting does. */
-	UFUNCTION(BlueprintCallable, Category = "Sample", meta = (BlueprintInternalUseOnly = "true"))
-	static USampleNode* startLastingNode();
+	static USampleNode* startNode(int32 statusCode, FString requestID)
+	{
+		USampleNode* const node = NewObject<USampleNode>();
+		node->status = statusCode;
+		node->id = requestID;
+		lasting = statusCode == 102 ? node : nullptr;
+		if (statusCode == 410)
+		{
+			node->finish();
+		}
+		return node;
+	}
 
 	UFUNCTION(BlueprintCallable, Category = "Sample")
-	static void endLasting();
+	static void endLasting() { lasting.Get()->SetReadyToDestroy(); }
 
-	/** Makes a node that has ended inside this call. */
-	UFUNCTION(BlueprintCallable, Category = "Sample", meta = (BlueprintInternalUseOnly = "true"))
-	static USampleNode* startEndedNode();
+	virtual void Activate() override
+	{
+		if (status < 200)
+		{
+			return finish();
+		}
+		AsyncTask(
+			ENamedThreads::GameThread, [weak = TWeakObjectPtr<USampleNode>(this)] { weak.IsValid() ? weak.Get()->finish() : void(); });
+	}
 
-	virtual void Activate() override;
-
-	static int32 alive; // nodes that are not freed, the default object not counted
+	static inline int32 alive = 0; // nodes that are not freed, the default object not counted
 
 private:
-	void finish();
+	void finish()
+	{
+		(status < 400 ? OnSuccess : OnFail).Broadcast(status, id);
+		if (lasting.Get() != this)
+		{
+			SetReadyToDestroy();
+		}
+		if (status >= 500)
+		{
+			ConditionalBeginDestroy();
+		}
+	}
+
+	static inline TWeakObjectPtr<USampleNode> lasting;
 
 	int32 status = 0;
 	FString id;
-	bool isImmediate = false;
-	bool isLasting = false;
 };
+
+inline void USampleLibrary::echo(bool&, uint8&, int32&, int64&, float&, FString&, ESampleColour&, USampleLibrary*&, FDateTime&,
+	TArray<FString>&, TArray<int32>&, TArray<uint8>&, TMap<FString, FString>&, TMap<FString, int32>&)
+{
+}

@@ -3,53 +3,45 @@
 #include "Completions.h"
 #include "CorvaneBPLibrary.h"
 #include "FunctionNames.h"
+#include "InputError.h"
 #include "Kismet/BlueprintAsyncActionBase.h"
 #include "NearestName.h"
 #include "PinOutput.h"
 #include "ProgressBar.h"
-#include "ScriptError.h"
 #include "UObject/UObjectGlobals.h"
 
 #include <fmt/format.h>
-
-#include <cstring>
-#include <optional>
 
 namespace Program
 {
 	namespace
 	{
-		void setPin(const Script::Function& function, Script::CallFrame& frame, const std::string& assignment)
+		void setPin(const Reflect::Function& function, Reflect::CallFrame& frame, const std::string& assignment)
 		{
 			const size_t equals = assignment.find('=');
 			if (equals == std::string::npos)
 			{
-				throw UsageError(fmt::format("'{}' is no pin=value", assignment));
+				throw Reflect::InputError(fmt::format("'{}' is no pin=value", assignment));
 			}
 			const std::string pin = assignment.substr(0, equals);
 			const std::optional<size_t> index = frame.findInput(pin);
 			if (!index)
 			{
-				throw UsageError(fmt::format("{}: unknown pin '{}'{}", function.name, pin, Script::suggestion(pin, inputNames(function))));
+				throw Reflect::InputError(fmt::format(
+					"{}: unknown pin '{}'{}", function.name, pin, Reflect::suggestion(pin, Reflect::inputNames(*function.function))));
 			}
-			try
-			{
-				fromWord(assignment.substr(equals + 1), frame[*index].type(), frame[*index].get());
-			}
-			catch (const Script::ScriptError& error)
-			{
-				throw UsageError(fmt::format("{}: pin '{}': {}", function.name, pin, error.what()));
-			}
+			const Json value = parseWord(assignment.substr(equals + 1), frame[*index].type());
+			frame.set(*index, pin, JsonSource(value));
 		}
 
 		/** One call from its arguments to its outcome. */
 		class Call
 		{
 		public:
-			Call(FGameLoop& gameLoop, const Script::Function& calledFunction, const CallOptions& options)
+			Call(FGameLoop& gameLoop, const Reflect::Function& calledFunction, const CallOptions& options)
 				: loop(gameLoop)
 				, function(calledFunction)
-				, frame(*calledFunction.function)
+				, frame(calledFunction)
 			{
 				for (const std::string& assignment : options.pins)
 				{
@@ -63,7 +55,7 @@ namespace Program
 				const Completions completions;
 				const ProgressBar progress;
 				frame.invoke();
-				if (Script::nodeClassOf(*function.function))
+				if (Reflect::nodeClassOf(*function.function))
 				{
 					return runNode(completions);
 				}
@@ -92,16 +84,14 @@ namespace Program
 
 			std::optional<Json> runNode(const Completions& completions)
 			{
-				UObject* created = nullptr;
-				std::memcpy(&created, frame[frame.size() - 1].get(), sizeof(created));
-				auto* const node = Cast<UBlueprintAsyncActionBase>(created);
+				auto* const node = Cast<UBlueprintAsyncActionBase>(frame.returnedObject());
 				if (!node)
 				{
 					return std::nullopt;
 				}
 				std::optional<Json> outcome;
 				std::list<EventTap> taps; // they hold the node
-				for (const FMulticastDelegateProperty* event : Script::eventsOf(node->GetClass()))
+				for (const FMulticastDelegateProperty* event : Reflect::eventsOf(node->GetClass()))
 				{
 					taps.emplace_back(*node, *event, [&outcome](const Json& pins) { outcome = outcome.value_or(pins); });
 				}
@@ -120,28 +110,22 @@ namespace Program
 
 			Json outputs() const
 			{
-				Json pins = Json::object();
-				for (size_t index = 0; index < frame.size(); ++index)
-				{
-					if (Script::isOutput(frame.parameter(index).Kind))
-					{
-						pins[frame.parameter(index).Name] = toJson(frame[index].type(), frame[index].get());
-					}
-				}
-				return pins;
+				JsonSink sink;
+				frame.writeOutputs(sink);
+				return sink.take();
 			}
 
 			void runToIdle() { loop.RunUntilIdle(UCorvaneBPLibrary::hasPendingWork); }
 
 			FGameLoop& loop;
-			const Script::Function& function;
-			Script::CallFrame frame;
+			const Reflect::Function& function;
+			Reflect::CallFrame frame;
 		};
 	} // namespace
 
 	int callFunction(const Settings& settings, const CallOptions& options)
 	{
-		const Script::Function& function = functionNamed(options.function);
+		const Reflect::Function& function = functionNamed(options.function);
 		ProgramLoop loop(settings);
 		const std::optional<Json> pins = Call(loop, function, options).run();
 		if (!pins)

@@ -1,6 +1,6 @@
 #include "CommandLineCompletion.h"
 
-#include "FunctionNames.h"
+#include "Reflection.h"
 
 #include <algorithm>
 
@@ -12,7 +12,7 @@ namespace Program
 
 		bool beginsWith(std::string_view text, std::string_view beginning)
 		{
-			return Script::equalNames(text.substr(0, beginning.size()), beginning);
+			return Reflect::equalNames(text.substr(0, beginning.size()), beginning);
 		}
 
 		Words only(const Words& candidates, std::string_view beginning)
@@ -57,11 +57,11 @@ namespace Program
 		{
 			const bool hasClass = beginning.find('.') != std::string::npos;
 			Words names;
-			for (const Script::Function& function : Script::functions())
+			for (const Reflect::Function& function : Reflect::functions())
 			{
 				names.push_back(hasClass ? function.name : function.function->Name);
 			}
-			for (const Script::Function& function : Script::functions())
+			for (const Reflect::Function& function : Reflect::functions())
 			{
 				const std::string owner = std::string(function.owner->GetName()) + ".";
 				if (!hasClass && std::find(names.begin(), names.end(), owner) == names.end())
@@ -74,23 +74,14 @@ namespace Program
 
 		Words valuesOf(const FPropertyType& type)
 		{
-			Words values;
-			if (type.Kind == EPropertyKind::Bool)
-			{
-				values = {"true", "false"};
-			}
-			for (const FEnumerator& value : type.Kind == EPropertyKind::Enum ? type.Enum()->Enumerators : std::span<const FEnumerator>())
-			{
-				values.emplace_back(value.Name);
-			}
-			return values;
+			return type.Kind == EPropertyKind::Bool ? Words{"true", "false"} : Reflect::valueNames(type);
 		}
 
-		Words pinValues(const Script::Function& function, const std::string& pin, const std::string& beginning)
+		Words pinValues(const Reflect::Function& function, const std::string& pin, const std::string& beginning)
 		{
 			for (const FParameter& parameter : function.function->Parameters)
 			{
-				if (Script::isInput(parameter.Kind) && Script::equalNames(parameter.Name, pin))
+				if (Reflect::isInput(parameter.Kind) && Reflect::equalNames(parameter.Name, pin))
 				{
 					Words values = only(valuesOf(parameter.Type()), beginning);
 					std::transform(
@@ -101,10 +92,10 @@ namespace Program
 			return {};
 		}
 
-		Words pinsLeft(const Script::Function& function, const Words& arguments)
+		Words pinsLeft(const Reflect::Function& function, const Words& arguments)
 		{
 			Words pins;
-			for (const std::string& name : inputNames(function))
+			for (const std::string& name : Reflect::inputNames(*function.function))
 			{
 				const auto isSet = [&](const std::string& argument) { return beginsWith(argument, name + "="); };
 				if (std::none_of(arguments.begin(), arguments.end(), isSet))
@@ -116,11 +107,11 @@ namespace Program
 		}
 
 		/** @param arguments  behind the verb; the last one is being typed. @return null while the function is not named. */
-		const Script::Function* namedFunction(const Words& arguments)
+		const Reflect::Function* namedFunction(const Words& arguments)
 		{
 			for (auto argument = arguments.begin(); argument != arguments.end() - 1; ++argument)
 			{
-				const std::vector<const Script::Function*> found = Script::findFunctions(*argument);
+				const std::vector<const Reflect::Function*> found = Reflect::findFunctions(*argument);
 				if (found.size() == 1)
 				{
 					return found.front();
@@ -132,7 +123,7 @@ namespace Program
 		Words callCandidates(const Words& arguments)
 		{
 			const std::string& word = arguments.back();
-			const Script::Function* const function = namedFunction(arguments);
+			const Reflect::Function* const function = namedFunction(arguments);
 			const size_t equals = word.find('=');
 			if (!function)
 			{

@@ -1,9 +1,7 @@
 #pragma once
 
 #include "GameLoop.h"
-#include "ScriptState.h"
 
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -15,13 +13,6 @@ namespace Program
 		exitGood = 0,
 		exitFailed = 1, // a script error, a status of 0 or from 400 on, a success pin that is false
 		exitUsage = 2
-	};
-
-	/** The caller gave something that cannot be carried out; the text says what. */
-	class UsageError : public std::runtime_error
-	{
-	public:
-		using std::runtime_error::runtime_error;
 	};
 
 	struct Settings
@@ -45,7 +36,7 @@ namespace Program
 	};
 
 	int runScript(const Settings& settings, const std::string& path, const std::vector<std::string>& arguments);
-	/** Throws UsageError for an unknown function or pin, or a value that the pin cannot hold. */
+	/** Throws InputError for an unknown function or pin, or a value that the pin cannot hold. */
 	int callFunction(const Settings& settings, const CallOptions& options);
 	struct NodesOptions
 	{
@@ -56,7 +47,7 @@ namespace Program
 
 	/**
 	 * Lists script functions with their pins, or writes the pages of the reference.
-	 * @return exitFailed when a function lacks a text or an example; the pages are written all the same. Throws UsageError
+	 * @return exitFailed when a function lacks a text or an example; the pages are written all the same. Throws InputError
 	 * for an unknown function.
 	 */
 	int listNodes(const NodesOptions& options);

@@ -12,7 +12,7 @@ namespace Program
 		UObject* const target = UCorvaneBPLibrary::getCorvaneTarget();
 		for (const char* name : {"onhttpRequestCompleteDelegate", "onhttpRequestCompleteGoogleInfoDelegate"})
 		{
-			const FMulticastDelegateProperty* const event = Script::findEvent(target->GetClass(), name);
+			const FMulticastDelegateProperty* const event = Reflect::findEvent(target->GetClass(), name);
 			HOST_CHECK(event);
 			taps.emplace_back(*target, *event, [this](const Json& pins) { completed.push_back(pins); });
 		}

@@ -8,8 +8,13 @@ namespace Program
 		: owner(&eventOwner)
 		, event(tappedEvent)
 		, handler(event.Get(&eventOwner)
-					  .AddHandler([this, onEvent = std::move(onEvent)](void* const* arguments)
-						  { onEvent(toJson(event.Signature->Parameters, arguments)); }))
+					  .AddHandler(
+						  [this, onEvent = std::move(onEvent)](void* const* arguments)
+						  {
+							  JsonSink sink;
+							  Reflect::writeParameters(event.Signature->Parameters, arguments, sink);
+							  onEvent(sink.take());
+						  }))
 	{
 	}
 

@@ -1,4 +1,5 @@
 #include "Commands.h"
+#include "InputError.h"
 #include "NearestName.h"
 
 #include <CLI/CLI.hpp>
@@ -57,7 +58,7 @@ namespace
 		std::vector<std::string> arguments = line.run->remaining();
 		if (arguments.empty() || arguments.front().starts_with('-'))
 		{
-			throw Program::UsageError(arguments.empty() ? "run needs a script" : "unknown option " + arguments.front());
+			throw Reflect::InputError(arguments.empty() ? "run needs a script" : "unknown option " + arguments.front());
 		}
 		const std::string script = arguments.front();
 		arguments.erase(arguments.begin());
@@ -75,7 +76,7 @@ namespace
 		const bool isVerb = std::find(verbs.begin(), verbs.end(), word) != verbs.end();
 		if (!isVerb && !word.empty() && !word.starts_with('-'))
 		{
-			throw Program::UsageError(fmt::format("there is no verb '{}'{}", word, Script::suggestion(word, verbs)));
+			throw Reflect::InputError(fmt::format("there is no verb '{}'{}", word, Reflect::suggestion(word, verbs)));
 		}
 	}
 
@@ -110,7 +111,7 @@ int main(int argc, char** argv)
 	{
 		return line.app.exit(error) == 0 ? Program::exitGood : Program::exitUsage; // asking for help is no error
 	}
-	catch (const Program::UsageError& error)
+	catch (const Reflect::InputError& error)
 	{
 		fmt::print(stderr, "corvane: {}\n", error.what());
 		return Program::exitUsage;

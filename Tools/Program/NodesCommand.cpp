@@ -21,22 +21,22 @@ namespace Program
 		void printPin(const char* direction, const char* name, const FPropertyType& type, const char* defaultText)
 		{
 			const std::string tail = defaultText ? fmt::format(" = {}", *defaultText ? defaultText : "\"\"") : "";
-			fmt::print("  {:6} {}: {}{}\n", direction, name, Script::typeName(type), tail);
+			fmt::print("  {:6} {}: {}{}\n", direction, name, Reflect::typeName(type), tail);
 		}
 
 		void printEvents(UClass* nodeClass)
 		{
-			for (const FMulticastDelegateProperty* event : Script::eventsOf(nodeClass))
+			for (const FMulticastDelegateProperty* event : Reflect::eventsOf(nodeClass))
 			{
 				fmt::print("  {:6} {}:\n", "event", event->Name);
 				for (const FParameter& parameter : event->Signature->Parameters)
 				{
-					fmt::print("           {}: {}\n", parameter.Name, Script::typeName(parameter.Type()));
+					fmt::print("           {}: {}\n", parameter.Name, Reflect::typeName(parameter.Type()));
 				}
 			}
 		}
 
-		void printFunction(const Script::Function& function)
+		void printFunction(const Reflect::Function& function)
 		{
 			static constexpr const char* directions[] = {"in", "out", "in/out", "out"};
 
@@ -45,7 +45,7 @@ namespace Program
 			{
 				fmt::print("{}\n", indented(tooltip));
 			}
-			UClass* const nodeClass = Script::nodeClassOf(*function.function);
+			UClass* const nodeClass = Reflect::nodeClassOf(*function.function);
 			for (const FParameter& parameter : function.function->Parameters)
 			{
 				const bool isTheNode = nodeClass && parameter.Kind == EParameterKind::Return;
@@ -71,7 +71,7 @@ namespace Program
 			return gaps.empty() ? exitGood : exitFailed;
 		}
 
-		void printJson(const Script::Function* chosen)
+		void printJson(const Reflect::Function* chosen)
 		{
 			const Reference reference = collectReference();
 			Json list = Json::array();
@@ -88,7 +88,7 @@ namespace Program
 
 	int listNodes(const NodesOptions& options)
 	{
-		const Script::Function* const chosen = options.function.empty() ? nullptr : &functionNamed(options.function);
+		const Reflect::Function* const chosen = options.function.empty() ? nullptr : &functionNamed(options.function);
 		if (!options.htmlDirectory.empty())
 		{
 			return writePages(options.htmlDirectory);
@@ -98,7 +98,7 @@ namespace Program
 			printJson(chosen);
 			return exitGood;
 		}
-		for (const Script::Function& function : Script::functions())
+		for (const Reflect::Function& function : Reflect::functions())
 		{
 			if (!chosen || &function == chosen)
 			{

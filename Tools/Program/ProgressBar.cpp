@@ -65,7 +65,7 @@ namespace Program
 		UObject* const target = UCorvaneBPLibrary::getCorvaneTarget();
 		for (const Source& source : sources)
 		{
-			const FMulticastDelegateProperty* const event = Script::findEvent(target->GetClass(), source.event);
+			const FMulticastDelegateProperty* const event = Reflect::findEvent(target->GetClass(), source.event);
 			HOST_CHECK(event);
 			taps.emplace_back(*target, *event,
 				[this, &source](const Json& pins)

@@ -1,13 +1,37 @@
 #include "Commands.h"
+#include "CorvaneBPLibrary.h"
+#include "InputError.h"
+#include "ScriptState.h"
+
+#include <fmt/core.h>
 
 #include <filesystem>
 
-int Program::runScript(const Settings& settings, const std::string& path, const std::vector<std::string>& arguments)
+namespace Program
 {
-	if (!std::filesystem::exists(path) || std::filesystem::is_directory(path))
+	int runToEnd(FGameLoop& loop, const std::string& path, const std::vector<std::string>& arguments)
 	{
-		throw UsageError("there is no script " + path);
+		Script::ScriptState script({[&loop] { loop.Tick(); },
+			[&loop](const std::function<bool()>& condition, double seconds) { return loop.WaitFor(condition, seconds); }});
+		if (script.runFile(path, arguments))
+		{
+			loop.RunUntilIdle(UCorvaneBPLibrary::hasPendingWork, [&script] { return script.hasEnded(); });
+		}
+		std::fflush(stdout); // before the error, so that the two stand in order where both go to one place
+		if (!script.error().empty())
+		{
+			fmt::print(stderr, "corvane: {}\n", script.error());
+		}
+		return script.exitStatus();
 	}
-	ProgramLoop loop(settings);
-	return runToEnd(loop, path, arguments);
-}
+
+	int runScript(const Settings& settings, const std::string& path, const std::vector<std::string>& arguments)
+	{
+		if (!std::filesystem::exists(path) || std::filesystem::is_directory(path))
+		{
+			throw Reflect::InputError("there is no script " + path);
+		}
+		ProgramLoop loop(settings);
+		return runToEnd(loop, path, arguments);
+	}
+} // namespace Program

@@ -1,7 +1,7 @@
 #include "EventHandler.h"
 
 #include "Context.h"
-#include "Converters.h"
+#include "LuaSink.h"
 
 namespace Script
 {
@@ -19,13 +19,8 @@ namespace Script
 		{
 			const Invocation& invocation = *static_cast<const Invocation*>(lua_touserdata(lua, 1));
 			lua_rawgeti(lua, LUA_REGISTRYINDEX, invocation.function);
-			lua_createtable(lua, 0, static_cast<int>(invocation.signature.Parameters.size()));
-			for (size_t index = 0; index < invocation.signature.Parameters.size(); ++index)
-			{
-				const FParameter& parameter = invocation.signature.Parameters[index];
-				pushValue(lua, parameter.Type(), invocation.arguments[index]);
-				lua_setfield(lua, -2, parameter.Name);
-			}
+			LuaSink sink(lua);
+			Reflect::writeParameters(invocation.signature.Parameters, invocation.arguments, sink);
 			lua_call(lua, 1, 0);
 			return 0;
 		}

@@ -1,23 +1,25 @@
 #include "FunctionCall.h"
 
 #include "CallFrame.h"
-#include "Containers/StringConv.h"
 #include "Context.h"
-#include "Converters.h"
-#include "CoreMinimal.h"
+#include "InputError.h"
+#include "LuaSink.h"
+#include "LuaSource.h"
 #include "Nodes.h"
+#include "Objects.h"
 
 #include <fmt/format.h>
 
-#include <cstring>
 #include <set>
-#include <string>
-#include <vector>
 
 namespace Script
 {
 	namespace
 	{
+		using Reflect::CallFrame;
+		using Reflect::Function;
+		using Reflect::InputError;
+
 		constexpr int pinsIndex = 1;
 		constexpr int handlersIndex = 2; // of a node factory: event to Lua function
 
@@ -29,7 +31,7 @@ namespace Script
 				: lua(luaState)
 				, called(calledFunction)
 				, frame(callFrame)
-				, nodeClass(nodeClassOf(*calledFunction.function))
+				, nodeClass(Reflect::nodeClassOf(*calledFunction.function))
 			{
 			}
 
@@ -40,7 +42,7 @@ namespace Script
 				{
 					if (lua_type(lua, -2) != LUA_TSTRING)
 					{
-						throw ScriptError(fmt::format("{}: pins are given by name: {{ name = value }}", called.name));
+						throw InputError(fmt::format("{}: pins are given by name: {{ name = value }}", called.name));
 					}
 					readOne(lua_tostring(lua, -2));
 					lua_pop(lua, 1);
@@ -51,49 +53,35 @@ namespace Script
 			/** The value is on top of the stack, and stays there. */
 			void readOne(const char* pin)
 			{
-				const FMulticastDelegateProperty* const event = nodeClass ? findEvent(nodeClass, pin) : nullptr;
+				const FMulticastDelegateProperty* const event = Reflect::findEvent(nodeClass, pin);
 				const std::optional<size_t> index = frame.findInput(pin);
 				if (!event && !index)
 				{
-					throw ScriptError(fmt::format("{}: unknown pin '{}' (it has: {})", called.name, pin, fmt::join(inputNames(), ", ")));
+					throw InputError(fmt::format("{}: unknown pin '{}' (it has: {})", called.name, pin, fmt::join(pinNames(), ", ")));
 				}
 				if (!given.insert(index ? frame.parameter(*index).Name : event->Name).second)
 				{
-					throw ScriptError(fmt::format("{}: pin '{}' is given twice, in different spelling", called.name, pin));
+					throw InputError(fmt::format("{}: pin '{}' is given twice, in different spelling", called.name, pin));
 				}
-				try
-				{
-					index ? readValue(lua, lua_gettop(lua), frame[*index].type(), frame[*index].get()) : readHandler(*event);
-				}
-				catch (const ScriptError& error)
-				{
-					throw error.inside(fmt::format("{}: pin '{}'", called.name, pin));
-				}
+				index ? frame.set(*index, pin, LuaSource(lua, lua_gettop(lua))) : readHandler(pin, *event);
 			}
 
-			void readHandler(const FMulticastDelegateProperty& event)
+			void readHandler(const char* pin, const FMulticastDelegateProperty& event)
 			{
 				if (!lua_isfunction(lua, -1))
 				{
-					throw ScriptError(fmt::format("expected function, got {}", luaL_typename(lua, -1)));
+					throw InputError(fmt::format("{}: pin '{}': expected function, got {}", called.name, pin, luaL_typename(lua, -1)));
 				}
 				lua_pushvalue(lua, -1);
 				lua_rawsetp(lua, handlersIndex, &event);
 			}
 
-			std::vector<const char*> inputNames() const
+			std::vector<std::string> pinNames() const
 			{
-				std::vector<const char*> names;
-				for (const FParameter& parameter : called.function->Parameters)
+				std::vector<std::string> names = Reflect::inputNames(*called.function);
+				for (const FMulticastDelegateProperty* event : Reflect::eventsOf(nodeClass))
 				{
-					if (isInput(parameter.Kind))
-					{
-						names.push_back(parameter.Name);
-					}
-				}
-				for (const FMulticastDelegateProperty* event : eventsOf(nodeClass))
-				{
-					names.push_back(event->Name);
+					names.emplace_back(event->Name);
 				}
 				return names;
 			}
@@ -105,34 +93,18 @@ namespace Script
 			std::set<std::string> given;
 		};
 
-		void pushOutputs(lua_State* lua, const CallFrame& frame)
-		{
-			lua_newtable(lua);
-			for (size_t index = 0; index < frame.size(); ++index)
-			{
-				if (isOutput(frame.parameter(index).Kind))
-				{
-					pushValue(lua, frame[index].type(), frame[index].get());
-					lua_setfield(lua, -2, frame.parameter(index).Name);
-				}
-			}
-		}
-
 		void warnOfEndedNode(const std::string& factory)
 		{
 			const std::string text = factory +
 									 ": the request was refused inside this call, before the outcomes were bound; none of them is raised. "
 									 "An event that is bound before the call tells.";
-			const FUTF8ToTCHAR units(text.data(), static_cast<int32>(text.size()));
-			UE_LOG(LogTemp, Warning, TEXT("%s"), *FString::ConstructFromPtrSize(units.Get(), units.Length()));
+			UE_LOG(LogTemp, Warning, TEXT("%s"), *Reflect::toFString(text));
 		}
 
 		void pushStartedNode(lua_State* lua, const CallFrame& frame, const std::string& factory)
 		{
-			const Value& result = frame[frame.size() - 1];
-			pushValue(lua, result.type(), result.get());
-			UObject* node = nullptr;
-			std::memcpy(&node, result.get(), sizeof(node));
+			UObject* const node = frame.returnedObject();
+			pushObject(lua, node);
 			if (!startNode(lua, node, handlersIndex))
 			{
 				warnOfEndedNode(factory);
@@ -145,10 +117,10 @@ namespace Script
 			const int count = lua_gettop(lua);
 			if (count > 1 || (count == 1 && !lua_istable(lua, pinsIndex)))
 			{
-				throw ScriptError(fmt::format("{}: takes one table of pins: {{ name = value }}", function.name));
+				throw InputError(fmt::format("{}: takes one table of pins: {{ name = value }}", function.name));
 			}
 			const RunningThread running(lua);
-			CallFrame frame(*function.function);
+			CallFrame frame(function);
 			lua_settop(lua, pinsIndex);
 			lua_newtable(lua); // the handlers
 			if (count == 1)
@@ -156,12 +128,20 @@ namespace Script
 				PinReader(lua, function, frame).readAll();
 			}
 			frame.invoke();
-			nodeClassOf(*function.function) ? pushStartedNode(lua, frame, function.name) : pushOutputs(lua, frame);
+			if (Reflect::nodeClassOf(*function.function))
+			{
+				pushStartedNode(lua, frame, function.name);
+			}
+			else
+			{
+				LuaSink sink(lua);
+				frame.writeOutputs(sink);
+			}
 			return 1;
 		}
 	} // namespace
 
-	void pushFunction(lua_State* lua, const Function& function)
+	void pushFunction(lua_State* lua, const Reflect::Function& function)
 	{
 		lua_pushlightuserdata(lua, const_cast<Function*>(&function)); // Lua knows no const; it is only read
 		lua_pushcclosure(lua, guarded<call>, 1);

@@ -1,6 +1,7 @@
 #include "Globals.h"
 
 #include "FunctionCall.h"
+#include "InputError.h"
 #include "NearestName.h"
 #include "Reflection.h"
 
@@ -25,7 +26,7 @@ namespace Script
 			{
 				size_t candidateSize = 0;
 				const char* const candidate = lua_type(lua, -2) == LUA_TSTRING ? lua_tolstring(lua, -2, &candidateSize) : "";
-				if (equalNames({name, size}, {candidate, candidateSize}))
+				if (Reflect::equalNames({name, size}, {candidate, candidateSize}))
 				{
 					return 1;
 				}
@@ -33,8 +34,8 @@ namespace Script
 				lua_pop(lua, 1);
 			}
 			std::sort(names.begin(), names.end()); // the table has no order, the suggestion shall have one
-			throw ScriptError(fmt::format("{} has no {} '{}'{}", lua_tostring(lua, lua_upvalueindex(1)),
-				lua_tostring(lua, lua_upvalueindex(2)), std::string_view(name, size), suggestion({name, size}, names)));
+			throw Reflect::InputError(fmt::format("{} has no {} '{}'{}", lua_tostring(lua, lua_upvalueindex(1)),
+				lua_tostring(lua, lua_upvalueindex(2)), std::string_view(name, size), Reflect::suggestion({name, size}, names)));
 		}
 
 		/**
@@ -62,14 +63,14 @@ namespace Script
 
 	void openGlobals(lua_State* lua)
 	{
-		for (const Function& function : functions())
+		for (const Reflect::Function& function : Reflect::functions())
 		{
 			pushNameTable(lua, function.owner->GetName(), "function");
 			pushFunction(lua, function);
 			lua_setfield(lua, -2, function.function->Name);
 			lua_pop(lua, 1);
 		}
-		for (const UEnum* enumeration : enumerations())
+		for (const UEnum* enumeration : Reflect::enumerations())
 		{
 			pushNameTable(lua, enumeration->Name, "value");
 			for (const FEnumerator& entry : enumeration->Enumerators)

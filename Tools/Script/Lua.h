@@ -1,8 +1,8 @@
 #pragma once
 
-#include "ScriptError.h"
-
 #include <lua.hpp>
+
+#include <exception>
 
 namespace Script
 {

@@ -13,7 +13,7 @@ namespace Script
 		bool bindEvents(lua_State* lua, UObject& node, int handlers)
 		{
 			bool isBound = false;
-			for (const FMulticastDelegateProperty* event : eventsOf(node.GetClass()))
+			for (const FMulticastDelegateProperty* event : Reflect::eventsOf(node.GetClass()))
 			{
 				if (lua_rawgetp(lua, handlers, event) == LUA_TFUNCTION)
 				{

@@ -1,13 +1,11 @@
 #include "Objects.h"
 
-#include "Converters.h"
 #include "Events.h"
+#include "InputError.h"
 #include "Reflection.h"
 #include "UserData.h"
 
 #include <fmt/format.h>
-
-#include <cstring>
 
 namespace Script
 {
@@ -24,10 +22,10 @@ namespace Script
 		{
 			UObject* const object = UserData<ObjectReference>::check(lua, 1).Get();
 			const char* const name = luaL_checkstring(lua, 2);
-			const FMulticastDelegateProperty* const event = findEvent(object->GetClass(), name);
+			const FMulticastDelegateProperty* const event = Reflect::findEvent(object->GetClass(), name);
 			if (!event)
 			{
-				throw ScriptError(fmt::format("{} has no event '{}'", object->GetClass()->GetName(), name));
+				throw Reflect::InputError(fmt::format("{} has no event '{}'", object->GetClass()->GetName(), name));
 			}
 			pushEvent(lua, *object, *event);
 			return 1;
@@ -36,7 +34,7 @@ namespace Script
 		int refuseAssignment(lua_State* lua)
 		{
 			const UObject* const object = UserData<ObjectReference>::check(lua, 1).Get();
-			throw ScriptError(fmt::format("{} has no field that scripts may set", object->GetClass()->GetName()));
+			throw Reflect::InputError(fmt::format("{} has no field that scripts may set", object->GetClass()->GetName()));
 		}
 
 		int describe(lua_State* lua)
@@ -55,25 +53,6 @@ namespace Script
 				lua_setfield(lua, -2, "__mode");
 				lua_setmetatable(lua, -2);
 			}
-		}
-
-		void pushObjectValue(lua_State* lua, const FPropertyType&, const void* value)
-		{
-			UObject* object = nullptr;
-			std::memcpy(&object, value, sizeof(object)); // declared as a pointer to a derived class, with UObject as its first base
-			pushObject(lua, object);
-		}
-
-		void readObject(lua_State* lua, int index, const FPropertyType& type, void* value)
-		{
-			const ObjectReference* const reference = UserData<ObjectReference>::test(lua, index);
-			const bool fits = reference ? reference->Get()->IsA(type.Class()) : lua_isnil(lua, index);
-			if (!fits)
-			{
-				refuseValue(lua, index, type);
-			}
-			UObject* const object = reference ? reference->Get() : nullptr;
-			std::memcpy(value, &object, sizeof(object));
 		}
 	} // namespace
 
@@ -100,5 +79,10 @@ namespace Script
 		lua_remove(lua, -2);
 	}
 
-	const Converter objectConverter{pushObjectValue, readObject};
+	std::optional<UObject*> objectAt(lua_State* lua, int index, const UClass& type)
+	{
+		const ObjectReference* const reference = UserData<ObjectReference>::test(lua, index);
+		const bool fits = reference ? reference->Get()->IsA(&type) : lua_isnil(lua, index);
+		return fits ? std::optional(reference ? reference->Get() : nullptr) : std::nullopt;
+	}
 } // namespace Script

@@ -3,6 +3,8 @@
 #include "Lua.h"
 #include "UObject/StrongObjectPtr.h"
 
+#include <optional>
+
 namespace Script
 {
 	/**
@@ -10,4 +12,7 @@ namespace Script
 	 * Lua holds that value, as an engine's script variable would.
 	 */
 	void pushObject(lua_State* lua, UObject* object);
+
+	/** @return the object at an index when it is one of a class, or null for nil; else nothing. */
+	std::optional<UObject*> objectAt(lua_State* lua, int index, const UClass& type);
 } // namespace Script

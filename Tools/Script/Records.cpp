@@ -1,4 +1,6 @@
-#include "Converters.h"
+#include "Records.h"
+
+#include "InputError.h"
 #include "Reflection.h"
 #include "UserData.h"
 #include "Value.h"
@@ -7,6 +9,8 @@
 
 namespace Script
 {
+	using Reflect::Value;
+
 	template <>
 	const char* const UserData<Value>::typeName = "record";
 
@@ -15,33 +19,28 @@ namespace Script
 		int refuseAccess(lua_State* lua)
 		{
 			const Value& record = UserData<Value>::check(lua, 1);
-			throw ScriptError(fmt::format("records of type {} have no fields that scripts may touch", typeName(record.type())));
+			throw Reflect::InputError(
+				fmt::format("records of type {} have no fields that scripts may touch", Reflect::typeName(record.type())));
 		}
 
 		int describe(lua_State* lua)
 		{
 			const Value& record = UserData<Value>::check(lua, 1);
-			lua_pushstring(lua, fmt::format("{} record", typeName(record.type())).c_str());
+			lua_pushstring(lua, fmt::format("{} record", Reflect::typeName(record.type())).c_str());
 			return 1;
-		}
-
-		void pushRecord(lua_State* lua, const FPropertyType& type, const void* value)
-		{
-			static constexpr luaL_Reg methods[] = {{"__index", guarded<refuseAccess>}, {"__newindex", guarded<refuseAccess>},
-				{"__tostring", guarded<describe>}, {nullptr, nullptr}};
-			UserData<Value>::push(lua, methods, Value(type, value));
-		}
-
-		void readRecord(lua_State* lua, int index, const FPropertyType& type, void* value)
-		{
-			const Value* record = UserData<Value>::test(lua, index);
-			if (!record || record->type().Struct() != type.Struct())
-			{
-				refuseValue(lua, index, type);
-			}
-			type.Assign(value, record->get());
 		}
 	} // namespace
 
-	const Converter recordConverter{pushRecord, readRecord};
+	void pushRecord(lua_State* lua, const FPropertyType& type, const void* value)
+	{
+		static constexpr luaL_Reg methods[] = {{"__index", guarded<refuseAccess>}, {"__newindex", guarded<refuseAccess>},
+			{"__tostring", guarded<describe>}, {nullptr, nullptr}};
+		UserData<Value>::push(lua, methods, Value(type, value));
+	}
+
+	const void* recordAt(lua_State* lua, int index, const FPropertyType& type)
+	{
+		const Value* const record = UserData<Value>::test(lua, index);
+		return record && record->type().Struct() == type.Struct() ? record->get() : nullptr;
+	}
 } // namespace Script

@@ -1,6 +1,7 @@
 #include "Waiting.h"
 
 #include "Context.h"
+#include "InputError.h"
 
 #include <fmt/format.h>
 
@@ -16,7 +17,7 @@ namespace Script
 		{
 			if (context.handlerDepth > 0)
 			{
-				throw ScriptError(fmt::format("{} may not be called inside an event handler", function));
+				throw Reflect::InputError(fmt::format("{} may not be called inside an event handler", function));
 			}
 		}
 
@@ -24,7 +25,7 @@ namespace Script
 		{
 			if (context.hasEnded())
 			{
-				throw ScriptError("the script was ended by a handler");
+				throw Reflect::InputError("the script was ended by a handler");
 			}
 		}
 
@@ -74,7 +75,7 @@ namespace Script
 			{
 				context.exitStatus = static_cast<int>(status & 0xFF);
 			}
-			throw ScriptError("os.exit was called");
+			throw Reflect::InputError("os.exit was called");
 		}
 	} // namespace
 

@@ -95,7 +95,8 @@ namespace Program
 
 	std::string_view DocText::pin(std::string_view name) const
 	{
-		const auto found = std::find_if(pins.begin(), pins.end(), [&](const auto& entry) { return Script::equalNames(entry.first, name); });
+		const auto found =
+			std::find_if(pins.begin(), pins.end(), [&](const auto& entry) { return Reflect::equalNames(entry.first, name); });
 		return found == pins.end() ? std::string_view() : found->second;
 	}
 

@@ -1,7 +1,8 @@
 #include "Examples.h"
 
+#include "Words.h"
+
 #include <algorithm>
-#include <cctype>
 #include <filesystem>
 #include <fmt/format.h>
 #include <fstream>
@@ -12,11 +13,6 @@ namespace Program
 	namespace
 	{
 		namespace fs = std::filesystem;
-
-		bool isWordCharacter(char c)
-		{
-			return std::isalnum(static_cast<unsigned char>(c)) || c == '_';
-		}
 
 		Example load(const fs::path& path)
 		{

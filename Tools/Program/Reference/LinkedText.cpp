@@ -2,21 +2,13 @@
 
 #include "Html.h"
 #include "ReferencePages.h"
+#include "Words.h"
 
 #include <algorithm>
-#include <cctype>
 #include <fmt/format.h>
 
 namespace Program
 {
-	namespace
-	{
-		bool isWordCharacter(char c)
-		{
-			return std::isalnum(static_cast<unsigned char>(c)) || c == '_';
-		}
-	} // namespace
-
 	LinkedText::LinkedText(const std::vector<NodeFacts>& nodes, const NodeFacts& self)
 	{
 		for (const NodeFacts& facts : nodes)

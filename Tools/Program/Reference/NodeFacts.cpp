@@ -2,6 +2,7 @@
 
 #include "DisplayName.h"
 #include "DocText.h"
+#include "Words.h"
 
 #include <algorithm>
 #include <set>
@@ -10,11 +11,6 @@ namespace Program
 {
 	namespace
 	{
-		bool isWordCharacter(char c)
-		{
-			return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
-		}
-
 		bool hasWord(std::string_view text, std::string_view word)
 		{
 			for (size_t place = text.find(word); place != std::string_view::npos; place = text.find(word, place + 1))
@@ -51,7 +47,7 @@ namespace Program
 		std::vector<const UClass*> owners()
 		{
 			std::vector<const UClass*> found;
-			for (const Script::Function& function : Script::functions())
+			for (const Reflect::Function& function : Reflect::functions())
 			{
 				if (std::find(found.begin(), found.end(), function.owner) == found.end())
 				{
@@ -64,7 +60,7 @@ namespace Program
 		std::vector<Documented> collectDocumented()
 		{
 			std::vector<Documented> all;
-			for (const Script::Function& function : Script::functions())
+			for (const Reflect::Function& function : Reflect::functions())
 			{
 				all.emplace_back(function.function->Name, function.function->Meta, *function.owner);
 			}
@@ -142,7 +138,7 @@ namespace Program
 
 		void addOutcomes(NodeFacts& facts, const UClass* nodeClass)
 		{
-			for (const FMulticastDelegateProperty* event : Script::eventsOf(nodeClass))
+			for (const FMulticastDelegateProperty* event : Reflect::eventsOf(nodeClass))
 			{
 				const Documented documented(event->Name, event->Meta, *nodeClass, event->Signature->Meta);
 				facts.outcomes.push_back({event->Name, displayName(event->Name), textsOf(documented)});
@@ -178,14 +174,14 @@ namespace Program
 
 	std::string shortTypeName(const FPropertyType& type)
 	{
-		return type.Kind == EPropertyKind::Enum ? type.Enum()->Name : Script::typeName(type);
+		return type.Kind == EPropertyKind::Enum ? type.Enum()->Name : Reflect::typeName(type);
 	}
 
-	NodeFacts factsOf(const Script::Function& function)
+	NodeFacts factsOf(const Reflect::Function& function)
 	{
 		const FMetaList meta = function.function->Meta;
 		const Documented documented(function.function->Name, meta, *function.owner);
-		const UClass* const nodeClass = Script::nodeClassOf(*function.function);
+		const UClass* const nodeClass = Reflect::nodeClassOf(*function.function);
 		const bool isPure = function.function->Flags & FUNC_BlueprintPure;
 		const char* const title = FindMeta(meta, "DisplayName");
 
@@ -209,7 +205,7 @@ namespace Program
 	std::vector<NodeFacts> allFacts()
 	{
 		std::vector<NodeFacts> all;
-		for (const Script::Function& function : Script::functions())
+		for (const Reflect::Function& function : Reflect::functions())
 		{
 			all.push_back(factsOf(function));
 		}

@@ -59,7 +59,7 @@ namespace Program
 	/** @return a type's name; of an enumeration without its values. */
 	std::string shortTypeName(const FPropertyType& type);
 
-	NodeFacts factsOf(const Script::Function& function);
+	NodeFacts factsOf(const Reflect::Function& function);
 
 	/** Every script function and node in the order of the registry, then every event of the classes that they belong to. */
 	std::vector<NodeFacts> allFacts();

@@ -2,10 +2,9 @@
 
 #include "Reflection.h"
 #include "Value.h"
+#include "ValueTransfer.h"
 
-#include <optional>
-
-namespace Script
+namespace Reflect
 {
 	/**
 	 * The arguments of one call: made with their declared defaults, set one by one, then handed to the function. Thread:
@@ -14,27 +13,31 @@ namespace Script
 	class CallFrame
 	{
 	public:
-		explicit CallFrame(const UFunction& calledFunction);
+		explicit CallFrame(const Function& calledFunction);
 
 		/** @return the place of the pin among the parameters; nothing when there is no pin of that name that takes input. */
 		std::optional<size_t> findInput(std::string_view pin) const;
 		/** @return the place of the pin among the parameters; nothing when there is no pin of that name that gives output. */
 		std::optional<size_t> findOutput(std::string_view pin) const;
 
-		const FParameter& parameter(size_t index) const { return function.Parameters[index]; }
-		size_t size() const { return function.Parameters.size(); }
+		const FParameter& parameter(size_t index) const { return called.function->Parameters[index]; }
 		/** The value of one parameter: before the call its input, afterwards its output. */
-		Value& operator[](size_t index) { return arguments[index]; }
 		const Value& operator[](size_t index) const { return arguments[index]; }
 
+		/** Sets an input pin. Throws InputError, which names function and pin. @param pin  its name as the caller wrote it. */
+		void set(size_t index, std::string_view pin, const Source& source);
 		/** Calls a static function. */
 		void invoke();
+		/** Puts a map from the names of all output pins to their values on top. */
+		void writeOutputs(Sink& sink) const;
+		/** @return what a function that returns an object has returned. */
+		UObject* returnedObject() const;
 
 	private:
 		template <class Accept>
 		std::optional<size_t> find(std::string_view pin, Accept accepts) const;
 
-		const UFunction& function;
+		const Function& called;
 		std::vector<Value> arguments;
 	};
-} // namespace Script
+} // namespace Reflect

@@ -2,7 +2,7 @@
 
 #include "UObject/PropertyType.h"
 
-namespace Script
+namespace Reflect
 {
 	/** One value of a reflected type that is known at run time only. Thread: game thread. */
 	class Value
@@ -13,17 +13,14 @@ namespace Script
 		/** Makes a copy of the value at an address. */
 		Value(const FPropertyType& valueType, const void* source);
 		Value(Value&& other) noexcept;
-		Value& operator=(Value&& other) noexcept;
 		~Value();
 
 		const FPropertyType& type() const { return *kind; }
-		/** @return the address of the value; null after it was moved from or released. */
+		/** @return the address of the value; null after it was moved from. */
 		void* get() const { return memory; }
-		/** Destroys the value before its time. */
-		void release();
 
 	private:
 		const FPropertyType* kind;
 		void* memory;
 	};
-} // namespace Script
+} // namespace Reflect

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-namespace Script
+namespace Reflect
 {
 	/**
 	 * What somebody may have meant by a name that is not there.
@@ -15,4 +15,4 @@ namespace Script
 
 	/** @return ", did you mean 'X'?" for the end of a message; empty when no candidate is near. */
 	std::string suggestion(std::string_view name, const std::vector<std::string>& candidates);
-} // namespace Script
+} // namespace Reflect

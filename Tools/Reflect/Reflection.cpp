@@ -1,32 +1,18 @@
 #include "Reflection.h"
 
 #include "Kismet/BlueprintAsyncActionBase.h"
+#include "ValueTransfer.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <strings.h>
 
-namespace Script
+namespace Reflect
 {
 	namespace
 	{
 		constexpr uint32 scriptCallable = FUNC_BlueprintCallable | FUNC_BlueprintPure;
-
-		std::string enumName(const UEnum& enumeration)
-		{
-			std::vector<const char*> names;
-			for (const FEnumerator& entry : enumeration.Enumerators)
-			{
-				names.push_back(entry.Name);
-			}
-			return fmt::format("{} ({})", enumeration.Name, fmt::join(names, ", "));
-		}
-
-		std::string arrayName(const FPropertyType& type)
-		{
-			return type.Inner()->Kind == EPropertyKind::Byte ? "bytes" : "list of " + typeName(*type.Inner());
-		}
 
 		std::vector<Function> collectFunctions()
 		{
@@ -78,6 +64,19 @@ namespace Script
 		return found;
 	}
 
+	std::vector<std::string> inputNames(const UFunction& function)
+	{
+		std::vector<std::string> names;
+		for (const FParameter& parameter : function.Parameters)
+		{
+			if (isInput(parameter.Kind))
+			{
+				names.emplace_back(parameter.Name);
+			}
+		}
+		return names;
+	}
+
 	bool equalNames(std::string_view a, std::string_view b)
 	{
 		return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
@@ -115,6 +114,16 @@ namespace Script
 		return makesNode ? result.Class() : nullptr;
 	}
 
+	std::vector<std::string> valueNames(const FPropertyType& type)
+	{
+		std::vector<std::string> names;
+		for (const FEnumerator& entry : type.Kind == EPropertyKind::Enum ? type.Enum()->Enumerators : std::span<const FEnumerator>())
+		{
+			names.emplace_back(entry.Name);
+		}
+		return names;
+	}
+
 	std::string typeName(const FPropertyType& type)
 	{
 		switch (type.Kind)
@@ -134,16 +143,16 @@ namespace Script
 		case EPropertyKind::DateTime:
 			return "FDateTime (YYYY-MM-DDThh:mm:ss.mmmZ)";
 		case EPropertyKind::Enum:
-			return enumName(*type.Enum());
+			return fmt::format("{} ({})", type.Enum()->Name, fmt::join(valueNames(type), ", "));
 		case EPropertyKind::Struct:
 			return type.Struct()->Name;
 		case EPropertyKind::Object:
 			return fmt::format("{} object", type.Class()->GetName());
 		case EPropertyKind::Array:
-			return arrayName(type);
+			return isBytes(type) ? "bytes" : "list of " + typeName(*type.Inner());
 		case EPropertyKind::Map:
 			return fmt::format("map of {} to {}", typeName(*type.Inner()), typeName(*type.Value()));
 		}
 		return "unknown";
 	}
-} // namespace Script
+} // namespace Reflect

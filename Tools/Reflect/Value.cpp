@@ -3,7 +3,7 @@
 #include <new>
 #include <utility>
 
-namespace Script
+namespace Reflect
 {
 	Value::Value(const FPropertyType& valueType)
 		: kind(&valueType)
@@ -24,24 +24,12 @@ namespace Script
 	{
 	}
 
-	Value& Value::operator=(Value&& other) noexcept
-	{
-		std::swap(kind, other.kind);
-		std::swap(memory, other.memory);
-		return *this;
-	}
-
 	Value::~Value()
-	{
-		release();
-	}
-
-	void Value::release()
 	{
 		if (memory)
 		{
 			kind->Destroy(memory);
-			::operator delete(std::exchange(memory, nullptr), std::align_val_t(kind->Alignment));
+			::operator delete(memory, std::align_val_t(kind->Alignment));
 		}
 	}
-} // namespace Script
+} // namespace Reflect

@@ -4,7 +4,7 @@
 #include <fmt/format.h>
 #include <utility>
 
-namespace Script
+namespace Reflect
 {
 	namespace
 	{
@@ -70,4 +70,4 @@ namespace Script
 		const std::string nearest = nearestName(name, candidates);
 		return nearest.empty() ? nearest : fmt::format(", did you mean '{}'?", nearest);
 	}
-} // namespace Script
+} // namespace Reflect

@@ -7,7 +7,7 @@
 #include <vector>
 
 /** What scripts see of the reflection registry. Names compare without regard to the case of ASCII letters. Thread: any. */
-namespace Script
+namespace Reflect
 {
 	struct Function
 	{
@@ -40,6 +40,9 @@ namespace Script
 		return kind != EParameterKind::Input;
 	}
 
+	/** @return the pins that a call may set. */
+	std::vector<std::string> inputNames(const UFunction& function);
+
 	/** The events of a class and its bases, the class's own first. */
 	std::vector<const FMulticastDelegateProperty*> eventsOf(const UClass* type);
 	/** @return the event of that name, or null. */
@@ -48,6 +51,9 @@ namespace Script
 	/** @return the class of the nodes that a function makes, or null when the function is no node factory. */
 	UClass* nodeClassOf(const UFunction& function);
 
+	/** @return the names of the values of an enumeration; of another type none. */
+	std::vector<std::string> valueNames(const FPropertyType& type);
+
 	/** A type as an error message or a listing calls it: "int32", "list of string", "EFoo (A, B)". */
 	std::string typeName(const FPropertyType& type);
-} // namespace Script
+} // namespace Reflect
