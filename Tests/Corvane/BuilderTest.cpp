@@ -1,71 +1,42 @@
+#include "Calls.h"
 #include "CorvaneRequestCompleteObject.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"
 
 #include <gmock/gmock.h>
 
-using testing::ElementsAre;
-using testing::MatchesRegex;
-
-class Builder : public ModuleFixture
-{
-};
+using Builder = ModuleFixture;
 
 TEST_F(Builder, RefusesAShortUrlInsideTheCall)
 {
 	LogCapture log;
-	for (const char* url : {"", "a", "ab"})
+	for (const char* url : {"", "ab"})
 	{
 		completions.clear();
-		TArray<FhttpRequest> requests = get("http://kept");
-		FString id = "old";
-		EXPECT_EQ(UCorvaneBPLibrary::CreateHttpRequestGET({}, url, {}, "given", false, requests, id), 400);
+		Pins pins{.url = url, .optionalRequestID = "given", .httpRequests = get("abc"), .requestID = "old"};
+		call("CreateHttpRequestGET", pins);
 		ASSERT_EQ(completions.size(), 1u) << "the event comes before the builder returns";
-		EXPECT_EQ(completions[0].statusCode, 400);
+		EXPECT_EQ(completions[0].brief(), "400 ");
 		EXPECT_EQ(completions[0].requestID, "given");
-		EXPECT_EQ(completions[0].dataString, "");
 		EXPECT_TRUE(completions[0].dataArray.empty() && completions[0].header.empty() && completions[0].byteData.empty());
-		EXPECT_EQ(utf8(id), "given");
-		EXPECT_EQ(requests.Num(), 1) << "left as it was";
+		EXPECT_EQ(pins.statusCode, 400);
+		EXPECT_EQ(utf8(pins.requestID), "given");
+		EXPECT_EQ(pins.httpRequests.Num(), 1) << "left as it was";
 	}
-	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "Cancel Request : URL to short."), 3);
-	EXPECT_EQ(get("abc").Num(), 1);
+	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "Cancel Request : URL to short."), 2);
 }
 
-TEST_F(Builder, MakesAnIdWhenNoneIsGiven)
+TEST_F(Builder, ChainsRecordsInCallOrderUnderIdsOfTheirOwn)
 {
-	TArray<FhttpRequest> requests;
-	FString first, second;
-	UCorvaneBPLibrary::CreateHttpRequestGET({}, "http://a", {}, "", false, requests, first);
-	UCorvaneBPLibrary::CreateHttpRequestGET({}, "http://a", {}, "", false, requests, second);
-	EXPECT_THAT(utf8(first), MatchesRegex("[0-9A-F]{32}"));
-	EXPECT_NE(utf8(first), utf8(second));
-	EXPECT_EQ(requests[0].requestCompleteObject()->getRequestID(), second);
-}
-
-TEST_F(Builder, ChainsRecordsInCallOrder)
-{
-	TArray<FhttpRequest> requests;
-	FString id;
-	UCorvaneBPLibrary::CreateHttpRequestGET({}, "http://first", {{"A", "1"}}, "", false, requests, id);
-	UCorvaneBPLibrary::CreateHttpRequestGET(requests, "http://second", {}, "", true, requests, id);
+	Pins first{.url = "http://first", .header = {{"A", "1"}}};
+	call("CreateHttpRequestGET", first);
+	Pins second{.otherHttpRequests = first.httpRequests, .url = "http://second", .bindServerSendEvent = true};
+	call("CreateHttpRequestGET", second);
+	const TArray<FhttpRequest>& requests = second.httpRequests;
 	ASSERT_EQ(requests.Num(), 2);
-	EXPECT_EQ(utf8(requests[0].url), "http://first");
-	EXPECT_EQ(utf8(requests[0].header.FindRef("a")), "1");
-	EXPECT_FALSE(requests[0].bindServerSendEvent);
-	EXPECT_EQ(utf8(requests[1].url), "http://second");
-	EXPECT_TRUE(requests[1].bindServerSendEvent);
-}
-
-TEST_F(Builder, CopiesOfARecordShareTheirCompletionObjectOnly)
-{
-	TArray<FhttpRequest> requests = get("http://a", {{"A", "1"}});
-	FhttpRequest copy = requests[0];
-	copy.header.Add("A", "2");
-	EXPECT_EQ(utf8(requests[0].header.FindRef("A")), "1");
-	EXPECT_EQ(copy.requestCompleteObject(), requests[0].requestCompleteObject());
-	const FhttpRequest empty;
-	EXPECT_EQ(empty.requestCompleteObject(), nullptr);
-	EXPECT_EQ(empty.requestType, EHTTPCorvRequestType::GET);
-	EXPECT_EQ(empty.directoryType, EHTTPCorvFileUpload::E_gd);
+	EXPECT_EQ(utf8(requests[0].url + " " + requests[0].header.FindRef("a") + " " + requests[1].url), "http://first 1 http://second");
+	EXPECT_TRUE(!requests[0].bindServerSendEvent && requests[1].bindServerSendEvent);
+	EXPECT_THAT(utf8(first.requestID), testing::MatchesRegex("[0-9A-F]{32}"));
+	EXPECT_NE(first.requestID, second.requestID);
+	EXPECT_EQ(requests[1].requestCompleteObject()->getRequestID(), second.requestID);
 }

@@ -1,22 +1,21 @@
 #include "ModuleFixture.h"
 
-#include "Containers/StringConv.h"
+#include "Host/Objects.h"
+#include "Listen.h"
 
 #include <chrono>
 #include <cstdlib>
+#include <set>
 
 namespace
 {
-	template <class T>
-	const T& argument(void* const* arguments, int index)
-	{
-		return *static_cast<const T*>(arguments[index]);
-	}
+	using Text = const FString&;
+	using Lines = const TArray<FString>&;
 
-	std::vector<std::string> utf8(const TArray<FString>& lines)
+	std::vector<std::string> utf8(Lines lines)
 	{
 		std::vector<std::string> result;
-		for (const FString& line : lines)
+		for (Text line : lines)
 		{
 			result.push_back(utf8(line));
 		}
@@ -36,48 +35,37 @@ namespace
 	}
 } // namespace
 
-std::string utf8(const FString& text)
-{
-	const FTCHARToUTF8 bytes(*text, text.Len());
-	return std::string(bytes.Get(), static_cast<size_t>(bytes.Length()));
-}
-
-FString text(std::string_view utf8)
-{
-	const FUTF8ToTCHAR units(utf8.data(), static_cast<int32>(utf8.size()));
-	return FString::ConstructFromPtrSize(units.Get(), units.Length());
-}
-
 ModuleFixture::ModuleFixture(FGameLoopSettings settings)
 	: callbacksNeedTicks(isGameThreadForced())
 	, loop(withEnvironment(settings))
 {
-	record(*UCorvaneBPLibrary::getCorvaneTarget());
+	record(library());
+}
+
+FGameLoopSettings ModuleFixture::impatient(double seconds)
+{
+	FGameLoopSettings settings;
+	settings.http.activityTimeoutSeconds = seconds;
+	return settings;
 }
 
 void ModuleFixture::record(UCorvaneBPLibrary& library)
 {
-	library.onhttpRequestCompleteDelegate.AddHandler(
-		[this](void* const* a)
-		{
-			const auto& bytes = argument<TArray<uint8>>(a, 4);
-			completions.push_back(
-				{utf8(argument<FString>(a, 0)), utf8(argument<TArray<FString>>(a, 1)), utf8(argument<TArray<FString>>(a, 2)),
-					argument<int32>(a, 3), std::string(bytes.begin(), bytes.end()), utf8(argument<FString>(a, 5))});
+	Listen(library.onhttpRequestCompleteDelegate,
+		[this](Text body, Lines lines, Lines header, int32 code, const TArray<uint8>& bytes, Text id) {
+			completions.push_back({utf8(body), utf8(lines), utf8(header), code, bytesOf(bytes), utf8(id)});
 		});
-	library.onhttpFileDownloadDelegate.AddHandler(
-		[this](void* const* a)
-		{
-			downloads.push_back({argument<float>(a, 0), argument<float>(a, 1), argument<float>(a, 2), argument<float>(a, 3),
-				utf8(argument<FString>(a, 4))});
+	Listen(library.onhttpFileDownloadDelegate,
+		[this](float size, float received, float percent, float megaBit, Text id) {
+			downloads.push_back({size, received, percent, megaBit, utf8(id)});
 		});
-	library.onhttpFileUploadDelegate.AddHandler(
-		[this](void* const* a) {
-			uploads.push_back({argument<float>(a, 0), argument<int32>(a, 1), argument<float>(a, 2), utf8(argument<FString>(a, 3))});
+	Listen(library.onhttpFileUploadDelegate,
+		[this](float size, int32 sent, float percent, Text id) {
+			uploads.push_back({size, sent, percent, utf8(id)});
 		});
-	library.onhttpServerSendEventDelegate.AddHandler(
-		[this](void* const* a) {
-			serverSendEvents.push_back({utf8(argument<FString>(a, 0)), utf8(argument<FString>(a, 1))});
+	Listen(library.onhttpServerSendEventDelegate,
+		[this](Text response, Text id) {
+			serverSendEvents.push_back({utf8(response), utf8(id)});
 		});
 }
 
@@ -98,15 +86,15 @@ void ModuleFixture::execute(TArray<FhttpRequest> requests)
 
 bool ModuleFixture::waitForCompletions(size_t number)
 {
-	return loop.WaitFor([&] { return completions.size() >= number; }, patienceSeconds);
+	return until([&] { return completions.size() >= number; });
 }
 
 void ModuleFixture::drain()
 {
 	// A handler may start the next request in the very last task, so this ends only when nothing is queued and nothing runs.
 	using clock = std::chrono::steady_clock;
-	const auto deadline = clock::now() + std::chrono::duration_cast<clock::duration>(std::chrono::duration<double>(patienceSeconds));
-	loop.RunUntilIdle([] { return UCorvaneBPLibrary::hasPendingWork(); }, [deadline] { return clock::now() >= deadline; });
+	const auto deadline = clock::now() + std::chrono::duration<double>(patienceSeconds);
+	loop.RunUntilIdle(&UCorvaneBPLibrary::hasPendingWork, [deadline] { return clock::now() >= deadline; });
 	EXPECT_FALSE(UCorvaneBPLibrary::hasPendingWork()) << "something still runs";
 }
 
@@ -117,4 +105,24 @@ Completion ModuleFixture::run(TArray<FhttpRequest> requests)
 	drain();
 	EXPECT_EQ(completions.size(), before + 1) << "one clear result";
 	return completions.size() > before ? completions.back() : Completion();
+}
+
+std::vector<std::string> ModuleFixture::takeResults()
+{
+	std::multiset<std::string> sorted;
+	for (const Completion& completion : std::exchange(completions, {}))
+	{
+		sorted.insert(completion.requestID + ": " + completion.brief());
+	}
+	return {sorted.begin(), sorted.end()};
+}
+
+bool ModuleFixture::collectUntil(size_t objects)
+{
+	return until(
+		[&]
+		{
+			loop.CollectGarbage();
+			return HostObjects::NumObjects() <= objects;
+		});
 }

@@ -2,16 +2,13 @@
 
 #include "CorvaneBPLibrary.h"
 #include "GameLoop.h"
+#include "TextSupport.h"
 #include "Waiting.h"
 
 #include <gtest/gtest.h>
 #include <optional>
 #include <string>
 #include <vector>
-
-/** Text of the module as a test compares it. */
-std::string utf8(const FString& text);
-FString text(std::string_view utf8);
 
 /** One completion event. */
 struct Completion
@@ -22,6 +19,9 @@ struct Completion
 	int32 statusCode = 0;
 	std::string byteData;
 	std::string requestID;
+
+	/** Code and text: "200 hello". */
+	std::string brief() const { return std::to_string(statusCode) + ' ' + dataString; }
 };
 
 struct DownloadProgress
@@ -57,6 +57,8 @@ protected:
 	{
 	}
 	explicit ModuleFixture(FGameLoopSettings settings);
+	/** @return settings in which a request fails after so much silence. */
+	static FGameLoopSettings impatient(double seconds);
 
 	using Headers = TMap<FString, FString>;
 
@@ -64,14 +66,21 @@ protected:
 	TArray<FhttpRequest> get(const std::string& url, const Headers& header = {}, const char* id = "", bool serverSendEvents = false);
 	void execute(TArray<FhttpRequest> requests);
 
+	/** Ticks until a condition holds. */
+	bool until(const std::function<bool()>& condition) { return loop.WaitFor(condition, patienceSeconds); }
 	/** Ticks until so many completions were recorded. */
 	bool waitForCompletions(size_t number = 1);
 	/** Ticks until nothing is pending: from here on no event can follow. */
 	void drain();
 	/** Executes and drains. @return the one completion that this brought; more or none fail the test. */
 	Completion run(TArray<FhttpRequest> requests);
+	/** @return every completion as "ID: code text", in the order of their IDs; they are forgotten. */
+	std::vector<std::string> takeResults();
+	/** Collects until no more objects than that are left: the HTTP thread may still hold one on its way out of a callback. */
+	bool collectUntil(size_t objects);
 	/** Records the events of a library: the loop's own is recorded from the beginning. */
 	void record(UCorvaneBPLibrary& library);
+	static UCorvaneBPLibrary& library() { return *UCorvaneBPLibrary::getCorvaneTarget(); }
 
 	const bool callbacksNeedTicks;
 	FGameLoop loop;

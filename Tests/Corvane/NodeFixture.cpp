@@ -1,35 +1,30 @@
 #include "NodeFixture.h"
 
-#include "Delegates/ScriptDelegates.h"
 #include "Host/AsyncActionHold.h"
+#include "Listen.h"
 #include "UObject/Class.h"
 
 namespace
 {
-	std::string pinText(const FPropertyType& type, const void* value)
+	std::string pinText(const FPropertyType& type, void* value)
 	{
-		if (&type == &PropertyTypeOf<FString>())
+		switch (type.Kind)
 		{
+		case EPropertyKind::String:
 			return utf8(*static_cast<const FString*>(value));
-		}
-		if (&type == &PropertyTypeOf<int32>())
-		{
+		case EPropertyKind::Byte:
+			return std::string(1, *static_cast<const char*>(value));
+		case EPropertyKind::Int:
 			return std::to_string(*static_cast<const int32*>(value));
-		}
-		if (&type == &PropertyTypeOf<int64>())
-		{
+		case EPropertyKind::Int64:
 			return std::to_string(*static_cast<const int64*>(value));
+		default:
+			break;
 		}
 		std::string all;
-		if (&type == &PropertyTypeOf<TArray<uint8>>())
+		for (int32 index = 0; index < type.ArrayNum(value); ++index)
 		{
-			const auto& bytes = *static_cast<const TArray<uint8>*>(value);
-			return std::string(bytes.begin(), bytes.end());
-		}
-		EXPECT_EQ(&type, &PropertyTypeOf<TArray<FString>>());
-		for (const FString& entry : *static_cast<const TArray<FString>*>(value))
-		{
-			all += utf8(entry) + "\n";
+			all += pinText(*type.Inner(), type.ArrayAt(value, index)) + (type.Inner()->Kind == EPropertyKind::String ? "\n" : "");
 		}
 		return all;
 	}
@@ -40,28 +35,20 @@ namespace
 		return place == head.npos ? 0 : std::stoul(head.substr(place + 18));
 	}
 
-	std::string driveView()
-	{
-		std::string fields = R"(["id","level.pak")";
-		for (int field = 2; field < 27; ++field)
-		{
-			fields += ",null";
-		}
-		return "viewer({itemJson:" + fields + ",\"1572864\"]});";
-	}
+	/** A Drive file of 1.5 MB. */
+	constexpr const char* driveView =
+		"viewer({itemJson:[\"id\",\"level.pak\",null,null,null,null,null,null,null,null,null,null,null,null,null,null,null,null,null,null,"
+		"null,null,null,null,null,null,null,\"1572864\"]});";
 
 	std::string answerFor(const RangeRequest& request)
 	{
 		const std::string target = targetOf(request.head);
 		if (target.starts_with("/file/d/"))
 		{
-			return answer(200, driveView());
+			return answer(200, driveView);
 		}
-		if (target.starts_with("/uc") && target.find("confirm") == target.npos)
-		{
-			return answer(200, "<a href=\"/uc;confirm=t0k3n&x\">");
-		}
-		return rangedAnswer(NodeOrigin::content, request);
+		const bool bPage = target.starts_with("/uc") && target.find("confirm") == target.npos;
+		return bPage ? answer(200, "<a href=\"/uc;confirm=t0k3n&x\">") : rangedAnswer("0123456789", request);
 	}
 
 	/** Replaces the number behind each occurrence of a mark. @return whether there was any. */
@@ -104,29 +91,33 @@ void NodeOrigin::serve(Connection& connection, const RangeRequest& request)
 	connection.send(answerFor(request));
 }
 
-std::vector<std::string> NodeOrigin::requests() const
+std::vector<std::string> NodeOrigin::takeRequests()
 {
 	const std::scoped_lock lock(mutex);
-	return received;
-}
-
-void NodeOrigin::forget()
-{
-	const std::scoped_lock lock(mutex);
-	received.clear();
+	return std::exchange(received, {});
 }
 
 NodeFixture::NodeFixture()
 {
-	library().onhttpRequestCompleteGoogleInfoDelegate.AddHandler(
-		[this](void* const* a) { fileInfos.push_back(utf8(*static_cast<const FString*>(a[4]))); });
+	Listen(library().onhttpRequestCompleteGoogleInfoDelegate,
+		[this](const FString&, int64, int32, const FString&, const FString& id) { fileInfos.push_back(utf8(id)); });
 	library().setUploadGracePeriod(0);
 }
 
-NodeSite NodeFixture::site(const NodeOrigin& origin) const
+Pins NodeFixture::pins(const NodeOrigin& origin) const
 {
-	UCorvaneBPLibrary::setGoogleDriveBase(origin.base());
-	return {text(origin.url()), text(dir.write("upload.txt", "to be sent")), text(dir.path("download.bin")), "level"};
+	UCorvaneBPLibrary::setGoogleDriveBase(origin.url(""));
+	const FString file = text(dir.write("upload.txt", "to be sent"));
+	// Two entries each, so that their order shows. The path is the content of an individual text as well.
+	return {.url = origin.url(),
+		.downloadID = "level",
+		.header = {{"Content-Type", "text/x-own"}, {"X-Two", "2"}},
+		.content = file,
+		.filePathWithFileName = text(dir.path("download.bin")),
+		.filePath = file,
+		.filePaths = {file, file},
+		.fileIDs = {"one", "two"},
+		.POSTData = {{"b", "1"}, {"a", "2"}}};
 }
 
 void NodeFixture::listen(UAsyncNodeCorv& node)
@@ -137,10 +128,9 @@ void NodeFixture::listen(UAsyncNodeCorv& node)
 			[this, &event, weak = TWeakObjectPtr<UAsyncNodeCorv>(&node)](void* const* arguments)
 			{
 				Outcome outcome{event.Name, {}};
-				for (size_t index = 0; index < event.Signature->Parameters.size(); ++index)
+				for (const FParameter& parameter : event.Signature->Parameters)
 				{
-					const FParameter& parameter = event.Signature->Parameters[index];
-					outcome.pins[parameter.Name] = pinText(parameter.Type(), arguments[index]);
+					outcome.pins[parameter.Name] = pinText(parameter.Type(), *arguments++);
 				}
 				outcomes.push_back(outcome);
 				if (duringOutcome)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Calls.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"
 #include "RangeOrigin.h"
@@ -15,33 +16,27 @@ struct Outcome
 	std::string output;
 	std::map<std::string, std::string> pins;
 
-	int statusCode() const { return std::stoi(pins.at("statusCode")); }
+	/** The output and the status: "OnFail 404". */
+	std::string brief() const { return output + ' ' + pins.at("statusCode"); }
 	std::string requestID() const { return pins.at("requestID"); }
-};
-
-/** Where a request goes and what it is about. */
-struct NodeSite
-{
-	FString url;
-	FString file; // to upload
-	FString target; // of a download
-	FString downloadID;
 };
 
 /** One factory, and the builder that does the same. */
 struct NodeKind
 {
-	const char* name;
-	UAsyncNodeCorv* (*make)(const NodeSite& site, const FString& id);
-	TArray<FhttpRequest> (*build)(const NodeSite& site, const FString& id);
+	std::string name;
+	std::string_view factory;
+	std::string_view builder;
+	void (*adjust)(Pins& pins) = [](Pins&) {};
+
+	UAsyncNodeCorv* make(Pins pins, const FString& id) const;
+	TArray<FhttpRequest> build(Pins pins, const FString& id) const;
+	friend void PrintTo(const NodeKind& kind, std::ostream* stream) { *stream << kind.name; }
 };
 
 /** All factories; some with more than one choice of their pins. */
 extern const std::vector<NodeKind> nodeKinds;
 const NodeKind& nodeKind(std::string_view name);
-
-/** Shows the name alone. */
-void PrintTo(const NodeKind& kind, std::ostream* stream);
 
 /** Answers what all kinds of nodes ask for, and keeps the requests. */
 class NodeOrigin
@@ -50,22 +45,19 @@ public:
 	/** @param gate  every answer waits for it, when given. Outlives this object. */
 	explicit NodeOrigin(Gate* gate = nullptr);
 
-	std::string url() const { return origin.url(); }
-	/** Scheme and host. */
-	FString base() const { return text(origin.url("")); }
-	/** Heads with their bodies, in the order in which they ended; what differs from one form to the next is taken out. */
-	std::vector<std::string> requests() const;
-	void forget();
+	FString url(std::string_view path = "/file") const { return text(origin.url(path)); }
+	/**
+	 * Heads with their bodies since the last call, in the order in which they ended; what differs from one form to the next is
+	 * taken out.
+	 */
+	std::vector<std::string> takeRequests();
 	size_t begun() const { return origin.ranges().size(); }
-
-	/** The body of plain answers and downloads. */
-	static constexpr const char* content = "0123456789";
 
 private:
 	void serve(Connection& connection, const RangeRequest& request);
 
 	Gate* const gate;
-	mutable std::mutex mutex;
+	std::mutex mutex;
 	std::vector<std::string> received;
 	RangeOrigin origin; // last: its threads use all of the above
 };
@@ -76,12 +68,10 @@ class NodeFixture : public ModuleFixture
 protected:
 	NodeFixture();
 
-	static UCorvaneBPLibrary& library() { return *UCorvaneBPLibrary::getCorvaneTarget(); }
-
-	/** The origin's, with the files of this test and the Drive service played by the origin as well. */
-	NodeSite site(const NodeOrigin& origin) const;
-	/** One that every builder refuses. */
-	static NodeSite badSite() { return {"x", "", "", ""}; }
+	/** For the origin, with the files of this test and the Drive service played by the origin as well. */
+	Pins pins(const NodeOrigin& origin) const;
+	/** What every builder refuses. */
+	static Pins badPins() { return {.url = "x"}; }
 
 	/** Records the outcomes of a node. */
 	void listen(UAsyncNodeCorv& node);
@@ -92,6 +82,7 @@ protected:
 	/** Whether a node has told whoever holds it to let go. */
 	static bool hasEnded(UAsyncNodeCorv& node);
 
+	LogCapture log;
 	TempDir dir;
 	std::vector<Outcome> outcomes;
 	std::vector<std::string> fileInfos; // request IDs of the library's event

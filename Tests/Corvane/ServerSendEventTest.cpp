@@ -1,141 +1,95 @@
+#include "Calls.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"
-#include "RawServer.h"
-
-#include <gmock/gmock.h>
-
-using testing::AllOf;
-using testing::ElementsAre;
-using testing::Field;
+#include "ServerKit.h"
 
 namespace
 {
-	constexpr const char* streamHead = "HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\nConnection: close\r\n\r\n";
+	const std::string streamHead = "HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\nConnection: close\r\n\r\n";
+
+	struct Stream
+	{
+		std::string first, second; // bytes of the server; between them the first event arrives
+		std::string events; // with a bar between them
+		std::string result;
+	};
+
+	const Stream streams[] = {
+		{streamHead + "data: one\n\n", "data: two\n\n", "data: one\n\n|data: two\n\n", "200 data: one\n\ndata: two\n\n"},
+		{streamHead + "caf\xC3", "\xA9!", "caf\uFFFD|\uFFFD!", "200 caf\u00e9!"}, // cut in a character
+		{answer(429, "slow down"), "", "slow down", "429 slow down"},
+		{"HTTP/1.1 429 X\r\nContent-Length: 9\r\n\r\nslow dow", "", "slow dow", "429 slow dow"},
+		{"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\ndata", "", "data", "500 No Response"},
+	};
 
 	class ServerSendEvents : public ModuleFixture
 	{
 	protected:
 		ServerSendEvents()
-			: ModuleFixture(settings())
+			: ModuleFixture(impatient(0.5))
 		{
 		}
 
-		static FGameLoopSettings settings()
+		/** @return the pieces that have come since the last call. */
+		std::string takePieces(const char* between = "")
 		{
-			FGameLoopSettings settings;
-			settings.http.activityTimeoutSeconds = 0.5;
-			return settings;
+			std::string all;
+			for (const ServerSendEvent& event : std::exchange(serverSendEvents, {}))
+			{
+				EXPECT_EQ(event.requestID, "sse");
+				all += (all.empty() ? "" : between) + event.response;
+			}
+			return all;
 		}
 
-		bool waitForPieces(size_t number)
-		{
-			return loop.WaitFor([this, number] { return serverSendEvents.size() >= number; }, patienceSeconds);
-		}
-
-		void expectOneCompletion(int32 statusCode, const std::string& dataString)
-		{
-			ASSERT_EQ(completions.size(), 1u);
-			EXPECT_EQ(completions[0].statusCode, statusCode);
-			EXPECT_EQ(completions[0].dataString, dataString);
-		}
+		LogCapture log;
 	};
 } // namespace
 
 TEST_F(ServerSendEvents, ComeInPiecesAndWithoutProgress)
 {
-	Gate first, second;
+	for (const Stream& stream : streams)
+	{
+		Gate next;
+		RawServer origin(saying(stream.first, &next, stream.second));
+		execute(get(origin.url(), {}, "sse", true));
+		ASSERT_TRUE(until([this] { return !serverSendEvents.empty(); })) << stream.result;
+		next.open();
+		drain();
+		EXPECT_EQ(takePieces("|"), stream.events);
+		EXPECT_EQ(takeResults(), std::vector<std::string>{"sse: " + stream.result});
+	}
+	EXPECT_TRUE(downloads.empty());
+}
+
+TEST_F(ServerSendEvents, OfARedirectAreThoseOfItsTargetAndSilenceIsAFailure)
+{
+	Gate never;
+	const std::string away = answer(302, "data: a body longer than that of the target\n\n", "Location: /target\r\n");
 	RawServer origin(
 		[&](Connection& connection)
 		{
 			connection.readHead();
-			connection.send(std::string(streamHead) + "data: one\n\n");
-			connection.waitFor(first);
-			connection.send("data: two\n\n");
-			connection.waitFor(second);
+			connection.send(away);
+			saying(streamHead + "data: target\n\n", &never)(connection);
 		});
-	execute(get(origin.url(), {}, "sse", true));
-	ASSERT_TRUE(waitForPieces(1));
-	first.open();
-	ASSERT_TRUE(waitForPieces(2));
-	second.open();
-	drain();
-	EXPECT_THAT(
-		serverSendEvents, ElementsAre(AllOf(Field(&ServerSendEvent::response, "data: one\n\n"), Field(&ServerSendEvent::requestID, "sse")),
-							  Field(&ServerSendEvent::response, "data: two\n\n")));
-	EXPECT_TRUE(downloads.empty());
-	ASSERT_EQ(completions.size(), 1u);
-	EXPECT_EQ(completions[0].dataString, "data: one\n\ndata: two\n\n");
+	EXPECT_EQ(run(get(origin.url(), {}, "sse", true)).brief(), "500 No Response");
+	EXPECT_EQ(takePieces(), "data: target\n\n");
 }
 
 TEST_F(ServerSendEvents, OfAPostAndOfARecordExecutedAgainBeginWithTheFirstByte)
 {
 	RawServer origin(answering([](const std::string&) { return answer(200, "data: one\n\n"); }));
-	TArray<FhttpRequest> records = get(origin.url(), {}, "", true);
-	FString id;
-	UCorvaneBPLibrary::CreateHttpRequestPOST(records, text(origin.url()), {}, {}, "", true, records, id);
+	const TArray<FhttpRequest> records = build("CreateHttpRequestPOST", {.otherHttpRequests = get(origin.url(), {}, "sse", true),
+																			.url = text(origin.url()),
+																			.bindServerSendEvent = true,
+																			.optionalRequestID = "sse"});
 	for (int round = 0; round < 2; ++round)
 	{
-		serverSendEvents.clear();
 		execute(records);
 		drain();
-		std::string together;
-		for (const ServerSendEvent& event : serverSendEvents)
-		{
-			together += event.response;
-		}
-		EXPECT_EQ(together, "data: one\n\ndata: one\n\n");
+		EXPECT_EQ(takePieces(), "data: one\n\ndata: one\n\n");
 	}
-}
-
-TEST_F(ServerSendEvents, MayBeCutInsideACharacterThatTheWholeBodyShows)
-{
-	Gate first;
-	RawServer origin(
-		[&](Connection& connection)
-		{
-			connection.readHead();
-			connection.send(std::string(streamHead) + "caf\xC3");
-			connection.waitFor(first);
-			connection.send("\xA9!");
-		});
-	execute(get(origin.url(), {}, "", true));
-	ASSERT_TRUE(waitForPieces(1));
-	first.open();
-	drain();
-	EXPECT_THAT(
-		serverSendEvents, ElementsAre(Field(&ServerSendEvent::response, "caf\uFFFD"), Field(&ServerSendEvent::response, "\uFFFD!")));
-	expectOneCompletion(200, "caf\u00e9!");
-}
-
-TEST_F(ServerSendEvents, OfARedirectAreThoseOfItsTarget)
-{
-	RawServer origin(answering(
-		[](const std::string& head)
-		{
-			return targetOf(head) == "/" ? answer(302, "data: a body longer than that of the target\n\n", "Location: /target\r\n")
-										 : answer(200, "data: target\n\n");
-		}));
-	execute(get(origin.url(), {}, "", true));
-	drain();
-	EXPECT_THAT(serverSendEvents, ElementsAre(Field(&ServerSendEvent::response, "data: target\n\n")));
-	expectOneCompletion(200, "data: target\n\n");
-}
-
-TEST_F(ServerSendEvents, OfAStreamThatFallsSilentEndInAFailure)
-{
-	LogCapture log;
-	Gate never;
-	RawServer origin(
-		[&](Connection& connection)
-		{
-			connection.readHead();
-			connection.send(std::string(streamHead) + "data: one\n\n");
-			connection.waitFor(never);
-		});
-	execute(get(origin.url(), {}, "", true));
-	drain();
-	EXPECT_THAT(serverSendEvents, ElementsAre(Field(&ServerSendEvent::response, "data: one\n\n")));
-	expectOneCompletion(500, "No Response");
 }
 
 TEST_F(ServerSendEvents, OfAnEndlessStreamEndWithACancel)
@@ -144,25 +98,22 @@ TEST_F(ServerSendEvents, OfAnEndlessStreamEndWithACancel)
 		[](Connection& connection)
 		{
 			connection.readHead();
-			connection.send(streamHead);
-			for (;;)
+			for (connection.send(streamHead);;)
 			{
 				connection.send("data: again\n\n"); // ends when the client hangs up
 			}
 		});
-	execute(get(origin.url(), {}, "endless", true));
-	ASSERT_TRUE(waitForPieces(3));
-	UCorvaneBPLibrary::cancelRequest("endless");
+	execute(get(origin.url(), {}, "sse", true));
+	ASSERT_TRUE(until([this] { return serverSendEvents.size() >= 3; }));
+	UCorvaneBPLibrary::cancelRequest("sse");
 	drain();
-	expectOneCompletion(500, "No Response");
+	EXPECT_EQ(takeResults(), std::vector<std::string>{"sse: 500 No Response"});
 }
 
 TEST_F(ServerSendEvents, BringEachByteOnceAndInOrderWhileTheBodyGrows)
 {
-	LogCapture log;
-	constexpr size_t events = 50000;
 	std::string body;
-	for (size_t number = 0; number < events; ++number)
+	for (size_t number = 0; number < 50000; ++number)
 	{
 		body += "data: " + std::to_string(number * number) + "\n\n";
 	}
@@ -176,34 +127,8 @@ TEST_F(ServerSendEvents, BringEachByteOnceAndInOrderWhileTheBodyGrows)
 				connection.send(body.substr(sent, piece));
 			}
 		});
-	execute(get(origin.url(), {}, "", true));
-	drain();
-	std::string together;
-	for (const ServerSendEvent& event : serverSendEvents)
-	{
-		together += event.response;
-	}
-	EXPECT_TRUE(together == body);
-	expectOneCompletion(200, body);
-	EXPECT_EQ(completions[0].byteData.size(), body.size());
+	const Completion result = run(get(origin.url(), {}, "sse", true));
+	EXPECT_TRUE(takePieces() == body);
+	EXPECT_TRUE(result.brief() == "200 " + body && result.byteData == body);
 	EXPECT_EQ(log.count("LogHttp", ELogVerbosity::Warning), 0) << "a running response is left alone";
-}
-
-TEST_F(ServerSendEvents, OfARefusalComeWithItsCodeAndText)
-{
-	LogCapture log;
-	for (const bool whole : {true, false})
-	{
-		completions.clear();
-		RawServer origin(
-			[&](Connection& connection)
-			{
-				connection.readHead();
-				const std::string page = answer(429, "slow down");
-				connection.send(whole ? page : page.substr(0, page.size() - 1));
-			});
-		execute(get(origin.url(), {}, "", true));
-		drain();
-		expectOneCompletion(429, whole ? "slow down" : "slow dow");
-	}
 }

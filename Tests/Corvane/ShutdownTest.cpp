@@ -1,28 +1,33 @@
 #include "LogCapture.h"
 #include "Misc/CoreDelegates.h"
 #include "ModuleFixture.h"
-#include "RawServer.h"
+#include "ServerKit.h"
 
-class EndOfProgram : public ModuleFixture
+namespace
 {
-};
+	class EndOfProgram : public ModuleFixture
+	{
+	protected:
+		/** Starts so many requests that are never answered. */
+		void startUnanswered(int number)
+		{
+			for (int count = 0; count < number; ++count)
+			{
+				execute(get(silent.url()));
+			}
+			ASSERT_TRUE(waitFor([&] { return silent.connectionCount() == number; }));
+		}
+		int errors(const char* part) const { return log.count("LogTemp", ELogVerbosity::Error, part); }
+
+		LogCapture log;
+		Gate never;
+		RawServer silent{saying("", &never)};
+	};
+} // namespace
 
 TEST_F(EndOfProgram, CancelsWhatStillRuns)
 {
-	Gate never;
-	RawServer server(
-		[&](Connection& connection)
-		{
-			connection.readHead();
-			connection.waitFor(never);
-		});
-	TArray<FhttpRequest> requests;
-	for (int number = 0; number < 50; ++number)
-	{
-		requests.Append(get(server.url()));
-	}
-	execute(requests);
-	ASSERT_TRUE(waitFor([&] { return server.connectionCount() == 50; }));
+	startUnanswered(50);
 	const auto start = std::chrono::steady_clock::now();
 	loop.Shutdown();
 	EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4)) << "it need not use up its time limit";
@@ -46,60 +51,31 @@ TEST_F(EndOfProgram, EndsRequestsWhileAllObjectsAreThere)
 		bool hasLibrary = false;
 		bool isIdle = false;
 	} observer;
-	LogCapture log;
-	Gate never;
-	RawServer server(
-		[&](Connection& connection)
-		{
-			connection.readHead();
-			connection.waitFor(never);
-		});
-	execute(get(server.url()));
-	ASSERT_TRUE(waitFor([&] { return server.connectionCount() == 1; }));
-	observer.late = get(server.url());
+	startUnanswered(1);
+	observer.late = get(silent.url());
 	FCoreDelegates::OnPreExit.AddRaw(&observer, &Observer::look); // it hears of the end behind the module
 	loop.Shutdown();
 	FCoreDelegates::OnPreExit.RemoveAll(&observer);
 	EXPECT_TRUE(observer.hasLibrary);
 	EXPECT_TRUE(observer.isIdle) << "modules are shut down too late for what a request still has to do";
-	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "The module is shutting down."), 1) << "no new request";
+	EXPECT_EQ(errors("The module is shutting down."), 1) << "no new request";
 }
 
-TEST_F(EndOfProgram, MayComeAtAnyMomentOfARequest)
+TEST_F(EndOfProgram, RecordsAreRefusedWithoutALibraryAndSkippedByALaterOne)
 {
-	RawServer server(answering([](const std::string&) { return answer(200, std::string(100000, 'x')); }));
-	for (int moment = 0; moment < 20; ++moment)
-	{
-		FGameLoopSettings settings;
-		loop.Shutdown();
-		FGameLoop next(settings);
-		TArray<FhttpRequest> requests = get(server.url());
-		execute(requests);
-		waitFor([&] { return server.connectionCount() > moment; });
-		next.WaitFor([] { return false; }, 0.0005 * moment);
-	}
-}
-
-TEST_F(EndOfProgram, RefusesRequestsWithoutALibrary)
-{
-	LogCapture log;
-	TArray<FhttpRequest> requests = get("http://127.0.0.1/");
+	const TArray<FhttpRequest> before = get(silent.url());
 	loop.Shutdown();
+	const TArray<FhttpRequest> between = get(silent.url());
 	UCorvaneBPLibrary* target = UCorvaneBPLibrary::corv;
-	UCorvaneBPLibrary::executeHttpRequests(requests, target);
+	UCorvaneBPLibrary::executeHttpRequests(before, target);
 	EXPECT_EQ(target, nullptr);
-	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "executeHttpRequests"), 1);
-}
+	EXPECT_EQ(errors("executeHttpRequests"), 1);
 
-TEST_F(EndOfProgram, SkipsRecordsOfAnEarlierOne)
-{
-	LogCapture log;
-	const TArray<FhttpRequest> before = get("http://127.0.0.1:1/");
-	loop.Shutdown();
-	const TArray<FhttpRequest> between = get("http://127.0.0.1:1/");
+	constexpr const char* skipped = "UCorvaneBPLibrary: Missing Object instance (153).";
+	const int skippedBefore = errors(skipped);
 	FGameLoop next;
 	execute(before);
 	execute(between);
-	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "UCorvaneBPLibrary: Missing Object instance (153)."), 2);
+	EXPECT_EQ(errors(skipped) - skippedBefore, 2);
 	EXPECT_FALSE(UCorvaneBPLibrary::hasPendingWork());
 }

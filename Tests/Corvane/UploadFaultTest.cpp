@@ -1,7 +1,5 @@
 #include "FileKit.h"
 #include "Host/Objects.h"
-#include "ListeningNode.h"
-#include "UObject/UObjectGlobals.h"
 #include "UploadFixture.h"
 
 #include <fstream>
@@ -180,19 +178,6 @@ TEST_F(UploadFault, ACopyThatHasNoPlaceIsRefused)
 	EXPECT_EQ(logged(ELogVerbosity::Error, stillOpen), 1);
 	EXPECT_THAT(files(), ElementsAre("A.BIN", "A.BIN/a.bin"));
 	EXPECT_EQ(dir.read("A.BIN/a.bin"), "hello");
-}
-
-TEST_F(UploadFault, ARefusalGoesToTheNodeThatWaits)
-{
-	UListeningNode* node = NewObject<UListeningNode>();
-	node->AddToRoot();
-	library().registerUAsyncNodeHttpRequest("node", node);
-	execute(put(sink.url(), dir.path("missing"), Type::PUT_STREAM_MP, {"f", {}, {}, "node"}));
-	EXPECT_TRUE(node->statusCodes.empty()) << "never inside the call";
-	drain();
-	EXPECT_THAT(node->statusCodes, ElementsAre(400));
-	EXPECT_TRUE(completions.empty());
-	node->RemoveFromRoot();
 }
 
 TEST_F(UploadFault, AFileIsInOneUploadThatChangesItAtATime)

@@ -5,9 +5,7 @@
 #include "Runs/CorvThread.h"
 #include "UObject/UObjectGlobals.h"
 
-class Worker : public ModuleFixture
-{
-};
+using Worker = ModuleFixture;
 
 TEST_F(Worker, ProgressThatFindsOtherWaitingTakesItsPlace)
 {

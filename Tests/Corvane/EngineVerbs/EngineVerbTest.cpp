@@ -2,9 +2,7 @@
 #include "ModuleFixture.h"
 #include "RawServer.h"
 
-class EngineVerbs : public ModuleFixture
-{
-};
+using EngineVerbs = ModuleFixture;
 
 TEST_F(EngineVerbs, ThatWouldEndTheProcessAreRefused)
 {
