@@ -135,7 +135,7 @@ namespace
 			command->add_option("--whole-mebibytes", wholeMebibytes, "Size for WHOLE")->capture_default_str();
 			command->add_option("--stepped-mebibytes", steppedMebibytes, "Size for STEPPED")->capture_default_str();
 			command->add_option("--folder", folder, "Where the files lie; empty = the folder for temporary files");
-			addPairs(*command, pairs, "Pairs of runs behind one warm-up pair, Corvane's in a fresh process");
+			addPairs(*command, pairs, "Pairs of runs after one warm-up pair, Corvane's in a fresh process");
 			command->add_option("--url", url)->group(""); // for the fresh processes alone, like the next
 			command->add_option("--target", target)->group("");
 			return command;

@@ -55,7 +55,7 @@ namespace
 			CLI::App* command = program.add_subcommand("event-latency", "From the sending of a server-sent event to its handler");
 			command->add_option("--rate", rate, "Events a second")->capture_default_str()->check(CLI::PositiveNumber);
 			command->add_option("--seconds", seconds, "Length of one run")->capture_default_str()->check(CLI::PositiveNumber);
-			addPairs(*command, pairs, "Pairs of runs behind one warm-up pair");
+			addPairs(*command, pairs, "Pairs of runs after one warm-up pair");
 			return command;
 		}
 

@@ -44,7 +44,7 @@ namespace
 		{
 			CLI::App* command = program.add_subcommand("idle-program", "CPU time of a program in which nothing happens");
 			command->add_option("--seconds", seconds, "Length of one run")->capture_default_str()->check(CLI::PositiveNumber);
-			addPairs(*command, pairs, "Pairs of runs behind one warm-up pair");
+			addPairs(*command, pairs, "Pairs of runs after one warm-up pair");
 			return command;
 		}
 

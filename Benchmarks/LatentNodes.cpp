@@ -42,7 +42,7 @@ namespace
 			CLI::App* command = program.add_subcommand("node-overhead", "The same small GETs by latent nodes, and by builder and event");
 			command->add_option("--requests", requests, "Requests of one run")->capture_default_str()->check(CLI::PositiveNumber);
 			command->add_option("--in-flight", inFlight, "Requests at a time")->capture_default_str()->check(CLI::PositiveNumber);
-			addPairs(*command, pairs, "Pairs of runs behind one warm-up pair");
+			addPairs(*command, pairs, "Pairs of runs after one warm-up pair");
 			return command;
 		}
 

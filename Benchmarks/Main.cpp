@@ -25,7 +25,7 @@ namespace
 		{
 			std::unique_ptr<Workload> workload = make();
 			CLI::App* app = workload->addTo(program);
-			app->fallthrough(); // options of the program may stand behind the workload
+			app->fallthrough(); // options of the program may stand after the workload
 			commands.push_back({std::move(workload), app});
 		}
 		return commands;

@@ -22,7 +22,7 @@ namespace
 			command->add_option("--requests", requests, "Requests of one run")->capture_default_str()->check(CLI::PositiveNumber);
 			command->add_option("--in-flight", inFlight, "Requests at a time; each value is measured")->capture_default_str();
 			command->add_option("--bytes", bytes, "Bytes of each answer")->capture_default_str()->check(CLI::NonNegativeNumber);
-			addPairs(*command, pairs, "Pairs of runs behind one warm-up pair");
+			addPairs(*command, pairs, "Pairs of runs after one warm-up pair");
 			return command;
 		}
 

@@ -140,7 +140,7 @@ namespace
 			command->add_option("--stream-mebibytes", streamMebibytes, "Size of files that are streamed")->capture_default_str();
 			command->add_option("--memory-mebibytes", memoryMebibytes, "Size of files that are loaded")->capture_default_str();
 			command->add_option("--kind", wanted, "Only these kinds: PUT_STREAM_BLANK, PUT_STREAM_MP, PUT_STREAM_COPY, POST, PUT, ...");
-			addPairs(*command, pairs, "Pairs of runs behind one warm-up pair, each run in a fresh process");
+			addPairs(*command, pairs, "Pairs of runs after one warm-up pair, each run in a fresh process");
 			command->add_option("--url", url)->group(""); // for the fresh processes alone, like the next
 			command->add_option("--file", file)->group("");
 			return command;

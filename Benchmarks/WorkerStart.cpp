@@ -123,7 +123,7 @@ namespace
 			command->add_option("--waiting", waiting, "Requests that wait at a time for the memory")
 				->capture_default_str()
 				->check(CLI::PositiveNumber);
-			addPairs(*command, pairs, "Pairs of runs behind one warm-up pair; those of the memory have a fresh process each");
+			addPairs(*command, pairs, "Pairs of runs after one warm-up pair; those of the memory have a fresh process each");
 			command->add_option("--side", side)->group(""); // for the fresh processes alone
 			return command;
 		}

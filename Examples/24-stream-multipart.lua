@@ -30,7 +30,7 @@ target.onhttpRequestCompleteDelegate:Add(function(e)
 	print(e.statusCode, answer)
 end)
 
--- The repair comes two seconds behind the end of the upload.
+-- The repair comes two seconds after the end of the upload.
 assert(wait(function() return answer and contentNow() == content end, 20), "the file did not become what it was")
 print("now it is as before")
 os.remove(path)

@@ -1,4 +1,4 @@
--- A large file in steps as a latent node: its outcome comes behind the last step
+-- A large file in steps as a latent node: its outcome comes after the last step
 -- Run it with: ./corvane run Examples/34-node-download-in-steps.lua URL
 
 local path = os.tmpname()

@@ -77,7 +77,7 @@ CLI::App* FileWorkload::addTo(CLI::App& program)
 	CLI::App* command = program.add_subcommand(description.name, description.summary);
 	command->add_option("--mebibytes", description.mebibytes, "Size of the file")->capture_default_str()->check(CLI::PositiveNumber);
 	command->add_option("--folder", root, "Where the files are made")->capture_default_str()->check(CLI::ExistingDirectory);
-	addPairs(*command, pairs, "Pairs of runs behind one warm-up pair");
+	addPairs(*command, pairs, "Pairs of runs after one warm-up pair");
 	command->add_option("--work-on", workOn)->group("");
 	addOptions(*command);
 	return command;

@@ -56,7 +56,7 @@ void SilentServer::serve()
 				readFrom(ready);
 			}
 		}
-		if (isDropping.exchange(false)) // behind the events, which name connections that have to exist
+		if (isDropping.exchange(false)) // after the events, which name connections that have to exist
 		{
 			eventfd_t ignored = 0;
 			eventfd_read(wakeUp.get(), &ignored);

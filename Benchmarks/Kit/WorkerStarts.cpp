@@ -103,7 +103,7 @@ namespace
 			{
 				startAll();
 				isAsleep = true;
-				// The queue is looked at again behind the flag: a wish that came in between has woken nobody.
+				// The queue is looked at again after the flag: a wish that came in between has woken nobody.
 				if (wishes.IsEmpty())
 				{
 					wakeUp.wait();

@@ -109,7 +109,7 @@ namespace
 			{"breaks off chunks", breakingOff(chunked(200, "", content), 7), absent, 500, content},
 			{"breaks off the rest", breakingOff(partAnswer("bytes 1000-4999/5000", tail), 3000), prefix, 500, content.substr(0, 2000)},
 			{"breaks off a wrong part", breakingOff(partAnswer("bytes 0-4999/5000", content), 3000), prefix, 500, prefix},
-			{"breaks off the whole file behind a part", breakingOff(answer(200, content), 3000), prefix, 500, prefix},
+			{"breaks off the whole file after a part", breakingOff(answer(200, content), 3000), prefix, 500, prefix},
 			{"breaks off before the body", breakingOff(answer(200, content), 5000), absent, 500, absent},
 			{"falls silent", fallSilent, absent, 500, content.substr(0, 1000)},
 			{"removes the directory", removeDirectory, absent, 200, content},

@@ -51,7 +51,7 @@ namespace
 		return bPage ? answer(200, "<a href=\"/uc;confirm=t0k3n&x\">") : rangedAnswer("0123456789", request);
 	}
 
-	/** Replaces the number behind each occurrence of a mark. @return whether there was any. */
+	/** Replaces the number after each occurrence of a mark. @return whether there was any. */
 	bool replaceNumbers(std::string& text, std::string_view mark)
 	{
 		bool isFound = false;

@@ -10,7 +10,7 @@
 #include <map>
 #include <mutex>
 
-/** What one of a node's outputs said: every pin by its name, lists with their entries behind each other. */
+/** What one of a node's outputs said: every pin by its name, lists with their entries after each other. */
 struct Outcome
 {
 	std::string output;

@@ -17,6 +17,11 @@ namespace
 		bool bHasIdInOutcome;
 	};
 
+	void PrintTo(const NodeClass& nodeClass, std::ostream* out)
+	{
+		*out << nodeClass.name;
+	}
+
 	template <class T>
 	UAsyncNodeCorv* registered(const FString& id)
 	{

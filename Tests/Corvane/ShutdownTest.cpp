@@ -53,7 +53,7 @@ TEST_F(EndOfProgram, EndsRequestsWhileAllObjectsAreThere)
 	} observer;
 	startUnanswered(1);
 	observer.late = get(silent.url());
-	FCoreDelegates::OnPreExit.AddRaw(&observer, &Observer::look); // it hears of the end behind the module
+	FCoreDelegates::OnPreExit.AddRaw(&observer, &Observer::look); // it hears of the end after the module
 	loop.Shutdown();
 	FCoreDelegates::OnPreExit.RemoveAll(&observer);
 	EXPECT_TRUE(observer.hasLibrary);

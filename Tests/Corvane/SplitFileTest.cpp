@@ -32,7 +32,7 @@ namespace
 			return told;
 		}
 
-		/** @return the bytes of all parts, one behind the other. */
+		/** @return the bytes of all parts, one after the other. */
 		std::string joined() const
 		{
 			std::string bytes;

@@ -186,7 +186,7 @@ TEST_F(SteppedDownload, CarriesItsSpeedOnFromStepToStep)
 		[&](Connection& connection, const RangeRequest& request)
 		{
 			first = request.number < 2 ? steady_clock::now() : first;
-			std::this_thread::sleep_until(first + milliseconds(request.number == 2 ? 1200 : 0)); // a second behind the probe's byte
+			std::this_thread::sleep_until(first + milliseconds(request.number == 2 ? 1200 : 0)); // a second after the probe's byte
 			connection.send(rangedAnswer(content, request));
 		});
 	fetch({origin.url(), DownloadKind::Stepped});

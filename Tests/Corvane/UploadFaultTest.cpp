@@ -28,7 +28,7 @@ namespace
 			EXPECT_EQ(sink.connectionCount(), 0);
 		}
 
-		/** @return the codes of requests that run one behind the other. */
+		/** @return the codes of requests that run one after the other. */
 		std::vector<int> codes(const TArray<FhttpRequest>& requests)
 		{
 			std::vector<int> result;

@@ -71,11 +71,11 @@ protected:
 	/** The file as a POST, as an individual PUT whose body it is, and by every type. */
 	static TArray<FhttpRequest> ofEveryKind(const std::string& url, const std::string& path);
 
-	/** The tail that stands behind a file of this size during its upload. */
+	/** The tail that stands after a file of this size during its upload. */
 	static std::string tail(const std::string& size) { return "\r\n------UE4CorvanePlugin_" + size + "--\r\n"; }
 	static std::string tail(size_t size) { return tail(std::to_string(size)); }
 	static inline const std::string thousand = std::string(1000, 'x');
-	/** Makes a file of so many bytes that takes no room on disk, and of these behind them. */
+	/** Makes a file of so many bytes that takes no room on disk, and of these after them. */
 	std::string sparse(const std::string& name, std::uintmax_t size, const std::string& end = "") const;
 	/** @return the names of all files in the folder, in order. */
 	std::vector<std::string> files() const;

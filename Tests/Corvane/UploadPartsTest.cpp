@@ -47,7 +47,7 @@ namespace
 	class UploadParts : public UploadTest
 	{
 	protected:
-		/** Random bytes, with a delimiter behind them that is none of this upload's. */
+		/** Random bytes, with a delimiter after them that is none of this upload's. */
 		static std::string content(size_t size) { return randomBytes(size) + "\r\n------UE4CorvanePlugin_--\r\n"; }
 
 		FormServer server;

@@ -13,7 +13,7 @@ TEST_F(Worker, ProgressThatFindsOtherWaitingTakesItsPlace)
 	UCorvaneRequestCompleteObject* object = NewObject<UCorvaneRequestCompleteObject>();
 	object->AddToRoot();
 	Gate reached, goOn;
-	std::vector<std::string> lines; // of the worker, read behind its end
+	std::vector<std::string> lines; // of the worker, read after its end
 	HostLog::SetSink(
 		[&](const char*, ELogVerbosity::Type, const FString& line)
 		{

@@ -15,7 +15,7 @@ Exchange::Exchange(const std::string& url, Policy policy)
 				const std::scoped_lock lock(Mutex);
 				Seen.progress.push_back({sent, received});
 				Seen.threads.insert(std::this_thread::get_id());
-				EXPECT_LT(Seen.completions, Starts) << "nothing comes behind the completion";
+				EXPECT_LT(Seen.completions, Starts) << "nothing comes after the completion";
 			}
 			if (onProgress)
 			{

@@ -65,7 +65,7 @@ namespace
 		{"USTRUCT() struct FCase { GENERATED_BODY()\nUFUNCTION() void a(); };", "5: UFUNCTION" + misplaced},
 
 		{"UCLASS() class UCase;", "4: expected '{' at the beginning of UCase, found ';'"},
-		{"USTRUCT() class FCase {};", "4: expected 'struct' behind its macro, found 'class'"},
+		{"USTRUCT() class FCase {};", "4: expected 'struct' after its macro, found 'class'"},
 		{"USTRUCT() struct FCase {\nint a; GENERATED_BODY() };", "5: expected 'GENERATED_BODY' at the beginning of FCase, found 'int'"},
 		{"UCLASS() class UCase : UObject { GENERATED_BODY() };", "4: expected 'public' before a base of UCase, found 'UObject'"},
 		{"USTRUCT() struct FCase { GENERATED_BODY()\nint a;\n", "6: expected '}' at the end of FCase, found the end of the file"},
@@ -215,7 +215,7 @@ TEST(Errors, AreOneForEachHeader)
 	tool.addHeader("Deep/one.h", "#pragma once\n");
 	tool.options.references = {
 		tool.folder.write("Reference.h", "#pragma once\n#include \"Reference.generated.h\"\nUENUM(A)\n" + plainEnum)};
-	EXPECT_EQ(tool.run(), std::vector<std::string>{"Reference.h(4): Error: expected 'enum' behind UENUM, found 'UENUM'"});
+	EXPECT_EQ(tool.run(), std::vector<std::string>{"Reference.h(4): Error: expected 'enum' after UENUM, found 'UENUM'"});
 
 	tool.folder.write("Reference.h", "#pragma once\n#include \"Reference.generated.h\"\nUENUM(Foo)\nenum class E : int32 { A, A };\n");
 	const std::vector<std::string> expected = {"Reference.h(3): Error: unknown specifier 'Foo' in UENUM",

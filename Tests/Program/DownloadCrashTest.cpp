@@ -50,9 +50,9 @@ TEST(DownloadCrash, AProgramKilledAtAnyMomentLeavesATruePrefixThatAResumeFinishe
 		ASSERT_TRUE(waitFor([&] { return served >= steps; }));
 		EXPECT_EQ(program.end().status, 128 + 9);
 		const std::string left = directory.exists(file) ? directory.read(file) : "";
-		EXPECT_TRUE(content.starts_with(left)) << "killed behind step " << steps;
+		EXPECT_TRUE(content.starts_with(left)) << "killed after step " << steps;
 		const ProcessRun rest = runProgram({"run", run, server.url(), directory.path(file)});
 		EXPECT_EQ(rest.status, 0) << rest.err;
-		EXPECT_TRUE(directory.read(file) == content) << "killed behind step " << steps;
+		EXPECT_TRUE(directory.read(file) == content) << "killed after step " << steps;
 	}
 }

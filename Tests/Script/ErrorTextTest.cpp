@@ -24,7 +24,7 @@ namespace
 			"SampleNode.startNode: unknown pin 'OnWin' (it has: statusCode, requestID, OnSuccess, OnFail)"},
 	};
 
-	/** What is wrong with a value, behind "SampleLibrary.echo: pin ". */
+	/** What is wrong with a value, after "SampleLibrary.echo: pin ". */
 	const Case values[] = {
 		{"flag = 1", "'flag': expected bool, got 1"},
 		{"small = 256", "'small': expected uint8 (0 to 255), got 256"},

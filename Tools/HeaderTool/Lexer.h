@@ -28,7 +28,7 @@ namespace HeaderTool
 
 	/**
 	 * Cuts the text of a header into tokens. Comments vanish but for those that document
-	 * the token behind them, continued lines are joined, line ends may be LF or CR LF.
+	 * the token after them, continued lines are joined, line ends may be LF or CR LF.
 	 * @param text  UTF-8, with or without byte order mark. Throws HeaderError for what cannot be read.
 	 */
 	std::vector<Token> lex(std::string_view text);

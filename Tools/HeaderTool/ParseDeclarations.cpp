@@ -84,7 +84,7 @@ namespace HeaderTool
 	ClassDef parseTypeHead(TokenReader& reader, std::string_view keyword)
 	{
 		ClassDef head;
-		reader.expect(keyword, "behind its macro");
+		reader.expect(keyword, "after its macro");
 		if (reader.peek().text.ends_with("_API"))
 		{
 			reader.next();
@@ -153,7 +153,7 @@ namespace HeaderTool
 	EnumDef parseEnum(TokenReader& reader)
 	{
 		EnumDef result;
-		reader.expect("enum", "behind UENUM");
+		reader.expect("enum", "after UENUM");
 		result.isScoped = reader.accept("class");
 		result.line = reader.line();
 		result.name = reader.expectName("an enumeration");
@@ -185,7 +185,7 @@ namespace HeaderTool
 		}
 		DelegateDef delegate;
 		delegate.specifiers.comment = reader.next().comment;
-		reader.expect("(", "behind " + macro);
+		reader.expect("(", "after " + macro);
 		delegate.line = reader.line();
 		delegate.name = reader.expectName("a delegate");
 		while (reader.accept(","))

@@ -5,7 +5,7 @@ namespace HeaderTool
 {
 	namespace
 	{
-		/** What stands behind the '=': strings, one word, or one number with its sign. */
+		/** What stands after the '=': strings, one word, or one number with its sign. */
 		std::string parseValue(TokenReader& reader, const std::string& key)
 		{
 			if (reader.peek().kind == TokenKind::String)

@@ -93,8 +93,8 @@ namespace HeaderTool
 				reader.requireNoDirectiveSince(start);
 				def.bodyLine = reader.line();
 				reader.expect("GENERATED_BODY", "at the beginning of " + def.name);
-				reader.expect("(", "behind GENERATED_BODY");
-				reader.expect(")", "behind GENERATED_BODY");
+				reader.expect("(", "after GENERATED_BODY");
+				reader.expect(")", "after GENERATED_BODY");
 				while (!reader.atEnd() && !reader.is("}"))
 				{
 					readMember(def, keyword == "struct");

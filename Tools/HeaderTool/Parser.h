@@ -11,7 +11,7 @@ namespace HeaderTool
 	 */
 	HeaderDef readHeader(std::string_view text, const std::string& path, bool isReference);
 
-	// Its pieces. Each function that takes a reader begins at the first token of its piece, ends behind the last one, and
+	// Its pieces. Each function that takes a reader begins at the first token of its piece, ends after the last one, and
 	// throws HeaderError when it cannot make sense of what is there.
 
 	/**
@@ -34,10 +34,10 @@ namespace HeaderTool
 	/** From the opening bracket of a parameter list to the closing one. */
 	std::vector<ParameterDef> parseParameters(TokenReader& reader);
 
-	/** From the first token behind UFUNCTION(...) to the semicolon or the end of the body. */
+	/** From the first token after UFUNCTION(...) to the semicolon or the end of the body. */
 	FunctionDef parseFunction(TokenReader& reader);
 
-	/** From the first token behind UPROPERTY(...) to the semicolon. */
+	/** From the first token after UPROPERTY(...) to the semicolon. */
 	PropertyDef parseProperty(TokenReader& reader);
 
 	/** From the word `enum` to the semicolon. */

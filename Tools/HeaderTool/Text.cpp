@@ -87,7 +87,7 @@ namespace HeaderTool
 			}
 			else if (byte < 0x20 || byte == 0x7F)
 			{
-				literal += fmt::format("\\{:03o}", byte); // three digits, so that a digit behind it is not taken in
+				literal += fmt::format("\\{:03o}", byte); // three digits, so that a digit after it is not taken in
 			}
 			else
 			{

@@ -1,6 +1,5 @@
 #include "CallFrame.h"
 #include "Commands.h"
-#include "Completions.h"
 #include "CorvaneBPLibrary.h"
 #include "FunctionNames.h"
 #include "InputError.h"
@@ -8,6 +7,7 @@
 #include "NearestName.h"
 #include "PinOutput.h"
 #include "ProgressBar.h"
+#include "RequestResults.h"
 #include "UObject/UObjectGlobals.h"
 
 #include <fmt/format.h>
@@ -52,15 +52,15 @@ namespace Program
 			/** @return the pins to print; nothing when what was started ended without saying so. */
 			std::optional<Json> run()
 			{
-				const Completions completions;
+				const RequestResults results;
 				const ProgressBar progress;
 				frame.invoke();
 				if (Reflect::nodeClassOf(*function.function))
 				{
-					return runNode(completions);
+					return runNode(results);
 				}
 				const TArray<FhttpRequest>* const records = builtRecords();
-				return records ? runRequests(completions, *records) : finishedOutputs();
+				return records ? runRequests(results, *records) : finishedOutputs();
 			}
 
 		private:
@@ -72,17 +72,17 @@ namespace Program
 				return isBuilder ? static_cast<const TArray<FhttpRequest>*>(frame[*index].get()) : nullptr;
 			}
 
-			std::optional<Json> runRequests(const Completions& completions, const TArray<FhttpRequest>& records)
+			std::optional<Json> runRequests(const RequestResults& results, const TArray<FhttpRequest>& records)
 			{
 				const std::string requestID = outputs().at("requestID").get<std::string>();
 				UCorvaneBPLibrary* target = nullptr;
 				UCorvaneBPLibrary::executeHttpRequests(records, target); // a refused request is not among them
 				runToIdle();
-				const Json* const outcome = completions.of(requestID);
+				const Json* const outcome = results.of(requestID);
 				return outcome ? std::optional(*outcome) : std::nullopt;
 			}
 
-			std::optional<Json> runNode(const Completions& completions)
+			std::optional<Json> runNode(const RequestResults& results)
 			{
 				auto* const node = Cast<UBlueprintAsyncActionBase>(frame.returnedObject());
 				if (!node)
@@ -97,7 +97,7 @@ namespace Program
 				}
 				node->Activate();
 				runToIdle();
-				const Json* const refusal = completions.first(); // a refusing builder answers before anybody hears the node
+				const Json* const refusal = results.first(); // a refusing builder answers before anybody hears the node
 				return outcome || !refusal ? outcome : std::optional(*refusal);
 			}
 

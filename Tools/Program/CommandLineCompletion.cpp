@@ -106,7 +106,7 @@ namespace Program
 			return pins;
 		}
 
-		/** @param arguments  behind the verb; the last one is being typed. @return null while the function is not named. */
+		/** @param arguments  after the verb; the last one is being typed. @return null while the function is not named. */
 		const Reflect::Function* namedFunction(const Words& arguments)
 		{
 			for (auto argument = arguments.begin(); argument != arguments.end() - 1; ++argument)

@@ -29,7 +29,7 @@ namespace Program
 			name.remove_prefix(1);
 		}
 		std::string shown;
-		bool isInRun = false; // capitals and digits in a row stay together, with the capital of the word behind them
+		bool isInRun = false; // capitals and digits in a row stay together, with the capital of the word after them
 		for (const char c : name)
 		{
 			const bool beginsWord = (isUpper(c) || isDigit(c)) && !isInRun;

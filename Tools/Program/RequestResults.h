@@ -9,10 +9,10 @@
 namespace Program
 {
 	/** Remembers every request that completes on the library's events while it lives. Thread: game thread. */
-	class Completions
+	class RequestResults
 	{
 	public:
-		Completions();
+		RequestResults();
 
 		/** @return the pins of the first completion of an ID, or null while there is none. */
 		const Json* of(const std::string& requestID) const;

@@ -1,4 +1,4 @@
-#include "Completions.h"
+#include "RequestResults.h"
 
 #include "CorvaneBPLibrary.h"
 #include "Reflection.h"
@@ -7,7 +7,7 @@
 
 namespace Program
 {
-	Completions::Completions()
+	RequestResults::RequestResults()
 	{
 		UObject* const target = UCorvaneBPLibrary::getCorvaneTarget();
 		for (const char* name : {"onhttpRequestCompleteDelegate", "onhttpRequestCompleteGoogleInfoDelegate"})
@@ -18,7 +18,7 @@ namespace Program
 		}
 	}
 
-	const Json* Completions::of(const std::string& requestID) const
+	const Json* RequestResults::of(const std::string& requestID) const
 	{
 		const auto found =
 			std::find_if(completed.begin(), completed.end(), [&](const Json& pins) { return pins.at("requestID") == requestID; });
