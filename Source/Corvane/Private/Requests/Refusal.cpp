@@ -66,3 +66,8 @@ void CorvaneRefusal::ofRun(const FhttpRequest& Record)
 	}
 	Run.stopJobs();
 }
+
+void UCorvaneBPLibrary::fireErrorMessageInGameThread(UAsyncNodeCorv* InNode, int32, FString InRequestID)
+{
+	CorvaneRefusal::oneTaskLater(InNode, InRequestID);
+}

@@ -2,6 +2,7 @@
 
 #include "CorvaneRequestCompleteObject.h"
 #include "Misc/ScopeLock.h"
+#include "Runs/RunList.h"
 #include "UAsyncNodeCorv.h"
 
 UCorvaneRequestCompleteObject* FhttpRequest::requestCompleteObject() const
@@ -63,5 +64,17 @@ void UCorvaneBPLibrary::releaseRunningRequest(const FString& InRequestID, const 
 	if (Running && *Running == InRequest)
 	{
 		Running->Reset();
+	}
+}
+
+void UCorvaneBPLibrary::cancelRequest(FString InRequestID)
+{
+	for (UCorvaneBPLibrary* Library : libraries())
+	{
+		{
+			FScopeLock Lock(&Library->mapLock);
+			Library->cancelledRequests.Add(InRequestID);
+		}
+		Library->runs->cancel(InRequestID);
 	}
 }

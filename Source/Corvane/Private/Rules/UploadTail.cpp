@@ -139,3 +139,8 @@ bool CorvaneRules::needsRepair(const FhttpRequest& Record)
 		return false;
 	}
 }
+
+bool CorvaneRules::bodyBeginsInContentLength(const FhttpRequest& Record)
+{
+	return Record.requestType == EHTTPCorvRequestType::PUT_STREAM_MP || Record.requestType == EHTTPCorvRequestType::PUT_STREAM_COPY;
+}

@@ -37,4 +37,10 @@ namespace CorvaneRules
 	 * must bear the name of one, since the record names the user's own file until the copy is made.
 	 */
 	bool needsRepair(const FhttpRequest& record);
+
+	/**
+	 * Whether the body of a record's request begins in its Content-Length header, which has to be the last one then: an
+	 * earlier one would keep its place.
+	 */
+	bool bodyBeginsInContentLength(const FhttpRequest& record);
 } // namespace CorvaneRules
