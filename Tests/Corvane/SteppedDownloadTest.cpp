@@ -109,6 +109,9 @@ TEST_F(SteppedDownload, LeavesTheWholeFileOrWholeSteps)
 		{
 			EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, message), message == fault.message) << fault.name;
 		}
+		EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "Request my-id, http://127.0.0.1:"), fault.statusCode < 400 ? 0 : 1)
+			<< fault.name;
+		EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "secret"), 0) << fault.name;
 	}
 }
 
