@@ -28,7 +28,7 @@ enum class EPropertyKind : uint8
 };
 
 /**
- * How to handle a value of one C++ type without knowing the type: the script front end and the thunks build argument
+ * How to handle a value of one C++ type without knowing the type: calls by reflected names and the thunks build argument
  * lists with it. One constant object per type, from PropertyTypeOf<T>().
  */
 struct FPropertyType
