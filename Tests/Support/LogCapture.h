@@ -48,6 +48,6 @@ public:
 	}
 
 private:
-	mutable std::mutex Mutex;
+	mutable std::mutex Mutex; // guards what follows
 	std::vector<Line> Lines;
 };

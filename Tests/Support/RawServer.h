@@ -39,7 +39,7 @@ public:
 	}
 
 private:
-	mutable std::mutex Mutex;
+	mutable std::mutex Mutex; // guards what follows
 	std::condition_variable_any Changed;
 	bool Open = false;
 };

@@ -77,7 +77,7 @@ namespace
 
 	struct FEventPool
 	{
-		std::mutex Mutex;
+		std::mutex Mutex; // guards what follows
 		std::vector<std::unique_ptr<FAutoResetEvent>> Idle;
 	};
 

@@ -16,7 +16,7 @@ namespace
 
 	struct FTasks
 	{
-		std::mutex Mutex;
+		std::mutex Mutex; // guards what follows
 		std::condition_variable Added;
 		std::deque<FTask> Queue;
 		bool bClosed = false;

@@ -50,7 +50,7 @@ namespace
 		bool SleepUntilWoken(std::unique_lock<std::mutex>& Lock, FSystemThread& Thread);
 		void Retire(std::unique_lock<std::mutex>& Lock, FSystemThread& Thread);
 
-		std::mutex Mutex;
+		std::mutex Mutex; // guards what follows
 		std::vector<std::unique_ptr<FSystemThread>> All;
 		std::unique_ptr<FSystemThread> Retired; // the last thread that ended for want of work: it cannot join itself
 		std::vector<FSystemThread*> Idle; // the one that finished last is taken first: its stack is warm
@@ -278,7 +278,7 @@ namespace
 	private:
 		struct FEnd
 		{
-			std::mutex Mutex;
+			std::mutex Mutex; // guards what follows
 			std::condition_variable Condition;
 			bool bReached = false;
 		};

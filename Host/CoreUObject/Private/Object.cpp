@@ -28,7 +28,7 @@ namespace
 
 	struct FObjectTable
 	{
-		std::mutex Mutex;
+		std::mutex Mutex; // guards what follows
 		std::vector<FSlot> Slots;
 		std::vector<int32> Free;
 		size_t CreatedSinceCollection = 0;

@@ -45,6 +45,6 @@ public:
 	}
 
 private:
-	mutable std::mutex Mutex;
+	mutable std::mutex Mutex; // guards what follows
 	std::deque<T> Items;
 };
