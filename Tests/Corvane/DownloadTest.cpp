@@ -224,6 +224,20 @@ TEST_F(Download, ThatIsResumedNeverMixesTwoVersions)
 	}
 }
 
+TEST_F(Download, KnowsNoVersionOfNoBytes)
+{
+	setTarget(content.substr(0, 1000));
+	RangeOrigin whole(sending(answer(200, content, "ETag: \"one\"\r\n"))), other(serving(content, "ETag: \"two\"\r\n"));
+	{
+		const FileSizeLimit limit(0);
+		const LogCapture log;
+		EXPECT_EQ(fetch({whole.url()}).statusCode, 500);
+	}
+	EXPECT_EQ(target(), "");
+	EXPECT_EQ(fetch({other.url(), DownloadKind::Stepped, Action::E_OVERWRITE}).statusCode, 206);
+	EXPECT_TRUE(target() == content);
+}
+
 TEST_F(Download, IsRefusedByItsBuilder)
 {
 	setTarget(foreign);

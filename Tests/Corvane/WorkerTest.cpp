@@ -3,6 +3,7 @@
 #include "ModuleFixture.h"
 #include "RawServer.h"
 #include "Runs/CorvThread.h"
+#include "Runs/Run.h"
 #include "UObject/UObjectGlobals.h"
 
 using Worker = ModuleFixture;
@@ -40,4 +41,18 @@ TEST_F(Worker, ProgressThatFindsOtherWaitingTakesItsPlace)
 	HostLog::SetSink({});
 	EXPECT_EQ(lines.size(), 3u) << "one under way, one waiting, the completion";
 	object->RemoveFromRoot();
+}
+
+TEST_F(Worker, ThatWaitsForJobsDoesNotKeepItsObjectFromBeingDestroyed)
+{
+	TArray<FhttpRequest> requests = get("http://127.0.0.1:1/");
+	UCorvaneRequestCompleteObject& object = *requests[0].requestCompleteObject();
+	ASSERT_TRUE(object.initCorv());
+	object.run().collectEvents();
+	char bytes[] = "data: 1";
+	int64 number = 7;
+	object.takeEventBytes(bytes, number);
+	loop.WaitFor([&] { return serverSendEvents.size() == 1; }, 30); // so the worker has nothing left to do
+	object.ConditionalBeginDestroy();
+	EXPECT_FALSE(UCorvaneBPLibrary::hasPendingWork());
 }

@@ -44,7 +44,10 @@ void UCorvaneRequestCompleteObject::requestCompleteLowRam(FHttpRequestPtr InRequ
 
 void UCorvaneRequestCompleteObject::requestMultiStepComplete(FHttpRequestPtr InRequest, FHttpResponsePtr InResponse, bool bInWasSuccessful)
 {
-	addCompletionJob(ECorvJobType::MultiStepComplete, InRequest, InResponse, bInWasSuccessful);
+	if (!isLibraryMissing(12))
+	{
+		addCompletionJob(ECorvJobType::MultiStepComplete, InRequest, InResponse, bInWasSuccessful);
+	}
 }
 
 void UCorvaneRequestCompleteObject::requestMultiStepDownload(FHttpRequestPtr InRequest, uint64 InBytesSent, uint64 InBytesReceived)
@@ -166,10 +169,7 @@ void UCorvaneRequestCompleteObject::requestCompleteLowRamInternal(
 void UCorvaneRequestCompleteObject::requestMultiStepCompleteInternal(
 	FHttpRequestPtr InRequest, FHttpResponsePtr InResponse, bool bInWasSuccessful)
 {
-	if (!isLibraryMissing(12))
-	{
-		parts->pageRequest.complete(InRequest, InResponse, bInWasSuccessful);
-	}
+	parts->pageRequest.complete(InRequest, InResponse, bInWasSuccessful);
 }
 
 void UCorvaneRequestCompleteObject::requestProgressUploadInternal(FHttpRequestPtr InRequest, uint64 InBytesSent, uint64)

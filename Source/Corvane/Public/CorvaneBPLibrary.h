@@ -628,16 +628,17 @@ private:
 	TMap<FString, FString> persistentHeaders; // game thread only
 	TMap<FString, FString> mimeTypeMap; // extension without its dot to type; never changed after construction
 
-	// Never null, and each with a lock of its own.
-	TSharedPtr<FCorvRunList> runs;
-	TSharedPtr<FCorvDownloadTargets> downloadTargets;
-	TSharedPtr<FCorvChangedFiles> changedFiles; // outlives the repair
-
 	// Never held during a broadcast, a node call, file work or a call into the HTTP module.
 	FCriticalSection mapLock;
 	TSet<FString> cancelledRequests CORVANE_GUARDED_BY(mapLock);
 	TMap<FString, FHttpRequestPtr> runningRequests CORVANE_GUARDED_BY(mapLock);
 	TMap<FString, TWeakObjectPtr<UAsyncNodeCorv>> asyncNodes CORVANE_GUARDED_BY(mapLock);
+
+	// Never null, and each with a lock of its own.
+	TSharedPtr<FCorvRunList> runs;
+	TSharedPtr<FCorvDownloadTargets> downloadTargets;
+	TSharedPtr<FCorvChangedFiles> changedFiles; // outlives the repair
+
 	TSharedPtr<FByteToFileThread> byteToFileThread CORVANE_GUARDED_BY(mapLock); // made on first use, like the next
 	TSharedPtr<FCorvTruncateUploadedFileThread> truncateThread CORVANE_GUARDED_BY(mapLock);
 	double uploadGracePeriodSeconds CORVANE_GUARDED_BY(mapLock) = 2.0;

@@ -14,7 +14,7 @@ void FCorvKeptVersions::remember(const FString& Path, int64 Size, const FString&
 			break;
 		}
 	}
-	if (!Version.IsEmpty())
+	if (!Version.IsEmpty() && Size > 0) // no bytes are of no version
 	{
 		all.Add(FKept{Path, Size, Version});
 	}

@@ -11,7 +11,7 @@
 class FCorvKeptVersions
 {
 public:
-	/** @param size  bytes on disk. @param version  an entity tag or a date; an empty one is forgotten. */
+	/** @param size  bytes on disk. @param version  an entity tag or a date; an empty one is forgotten, and so is that of no bytes. */
 	void remember(const FString& path, int64 size, const FString& version);
 	void forget(const FString& path) { remember(path, 0, FString()); }
 	/** @return the version; empty when it is not known, or the file has another size than it had. */

@@ -1,6 +1,7 @@
 #include "Downloads/SteppedDownload.h"
 
 #include "CorvaneRequestCompleteObject.h"
+#include "Rules/ShownAddress.h"
 #include "Rules/StatusCodes.h"
 #include "Runs/Result.h"
 #include "Runs/Run.h"
@@ -16,6 +17,11 @@ namespace CorvaneSteppedDownload
 		if (!Requests.IsEmpty())
 		{
 			Requests[0].requestCompleteObject()->steppedDownload().continueFrom(Step);
+		}
+		else
+		{
+			UE_LOG(LogTemp, Error, TEXT("File Download: %s is not complete: its next step was refused. Request %s, %s"), *Step.path,
+				*RequestID, *CorvaneRules::shownAddress(Before.url));
 		}
 		return Requests;
 	}

@@ -2,6 +2,7 @@
 
 #include "CorvaneRequestCompleteObject.h"
 #include "Rules/PageReading.h"
+#include "Rules/ShownAddress.h"
 #include "Rules/StatusCodes.h"
 #include "Runs/Result.h"
 #include "Runs/Run.h"
@@ -13,7 +14,8 @@ namespace CorvanePageRequest
 	/** What is larger is no page but the file itself, which may be too large to be read as text. */
 	constexpr int32 mostBytesOfPage = 4 << 20;
 
-	static TArray<FhttpRequest> buildSecondStep(const FString& Url, const FString& RequestID, const FCorvPagePlan& Plan)
+	static TArray<FhttpRequest> buildSecondStep(
+		const FhttpRequest& Before, const FString& Url, const FString& RequestID, const FCorvPagePlan& Plan)
 	{
 		TArray<FhttpRequest> Requests;
 		FString ID;
@@ -24,6 +26,11 @@ namespace CorvanePageRequest
 			Next = Plan;
 			Next.multiStepDownload = secondStep;
 			Next.multiStepDownloadType = EMultiStepType::E_GOOGLE_DRIVE_DOWNLOAD; // no page comes any more
+		}
+		else
+		{
+			UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: The page leads to no file. Request %s, %s"), *RequestID,
+				*CorvaneRules::shownAddress(Before.url));
 		}
 		return Requests;
 	}
@@ -68,7 +75,8 @@ void FCorvPageRequest::complete(const FHttpRequestPtr& InRequest, const FHttpRes
 	FString Url;
 	if (bInWasSuccessful && InResponse.IsValid() && findSecondStep(*InResponse, Url))
 	{
-		run.follow([Url, ID = run.requestID, Plan = plan] { return CorvanePageRequest::buildSecondStep(Url, ID, Plan); });
+		run.follow([Before = run.httpRequest, Url, ID = run.requestID, Plan = plan]
+			{ return CorvanePageRequest::buildSecondStep(Before, Url, ID, Plan); });
 	}
 	else
 	{

@@ -64,6 +64,7 @@ namespace CorvaneDispatcher
 		HttpRequest.OnProcessRequestComplete().BindUObject(Object, &FObject::requestComplete);
 		if (Record.bindServerSendEvent) // its bytes are taken as they come, so there is no other progress
 		{
+			Object->run().collectEvents();
 			FHttpRequestStreamDelegateV2 Bytes;
 			Bytes.BindUObject(Object, &FObject::takeEventBytes);
 			HttpRequest.SetResponseBodyReceiveStreamDelegateV2(MoveTemp(Bytes));

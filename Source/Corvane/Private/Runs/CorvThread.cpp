@@ -13,7 +13,8 @@ FCorvThread::FCorvThread(UCorvaneRequestCompleteObject* InOwner, int64 InRunNumb
 
 FCorvThread::~FCorvThread()
 {
-	thread.Reset(); // while all that it uses is still there
+	stopThread(); // before the pointer goes, or nobody would wake it
+	thread.Reset();
 }
 
 void FCorvThread::addJob(TUniquePtr<FCorvTheadJob> InJob)

@@ -2,7 +2,6 @@
 
 #include "Async/Async.h"
 #include "CorvaneRequestCompleteObject.h"
-#include "Rules/ShownAddress.h"
 #include "Runs/Result.h"
 #include "Runs/Run.h"
 #include "Runs/RunList.h"
@@ -85,8 +84,6 @@ namespace CorvaneFollowUp
 		if (Requests.IsEmpty())
 		{
 			UE_LOG(LogTemp, Error, TEXT("Something's went wrong. download is aborted "));
-			UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: No request could be built to follow the last one. Request %s, %s"),
-				*FollowUp.requestID, *CorvaneRules::shownAddress(FollowUp.record.url));
 			fail(Library, FollowUp);
 			return;
 		}

@@ -70,9 +70,14 @@ void FCorvRun::reset()
 	completionPosted = false;
 	statusCode = 0;
 	announcedSize = -1;
-	events = httpRequest.bindServerSendEvent ? TSharedPtr<FCorvEventBody>(MakeShared<FCorvEventBody>()) : nullptr;
+	events.Reset();
 	progressMail = MakeShared<FCorvProgressMail>();
 	cancelState = MakeShared<FCorvCancelState>();
+}
+
+void FCorvRun::collectEvents()
+{
+	events = MakeShared<FCorvEventBody>();
 }
 
 void FCorvRun::setRequest(FHttpRequestPtr InRequest)

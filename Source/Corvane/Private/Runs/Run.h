@@ -36,6 +36,8 @@ public:
 	// Game thread.
 	/** @return false when the library is gone, which the log tells, or the run before has not ended; nothing has changed then. */
 	bool begin();
+	/** The body of this run's answer comes in pieces, as server-sent events. */
+	void collectEvents();
 	/** Names the engine request that this run is about to start. */
 	void setRequest(FHttpRequestPtr request);
 	/** @return the node that waited for the result when this run, or the step before, began; null = the event tells. */
@@ -64,7 +66,7 @@ public:
 	FHttpRequestPtr request() const;
 	/** @return the bytes of body that the answer announces; -1 = no answer yet, 0 = it does not say. */
 	int64 bodySize() const { return announcedSize; }
-	/** The body of an answer with server-sent events; null without them. Thread: any. */
+	/** The body of an answer that comes as server-sent events; null where it does not. Thread: any. */
 	TSharedPtr<FCorvEventBody> events;
 
 	/** @return whether a script has asked to cancel this request, which the log is told then. */
