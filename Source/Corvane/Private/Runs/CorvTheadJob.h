@@ -18,7 +18,7 @@ enum class ECorvJobType : int32
 
 /**
  * One callback on its way to the request worker; its pointers keep request and response alive until it has run. Progress
- * is numbers only: what a response holds while it grows may be touched by nobody but the HTTP thread.
+ * is numbers only.
  */
 struct FCorvTheadJob
 {

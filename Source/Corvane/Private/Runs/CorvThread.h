@@ -15,8 +15,7 @@ class UCorvaneRequestCompleteObject;
 
 /**
  * The worker of one running request: it runs the jobs that the request's callbacks queue, in order, and ends after the
- * completion job. Its thread starts with the first job, so a request that waits for its server holds none, and the game
- * thread never waits for one to come up. Owned by the completion object and freed on the game thread.
+ * completion job. Its thread starts with the first job. Owned by the completion object and freed on the game thread.
  *
  * The owner never lets addJob and stopThread run at the same time.
  */

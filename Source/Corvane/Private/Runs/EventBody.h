@@ -5,8 +5,7 @@
 #include "HAL/CriticalSection.h"
 
 /**
- * The body of an answer with server-sent events. It is collected here, because the HTTP layer's own array grows and moves
- * while it is read. Thread: any.
+ * The body of an answer with server-sent events, collected while it comes in. Thread: any.
  */
 class FCorvEventBody
 {

@@ -49,7 +49,7 @@ namespace CorvaneFollowUp
 		CorvaneDelivery::completion(&Library, FollowUp.node, nullptr, MoveTemp(Result));
 	}
 
-	/** A copy of all fields: one that is new tomorrow goes from step to step as well. */
+	/** A copy of all fields, those that are new tomorrow as well. */
 	static FhttpRequest asBefore(const FhttpRequest& Before, const FhttpRequest& Built)
 	{
 		FhttpRequest Next = Before;

@@ -52,9 +52,9 @@ public:
 	// HTTP callback.
 	/** Hands a job to the worker, if there is one. */
 	void addJob(TUniquePtr<FCorvTheadJob> job);
-	/** Keeps the code: of an exchange that does not end in order, the response may never tell it. */
+	/** Keeps the code, which the response of a broken exchange may never tell. */
 	void setStatusCode(int32 code);
-	/** Keeps the length of the body: the response must not be looked at while it comes in. */
+	/** Keeps the length of the body. */
 	void setHeader(const FString& name, const FString& value);
 
 	// Request worker.

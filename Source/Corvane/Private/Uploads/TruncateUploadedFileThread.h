@@ -7,8 +7,7 @@ class FCorvChangedFiles;
 
 /**
  * The repair: it undoes, one after another, what stream multipart uploads did to files. Each record waits for a grace
- * period first, so that the HTTP layer has closed the file. Shared by the library and whoever brings a record; whoever
- * lets go last carries out what is queued.
+ * period first. Shared by the library and whoever brings a record; whoever lets go last carries out what is queued.
  */
 class FCorvTruncateUploadedFileThread : public TCorvQueueThread<FhttpRequest>
 {

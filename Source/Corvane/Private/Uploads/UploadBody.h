@@ -3,9 +3,8 @@
 #include "CorvaneBPLibrary.h"
 
 /**
- * Bodies that are sent as streams of the module's own. The HTTP layer tells nothing while it sends, so the stream does:
- * each portion that it hands out is upload progress. And it can be read but once, so nothing is ever sent a second time
- * behind the back of the script. Thread: game thread.
+ * Bodies that are sent as streams of the module's own: each portion that one hands out is upload progress, and it is read
+ * but once, so nothing is sent a second time. Thread: game thread.
  */
 namespace CorvaneUpload
 {

@@ -116,5 +116,5 @@ bool UCorvaneBPLibrary::repairFileAfterUpload(EHTTPCorvFileUpload InDirectoryTyp
 			CorvaneUpload::truncateAndLog(Path, Size);
 		}
 	}
-	return false; // on every path: scripts have come to know it so, and the log tells the outcome
+	return false; // on every path, as scripts know it
 }
