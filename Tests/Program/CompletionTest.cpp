@@ -9,7 +9,7 @@ TEST(Completion, OffersWhatMayStandThere)
 	const std::pair<const char*, Words> cases[] = {
 		{"", {"run", "call", "nodes", "demo", "completion", "--help"}},
 		{"ca", {"call"}},
-		{"call --p", {"--project"}},
+		{"call --p", {"--progress", "--project"}},
 		{"nodes --h", {"--html", "--help"}},
 		{"call getcl", {"getCleanDirectory"}},
 		{"call filefunctionscorv.getcl", {"FileFunctionsCorv.getCleanDirectory"}},

@@ -1,6 +1,10 @@
+#include "BodyOutput.h"
 #include "CallFrame.h"
 #include "Commands.h"
+#include "Console.h"
 #include "CorvaneBPLibrary.h"
+#include "DownloadSummary.h"
+#include "EventLines.h"
 #include "FunctionNames.h"
 #include "InputError.h"
 #include "Kismet/BlueprintAsyncActionBase.h"
@@ -38,9 +42,10 @@ namespace Program
 		class Call
 		{
 		public:
-			Call(FGameLoop& gameLoop, const Reflect::Function& calledFunction, const CallOptions& options)
+			Call(FGameLoop& gameLoop, const Reflect::Function& calledFunction, const CallOptions& callOptions)
 				: loop(gameLoop)
 				, function(calledFunction)
+				, options(callOptions)
 				, frame(calledFunction)
 			{
 				for (const std::string& assignment : options.pins)
@@ -49,11 +54,62 @@ namespace Program
 				}
 			}
 
-			/** @return the pins to print; nothing when what was started ended without saying so. */
-			std::optional<Json> run()
+			/** @return the exit status. */
+			int run()
+			{
+				const std::optional<DownloadSummary> download = DownloadSummary::of(frame);
+				std::optional<BodyOutput> body;
+				if (options.bodyAlone || !options.bodyFile.empty())
+				{
+					refuseBodyOf(download);
+					body.emplace(options.bodyFile);
+				}
+				const std::optional<Json> pins = outcome(body ? &*body : nullptr);
+				if (std::ferror(stdout))
+				{
+					return exitFailed; // nobody could read on
+				}
+				if (!pins)
+				{
+					complain(fmt::format("corvane: {} ended without a result", function.name));
+					return exitFailed;
+				}
+				if (body)
+				{
+					writeBody(*body, *pins);
+				}
+				else
+				{
+					printPins(download ? download->replaceBody(*pins) : *pins, options.json);
+				}
+				return isFailure(*pins) ? exitFailed : exitGood;
+			}
+
+		private:
+			void refuseBodyOf(const std::optional<DownloadSummary>& download) const
+			{
+				if (download)
+				{
+					throw Reflect::InputError(fmt::format("{} writes the body to a file of its own", function.name));
+				}
+			}
+
+			static void writeBody(BodyOutput& body, const Json& pins)
+			{
+				body.writeBodyOf(pins);
+				body.finish();
+				if (isFailure(pins))
+				{
+					complain(fmt::format("corvane: the status is {}", pins.value("statusCode", 0)));
+				}
+			}
+
+			/** @return the pins of the result; nothing when what was started ended without saying so. */
+			std::optional<Json> outcome(BodyOutput* body)
 			{
 				const RequestResults results;
-				const ProgressBar progress;
+				const ProgressBar progress(options.progress);
+				const EventLines events(body, options.json);
 				frame.invoke();
 				if (Reflect::nodeClassOf(*function.function))
 				{
@@ -63,7 +119,6 @@ namespace Program
 				return records ? runRequests(results, *records) : finishedOutputs();
 			}
 
-		private:
 			/** @return the records that a builder made; null when the function is no builder. */
 			const TArray<FhttpRequest>* builtRecords() const
 			{
@@ -115,10 +170,15 @@ namespace Program
 				return sink.take();
 			}
 
-			void runToIdle() { loop.RunUntilIdle(UCorvaneBPLibrary::hasPendingWork); }
+			/** A stream may have no end of its own: it ends when nobody can read it any more. */
+			void runToIdle()
+			{
+				loop.RunUntilIdle(UCorvaneBPLibrary::hasPendingWork, [] { return std::ferror(stdout) != 0; });
+			}
 
 			FGameLoop& loop;
 			const Reflect::Function& function;
+			const CallOptions& options;
 			Reflect::CallFrame frame;
 		};
 	} // namespace
@@ -127,13 +187,6 @@ namespace Program
 	{
 		const Reflect::Function& function = functionNamed(options.function);
 		ProgramLoop loop(settings);
-		const std::optional<Json> pins = Call(loop, function, options).run();
-		if (!pins)
-		{
-			fmt::print(stderr, "corvane: {} ended without a result\n", function.name);
-			return exitFailed;
-		}
-		printPins(*pins, options.json);
-		return isFailure(*pins) ? exitFailed : exitGood;
+		return Call(loop, function, options).run();
 	}
 } // namespace Program

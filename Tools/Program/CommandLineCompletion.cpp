@@ -141,14 +141,15 @@ namespace Program
 			}
 			if (verb == "call")
 			{
-				return {"--json", "--project", "--base", "--drive-base", "--help"};
+				return {"--json", "--body", "--output", "--progress", "--project", "--base", "--drive-base", "--help"};
 			}
 			return verb == "run" ? Words{"--project", "--base", "--drive-base", "--help"} : Words{"--drive-base", "--help"};
 		}
 
 		bool takesValue(const std::string& option)
 		{
-			return option == "--project" || option == "--base" || option == "--drive-base" || option == "--html";
+			return option == "--output" || option == "-o" || option == "--project" || option == "--base" || option == "--drive-base" ||
+				   option == "--html";
 		}
 	} // namespace
 

@@ -33,6 +33,9 @@ namespace Program
 		std::string function; // "Class.function" or the function's name
 		std::vector<std::string> pins; // each "name=value"
 		bool json = false;
+		bool bodyAlone = false; // to standard output
+		std::string bodyFile; // the body alone, into this file; empty = not
+		bool progress = false; // a line for each progress event, also where there is no terminal
 	};
 
 	int runScript(const Settings& settings, const std::string& path, const std::vector<std::string>& arguments);

@@ -1,4 +1,5 @@
 #include "Commands.h"
+#include "Console.h"
 #include "InputError.h"
 #include "NearestName.h"
 
@@ -35,7 +36,10 @@ namespace
 			nodes->add_option("FUNCTION", nodesOptions.function, "Only this one");
 			completion->add_option("--line", completedLine, "Print what may stand at the end of this command line instead");
 			addDriveBase(*demo);
-			callFunction->add_flag("--json", call.json, "Print one JSON object");
+			callFunction->add_flag("--json", call.json, "Print one JSON object, and one for each server-sent event");
+			callFunction->add_flag("--body", call.bodyAlone, "Write the body alone, byte for byte unless to a terminal");
+			callFunction->add_option("-o,--output", call.bodyFile, "Write the body alone into this file");
+			callFunction->add_flag("--progress", call.progress, "Print a line for each progress event on standard error");
 			callFunction->add_option("FUNCTION", call.function, "Class.function, or the function's name alone")->required();
 			callFunction->add_option("PIN=VALUE", call.pins, "Enumerations by name, lists and maps as JSON");
 		}
@@ -96,29 +100,40 @@ namespace
 		}
 		return *line.nodes ? Program::listNodes(line.nodesOptions) : Program::runDemo(line.settings);
 	}
+
+	int runCommand(int argc, char** argv)
+	{
+		CommandLine line;
+		try
+		{
+			checkVerb(line.app, argc > 1 ? argv[1] : "");
+			line.app.parse(argc, argv);
+			return carryOut(line);
+		}
+		catch (const CLI::ParseError& error)
+		{
+			return line.app.exit(error) == 0 ? Program::exitGood : Program::exitUsage; // asking for help is no error
+		}
+		catch (const Reflect::InputError& error)
+		{
+			Program::complain(fmt::format("corvane: {}", error.what()));
+			return Program::exitUsage;
+		}
+		catch (const std::exception& error)
+		{
+			if (!std::ferror(stdout)) // else this is told when the output ends
+			{
+				Program::complain(fmt::format("corvane: {}", error.what()));
+			}
+			return Program::exitFailed;
+		}
+	}
 } // namespace
 
 int main(int argc, char** argv)
 {
-	CommandLine line;
-	try
-	{
-		checkVerb(line.app, argc > 1 ? argv[1] : "");
-		line.app.parse(argc, argv);
-		return carryOut(line);
-	}
-	catch (const CLI::ParseError& error)
-	{
-		return line.app.exit(error) == 0 ? Program::exitGood : Program::exitUsage; // asking for help is no error
-	}
-	catch (const Reflect::InputError& error)
-	{
-		fmt::print(stderr, "corvane: {}\n", error.what());
-		return Program::exitUsage;
-	}
-	catch (const std::exception& error)
-	{
-		fmt::print(stderr, "corvane: {}\n", error.what());
-		return Program::exitFailed;
-	}
+	Program::openConsole();
+	const int status = runCommand(argc, argv);
+	const bool isWritten = Program::finishOutput();
+	return isWritten || status != Program::exitGood ? status : Program::exitFailed;
 }

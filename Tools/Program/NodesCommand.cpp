@@ -1,4 +1,5 @@
 #include "Commands.h"
+#include "Console.h"
 #include "FunctionNames.h"
 #include "NodesAsJson.h"
 #include "Reference/WriteReference.h"
@@ -65,7 +66,7 @@ namespace Program
 			const std::vector<std::string> gaps = reference.gaps();
 			for (const std::string& gap : gaps)
 			{
-				fmt::print(stderr, "corvane: {}\n", gap);
+				complain("corvane: " + gap);
 			}
 			fmt::print("{} pages in {}\n", reference.nodes.size() + 1, directory);
 			return gaps.empty() ? exitGood : exitFailed;

@@ -1,4 +1,5 @@
 #include "Commands.h"
+#include "Console.h"
 #include "CorvaneBPLibrary.h"
 #include "InputError.h"
 #include "ScriptState.h"
@@ -15,12 +16,12 @@ namespace Program
 			[&loop](const std::function<bool()>& condition, double seconds) { return loop.WaitFor(condition, seconds); }});
 		if (script.runFile(path, arguments))
 		{
-			loop.RunUntilIdle(UCorvaneBPLibrary::hasPendingWork, [&script] { return script.hasEnded(); });
+			loop.RunUntilIdle(UCorvaneBPLibrary::hasPendingWork, [&script] { return script.hasEnded() || std::ferror(stdout); });
 		}
 		std::fflush(stdout); // before the error, so that the two stand in order where both go to one place
 		if (!script.error().empty())
 		{
-			fmt::print(stderr, "corvane: {}\n", script.error());
+			complain("corvane: " + script.error());
 		}
 		return script.exitStatus();
 	}
