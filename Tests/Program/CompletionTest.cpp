@@ -7,7 +7,7 @@ TEST(Completion, OffersWhatMayStandThere)
 {
 	using Words = std::vector<std::string>;
 	const std::pair<const char*, Words> cases[] = {
-		{"", {"run", "call", "nodes", "demo", "completion", "--help"}},
+		{"", {"run", "call", "nodes", "demo", "completion", "help", "--help", "--version"}},
 		{"ca", {"call"}},
 		{"call --p", {"--progress", "--project"}},
 		{"nodes --h", {"--html", "--help"}},

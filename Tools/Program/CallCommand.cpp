@@ -1,43 +1,28 @@
 #include "BodyOutput.h"
 #include "CallFrame.h"
+#include "CallInput.h"
 #include "Commands.h"
 #include "Console.h"
 #include "CorvaneBPLibrary.h"
 #include "DownloadSummary.h"
 #include "EventLines.h"
+#include "ExchangeLines.h"
 #include "FunctionNames.h"
 #include "InputError.h"
 #include "Kismet/BlueprintAsyncActionBase.h"
-#include "NearestName.h"
 #include "PinOutput.h"
 #include "ProgressBar.h"
 #include "RequestResults.h"
 #include "UObject/UObjectGlobals.h"
 
+#include <algorithm>
+#include <chrono>
 #include <fmt/format.h>
 
 namespace Program
 {
 	namespace
 	{
-		void setPin(const Reflect::Function& function, Reflect::CallFrame& frame, const std::string& assignment)
-		{
-			const size_t equals = assignment.find('=');
-			if (equals == std::string::npos)
-			{
-				throw Reflect::InputError(fmt::format("'{}' is no pin=value", assignment));
-			}
-			const std::string pin = assignment.substr(0, equals);
-			const std::optional<size_t> index = frame.findInput(pin);
-			if (!index)
-			{
-				throw Reflect::InputError(fmt::format(
-					"{}: unknown pin '{}'{}", function.name, pin, Reflect::suggestion(pin, Reflect::inputNames(*function.function))));
-			}
-			const Json value = parseWord(assignment.substr(equals + 1), frame[*index].type());
-			frame.set(*index, pin, JsonSource(value));
-		}
-
 		/** One call from its arguments to its outcome. */
 		class Call
 		{
@@ -48,10 +33,7 @@ namespace Program
 				, options(callOptions)
 				, frame(calledFunction)
 			{
-				for (const std::string& assignment : options.pins)
-				{
-					setPin(function, frame, assignment);
-				}
+				setPins(function, frame, options);
 			}
 
 			/** @return the exit status. */
@@ -64,6 +46,10 @@ namespace Program
 					refuseBodyOf(download);
 					body.emplace(options.bodyFile);
 				}
+				if (options.verbose)
+				{
+					tellRequest(function, frame);
+				}
 				const std::optional<Json> pins = outcome(body ? &*body : nullptr);
 				if (std::ferror(stdout))
 				{
@@ -73,6 +59,10 @@ namespace Program
 				{
 					complain(fmt::format("corvane: {} ended without a result", function.name));
 					return exitFailed;
+				}
+				if (options.verbose)
+				{
+					tellAnswer(*pins);
 				}
 				if (body)
 				{
@@ -173,20 +163,39 @@ namespace Program
 			/** A stream may have no end of its own: it ends when nobody can read it any more. */
 			void runToIdle()
 			{
-				loop.RunUntilIdle(UCorvaneBPLibrary::hasPendingWork, [] { return std::ferror(stdout) != 0; });
+				bool isLate = false;
+				loop.RunUntilIdle(UCorvaneBPLibrary::hasPendingWork,
+					[&]
+					{
+						isLate = options.timeoutSeconds > 0 && secondsSinceStart() > options.timeoutSeconds;
+						return isLate || std::ferror(stdout);
+					});
+				if (isLate)
+				{
+					throw std::runtime_error(fmt::format("{} took more than {} s", function.name, options.timeoutSeconds));
+				}
 			}
+
+			double secondsSinceStart() const { return std::chrono::duration<double>(Clock::now() - start).count(); }
+
+			using Clock = std::chrono::steady_clock;
 
 			FGameLoop& loop;
 			const Reflect::Function& function;
 			const CallOptions& options;
 			Reflect::CallFrame frame;
+			const Clock::time_point start = Clock::now();
 		};
 	} // namespace
 
 	int callFunction(const Settings& settings, const CallOptions& options)
 	{
 		const Reflect::Function& function = functionNamed(options.function);
-		ProgramLoop loop(settings);
+		Settings own = settings;
+		FHttpSettings& http = own.loop.http; // its limits for silence shall not be shorter than what was asked for
+		http.connectTimeoutSeconds = std::max(http.connectTimeoutSeconds, options.timeoutSeconds);
+		http.activityTimeoutSeconds = std::max(http.activityTimeoutSeconds, options.timeoutSeconds);
+		ProgramLoop loop(own);
 		return Call(loop, function, options).run();
 	}
 } // namespace Program

@@ -1,5 +1,6 @@
 #include "CommandLineCompletion.h"
 
+#include "CallInput.h"
 #include "Reflection.h"
 
 #include <algorithm>
@@ -95,7 +96,7 @@ namespace Program
 		Words pinsLeft(const Reflect::Function& function, const Words& arguments)
 		{
 			Words pins;
-			for (const std::string& name : Reflect::inputNames(*function.function))
+			for (const std::string& name : settablePins(*function.function))
 			{
 				const auto isSet = [&](const std::string& argument) { return beginsWith(argument, name + "="); };
 				if (std::none_of(arguments.begin(), arguments.end(), isSet))
@@ -141,15 +142,16 @@ namespace Program
 			}
 			if (verb == "call")
 			{
-				return {"--json", "--body", "--output", "--progress", "--project", "--base", "--drive-base", "--help"};
+				return {"--json", "--body", "--output", "--header", "--timeout", "--verbose", "--progress", "--project", "--base",
+					"--drive-base", "--help"};
 			}
 			return verb == "run" ? Words{"--project", "--base", "--drive-base", "--help"} : Words{"--drive-base", "--help"};
 		}
 
 		bool takesValue(const std::string& option)
 		{
-			return option == "--output" || option == "-o" || option == "--project" || option == "--base" || option == "--drive-base" ||
-				   option == "--html";
+			return option == "--output" || option == "--header" || option == "-H" || option == "--timeout" || option == "-o" ||
+				   option == "--project" || option == "--base" || option == "--drive-base" || option == "--html";
 		}
 	} // namespace
 
@@ -159,7 +161,7 @@ namespace Program
 		const std::string& word = words.back();
 		if (words.size() <= 2)
 		{
-			return only({"run", "call", "nodes", "demo", "completion", "--help"}, word);
+			return only({"run", "call", "nodes", "demo", "completion", "help", "--help", "--version"}, word);
 		}
 		const std::string& verb = words[1];
 		const Words arguments(words.begin() + 2, words.end());

@@ -6,7 +6,10 @@
 
 #include <fmt/core.h>
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
+#include <unistd.h>
 
 namespace Program
 {
@@ -28,9 +31,10 @@ namespace Program
 
 	int runScript(const Settings& settings, const std::string& path, const std::vector<std::string>& arguments)
 	{
-		if (!std::filesystem::exists(path) || std::filesystem::is_directory(path))
+		const bool isReadable = access(path.c_str(), R_OK) == 0;
+		if (!isReadable || std::filesystem::is_directory(path))
 		{
-			throw Reflect::InputError("there is no script " + path);
+			throw Reflect::InputError(fmt::format("cannot run '{}': {}", path, std::strerror(isReadable ? EISDIR : errno)));
 		}
 		ProgramLoop loop(settings);
 		return runToEnd(loop, path, arguments);
