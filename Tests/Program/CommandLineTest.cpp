@@ -78,7 +78,7 @@ namespace
 		{{"call", get, "bindServerSendEvent=5"}, 2, {}, {"CreateHttpRequestGET: pin 'bindServerSendEvent': expected bool, got 5"}},
 		{{"call", "getCleanDirectory", "directoryType=E_gdd"}, 2, {},
 			{"expected EFileFunctionsCorvDirectoryType (E_gd, E_ad), got \"E_gdd\", did you mean 'E_gd'?"}},
-		{{"call", get, "otherHttpRequests=[1]"}, 2, {}, {"a httpRequest cannot be written on a command line"}},
+		{{"call", get, "otherHttpRequests=[1]"}, 2, {}, {"a httpRequest cannot be written on a command line\n"}},
 		{{}, 2, {}, {"A subcommand is required"}},
 		{{"fetch"}, 2, {}, {"corvane: there is no verb 'fetch'\n"}},
 		{{"nodes", "--html", "/dev/null/pages"}, 1, {}, {"corvane: "}},

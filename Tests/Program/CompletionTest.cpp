@@ -9,6 +9,9 @@ TEST(Completion, OffersWhatMayStandThere)
 	const std::pair<const char*, Words> cases[] = {
 		{"", {"run", "call", "nodes", "demo", "completion", "help", "--help", "--version"}},
 		{"ca", {"call"}},
+		{"nodes onhttpfileu", {"onhttpFileUploadDelegate"}},
+		{"help c", {"call", "completion"}},
+		{"call CreateHttpRequestGET req", {}},
 		{"call --p", {"--progress", "--project"}},
 		{"nodes --h", {"--html", "--help"}},
 		{"call getcl", {"getCleanDirectory"}},

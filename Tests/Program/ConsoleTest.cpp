@@ -34,6 +34,8 @@ namespace
 		{"$get/hello --body", 0, "Hello!", IsEmpty()},
 		{"$get/hello -o out && cat out", 0, "Hello!", IsEmpty()},
 		{"echo kept > out; $get/hello -o out/x; cat out", 0, "kept\n", HasSubstr("corvane: cannot write 'out/x': Not a directory\n")},
+		{"echo kept > out; $c call CreateHttpRequestGET url=http://127.0.0.1:1/ -o out; cat out", 0, "kept\n",
+			HasSubstr("corvane: the status is 500\n")},
 		{"$c call --body getCleanDirectory", 2, IsEmpty(), HasSubstr("there is no body")},
 		// Terminals.
 		{"$tty '$post --body 2> /dev/null'", 0, R"(POST a=\u001b[2J\u009b)", IsEmpty()},
@@ -45,9 +47,10 @@ namespace
 		{"$get/file -o /dev/null", 0, IsEmpty(), IsEmpty()},
 		{"$get/file -o /dev/null --progress", 0, IsEmpty(), HasSubstr("100 % received of 1.0 MiB")},
 		// Events as they come, from streams without an end.
-		{"$get/endless bindServerSendEvent=true | head -2", 0, "event: data: message 1\\n\\n\nevent: data: message 2\\n\\n\n", IsEmpty()},
-		{"$get/endless bindServerSendEvent=true --body | head -3", 0, "data: message 1\n\ndata: message 2\n", IsEmpty()},
-		{"trap '' PIPE; $get/endless bindServerSendEvent=true --json | head -1", 0,
+		{"timeout 5 $get/endless bindServerSendEvent=true | head -2", 0, "event: data: message 1\\n\\n\nevent: data: message 2\\n\\n\n",
+			IsEmpty()},
+		{"timeout 5 $get/endless bindServerSendEvent=true --body | head -3", 0, "data: message 1\n\ndata: message 2\n", IsEmpty()},
+		{"trap '' PIPE; timeout 5 $get/endless bindServerSendEvent=true --json | head -1", 0,
 			HasSubstr(R"({"event":"onhttpServerSendEventDelegate","response":"data: message 1\n\n",)"), IsEmpty()},
 		// Output that cannot be written.
 		{"$get/hello > /dev/full", 1, IsEmpty(), "corvane: cannot write to standard output: No space left on device\n"},

@@ -2,6 +2,7 @@
 
 #include "Console.h"
 #include "InputError.h"
+#include "PinOutput.h"
 
 #include <cerrno>
 #include <cstring>
@@ -57,9 +58,11 @@ namespace Program
 
 	void BodyOutput::writeBodyOf(const Json& pins)
 	{
-		if (!hasBegun)
+		const std::string_view body = bodyOf(pins);
+		const bool hasAnswer = !body.empty() || !isFailure(pins); // else what the file held is better than nothing
+		if (!hasBegun && hasAnswer)
 		{
-			write(bodyOf(pins));
+			write(body);
 		}
 	}
 

@@ -19,18 +19,19 @@ namespace Program
 	{
 		using Reflect::InputError;
 
-		/** How a value is written, for messages; empty for types that everybody gets right. */
+		bool holdsTexts(const FPropertyType& type)
+		{
+			return type.Inner()->Kind == EPropertyKind::String;
+		}
+
+		/** How lists and maps of texts are written, for messages; other types need no explanation. */
 		std::string spelling(const std::string& pin, const FPropertyType& type)
 		{
-			switch (type.Kind)
+			if (type.Kind == EPropertyKind::Map && holdsTexts(type))
 			{
-			case EPropertyKind::Map:
 				return fmt::format(R"(; it is written {}='{{"Accept":"text/plain"}}')", pin);
-			case EPropertyKind::Array:
-				return fmt::format(R"(; it is written {}='["one","two"]')", pin);
-			default:
-				return "";
 			}
+			return type.Kind == EPropertyKind::Array && holdsTexts(type) ? fmt::format(R"(; it is written {}='["one","two"]')", pin) : "";
 		}
 
 		std::string contentOf(const std::string& path)

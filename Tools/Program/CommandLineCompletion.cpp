@@ -1,6 +1,7 @@
 #include "CommandLineCompletion.h"
 
 #include "CallInput.h"
+#include "CorvaneBPLibrary.h"
 #include "Reflection.h"
 
 #include <algorithm>
@@ -71,6 +72,25 @@ namespace Program
 				}
 			}
 			return only(names, beginning);
+		}
+
+		/** What is listed besides functions. */
+		Words eventNames(const std::string& beginning)
+		{
+			Words names;
+			for (const FMulticastDelegateProperty* event : Reflect::eventsOf(UCorvaneBPLibrary::StaticClass()))
+			{
+				names.emplace_back(event->Name);
+			}
+			return only(names, beginning);
+		}
+
+		Words nodeNames(const std::string& beginning)
+		{
+			Words names = functionNames(beginning);
+			const Words events = eventNames(beginning);
+			names.insert(names.end(), events.begin(), events.end());
+			return names;
 		}
 
 		Words valuesOf(const FPropertyType& type)
@@ -157,11 +177,14 @@ namespace Program
 
 	std::vector<std::string> completions(const std::string& line)
 	{
+		static const Words verbs = {"run", "call", "nodes", "demo", "completion", "help"};
 		const Words words = split(line);
 		const std::string& word = words.back();
 		if (words.size() <= 2)
 		{
-			return only({"run", "call", "nodes", "demo", "completion", "help", "--help", "--version"}, word);
+			Words first = verbs;
+			first.insert(first.end(), {"--help", "--version"});
+			return only(first, word);
 		}
 		const std::string& verb = words[1];
 		const Words arguments(words.begin() + 2, words.end());
@@ -173,6 +196,10 @@ namespace Program
 		{
 			return only(options(verb), word);
 		}
-		return verb == "call" ? callCandidates(arguments) : verb == "nodes" && arguments.size() == 1 ? functionNames(word) : Words();
+		if (verb == "help")
+		{
+			return arguments.size() == 1 ? only(verbs, word) : Words();
+		}
+		return verb == "call" ? callCandidates(arguments) : verb == "nodes" && arguments.size() == 1 ? nodeNames(word) : Words();
 	}
 } // namespace Program

@@ -8,12 +8,22 @@
 #include <cstring>
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <mutex>
 #include <unistd.h>
+#include <utility>
 
 namespace Program
 {
 	namespace
 	{
+		std::mutex errorMutex;
+		bool hasStatus = false; // guarded by errorMutex
+
+		void writeError(const std::string& text)
+		{
+			std::fwrite(text.data(), 1, text.size(), stderr);
+		}
+
 		void occupyClosedDescriptors()
 		{
 			for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
@@ -97,10 +107,18 @@ namespace Program
 		return isTerminal(stream) ? withoutControls(text) : std::string(text);
 	}
 
+	void drawStatus(std::string_view line)
+	{
+		const std::scoped_lock lock(errorMutex);
+		hasStatus = !line.empty();
+		writeError(fmt::format("\r{}\033[K", line));
+	}
+
 	void complain(std::string_view line)
 	{
-		const std::string whole = fitFor(stderr, line) + "\n";
-		std::fwrite(whole.data(), 1, whole.size(), stderr);
+		const std::string fit = fitFor(stderr, line);
+		const std::scoped_lock lock(errorMutex);
+		writeError(fmt::format("{}{}\n", std::exchange(hasStatus, false) ? "\r\033[K" : "", fit));
 	}
 
 	bool finishOutput()

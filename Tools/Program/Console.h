@@ -20,7 +20,10 @@ namespace Program
 	/** The same where a stream is a terminal, which would obey them; elsewhere the text as it is. */
 	std::string fitFor(std::FILE* stream, std::string_view text);
 
-	/** Writes a line to standard error. Never throws, since nobody could be told. Thread: any. */
+	/** Draws a line on standard error that the next one replaces. @param line  empty = takes it away. */
+	void drawStatus(std::string_view line);
+
+	/** Writes a line to standard error, in place of a status. Never throws, since nobody could be told. Thread: any. */
 	void complain(std::string_view line);
 
 	/**

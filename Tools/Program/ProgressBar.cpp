@@ -7,7 +7,6 @@
 #include <fmt/core.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -88,7 +87,7 @@ namespace Program
 	{
 		if (isDrawn)
 		{
-			std::fputs("\r\033[K", stderr);
+			drawStatus("");
 		}
 	}
 
@@ -129,8 +128,7 @@ namespace Program
 			const auto filled = static_cast<size_t>(std::clamp(progress.percent, 0.0, 100.0) / 100 * static_cast<double>(width));
 			bar = fmt::format("[{:<{}}] ", std::string(filled, '#'), width);
 		}
-		const std::string line = fmt::format("\r{}\033[K", (bar + text).substr(0, room));
-		std::fwrite(line.data(), 1, line.size(), stderr);
+		drawStatus((bar + text).substr(0, room));
 	}
 
 	std::string ProgressBar::speedAndTimeLeft(const Progress& progress, double seconds) const
