@@ -23,6 +23,7 @@ namespace Program
 		void write(std::string_view bytes);
 		/** Writes the body of a result, unless it has been written as it came. Throws InputError when the result has none. */
 		void writeBodyOf(const Json& pins);
+		bool isBroken() const { return fault != 0; }
 		/** Throws when something could not be written. */
 		void finish();
 

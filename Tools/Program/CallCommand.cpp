@@ -40,7 +40,6 @@ namespace Program
 			int run()
 			{
 				const std::optional<DownloadSummary> download = DownloadSummary::of(frame);
-				std::optional<BodyOutput> body;
 				if (options.bodyAlone || !options.bodyFile.empty())
 				{
 					refuseBodyOf(download);
@@ -50,10 +49,14 @@ namespace Program
 				{
 					tellRequest(function, frame);
 				}
-				const std::optional<Json> pins = outcome(body ? &*body : nullptr);
+				const std::optional<Json> pins = outcome();
 				if (std::ferror(stdout))
 				{
 					return exitFailed; // nobody could read on
+				}
+				if (body)
+				{
+					body->finish();
 				}
 				if (!pins)
 				{
@@ -66,7 +69,7 @@ namespace Program
 				}
 				if (body)
 				{
-					writeBody(*body, *pins);
+					writeBody(*pins);
 				}
 				else
 				{
@@ -84,10 +87,10 @@ namespace Program
 				}
 			}
 
-			static void writeBody(BodyOutput& body, const Json& pins)
+			void writeBody(const Json& pins)
 			{
-				body.writeBodyOf(pins);
-				body.finish();
+				body->writeBodyOf(pins);
+				body->finish();
 				if (isFailure(pins))
 				{
 					complain(fmt::format("corvane: the status is {}", pins.value("statusCode", 0)));
@@ -95,11 +98,11 @@ namespace Program
 			}
 
 			/** @return the pins of the result; nothing when what was started ended without saying so. */
-			std::optional<Json> outcome(BodyOutput* body)
+			std::optional<Json> outcome()
 			{
 				const RequestResults results;
 				const ProgressBar progress(options.progress);
-				const EventLines events(body, options.json);
+				const EventLines events(body ? &*body : nullptr, options.json);
 				frame.invoke();
 				if (Reflect::nodeClassOf(*function.function))
 				{
@@ -160,7 +163,7 @@ namespace Program
 				return sink.take();
 			}
 
-			/** A stream may have no end of its own: it ends when nobody can read it any more. */
+			/** A stream may have no end of its own: it ends when it can be written no further. */
 			void runToIdle()
 			{
 				bool isLate = false;
@@ -168,7 +171,7 @@ namespace Program
 					[&]
 					{
 						isLate = options.timeoutSeconds > 0 && secondsSinceStart() > options.timeoutSeconds;
-						return isLate || std::ferror(stdout);
+						return isLate || std::ferror(stdout) || (body && body->isBroken());
 					});
 				if (isLate)
 				{
@@ -184,6 +187,7 @@ namespace Program
 			const Reflect::Function& function;
 			const CallOptions& options;
 			Reflect::CallFrame frame;
+			std::optional<BodyOutput> body; // when it is wanted alone
 			const Clock::time_point start = Clock::now();
 		};
 	} // namespace

@@ -3,6 +3,7 @@
 #include "Console.h"
 
 #include <algorithm>
+#include <cctype>
 #include <fmt/format.h>
 
 namespace Program
