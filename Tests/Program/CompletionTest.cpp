@@ -7,9 +7,12 @@ TEST(Completion, OffersWhatMayStandThere)
 {
 	using Words = std::vector<std::string>;
 	const std::pair<const char*, Words> cases[] = {
-		{"", {"run", "call", "nodes", "demo", "completion", "--help"}},
+		{"", {"run", "call", "nodes", "demo", "completion", "help", "--help", "--version"}},
 		{"ca", {"call"}},
-		{"call --p", {"--project"}},
+		{"nodes onhttpfileu", {"onhttpFileUploadDelegate"}},
+		{"help c", {"call", "completion"}},
+		{"call CreateHttpRequestGET req", {}},
+		{"call --p", {"--progress", "--project"}},
 		{"nodes --h", {"--html", "--help"}},
 		{"call getcl", {"getCleanDirectory"}},
 		{"call filefunctionscorv.getcl", {"FileFunctionsCorv.getCleanDirectory"}},

@@ -1,59 +1,108 @@
+#include "BodyOutput.h"
 #include "CallFrame.h"
+#include "CallInput.h"
 #include "Commands.h"
+#include "Console.h"
 #include "CorvaneBPLibrary.h"
+#include "DownloadSummary.h"
+#include "EventLines.h"
+#include "ExchangeLines.h"
 #include "FunctionNames.h"
 #include "InputError.h"
 #include "Kismet/BlueprintAsyncActionBase.h"
-#include "NearestName.h"
 #include "PinOutput.h"
 #include "ProgressBar.h"
 #include "RequestResults.h"
 #include "UObject/UObjectGlobals.h"
 
+#include <algorithm>
+#include <chrono>
 #include <fmt/format.h>
 
 namespace Program
 {
 	namespace
 	{
-		void setPin(const Reflect::Function& function, Reflect::CallFrame& frame, const std::string& assignment)
-		{
-			const size_t equals = assignment.find('=');
-			if (equals == std::string::npos)
-			{
-				throw Reflect::InputError(fmt::format("'{}' is no pin=value", assignment));
-			}
-			const std::string pin = assignment.substr(0, equals);
-			const std::optional<size_t> index = frame.findInput(pin);
-			if (!index)
-			{
-				throw Reflect::InputError(fmt::format(
-					"{}: unknown pin '{}'{}", function.name, pin, Reflect::suggestion(pin, Reflect::inputNames(*function.function))));
-			}
-			const Json value = parseWord(assignment.substr(equals + 1), frame[*index].type());
-			frame.set(*index, pin, JsonSource(value));
-		}
-
 		/** One call from its arguments to its outcome. */
 		class Call
 		{
 		public:
-			Call(FGameLoop& gameLoop, const Reflect::Function& calledFunction, const CallOptions& options)
+			Call(FGameLoop& gameLoop, const Reflect::Function& calledFunction, const CallOptions& callOptions)
 				: loop(gameLoop)
 				, function(calledFunction)
+				, options(callOptions)
 				, frame(calledFunction)
 			{
-				for (const std::string& assignment : options.pins)
+				setPins(function, frame, options);
+			}
+
+			/** @return the exit status. */
+			int run()
+			{
+				const std::optional<DownloadSummary> download = DownloadSummary::of(frame);
+				if (options.bodyAlone || !options.bodyFile.empty())
 				{
-					setPin(function, frame, assignment);
+					refuseBodyOf(download);
+					body.emplace(options.bodyFile);
+				}
+				if (options.verbose)
+				{
+					tellRequest(function, frame);
+				}
+				const std::optional<Json> pins = outcome();
+				if (std::ferror(stdout))
+				{
+					return exitFailed; // nobody could read on
+				}
+				if (body)
+				{
+					body->finish();
+				}
+				if (!pins)
+				{
+					complain(fmt::format("corvane: {} ended without a result", function.name));
+					return exitFailed;
+				}
+				if (options.verbose)
+				{
+					tellAnswer(*pins);
+				}
+				if (body)
+				{
+					writeBody(*pins);
+				}
+				else
+				{
+					printPins(download ? download->replaceBody(*pins) : *pins, options.json);
+				}
+				return isFailure(*pins) ? exitFailed : exitGood;
+			}
+
+		private:
+			void refuseBodyOf(const std::optional<DownloadSummary>& download) const
+			{
+				if (download)
+				{
+					throw Reflect::InputError(fmt::format("{} writes the body to a file of its own", function.name));
 				}
 			}
 
-			/** @return the pins to print; nothing when what was started ended without saying so. */
-			std::optional<Json> run()
+			void writeBody(const Json& pins)
+			{
+				body->writeBodyOf(pins);
+				body->finish();
+				if (isFailure(pins))
+				{
+					complain(fmt::format("corvane: the status is {}", pins.value("statusCode", 0)));
+				}
+			}
+
+			/** @return the pins of the result; nothing when what was started ended without saying so. */
+			std::optional<Json> outcome()
 			{
 				const RequestResults results;
-				const ProgressBar progress;
+				const ProgressBar progress(options.progress);
+				const EventLines events(body ? &*body : nullptr, options.json);
 				frame.invoke();
 				if (Reflect::nodeClassOf(*function.function))
 				{
@@ -63,7 +112,6 @@ namespace Program
 				return records ? runRequests(results, *records) : finishedOutputs();
 			}
 
-		private:
 			/** @return the records that a builder made; null when the function is no builder. */
 			const TArray<FhttpRequest>* builtRecords() const
 			{
@@ -115,25 +163,43 @@ namespace Program
 				return sink.take();
 			}
 
-			void runToIdle() { loop.RunUntilIdle(UCorvaneBPLibrary::hasPendingWork); }
+			/** A stream may have no end of its own: it ends when it can be written no further. */
+			void runToIdle()
+			{
+				bool isLate = false;
+				loop.RunUntilIdle(UCorvaneBPLibrary::hasPendingWork,
+					[&]
+					{
+						isLate = options.timeoutSeconds > 0 && secondsSinceStart() > options.timeoutSeconds;
+						return isLate || std::ferror(stdout) || (body && body->isBroken());
+					});
+				if (isLate)
+				{
+					throw std::runtime_error(fmt::format("{} took more than {} s", function.name, options.timeoutSeconds));
+				}
+			}
+
+			double secondsSinceStart() const { return std::chrono::duration<double>(Clock::now() - start).count(); }
+
+			using Clock = std::chrono::steady_clock;
 
 			FGameLoop& loop;
 			const Reflect::Function& function;
+			const CallOptions& options;
 			Reflect::CallFrame frame;
+			std::optional<BodyOutput> body; // when it is wanted alone
+			const Clock::time_point start = Clock::now();
 		};
 	} // namespace
 
 	int callFunction(const Settings& settings, const CallOptions& options)
 	{
 		const Reflect::Function& function = functionNamed(options.function);
-		ProgramLoop loop(settings);
-		const std::optional<Json> pins = Call(loop, function, options).run();
-		if (!pins)
-		{
-			fmt::print(stderr, "corvane: {} ended without a result\n", function.name);
-			return exitFailed;
-		}
-		printPins(*pins, options.json);
-		return isFailure(*pins) ? exitFailed : exitGood;
+		Settings own = settings;
+		FHttpSettings& http = own.loop.http; // its limits for silence shall not be shorter than what was asked for
+		http.connectTimeoutSeconds = std::max(http.connectTimeoutSeconds, options.timeoutSeconds);
+		http.activityTimeoutSeconds = std::max(http.activityTimeoutSeconds, options.timeoutSeconds);
+		ProgramLoop loop(own);
+		return Call(loop, function, options).run();
 	}
 } // namespace Program

@@ -1,5 +1,7 @@
 #include "CommandLineCompletion.h"
 
+#include "CallInput.h"
+#include "CorvaneBPLibrary.h"
 #include "Reflection.h"
 
 #include <algorithm>
@@ -72,6 +74,25 @@ namespace Program
 			return only(names, beginning);
 		}
 
+		/** What is listed besides functions. */
+		Words eventNames(const std::string& beginning)
+		{
+			Words names;
+			for (const FMulticastDelegateProperty* event : Reflect::eventsOf(UCorvaneBPLibrary::StaticClass()))
+			{
+				names.emplace_back(event->Name);
+			}
+			return only(names, beginning);
+		}
+
+		Words nodeNames(const std::string& beginning)
+		{
+			Words names = functionNames(beginning);
+			const Words events = eventNames(beginning);
+			names.insert(names.end(), events.begin(), events.end());
+			return names;
+		}
+
 		Words valuesOf(const FPropertyType& type)
 		{
 			return type.Kind == EPropertyKind::Bool ? Words{"true", "false"} : Reflect::valueNames(type);
@@ -95,7 +116,7 @@ namespace Program
 		Words pinsLeft(const Reflect::Function& function, const Words& arguments)
 		{
 			Words pins;
-			for (const std::string& name : Reflect::inputNames(*function.function))
+			for (const std::string& name : settablePins(*function.function))
 			{
 				const auto isSet = [&](const std::string& argument) { return beginsWith(argument, name + "="); };
 				if (std::none_of(arguments.begin(), arguments.end(), isSet))
@@ -141,24 +162,29 @@ namespace Program
 			}
 			if (verb == "call")
 			{
-				return {"--json", "--project", "--base", "--drive-base", "--help"};
+				return {"--json", "--body", "--output", "--header", "--timeout", "--verbose", "--progress", "--project", "--base",
+					"--drive-base", "--help"};
 			}
 			return verb == "run" ? Words{"--project", "--base", "--drive-base", "--help"} : Words{"--drive-base", "--help"};
 		}
 
 		bool takesValue(const std::string& option)
 		{
-			return option == "--project" || option == "--base" || option == "--drive-base" || option == "--html";
+			return option == "--output" || option == "--header" || option == "-H" || option == "--timeout" || option == "-o" ||
+				   option == "--project" || option == "--base" || option == "--drive-base" || option == "--html";
 		}
 	} // namespace
 
 	std::vector<std::string> completions(const std::string& line)
 	{
+		static const Words verbs = {"run", "call", "nodes", "demo", "completion", "help"};
 		const Words words = split(line);
 		const std::string& word = words.back();
 		if (words.size() <= 2)
 		{
-			return only({"run", "call", "nodes", "demo", "completion", "--help"}, word);
+			Words first = verbs;
+			first.insert(first.end(), {"--help", "--version"});
+			return only(first, word);
 		}
 		const std::string& verb = words[1];
 		const Words arguments(words.begin() + 2, words.end());
@@ -170,6 +196,10 @@ namespace Program
 		{
 			return only(options(verb), word);
 		}
-		return verb == "call" ? callCandidates(arguments) : verb == "nodes" && arguments.size() == 1 ? functionNames(word) : Words();
+		if (verb == "help")
+		{
+			return arguments.size() == 1 ? only(verbs, word) : Words();
+		}
+		return verb == "call" ? callCandidates(arguments) : verb == "nodes" && arguments.size() == 1 ? nodeNames(word) : Words();
 	}
 } // namespace Program

@@ -32,7 +32,13 @@ namespace Program
 	{
 		std::string function; // "Class.function" or the function's name
 		std::vector<std::string> pins; // each "name=value"
+		std::vector<std::string> headers; // each "Name: value"
 		bool json = false;
+		bool bodyAlone = false; // to standard output
+		std::string bodyFile; // the body alone, into this file; empty = not
+		bool progress = false; // a line for each progress event, also where there is no terminal
+		bool verbose = false;
+		double timeoutSeconds = 0; // for the whole call; 0 = no limit
 	};
 
 	int runScript(const Settings& settings, const std::string& path, const std::vector<std::string>& arguments);
@@ -40,15 +46,15 @@ namespace Program
 	int callFunction(const Settings& settings, const CallOptions& options);
 	struct NodesOptions
 	{
-		std::string function; // only this one; empty = all
+		std::string name; // only this function, node or event; empty = all
 		bool json = false;
 		std::string htmlDirectory; // write pages there instead of the list; empty = none
 	};
 
 	/**
-	 * Lists script functions with their pins, or writes the pages of the reference.
+	 * Lists script functions and events with their pins, or writes the pages of the reference.
 	 * @return exitFailed when a function lacks a text or an example; the pages are written all the same. Throws InputError
-	 * for an unknown function.
+	 * for an unknown name.
 	 */
 	int listNodes(const NodesOptions& options);
 	/** Prints what bash needs to complete command lines. */

@@ -1,4 +1,5 @@
 #include "Commands.h"
+#include "Console.h"
 #include "InputError.h"
 #include "NearestName.h"
 
@@ -8,36 +9,59 @@
 
 namespace
 {
+	/** The parser knows nothing of the words that it leaves to the script. */
+	class ScriptUsage : public CLI::Formatter
+	{
+	public:
+		std::string make_usage(const CLI::App*, std::string name) const override
+		{
+			return "Usage: " + name + " [OPTIONS] SCRIPT [ARG...]\n";
+		}
+	};
+
 	struct CommandLine
 	{
 		Program::Settings settings;
 		Program::CallOptions call;
 		Program::NodesOptions nodesOptions;
 		std::string completedLine;
+		std::string helpTopic;
 
 		CLI::App app{"HTTP requests, downloads and file functions for scripts"};
-		CLI::App* run = app.add_subcommand("run", "Runs a Lua script: corvane run [--project DIR] [--base DIR] SCRIPT [ARG...]");
+		CLI::App* run = app.add_subcommand("run", "Runs a Lua script, which finds its arguments in arg");
 		CLI::App* callFunction = app.add_subcommand("call", "Calls one function or node and prints its pins");
-		CLI::App* nodes = app.add_subcommand("nodes", "Lists script functions with their pins, or writes pages about them");
+		CLI::App* nodes = app.add_subcommand("nodes", "Lists script functions and events with their pins, or writes pages about them");
 		CLI::App* demo = app.add_subcommand("demo", "Runs the examples against a server of its own");
 		CLI::App* completion = app.add_subcommand("completion", "Prints completion for bash: source <(corvane completion)");
+		CLI::App* help = app.add_subcommand("help", "Prints what the command or one of its verbs takes");
 
 		CommandLine()
 		{
 			app.name("corvane");
 			app.require_subcommand(1);
+			app.set_version_flag("--version", "corvane " CORVANE_VERSION);
+			help->add_option("VERB", helpTopic, "The verb that it is about");
+			run->formatter(std::make_shared<ScriptUsage>());
 			addDirectories(*run);
 			run->prefix_command(); // everything from SCRIPT on belongs to the script, options too
 			addDirectories(*callFunction);
 			addDriveBase(*nodes);
 			nodes->add_flag("--json", nodesOptions.json, "Print a JSON list");
 			nodes->add_option("--html", nodesOptions.htmlDirectory, "Write a page for each function into this folder");
-			nodes->add_option("FUNCTION", nodesOptions.function, "Only this one");
+			nodes->add_option("NAME", nodesOptions.name, "Only this function, node or event");
 			completion->add_option("--line", completedLine, "Print what may stand at the end of this command line instead");
 			addDriveBase(*demo);
-			callFunction->add_flag("--json", call.json, "Print one JSON object");
+			callFunction->add_flag("--json", call.json, "Print one JSON object, and one for each server-sent event");
+			callFunction->add_flag("--body", call.bodyAlone, "Write the body alone, byte for byte unless to a terminal");
+			callFunction->add_option("-o,--output", call.bodyFile, "Write the body alone into this file");
+			callFunction->add_flag("--progress", call.progress, "Print a line for each progress event on standard error");
+			callFunction->add_option("-H,--header", call.headers, "A header of the request: -H 'Accept: text/plain'")
+				->allow_extra_args(false);
+			callFunction->add_option("--timeout", call.timeoutSeconds, "Give up after so many seconds")->check(CLI::PositiveNumber);
+			callFunction->add_flag("-v,--verbose", call.verbose, "Tell request and answer on standard error, without secrets");
 			callFunction->add_option("FUNCTION", call.function, "Class.function, or the function's name alone")->required();
-			callFunction->add_option("PIN=VALUE", call.pins, "Enumerations by name, lists and maps as JSON");
+			callFunction->add_option("PIN=VALUE", call.pins,
+				"Enumerations by name, lists and maps as JSON: header='{\"Accept\":\"text/plain\"}'; a body may be @FILE");
 		}
 
 		void addDriveBase(CLI::App& verb)
@@ -80,8 +104,21 @@ namespace
 		}
 	}
 
+	int printHelp(const CommandLine& line)
+	{
+		checkVerb(line.app, line.helpTopic);
+		const CommandLine fresh; // this one would speak of the verb "help" only
+		const CLI::App& app = line.helpTopic.empty() ? fresh.app : *fresh.app.get_subcommand(line.helpTopic);
+		fmt::print("{}", app.help(line.helpTopic.empty() ? "" : "corvane"));
+		return Program::exitGood;
+	}
+
 	int carryOut(const CommandLine& line)
 	{
+		if (*line.help)
+		{
+			return printHelp(line);
+		}
 		if (*line.run)
 		{
 			return runScript(line);
@@ -96,29 +133,40 @@ namespace
 		}
 		return *line.nodes ? Program::listNodes(line.nodesOptions) : Program::runDemo(line.settings);
 	}
+
+	int runCommand(int argc, char** argv)
+	{
+		CommandLine line;
+		try
+		{
+			checkVerb(line.app, argc > 1 ? argv[1] : "");
+			line.app.parse(argc, argv);
+			return carryOut(line);
+		}
+		catch (const CLI::ParseError& error)
+		{
+			return line.app.exit(error) == 0 ? Program::exitGood : Program::exitUsage; // asking for help is no error
+		}
+		catch (const Reflect::InputError& error)
+		{
+			Program::complain(fmt::format("corvane: {}", error.what()));
+			return Program::exitUsage;
+		}
+		catch (const std::exception& error)
+		{
+			if (!std::ferror(stdout)) // else this is told when the output ends
+			{
+				Program::complain(fmt::format("corvane: {}", error.what()));
+			}
+			return Program::exitFailed;
+		}
+	}
 } // namespace
 
 int main(int argc, char** argv)
 {
-	CommandLine line;
-	try
-	{
-		checkVerb(line.app, argc > 1 ? argv[1] : "");
-		line.app.parse(argc, argv);
-		return carryOut(line);
-	}
-	catch (const CLI::ParseError& error)
-	{
-		return line.app.exit(error) == 0 ? Program::exitGood : Program::exitUsage; // asking for help is no error
-	}
-	catch (const Reflect::InputError& error)
-	{
-		fmt::print(stderr, "corvane: {}\n", error.what());
-		return Program::exitUsage;
-	}
-	catch (const std::exception& error)
-	{
-		fmt::print(stderr, "corvane: {}\n", error.what());
-		return Program::exitFailed;
-	}
+	Program::openConsole();
+	const int status = runCommand(argc, argv);
+	const bool isWritten = Program::finishOutput();
+	return isWritten || status != Program::exitGood ? status : Program::exitFailed;
 }

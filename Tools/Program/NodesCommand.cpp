@@ -1,61 +1,81 @@
 #include "Commands.h"
+#include "Console.h"
 #include "FunctionNames.h"
 #include "NodesAsJson.h"
 #include "Reference/WriteReference.h"
 
+#include <algorithm>
 #include <fmt/core.h>
+#include <iterator>
 
 namespace Program
 {
 	namespace
 	{
-		std::string indented(std::string text)
+		void printTexts(const std::vector<std::string>& texts, const std::string& indent)
 		{
-			for (size_t end = text.find('\n'); end != std::string::npos; end = text.find('\n', end + 1))
+			for (const std::string& text : texts)
 			{
-				text.insert(end + 1, "    ");
-			}
-			return "    " + text;
-		}
-
-		void printPin(const char* direction, const char* name, const FPropertyType& type, const char* defaultText)
-		{
-			const std::string tail = defaultText ? fmt::format(" = {}", *defaultText ? defaultText : "\"\"") : "";
-			fmt::print("  {:6} {}: {}{}\n", direction, name, Reflect::typeName(type), tail);
-		}
-
-		void printEvents(UClass* nodeClass)
-		{
-			for (const FMulticastDelegateProperty* event : Reflect::eventsOf(nodeClass))
-			{
-				fmt::print("  {:6} {}:\n", "event", event->Name);
-				for (const FParameter& parameter : event->Signature->Parameters)
+				std::string lines = text;
+				for (size_t end = lines.find('\n'); end != std::string::npos; end = lines.find('\n', end + 1))
 				{
-					fmt::print("           {}: {}\n", parameter.Name, Reflect::typeName(parameter.Type()));
+					lines.insert(end + 1, indent);
 				}
+				fmt::print("{}{}\n", indent, lines);
 			}
 		}
 
-		void printFunction(const Reflect::Function& function)
+		void printPin(const PinFacts& pin)
 		{
 			static constexpr const char* directions[] = {"in", "out", "in/out", "out"};
+			static const std::string indent(11, ' ');
 
-			fmt::print("{}  [{}]\n", function.name, FindMeta(function.function->Meta, "Category"));
-			if (const char* tooltip = FindMeta(function.function->Meta, "ToolTip"); *tooltip)
+			const std::string declared = pin.defaultText.value_or("");
+			const std::string tail = pin.defaultText ? fmt::format(" = {}", declared.empty() ? "\"\"" : declared) : "";
+			fmt::print("  {:6} {}: {}{}\n", directions[static_cast<size_t>(pin.kind)], pin.name, Reflect::typeName(*pin.type), tail);
+			printTexts(pin.texts, indent);
+			if (pin.type->Kind == EPropertyKind::Enum)
 			{
-				fmt::print("{}\n", indented(tooltip));
-			}
-			UClass* const nodeClass = Reflect::nodeClassOf(*function.function);
-			for (const FParameter& parameter : function.function->Parameters)
-			{
-				const bool isTheNode = nodeClass && parameter.Kind == EParameterKind::Return;
-				if (!isTheNode)
+				for (const FEnumerator& value : pin.type->Enum()->Enumerators)
 				{
-					printPin(directions[static_cast<size_t>(parameter.Kind)], parameter.Name, parameter.Type(), parameter.Default);
+					fmt::print("{}{} = {}: {}\n", indent, value.Name, value.Value, value.DisplayName);
 				}
 			}
-			printEvents(nodeClass);
+		}
+
+		void printNode(const NodeFacts& facts)
+		{
+			fmt::print("{}  [{}]\n", facts.name, facts.category);
+			printTexts(facts.texts, "    ");
+			for (const PinFacts& pin : facts.pins)
+			{
+				printPin(pin);
+			}
+			for (const OutcomeFacts& outcome : facts.outcomes)
+			{
+				fmt::print("  {:6} {}\n", "event", outcome.name);
+				printTexts(outcome.texts, std::string(11, ' '));
+			}
 			fmt::print("\n");
+		}
+
+		/** @return the full name of a function or an event that is called by a full or a bare name. */
+		std::string fullName(const std::string& name)
+		{
+			std::vector<std::string> events;
+			for (const NodeFacts& facts : allFacts())
+			{
+				const bool isNamed = Reflect::equalNames(facts.name, name) || Reflect::equalNames(facts.ownName(), name);
+				if (facts.kind == NodeKind::Event && isNamed)
+				{
+					return facts.name;
+				}
+				if (facts.kind == NodeKind::Event)
+				{
+					events.push_back(facts.ownName());
+				}
+			}
+			return functionNamed(name, events).name;
 		}
 
 		int writePages(const std::string& directory)
@@ -65,22 +85,28 @@ namespace Program
 			const std::vector<std::string> gaps = reference.gaps();
 			for (const std::string& gap : gaps)
 			{
-				fmt::print(stderr, "corvane: {}\n", gap);
+				complain("corvane: " + gap);
 			}
 			fmt::print("{} pages in {}\n", reference.nodes.size() + 1, directory);
 			return gaps.empty() ? exitGood : exitFailed;
 		}
 
-		void printJson(const Reflect::Function* chosen)
+		/** @param name  empty = all. */
+		std::vector<NodeFacts> chosenOf(const std::vector<NodeFacts>& all, const std::string& name)
+		{
+			std::vector<NodeFacts> chosen;
+			std::copy_if(all.begin(), all.end(), std::back_inserter(chosen),
+				[full = name.empty() ? name : fullName(name)](const NodeFacts& facts) { return full.empty() || facts.name == full; });
+			return chosen;
+		}
+
+		void printJson(const std::string& name)
 		{
 			const Reference reference = collectReference();
 			Json list = Json::array();
-			for (const NodeFacts& facts : reference.nodes)
+			for (const NodeFacts& facts : chosenOf(reference.nodes, name))
 			{
-				if (!chosen || facts.name == chosen->name)
-				{
-					list.push_back(toJson(reference, facts));
-				}
+				list.push_back(toJson(reference, facts));
 			}
 			fmt::print("{}\n", list.dump(2));
 		}
@@ -88,22 +114,18 @@ namespace Program
 
 	int listNodes(const NodesOptions& options)
 	{
-		const Reflect::Function* const chosen = options.function.empty() ? nullptr : &functionNamed(options.function);
 		if (!options.htmlDirectory.empty())
 		{
 			return writePages(options.htmlDirectory);
 		}
 		if (options.json)
 		{
-			printJson(chosen);
+			printJson(options.name);
 			return exitGood;
 		}
-		for (const Reflect::Function& function : Reflect::functions())
+		for (const NodeFacts& facts : chosenOf(allFacts(), options.name))
 		{
-			if (!chosen || &function == chosen)
-			{
-				printFunction(function);
-			}
+			printNode(facts);
 		}
 		return exitGood;
 	}

@@ -1,5 +1,7 @@
 #include "PinOutput.h"
 
+#include "Console.h"
+
 #include <fmt/core.h>
 #include <openssl/evp.h>
 
@@ -21,9 +23,35 @@ namespace Program
 			{
 				return fmt::format("<{} bytes>", value.get_binary().size());
 			}
-			return value.is_string() ? value.get<std::string>() : value.dump();
+			return value.is_string() ? value.get<std::string>() : value.dump(-1, ' ', false, Json::error_handler_t::replace);
+		}
+		/** A text that would push everything else off the screen loses its end there. */
+		std::string shortened(std::string text)
+		{
+			constexpr size_t mostBytes = 2000;
+			const size_t whole = text.size();
+			if (whole <= mostBytes)
+			{
+				return text;
+			}
+			size_t end = mostBytes;
+			while ((static_cast<unsigned char>(text[end]) & 0xc0) == 0x80) // inside a character
+			{
+				--end;
+			}
+			return text.substr(0, end) + fmt::format("... ({} of {} bytes)", end, whole);
+		}
+
+		void printLine(const std::string& name, const std::string& text)
+		{
+			fmt::print("{}: {}\n", name, isTerminal(stdout) ? withoutControls(shortened(text)) : text);
 		}
 	} // namespace
+
+	std::string asJsonLine(const Json& value)
+	{
+		return fitFor(stdout, value.dump(-1, ' ', false, Json::error_handler_t::replace)) + "\n";
+	}
 
 	void printPins(const Json& pins, bool asJson)
 	{
@@ -36,12 +64,12 @@ namespace Program
 			}
 			else
 			{
-				fmt::print("{}: {}\n", name, asLine(value));
+				printLine(name, asLine(value));
 			}
 		}
 		if (asJson)
 		{
-			fmt::print("{}\n", printable.dump());
+			fmt::print("{}", asJsonLine(printable));
 		}
 	}
 

@@ -1,11 +1,13 @@
 #include "ProgressBar.h"
 
+#include "Console.h"
 #include "CorvaneBPLibrary.h"
 #include "Reflection.h"
 
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace Program
@@ -36,6 +38,14 @@ namespace Program
 			return size > 1.5;
 		}
 
+		/** @return the width of the terminal behind standard error. */
+		size_t columns()
+		{
+			winsize window{};
+			const bool isKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &window) == 0 && window.ws_col > 0;
+			return isKnown ? window.ws_col : 80;
+		}
+
 		/** @return "12 s" or "3 min 20 s". */
 		std::string inWords(double seconds)
 		{
@@ -46,19 +56,15 @@ namespace Program
 
 	std::string ProgressBar::amount(const Progress& progress)
 	{
-		if (!isSizeKnown(progress.size))
-		{
-			return fmt::format("{:.1f} MiB {}", progress.done / mebibyte, progress.direction);
-		}
-		constexpr int width = 30;
-		const int filled = static_cast<int>(std::clamp(progress.percent, 0.0, 100.0) / 100 * width);
-		return fmt::format("[{:<{}}] {:3.0f} % {} of {:.1f} MiB", std::string(static_cast<size_t>(filled), '#'), width, progress.percent,
-			progress.direction, progress.size / mebibyte);
+		return isSizeKnown(progress.size)
+				   ? fmt::format("{:3.0f} % {} of {:.1f} MiB", progress.percent, progress.direction, progress.size / mebibyte)
+				   : fmt::format("{:.1f} MiB {}", progress.done / mebibyte, progress.direction);
 	}
 
-	ProgressBar::ProgressBar()
+	ProgressBar::ProgressBar(bool tellsInLines)
+		: asLines(tellsInLines)
 	{
-		if (!isatty(STDERR_FILENO))
+		if (!asLines && !isTerminal(stderr))
 		{
 			return;
 		}
@@ -71,7 +77,7 @@ namespace Program
 				[this, &source](const Json& pins)
 				{
 					const auto number = [&pins](const char* pin) { return pins.at(pin).get<double>(); };
-					draw({source.direction, number(source.percentPin), number(source.sizePin) * source.unit,
+					tell({source.direction, number(source.percentPin), number(source.sizePin) * source.unit,
 						number(source.donePin) * source.unit});
 				});
 		}
@@ -81,26 +87,48 @@ namespace Program
 	{
 		if (isDrawn)
 		{
-			fmt::print(stderr, "\r\033[K");
+			drawStatus("");
 		}
 	}
 
-	void ProgressBar::draw(const Progress& progress)
+	void ProgressBar::tell(const Progress& progress)
 	{
 		const Clock::time_point now = Clock::now();
-		if (!isDrawn || progress.done < firstDone)
+		if (!hasBegun || progress.done < firstDone)
 		{
+			hasBegun = true;
 			firstTime = now;
 			firstDone = progress.done;
 		}
-		else if (now - lastDrawn < betweenDrawings)
+		const std::string text = amount(progress) + speedAndTimeLeft(progress, std::chrono::duration<double>(now - firstTime).count());
+		if (asLines)
 		{
-			return;
+			complain(text);
 		}
-		lastDrawn = now;
-		isDrawn = true;
-		const double seconds = std::chrono::duration<double>(now - firstTime).count();
-		fmt::print(stderr, "\r{}{}\033[K", amount(progress), speedAndTimeLeft(progress, seconds));
+		else if (!isDrawn || now - lastDrawn >= betweenDrawings)
+		{
+			lastDrawn = now;
+			isDrawn = true;
+			draw(progress, text);
+		}
+	}
+
+	/** A line that is too long would wrap, and the next one could not be drawn over it: the bar takes what the words leave. */
+	void ProgressBar::draw(const Progress& progress, const std::string& text)
+	{
+		constexpr size_t widest = 30;
+		constexpr size_t narrowest = 5;
+		constexpr size_t frame = 3; // brackets and a space
+		const size_t room = columns() - 1; // terminals wrap at the last column
+		const size_t left = room > text.size() + frame ? room - text.size() - frame : 0;
+		std::string bar;
+		if (isSizeKnown(progress.size) && left >= narrowest)
+		{
+			const size_t width = std::min(left, widest);
+			const auto filled = static_cast<size_t>(std::clamp(progress.percent, 0.0, 100.0) / 100 * static_cast<double>(width));
+			bar = fmt::format("[{:<{}}] ", std::string(filled, '#'), width);
+		}
+		drawStatus((bar + text).substr(0, room));
 	}
 
 	std::string ProgressBar::speedAndTimeLeft(const Progress& progress, double seconds) const

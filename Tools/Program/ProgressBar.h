@@ -8,11 +8,12 @@
 
 namespace Program
 {
-	/** Draws size, speed and time left of transfers on standard error while it lives, if that is a terminal. Thread: game thread. */
+	/** Tells size, speed and time left of transfers on standard error while it lives. Thread: game thread. */
 	class ProgressBar
 	{
 	public:
-		ProgressBar();
+		/** @param asLines  a line for each event; else one that is drawn again and again, if there is a terminal for it. */
+		explicit ProgressBar(bool asLines);
 		~ProgressBar(); // leaves an empty line behind
 		ProgressBar(const ProgressBar&) = delete;
 		ProgressBar& operator=(const ProgressBar&) = delete;
@@ -28,12 +29,15 @@ namespace Program
 			double done; // bytes
 		};
 
-		void draw(const Progress& progress);
+		void tell(const Progress& progress);
+		static void draw(const Progress& progress, const std::string& text);
 		static std::string amount(const Progress& progress);
 		/** @return the end of the line; empty while there is nothing to tell. */
 		std::string speedAndTimeLeft(const Progress& progress, double seconds) const;
 
+		const bool asLines;
 		std::list<EventTap> taps;
+		bool hasBegun = false;
 		bool isDrawn = false;
 		Clock::time_point lastDrawn;
 		Clock::time_point firstTime; // where the speed is measured from

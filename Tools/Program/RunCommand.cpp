@@ -1,11 +1,15 @@
 #include "Commands.h"
+#include "Console.h"
 #include "CorvaneBPLibrary.h"
 #include "InputError.h"
 #include "ScriptState.h"
 
 #include <fmt/core.h>
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
+#include <unistd.h>
 
 namespace Program
 {
@@ -15,21 +19,22 @@ namespace Program
 			[&loop](const std::function<bool()>& condition, double seconds) { return loop.WaitFor(condition, seconds); }});
 		if (script.runFile(path, arguments))
 		{
-			loop.RunUntilIdle(UCorvaneBPLibrary::hasPendingWork, [&script] { return script.hasEnded(); });
+			loop.RunUntilIdle(UCorvaneBPLibrary::hasPendingWork, [&script] { return script.hasEnded() || std::ferror(stdout); });
 		}
 		std::fflush(stdout); // before the error, so that the two stand in order where both go to one place
 		if (!script.error().empty())
 		{
-			fmt::print(stderr, "corvane: {}\n", script.error());
+			complain("corvane: " + script.error());
 		}
 		return script.exitStatus();
 	}
 
 	int runScript(const Settings& settings, const std::string& path, const std::vector<std::string>& arguments)
 	{
-		if (!std::filesystem::exists(path) || std::filesystem::is_directory(path))
+		const bool isReadable = access(path.c_str(), R_OK) == 0;
+		if (!isReadable || std::filesystem::is_directory(path))
 		{
-			throw Reflect::InputError("there is no script " + path);
+			throw Reflect::InputError(fmt::format("cannot run '{}': {}", path, std::strerror(isReadable ? EISDIR : errno)));
 		}
 		ProgramLoop loop(settings);
 		return runToEnd(loop, path, arguments);

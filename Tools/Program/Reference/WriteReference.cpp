@@ -1,6 +1,9 @@
 #include "WriteReference.h"
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
+#include <fmt/format.h>
 #include <fstream>
 #include <stdexcept>
 
@@ -16,7 +19,7 @@ namespace Program
 			file << text << std::flush;
 			if (!file)
 			{
-				throw std::runtime_error("cannot write " + path.string());
+				throw std::runtime_error(fmt::format("cannot write '{}': {}", path.string(), std::strerror(errno)));
 			}
 		}
 	} // namespace

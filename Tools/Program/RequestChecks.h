@@ -1,0 +1,17 @@
+#pragma once
+
+#include "CallFrame.h"
+
+#include <string>
+
+namespace Program
+{
+	/**
+	 * Finds what would keep a request from being sent, in the words of the person who wrote it, before anything happens.
+	 * Functions that make no request pass. Throws InputError.
+	 */
+	void checkRequest(const Reflect::Function& function, const Reflect::CallFrame& frame);
+
+	/** @return what is wrong with a text that shall be an address; empty = nothing. */
+	std::string addressFault(const std::string& address);
+} // namespace Program
