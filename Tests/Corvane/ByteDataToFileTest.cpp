@@ -46,6 +46,7 @@ TEST_F(ByteDataToFile, WritesOverwritesAndRefusesInTheOrderOfCalls)
 	{
 		write(EAction::E_OVERWRITE, std::to_string(number), path);
 	}
+	drain(); // nobody may look at the directories while they change
 	HostDirectories::Set(dir.path(), "");
 	write(EAction::E_OVERWRITE, "game", "Saved/a.txt", EHTTPCorvFileUpload::E_gd);
 	drain();
