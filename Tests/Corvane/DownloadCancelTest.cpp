@@ -3,7 +3,7 @@
 
 namespace
 {
-	const std::string content = patternedBytes(60000);
+	const std::string content = randomBytes(60000);
 
 	class DownloadCancel : public DownloadFixture
 	{

@@ -7,7 +7,7 @@ using testing::ElementsAre;
 
 namespace
 {
-	const std::string content = patternedBytes(5000);
+	const std::string content = randomBytes(5000);
 	const std::string prefix = content.substr(0, 1000);
 	const std::string foreign(1000, 'f');
 	const std::string page = "a page of the server";
@@ -183,7 +183,7 @@ TEST_F(Download, OfAPartOfOnesOwnChoiceIsWrittenWhereItFollows)
 
 TEST_F(Download, ThatIsResumedNeverMixesTwoVersions)
 {
-	const std::string second = patternedBytes(6000, 2);
+	const std::string second = randomBytes(6000, 2);
 	const auto versioned = [&](const std::string& whole, const std::string& name, size_t missing)
 	{
 		return [=](Connection& connection, const RangeRequest& request)

@@ -28,7 +28,7 @@ TEST_F(FileEncoding, AgreesWithTheSystemsOwnPrograms)
 		const std::string base64 = outputOf("base64 -w0 '" + path + "'");
 		EXPECT_TRUE(encodeFile(path) == "n\u00e4me.tar.gz: " + base64) << number;
 		bool success = false;
-		EXPECT_TRUE(toBytes(Files::base64StringToBytes(EKind::E_gd, text(base64), success)) == bytes && success) << number;
+		EXPECT_TRUE(bytesOf(Files::base64StringToBytes(EKind::E_gd, text(base64), success)) == bytes && success) << number;
 	}
 }
 

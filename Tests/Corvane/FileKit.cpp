@@ -38,11 +38,6 @@ TArray<uint8> toArray(std::string_view bytes)
 	return array;
 }
 
-std::string toBytes(const TArray<uint8>& array)
-{
-	return std::string(array.begin(), array.end());
-}
-
 std::string outputOf(const std::string& command)
 {
 	std::FILE* const pipe = popen(command.c_str(), "r");
@@ -61,7 +56,7 @@ std::optional<std::string> FileTest::read(const std::string& path, int64 seek)
 	TArray<uint8> bytes;
 	const bool bRead = succeeds([&](bool& success) { bytes = Files::readBytesFromFile(EKind::E_ad, text(path), seek, success); });
 	EXPECT_TRUE(bRead || bytes.IsEmpty());
-	return bRead ? std::optional(toBytes(bytes)) : std::nullopt;
+	return bRead ? std::optional(bytesOf(bytes)) : std::nullopt;
 }
 
 std::optional<std::string> FileTest::textBy(Reader reader, const std::string& path)

@@ -2,6 +2,7 @@
 
 #include "FileFunctionsCorv.h"
 #include "TempDir.h"
+#include "TextSupport.h"
 
 #include <gtest/gtest.h>
 #include <optional>
@@ -11,7 +12,6 @@ using EKind = EFileFunctionsCorvDirectoryType;
 using Files = UFileFunctionsCorv;
 
 TArray<uint8> toArray(std::string_view bytes);
-std::string toBytes(const TArray<uint8>& array);
 
 /** @return what a shell command prints; a command that fails, fails the test. */
 std::string outputOf(const std::string& command);

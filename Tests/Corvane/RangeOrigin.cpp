@@ -4,16 +4,9 @@
 #include <atomic>
 #include <cinttypes>
 #include <cstdio>
-#include <random>
 
 namespace
 {
-	std::string headerOf(const std::string& head, const std::string& name)
-	{
-		const size_t at = head.find("\r\n" + name + ": ");
-		return at == head.npos ? "" : head.substr(at + name.size() + 4, head.find("\r\n", at + 2) - at - name.size() - 4);
-	}
-
 	RangeRequest read(const std::string& head)
 	{
 		RangeRequest request{head, 0, headerOf(head, "Range")};
@@ -25,14 +18,6 @@ namespace
 		return request;
 	}
 } // namespace
-
-std::string patternedBytes(std::size_t number, unsigned seed)
-{
-	std::mt19937 generator(seed);
-	std::string bytes(number, '\0');
-	std::generate(bytes.begin(), bytes.end(), [&] { return static_cast<char>(generator()); });
-	return bytes;
-}
 
 RangeOrigin::RangeOrigin(Answer answer)
 	: server(

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "RandomBytes.h"
 #include "RawServer.h"
 
 #include <cstdint>
@@ -19,9 +20,6 @@ struct RangeRequest
 	std::int64_t first = 0;
 	std::optional<std::int64_t> last = {};
 };
-
-/** Bytes without a pattern that would repeat at a place where a test cuts. */
-std::string patternedBytes(std::size_t number, unsigned seed = 1);
 
 /** An origin that hands each request to a function, so that a test says only what is special about its answers. */
 class RangeOrigin

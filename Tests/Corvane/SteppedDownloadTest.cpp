@@ -5,7 +5,7 @@
 
 namespace
 {
-	const std::string content = patternedBytes(2500);
+	const std::string content = randomBytes(2500);
 	const std::optional<std::string> absent;
 	constexpr const char* noRanges = "File Download: Server does not suport download range or wrong url. Cancel Download";
 	constexpr const char* nothingLeft = "File Download: File size equal to or larger than on the server. Cancel Download";
@@ -47,7 +47,7 @@ namespace
 		const auto honest = serving(content, version);
 		const std::string step = content.substr(0, 1001);
 		const std::string second = content.substr(1001, 1001);
-		const std::string other = patternedBytes(2500, 2);
+		const std::string other = randomBytes(2500, 2);
 		const auto whole = sending(answer(200, content));
 		const auto reset = [](Connection& connection, const RangeRequest&) { connection.reset(); };
 		const auto breakOff = [](Connection& connection, const RangeRequest& request)
@@ -130,7 +130,7 @@ TEST_F(SteppedDownload, AsksForStepsOfOneByteMoreThanTheirSize)
 	};
 	for (const auto& [size, before, ranges] : cases)
 	{
-		const std::string file = patternedBytes(size);
+		const std::string file = randomBytes(size);
 		setTarget(before > 0 ? std::optional(file.substr(0, before)) : absent);
 		RangeOrigin origin(serving(file));
 		EXPECT_EQ(fetch({origin.url(), DownloadKind::Stepped}).statusCode, 206) << size;
@@ -163,7 +163,7 @@ TEST_F(SteppedDownload, RepeatsItsHeadersInEveryStepAndARangeOfTheScriptStopsIt)
 TEST_F(SteppedDownload, GoesOnBeyondFourGibibytes)
 {
 	constexpr int64 onDisk = 5'000'000'000;
-	const std::string end = patternedBytes(1 << 20);
+	const std::string end = randomBytes(1 << 20);
 	std::filesystem::resize_file(dir.write("target.bin", ""), onDisk); // without its blocks
 	const int64 total = onDisk + (1 << 20);
 	RangeOrigin origin(

@@ -243,7 +243,7 @@ TEST_F(UploadFault, ARedirectThatAsksForTheBodyAgainIsTold)
 		{
 			for (;;)
 			{
-				const std::string length = Received{connection.readHead(), ""}.header("Content-Length");
+				const std::string length = headerOf(connection.readHead(), "Content-Length");
 				connection.read(length.empty() ? 0 : std::stoul(length));
 				connection.send(length.empty() ? answer(200, "") : answer(code, "", "Location: /\r\n"));
 			}

@@ -14,13 +14,6 @@ namespace
 	}
 } // namespace
 
-std::string Received::header(const std::string& name) const
-{
-	const size_t line = head.find("\r\n" + name + ": ");
-	const size_t begin = line + name.size() + 4;
-	return line == head.npos ? "" : head.substr(begin, head.find("\r\n", begin) - begin);
-}
-
 UploadSink::UploadSink(Gate* gate)
 	: Server([this, gate](Connection& connection) { serve(connection, gate); })
 {
@@ -35,8 +28,7 @@ void UploadSink::serve(Connection& connection, Gate* gate)
 		{
 			connection.waitFor(*gate);
 		}
-		const std::string length = request.header("Content-Length");
-		request.body = connection.read(length.empty() ? 0 : std::stoul(length));
+		request.body = connection.readBody(request.head);
 		{
 			const std::scoped_lock lock(Mutex);
 			Requests.push_back(std::move(request));

@@ -14,7 +14,7 @@ struct Received
 	std::string body;
 
 	/** The value of a header; empty when absent. */
-	std::string header(const std::string& name) const;
+	std::string header(const std::string& name) const { return headerOf(head, name); }
 };
 
 /** An origin that reads bodies of the announced length, keeps them and answers 200. */

@@ -1,7 +1,7 @@
 #include "Console.h"
 
-#include "Containers/StringConv.h"
 #include "Host/Log.h"
+#include "ValueTransfer.h"
 
 #include <cerrno>
 #include <csignal>
@@ -37,9 +37,7 @@ namespace Program
 
 		void writeLogLine(const char* category, ELogVerbosity::Type verbosity, const FString& line)
 		{
-			const FTCHARToUTF8 text(*line, line.Len());
-			complain(fmt::format("{}: {}: {}", category, HostLog::VerbosityName(verbosity),
-				std::string_view(text.Get(), static_cast<size_t>(text.Length()))));
+			complain(fmt::format("{}: {}: {}", category, HostLog::VerbosityName(verbosity), Reflect::toUtf8(line)));
 		}
 
 		[[noreturn]] void endAsABrokenPipeDoes()

@@ -1,6 +1,5 @@
 #include "DownloadSummary.h"
 
-#include "Containers/StringConv.h"
 #include "FileFunctionsCorv.h"
 #include "PinOutput.h"
 
@@ -13,11 +12,6 @@ namespace Program
 	{
 		constexpr auto absolute = EFileFunctionsCorvDirectoryType::E_ad;
 
-		std::string toUtf8(const FString& text)
-		{
-			return FTCHARToUTF8(*text, text.Len()).Get();
-		}
-
 		/** Reading a large file again may take longer than its download did. */
 		Json md5Of(const std::string& path, int64 size)
 		{
@@ -29,7 +23,7 @@ namespace Program
 			bool isRead = false;
 			FString sum;
 			UFileFunctionsCorv::getMD5FromFile(absolute, Reflect::toFString(path), isRead, sum);
-			return isRead ? Json(toUtf8(sum)) : Json();
+			return isRead ? Json(Reflect::toUtf8(sum)) : Json();
 		}
 	} // namespace
 
@@ -42,7 +36,8 @@ namespace Program
 			return std::nullopt;
 		}
 		const auto type = static_cast<EFileFunctionsCorvDirectoryType>(*static_cast<const uint8*>(frame[*directory].get()));
-		return DownloadSummary(toUtf8(UFileFunctionsCorv::getCleanDirectory(type, *static_cast<const FString*>(frame[*pin].get()))));
+		return DownloadSummary(
+			Reflect::toUtf8(UFileFunctionsCorv::getCleanDirectory(type, *static_cast<const FString*>(frame[*pin].get()))));
 	}
 
 	Json DownloadSummary::replaceBody(const Json& pins) const

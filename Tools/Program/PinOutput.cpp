@@ -25,6 +25,7 @@ namespace Program
 			}
 			return value.is_string() ? value.get<std::string>() : value.dump(-1, ' ', false, Json::error_handler_t::replace);
 		}
+
 		/** A text that would push everything else off the screen loses its end there. */
 		std::string shortened(std::string text)
 		{

@@ -1,8 +1,8 @@
 #include "RequestChecks.h"
 
-#include "Containers/StringConv.h"
 #include "FileFunctionsCorv.h"
 #include "InputError.h"
+#include "ValueTransfer.h"
 
 #include <cerrno>
 #include <cstring>
@@ -16,11 +16,6 @@ namespace Program
 	namespace
 	{
 		using Reflect::InputError;
-
-		std::string toUtf8(const FString& text)
-		{
-			return FTCHARToUTF8(*text, text.Len()).Get();
-		}
 
 		/** The pins of a request, looked up by the names that all of them share. */
 		class RequestPins
@@ -52,7 +47,7 @@ namespace Program
 			{
 				const std::optional<size_t> index = frame.findInput("directoryType");
 				const uint8 type = index ? *static_cast<const uint8*>(frame[*index].get()) : 0;
-				return toUtf8(UFileFunctionsCorv::getCleanDirectory(static_cast<EFileFunctionsCorvDirectoryType>(type), path));
+				return Reflect::toUtf8(UFileFunctionsCorv::getCleanDirectory(static_cast<EFileFunctionsCorvDirectoryType>(type), path));
 			}
 
 		private:
@@ -106,7 +101,7 @@ namespace Program
 			std::set<std::string> taken;
 			for (int32 index = 0; index < paths.Num(); ++index)
 			{
-				const std::string field = index < fields.Num() ? toUtf8(fields[index]) : "";
+				const std::string field = index < fields.Num() ? Reflect::toUtf8(fields[index]) : "";
 				if (!taken.insert(field).second)
 				{
 					pins.refuse("fileIDs", fmt::format("gives two files the field name '{}'", field));
@@ -163,7 +158,7 @@ namespace Program
 		checkNeededPins(pins);
 		if (const FString* const url = pins.find<FString>("url"))
 		{
-			const std::string fault = addressFault(toUtf8(*url));
+			const std::string fault = addressFault(Reflect::toUtf8(*url));
 			if (!fault.empty())
 			{
 				throw InputError(fmt::format("{}: {}", function.name, fault));

@@ -257,4 +257,10 @@ namespace Reflect
 		const FUTF8ToTCHAR units(utf8.data(), static_cast<int32>(utf8.size()));
 		return FString::ConstructFromPtrSize(units.Get(), units.Length());
 	}
+
+	std::string toUtf8(const FString& text)
+	{
+		const FTCHARToUTF8 bytes(*text, text.Len());
+		return {bytes.Get(), static_cast<size_t>(bytes.Length())};
+	}
 } // namespace Reflect

@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 
 /** How values of reflected types come from a language that has values of its own, and go there. Thread: game thread. */
@@ -76,4 +77,5 @@ namespace Reflect
 	bool isBytes(const FPropertyType& type);
 
 	FString toFString(std::string_view utf8);
+	std::string toUtf8(const FString& text);
 } // namespace Reflect

@@ -48,7 +48,7 @@ FCorvDownload::FCorvDownload(FCorvRun& InRun)
 {
 }
 
-FCorvDownloadAnswer FCorvDownload::readAnswer(const IHttpResponse& InResponse) const
+FCorvDownloadAnswer FCorvDownload::readAnswer(const IHttpResponse& InResponse)
 {
 	return {
 		InResponse.GetResponseCode(), CorvaneRules::contentRange(CorvaneDownload::rangeHeader(InResponse)), InResponse.GetContent().Num()};

@@ -38,7 +38,7 @@ public:
 	void complete(const FHttpRequestPtr& request, const FHttpResponsePtr& response, bool bWasSuccessful);
 
 	/** What decides about the body of an answer. */
-	FCorvDownloadAnswer readAnswer(const IHttpResponse& response) const;
+	static FCorvDownloadAnswer readAnswer(const IHttpResponse& response);
 
 	/** Reports a body, or the part of a file that is on disk and the body after it. */
 	void reportBody(uint64 bytesReceived, uint64 bodySize);

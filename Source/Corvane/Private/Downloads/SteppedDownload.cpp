@@ -94,7 +94,7 @@ void FCorvSteppedDownload::takeBrokenAnswer(const FHttpRequestPtr& InRequest, co
 
 void FCorvSteppedDownload::takeProbeAnswer(const FHttpRequestPtr& InRequest, const FHttpResponsePtr& InResponse)
 {
-	const FCorvDownloadAnswer Answer = download.readAnswer(*InResponse);
+	const FCorvDownloadAnswer Answer = FCorvDownload::readAnswer(*InResponse);
 	if (run.cancelIfAsked())
 	{
 		end(InRequest, CorvaneResult::noResponse());
@@ -122,7 +122,7 @@ void FCorvSteppedDownload::takeProbeAnswer(const FHttpRequestPtr& InRequest, con
 
 void FCorvSteppedDownload::takeStepAnswer(const FHttpRequestPtr& InRequest, const FHttpResponsePtr& InResponse)
 {
-	const FCorvDownloadAnswer Answer = download.readAnswer(*InResponse);
+	const FCorvDownloadAnswer Answer = FCorvDownload::readAnswer(*InResponse);
 	if (!writeStep(*InResponse, Answer))
 	{
 		end(InRequest, run.failureOf(InResponse));

@@ -40,8 +40,6 @@ public:
 	void collectEvents();
 	/** Names the engine request that this run is about to start. */
 	void setRequest(FHttpRequestPtr request);
-	/** @return the node that waited for the result when this run, or the step before, began; null = the event tells. */
-	TWeakObjectPtr<UAsyncNodeCorv> getNode() const { return node; }
 	/** Ends the worker after the job it is in. So ends a run whose request will not be started. */
 	void stopJobs();
 	/** As stopJobs, and waits for the end. */
@@ -104,7 +102,8 @@ private:
 	UCorvaneBPLibrary* corvaneBPLibrary = nullptr; // not owned; lives at least as long as a run
 	TWeakObjectPtr<UCorvaneBPLibrary> libraryHandle; // names the same
 	TStrongObjectPtr<UCorvaneBPLibrary> runningLibrary; // game thread; holds the same from the first run on
-	TWeakObjectPtr<UAsyncNodeCorv> node; // changed on the game thread while no worker runs
+	TWeakObjectPtr<UAsyncNodeCorv>
+		node; // that waits for the result; null = the event tells; changed on the game thread while no worker runs
 	bool bIsLaterStep = false; // its node is that of the first
 	int64 currentRun = 0; // changed on the game thread while no worker runs; 0 = never started
 
