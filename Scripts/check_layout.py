@@ -23,32 +23,42 @@ MAY_INCLUDE = {
     "Tools/HeaderTool": [],
     "Tools/Reflect": ["Host/Core", "Host/CoreUObject", "Host/Engine"],
     "Tools/Script": ["Host/Core", "Host/CoreUObject", "Host/Engine", "Tools/Reflect"],
-    "Tools/Program": HOST_LIBRARIES + ["Host/Launch", "Tools/Reflect", "Tools/Script", "Source/Corvane/Public"],
+    "Tools/Program": HOST_LIBRARIES + ["Host/Launch", "Tools/Reflect", "Tools/Script", "Source/Corvane/Public",
+        "Source/CorvaneTransfers/Public"],
     "Source/Corvane/Public": HOST_LIBRARIES,
     "Source/Corvane/Private": HOST_LIBRARIES + ["Source/Corvane/Public"],
+    "Source/CorvaneTransfers/Public": HOST_LIBRARIES,
+    "Source/CorvaneTransfers/Private": HOST_LIBRARIES + ["Source/Corvane/Public", "Source/CorvaneTransfers/Public"],
 }
 
 # Room -> the only header of it that other rooms may include.
 DOORS = {"Tools/Script": "Tools/Script/ScriptState.h"}
 
-# Inside the module: a room may include itself and what stands to its right. Files at the top bind the rooms together.
+# Inside a module: a room may include itself and what stands to its right. Files at the top bind the rooms together.
 MODULE_ROOMS = {
-    "Nodes": ["Requests", "Downloads", "Uploads", "Pages", "Runs", "Rules"],
-    "Requests": ["Downloads", "Uploads", "Pages", "Runs", "Rules"],
-    "Downloads": ["Runs", "Rules"],
-    "Uploads": ["Runs", "Threads", "Rules"],
-    "Pages": ["Runs", "Rules"],
-    "Runs": ["Threads", "Rules"],
-    "Files": ["Threads", "Rules"],
-    "Threads": [],
-    "Rules": [],
+    "Corvane": {
+        "Nodes": ["Requests", "Downloads", "Uploads", "Pages", "Runs", "Rules"],
+        "Requests": ["Downloads", "Uploads", "Pages", "Runs", "Rules"],
+        "Downloads": ["Runs", "Rules"],
+        "Uploads": ["Runs", "Threads", "Rules"],
+        "Pages": ["Runs", "Rules"],
+        "Runs": ["Threads", "Rules"],
+        "Files": ["Threads", "Rules"],
+        "Threads": [],
+        "Rules": [],
+    },
+    "CorvaneTransfers": {
+        "Download": ["Attempts", "Files"],
+        "Attempts": [],
+        "Files": [],
+    },
 }
 
 # Where an include is looked up, besides beside the including file.
 INCLUDE_ROOTS = [
     *(library + "/Public" for library in HOST_LIBRARIES),
     "Host/Launch", "Tools/HeaderTool", "Tools/Reflect", "Tools/Script", "Tools/Program", "Tools/Program/Reference",
-    "Source/Corvane/Public", "Source/Corvane/Private",
+    "Source/Corvane/Public", "Source/Corvane/Private", "Source/CorvaneTransfers/Public", "Source/CorvaneTransfers/Private",
 ]
 
 
@@ -77,8 +87,9 @@ def room_of(file, rooms):
 
 
 def module_room(file):
+    """The module and the room that a private file of it stands in; None at the top and elsewhere."""
     parts = place(file).split("/")
-    return parts[3] if place(file).startswith("Source/Corvane/Private/") and len(parts) > 4 else None
+    return (parts[1], parts[3]) if parts[0] == "Source" and parts[2] == "Private" and len(parts) > 4 else None
 
 
 def check_directions():
@@ -98,8 +109,8 @@ def check_directions():
             if room.startswith("Source/") and "/Public/Host/" in place(target):
                 yield f"{place(file)}: the engine has no {place(target)}"
             mine, theirs = module_room(file), module_room(target)
-            if mine and theirs and mine != theirs and theirs not in MODULE_ROOMS.get(mine, []):
-                yield f"{place(file)}: {mine} may not include {theirs} ({place(target)})"
+            if mine and theirs and mine != theirs and theirs[1] not in MODULE_ROOMS[mine[0]].get(mine[1], []):
+                yield f"{place(file)}: {mine[1]} may not include {theirs[1]} ({place(target)})"
 
 
 def needs():

@@ -1,0 +1,5 @@
+#include "CorvaneTransfers.h"
+
+#include "Modules/ModuleManager.h"
+
+IMPLEMENT_MODULE(FCorvaneTransfersModule, CorvaneTransfers)
