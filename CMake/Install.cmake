@@ -3,13 +3,14 @@ include(CMakePackageConfigHelpers)
 
 set(package_folder lib/cmake/Corvane)
 set_target_properties(CorvaneProgram PROPERTIES EXPORT_NAME Corvane)
-install(TARGETS CorvaneProgram CorvaneModule HostLaunch HostHTTP HostEngine HostCoreUObject HostCore CorvaneBuildOptions
+set_target_properties(CorvaneTransfersProgram PROPERTIES EXPORT_NAME Transfers)
+install(TARGETS CorvaneProgram CorvaneModule CorvaneTransfersProgram CorvaneTransfersModule HostLaunch HostHTTP HostEngine HostCoreUObject HostCore CorvaneBuildOptions
   EXPORT CorvaneTargets ARCHIVE DESTINATION lib/corvane)
 install(EXPORT CorvaneTargets NAMESPACE Corvane:: DESTINATION ${package_folder})
 
 install(DIRECTORY Host/Core/Public/ Host/CoreUObject/Public/ Host/Engine/Public/ Host/HTTP/Public/ Host/Launch/
-  Source/Corvane/Public/ DESTINATION ${CORVANE_INSTALL_HEADERS} FILES_MATCHING PATTERN "*.h")
-foreach(target HostEngine CorvaneModule)
+  Source/Corvane/Public/ Source/CorvaneTransfers/Public/ DESTINATION ${CORVANE_INSTALL_HEADERS} FILES_MATCHING PATTERN "*.h")
+foreach(target HostEngine CorvaneModule CorvaneTransfersModule)
   get_target_property(binary_folder ${target} BINARY_DIR)
   string(REGEX REPLACE "^Host|Module$" "" module ${target})
   install(DIRECTORY ${binary_folder}/Generated/${module}/ DESTINATION ${CORVANE_INSTALL_HEADERS}

@@ -35,6 +35,9 @@ check "package" Scripts/package.sh --check
 check "engine fit" engine_fit
 check "picture of the dependencies" python3 Scripts/dependencies.py --check
 # These two need the module that Debian's own Python finds.
-check "engine symbols" /usr/bin/python3 Scripts/engine/check_symbols.py build/default
+for module in Source/*/; do
+	module=$(basename "$module")
+	check "engine symbols of $module" /usr/bin/python3 Scripts/engine/check_symbols.py build/default "$module"
+done
 check "faults in the use of the engine are found" /usr/bin/python3 Tests/EngineFit/faults_test.py build/default
 exit $failed

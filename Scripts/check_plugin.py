@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks what the engine's build tool reads before any source: Corvane.uplugin and Corvane.Build.cs.
+"""Checks what the engine's build tool reads before any source: Corvane.uplugin and the Build.cs of each module.
 
 Prints one line per fault and ends with status 1 when there is any. usage: check_plugin.py [FOLDER-OF-THE-PLUG-IN]
 """
@@ -23,7 +23,7 @@ MODULE_FIELDS = {"Name": str, "Type": str, "LoadingPhase": str, "PlatformAllowLi
 MODULE_TYPES = {"Runtime"}
 LOADING_PHASES = {"PreDefault", "Default"}  # later ones come after blueprints that use the nodes
 PLATFORMS = {"Win64", "Linux", "Mac"}
-ENGINE_MODULES = {"Core", "CoreUObject", "Engine", "HTTP"}
+DEPENDENCIES = {"Corvane": {"Core", "CoreUObject", "Engine", "HTTP"}, "CorvaneTransfers": {"Core", "CoreUObject", "Engine", "HTTP", "Corvane"}}
 
 
 def no_repeats(pairs):
@@ -91,15 +91,15 @@ def check_version():
                 yield f"{file}: expected version {name} of Corvane.uplugin, found {found[1] if found else 'none'}"
 
 
-def check_build_rules():
-    where = "Corvane.Build.cs"
-    text = (ROOT / "Source/Corvane/Corvane.Build.cs").read_text("utf-8")
+def check_build_rules(module):
+    where = f"{module}.Build.cs"
+    text = (ROOT / "Source" / module / where).read_text("utf-8")
     code = re.sub(r"//[^\n]*|/\*.*?\*/", "", text, flags=re.DOTALL)
     for pair in ("{}", "()", "[]"):
         if code.count(pair[0]) != code.count(pair[1]):
             yield f"{where}: {pair[0]} and {pair[1]} do not match"
-    for pattern in (r"using UnrealBuildTool;", r"public class Corvane : ModuleRules\b",
-            r"public Corvane\(ReadOnlyTargetRules Target\) : base\(Target\)",
+    for pattern in (r"using UnrealBuildTool;", rf"public class {module} : ModuleRules\b",
+            rf"public {module}\(ReadOnlyTargetRules Target\) : base\(Target\)",
             r"PCHUsage = ModuleRules\.PCHUsageMode\.UseExplicitOrSharedPCHs;", r"IWYUSupport = IWYUSupport\.Full;"):
         if not re.search(pattern, code):
             yield f"{where}: nothing matches {pattern}"
@@ -108,12 +108,12 @@ def check_build_rules():
             yield f"{where}: {setting} is not to be set"
     found = re.search(r"PublicDependencyModuleNames\.AddRange\(new\[\] \{([^}]*)\}\);", code)
     names = set(re.findall(r'"(\w+)"', found[1])) if found else set()
-    if names != ENGINE_MODULES:
-        yield f"{where}: the module depends on {sorted(ENGINE_MODULES)}, not on {sorted(names)}"
+    if names != DEPENDENCIES[module]:
+        yield f"{where}: the module depends on {sorted(DEPENDENCIES[module])}, not on {sorted(names)}"
 
 
 def main():
-    faults = [*check_descriptor(), *check_build_rules()]
+    faults = [*check_descriptor(), *(fault for module in DEPENDENCIES for fault in check_build_rules(module))]
     faults += [] if faults else check_version()
     for fault in faults:
         print(fault)

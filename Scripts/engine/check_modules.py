@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Builds the plug-in and a game's module for Windows as the engine's build would: generated code and two libraries.
+"""Builds the plug-in's modules and a game's module for Windows as the engine's build would: generated code and libraries.
 
 The header tool writes what the engine's own tool puts into classes and beside them; each generated source compiles for
-itself, the module's sources glued together. The plug-in exports what CORVANE_API stands before, and the game's module
-(Tests/EngineFit/GameModule) imports it. What belongs to the engine is taken as given: nothing here can run.
+itself, a module's sources glued together. A module exports what its ..._API stands before, and the modules that depend on it,
+the last of them the game's (Tests/EngineFit/GameModule), import it. What belongs to the engine is taken as given: nothing here can run.
 usage: check_modules.py BUILD-DIRECTORY (with the header tool in it)
 
 Prints one line per fault and ends with status 1 when there is any.
@@ -23,7 +23,7 @@ TOOLS = "x86_64-w64-mingw32-"
 OPTIONS = ["-std=c++20", "-O0", "-fno-rtti", "-fno-exceptions", "-Wall", "-Wextra", "-Wshadow", "-Wundef", "-Wconversion",
     "-Wsign-compare", "-Werror"]
 ENGINE_HEADERS = sorted((ROOT / "Host/Engine/Public").rglob("Kismet/*.h"))
-MODULE_HEADERS = sorted((ROOT / "Source/Corvane/Public").glob("*.h"))
+MODULES = ["Corvane", "CorvaneTransfers"]  # each may use those before it
 GAME = ROOT / "Tests/EngineFit/GameModule"
 FAULT = re.compile(r"(?:(\S+:\d+):\d+: error: |(\S+\(\d+\)): Error: |(?=undefined reference|multiple definition))(.+)")
 
@@ -47,6 +47,10 @@ def run(command, about=""):
     return result.stdout
 
 
+def doors(module):
+    return sorted((ROOT / "Source" / module / "Public").glob("*.h"))
+
+
 def generate(build, folder):
     tool = build / "Tools/HeaderTool/HeaderTool"
 
@@ -55,35 +59,49 @@ def generate(build, folder):
         run([tool, "--engine-shape", "--module", module, "--output", folder / module, *options, *headers], module)
 
     reflect("Engine", ENGINE_HEADERS, [])
-    reflect("Corvane", MODULE_HEADERS, ENGINE_HEADERS)
-    reflect("Game", [GAME / "Game.h"], [*ENGINE_HEADERS, *MODULE_HEADERS])
+    known = [*ENGINE_HEADERS]
+    for module in MODULES:
+        reflect(module, doors(module), known)
+        known += doors(module)
+    reflect("Game", [GAME / "Game.h"], known)
+
+
+def sources_of(module, folder):
+    """What the build compiles for a module: its generated sources each for itself, its own glued together."""
+    if module == "Game":
+        return [GAME / "Game.cpp", folder / "Game/Game.gen.cpp"]
+    unity = folder / f"{module}.Unity.cpp"
+    unity.write_text("".join(f'#include "{file}"\n' for file in sorted((ROOT / "Source" / module / "Private").rglob("*.cpp"))))
+    return [unity, *sorted((folder / module).glob("*.gen.cpp"))]
+
+
+def options_of(module, folder):
+    """Everybody sees the doors of all modules; a module exports its own names and imports those of the others."""
+    roots = [folder / "Engine", folder / "Game", ROOT / "Tests/EngineFit/Shape", GAME, ROOT / "Source" / module / "Private"]
+    roots += [root for other in MODULES for root in (folder / other, ROOT / "Source" / other / "Public")]
+    roots += [ROOT / "Host" / library / "Public" for library in ("Core", "CoreUObject", "Engine", "HTTP")]
+    definitions = [f"{other.upper()}_API=__declspec(dll{'export' if other == module else 'import'})" for other in MODULES]
+    for other in MODULES:
+        rules = (ROOT / "Source" / other / f"{other}.Build.cs").read_text()
+        definitions += re.findall(r'PublicDefinitions\.Add\("([^"]+)"\)', rules)
+        definitions += re.findall(r'PrivateDefinitions\.Add\("([^"]+)"\)', rules) if other == module else []
+    return [*(f"-D{text}" for text in definitions), *(f"-I{root}" for root in roots)]
 
 
 def compile_all(folder):
-    """Gives the objects of the plug-in and those of the game."""
-    unity = folder / "Unity.cpp"
-    unity.write_text("".join(f'#include "{file}"\n' for file in sorted((ROOT / "Source/Corvane/Private").rglob("*.cpp"))))
-    roots = [folder / "Engine", folder / "Corvane", folder / "Game", ROOT / "Tests/EngineFit/Shape", GAME,
-        ROOT / "Source/Corvane/Public", ROOT / "Source/Corvane/Private"]
-    roots += [ROOT / "Host" / library / "Public" for library in ("Core", "CoreUObject", "Engine", "HTTP")]
+    """Gives the objects of each module, the game's last."""
 
-    build_rules = (ROOT / "Source/Corvane/Corvane.Build.cs").read_text()
-    definitions = [f"-D{text}" for text in re.findall(r'(?:Public|Private)Definitions\.Add\("([^"]+)"\)', build_rules)]
-
-    def compile_one(source, attribute):
+    def compile_one(module, source):
         target = folder / f"{source.name}.o"
-        run([TOOLS + "g++-posix", *OPTIONS, *definitions, f"-DCORVANE_API=__declspec({attribute})", *(f"-I{root}" for root in roots),
-            "-c", source, "-o", target], source.name)
+        run([TOOLS + "g++-posix", *OPTIONS, *options_of(module, folder), "-c", source, "-o", target], source.name)
         return target
 
-    sources = {"dllexport": [unity, *sorted((folder / "Corvane").glob("*.gen.cpp"))],
-        "dllimport": [GAME / "Game.cpp", folder / "Game/Game.gen.cpp"]}
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        jobs = {attribute: [pool.submit(compile_one, file, attribute) for file in files] for attribute, files in sources.items()}
+        jobs = {module: [pool.submit(compile_one, module, file) for file in sources_of(module, folder)] for module in [*MODULES, "Game"]}
     faults = [str(job.exception()) for job in sum(jobs.values(), []) if job.exception()]
     if faults:
         raise Fault("\n".join(faults))
-    return [[job.result() for job in jobs[attribute]] for attribute in sources]
+    return {module: [job.result() for job in done] for module, done in jobs.items()}
 
 
 def symbols(objects, option):
@@ -91,15 +109,18 @@ def symbols(objects, option):
     return {row.split()[0] for row in rows if row.startswith("_Z")}
 
 
-def link(folder, plugin, game):
-    # Every symbol that the plug-in does not have is the engine's or the library's. Data is not imported without being asked.
-    engine = symbols(plugin + game, "--undefined-only") - symbols(plugin, "--defined-only")
+def link(folder, objects):
+    # Every symbol that no module here has is the engine's or the library's. Data is not imported without being asked.
+    everything = sum(objects.values(), [])
+    engine = symbols(everything, "--undefined-only") - symbols(everything, "--defined-only")
     (folder / "Engine.def").write_text("LIBRARY Engine.dll\nEXPORTS\n" + "".join(f"{name}\n" for name in sorted(engine)))
     run([TOOLS + "dlltool", "-d", folder / "Engine.def", "-l", folder / "libEngine.a"], "Engine.def")
-    linker = [TOOLS + "g++-posix", "-shared", "-Wl,--disable-auto-import"]
-    imports = folder / "libCorvane.a"
-    run([*linker, *plugin, folder / "libEngine.a", f"-Wl,--out-implib,{imports}", "-o", folder / "Corvane.dll"], "Corvane.dll")
-    run([*linker, *game, imports, folder / "libEngine.a", "-o", folder / "Game.dll"], "Game.dll")
+    imports = [folder / "libEngine.a"]
+    for module, own in objects.items():
+        library = folder / f"lib{module}.a"
+        run([TOOLS + "g++-posix", "-shared", "-Wl,--disable-auto-import", *own, *reversed(imports), f"-Wl,--out-implib,{library}",
+            "-o", folder / f"{module}.dll"], f"{module}.dll")
+        imports.append(library)
 
 
 def main():
@@ -108,7 +129,7 @@ def main():
         folder = pathlib.Path(name)
         try:
             generate(build, folder)
-            link(folder, *compile_all(folder))
+            link(folder, compile_all(folder))
         except Fault as fault:
             print(fault)
             return 1

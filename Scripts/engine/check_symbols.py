@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
-"""Holds the module to the list of engine interfaces beside this script, and finds includes that nobody uses.
+"""Holds a module to the list of engine interfaces beside this script, and finds includes that nobody uses.
 
-The module is parsed as one unit with libclang. Every name in it that leads out of it must stand in the list and be
-brought by a header that the file asks for, itself or through a header of the module; every include must bring
-something that the file uses. Names that the engine's other compilers refuse are found on the way. usage: check_symbols.py BUILD-DIRECTORY (with the generated headers in it)
+The module is parsed as one unit with libclang. Every name in it that leads out of it must stand in the list, or in a public
+header of another module here, and be brought by a header that the file asks for, itself or through a header of the module;
+every include must bring something that the file uses. Names that the engine's other compilers refuse are found on the way.
+usage: check_symbols.py BUILD-DIRECTORY MODULE (the directory holds the generated headers)
 
 Prints one line per fault and ends with status 1 when there is any.
 """
@@ -18,7 +19,9 @@ from clang.cindex import CursorKind
 from symbol_list import LIST, EngineList
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
-MODULE = ROOT / "Source/Corvane"
+MODULE = ROOT / "Source" / sys.argv[2]
+# Where headers of this project are looked up: the module's own rooms, and the doors of all modules.
+ROOMS = [MODULE / "Public", MODULE / "Private", *(other / "Public" for other in sorted((ROOT / "Source").iterdir()) if other != MODULE)]
 INCLUDE = re.compile(r'^#include\s+["<]([^">]+)[">]', re.MULTILINE)
 FORWARD = re.compile(r"^(?:class|struct) (\w+);", re.MULTILINE)
 FUNCTIONS = (CursorKind.FUNCTION_DECL, CursorKind.CXX_METHOD, CursorKind.CONSTRUCTOR, CursorKind.DESTRUCTOR)
@@ -41,11 +44,11 @@ def module_files():
 
 
 def parse(build):
-    roots = [MODULE / "Public", MODULE / "Private"]
-    roots += [ROOT / "Host" / library / "Public" for library in ("Core", "CoreUObject", "Engine", "HTTP")]
-    roots += [build / "Source/Corvane/Generated/Corvane", build / "Host/Engine/Generated/Engine"]
+    roots = ROOMS + [ROOT / "Host" / library / "Public" for library in ("Core", "CoreUObject", "Engine", "HTTP")]
+    roots += [*build.glob("Source/*/Generated/*/"), build / "Host/Engine/Generated/Engine"]
+    definitions = [f"-D{other.name.upper()}_API=" for other in (ROOT / "Source").iterdir()]
     unit = "".join(f'#include "{file}"\n' for file in module_files())
-    parsed = cindex.Index.create().parse("unit.cpp", ["-std=c++20", "-DCORVANE_API=", "-DCORVANE_HTTP_SENDS_ALL_VERBS=0", *(f"-I{root}" for root in roots)],
+    parsed = cindex.Index.create().parse("unit.cpp", ["-std=c++20", *definitions, "-DCORVANE_HTTP_SENDS_ALL_VERBS=0", *(f"-I{root}" for root in roots)],
         [("unit.cpp", unit)], cindex.TranslationUnit.PARSE_DETAILED_PROCESSING_RECORD)
     faults = [d for d in parsed.diagnostics if d.severity >= cindex.Diagnostic.Error]
     if faults:
@@ -151,7 +154,7 @@ class Uses:
             self.note(path, line, name, self.places.of(target)[0])
 
     def note(self, path, line, name, origin):
-        if self.is_module(origin):
+        if self.is_module(origin) or origin is not None and origin.parent in ROOMS:
             self.own.setdefault(path, set()).add(origin)
         elif origin is not None and name:
             self.engine.setdefault(path, {}).setdefault(name, line)
@@ -161,18 +164,23 @@ class Includes:
     """Who includes what inside the module, and which listed headers a file gets to see that way."""
 
     def __init__(self):
-        self.named = {file: INCLUDE.findall(file.read_text()) for file in module_files()}
-        self.forward = {file: set(FORWARD.findall(file.read_text())) for file in module_files()}
+        files = [*module_files(), *(header for room in ROOMS for header in room.glob("*.h") if MODULE not in header.parents)]
+        self.named = {file: INCLUDE.findall(file.read_text()) for file in files}
+        self.forward = {file: set(FORWARD.findall(file.read_text())) for file in files}
+
+    def of_module(self):
+        """The files of the module with the headers that each includes."""
+        return [(file, self.named[file]) for file in module_files()]
 
     def own(self, file):
         return [found for name in self.named[file] if (found := self.find(name))]
 
     @staticmethod
     def find(name):
-        return next((MODULE / room / name for room in ("Public", "Private") if (MODULE / room / name).is_file()), None)
+        return next((room / name for room in ROOMS if (room / name).is_file()), None)
 
     def reached(self, file):
-        """The file and all headers of the module that it includes, on any road."""
+        """The file and all headers of this project that it includes, on any road."""
         seen, queue = set(), [file]
         while queue:
             current = queue.pop()
@@ -183,14 +191,17 @@ class Includes:
 
 
 def check_includes_known(includes, engine, build_rules):
-    for file, names in includes.named.items():
+    for file, names in includes.of_module():
         for name in names:
-            if includes.find(name) or name == f"{file.stem}.generated.h":
+            own = includes.find(name)
+            if own and MODULE not in own.parents and f'"{own.parent.parent.name}"' not in build_rules:
+                yield f"{place(file)}: {name} belongs to {own.parent.parent.name}, on which {MODULE.name}.Build.cs does not depend"
+            if own or name == f"{file.stem}.generated.h":
                 continue
             if name not in engine.modules:
                 yield f"{place(file)}: the list of engine interfaces has no header {name}"
             elif engine.modules[name] != "std" and f'"{engine.modules[name]}"' not in build_rules:
-                yield f"{place(file)}: {name} belongs to {engine.modules[name]}, on which Corvane.Build.cs does not depend"
+                yield f"{place(file)}: {name} belongs to {engine.modules[name]}, on which {MODULE.name}.Build.cs does not depend"
 
 
 def check_names(uses, includes, engine):
@@ -207,7 +218,7 @@ def check_names(uses, includes, engine):
 
 
 def check_unused_includes(uses, includes, engine):
-    for file, names in includes.named.items():
+    for file, names in includes.of_module():
         wanted = {header for name in uses.engine.get(file, {}) if (header := engine.header_of.get(name))}
         for name in names:
             own = includes.find(name)
@@ -220,7 +231,7 @@ def check_unused_includes(uses, includes, engine):
 
 
 def check_first_includes(includes):
-    for file, names in includes.named.items():
+    for file, names in includes.of_module():
         expected = "CoreMinimal.h" if file.parent.name == "Public" else f"{file.stem}.h"
         first = names[0] if names else ""
         exists = file.parent.name == "Public" or any(other.name == expected for other in includes.named)
@@ -261,7 +272,7 @@ def main():
     engine = EngineList(LIST.read_text())
     uses = Uses(parse(pathlib.Path(sys.argv[1]).resolve()))
     includes = Includes()
-    build_rules = (MODULE / "Corvane.Build.cs").read_text()
+    build_rules = (MODULE / f"{MODULE.name}.Build.cs").read_text()
     faults = [*check_includes_known(includes, engine, build_rules), *check_names(uses, includes, engine),
         *check_unused_includes(uses, includes, engine), *check_first_includes(includes), *check_base_names(), *check_taken_names(uses),
         *check_hiding(uses), *check_asserted(uses, engine)]

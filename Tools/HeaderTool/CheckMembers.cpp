@@ -115,7 +115,16 @@ namespace HeaderTool
 				fail(property.line, "'{}': BlueprintAssignable is for members of classes that are dynamic multicast delegates",
 					property.name);
 			}
-			if (const std::string problem = typeProblem(symbols, property.type, TypeUse::Property); !problem.empty())
+			if (property.isField() && isClass)
+			{
+				fail(property.line, "'{}': in this host scripts see the fields of structs only", property.name);
+			}
+			if (property.specifiers.find("BlueprintReadOnly") && property.specifiers.find("BlueprintReadWrite"))
+			{
+				fail(property.line, "'{}' cannot be both BlueprintReadOnly and BlueprintReadWrite", property.name);
+			}
+			const TypeUse use = property.isField() ? TypeUse::Parameter : TypeUse::Property;
+			if (const std::string problem = typeProblem(symbols, property.type, use); !problem.empty())
 			{
 				fail(property.line, "property '{}' of '{}': {}", property.name, owner, problem);
 			}

@@ -105,12 +105,35 @@ namespace HeaderTool
 					   def.name);
 		}
 
+		Table fieldTable(const ClassDef& owner)
+		{
+			std::string text;
+			std::string rows;
+			for (const PropertyDef& property : owner.properties)
+			{
+				if (!property.isField())
+				{
+					continue; // scripts do not see it
+				}
+				const Table meta = metaTable("FieldMeta_" + property.name, property.specifiers);
+				text += fmt::format(
+					"\tstatic void* Get_{0}(void* Record) {{ return &static_cast<{1}*>(Record)->{0}; }}\n", property.name, owner.name);
+				text += meta.text;
+				rows += fmt::format("\t\t{{{}, &PropertyTypeOf<{}>, &Get_{}, {}, {}}},\n", quote(property.name),
+					storedType(property.type), property.name, property.specifiers.find("BlueprintReadOnly") != nullptr, meta.reference);
+			}
+			Table table = makeTable("static constexpr FStructField Fields[]", "Fields", rows);
+			table.text.insert(0, text.empty() ? "" : text + "\n");
+			return table;
+		}
+
 		std::string defineStruct(const ClassDef& def)
 		{
+			const Table fields = fieldTable(def);
 			const Table meta = metaTable("Meta", def.specifiers);
-			const std::string definition = fmt::format("\tstatic constexpr UScriptStruct Definition{{{}, &PropertyTypeOf<{}>, {}}};\n",
-				quote(def.name.substr(1)), def.name, meta.reference);
-			return reflection(def.name, meta.text + definition) +
+			const std::string definition = fmt::format("\tstatic constexpr UScriptStruct Definition{{{}, &PropertyTypeOf<{}>, {}, {}}};\n",
+				quote(def.name.substr(1)), def.name, fields.reference, meta.reference);
+			return reflection(def.name, fields.text + meta.text + definition) +
 				   fmt::format("\nconst UScriptStruct* {0}::StaticStruct()\n{{\n\treturn &FReflectionOf<{0}>::Definition;\n}}\n", def.name);
 		}
 

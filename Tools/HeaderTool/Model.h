@@ -88,6 +88,9 @@ namespace HeaderTool
 		TypeDef type;
 		Specifiers specifiers;
 		int line = 1;
+
+		/** @return whether scripts may read it as a field of its struct. */
+		bool isField() const { return specifiers.find("BlueprintReadOnly") || specifiers.find("BlueprintReadWrite"); }
 	};
 
 	/** A class, or a struct; a struct has no functions. */

@@ -89,7 +89,8 @@ namespace Program
 		{
 			throw InputError(fmt::format("brackets may not stand more than {} deep in one another", mostDepth));
 		}
-		if (expected.Kind == EPropertyKind::Struct || expected.Kind == EPropertyKind::Object)
+		const bool isClosed = expected.Kind == EPropertyKind::Struct && expected.Struct()->Fields.empty();
+		if (isClosed || expected.Kind == EPropertyKind::Object)
 		{
 			throw InputError(fmt::format("a {} cannot be written on a command line", Reflect::typeName(expected)));
 		}

@@ -2,7 +2,11 @@
 
 #include "Containers/StringConv.h"
 #include "InputError.h"
+#include "NearestName.h"
+#include "Reflection.h"
 #include "Value.h"
+
+#include <fmt/format.h>
 
 #include <cmath>
 #include <cstring>
@@ -74,8 +78,40 @@ namespace Reflect
 			*static_cast<uint8*>(value) = static_cast<uint8>(entry->Value);
 		}
 
+		const FStructField& fieldNamed(const UScriptStruct& owner, const std::optional<std::string_view>& name)
+		{
+			std::vector<std::string> known;
+			for (const FStructField& field : owner.Fields)
+			{
+				if (name && equalNames(*name, field.Name))
+				{
+					return field;
+				}
+				known.emplace_back(field.Name);
+			}
+			const std::string_view asked = name.value_or("");
+			throw InputError(fmt::format("{} has no field '{}'{}", owner.Name, asked, suggestion(asked, known)));
+		}
+
+		/** Fields that are not given keep what the type has by default. */
+		void readFields(const FPropertyType& type, const Source& source, void* value)
+		{
+			Value fresh(type);
+			const FStructField* field = nullptr;
+			const auto readField = [&](const Source& given) { readValue(field->Type(), given, field->Get(fresh.get())); };
+			if (!source.map([&](const Source& name) { field = &fieldNamed(*type.Struct(), name.text()); }, readField))
+			{
+				source.refuse(type);
+			}
+			type.Assign(value, fresh.get());
+		}
+
 		void readRecord(const FPropertyType& type, const Source& source, void* value)
 		{
+			if (!type.Struct()->Fields.empty())
+			{
+				return readFields(type, source, value);
+			}
 			const void* const record = source.record(type);
 			if (!record)
 			{
@@ -135,6 +171,21 @@ namespace Reflect
 			UObject* object = nullptr;
 			std::memcpy(&object, value, sizeof(object)); // as in readObject
 			sink.object(type, object);
+		}
+
+		void writeRecord(const FPropertyType& type, const void* value, Sink& sink)
+		{
+			if (type.Struct()->Fields.empty())
+			{
+				return sink.record(type, value);
+			}
+			sink.newMap();
+			for (const FStructField& field : type.Struct()->Fields)
+			{
+				sink.text(field.Name);
+				writeValue(field.Type(), field.Get(const_cast<void*>(value)), sink); // the accessor is for both uses
+				sink.addPair();
+			}
 		}
 
 		void writeArray(const FPropertyType& type, const void* value, Sink& sink)
@@ -221,7 +272,7 @@ namespace Reflect
 		case EPropertyKind::Enum:
 			return sink.enumerator(*type.Enum(), *static_cast<const uint8*>(value));
 		case EPropertyKind::Struct:
-			return sink.record(type, value);
+			return writeRecord(type, value, sink);
 		case EPropertyKind::Object:
 			return writeObject(type, value, sink);
 		case EPropertyKind::Array:

@@ -28,6 +28,22 @@ struct SAMPLE_API FSampleRecord
 	TArray<int32> kept = {1, 2, 3};
 };
 
+/** Scripts see into it. */
+USTRUCT(BlueprintType)
+struct FSampleOptions
+{
+	GENERATED_BODY()
+
+	/** Seconds. */
+	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Sample", meta = (DisplayName = "Wait"))
+	float wait = 2.5f;
+
+	UPROPERTY(BlueprintReadOnly, Category = "Sample")
+	TMap<FString, FString> headers;
+
+	int32 hidden = 0;
+};
+
 /**
  * It is over.
  * @param message  what became of it.

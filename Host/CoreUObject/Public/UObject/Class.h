@@ -104,10 +104,21 @@ struct UEnum
 	const FEnumerator* FindByValue(int64 Value) const;
 };
 
+/** A member of a struct that scripts see. */
+struct FStructField
+{
+	const char* Name;
+	const FPropertyType& (*Type)();
+	void* (*Get)(void* Record); // the address of the member
+	bool bIsReadOnly;
+	FMetaList Meta;
+};
+
 struct UScriptStruct
 {
 	const char* Name; // without its F, as scripts see it
 	const FPropertyType& (*Type)();
+	std::span<const FStructField> Fields; // none: scripts hand records of this type on as they are
 	FMetaList Meta;
 };
 

@@ -21,7 +21,7 @@ enum class EPropertyKind : uint8
 	String, // FString
 	DateTime, // FDateTime
 	Enum, // 8-bit enumeration
-	Struct, // reflected struct, opaque to scripts
+	Struct, // reflected struct
 	Object, // pointer to a reflected class
 	Array, // Inner = element
 	Map // Inner = key, Value = value
