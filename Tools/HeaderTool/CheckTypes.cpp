@@ -7,11 +7,12 @@ namespace HeaderTool
 {
 	namespace
 	{
-		constexpr std::array<std::string_view, 7> supported = {"bool", "uint8", "int32", "int64", "float", "FString", "FDateTime"};
+		constexpr std::array<std::string_view, 8> supported = {
+			"bool", "uint8", "int32", "int64", "float", "double", "FString", "FDateTime"};
 
 		/** The engine's scripts hold these, this host's do not. */
-		constexpr std::array<std::string_view, 12> unavailable = {"double", "FName", "FText", "TSet", "FGuid", "FTimespan", "FVector",
-			"TSubclassOf", "TSoftObjectPtr", "TSoftClassPtr", "TScriptInterface", "TEnumAsByte"};
+		constexpr std::array<std::string_view, 11> unavailable = {"FName", "FText", "TSet", "FGuid", "FTimespan", "FVector", "TSubclassOf",
+			"TSoftObjectPtr", "TSoftClassPtr", "TScriptInterface", "TEnumAsByte"};
 
 		/** Members may have these types when only the collector looks at them. */
 		constexpr std::array<std::string_view, 7> memberOnly = {
@@ -112,7 +113,7 @@ namespace HeaderTool
 		case DefaultKind::Integer:
 			return type.name == "uint8" || type.name == "int32" || type.name == "int64";
 		case DefaultKind::Float:
-			return type.name == "float";
+			return type.name == "float" || type.name == "double";
 		case DefaultKind::Text:
 			return type.name == "FString";
 		case DefaultKind::Enumerator:

@@ -138,6 +138,8 @@ namespace Reflect
 			return "int64";
 		case EPropertyKind::Float:
 			return "float";
+		case EPropertyKind::Double:
+			return "double";
 		case EPropertyKind::String:
 			return "string";
 		case EPropertyKind::DateTime:

@@ -233,6 +233,9 @@ namespace Reflect
 			return readInteger<int64>(type, source, value);
 		case EPropertyKind::Float:
 			return readFloat(type, source, value);
+		case EPropertyKind::Double:
+			*static_cast<double*>(value) = needed(source.number(), type, source);
+			return;
 		case EPropertyKind::String:
 			*static_cast<FString*>(value) = readText(type, source);
 			return;
@@ -265,6 +268,8 @@ namespace Reflect
 			return sink.integer(*static_cast<const int64*>(value));
 		case EPropertyKind::Float:
 			return sink.number(static_cast<double>(*static_cast<const float*>(value)));
+		case EPropertyKind::Double:
+			return sink.number(*static_cast<const double*>(value));
 		case EPropertyKind::String:
 			return writeText(*static_cast<const FString*>(value), sink);
 		case EPropertyKind::DateTime:

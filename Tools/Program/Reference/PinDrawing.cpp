@@ -47,6 +47,7 @@ namespace Program
 			case EPropertyKind::Int64:
 				return "#ace3af";
 			case EPropertyKind::Float:
+			case EPropertyKind::Double:
 				return "#a1ff45";
 			case EPropertyKind::String:
 				return "#ff2fd6";
@@ -98,7 +99,9 @@ namespace Program
 				const FEnumerator* const declared = pin.defaultText ? values.FindByName(pin.defaultText->c_str()) : values.FindByValue(0);
 				return declared ? declared->DisplayName : values.Enumerators.front().DisplayName;
 			}
-			const char* const fallback = kind == EPropertyKind::String ? "" : kind == EPropertyKind::Float ? "0.0" : "0";
+			const char* const fallback = kind == EPropertyKind::String                                   ? ""
+										 : kind == EPropertyKind::Float || kind == EPropertyKind::Double ? "0.0"
+																										 : "0";
 			return pin.defaultText.value_or(fallback);
 		}
 
@@ -176,6 +179,7 @@ namespace Program
 		case EPropertyKind::Int:
 		case EPropertyKind::Int64:
 		case EPropertyKind::Float:
+		case EPropertyKind::Double:
 		case EPropertyKind::String:
 		case EPropertyKind::Enum:
 			return drawTextBox(x, y, pin);

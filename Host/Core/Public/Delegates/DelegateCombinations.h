@@ -52,6 +52,10 @@ namespace DelegatesPrivate
 #define AddUniqueDynamic(Object, Method) InternalAddUniqueDynamic(Object, Method, DelegatesPrivate::FunctionName(TEXT(#Method)))
 
 // Use: DECLARE_...(FName, Type1, Name1, ...); the names are for the header tool.
+#define DECLARE_DYNAMIC_MULTICAST_DELEGATE_OneParam(Delegate, T1, N1) \
+	class Delegate : public TDynamicMulticastDelegate<T1> \
+	{ \
+	}
 #define DECLARE_DYNAMIC_MULTICAST_DELEGATE_TwoParams(Delegate, T1, N1, T2, N2) \
 	class Delegate : public TDynamicMulticastDelegate<T1, T2> \
 	{ \

@@ -18,6 +18,7 @@ enum class EPropertyKind : uint8
 	Int, // int32
 	Int64,
 	Float,
+	Double,
 	String, // FString
 	DateTime, // FDateTime
 	Enum, // 8-bit enumeration
@@ -176,6 +177,10 @@ namespace PropertyTypePrivate
 	};
 	template <>
 	struct TMaker<float> : TPlainMaker<float, EPropertyKind::Float>
+	{
+	};
+	template <>
+	struct TMaker<double> : TPlainMaker<double, EPropertyKind::Double>
 	{
 	};
 	template <>

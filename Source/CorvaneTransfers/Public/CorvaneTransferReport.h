@@ -1,0 +1,80 @@
+#pragma once
+
+#include "CoreMinimal.h"
+#include "CorvaneTransfers.h"
+
+#include "CorvaneTransferReport.generated.h"
+
+/** How a transfer stands or what it ended with. Sizes are bytes, times seconds. */
+USTRUCT(BlueprintType)
+struct CORVANETRANSFERS_API FCorvaneTransferReport
+{
+	GENERATED_BODY()
+
+	/** Running as long as it goes on. */
+	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
+	ECorvaneTransferOutcome Outcome = ECorvaneTransferOutcome::Running;
+
+	/** Why, for people. */
+	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
+	FString Sentence;
+
+	/** The server's status code, of the last answer; 0 = there was none. */
+	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
+	int32 Code = 0;
+
+	/** Without user and password. */
+	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
+	FString AskedAddress;
+
+	/** Where redirects led, without user and password; empty when there was no answer. */
+	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
+	FString ReachedAddress;
+
+	/** Of the whole file; -1 = unknown. */
+	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
+	int64 TotalBytes = -1;
+
+	/** What came over the network in this run and went into the file, also what had to be thrown away again. */
+	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
+	int64 TransferredBytes = 0;
+
+	/** Bytes of the file that an earlier run had left. */
+	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
+	int64 TakenOverBytes = 0;
+
+	/** Requests that were sent. */
+	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
+	int32 Attempts = 0;
+
+	/** How often it began at the first byte again. */
+	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
+	int32 Restarts = 0;
+
+	/** Why, one for each restart. */
+	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
+	TArray<FString> RestartReasons;
+
+	/** Waited before tries, without the time that it was paused. */
+	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
+	double SecondsWaited = 0;
+
+	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
+	double SecondsWorked = 0;
+
+	/** In hexadecimal digits, if it was asked for and the file is whole. */
+	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
+	FString Hash;
+
+	/** The file under the target's name is the one that was there before: it was to be kept, or is as new as the server's. */
+	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
+	bool bTargetKept = false;
+
+	/** Bytes on disk that a later start can go on with. */
+	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
+	int64 BytesLeft = 0;
+
+	/** What is left on disk and how to go on, for people; empty = nothing. */
+	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
+	FString HowToGoOn;
+};
