@@ -1,0 +1,26 @@
+#pragma once
+
+#include "CoreMinimal.h"
+#include "Misc/DateTime.h"
+
+/** When something is tried again, and how long it is waited before. Times are seconds. Thread: any. */
+namespace CorvaneRetry
+{
+	/** Whether a later try may end otherwise: 408, 425, 429 and the server's own troubles (5xx) but those that say "never". */
+	bool IsPassing(int32 Code);
+
+	/**
+	 * A random share of a time that doubles with every failure, so that clients which lost the server together do not come
+	 * back together.
+	 * @param Failures  tries in a row that brought nothing; 0 = the last one did.
+	 * @param Random  from 0 up to, but without, 1.
+	 */
+	double Backoff(int32 Failures, double FirstWait, double LongestWait, double Random);
+
+	/**
+	 * @param Value  of a Retry-After header: seconds or a date.
+	 * @param Now  UTC, by the server's own clock if that is known.
+	 * @return seconds to wait, 0 for a moment that is over, at most a year; -1 when it is empty or cannot be read.
+	 */
+	double ParseRetryAfter(const FString& Value, const FDateTime& Now);
+} // namespace CorvaneRetry

@@ -1,0 +1,185 @@
+#pragma once
+
+#include "Attempts/Exchange.h"
+#include "CoreMinimal.h"
+#include "CorvaneTransfers.h"
+#include "Download/DownloadAnswer.h"
+#include "Download/DownloadOptions.h"
+#include "Download/DownloadQuestion.h"
+#include "Download/DownloadReport.h"
+#include "Misc/DateTime.h"
+
+/** What the driver of a download does next. It tells the machine what came of it by the function named here. */
+enum class ECorvaneDownloadAction : uint8
+{
+	/** Go on with what is being done. */
+	None,
+	/** Look whether the target exists: OnLooked. */
+	Look,
+	/** Open the part file and lock the target: OnOpened. */
+	Open,
+	/** Start an exchange with Question: OnAttemptEnded, after the last byte of it is in the file. */
+	Ask,
+	/** Cancel the exchange that runs; it ends through OnAttemptEnded. */
+	Stop,
+	/** Wait for WaitSeconds: OnWaitOver. Other calls may end the wait earlier. */
+	Wait,
+	/** Secure what is on disk: the download is paused, maybe for long. Nothing is told. */
+	Hold,
+	/** Check the part file, and put it in the target's place: OnFinished. */
+	Finish,
+	/** Secure what is on disk and let go of it: OnClosed. */
+	Close,
+	/** Delete part file and journal: OnClosed. */
+	Discard,
+	/** Give out the report: the download is over. Comes once. */
+	Tell
+};
+
+struct FCorvaneDownloadStep
+{
+	ECorvaneDownloadAction Action = ECorvaneDownloadAction::None;
+	FCorvaneDownloadQuestion Question;
+	double WaitSeconds = 0;
+};
+
+/** What opening the part file found. */
+struct FCorvaneDownloadOpened
+{
+	/** Running = it is open. */
+	ECorvaneTransferOutcome Failure = ECorvaneTransferOutcome::Running;
+	FString Sentence;
+	/** Bytes that the journal vouches for. */
+	int64 Length = 0;
+	/** Of what is on disk: only what may be named in If-Range stands there, so its date is a strong one. */
+	FCorvaneVersion Version;
+	int64 Total = -1;
+	/** An earlier run was ended between replacing the target and cleaning up: the target is the file. */
+	bool bWholeAlready = false;
+};
+
+/** What came of one exchange, all of whose bytes are in the file. */
+struct FCorvaneAttemptEnd
+{
+	FCorvaneExchangeResult Exchange;
+	/** Bytes in the part file now. */
+	int64 Length = 0;
+	/** Bytes that were written into it. */
+	int64 Written = 0;
+	/** The part file was begun anew for this answer. */
+	bool bStartedOver = false;
+	/** The bytes that were to be compared are others. */
+	bool bTailDiffers = false;
+	/** There were more bytes than MostBytes; those behind are not in the file. */
+	bool bTooLong = false;
+	/** Running = all files could be written. */
+	ECorvaneTransferOutcome FileFailure = ECorvaneTransferOutcome::Running;
+	FString FileSentence;
+	/** From 0 up to, but without, 1. */
+	double Random = 0;
+	FDateTime NowUtc;
+};
+
+/** What came of putting the file in its place. */
+struct FCorvaneDownloadFinished
+{
+	/** Succeeded, or why not. WrongHash means that the bytes are of no use. */
+	ECorvaneTransferOutcome Outcome = ECorvaneTransferOutcome::Succeeded;
+	FString Sentence;
+	FString Hash;
+};
+
+/**
+ * One download to a file, as a machine of values: it sees no file, no thread and no clock. It is told what happened and says
+ * what to do; calls that do not fit what is going on change nothing. Every start ends in exactly one Tell.
+ *
+ * Now is in seconds from any beginning. Positions and sizes are bytes. Thread: one at a time.
+ */
+class FCorvaneDownloadMachine
+{
+public:
+	FCorvaneDownloadMachine(const FString& URL, const FString& InTarget, const FCorvaneDownloadOptions& InOptions);
+
+	/** @param Fault  what CorvaneDownload::FindFault says. */
+	FCorvaneDownloadStep Start(double Now, const FString& Fault);
+	/** @param TargetTime  UTC; of a target that exists. */
+	FCorvaneDownloadStep OnLooked(double Now, bool bTargetExists, const FDateTime& TargetTime);
+	FCorvaneDownloadStep OnOpened(double Now, const FCorvaneDownloadOpened& Opened);
+	FCorvaneDownloadStep OnAttemptEnded(double Now, const FCorvaneAttemptEnd& End);
+	FCorvaneDownloadStep OnWaitOver(double Now);
+	FCorvaneDownloadStep OnFinished(double Now, const FCorvaneDownloadFinished& Finished);
+	FCorvaneDownloadStep OnClosed(double Now);
+
+	/** Stops after what cannot be stopped; the bytes stay. */
+	FCorvaneDownloadStep Pause(double Now);
+	FCorvaneDownloadStep Continue(double Now);
+	/** Ends it with Cancelled; the bytes stay. A file that is just being put in its place is. */
+	FCorvaneDownloadStep Cancel(double Now) { return EndWith(Now, ECorvaneTransferOutcome::Cancelled); }
+	/** The program ends: as Cancel, with Ended. */
+	FCorvaneDownloadStep EndOfProgram(double Now) { return EndWith(Now, ECorvaneTransferOutcome::Ended); }
+
+	bool IsPaused() const { return Phase == EPhase::Paused; }
+	bool IsOver() const { return Phase == EPhase::Over; }
+	/** Of what is on disk. */
+	const FCorvaneVersion& GetVersion() const { return Version; }
+	/** -1 = unknown. */
+	int64 GetTotal() const { return Total; }
+	/** As it is so far; complete with Tell. */
+	const FCorvaneDownloadReport& GetReport() const { return Report; }
+
+private:
+	enum class EPhase : uint8
+	{
+		New,
+		Looking,
+		Opening,
+		Asking,
+		Waiting,
+		Paused,
+		Finishing,
+		Closing,
+		Over
+	};
+
+	FCorvaneDownloadStep EndWith(double Now, ECorvaneTransferOutcome Outcome);
+	bool Expect(EPhase Expected) const { return Phase == Expected; }
+	void MoveTo(EPhase Next, double Now);
+	FCorvaneDownloadStep Do(EPhase Next, double Now, ECorvaneDownloadAction Action);
+	FCorvaneDownloadStep Ask(double Now);
+	FCorvaneDownloadStep WaitFor(double Now, double Seconds);
+	FCorvaneDownloadStep GoOn(double Now, double Seconds);
+	FCorvaneDownloadStep Finish(double Now);
+	FCorvaneDownloadStep Fail(double Now, ECorvaneTransferOutcome Outcome, const FString& Sentence, bool bKeepBytes = true);
+	FCorvaneDownloadStep KeepTarget(double Now, const FString& Sentence);
+	FCorvaneDownloadStep Tell(double Now);
+
+	void Count(const FCorvaneAttemptEnd& End);
+	FCorvaneDownloadStep Follow(double Now, const FCorvaneAttemptEnd& End);
+	FCorvaneDownloadStep FollowAnswer(double Now, const FCorvaneAttemptEnd& End, const FCorvaneDownloadJudgement& Judged);
+	FCorvaneDownloadStep FollowBody(double Now, const FCorvaneAttemptEnd& End, const FCorvaneDownloadJudgement& Judged);
+	FCorvaneDownloadStep FollowBreak(double Now, const FCorvaneAttemptEnd& End);
+	FCorvaneDownloadStep StartOver(double Now, const FString& Reason, ECorvaneTransferOutcome Outcome);
+	FCorvaneDownloadStep Retry(double Now, const FCorvaneAttemptEnd& End, ECorvaneTransferOutcome Outcome, const FString& Reason);
+	bool IsWhole(const FCorvaneAttemptEnd& End) const;
+	FCorvaneDownloadQuestion MakeQuestion() const;
+
+	const FString Target;
+	const FCorvaneDownloadOptions Options;
+	FCorvaneDownloadReport Report;
+
+	EPhase Phase = EPhase::New;
+	double PhaseBegan = 0;
+	bool bWantsPause = false;
+	ECorvaneTransferOutcome WantedEnd = ECorvaneTransferOutcome::Running; // Running = none
+
+	FCorvaneDownloadQuestion Question; // of the try that runs, or ran last
+	FDateTime IfNewerThan = FDateTime::MinValue();
+	FCorvaneVersion Version;
+	int64 Length = 0; // on disk
+	int64 Total = -1;
+	int64 Mark = 0; // the most that has been on disk since it was begun: what lies beyond is new
+	bool bOpen = false;
+	bool bFromStart = false; // what is on disk is of no use
+	bool bNoRanges = false; // the server cannot send parts of it
+	int32 FailuresInARow = 0; // tries without a new byte
+};
