@@ -48,9 +48,10 @@ MODULE_ROOMS = {
         "Rules": [],
     },
     "CorvaneTransfers": {
-        "Download": ["Attempts", "Files"],
+        "Download": ["Attempts", "Files", "Threads"],
         "Attempts": [],
         "Files": [],
+        "Threads": [],
     },
 }
 

@@ -1,5 +1,28 @@
 #include "CorvaneTransfers.h"
 
+#include "Misc/CoreDelegates.h"
 #include "Modules/ModuleManager.h"
+#include "RunningTransfers.h"
+#include "UObject/UObjectBase.h"
+
+void FCorvaneTransfersModule::StartupModule()
+{
+	// At the end of a program the modules go after the objects: too late for transfers that still have bytes to write.
+	FCoreDelegates::OnPreExit.AddRaw(this, &FCorvaneTransfersModule::EndTransfers);
+}
+
+void FCorvaneTransfersModule::ShutdownModule()
+{
+	FCoreDelegates::OnPreExit.RemoveAll(this);
+	if (UObjectInitialized())
+	{
+		EndTransfers();
+	}
+}
+
+void FCorvaneTransfersModule::EndTransfers()
+{
+	CorvaneRunningTransfers::EndAll();
+}
 
 IMPLEMENT_MODULE(FCorvaneTransfersModule, CorvaneTransfers)

@@ -49,4 +49,7 @@ public:
 
 	UFUNCTION(BlueprintPure, Category = "Corvane|Transfers")
 	virtual bool IsPaused() const { return false; }
+
+	/** @return whether any transfer has not told its outcome yet. */
+	static bool HasPendingWork();
 };

@@ -49,4 +49,11 @@ enum class ECorvaneTransferOutcome : uint8
 /** The module: it ends running transfers in order, and keeps their bytes, when the program ends or the module is unloaded. */
 class FCorvaneTransfersModule : public IModuleInterface
 {
+public:
+	virtual void StartupModule() override;
+	/** Does what the end of the program does, if objects still exist. Thread: game thread. */
+	virtual void ShutdownModule() override;
+
+private:
+	void EndTransfers();
 };

@@ -2,11 +2,10 @@
 
 #include "Attempts/Exchange.h"
 #include "CoreMinimal.h"
-#include "CorvaneTransfers.h"
+#include "CorvaneTransferReport.h"
 #include "Download/DownloadAnswer.h"
 #include "Download/DownloadOptions.h"
 #include "Download/DownloadQuestion.h"
-#include "Download/DownloadReport.h"
 #include "Misc/DateTime.h"
 
 /** What the driver of a download does next. It tells the machine what came of it by the function named here. */
@@ -125,7 +124,7 @@ public:
 	/** -1 = unknown. */
 	int64 GetTotal() const { return Total; }
 	/** As it is so far; complete with Tell. */
-	const FCorvaneDownloadReport& GetReport() const { return Report; }
+	const FCorvaneTransferReport& GetReport() const { return Report; }
 
 private:
 	enum class EPhase : uint8
@@ -165,7 +164,7 @@ private:
 
 	const FString Target;
 	const FCorvaneDownloadOptions Options;
-	FCorvaneDownloadReport Report;
+	FCorvaneTransferReport Report;
 
 	EPhase Phase = EPhase::New;
 	double PhaseBegan = 0;

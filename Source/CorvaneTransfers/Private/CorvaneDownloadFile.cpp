@@ -1,0 +1,90 @@
+#include "CorvaneDownloadFile.h"
+
+#include "Download/DownloadRun.h"
+#include "UObject/UObjectGlobals.h"
+
+UCorvaneDownloadFile* UCorvaneDownloadFile::DownloadFile(
+	const FString& InURL, const FString& InFilePath, const FCorvaneDownloadOptions& InOptions)
+{
+	UCorvaneDownloadFile* Node = NewObject<UCorvaneDownloadFile>();
+	Node->Address = InURL;
+	Node->Path = InFilePath;
+	Node->Wishes = InOptions;
+	return Node;
+}
+
+UCorvaneDownloadFile* UCorvaneDownloadFile::Start(
+	const FString& InURL, const FString& InFilePath, const FCorvaneDownloadOptions& InOptions, FTell InOnEnd, FTell InOnMove)
+{
+	UCorvaneDownloadFile* Node = DownloadFile(InURL, InFilePath, InOptions);
+	Node->NativeEnd = MoveTemp(InOnEnd);
+	Node->NativeMove = MoveTemp(InOnMove);
+	Node->Activate();
+	return Node;
+}
+
+void UCorvaneDownloadFile::Activate()
+{
+	if (Run.IsValid())
+	{
+		return; // it was started once
+	}
+	AddToRoot(); // until its outcome: a graph that is gone does not end a download
+	const auto Move = [this](const FCorvaneTransferReport& Report)
+	{
+		OnProgress.Broadcast(Report);
+		if (NativeMove)
+		{
+			NativeMove(Report);
+		}
+	};
+	const bool bIsWatched = OnProgress.IsBound() || NativeMove;
+	Run = MakeShared<FCorvaneDownloadRun>(Address, Path, Wishes, [this](const FCorvaneTransferReport& Report) { End(Report); },
+		bIsWatched ? FTell(Move) : FTell());
+	Run->Start();
+}
+
+void UCorvaneDownloadFile::End(const FCorvaneTransferReport& Report)
+{
+	(Report.Outcome == ECorvaneTransferOutcome::Succeeded ? OnSuccess : OnFail).Broadcast(Report);
+	if (NativeEnd)
+	{
+		NativeEnd(Report);
+	}
+	RemoveFromRoot();
+	SetReadyToDestroy();
+}
+
+void UCorvaneDownloadFile::Pause()
+{
+	if (Run.IsValid())
+	{
+		Run->Pause();
+	}
+}
+
+void UCorvaneDownloadFile::Continue()
+{
+	if (Run.IsValid())
+	{
+		Run->Continue();
+	}
+}
+
+void UCorvaneDownloadFile::Cancel()
+{
+	if (Run.IsValid())
+	{
+		Run->Cancel();
+	}
+}
+
+FCorvaneTransferReport UCorvaneDownloadFile::GetReport() const
+{
+	return Run.IsValid() ? Run->GetReport() : FCorvaneTransferReport();
+}
+
+bool UCorvaneDownloadFile::IsPaused() const
+{
+	return Run.IsValid() && Run->IsPaused();
+}

@@ -1,0 +1,8 @@
+#include "CorvaneTransfer.h"
+
+#include "RunningTransfers.h"
+
+bool UCorvaneTransfer::HasPendingWork()
+{
+	return !CorvaneRunningTransfers::IsEmpty();
+}

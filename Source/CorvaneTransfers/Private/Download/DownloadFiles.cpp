@@ -1,0 +1,121 @@
+#include "Download/DownloadFiles.h"
+
+#include "HAL/PlatformFileManager.h"
+
+void FCorvaneDownloadFiles::Do(TUniqueFunction<void(FCorvaneDownloadFiles&)> Step)
+{
+	Strand->Add([Self = AsShared(), Step = MoveTemp(Step)] { Step(*Self); });
+}
+
+void FCorvaneDownloadFiles::Look(const FString& Target, TUniqueFunction<void(bool, FDateTime)> Tell)
+{
+	Do(
+		[Target, Tell = MoveTemp(Tell)](FCorvaneDownloadFiles&)
+		{
+			IPlatformFile& Files = FPlatformFileManager::Get().GetPlatformFile();
+			const bool bExists = Files.FileExists(*Target);
+			Tell(bExists, bExists ? Files.GetTimeStamp(*Target) : FDateTime::MinValue());
+		});
+}
+
+void FCorvaneDownloadFiles::Open(
+	const FString& Target, const FString& Address, bool bResume, TUniqueFunction<void(const FCorvaneOpenedPart&)> Tell)
+{
+	Do([Target, Address, bResume, Tell = MoveTemp(Tell)](
+		   FCorvaneDownloadFiles& Self) { Tell(Self.Part.Open(Target, Address, bResume)); });
+}
+
+void FCorvaneDownloadFiles::Secure()
+{
+	Do([](FCorvaneDownloadFiles& Self) { Self.Part.Checkpoint(); }); // what a disk takes not now it may take later
+}
+
+void FCorvaneDownloadFiles::Finish(const FCorvaneFinishWish& Wish, TUniqueFunction<void(const FCorvaneFinished&)> Tell)
+{
+	Do([Wish, Tell = MoveTemp(Tell)](FCorvaneDownloadFiles& Self) { Tell(Self.Part.Finish(Wish)); });
+}
+
+void FCorvaneDownloadFiles::Close(TUniqueFunction<void()> Tell)
+{
+	Do(
+		[Tell = MoveTemp(Tell)](FCorvaneDownloadFiles& Self)
+		{
+			Self.Part.Close();
+			Tell();
+		});
+}
+
+void FCorvaneDownloadFiles::Discard(TUniqueFunction<void()> Tell)
+{
+	Do(
+		[Tell = MoveTemp(Tell)](FCorvaneDownloadFiles& Self)
+		{
+			Self.Part.Discard();
+			Tell();
+		});
+}
+
+void FCorvaneDownloadFiles::BeginAttempt(int64 Compare, TUniqueFunction<void(TArray<uint8>&&, const FCorvaneFileResult&)> Tell)
+{
+	Brought = 0;
+	Do(
+		[Compare, Tell = MoveTemp(Tell)](FCorvaneDownloadFiles& Self)
+		{
+			Self.Attempt = FCorvaneAttemptFiles();
+			Self.Buffer.Reopen();
+			TArray<uint8> Tail;
+			const FCorvaneFileResult Read = Compare > 0 ? Self.Part.ReadTail(Compare, Tail) : FCorvaneFileResult();
+			Tell(MoveTemp(Tail), Read);
+		});
+}
+
+void FCorvaneDownloadFiles::StartOver(const FCorvaneSourceFacts& Source)
+{
+	Do([Source](FCorvaneDownloadFiles& Self) { Self.Note(Self.Part.StartOver(Source)); });
+}
+
+bool FCorvaneDownloadFiles::Put(const uint8* Bytes, int64 Number)
+{
+	bool bFirst = false;
+	if (!Buffer.Put(Bytes, Number, bFirst))
+	{
+		return false;
+	}
+	Brought += Number;
+	if (bFirst)
+	{
+		Do([](FCorvaneDownloadFiles& Self) { Self.WriteWaiting(); });
+	}
+	return true;
+}
+
+void FCorvaneDownloadFiles::EndAttempt(TUniqueFunction<void(const FCorvaneAttemptFiles&)> Tell)
+{
+	Do(
+		[Tell = MoveTemp(Tell)](FCorvaneDownloadFiles& Self)
+		{
+			Self.WriteWaiting();
+			Self.Attempt.Length = Self.Part.GetLength();
+			Tell(Self.Attempt);
+		});
+}
+
+void FCorvaneDownloadFiles::WriteWaiting()
+{
+	while (Attempt.Result.IsOk() && Buffer.Take(Writing))
+	{
+		const int64 Before = Part.GetLength();
+		Note(Part.Append(Writing.GetData(), Writing.Num()));
+		Attempt.Written += Part.GetLength() - Before;
+	}
+}
+
+/** After a failure nothing more is written, and whoever brings bytes hears it. */
+void FCorvaneDownloadFiles::Note(const FCorvaneFileResult& Result)
+{
+	if (Attempt.Result.IsOk() && !Result.IsOk())
+	{
+		Attempt.Result = Result;
+		Buffer.Close();
+	}
+}

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "CoreMinimal.h"
+#include "Files/PartFile.h"
+#include "Misc/DateTime.h"
+#include "Templates/Function.h"
+#include "Templates/SharedPointer.h"
+#include "Threads/ByteBuffer.h"
+#include "Threads/Strand.h"
+
+#include <atomic>
+
+/** What one try has done to the part file. */
+struct FCorvaneAttemptFiles
+{
+	FCorvaneFileResult Result;
+	/** Bytes in the part file now. */
+	int64 Length = 0;
+	/** Bytes that the try has written into it. */
+	int64 Written = 0;
+};
+
+/**
+ * The file work of one download. Every step is queued and done on a background thread, one after another; what comes of it
+ * is told there. Hold it by a shared pointer; queued steps do so, too. Thread: any, but for what says otherwise.
+ */
+class FCorvaneDownloadFiles : public TSharedFromThis<FCorvaneDownloadFiles>
+{
+public:
+	/** Tells whether a file stands there, and when it was changed (UTC). */
+	void Look(const FString& Target, TUniqueFunction<void(bool, FDateTime)> Tell);
+	void Open(const FString& Target, const FString& Address, bool bResume, TUniqueFunction<void(const FCorvaneOpenedPart&)> Tell);
+	/** Vouches for what is there. */
+	void Secure();
+	void Finish(const FCorvaneFinishWish& Wish, TUniqueFunction<void(const FCorvaneFinished&)> Tell);
+	void Close(TUniqueFunction<void()> Tell);
+	void Discard(TUniqueFunction<void()> Tell);
+
+	/** Begins a try. Tells the last bytes on disk. @param Compare  how many of them. */
+	void BeginAttempt(int64 Compare, TUniqueFunction<void(TArray<uint8>&&, const FCorvaneFileResult&)> Tell);
+	/** The bytes that follow are the file from its beginning. */
+	void StartOver(const FCorvaneSourceFacts& Source);
+	/** Takes bytes of the body. A disk that is slow makes the caller wait. @return false when they cannot be written. */
+	bool Put(const uint8* Bytes, int64 Number);
+	/** Tells what came of the try when its last byte is in the file. */
+	void EndAttempt(TUniqueFunction<void(const FCorvaneAttemptFiles&)> Tell);
+
+	/** @return bytes that the running try has brought, on disk or on their way there. */
+	int64 BytesOfAttempt() const { return Brought; }
+
+private:
+	void Do(TUniqueFunction<void(FCorvaneDownloadFiles&)> Step);
+	void WriteWaiting();
+	void Note(const FCorvaneFileResult& Result);
+
+	const TSharedRef<FCorvaneStrand> Strand = MakeShared<FCorvaneStrand>();
+	FCorvaneByteBuffer Buffer;
+	std::atomic<int64> Brought{0};
+
+	// On the strand:
+	FCorvanePartFile Part;
+	FCorvaneAttemptFiles Attempt;
+	TArray<uint8> Writing; // keeps its memory
+};

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "Attempts/Exchange.h"
+#include "Containers/Ticker.h"
+#include "CoreMinimal.h"
+#include "CorvaneDownloadOptions.h"
+#include "CorvaneTransferReport.h"
+#include "Download/DownloadFiles.h"
+#include "Download/DownloadMachine.h"
+#include "Files/FileHash.h"
+#include "RunningTransfers.h"
+#include "Templates/Function.h"
+#include "Templates/SharedPointer.h"
+#include "Threads/Mailbox.h"
+
+class FCorvaneDownloadReceiver;
+
+/**
+ * A download from its start to its report: does what the machine says, and tells it what came of it. It is held by the list
+ * of running transfers until it is over. Thread: game thread.
+ */
+class FCorvaneDownloadRun : public FCorvaneRunningTransfer, public TSharedFromThis<FCorvaneDownloadRun>
+{
+public:
+	using FTell = TFunction<void(const FCorvaneTransferReport&)>;
+
+	/**
+	 * @param InTellEnd  is called once, later than Start.
+	 * @param InTellProgress  is called ten times a second at most while bytes move.
+	 */
+	FCorvaneDownloadRun(
+		const FString& InURL, const FString& InTarget, const FCorvaneDownloadOptions& InOptions, FTell InTellEnd, FTell InTellProgress);
+
+	void Start();
+	void Pause();
+	void Continue();
+	void Cancel();
+	bool IsPaused() const { return Machine.IsPaused(); }
+	/** @return how it stands, with the bytes of the try that runs. */
+	FCorvaneTransferReport GetReport() const;
+
+	virtual void EndWithProgram() override;
+	virtual bool IsOver() const override { return Machine.IsOver(); }
+	virtual FCorvaneMailbox& GetMailbox() override { return *Mailbox; }
+
+private:
+	/** Brings what another thread has to tell to this object, if it is not over. Thread: any. */
+	void Post(TUniqueFunction<void(FCorvaneDownloadRun&)> Letter);
+
+	void Follow(const FCorvaneDownloadStep& Step);
+	void Look();
+	void Open();
+	void Ask(const FCorvaneDownloadQuestion& Question);
+	void Send(const FCorvaneDownloadQuestion& Question, TArray<uint8>&& Tail, const FCorvaneFileResult& TailRead);
+	void Stop();
+	void Wait(double Seconds);
+	void Finish();
+	void TellEnd();
+	void PostClosed();
+
+	void OnSent(FCorvaneAttemptEnd End);
+	bool OnProgressTick();
+
+	const FString URL;
+	const FString Target;
+	const FCorvaneDownloadOptions Options;
+	FCorvaneHashWish Hash;
+	FTell EndTeller;
+	FTell ProgressTeller;
+
+	FCorvaneDownloadMachine Machine;
+	const TSharedRef<FCorvaneMailbox> Mailbox = MakeShared<FCorvaneMailbox>();
+	const TSharedRef<FCorvaneDownloadFiles> Files = MakeShared<FCorvaneDownloadFiles>();
+	TSharedPtr<FCorvaneExchange> Exchange; // of the try that runs
+	TSharedPtr<FCorvaneDownloadReceiver> Receiver; // of the same
+	bool bStopWanted = false; // before there was an exchange to stop
+	FString LastModified; // of the file that has come
+	FTSTicker::FDelegateHandle WaitTicker;
+	FTSTicker::FDelegateHandle ProgressTicker;
+	int64 ToldBytes = -1;
+};

@@ -1,0 +1,61 @@
+#include "RunningTransfers.h"
+
+#include "HAL/PlatformTime.h"
+
+namespace CorvaneRunningTransfers
+{
+	static constexpr double MostSecondsAtTheEnd = 5;
+
+	static TArray<TSharedRef<FCorvaneRunningTransfer>>& List()
+	{
+		static TArray<TSharedRef<FCorvaneRunningTransfer>> Transfers;
+		return Transfers;
+	}
+
+	/** No task comes to the game thread any more, so it reads the mail itself. */
+	static void WaitFor(FCorvaneRunningTransfer& Transfer, double Deadline)
+	{
+		while (!Transfer.IsOver() && FPlatformTime::Seconds() < Deadline)
+		{
+			Transfer.GetMailbox().WaitForPost(10);
+			Transfer.GetMailbox().Open();
+		}
+	}
+} // namespace CorvaneRunningTransfers
+
+void CorvaneRunningTransfers::Add(const TSharedRef<FCorvaneRunningTransfer>& Transfer)
+{
+	List().Add(Transfer);
+}
+
+void CorvaneRunningTransfers::Remove(const FCorvaneRunningTransfer& Transfer)
+{
+	for (int32 Index = 0; Index < List().Num(); ++Index)
+	{
+		if (&List()[Index].Get() == &Transfer)
+		{
+			List().RemoveAt(Index);
+			return;
+		}
+	}
+}
+
+bool CorvaneRunningTransfers::IsEmpty()
+{
+	return List().IsEmpty();
+}
+
+void CorvaneRunningTransfers::EndAll()
+{
+	const TArray<TSharedRef<FCorvaneRunningTransfer>> Running = List(); // each leaves the list at its end
+	const double Deadline = FPlatformTime::Seconds() + MostSecondsAtTheEnd;
+	for (const TSharedRef<FCorvaneRunningTransfer>& Transfer : Running)
+	{
+		Transfer->EndWithProgram();
+	}
+	for (const TSharedRef<FCorvaneRunningTransfer>& Transfer : Running)
+	{
+		WaitFor(*Transfer, Deadline);
+	}
+	List().Empty();
+}

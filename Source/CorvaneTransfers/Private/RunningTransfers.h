@@ -1,0 +1,29 @@
+#pragma once
+
+#include "CoreMinimal.h"
+#include "Templates/SharedPointer.h"
+#include "Threads/Mailbox.h"
+
+/** A transfer that has started and has not told its outcome yet. Thread: game thread. */
+class FCorvaneRunningTransfer
+{
+public:
+	virtual ~FCorvaneRunningTransfer() = default;
+	/** Ends it soon, with Ended; its bytes stay. */
+	virtual void EndWithProgram() = 0;
+	virtual bool IsOver() const = 0;
+	/** Where the threads that work for it leave what they have to tell. */
+	virtual FCorvaneMailbox& GetMailbox() = 0;
+};
+
+/** All running transfers. Thread: game thread. */
+namespace CorvaneRunningTransfers
+{
+	/** Holds a transfer until it is over and Remove is called. */
+	void Add(const TSharedRef<FCorvaneRunningTransfer>& Transfer);
+	void Remove(const FCorvaneRunningTransfer& Transfer);
+	bool IsEmpty();
+
+	/** Ends all of them in order and waits until each has dealt with its bytes, 5 seconds at most. */
+	void EndAll();
+} // namespace CorvaneRunningTransfers

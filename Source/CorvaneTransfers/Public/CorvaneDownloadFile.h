@@ -1,0 +1,61 @@
+#pragma once
+
+#include "CoreMinimal.h"
+#include "CorvaneDownloadOptions.h"
+#include "CorvaneTransfer.h"
+#include "Templates/Function.h"
+#include "Templates/SharedPointer.h"
+
+#include "CorvaneDownloadFile.generated.h"
+
+class FCorvaneDownloadRun;
+
+/**
+ * Downloads to a file that ends up right, or says why not. Bytes go to "<file>.corvpart" with "<file>.corvjournal" beside it, in
+ * bounded memory; the file itself is replaced when all is there, checked and flushed, so that at every moment the old file or
+ * the new one is whole. What has arrived is kept, also through a crash, and the same download goes on with it.
+ * Thread: game thread.
+ */
+UCLASS()
+class CORVANETRANSFERS_API UCorvaneDownloadFile : public UCorvaneTransfer
+{
+	GENERATED_BODY()
+
+public:
+	using FTell = TFunction<void(const FCorvaneTransferReport&)>;
+
+	/**
+	 * Makes a node that downloads a file.
+	 * @param URL  http or https; a user and a password in it are sent, and never shown.
+	 * @param FilePath  where the file is to stand; missing folders are made.
+	 */
+	UFUNCTION(BlueprintCallable, Category = "Corvane|Transfers",
+		meta = (BlueprintInternalUseOnly = "true", AutoCreateRefTerm = "Options", DisplayName = "Download File (whole or a reason)"))
+	static UCorvaneDownloadFile* DownloadFile(const FString& URL, const FString& FilePath, const FCorvaneDownloadOptions& Options);
+
+	/**
+	 * Starts a download from native code.
+	 * @param OnEnd  is called once, later, with the outcome.
+	 * @param OnMove  may be unset; is called ten times a second at most while bytes move.
+	 * @return the transfer, which is held until its outcome.
+	 */
+	static UCorvaneDownloadFile* Start(
+		const FString& URL, const FString& FilePath, const FCorvaneDownloadOptions& Options, FTell OnEnd, FTell OnMove = FTell());
+
+	virtual void Activate() override;
+	virtual void Pause() override;
+	virtual void Continue() override;
+	virtual void Cancel() override;
+	virtual FCorvaneTransferReport GetReport() const override;
+	virtual bool IsPaused() const override;
+
+private:
+	void End(const FCorvaneTransferReport& Report);
+
+	TSharedPtr<FCorvaneDownloadRun> Run; // null before Activate
+	FString Address;
+	FString Path;
+	FCorvaneDownloadOptions Wishes;
+	FTell NativeEnd;
+	FTell NativeMove;
+};
