@@ -2,6 +2,7 @@
 
 #include "Host/Directories.h"
 #include "Host/GameThreadTasks.h"
+#include "Host/GameThreadTicks.h"
 #include "Host/Objects.h"
 #include "Host/SystemThreads.h"
 #include "Misc/CoreDelegates.h"
@@ -55,7 +56,7 @@ FGameLoop::~FGameLoop()
 
 void FGameLoop::Tick()
 {
-	if (GameThreadTasks::RunQueued() > 0)
+	if (GameThreadTasks::RunQueued() + GameThreadTicks::RunDue() > 0)
 	{
 		LastTasks = FClock::now();
 	}
@@ -125,6 +126,7 @@ void FGameLoop::Shutdown()
 	}
 	HttpService::Stop();
 	GameThreadTasks::Drop(true);
+	GameThreadTicks::Drop();
 	HostObjects::DestroyAll();
 	Modules.clear();
 	HostThreads::JoinIdle();
@@ -134,5 +136,5 @@ void FGameLoop::WaitForTasks(FClock::time_point Deadline) const
 {
 	const FClock::time_point Now = FClock::now();
 	std::this_thread::sleep_until(std::min(Deadline, LastTasks + shortestTick));
-	GameThreadTasks::WaitUntil(std::min(Deadline, Now + untilAskedAgain(Now - LastTasks)));
+	GameThreadTasks::WaitUntil(std::min({Deadline, GameThreadTicks::NextDue(), Now + untilAskedAgain(Now - LastTasks)}));
 }

@@ -32,7 +32,7 @@ public:
 	FGameLoop(const FGameLoop&) = delete;
 	FGameLoop& operator=(const FGameLoop&) = delete;
 
-	/** Runs the tasks that are queued now; returns at once when there are none. */
+	/** Runs the tasks that are queued now and the tickers that are due; returns at once when there are none. */
 	void Tick();
 
 	/**

@@ -15,6 +15,7 @@ bool FHttpRequest::ProcessRequest()
 	}
 	Response.Reset();
 	FailureReason = EHttpFailureReason::None;
+	EffectiveURL = UrlText;
 	bCancelled = bBytesDropped = false;
 	BytesSent = BytesReceived = ReportedSent = ReportedReceived = 0;
 	bOnGameThread = Policy == EHttpRequestDelegateThreadPolicy::CompleteOnGameThread || FHttpThread::Get().ForcesGameThread();
@@ -113,7 +114,7 @@ void FHttpRequest::SetURL(const FString& InURL)
 {
 	if (MayChange())
 	{
-		UrlText = InURL;
+		UrlText = EffectiveURL = InURL;
 	}
 }
 

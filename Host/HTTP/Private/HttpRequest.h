@@ -27,6 +27,7 @@ struct FHttpOutcome
 class FHttpRequest final : public IHttpRequest, public std::enable_shared_from_this<FHttpRequest>
 {
 public:
+	const FString& GetEffectiveURL() const override { return EffectiveURL; }
 	FString GetHeader(const FString& HeaderName) const override { return Headers.Get(HeaderName); }
 	TArray<FString> GetAllHeaders() const override { return Headers.GetAll(); }
 	uint64 GetContentLength() const override;
@@ -69,6 +70,7 @@ public:
 	std::optional<double> TimeoutSeconds, ActivityTimeoutSeconds; // none = the service's
 	std::string Verb = "GET"; // upper case
 	std::optional<FUrl> Url; // nothing when the request was refused
+	FString EffectiveURL;
 	FHeaderMap Headers;
 	std::unique_ptr<FRequestBody> Body; // open; null = none
 	FTransfer* RunningTransfer = nullptr;

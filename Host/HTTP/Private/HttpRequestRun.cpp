@@ -8,7 +8,7 @@ void FHttpRequest::BeginResponse()
 {
 	if (!Response.IsValid())
 	{
-		Response = MakeShared<FHttpResponse>();
+		Response = MakeShared<FHttpResponse>(UrlText);
 	}
 }
 
@@ -124,7 +124,7 @@ void FHttpRequest::Complete(FHttpOutcome Outcome)
 	const TSharedPtr<FHttpResponse> Shown = Response;
 	if (Shown.IsValid())
 	{
-		Shown->Complete(Outcome.Code);
+		Shown->Complete(Outcome.Code, EffectiveURL);
 	}
 	if (!bSucceeded)
 	{

@@ -10,6 +10,11 @@
 class FHttpResponse final : public IHttpResponse
 {
 public:
+	explicit FHttpResponse(const FString& InURL)
+		: EffectiveURL(InURL)
+	{
+	}
+	const FString& GetEffectiveURL() const override { return EffectiveURL; }
 	FString GetHeader(const FString& HeaderName) const override;
 	TArray<FString> GetAllHeaders() const override;
 	uint64 GetContentLength() const override { return ContentLength; }
@@ -23,12 +28,13 @@ public:
 	/** @return false when the body would be longer than an array can be; the bytes that fit are kept. */
 	bool Append(const char* Bytes, size_t Number);
 
-	/** Shows code and headers. Thread: that of the request's callbacks. */
-	void Complete(int32 InCode);
+	/** Shows code, headers and address. Thread: that of the request's callbacks. */
+	void Complete(int32 InCode, const FString& InEffectiveURL);
 
 private:
 	bool IsReady(const TCHAR* What) const;
 
+	FString EffectiveURL;
 	FHeaderMap Headers;
 	uint64 ContentLength = 0;
 	TArray<uint8> Content;

@@ -80,6 +80,7 @@ void FTransfer::Begin(std::shared_ptr<FHttpRequest> InRequest)
 
 std::shared_ptr<FHttpRequest> FTransfer::Release()
 {
+	NoteAddress();
 	curl_easy_reset(Easy); // it still points into what goes now
 	Lines.reset();
 	Problem = nullptr;
@@ -89,6 +90,18 @@ std::shared_ptr<FHttpRequest> FTransfer::Release()
 	bAnswered = bConnected = bEnded = false;
 	Request->RunningTransfer = nullptr;
 	return std::move(Request);
+}
+
+void FTransfer::NoteAddress()
+{
+	long Hops = 0;
+	const char* Where = nullptr;
+	curl_easy_getinfo(Easy, CURLINFO_REDIRECT_COUNT, &Hops);
+	curl_easy_getinfo(Easy, CURLINFO_EFFECTIVE_URL, &Where);
+	if (Hops > 0 && Where)
+	{
+		Request->EffectiveURL = Text::FromUtf8(Where);
+	}
 }
 
 void FTransfer::ConfigureHandle()

@@ -41,6 +41,7 @@ public:
 	FHttpOutcome Outcome;
 
 private:
+	void NoteAddress();
 	void ConfigureHandle();
 	void ConfigureCallbacks();
 	void ConfigureVerb();

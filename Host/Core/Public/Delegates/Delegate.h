@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <type_traits>
 #include <utility>
 
 template <class T>
@@ -10,12 +11,13 @@ template <class Signature>
 class TDelegate;
 
 /** A delegate with at most one binding. Bind it before the work starts that may execute it. */
-template <class... Args>
-class TDelegate<void(Args...)>
+template <class Result, class... Args>
+class TDelegate<Result(Args...)>
 {
 public:
 	/** Binds a method of an engine object. The object is held weakly, and kept from being freed while the method runs. */
 	template <class ObjectType, class ClassType>
+	requires std::is_void_v<Result>
 	void BindUObject(ObjectType* Object, void (ClassType::*Method)(Args...))
 	{
 		Target = [Weak = TWeakObjectPtr<ObjectType>(Object), Method](Args... Arguments)
@@ -37,8 +39,11 @@ public:
 	bool IsBound() const { return static_cast<bool>(Target); }
 	void Unbind() { Target = nullptr; }
 
+	/** Something must be bound. */
+	Result Execute(Args... Arguments) const { return Target(std::forward<Args>(Arguments)...); }
+
 	/** @return false when nothing is bound. */
-	bool ExecuteIfBound(Args... Arguments) const
+	bool ExecuteIfBound(Args... Arguments) const requires std::is_void_v<Result>
 	{
 		if (Target)
 		{
@@ -48,5 +53,5 @@ public:
 	}
 
 private:
-	std::function<void(Args...)> Target;
+	std::function<Result(Args...)> Target;
 };

@@ -13,6 +13,8 @@ enum class ESPMode : uint8
 
 template <class T, ESPMode Mode = ESPMode::ThreadSafe>
 class TSharedPtr;
+template <class T, ESPMode Mode = ESPMode::ThreadSafe>
+class TWeakPtr;
 
 /** A shared pointer that is never null. Counting is safe from any thread in both modes. */
 template <class T, ESPMode Mode = ESPMode::ThreadSafe>
@@ -78,8 +80,39 @@ public:
 private:
 	template <class, ESPMode>
 	friend class TSharedPtr;
+	template <class, ESPMode>
+	friend class TWeakPtr;
 
 	std::shared_ptr<T> Pointer;
+};
+
+/** Knows an object without keeping it. */
+template <class T, ESPMode Mode>
+class TWeakPtr
+{
+public:
+	TWeakPtr() = default;
+	TWeakPtr(const TSharedPtr<T, Mode>& Object)
+		: Pointer(Object.Pointer)
+	{
+	}
+	TWeakPtr(const TSharedRef<T, Mode>& Object)
+		: TWeakPtr(TSharedPtr<T, Mode>(Object))
+	{
+	}
+
+	bool IsValid() const { return !Pointer.expired(); }
+	/** @return null when the object is gone. */
+	TSharedPtr<T, Mode> Pin() const
+	{
+		TSharedPtr<T, Mode> Pinned;
+		Pinned.Pointer = Pointer.lock();
+		return Pinned;
+	}
+	void Reset() { Pointer.reset(); }
+
+private:
+	std::weak_ptr<T> Pointer;
 };
 
 template <class T, class... Args>

@@ -8,6 +8,9 @@ class IHttpBase
 public:
 	virtual ~IHttpBase() = default;
 
+	/** @return where redirects led, from the end on; until then, and without one, the address that was asked for. */
+	virtual const FString& GetEffectiveURL() const = 0;
+
 	/** @return the value of a header, empty when absent; the name's case is ignored. Response: nothing before the end. */
 	virtual FString GetHeader(const FString& HeaderName) const = 0;
 	/** @return every header as "Name: value", in the order in which the names came. Response: nothing before the end. */

@@ -50,7 +50,7 @@ struct FCorvaneAnswer
 	bool bEncoded = false;
 
 	bool IsSuccess() const { return Code >= 200 && Code < 300; }
-	/** @return bytes of the whole file by the range or, of a whole answer, the length; -1 = not told. */
+	/** @return bytes of the whole file, by the range of a part (206, 416), else by the length of the body; -1 = not told. */
 	int64 ToldTotal() const;
 };
 

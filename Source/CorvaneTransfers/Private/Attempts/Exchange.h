@@ -87,6 +87,7 @@ public:
 private:
 	static void Bind(const TSharedRef<FCorvaneExchange>& Self, IHttpRequest& Request);
 	static void Fill(const FCorvaneExchangeRequest& Asked, IHttpRequest& Request);
+	void Send(const FHttpRequestRef& InRequest, float InSilenceSeconds);
 	void TakeBytes(void* Bytes, int64& InOutNumber);
 	bool TellAnswer();
 	void Complete(const FHttpRequestPtr& Done, const FHttpResponsePtr& Response, bool bSucceeded);
@@ -95,13 +96,14 @@ private:
 
 	const TSharedRef<FCorvaneExchangeReceiver> Receiver;
 	FCriticalSection Guard;
-	FHttpRequestPtr Request; // under Guard; null once it is over
+	// Under Guard:
+	FHttpRequestPtr Request; // null once it is over
+	double StartedAt = 0;
+	float SilenceSeconds = 0;
+	bool bSent = false; // so that a refusal which is told inside ProcessRequest is known for one
 	// On the threads of the callbacks, which come one after the other:
 	FCorvaneAnswerReader Reader;
 	int64 BodyBytes = 0;
-	double StartedAt = 0;
-	float SilenceSeconds = 0;
-	bool bSent = true;
 	bool bToldAnswer = false;
 	bool bStopped = false;
 };

@@ -8,11 +8,10 @@ namespace CorvaneHttpDate
 {
 	/**
 	 * Reads "Sun, 06 Nov 1994 08:49:37 GMT", "Sunday, 06-Nov-94 08:49:37 GMT" or "Sun Nov  6 08:49:37 1994". The name of the
-	 * day is not looked at.
-	 * @param Now  UTC; a year of two digits is the one at most 50 years ahead of it.
+	 * day is not looked at; years of two digits are those from 1970 to 2069.
 	 * @return FDateTime::MinValue() for anything else, and for days that no calendar has.
 	 */
-	FDateTime Parse(const FString& Text, const FDateTime& Now);
+	FDateTime Parse(const FString& Text);
 
 	/** @param Moment  UTC. @return the first of the forms above. */
 	FString ToText(const FDateTime& Moment);

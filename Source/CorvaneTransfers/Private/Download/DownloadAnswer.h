@@ -51,7 +51,6 @@ namespace CorvaneDownload
 	/**
 	 * Decides what an answer means. The same for the same values: the HTTP thread, which needs it before the first byte, and the
 	 * machine, which needs it at the end, both ask. Thread: any.
-	 * @param Now  UTC, for dates with short years only.
 	 */
-	FCorvaneDownloadJudgement JudgeAnswer(const FCorvaneDownloadQuestion& Question, const FCorvaneAnswer& Answer, const FDateTime& Now);
+	FCorvaneDownloadJudgement JudgeAnswer(const FCorvaneDownloadQuestion& Question, const FCorvaneAnswer& Answer);
 } // namespace CorvaneDownload

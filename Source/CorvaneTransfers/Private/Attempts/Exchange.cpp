@@ -1,0 +1,156 @@
+#include "Attempts/Exchange.h"
+
+#include "HAL/PlatformTime.h"
+#include "HttpModule.h"
+#include "Misc/ScopeLock.h"
+
+FCorvaneExchange::FCorvaneExchange(const TSharedRef<FCorvaneExchangeReceiver>& InReceiver)
+	: Receiver(InReceiver)
+{
+}
+
+TSharedRef<FCorvaneExchange> FCorvaneExchange::Start(
+	const FCorvaneExchangeRequest& Asked, const TSharedRef<FCorvaneExchangeReceiver>& Receiver)
+{
+	const TSharedRef<FCorvaneExchange> Self = MakeShared<FCorvaneExchange>(Receiver);
+	const FHttpRequestRef Request = FHttpModule::Get().CreateRequest();
+	Fill(Asked, *Request);
+	Bind(Self, *Request);
+	Self->Send(Request, Asked.SilenceSeconds);
+	return Self;
+}
+
+void FCorvaneExchange::Fill(const FCorvaneExchangeRequest& Asked, IHttpRequest& Request)
+{
+	Request.SetVerb(Asked.Verb);
+	Request.SetURL(Asked.URL);
+	for (const TPair<FString, FString>& Header : Asked.Headers)
+	{
+		Request.SetHeader(Header.Key, Header.Value);
+	}
+	Request.SetHeader(TEXT("Accept-Encoding"), TEXT("identity"));
+	Request.SetActivityTimeout(Asked.SilenceSeconds);
+	Request.SetDelegateThreadPolicy(EHttpRequestDelegateThreadPolicy::CompleteOnHttpThread);
+}
+
+/** The callbacks keep the exchange: from here to its end it is held by the request, and the request by the HTTP module. */
+void FCorvaneExchange::Bind(const TSharedRef<FCorvaneExchange>& Self, IHttpRequest& Request)
+{
+	Request.OnStatusCodeReceived().BindLambda([Self](FHttpRequestPtr, int32 Code) { Self->Reader.TakeStatus(Code); });
+	Request.OnHeaderReceived().BindLambda(
+		[Self](FHttpRequestPtr, const FString& Name, const FString& Value)
+		{
+			if (!Self->bToldAnswer) // else it stands behind the body
+			{
+				Self->Reader.TakeHeader(Name, Value);
+			}
+		});
+	FHttpRequestStreamDelegateV2 Stream;
+	Stream.BindLambda([Self](void* Bytes, int64& InOutNumber) { Self->TakeBytes(Bytes, InOutNumber); });
+	Request.SetResponseBodyReceiveStreamDelegateV2(Stream);
+	Request.OnProcessRequestComplete().BindLambda(
+		[Self](FHttpRequestPtr Done, FHttpResponsePtr Response, bool bSucceeded) { Self->Complete(Done, Response, bSucceeded); });
+}
+
+void FCorvaneExchange::Send(const FHttpRequestRef& InRequest, float InSilenceSeconds)
+{
+	const FScopeLock Lock(&Guard); // the end, on whatever thread it comes, waits until it is known whether there was a beginning
+	Request = InRequest;
+	SilenceSeconds = InSilenceSeconds;
+	StartedAt = FPlatformTime::Seconds();
+	bSent = InRequest->ProcessRequest();
+}
+
+void FCorvaneExchange::Cancel()
+{
+	FHttpRequestPtr Running;
+	{
+		const FScopeLock Lock(&Guard);
+		Running = Request;
+	}
+	if (Running.IsValid())
+	{
+		Running->CancelRequest();
+	}
+}
+
+void FCorvaneExchange::TakeBytes(void* Bytes, int64& InOutNumber)
+{
+	bStopped = bStopped || !TellAnswer();
+	if (!bStopped)
+	{
+		BodyBytes += InOutNumber;
+		bStopped = !Receiver->OnBytes(static_cast<const uint8*>(Bytes), InOutNumber);
+	}
+	if (bStopped)
+	{
+		InOutNumber = -1; // any other number than that of the bytes ends the transfer
+	}
+}
+
+/** @return false when the receiver wants no body. */
+bool FCorvaneExchange::TellAnswer()
+{
+	if (bToldAnswer)
+	{
+		return true;
+	}
+	bToldAnswer = true;
+	return Receiver->OnAnswer(Reader.Get());
+}
+
+void FCorvaneExchange::Complete(const FHttpRequestPtr& Done, const FHttpResponsePtr& Response, bool bSucceeded)
+{
+	FCorvaneExchangeResult Result;
+	{
+		const FScopeLock Lock(&Guard);
+		Request.Reset();
+		Result.End = Judge(Done->GetFailureReason(), bSucceeded);
+	}
+	if (Response.IsValid())
+	{
+		Result.ReachedURL = Response->GetEffectiveURL();
+		if (Reader.Get().Code == 0)
+		{
+			Reader.TakeStatus(Response->GetResponseCode()); // redirects, and what has not changed, show nothing before
+		}
+	}
+	if (Result.End == ECorvaneExchangeEnd::Done)
+	{
+		TellAnswer();
+	}
+	Result.Answer = Reader.Get();
+	Result.bAnswerIsWhole = bToldAnswer;
+	Result.BodyBytes = BodyBytes;
+	Receiver->OnEnd(Result);
+}
+
+ECorvaneExchangeEnd FCorvaneExchange::Judge(EHttpFailureReason Reason, bool bSucceeded) const
+{
+	if (bSucceeded || bStopped)
+	{
+		return bSucceeded ? ECorvaneExchangeEnd::Done : ECorvaneExchangeEnd::StoppedByUs;
+	}
+	if (!bSent)
+	{
+		return ECorvaneExchangeEnd::NotSent;
+	}
+	switch (Reason)
+	{
+	case EHttpFailureReason::Cancelled:
+		return ECorvaneExchangeEnd::Cancelled;
+	case EHttpFailureReason::TimedOut:
+		return ECorvaneExchangeEnd::TimedOut;
+	case EHttpFailureReason::ConnectionError:
+		return JudgeConnectionError();
+	default:
+		return ECorvaneExchangeEnd::Dropped;
+	}
+}
+
+/** The engine has one reason for "no way there" and "silence": only that silence takes its time tells them apart. */
+ECorvaneExchangeEnd FCorvaneExchange::JudgeConnectionError() const
+{
+	const bool bSilent = Reader.Get().Code != 0 || FPlatformTime::Seconds() - StartedAt >= static_cast<double>(SilenceSeconds);
+	return bSilent ? ECorvaneExchangeEnd::Stalled : ECorvaneExchangeEnd::NoConnection;
+}
