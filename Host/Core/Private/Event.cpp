@@ -4,10 +4,12 @@
 
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <ctime>
 #include <memory>
 #include <mutex>
 #include <semaphore.h>
+#include <thread>
 #include <vector>
 
 namespace
@@ -87,6 +89,11 @@ namespace
 		return Pool;
 	}
 } // namespace
+
+void FPlatformProcess::Sleep(float Seconds)
+{
+	std::this_thread::sleep_for(std::chrono::duration<float>(Seconds));
+}
 
 FEvent* FPlatformProcess::GetSynchEventFromPool()
 {

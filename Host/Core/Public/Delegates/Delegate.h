@@ -31,6 +31,14 @@ public:
 	}
 
 	template <class Callable>
+	static TDelegate CreateLambda(Callable&& Body)
+	{
+		TDelegate Bound;
+		Bound.BindLambda(std::forward<Callable>(Body));
+		return Bound;
+	}
+
+	template <class Callable>
 	void BindLambda(Callable&& Body)
 	{
 		Target = std::forward<Callable>(Body);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <random>
+
 struct FMath
 {
 	template <class T>
@@ -18,5 +20,12 @@ struct FMath
 	static constexpr T Clamp(const T Value, const T Low, const T High)
 	{
 		return Min(Max(Value, Low), High);
+	}
+
+	/** @return a number from 0 up to, but without, 1. Thread: any. */
+	static float FRand()
+	{
+		thread_local std::minstd_rand Source{std::random_device{}()};
+		return std::uniform_real_distribution<float>(0.0f, 1.0f)(Source);
 	}
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <utility>
 
@@ -41,3 +42,7 @@ private:
 
 	std::unique_ptr<FTarget> Target;
 };
+
+/** A callable that may be copied; empty until one is given. */
+template <class Signature>
+using TFunction = std::function<Signature>;

@@ -115,6 +115,14 @@ private:
 	std::weak_ptr<T> Pointer;
 };
 
+/** Base of objects that hand out shared pointers to themselves; they have to be held by one already. */
+template <class T, ESPMode Mode = ESPMode::ThreadSafe>
+class TSharedFromThis : public std::enable_shared_from_this<T>
+{
+public:
+	TSharedRef<T, Mode> AsShared() { return TSharedRef<T, Mode>(this->shared_from_this()); }
+};
+
 template <class T, class... Args>
 TSharedRef<T> MakeShared(Args&&... Arguments)
 {

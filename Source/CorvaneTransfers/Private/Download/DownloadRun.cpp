@@ -216,7 +216,7 @@ void FCorvaneDownloadRun::Finish()
 {
 	FCorvaneFinishWish Wish;
 	Wish.Hash = Hash;
-	Wish.FileTime = Options.bKeepServerTime ? CorvaneHttpDate::Parse(LastModified, FDateTime::UtcNow()) : FDateTime::MinValue();
+	Wish.FileTime = Options.bKeepServerTime ? CorvaneHttpDate::Parse(LastModified) : FDateTime::MinValue();
 	Wish.bMayReplace = Options.IfTargetExists == ECorvaneIfTargetExists::Replace || Options.IfTargetExists == ECorvaneIfTargetExists::OnlyIfNewer;
 	Files->Finish(Wish,
 		[Self = AsShared()](const FCorvaneFinished& Part)
