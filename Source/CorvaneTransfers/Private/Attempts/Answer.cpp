@@ -52,6 +52,13 @@ bool FCorvaneVersion::MayBe(const FCorvaneVersion& Other) const
 	return LastModified.IsEmpty() || Other.LastModified.IsEmpty() || CorvaneAnswerParts::IsSame(LastModified, Other.LastModified);
 }
 
+FCorvaneVersion FCorvaneVersion::ForDisk() const
+{
+	FCorvaneVersion Kept = *this;
+	Kept.LastModified = bDateIsStrong ? LastModified : FString();
+	return Kept;
+}
+
 int64 FCorvaneAnswer::ToldTotal() const
 {
 	return Code == 206 || Code == 416 ? Range.Total : ContentLength;

@@ -31,6 +31,8 @@ struct FCorvaneVersion
 	 * Whether two answers can be of one version. Entity tags decide when both have one, else dates, else nothing speaks against it.
 	 */
 	bool MayBe(const FCorvaneVersion& Other) const;
+	/** @return what a later run of the program can go by: all but a date that is not strong, which nobody could tell by then. */
+	FCorvaneVersion ForDisk() const;
 };
 
 /** What the lines of an answer told, as far as a transfer cares. Header lines of a hostile server leave what they break untold. */
