@@ -6,6 +6,8 @@
 
 namespace CorvaneAnswerParts
 {
+	static const TCHAR* const WeakMark = TEXT("W/");
+
 	/** Without quotes it is no entity tag; a server would take it in If-Range for a date. */
 	static bool IsStrongETag(const FString& ETag)
 	{
@@ -52,11 +54,20 @@ bool FCorvaneVersion::MayBe(const FCorvaneVersion& Other) const
 	return LastModified.IsEmpty() || Other.LastModified.IsEmpty() || CorvaneAnswerParts::IsSame(LastModified, Other.LastModified);
 }
 
-FCorvaneVersion FCorvaneVersion::ForDisk() const
+FString FCorvaneVersion::DateForDisk() const
 {
-	FCorvaneVersion Kept = *this;
-	Kept.LastModified = bDateIsStrong ? LastModified : FString();
-	return Kept;
+	return LastModified.IsEmpty() || bDateIsStrong ? LastModified : CorvaneAnswerParts::WeakMark + LastModified;
+}
+
+FCorvaneVersion FCorvaneVersion::FromDisk(const FString& ETag, const FString& Date)
+{
+	const FString Mark = CorvaneAnswerParts::WeakMark;
+	const bool bWeak = Date.StartsWith(Mark, ESearchCase::CaseSensitive);
+	FCorvaneVersion Version;
+	Version.ETag = ETag;
+	Version.LastModified = bWeak ? Date.RightChop(Mark.Len()) : Date;
+	Version.bDateIsStrong = !bWeak && !Date.IsEmpty();
+	return Version;
 }
 
 int64 FCorvaneAnswer::ToldTotal() const

@@ -31,8 +31,10 @@ struct FCorvaneVersion
 	 * Whether two answers can be of one version. Entity tags decide when both have one, else dates, else nothing speaks against it.
 	 */
 	bool MayBe(const FCorvaneVersion& Other) const;
-	/** @return what a later run of the program can go by: all but a date that is not strong, which nobody could tell by then. */
-	FCorvaneVersion ForDisk() const;
+	/** @return the date as it is kept for a later run of the program: one that is not strong has W/ before it, as such a tag has. */
+	FString DateForDisk() const;
+	/** @param Date  what DateForDisk gave. */
+	static FCorvaneVersion FromDisk(const FString& ETag, const FString& Date);
 };
 
 /** What the lines of an answer told, as far as a transfer cares. Header lines of a hostile server leave what they break untold. */

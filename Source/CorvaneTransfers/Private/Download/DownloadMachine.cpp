@@ -86,7 +86,6 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::OnOpened(double Now, const FCorvan
 	Length = Mark = Report.TakenOverBytes = Opened.Length;
 	Total = Report.TotalBytes = Opened.Total;
 	Version = Opened.Version;
-	Version.bDateIsStrong = !Version.LastModified.IsEmpty();
 	if (Opened.bWholeAlready)
 	{
 		Report.Outcome = ECorvaneTransferOutcome::Succeeded;
@@ -110,7 +109,7 @@ FCorvaneDownloadQuestion FCorvaneDownloadMachine::MakeQuestion() const
 	const bool bLimited = Options.BytesPerSecond > 0 && !bNoRanges;
 	FCorvaneDownloadQuestion Next;
 	Next.ExpectedSize = Options.ExpectedSize;
-	if (!bFromStart && Length > 0)
+	if (!bFromStart && !bPacked && Length > 0)
 	{
 		Next.OnDisk = Length;
 		Next.Total = Total;
@@ -206,7 +205,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::LetGo(double Now, bool bKeepBytes)
 		return Tell(Now);
 	}
 	const bool bSucceeded = Report.Outcome == ECorvaneTransferOutcome::Succeeded && !Report.bTargetKept;
-	if (!bSucceeded && (!bKeepBytes || Length == 0))
+	if (!bSucceeded && (!bKeepBytes || bPacked || Length == 0))
 	{
 		Length = 0;
 		return Do(EPhase::Closing, Now, ECorvaneDownloadAction::Discard);

@@ -51,7 +51,7 @@ struct FCorvaneDownloadOpened
 	FString Sentence;
 	/** Bytes that the journal vouches for. */
 	int64 Length = 0;
-	/** Of what is on disk: what FCorvaneVersion::ForDisk had left. Its date, if there is one, is taken for a strong one. */
+	/** Of what is on disk: FCorvaneVersion::FromDisk. */
 	FCorvaneVersion Version;
 	int64 Total = -1;
 	/** An earlier run was ended between replacing the target and cleaning up: the target is the file. */
@@ -184,7 +184,9 @@ private:
 	int64 Mark = 0; // the most that has been on disk since it was begun: what lies beyond is new
 	bool bOpen = false;
 	bool bFromStart = false; // what is on disk is of no use
+	bool bPacked = false; // the server packs the file on the way: no range says where what is on disk ends
 	bool bNoRanges = false; // the server cannot send parts of it
+	bool bThrewAway = false; // the last try began anew with bytes on disk, and nobody had told it to
 	bool bChangedLast = false; // what was sent instead of a rest was of another version, as far as that can be told
 	bool bGotNew = false; // the last try brought a new byte
 	int32 FailuresInARow = 0; // tries without one

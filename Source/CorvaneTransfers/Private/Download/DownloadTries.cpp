@@ -86,6 +86,7 @@ void FCorvaneDownloadMachine::Count(const FCorvaneAttemptEnd& End)
 		Report.Code = End.Exchange.Answer.Code;
 		Report.ReachedAddress = CorvaneAddress::WithoutUser(End.Exchange.ReachedURL);
 	}
+	bThrewAway = End.bStartedOver && Length > 0 && !bFromStart;
 	if (End.bStartedOver)
 	{
 		Mark = Report.TakenOverBytes = 0;
@@ -130,11 +131,12 @@ void FCorvaneDownloadMachine::TakeOver(const FCorvaneAttemptEnd& End, const FCor
 	}
 	Version = Judged.Version;
 	Total = Report.TotalBytes = Judged.Total;
-	if (bBegins && Question.OnDisk > 0)
+	if (bThrewAway)
 	{
 		bChangedLast = Judged.bChanged;
-		NoteRestart(Judged.Reason);
+		NoteRestart(bPacked ? FString(TEXT("the server packs the file on the way, so nothing can go on in its middle")) : Judged.Reason);
 	}
+	bPacked = End.Exchange.Answer.bEncoded;
 }
 
 FCorvaneDownloadStep FCorvaneDownloadMachine::FollowBody(double Now, const FCorvaneAttemptEnd& End, const FCorvaneDownloadJudgement& Judged)
