@@ -120,3 +120,175 @@ TEST(DownloadMachine, EndsOnceAndNeverWithOtherBytesWhateverHappens)
 		EXPECT_GT(number, 100);
 	}
 }
+
+namespace
+{
+	/** A machine, told by hand what happens. */
+	struct ByHand
+	{
+		explicit ByHand(const FCorvaneDownloadOptions& options = {})
+			: machine(TEXT("http://h/f"), TEXT("f"), options)
+		{
+		}
+
+		/** To the first question, with so much on disk of a file with a tag. */
+		FCorvaneDownloadStep begin(int64 onDisk, int64 total)
+		{
+			machine.Start(0, FString());
+			machine.OnLooked(0, false, FDateTime());
+			FCorvaneDownloadOpened opened;
+			opened.Length = length = onDisk;
+			opened.Total = total;
+			opened.Version.ETag = TEXT("\"a\"");
+			return machine.OnOpened(0, opened);
+		}
+
+		/** An exchange that ends with this code, or without an answer. */
+		FCorvaneDownloadStep end(double now, int code, const char* retryAfter = "", ECorvaneExchangeEnd how = ECorvaneExchangeEnd::Done)
+		{
+			FCorvaneAttemptEnd ended;
+			ended.Exchange.End = how;
+			ended.Exchange.Answer.Code = code;
+			ended.Exchange.Answer.RetryAfter = text(retryAfter);
+			ended.Exchange.bAnswerIsWhole = code != 0;
+			ended.Length = length;
+			ended.Random = 0.5;
+			return machine.OnAttemptEnded(now, ended);
+		}
+
+		FCorvaneDownloadMachine machine;
+		int64 length = 0;
+	};
+
+	using Action = ECorvaneDownloadAction;
+} // namespace
+
+TEST(DownloadMachine, WaitsAsTheServerWishesButNoLongerThanTheCallerDoes)
+{
+	FCorvaneDownloadOptions options;
+	options.FirstWaitSeconds = 4;
+	options.LongestWaitSeconds = 3600;
+	options.Attempts = 4;
+	ByHand hand(options);
+	EXPECT_EQ(hand.begin(10, 100).Question.OnDisk, 10);
+	EXPECT_DOUBLE_EQ(hand.end(1, 503, "3599").WaitSeconds, 3600); // and 2 of its own, up to the longest
+	EXPECT_EQ(hand.machine.OnWaitOver(3601).Action, Action::Ask);
+	EXPECT_DOUBLE_EQ(hand.end(3602, 0, "", ECorvaneExchangeEnd::NoConnection).WaitSeconds, 4); // half of 4 * 2
+	hand.machine.OnWaitOver(3606);
+	EXPECT_EQ(hand.end(3607, 429, "3601").Action, Action::Close) << "longer than the longest wait";
+	EXPECT_EQ(hand.machine.OnClosed(3607).Action, Action::Tell);
+	const FCorvaneDownloadReport& report = hand.machine.GetReport();
+	EXPECT_EQ(report.Outcome, Outcome::ServerError);
+	EXPECT_NE(utf8(report.Sentence).find("3601 seconds"), std::string::npos);
+	EXPECT_EQ(report.Code, 429);
+	EXPECT_EQ(report.BytesLeft, 10);
+	EXPECT_EQ(report.Attempts, 3);
+	EXPECT_DOUBLE_EQ(report.SecondsWaited, 3604);
+	EXPECT_DOUBLE_EQ(report.SecondsWorked, 3);
+}
+
+TEST(DownloadMachine, GivesUpAfterSoManyTriesWithoutANewByteOnly)
+{
+	FCorvaneDownloadOptions options;
+	options.Attempts = 3;
+	ByHand hand(options);
+	hand.begin(0, -1);
+	for (int now = 1; now < 1000; ++now)
+	{
+		FCorvaneAttemptEnd ended; // another byte, or the second failure in a row
+		ended.Exchange.End = ECorvaneExchangeEnd::Stalled;
+		ended.Exchange.Answer.Code = now == 1 ? 200 : 206;
+		ended.Exchange.Answer.Version.ETag = TEXT("\"a\"");
+		ended.Exchange.bAnswerIsWhole = now == 1 || now % 3 == 0;
+		ended.bStartedOver = now == 1;
+		ended.Exchange.Answer.Range = CorvaneAnswer::ParseRange(FString::Printf(TEXT("bytes %lld-999/1000"), hand.length));
+		hand.length += ended.Exchange.bAnswerIsWhole ? 1 : 0;
+		ended.Length = hand.length;
+		ASSERT_EQ(hand.machine.OnAttemptEnded(now, ended).Action, Action::Ask) << now; // the dice say 0 seconds
+	}
+	for (const Action expected : {Action::Wait, Action::Wait, Action::Close})
+	{
+		EXPECT_EQ(hand.end(1000, 0, "", ECorvaneExchangeEnd::Dropped).Action, expected);
+		hand.machine.OnWaitOver(1000);
+	}
+}
+
+TEST(DownloadMachine, LeavesTheTargetAloneWhereItShall)
+{
+	using If = ECorvaneIfTargetExists;
+	for (const auto& [rule, first, outcome] :
+		{std::tuple(If::Keep, Action::Tell, Outcome::Succeeded), {If::Fail, Action::Tell, Outcome::Refused},
+			{If::OnlyIfNewer, Action::Open, Outcome::Running}, {If::Replace, Action::Open, Outcome::Running}})
+	{
+		FCorvaneDownloadOptions options;
+		options.IfTargetExists = rule;
+		ByHand hand(options);
+		hand.machine.Start(0, FString());
+		EXPECT_EQ(hand.machine.OnLooked(0, true, FDateTime(700000000000000000)).Action, first);
+		EXPECT_EQ(hand.machine.GetReport().Outcome, outcome);
+		const FCorvaneDownloadStep asked = hand.machine.OnOpened(0, {});
+		EXPECT_EQ(asked.Question.IfNewerThan.GetTicks() > 0, rule == If::OnlyIfNewer);
+		if (rule == If::OnlyIfNewer)
+		{
+			EXPECT_EQ(hand.end(1, 304).Action, Action::Discard);
+			EXPECT_EQ(hand.machine.OnClosed(1).Action, Action::Tell);
+			EXPECT_TRUE(hand.machine.GetReport().bTargetKept);
+		}
+	}
+	ByHand refused;
+	EXPECT_EQ(refused.machine.Start(0, TEXT("No.")).Action, Action::Tell);
+	EXPECT_EQ(refused.machine.GetReport().Outcome, Outcome::Refused);
+}
+
+TEST(DownloadMachine, ObeysInEveryState)
+{
+	// Each state by the calls that lead there, and what Pause and then Cancel do in it.
+	struct Case
+	{
+		const char* state;
+		std::function<void(ByHand&)> go;
+		Action pause, cancel;
+	};
+	const auto looking = [](ByHand& hand) { hand.machine.Start(0, FString()); };
+	const auto asking = [](ByHand& hand) { hand.begin(10, 100); };
+	const auto waiting = [](ByHand& hand)
+	{
+		hand.begin(10, 100);
+		hand.end(1, 503);
+	};
+	const auto finishing = [](ByHand& hand)
+	{
+		hand.begin(100, 100);
+		FCorvaneAttemptEnd ended;
+		ended.Exchange.End = ECorvaneExchangeEnd::Done;
+		ended.Exchange.Answer.Code = 416;
+		ended.Exchange.Answer.Range.Total = ended.Length = 100;
+		ended.Exchange.bAnswerIsWhole = true;
+		EXPECT_EQ(hand.machine.OnAttemptEnded(1, ended).Action, Action::Finish);
+	};
+	for (const Case& each : {Case{"new", [](ByHand&) {}, Action::None, Action::None}, {"looking", looking, Action::None, Action::None},
+			 {"asking", asking, Action::Stop, Action::None}, {"waiting", waiting, Action::Hold, Action::Close},
+			 {"finishing", finishing, Action::None, Action::None}})
+	{
+		SCOPED_TRACE(each.state);
+		ByHand hand;
+		each.go(hand);
+		EXPECT_EQ(hand.machine.Pause(2).Action, each.pause);
+		EXPECT_EQ(hand.machine.Cancel(3).Action, each.cancel);
+	}
+	ByHand paused;
+	asking(paused);
+	EXPECT_EQ(paused.machine.Pause(1).Action, Action::Stop);
+	EXPECT_EQ(paused.end(1, 0, "", ECorvaneExchangeEnd::Cancelled).Action, Action::Hold);
+	EXPECT_EQ(paused.machine.Continue(9000).Question.OnDisk, 10);
+	EXPECT_EQ(paused.machine.EndOfProgram(9001).Action, Action::Stop);
+	EXPECT_EQ(paused.end(9001, 0, "", ECorvaneExchangeEnd::Cancelled).Action, Action::Close);
+	EXPECT_EQ(paused.machine.OnClosed(9001).Action, Action::Tell);
+	EXPECT_EQ(paused.machine.GetReport().Outcome, Outcome::Ended);
+	EXPECT_DOUBLE_EQ(paused.machine.GetReport().SecondsWorked, 2) << "a pause is no work";
+	ByHand whole;
+	finishing(whole);
+	FCorvaneDownloadFinished wrong;
+	wrong.Outcome = Outcome::WrongHash;
+	EXPECT_EQ(whole.machine.OnFinished(2, wrong).Action, Action::Discard);
+}

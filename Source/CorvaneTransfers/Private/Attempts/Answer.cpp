@@ -123,6 +123,7 @@ void FCorvaneAnswerReader::TakeHeader(const FString& Name, const FString& Value)
 	if (Name == TEXT("Content-Length"))
 	{
 		Answer.ContentLength = CorvaneAnswer::ParseNumber(Value);
+		Answer.bTellsEnd = true;
 	}
 	else if (Name == TEXT("Content-Range"))
 	{
@@ -134,7 +135,7 @@ void FCorvaneAnswerReader::TakeHeader(const FString& Name, const FString& Value)
 	}
 	else if (Name == TEXT("Transfer-Encoding"))
 	{
-		bChunked = true;
+		bChunked = Answer.bTellsEnd = true;
 	}
 	else if (Name == TEXT("ETag"))
 	{

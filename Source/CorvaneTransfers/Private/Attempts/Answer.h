@@ -44,6 +44,8 @@ struct FCorvaneAnswer
 	int32 Code = 0;
 	/** Bytes of the body that follows; -1 when that is not told or cannot be compared with what arrives (chunks, encodings). */
 	int64 ContentLength = -1;
+	/** The lines told how long the body is, or that it comes in chunks; else only the end of the connection ends it. */
+	bool bTellsEnd = false;
 	FCorvaneContentRange Range;
 	FCorvaneVersion Version;
 	/** As they were sent. */

@@ -77,7 +77,7 @@ struct FCorvaneAttemptEnd
 	FString FileSentence;
 	/** From 0 up to, but without, 1. */
 	double Random = 0;
-	FDateTime NowUtc;
+	FDateTime NowUtc = FDateTime::MinValue();
 };
 
 /** What came of putting the file in its place. */
