@@ -6,6 +6,8 @@
 
 namespace CorvaneAnswerParts
 {
+	static const TCHAR* const WeakMark = TEXT("W/");
+
 	/** Without quotes it is no entity tag; a server would take it in If-Range for a date. */
 	static bool IsStrongETag(const FString& ETag)
 	{
@@ -50,6 +52,22 @@ bool FCorvaneVersion::MayBe(const FCorvaneVersion& Other) const
 		return bSameTag;
 	}
 	return LastModified.IsEmpty() || Other.LastModified.IsEmpty() || CorvaneAnswerParts::IsSame(LastModified, Other.LastModified);
+}
+
+FString FCorvaneVersion::DateForDisk() const
+{
+	return LastModified.IsEmpty() || bDateIsStrong ? LastModified : CorvaneAnswerParts::WeakMark + LastModified;
+}
+
+FCorvaneVersion FCorvaneVersion::FromDisk(const FString& ETag, const FString& Date)
+{
+	const FString Mark = CorvaneAnswerParts::WeakMark;
+	const bool bWeak = Date.StartsWith(Mark, ESearchCase::CaseSensitive);
+	FCorvaneVersion Version;
+	Version.ETag = ETag;
+	Version.LastModified = bWeak ? Date.RightChop(Mark.Len()) : Date;
+	Version.bDateIsStrong = !bWeak && !Date.IsEmpty();
+	return Version;
 }
 
 int64 FCorvaneAnswer::ToldTotal() const
@@ -105,6 +123,7 @@ void FCorvaneAnswerReader::TakeHeader(const FString& Name, const FString& Value)
 	if (Name == TEXT("Content-Length"))
 	{
 		Answer.ContentLength = CorvaneAnswer::ParseNumber(Value);
+		Answer.bTellsEnd = true;
 	}
 	else if (Name == TEXT("Content-Range"))
 	{
@@ -116,7 +135,7 @@ void FCorvaneAnswerReader::TakeHeader(const FString& Name, const FString& Value)
 	}
 	else if (Name == TEXT("Transfer-Encoding"))
 	{
-		bChunked = true;
+		bChunked = Answer.bTellsEnd = true;
 	}
 	else if (Name == TEXT("ETag"))
 	{

@@ -31,6 +31,10 @@ struct FCorvaneVersion
 	 * Whether two answers can be of one version. Entity tags decide when both have one, else dates, else nothing speaks against it.
 	 */
 	bool MayBe(const FCorvaneVersion& Other) const;
+	/** @return the date as it is kept for a later run of the program: one that is not strong has W/ before it, as such a tag has. */
+	FString DateForDisk() const;
+	/** @param Date  what DateForDisk gave. */
+	static FCorvaneVersion FromDisk(const FString& ETag, const FString& Date);
 };
 
 /** What the lines of an answer told, as far as a transfer cares. Header lines of a hostile server leave what they break untold. */
@@ -40,6 +44,8 @@ struct FCorvaneAnswer
 	int32 Code = 0;
 	/** Bytes of the body that follows; -1 when that is not told or cannot be compared with what arrives (chunks, encodings). */
 	int64 ContentLength = -1;
+	/** The lines told how long the body is, or that it comes in chunks; else only the end of the connection ends it. */
+	bool bTellsEnd = false;
 	FCorvaneContentRange Range;
 	FCorvaneVersion Version;
 	/** As they were sent. */

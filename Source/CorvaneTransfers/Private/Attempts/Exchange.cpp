@@ -16,6 +16,7 @@ TSharedRef<FCorvaneExchange> FCorvaneExchange::Start(
 	const FHttpRequestRef Request = FHttpModule::Get().CreateRequest();
 	Fill(Asked, *Request);
 	Bind(Self, *Request);
+	Self->bAsksForBody = Asked.Verb == TEXT("GET");
 	Self->Send(Request, Asked.SilenceSeconds);
 	return Self;
 }
@@ -115,6 +116,10 @@ void FCorvaneExchange::Complete(const FHttpRequestPtr& Done, const FHttpResponse
 			Reader.TakeStatus(Response->GetResponseCode()); // redirects, and what has not changed, show nothing before
 		}
 	}
+	if (Result.End == ECorvaneExchangeEnd::Done && MayBeCutInItsLines())
+	{
+		Result.End = ECorvaneExchangeEnd::Dropped;
+	}
 	if (Result.End == ECorvaneExchangeEnd::Done)
 	{
 		TellAnswer();
@@ -146,6 +151,14 @@ ECorvaneExchangeEnd FCorvaneExchange::Judge(EHttpFailureReason Reason, bool bSuc
 	default:
 		return ECorvaneExchangeEnd::Dropped;
 	}
+}
+
+/** A connection that breaks off between the lines of an answer counts as the end of an empty body, unless a line had told more. */
+bool FCorvaneExchange::MayBeCutInItsLines() const
+{
+	const FCorvaneAnswer& Answer = Reader.Get();
+	const bool bLinesMatter = Answer.Code == 416 || (Answer.IsSuccess() && Answer.Code != 204);
+	return bAsksForBody && bLinesMatter && BodyBytes == 0 && !Answer.bTellsEnd;
 }
 
 /** The engine has one reason for "no way there" and "silence": only that silence takes its time tells them apart. */

@@ -92,9 +92,11 @@ private:
 	bool TellAnswer();
 	void Complete(const FHttpRequestPtr& Done, const FHttpResponsePtr& Response, bool bSucceeded);
 	ECorvaneExchangeEnd Judge(EHttpFailureReason Reason, bool bSucceeded) const;
+	bool MayBeCutInItsLines() const;
 	ECorvaneExchangeEnd JudgeConnectionError() const;
 
 	const TSharedRef<FCorvaneExchangeReceiver> Receiver;
+	bool bAsksForBody = false;
 	FCriticalSection Guard;
 	// Under Guard:
 	FHttpRequestPtr Request; // null once it is over

@@ -24,7 +24,7 @@ bool CorvaneRetry::IsPassing(int32 Code)
 double CorvaneRetry::Backoff(int32 Failures, double FirstWait, double LongestWait, double Random)
 {
 	double Wait = FirstWait;
-	for (int32 Doubled = 0; Doubled < Failures && Wait < LongestWait; ++Doubled)
+	for (int32 Failure = 1; Failure < Failures && Wait > 0 && Wait < LongestWait; ++Failure)
 	{
 		Wait *= 2;
 	}

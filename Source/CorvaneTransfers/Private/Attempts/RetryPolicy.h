@@ -12,7 +12,7 @@ namespace CorvaneRetry
 	/**
 	 * A random share of a time that doubles with every failure, so that clients which lost the server together do not come
 	 * back together.
-	 * @param Failures  tries in a row that brought nothing; 0 = the last one did.
+	 * @param Failures  tries in a row that brought nothing; after none the wait is as after one.
 	 * @param Random  from 0 up to, but without, 1.
 	 */
 	double Backoff(int32 Failures, double FirstWait, double LongestWait, double Random);

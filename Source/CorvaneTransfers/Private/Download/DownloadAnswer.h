@@ -33,9 +33,9 @@ struct FCorvaneDownloadJudgement
 	ECorvaneTransferOutcome Outcome = ECorvaneTransferOutcome::ServerError;
 	/** Why, for people, as a part of a sentence; of whatever does not simply go on. */
 	FString Reason;
-	/** The file is another one than before, as far as that can be told: why it is started over. */
+	/** Of StartOverWithThis: the file is another one than before, as far as that can be told; else the server sends no parts. */
 	bool bChanged = false;
-	/** Bytes of the body that are taken; one more and the answer lies. -1 = no limit is told. */
+	/** Bytes that the body may have, those that are compared among them; one more and the answer lies. -1 = no limit is told. */
 	int64 MostBytes = -1;
 	/** The whole file's; -1 = unknown. */
 	int64 Total = -1;

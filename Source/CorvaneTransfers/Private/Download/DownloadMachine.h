@@ -50,7 +50,7 @@ struct FCorvaneDownloadOpened
 	FString Sentence;
 	/** Bytes that the journal vouches for. */
 	int64 Length = 0;
-	/** Of what is on disk: only what may be named in If-Range stands there, so its date is a strong one. */
+	/** Of what is on disk: FCorvaneVersion::FromDisk. */
 	FCorvaneVersion Version;
 	int64 Total = -1;
 	/** An earlier run was ended between replacing the target and cleaning up: the target is the file. */
@@ -76,7 +76,7 @@ struct FCorvaneAttemptEnd
 	FString FileSentence;
 	/** From 0 up to, but without, 1. */
 	double Random = 0;
-	FDateTime NowUtc;
+	FDateTime NowUtc = FDateTime::MinValue();
 };
 
 /** What came of putting the file in its place. */
@@ -140,27 +140,30 @@ private:
 		Over
 	};
 
-	FCorvaneDownloadStep EndWith(double Now, ECorvaneTransferOutcome Outcome);
-	bool Expect(EPhase Expected) const { return Phase == Expected; }
 	void MoveTo(EPhase Next, double Now);
 	FCorvaneDownloadStep Do(EPhase Next, double Now, ECorvaneDownloadAction Action);
+	FCorvaneDownloadStep StopAsking();
+	FCorvaneDownloadStep EndWith(double Now, ECorvaneTransferOutcome Outcome);
+	FCorvaneDownloadStep EndAsWanted(double Now);
+
+	FCorvaneDownloadQuestion MakeQuestion() const;
 	FCorvaneDownloadStep Ask(double Now);
-	FCorvaneDownloadStep WaitFor(double Now, double Seconds);
 	FCorvaneDownloadStep GoOn(double Now, double Seconds);
+	FCorvaneDownloadStep StartOver(double Now, const FString& Reason, ECorvaneTransferOutcome Outcome);
+	FCorvaneDownloadStep Retry(double Now, const FCorvaneAttemptEnd& End, ECorvaneTransferOutcome Outcome, const FString& Reason);
 	FCorvaneDownloadStep Finish(double Now);
-	FCorvaneDownloadStep Fail(double Now, ECorvaneTransferOutcome Outcome, const FString& Sentence, bool bKeepBytes = true);
 	FCorvaneDownloadStep KeepTarget(double Now, const FString& Sentence);
+	FCorvaneDownloadStep Fail(double Now, ECorvaneTransferOutcome Outcome, const FString& Sentence, bool bKeepBytes = true);
+	FCorvaneDownloadStep LetGo(double Now, bool bKeepBytes);
 	FCorvaneDownloadStep Tell(double Now);
 
 	void Count(const FCorvaneAttemptEnd& End);
-	FCorvaneDownloadStep Follow(double Now, const FCorvaneAttemptEnd& End);
-	FCorvaneDownloadStep FollowAnswer(double Now, const FCorvaneAttemptEnd& End, const FCorvaneDownloadJudgement& Judged);
+	void NoteRestart(const FString& Reason);
+	void TakeOver(const FCorvaneAttemptEnd& End, const FCorvaneDownloadJudgement& Judged);
+	FCorvaneDownloadStep FollowAnswer(double Now, const FCorvaneAttemptEnd& End);
 	FCorvaneDownloadStep FollowBody(double Now, const FCorvaneAttemptEnd& End, const FCorvaneDownloadJudgement& Judged);
 	FCorvaneDownloadStep FollowBreak(double Now, const FCorvaneAttemptEnd& End);
-	FCorvaneDownloadStep StartOver(double Now, const FString& Reason, ECorvaneTransferOutcome Outcome);
-	FCorvaneDownloadStep Retry(double Now, const FCorvaneAttemptEnd& End, ECorvaneTransferOutcome Outcome, const FString& Reason);
 	bool IsWhole(const FCorvaneAttemptEnd& End) const;
-	FCorvaneDownloadQuestion MakeQuestion() const;
 
 	const FString Target;
 	const FCorvaneDownloadOptions Options;
@@ -169,16 +172,21 @@ private:
 	EPhase Phase = EPhase::New;
 	double PhaseBegan = 0;
 	bool bWantsPause = false;
+	bool bStopping = false; // the try that runs was told to stop
 	ECorvaneTransferOutcome WantedEnd = ECorvaneTransferOutcome::Running; // Running = none
 
 	FCorvaneDownloadQuestion Question; // of the try that runs, or ran last
 	FDateTime IfNewerThan = FDateTime::MinValue();
-	FCorvaneVersion Version;
-	int64 Length = 0; // on disk
+	FCorvaneVersion Version; // of what is on disk, as the next
+	int64 Length = 0;
 	int64 Total = -1;
 	int64 Mark = 0; // the most that has been on disk since it was begun: what lies beyond is new
 	bool bOpen = false;
 	bool bFromStart = false; // what is on disk is of no use
+	bool bPacked = false; // the server packs the file on the way: no range says where what is on disk ends
 	bool bNoRanges = false; // the server cannot send parts of it
-	int32 FailuresInARow = 0; // tries without a new byte
+	bool bThrewAway = false; // the last try began anew with bytes on disk, and nobody had told it to
+	bool bChangedLast = false; // what was sent instead of a rest was of another version, as far as that can be told
+	bool bGotNew = false; // the last try brought a new byte
+	int32 FailuresInARow = 0; // tries without one
 };

@@ -1,0 +1,284 @@
+#include "Download/DownloadMachine.h"
+
+#include "Attempts/Address.h"
+#include "Download/Pace.h"
+
+// The way of a download but for what follows an exchange, which stands in DownloadTries.cpp.
+
+FCorvaneDownloadMachine::FCorvaneDownloadMachine(const FString& URL, const FString& InTarget, const FCorvaneDownloadOptions& InOptions)
+	: Target(InTarget)
+	, Options(InOptions)
+{
+	Report.AskedAddress = CorvaneAddress::WithoutUser(URL);
+}
+
+void FCorvaneDownloadMachine::MoveTo(EPhase Next, double Now)
+{
+	if (Phase == EPhase::Waiting)
+	{
+		Report.SecondsWaited += Now - PhaseBegan;
+	}
+	else if (Phase != EPhase::New && Phase != EPhase::Paused)
+	{
+		Report.SecondsWorked += Now - PhaseBegan;
+	}
+	Phase = Next;
+	PhaseBegan = Now;
+}
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::Do(EPhase Next, double Now, ECorvaneDownloadAction Action)
+{
+	MoveTo(Next, Now);
+	FCorvaneDownloadStep Step;
+	Step.Action = Action;
+	return Step;
+}
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::Start(double Now, const FString& Fault)
+{
+	if (Phase != EPhase::New)
+	{
+		return {};
+	}
+	if (!Fault.IsEmpty())
+	{
+		return Fail(Now, ECorvaneTransferOutcome::Refused, Fault);
+	}
+	return Do(EPhase::Looking, Now, ECorvaneDownloadAction::Look);
+}
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::OnLooked(double Now, bool bTargetExists, const FDateTime& TargetTime)
+{
+	if (Phase != EPhase::Looking)
+	{
+		return {};
+	}
+	if (WantedEnd != ECorvaneTransferOutcome::Running)
+	{
+		return EndAsWanted(Now);
+	}
+	if (bTargetExists && Options.IfTargetExists == ECorvaneIfTargetExists::Keep)
+	{
+		return KeepTarget(Now, TEXT("The file is there already; nothing was asked for."));
+	}
+	if (bTargetExists && Options.IfTargetExists == ECorvaneIfTargetExists::Fail)
+	{
+		return Fail(Now, ECorvaneTransferOutcome::Refused, TEXT("There is a file of this name already: ") + Target);
+	}
+	if (bTargetExists && Options.IfTargetExists == ECorvaneIfTargetExists::OnlyIfNewer)
+	{
+		IfNewerThan = TargetTime;
+	}
+	return Do(EPhase::Opening, Now, ECorvaneDownloadAction::Open);
+}
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::OnOpened(double Now, const FCorvaneDownloadOpened& Opened)
+{
+	if (Phase != EPhase::Opening)
+	{
+		return {};
+	}
+	if (Opened.Failure != ECorvaneTransferOutcome::Running)
+	{
+		return Fail(Now, Opened.Failure, Opened.Sentence);
+	}
+	bOpen = true;
+	Length = Mark = Report.TakenOverBytes = Opened.Length;
+	Total = Report.TotalBytes = Opened.Total;
+	Version = Opened.Version;
+	if (Opened.bWholeAlready)
+	{
+		Report.Outcome = ECorvaneTransferOutcome::Succeeded;
+		Report.Sentence = TEXT("The file was whole already; only its journal was left to be cleaned up.");
+		return LetGo(Now, true);
+	}
+	if (WantedEnd != ECorvaneTransferOutcome::Running)
+	{
+		return EndAsWanted(Now);
+	}
+	const int64 Expected = Options.ExpectedSize;
+	if (Length > 0 && Expected >= 0 && (Length > Expected || (Total >= 0 && Total != Expected)))
+	{
+		return StartOver(Now, TEXT("what is on disk is not of the size that is expected"), ECorvaneTransferOutcome::WrongSize);
+	}
+	return GoOn(Now, 0);
+}
+
+FCorvaneDownloadQuestion FCorvaneDownloadMachine::MakeQuestion() const
+{
+	const bool bLimited = Options.BytesPerSecond > 0 && !bNoRanges;
+	FCorvaneDownloadQuestion Next;
+	Next.ExpectedSize = Options.ExpectedSize;
+	if (!bFromStart && !bPacked && Length > 0)
+	{
+		Next.OnDisk = Length;
+		Next.Total = Total;
+		Next.Version = Version;
+		Next.Compare = Version.ForIfRange().IsEmpty() ? FMath::Min<int64>(CorvaneDownload::TailBytes, Length) : 0;
+	}
+	else
+	{
+		Next.IfNewerThan = IfNewerThan;
+	}
+	Next.bRange = bLimited || Next.OnDisk > 0;
+	Next.Until = bLimited ? Next.OnDisk + CorvanePace::PartBytes(Options.BytesPerSecond) : -1;
+	return Next;
+}
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::Ask(double Now)
+{
+	Question = MakeQuestion();
+	bStopping = false;
+	++Report.Attempts;
+	FCorvaneDownloadStep Step = Do(EPhase::Asking, Now, ECorvaneDownloadAction::Ask);
+	Step.Question = Question;
+	return Step;
+}
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::GoOn(double Now, double Seconds)
+{
+	if (bWantsPause)
+	{
+		return Do(EPhase::Paused, Now, ECorvaneDownloadAction::Hold);
+	}
+	if (Seconds <= 0)
+	{
+		return Ask(Now);
+	}
+	FCorvaneDownloadStep Step = Do(EPhase::Waiting, Now, ECorvaneDownloadAction::Wait);
+	Step.WaitSeconds = Seconds;
+	return Step;
+}
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::OnWaitOver(double Now)
+{
+	return Phase == EPhase::Waiting ? Ask(Now) : FCorvaneDownloadStep();
+}
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::Finish(double Now)
+{
+	Total = Report.TotalBytes = Length;
+	if (Options.ExpectedSize >= 0 && Length != Options.ExpectedSize)
+	{
+		return Fail(Now, ECorvaneTransferOutcome::WrongSize,
+			FString::Printf(TEXT("The file has %lld bytes, %lld were expected."), Length, Options.ExpectedSize), false);
+	}
+	return Do(EPhase::Finishing, Now, ECorvaneDownloadAction::Finish);
+}
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::OnFinished(double Now, const FCorvaneDownloadFinished& Finished)
+{
+	if (Phase != EPhase::Finishing)
+	{
+		return {};
+	}
+	Report.Hash = Finished.Hash;
+	if (Finished.Outcome != ECorvaneTransferOutcome::Succeeded)
+	{
+		return Fail(Now, Finished.Outcome, Finished.Sentence, Finished.Outcome != ECorvaneTransferOutcome::WrongHash);
+	}
+	Report.Outcome = ECorvaneTransferOutcome::Succeeded;
+	Report.Sentence = FString::Printf(TEXT("The file is there: %lld bytes."), Length);
+	Length = 0; // beside the target
+	return LetGo(Now, true);
+}
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::KeepTarget(double Now, const FString& Sentence)
+{
+	Report.Outcome = ECorvaneTransferOutcome::Succeeded;
+	Report.Sentence = Sentence;
+	Report.bTargetKept = true;
+	return LetGo(Now, false);
+}
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::Fail(double Now, ECorvaneTransferOutcome Outcome, const FString& Sentence, bool bKeepBytes)
+{
+	Report.Outcome = Outcome;
+	Report.Sentence = Sentence;
+	return LetGo(Now, bKeepBytes);
+}
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::LetGo(double Now, bool bKeepBytes)
+{
+	if (!bOpen)
+	{
+		return Tell(Now);
+	}
+	const bool bSucceeded = Report.Outcome == ECorvaneTransferOutcome::Succeeded && !Report.bTargetKept;
+	if (!bSucceeded && (!bKeepBytes || bPacked || Length == 0))
+	{
+		Length = 0;
+		return Do(EPhase::Closing, Now, ECorvaneDownloadAction::Discard);
+	}
+	return Do(EPhase::Closing, Now, ECorvaneDownloadAction::Close);
+}
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::OnClosed(double Now)
+{
+	return Phase == EPhase::Closing ? Tell(Now) : FCorvaneDownloadStep();
+}
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::Tell(double Now)
+{
+	if (Length > 0 && Report.Outcome != ECorvaneTransferOutcome::Succeeded)
+	{
+		Report.BytesLeft = Length;
+		Report.HowToGoOn = FString::Printf(TEXT("%lld bytes are kept beside the target; the same download goes on with them."), Length);
+	}
+	return Do(EPhase::Over, Now, ECorvaneDownloadAction::Tell);
+}
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::StopAsking()
+{
+	FCorvaneDownloadStep Step;
+	Step.Action = bStopping ? ECorvaneDownloadAction::None : ECorvaneDownloadAction::Stop;
+	bStopping = true;
+	return Step;
+}
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::Pause(double Now)
+{
+	switch (Phase)
+	{
+	case EPhase::Looking:
+	case EPhase::Opening:
+		bWantsPause = true;
+		return {};
+	case EPhase::Asking:
+		bWantsPause = true;
+		return StopAsking();
+	case EPhase::Waiting:
+		bWantsPause = true;
+		return GoOn(Now, 0);
+	default:
+		return {}; // it is paused, or all there
+	}
+}
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::Continue(double Now)
+{
+	bWantsPause = false;
+	return Phase == EPhase::Paused ? Ask(Now) : FCorvaneDownloadStep();
+}
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::EndWith(double Now, ECorvaneTransferOutcome Outcome)
+{
+	const bool bTooLate = Phase == EPhase::New || Phase == EPhase::Finishing || Phase == EPhase::Closing || Phase == EPhase::Over;
+	if (bTooLate || WantedEnd != ECorvaneTransferOutcome::Running)
+	{
+		return {};
+	}
+	WantedEnd = Outcome;
+	if (Phase == EPhase::Asking)
+	{
+		return StopAsking();
+	}
+	const bool bIdle = Phase == EPhase::Waiting || Phase == EPhase::Paused;
+	return bIdle ? EndAsWanted(Now) : FCorvaneDownloadStep();
+}
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::EndAsWanted(double Now)
+{
+	const bool bEnded = WantedEnd == ECorvaneTransferOutcome::Ended;
+	return Fail(Now, WantedEnd, bEnded ? TEXT("The program came to its end.") : TEXT("The download was cancelled."));
+}

@@ -1,0 +1,222 @@
+#include "Attempts/Address.h"
+#include "Attempts/HttpDate.h"
+#include "Attempts/RetryPolicy.h"
+#include "Download/DownloadMachine.h"
+#include "Download/Pace.h"
+
+// What follows an exchange.
+
+namespace CorvaneDownloadTries
+{
+	/** A server whose file changes with every request is not asked for ever. */
+	static constexpr int32 MostRestarts = 3;
+
+	static ECorvaneTransferOutcome OutcomeOf(ECorvaneExchangeEnd End)
+	{
+		switch (End)
+		{
+		case ECorvaneExchangeEnd::NoConnection:
+			return ECorvaneTransferOutcome::NoConnection;
+		case ECorvaneExchangeEnd::TimedOut:
+			return ECorvaneTransferOutcome::TimedOut;
+		case ECorvaneExchangeEnd::Stalled:
+			return ECorvaneTransferOutcome::Stalled;
+		default:
+			return ECorvaneTransferOutcome::Dropped;
+		}
+	}
+
+	static FString ReasonOf(ECorvaneExchangeEnd End)
+	{
+		switch (End)
+		{
+		case ECorvaneExchangeEnd::NoConnection:
+			return TEXT("there is no connection to the server");
+		case ECorvaneExchangeEnd::TimedOut:
+			return TEXT("the request took too long");
+		case ECorvaneExchangeEnd::Stalled:
+			return TEXT("the server fell silent");
+		default:
+			return TEXT("the connection broke off");
+		}
+	}
+
+	static FString SentenceOf(const FString& Reason)
+	{
+		return TEXT("Not downloaded: ") + Reason + TEXT(".");
+	}
+
+	/** @return seconds that the server asks for; -1 = it does not. */
+	static double WaitAskedFor(const FCorvaneAttemptEnd& End)
+	{
+		const FCorvaneAnswer& Answer = End.Exchange.Answer;
+		const FDateTime ServerTime = CorvaneHttpDate::Parse(Answer.Date);
+		return Answer.IsSuccess() ? -1
+								  : CorvaneRetry::ParseRetryAfter(Answer.RetryAfter, ServerTime.GetTicks() > 0 ? ServerTime : End.NowUtc);
+	}
+} // namespace CorvaneDownloadTries
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::OnAttemptEnded(double Now, const FCorvaneAttemptEnd& End)
+{
+	if (Phase != EPhase::Asking)
+	{
+		return {};
+	}
+	Count(End);
+	if (WantedEnd != ECorvaneTransferOutcome::Running)
+	{
+		return EndAsWanted(Now);
+	}
+	if (End.FileFailure != ECorvaneTransferOutcome::Running)
+	{
+		return Fail(Now, End.FileFailure, End.FileSentence);
+	}
+	if (End.Exchange.End == ECorvaneExchangeEnd::NotSent)
+	{
+		return Fail(Now, ECorvaneTransferOutcome::Refused, TEXT("The HTTP module does not send this request."));
+	}
+	return End.Exchange.bAnswerIsWhole ? FollowAnswer(Now, End) : FollowBreak(Now, End);
+}
+
+void FCorvaneDownloadMachine::Count(const FCorvaneAttemptEnd& End)
+{
+	Report.TransferredBytes += End.Written;
+	if (End.Exchange.Answer.Code != 0)
+	{
+		Report.Code = End.Exchange.Answer.Code;
+		Report.ReachedAddress = CorvaneAddress::WithoutUser(End.Exchange.ReachedURL);
+	}
+	bThrewAway = End.bStartedOver && Length > 0 && !bFromStart;
+	if (End.bStartedOver)
+	{
+		Mark = Report.TakenOverBytes = 0;
+		bFromStart = false;
+	}
+	Length = End.Length;
+	bGotNew = Length > Mark;
+	Mark = FMath::Max(Mark, Length);
+	FailuresInARow = bGotNew ? 0 : FailuresInARow;
+}
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::FollowAnswer(double Now, const FCorvaneAttemptEnd& End)
+{
+	using namespace CorvaneDownloadTries;
+	const FCorvaneDownloadJudgement Judged = CorvaneDownload::JudgeAnswer(Question, End.Exchange.Answer);
+	switch (Judged.Verdict)
+	{
+	case ECorvaneDownloadVerdict::StartOverAgain:
+		bNoRanges |= Question.OnDisk == 0; // such as of an empty file
+		return StartOver(Now, Judged.Reason, ECorvaneTransferOutcome::Changed);
+	case ECorvaneDownloadVerdict::AllThere:
+		return Finish(Now);
+	case ECorvaneDownloadVerdict::WaitAndGoOn:
+		return Retry(Now, End, ECorvaneTransferOutcome::ServerError, Judged.Reason);
+	case ECorvaneDownloadVerdict::Fail:
+		return Fail(Now, Judged.Outcome, SentenceOf(Judged.Reason));
+	case ECorvaneDownloadVerdict::Unchanged:
+		return KeepTarget(Now, TEXT("The server has nothing newer than the file that is there."));
+	default:
+		TakeOver(End, Judged);
+		return FollowBody(Now, End, Judged);
+	}
+}
+
+/** What the answer told of the file holds from now on, if its body has come to the disk. */
+void FCorvaneDownloadMachine::TakeOver(const FCorvaneAttemptEnd& End, const FCorvaneDownloadJudgement& Judged)
+{
+	const bool bBegins = Judged.Verdict == ECorvaneDownloadVerdict::StartOverWithThis;
+	if (bBegins && !End.bStartedOver)
+	{
+		return;
+	}
+	Version = Judged.Version;
+	Total = Report.TotalBytes = Judged.Total;
+	if (bThrewAway)
+	{
+		bChangedLast = Judged.bChanged;
+		NoteRestart(bPacked ? FString(TEXT("the server packs the file on the way, so nothing can go on in its middle")) : Judged.Reason);
+	}
+	bPacked = End.Exchange.Answer.bEncoded;
+}
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::FollowBody(double Now, const FCorvaneAttemptEnd& End, const FCorvaneDownloadJudgement& Judged)
+{
+	using namespace CorvaneDownloadTries;
+	if (End.bTailDiffers)
+	{
+		return StartOver(Now, TEXT("the end of what is on disk is not what the server has there"), ECorvaneTransferOutcome::Changed);
+	}
+	if (End.bTooLong)
+	{
+		return StartOver(Now, TEXT("the server sent more bytes than it had told"), ECorvaneTransferOutcome::WrongSize);
+	}
+	const bool bBodyIsMissing = Judged.Verdict == ECorvaneDownloadVerdict::StartOverWithThis && !End.bStartedOver;
+	if (!bBodyIsMissing && IsWhole(End))
+	{
+		return Finish(Now);
+	}
+	if (Report.Restarts > MostRestarts && !bStopping)
+	{
+		const ECorvaneTransferOutcome Outcome = bChangedLast ? ECorvaneTransferOutcome::Changed : OutcomeOf(End.Exchange.End);
+		return Fail(Now, Outcome, SentenceOf(Report.RestartReasons.Last()));
+	}
+	if (bBodyIsMissing || End.Exchange.End != ECorvaneExchangeEnd::Done)
+	{
+		return FollowBreak(Now, End);
+	}
+	if (!bGotNew)
+	{
+		return Retry(Now, End, ECorvaneTransferOutcome::Dropped, TEXT("the server sends no more of the file, although it is not whole"));
+	}
+	return GoOn(Now, CorvanePace::WaitAfter(End.Written, Now - PhaseBegan, Options.BytesPerSecond));
+}
+
+bool FCorvaneDownloadMachine::IsWhole(const FCorvaneAttemptEnd& End) const
+{
+	const bool bAllOfUnknown = Total < 0 && End.Exchange.End == ECorvaneExchangeEnd::Done && End.Exchange.Answer.Code != 206;
+	return bAllOfUnknown || (Total >= 0 && Length == Total);
+}
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::FollowBreak(double Now, const FCorvaneAttemptEnd& End)
+{
+	using namespace CorvaneDownloadTries;
+	if (bStopping)
+	{
+		return GoOn(Now, 0); // paused, and maybe continued since
+	}
+	return Retry(Now, End, OutcomeOf(End.Exchange.End), ReasonOf(End.Exchange.End));
+}
+
+void FCorvaneDownloadMachine::NoteRestart(const FString& Reason)
+{
+	++Report.Restarts;
+	Report.RestartReasons.Add(Reason);
+}
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::StartOver(double Now, const FString& Reason, ECorvaneTransferOutcome Outcome)
+{
+	using namespace CorvaneDownloadTries;
+	NoteRestart(Reason);
+	bFromStart = true;
+	return Report.Restarts > MostRestarts ? Fail(Now, Outcome, SentenceOf(Reason)) : GoOn(Now, 0);
+}
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::Retry(
+	double Now, const FCorvaneAttemptEnd& End, ECorvaneTransferOutcome Outcome, const FString& Reason)
+{
+	using namespace CorvaneDownloadTries;
+	FailuresInARow += bGotNew ? 0 : 1;
+	if (FailuresInARow >= Options.Attempts)
+	{
+		return Fail(Now, Outcome, SentenceOf(Reason));
+	}
+	const double Asked = WaitAskedFor(End);
+	if (Asked > Options.LongestWaitSeconds)
+	{
+		return Fail(Now, Outcome,
+			SentenceOf(Reason + FString::Printf(
+									TEXT(" and wants to be left alone for %.0f seconds, which is longer than the longest wait"), Asked)));
+	}
+	const double Backoff = CorvaneRetry::Backoff(FailuresInARow, Options.FirstWaitSeconds, Options.LongestWaitSeconds, End.Random);
+	return GoOn(Now, FMath::Min(FMath::Max(Asked, 0.0) + Backoff, Options.LongestWaitSeconds));
+}
