@@ -52,7 +52,7 @@ namespace
 
 	void check(const ModelRun& run, const ModelServer& server, const ModelDisk& disk, const FCorvaneDownloadOptions& options)
 	{
-		const FCorvaneDownloadReport& report = run.report();
+		const FCorvaneTransferReport& report = run.report();
 		EXPECT_EQ(run.told, 1);
 		EXPECT_NE(report.Outcome, Outcome::Running);
 		EXPECT_FALSE(report.Sentence.IsEmpty());
@@ -177,7 +177,7 @@ TEST(DownloadMachine, WaitsAsTheServerWishesButNoLongerThanTheCallerDoes)
 	hand.machine.OnWaitOver(3606);
 	EXPECT_EQ(hand.end(3607, 429, "3601").Action, Action::Close) << "longer than the longest wait";
 	EXPECT_EQ(hand.machine.OnClosed(3607).Action, Action::Tell);
-	const FCorvaneDownloadReport& report = hand.machine.GetReport();
+	const FCorvaneTransferReport& report = hand.machine.GetReport();
 	EXPECT_EQ(report.Outcome, Outcome::ServerError);
 	EXPECT_NE(utf8(report.Sentence).find("3601 seconds"), std::string::npos);
 	EXPECT_EQ(report.Code, 429);

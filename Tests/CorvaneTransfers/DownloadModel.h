@@ -88,7 +88,7 @@ public:
 
 	/** Runs until the report; false when it does not come. */
 	bool run();
-	const FCorvaneDownloadReport& report() const { return Machine.GetReport(); }
+	const FCorvaneTransferReport& report() const { return Machine.GetReport(); }
 
 	int told = 0;
 	int compared = 0; // tails that were compared and found the same
