@@ -148,7 +148,7 @@ TEST_F(DownloadFile, OfAServerThatChangesItsMindIsRightOrFailsWithItsReason)
 {
 	using Outcome = ECorvaneTransferOutcome;
 	const std::string strong = "ETag: \"one\"\r\n", otherStrong = "ETag: \"two\"\r\n", weak = "ETag: W/\"one\"\r\n";
-	const std::string sameLength = randomBytes(content.size());
+	const std::string sameLength(content.rbegin(), content.rend());
 	const std::string shrunk = sameLength.substr(0, 100'000), grown = sameLength + randomBytes(50'000);
 	struct Case
 	{
@@ -214,6 +214,7 @@ TEST_F(DownloadFile, GoesOnAfterAPauseAndInALaterStartWithoutAByteTwice)
 					sent += static_cast<std::int64_t>(half);
 					connection.send(whole.substr(0, begin + half));
 					connection.waitForPeer();
+					return;
 				}
 				sent += static_cast<std::int64_t>(whole.size() - begin);
 				connection.send(whole);
