@@ -73,8 +73,8 @@ expect "All examples ran." inside corvane demo
 expect "Setting up man-db" inside apt-get install -y -q --no-install-recommends man-db
 expect "EXIT STATUS" inside man corvane
 expect "corvane (1)" inside apropos corvane
-expect "Purging" inside sh -c 'apt-get purge -y -q corvane && echo "Purging"'
-left=$(inside find / -xdev -path /proc -prune -o -name '*corvane*' -not -name corvane.deb -print)
+expect "Removing corvane" inside apt-get purge -y -q corvane
+left=$(inside find / -xdev -path /proc -prune -o -path /var/cache -prune -o -name '*corvane*' -not -name corvane.deb -print)
 [ -z "$left" ] || {
 	printf 'left behind:\n%s\n' "$left" >&2
 	exit 1
