@@ -9,20 +9,16 @@ import pathlib
 import re
 import sys
 
+import links
+
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 GUIDES = ROOT / "Docs" / "guides"
 BLOCK = re.compile(r"^```(lua|cpp)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 SOURCE = re.compile(r"\[(Examples/[^\]]+)\]\(\.\./\.\./\1\):\n\n\Z")
-LINK = re.compile(r"\]\(([^)\s]+)\)")
-HEADING = re.compile(r"^#+ (.+)$", re.MULTILINE)
 
 
 def place(file):
     return file.relative_to(ROOT).as_posix()
-
-
-def anchors(file):
-    return {re.sub(r"[^\w -]", "", title.lower()).replace(" ", "-") for title in HEADING.findall(file.read_text())}
 
 
 def check_blocks(guide):
@@ -39,24 +35,12 @@ def check_blocks(guide):
             yield f"{place(guide)}:{line}: this code does not stand in {source[1]}"
 
 
-def check_links(document):
-    for link in LINK.findall(BLOCK.sub("", document.read_text())):
-        name, _, anchor = link.partition("#")
-        target = (document.parent / name).resolve() if name else document
-        if re.match(r"[a-z]+:", link):
-            continue
-        if not target.exists():
-            yield f"{place(document)}: {link} leads nowhere"
-        elif anchor and anchor not in anchors(target):
-            yield f"{place(document)}: {link} names no heading"
-
-
 def main():
     guides = sorted(GUIDES.glob("*.md"))
     documents = [*guides, *sorted((ROOT / "Docs").glob("*.md")), *sorted(ROOT.glob("*.md"))]
     index = (GUIDES / "README.md").read_text()
     faults = [fault for guide in guides for fault in check_blocks(guide)]
-    faults += [fault for document in documents for fault in check_links(document)]
+    faults += [fault for document in documents for fault in links.faults(document, ROOT)]
     faults += [f"{place(guide)}: not in the list of guides" for guide in guides if f"({guide.name})" not in index and guide.name != "README.md"]
     for fault in faults:
         print(fault)
