@@ -49,7 +49,7 @@ namespace
 		constexpr double longEnough = 600;
 		HostLog::SetSink([](const char*, ELogVerbosity::Type, const FString&) {}); // every request is meant to fail
 		SilentServer server;
-		FGameLoopSettings settings;
+		FGameLoopSettings settings = unlimitedConnections();
 		settings.http.activityTimeoutSeconds = longEnough;
 		FGameLoop loop(settings);
 		CorvaneClient client(loop);

@@ -10,7 +10,7 @@ packages=(
 )
 for option in "$@"; do
 	case "$option" in
-	--check) packages+=(clang clang-format python3-clang g++-mingw-w64-x86-64-posix) ;;
+	--check) packages+=(clang clang-format python3-clang g++-mingw-w64-x86-64-posix dpkg-dev file man-db groff-base debootstrap) ;;
 	--bench) packages+=(curl wget aria2) ;;
 	*)
 		echo "usage: $0 [--check] [--bench]" >&2

@@ -43,6 +43,8 @@ namespace
 			help->add_option("VERB", helpTopic, "The verb that it is about");
 			run->formatter(std::make_shared<ScriptUsage>());
 			addDirectories(*run);
+			run->add_option("--connections", settings.loop.http.connectionsPerHost, "How many at once to one host, 6 by default")
+				->check(CLI::Range(1, 4096));
 			run->prefix_command(); // everything from SCRIPT on belongs to the script, options too
 			addDirectories(*callFunction);
 			addDriveBase(*nodes);

@@ -13,10 +13,21 @@
 
 namespace Program
 {
+	namespace
+	{
+		void printLine(std::string_view line)
+		{
+			const std::string fit = fitFor(stdout, line);
+			std::fwrite(fit.data(), 1, fit.size(), stdout);
+			std::fputc('\n', stdout);
+			std::fflush(stdout);
+		}
+	} // namespace
+
 	int runToEnd(FGameLoop& loop, const std::string& path, const std::vector<std::string>& arguments)
 	{
 		Script::ScriptState script({[&loop] { loop.Tick(); },
-			[&loop](const std::function<bool()>& condition, double seconds) { return loop.WaitFor(condition, seconds); }});
+			[&loop](const std::function<bool()>& condition, double seconds) { return loop.WaitFor(condition, seconds); }, printLine});
 		if (script.runFile(path, arguments))
 		{
 			loop.RunUntilIdle(UCorvaneBPLibrary::hasPendingWork, [&script] { return script.hasEnded() || std::ferror(stdout); });
@@ -25,6 +36,10 @@ namespace Program
 		if (!script.error().empty())
 		{
 			complain("corvane: " + script.error());
+		}
+		for (const std::string& warning : script.warnings())
+		{
+			complain("corvane: warning: " + warning);
 		}
 		return script.exitStatus();
 	}

@@ -3,12 +3,14 @@
 #include "Context.h"
 #include "CoreTypes.h"
 #include "Globals.h"
+#include "Json.h"
+#include "Print.h"
 #include "Waiting.h"
 
 namespace Script
 {
-	ScriptState::ScriptState(LoopAccess loop)
-		: context(std::make_unique<Context>(std::move(loop)))
+	ScriptState::ScriptState(ProgramAccess program)
+		: context(std::make_unique<Context>(std::move(program)))
 	{
 		lua_State* const lua = luaL_newstate();
 		HOST_CHECK(lua);
@@ -16,6 +18,8 @@ namespace Script
 		context->main = context->running = lua;
 		luaL_openlibs(lua);
 		openGlobals(lua);
+		openJson(lua);
+		openPrint(lua);
 		openWaiting(lua);
 	}
 
@@ -82,6 +86,11 @@ namespace Script
 	int ScriptState::exitStatus() const
 	{
 		return context->exitStatus.value_or(context->error.empty() ? 0 : 1);
+	}
+
+	std::vector<std::string> ScriptState::warnings() const
+	{
+		return hasEnded() ? std::vector<std::string>() : context->omissions.describe();
 	}
 
 	void ScriptState::close()

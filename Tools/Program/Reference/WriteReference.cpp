@@ -1,5 +1,7 @@
 #include "WriteReference.h"
 
+#include "SharedFiles.h"
+
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -34,8 +36,7 @@ namespace Program
 		fs::create_directories(directory);
 		for (const char* const shared : {"reference.css", "reference.js"})
 		{
-			fs::copy_file(
-				fs::path(CORVANE_REFERENCE_DIRECTORY) / shared, fs::path(directory) / shared, fs::copy_options::overwrite_existing);
+			fs::copy_file(sharedFolder("reference") / shared, fs::path(directory) / shared, fs::copy_options::overwrite_existing);
 		}
 		write(fs::path(directory) / "index.html", indexPage(reference));
 		for (const NodeFacts& facts : reference.nodes)

@@ -61,7 +61,8 @@ struct UFunction
 	/**
 	 * The thunk: calls the C++ function.
 	 * @param Self       the object, null for static functions.
-	 * @param Arguments  one address per entry of Parameters, each holding a constructed value of that type.
+	 * @param Arguments  one address per entry of Parameters, each holding a constructed value of that type. What the function
+	 *   takes by value is moved out of it.
 	 * @note Thread: game thread.
 	 */
 	void (*Invoke)(UObject* Self, void* const* Arguments);

@@ -8,6 +8,8 @@ struct FHttpSettings
 	double connectTimeoutSeconds = 30;
 	/** A transfer that moves no byte for so long fails. */
 	double activityTimeoutSeconds = 30;
+	/** Requests that run at once to one host and port, at least 1; others wait for their turn, outside all time limits. */
+	int connectionsPerHost = 6;
 	/** Callbacks run on the game thread whatever policy a request asks for. */
 	bool bForceGameThreadCallbacks = false;
 	/** File of trusted certificates in PEM form; empty = the system's. */

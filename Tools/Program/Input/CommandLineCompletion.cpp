@@ -165,13 +165,14 @@ namespace Program
 				return {"--json", "--body", "--output", "--header", "--timeout", "--verbose", "--progress", "--project", "--base",
 					"--drive-base", "--help"};
 			}
-			return verb == "run" ? Words{"--project", "--base", "--drive-base", "--help"} : Words{"--drive-base", "--help"};
+			return verb == "run" ? Words{"--connections", "--project", "--base", "--drive-base", "--help"}
+								 : Words{"--drive-base", "--help"};
 		}
 
 		bool takesValue(const std::string& option)
 		{
-			return option == "--output" || option == "--header" || option == "-H" || option == "--timeout" || option == "-o" ||
-				   option == "--project" || option == "--base" || option == "--drive-base" || option == "--html";
+			return option == "--output" || option == "--header" || option == "-H" || option == "--timeout" || option == "--connections" ||
+				   option == "-o" || option == "--project" || option == "--base" || option == "--drive-base" || option == "--html";
 		}
 	} // namespace
 

@@ -4,6 +4,8 @@
 #include <httplib.h>
 
 #include <algorithm>
+#include <atomic>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <thread>
@@ -42,6 +44,23 @@ namespace Program
 		void echo(const httplib::Request& request, httplib::Response& response)
 		{
 			response.set_content(request.method + ' ' + request.body, plainText);
+		}
+
+		/** Takes a JSON value, and tells in JSON that it has it. */
+		void saveJson(const httplib::Request& request, httplib::Response& response)
+		{
+			response.set_content(fmt::format(R"({{"saved":{}}})", request.body), "application/json");
+		}
+
+		/** @return an answer that comes for every third request only; the others are told to come back later. */
+		httplib::Server::Handler busyTwice()
+		{
+			return [count = std::make_shared<std::atomic<int>>(0)](const httplib::Request&, httplib::Response& response)
+			{
+				const bool isReady = ++*count % 3 == 0;
+				response.status = isReady ? 200 : 503;
+				response.set_content(isReady ? "at last" : "come back later", plainText);
+			};
 		}
 
 		/** Takes a form apart, with the library's own parser, and tells what it held. */
@@ -151,6 +170,8 @@ namespace Program
 		http.Get(R"(/wait/(\d{1,4}))", answerLate);
 		http.Post("/echo", echo);
 		http.Patch("/echo", echo);
+		http.Post("/json", saveJson);
+		http.Get("/busy", busyTwice());
 		http.Put("/size", [](const httplib::Request& request, httplib::Response& response)
 			{ response.set_content(std::to_string(request.body.size()), plainText); });
 		http.Post("/upload", describeForm);

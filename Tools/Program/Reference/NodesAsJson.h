@@ -1,7 +1,7 @@
 #pragma once
 
 #include "JsonValues.h"
-#include "Reference/ReferencePages.h"
+#include "ReferencePages.h"
 
 namespace Program
 {
