@@ -213,6 +213,32 @@ TEST(DownloadMachine, GivesUpAfterSoManyTriesWithoutANewByteOnly)
 	}
 }
 
+TEST(DownloadMachine, StartsOverThreeTimesWhenWhatCameIsOfNoUse)
+{
+	for (const auto& [tooLong, tailDiffers, outcome] : {std::tuple(true, false, Outcome::WrongSize), {false, true, Outcome::Changed}})
+	{
+		ByHand hand;
+		EXPECT_EQ(hand.begin(10, 100).Question.bRange, true);
+		FCorvaneAttemptEnd ended;
+		ended.Exchange.End = ECorvaneExchangeEnd::StoppedByUs;
+		ended.Exchange.Answer.Code = 200;
+		ended.Exchange.bAnswerIsWhole = true;
+		ended.bTooLong = tooLong;
+		ended.bTailDiffers = tailDiffers;
+		ended.Length = 10;
+		for (int restarts = 1; restarts <= 3; ++restarts)
+		{
+			const FCorvaneDownloadStep step = hand.machine.OnAttemptEnded(restarts, ended);
+			EXPECT_EQ(step.Action, Action::Ask);
+			EXPECT_EQ(step.Question.OnDisk, 0);
+			EXPECT_FALSE(step.Question.bRange);
+			EXPECT_EQ(hand.machine.GetReport().Restarts, restarts);
+		}
+		EXPECT_EQ(hand.machine.OnAttemptEnded(4, ended).Action, Action::Close);
+		EXPECT_EQ(hand.machine.GetReport().Outcome, outcome);
+	}
+}
+
 TEST(DownloadMachine, LeavesTheTargetAloneWhereItShall)
 {
 	using If = ECorvaneIfTargetExists;
@@ -276,8 +302,13 @@ TEST(DownloadMachine, ObeysInEveryState)
 		EXPECT_EQ(hand.machine.Pause(2).Action, each.pause);
 		EXPECT_EQ(hand.machine.Cancel(3).Action, each.cancel);
 	}
-	ByHand paused;
+	FCorvaneDownloadOptions onlyOnce;
+	onlyOnce.Attempts = 1;
+	ByHand paused(onlyOnce); // a pause is no failed try, also when it is over before the exchange has ended
 	asking(paused);
+	EXPECT_EQ(paused.machine.Pause(0).Action, Action::Stop);
+	EXPECT_EQ(paused.machine.Continue(0).Action, Action::None);
+	EXPECT_EQ(paused.end(0, 0, "", ECorvaneExchangeEnd::Cancelled).Action, Action::Ask);
 	EXPECT_EQ(paused.machine.Pause(1).Action, Action::Stop);
 	EXPECT_EQ(paused.end(1, 0, "", ECorvaneExchangeEnd::Cancelled).Action, Action::Hold);
 	EXPECT_EQ(paused.machine.Continue(9000).Question.OnDisk, 10);
