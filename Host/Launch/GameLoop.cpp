@@ -1,5 +1,6 @@
 #include "GameLoop.h"
 
+#include "Host/BackgroundTasks.h"
 #include "Host/Directories.h"
 #include "Host/GameThreadTasks.h"
 #include "Host/Objects.h"
@@ -39,6 +40,7 @@ FGameLoop::FGameLoop(const FGameLoopSettings& Settings)
 {
 	HostDirectories::Set(Settings.projectDirectory, Settings.baseDirectory);
 	GameThreadTasks::BindToThisThread();
+	BackgroundTasks::Open();
 	HttpService::Start(Settings.http);
 	HostObjects::CreateDefaultObjects();
 	for (const FModuleRegistration* Registration = FModuleRegistration::First(); Registration; Registration = Registration->Next)
@@ -124,6 +126,7 @@ void FGameLoop::Shutdown()
 		(*Module)->ShutdownModule();
 	}
 	HttpService::Stop();
+	BackgroundTasks::Close();
 	GameThreadTasks::Drop(true);
 	HostObjects::DestroyAll();
 	Modules.clear();

@@ -2,12 +2,8 @@
 
 #include "ModuleFixture.h"
 
-#include <algorithm>
 #include <array>
-#include <csignal>
 #include <cstdio>
-#include <sys/resource.h>
-#include <utility>
 
 namespace
 {
@@ -18,16 +14,6 @@ namespace
 		bool success = false;
 		function(success);
 		return success;
-	}
-
-	/** @return the limit before. */
-	rlim_t setLimit(rlim_t bytes)
-	{
-		rlimit limit{};
-		getrlimit(RLIMIT_FSIZE, &limit);
-		const rlim_t before = std::exchange(limit.rlim_cur, std::min(bytes, limit.rlim_max));
-		setrlimit(RLIMIT_FSIZE, &limit);
-		return before;
 	}
 } // namespace
 
@@ -85,16 +71,4 @@ bool FileTest::add(const std::string& path, std::string_view bytes)
 std::vector<std::string> FileTest::noFiles() const
 {
 	return {dir.path(), dir.path() + "/", dir.path("file/"), dir.path("file/below"), dir.path(std::string(256, 'x')), "/", ""};
-}
-
-FileSizeLimit::FileSizeLimit(unsigned long bytes, bool bForOneWrite)
-	: handlerBefore(std::signal(SIGXFSZ, bForOneWrite ? [](int) { setLimit(RLIM_INFINITY); } : SIG_IGN))
-	, limitBefore(setLimit(bytes))
-{
-}
-
-FileSizeLimit::~FileSizeLimit()
-{
-	setLimit(limitBefore);
-	std::signal(SIGXFSZ, handlerBefore);
 }

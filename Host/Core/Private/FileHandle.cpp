@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -20,6 +21,12 @@ namespace
 		struct stat Status = {};
 		fstat(Descriptor, &Status);
 		return Status;
+	}
+
+	/** A file has one writer. Where files cannot be locked, there is nobody to ask. */
+	bool isWrittenByAnother(int Descriptor)
+	{
+		return flock(Descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
 	}
 
 	/** Repeats a call that moves some bytes until all are moved. */
@@ -68,7 +75,7 @@ std::unique_ptr<FFileHandle> FFileHandle::OpenToWrite(const TCHAR* Filename, boo
 	{
 		return File;
 	}
-	const bool bMayBeWritten = S_ISREG(Status.st_mode) && hasWriteBit(Status.st_mode);
+	const bool bMayBeWritten = S_ISREG(Status.st_mode) && hasWriteBit(Status.st_mode) && !isWrittenByAnother(File->Descriptor);
 	return bMayBeWritten && (bAppend ? File->SeekFromEnd(0) : File->Truncate(0)) ? std::move(File) : nullptr;
 }
 

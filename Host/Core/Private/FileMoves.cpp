@@ -1,5 +1,6 @@
+#include "SystemFiles.h"
+
 #include "FileHandle.h"
-#include "GenericPlatform/GenericPlatformFile.h"
 #include "NativePath.h"
 
 #include <algorithm>
@@ -45,20 +46,20 @@ namespace
 	}
 } // namespace
 
-bool IPlatformFile::DeleteFile(const TCHAR* Filename)
+bool FSystemFiles::DeleteFile(const TCHAR* Filename)
 {
 	std::error_code Error;
 	return FileExists(Filename) && !IsReadOnly(Filename) && fs::remove(toNativePath(Filename), Error);
 }
 
-bool IPlatformFile::MoveFile(const TCHAR* To, const TCHAR* From)
+bool FSystemFiles::MoveFile(const TCHAR* To, const TCHAR* From)
 {
 	const fs::path Target = toNativePath(To);
 	const fs::path Source = toNativePath(From);
 	return std::rename(Source.c_str(), Target.c_str()) == 0 || (errno == EXDEV && moveByCopy(Target, Source));
 }
 
-bool IPlatformFile::CopyFile(const TCHAR* To, const TCHAR* From)
+bool FSystemFiles::CopyFile(const TCHAR* To, const TCHAR* From)
 {
 	std::error_code Error;
 	const std::unique_ptr<FFileHandle> Source = FFileHandle::OpenToRead(From);

@@ -1,4 +1,5 @@
-#include "GenericPlatform/GenericPlatformFile.h"
+#include "SystemFiles.h"
+
 #include "NativePath.h"
 
 #include <fcntl.h>
@@ -28,17 +29,17 @@ namespace
 	}
 } // namespace
 
-FDateTime IPlatformFile::GetTimeStamp(const TCHAR* Filename)
+FDateTime FSystemFiles::GetTimeStamp(const TCHAR* Filename)
 {
 	return timeOf(Filename, &stat::st_mtim);
 }
 
-FDateTime IPlatformFile::GetAccessTimeStamp(const TCHAR* Filename)
+FDateTime FSystemFiles::GetAccessTimeStamp(const TCHAR* Filename)
 {
 	return timeOf(Filename, &stat::st_atim);
 }
 
-void IPlatformFile::SetTimeStamp(const TCHAR* Filename, FDateTime DateTime)
+void FSystemFiles::SetTimeStamp(const TCHAR* Filename, FDateTime DateTime)
 {
 	const timespec AccessAndChange[] = {{0, UTIME_OMIT}, toTimespec(DateTime)};
 	utimensat(AT_FDCWD, toNativePath(Filename).c_str(), AccessAndChange, 0);

@@ -3,6 +3,7 @@
 #include "Async/Async.h"
 #include "CoreGlobals.h"
 #include "CoreTypes.h"
+#include "Host/BackgroundTasks.h"
 
 #include <atomic>
 #include <condition_variable>
@@ -42,8 +43,13 @@ bool IsInGameThread()
 	return theTasks().GameThread.load(std::memory_order_relaxed) == std::this_thread::get_id();
 }
 
-void AsyncTask(ENamedThreads::Type, FTask Function)
+void AsyncTask(ENamedThreads::Type Thread, FTask Function)
 {
+	if (Thread == ENamedThreads::AnyBackgroundThreadNormalTask)
+	{
+		BackgroundTasks::Add(std::move(Function));
+		return;
+	}
 	FTasks& Tasks = theTasks();
 	bool bWake = false;
 	{

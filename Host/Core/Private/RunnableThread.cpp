@@ -5,6 +5,7 @@
 #include "HAL/PlatformProcess.h"
 #include "HAL/Runnable.h"
 #include "Host/SystemThreads.h"
+#include "SystemThread.h"
 
 #include <algorithm>
 #include <condition_variable>
@@ -300,6 +301,11 @@ FRunnableThread* FRunnableThread::Create(FRunnable* Runnable, const TCHAR* Name)
 	constexpr size_t longestName = 15; // the kernel's limit
 	auto Thread = std::make_unique<FPooledThread>(Runnable);
 	return Thread->Start(std::string(FTCHARToUTF8(Name).Get()).substr(0, longestName)) ? Thread.release() : nullptr;
+}
+
+bool runOnSystemThread(std::function<void()> Body, std::string Name)
+{
+	return thePool().Run({std::move(Body), std::move(Name)});
 }
 
 void HostThreads::JoinIdle()

@@ -4,6 +4,7 @@ namespace ENamedThreads
 {
 	enum Type
 	{
-		GameThread
+		GameThread,
+		AnyBackgroundThreadNormalTask // some thread for work that may take its time
 	};
 } // namespace ENamedThreads

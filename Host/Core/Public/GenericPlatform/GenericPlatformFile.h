@@ -26,52 +26,58 @@ public:
 
 /**
  * The file system. Every function reports failure by its result. A file without write permission for its owner is
- * read-only for everybody, also for a user who may do anything. Thread: any.
+ * read-only for everybody, also for a user who may do anything. What derives from it may stand before another one and pass
+ * on what it is asked. Thread: any.
  */
 class IPlatformFile
 {
 public:
+	virtual ~IPlatformFile() = default;
+
 	/** @return true for a file, false for a directory and for nothing. */
-	bool FileExists(const TCHAR* Filename);
-	bool DirectoryExists(const TCHAR* Directory);
+	virtual bool FileExists(const TCHAR* Filename) = 0;
+	virtual bool DirectoryExists(const TCHAR* Directory) = 0;
 	/** @return bytes, or -1 when that is no file. */
-	int64 FileSize(const TCHAR* Filename);
+	virtual int64 FileSize(const TCHAR* Filename) = 0;
 
 	/** @return whether there was a file that is gone now; a read-only one stays. */
-	bool DeleteFile(const TCHAR* Filename);
+	virtual bool DeleteFile(const TCHAR* Filename) = 0;
 	/** Replaces a target. */
-	bool MoveFile(const TCHAR* To, const TCHAR* From);
+	virtual bool MoveFile(const TCHAR* To, const TCHAR* From) = 0;
 	/**
 	 * Fails when the target exists or cannot be made. A copy that a full disk has cut short counts as made: whoever needs all
 	 * of it compares the sizes. The copy can be written to.
 	 */
-	bool CopyFile(const TCHAR* To, const TCHAR* From);
+	virtual bool CopyFile(const TCHAR* To, const TCHAR* From) = 0;
 
 	/** Makes one level. @return whether the directory is there now. */
-	bool CreateDirectory(const TCHAR* Directory);
+	virtual bool CreateDirectory(const TCHAR* Directory) = 0;
+	/** Makes all levels that are missing. @return whether the directory is there now. */
+	virtual bool CreateDirectoryTree(const TCHAR* Directory) = 0;
 	/** Removes an empty directory. @return whether there is none of that name now. */
-	bool DeleteDirectory(const TCHAR* Directory);
+	virtual bool DeleteDirectory(const TCHAR* Directory) = 0;
 
 	/** @return false also when that is no file. */
-	bool IsReadOnly(const TCHAR* Filename);
-	bool SetReadOnly(const TCHAR* Filename, bool bNewReadOnlyValue);
+	virtual bool IsReadOnly(const TCHAR* Filename) = 0;
+	virtual bool SetReadOnly(const TCHAR* Filename, bool bNewReadOnlyValue) = 0;
 
 	/** Times are UTC; FDateTime::MinValue() when there is nothing of that name. */
-	FDateTime GetTimeStamp(const TCHAR* Filename);
-	FDateTime GetAccessTimeStamp(const TCHAR* Filename);
+	virtual FDateTime GetTimeStamp(const TCHAR* Filename) = 0;
+	virtual FDateTime GetAccessTimeStamp(const TCHAR* Filename) = 0;
 	/** Sets the time of the last change; the time of the last access stays. */
-	void SetTimeStamp(const TCHAR* Filename, FDateTime DateTime);
+	virtual void SetTimeStamp(const TCHAR* Filename, FDateTime DateTime) = 0;
 
 	/** @return the name as given: case matters in the file systems of this host. */
-	FString GetFilenameOnDisk(const TCHAR* Filename);
+	virtual FString GetFilenameOnDisk(const TCHAR* Filename) = 0;
 
 	/** @return null when that is no file that can be read; the caller deletes it. */
-	IFileHandle* OpenRead(const TCHAR* Filename, bool bAllowWrite = false);
+	virtual IFileHandle* OpenRead(const TCHAR* Filename, bool bAllowWrite = false) = 0;
 	/**
-	 * Opens a file at its end, or makes it or empties it. Missing directories are not made.
+	 * Opens a file at its end, or makes it or empties it, for this handle alone: until it goes, nobody else who asks this way
+	 * can write to the file, in this program or in another. Missing directories are not made.
 	 * @param bAppend  keep the content, start after it.
 	 * @param bAllowRead  the handle can be read from as well.
 	 * @return null when that fails; the caller deletes it.
 	 */
-	IFileHandle* OpenWrite(const TCHAR* Filename, bool bAppend = false, bool bAllowRead = false);
+	virtual IFileHandle* OpenWrite(const TCHAR* Filename, bool bAppend = false, bool bAllowRead = false) = 0;
 };

@@ -7,8 +7,12 @@ class FPlatformFileManager
 {
 public:
 	static FPlatformFileManager& Get();
-	IPlatformFile& GetPlatformFile() { return PlatformFile; }
+	IPlatformFile& GetPlatformFile() { return *TopmostPlatformFile; }
+	/** Puts another file system in front; it must outlive its use. Thread: while no other one works with files. */
+	void SetPlatformFile(IPlatformFile& NewTopmostPlatformFile) { TopmostPlatformFile = &NewTopmostPlatformFile; }
 
 private:
-	IPlatformFile PlatformFile;
+	FPlatformFileManager();
+
+	IPlatformFile* TopmostPlatformFile;
 };
