@@ -1,0 +1,66 @@
+#include "Files/JournalFile.h"
+
+#include "Files/FileBlocks.h"
+#include "Files/FileFaults.h"
+#include "HAL/PlatformFileManager.h"
+
+namespace CorvaneJournalFile
+{
+	/** More than the checkpoints of a fortnight. */
+	static constexpr int64 LongestJournal = 64 << 20;
+
+	static FCorvaneJournal ReadFrom(const FString& Path, int64 Size)
+	{
+		TArray<uint8> Bytes;
+		return Size <= LongestJournal && CorvaneFileBlocks::Read(Path, 0, Size, Bytes) ? FCorvaneJournal::Read(Bytes) : FCorvaneJournal();
+	}
+} // namespace CorvaneJournalFile
+
+FCorvaneFileResult FCorvaneJournalFile::Open(const FString& InPath)
+{
+	Path = InPath;
+	Handle.Reset(FPlatformFileManager::Get().GetPlatformFile().OpenWrite(*Path, true, true));
+	if (!Handle.IsValid())
+	{
+		return CorvaneFileFaults::OpenFailed(Path);
+	}
+	const int64 Size = Handle->Size();
+	Journal = CorvaneJournalFile::ReadFrom(Path, Size);
+	GoodBytes = Journal.ValidBytes;
+	bIsEmpty = Size == 0;
+	return FCorvaneFileResult();
+}
+
+FCorvaneFileResult FCorvaneJournalFile::Append(const TArray<uint8>& Line)
+{
+	// What a line that failed, or was torn, has left must not stand before this one.
+	const bool bWritten = Handle->Truncate(GoodBytes) && Handle->Seek(GoodBytes) && Handle->Write(Line.GetData(), Line.Num());
+	bIsEmpty = false;
+	if (!bWritten || !Handle->Flush(true))
+	{
+		return CorvaneFileFaults::WriteFailed(Path, Line.Num());
+	}
+	GoodBytes += Line.Num();
+	return FCorvaneFileResult();
+}
+
+void FCorvaneJournalFile::Delete()
+{
+	// Deleted first, so that nobody gets it in between; some systems want it closed before.
+	IPlatformFile& Files = FPlatformFileManager::Get().GetPlatformFile();
+	const bool bDeleted = Files.DeleteFile(*Path);
+	Handle.Reset();
+	if (!bDeleted)
+	{
+		Files.DeleteFile(*Path);
+	}
+}
+
+void FCorvaneJournalFile::Close()
+{
+	if (Handle.IsValid() && bIsEmpty)
+	{
+		Delete();
+	}
+	Handle.Reset();
+}

@@ -1,0 +1,249 @@
+#include "Files/PartFile.h"
+
+#include "Files/FileBlocks.h"
+#include "Files/FileFaults.h"
+#include "Files/TargetReplacement.h"
+#include "HAL/PlatformFileManager.h"
+#include "Misc/Paths.h"
+#include "Misc/Timespan.h"
+
+namespace CorvanePartFile
+{
+	static constexpr int64 BytesPerCheckpoint = 16 << 20;
+	static constexpr int64 TicksPerCheckpoint = 2 * ETimespan::TicksPerSecond;
+
+	static IPlatformFile& Files()
+	{
+		return FPlatformFileManager::Get().GetPlatformFile();
+	}
+
+	static FString JournalName(const FString& Target)
+	{
+		return Target + TEXT(".corvjournal");
+	}
+} // namespace CorvanePartFile
+
+FCorvaneOpenedPart FCorvanePartFile::Open(const FString& InTarget, const FString& Address, bool bResume)
+{
+	Close();
+	Total = -1;
+	Length = 0;
+	VouchedLength = 0;
+	FCorvaneOpenedPart Opened;
+	Opened.Result = TakeTarget(InTarget);
+	if (Opened.Result.IsOk() && Journal.Told().bWhole)
+	{
+		CorvaneTargetReplacement::Heal(Target);
+	}
+	if (Opened.Result.IsOk() && bResume)
+	{
+		Resume(Address, Opened);
+	}
+	if (!Opened.Result.IsOk())
+	{
+		LetGo();
+	}
+	return Opened;
+}
+
+FCorvaneFileResult FCorvanePartFile::TakeTarget(const FString& InTarget)
+{
+	using namespace CorvaneFileFaults;
+	if (FPaths::GetCleanFilename(InTarget).IsEmpty())
+	{
+		return Failed(ECorvaneTransferOutcome::Refused, FString::Printf(TEXT("\"%s\" names no file."), *InTarget));
+	}
+	Target = FPaths::ConvertRelativePathToFull(InTarget);
+	if (!Claim.Take(Target))
+	{
+		return Failed(ECorvaneTransferOutcome::Refused, FString::Printf(TEXT("Another transfer has %s for its target."), *Target));
+	}
+	const FString Folder = FPaths::GetPath(Target);
+	if (!CorvanePartFile::Files().CreateDirectoryTree(*Folder))
+	{
+		return Failed(ECorvaneTransferOutcome::CannotWrite, FString::Printf(TEXT("The folder %s cannot be made."), *Folder));
+	}
+	FCorvaneFileResult Fault = CorvaneFileFaults::CannotBeReplaced(Target);
+	for (const FString& Own : {PartName(), CorvanePartFile::JournalName(Target)})
+	{
+		Fault = Fault.IsOk() ? FolderInTheWay(Own) : Fault;
+	}
+	return Fault.IsOk() ? Journal.Open(CorvanePartFile::JournalName(Target)) : Fault;
+}
+
+void FCorvanePartFile::Resume(const FString& Address, FCorvaneOpenedPart& Opened)
+{
+	const FCorvaneJournal& Told = Journal.Told();
+	const bool bHasPart = CorvanePartFile::Files().FileExists(*PartName());
+	const bool bHasWhole = !bHasPart && HasTakenPlace();
+	if (!bHasPart && !bHasWhole)
+	{
+		return;
+	}
+	Opened.WhyFromStart = WhyUseless(Address, bHasWhole ? Target : PartName());
+	if (!Opened.WhyFromStart.IsEmpty())
+	{
+		return;
+	}
+	Opened.Result = bHasPart ? TakePart() : FCorvaneFileResult();
+	bWholeAlready = bHasWhole;
+	Total = Told.Source.Total;
+	Length = VouchedLength = Told.Kept.Length;
+	Opened.Length = Length;
+	Opened.Source = Told.Source;
+	Opened.bWholeAlready = bWholeAlready;
+}
+
+/**
+ * Whether the target is the whole file that the journal speaks of. Without a part file either it is, or somebody has deleted the
+ * part; only where the old target was another file can the looks of the target tell.
+ */
+bool FCorvanePartFile::HasTakenPlace() const
+{
+	const FCorvaneJournal& Told = Journal.Told();
+	return Told.bWhole && Told.bToldApart && CorvaneFileBlocks::IsFile(Target, Told.Kept);
+}
+
+FString FCorvanePartFile::WhyUseless(const FString& Address, const FString& File) const
+{
+	const FCorvaneJournal& Told = Journal.Told();
+	if (!Told.bHasSource)
+	{
+		return TEXT("There are bytes on disk, but no journal that can be read.");
+	}
+	if (!Told.Source.Address.Equals(Address, ESearchCase::CaseSensitive))
+	{
+		return TEXT("The bytes on disk come from another address.");
+	}
+	const bool bVouchedFor = Told.bWhole || Told.Kept.Length > 0;
+	return bVouchedFor && CorvaneFileBlocks::HasStart(File, Told.Kept) ? TEXT("")
+																	   : TEXT("The bytes on disk are not those that the journal tells of.");
+}
+
+/** Opens the part file and cuts off what the journal does not vouch for. */
+FCorvaneFileResult FCorvanePartFile::TakePart()
+{
+	const FCorvaneJournal& Told = Journal.Told();
+	const FCorvaneFileResult Fault = OpenPart(Told.Kept.Length);
+	return Fault.IsOk() ? CorvaneFileFaults::NotEnoughRoom(FPaths::GetPath(Target), Told.Source.Total - Told.Kept.Length) : Fault;
+}
+
+FCorvaneFileResult FCorvanePartFile::OpenPart(int64 NewLength)
+{
+	if (!Part.IsValid())
+	{
+		Part.Reset(CorvanePartFile::Files().OpenWrite(*PartName(), true, true));
+	}
+	if (!Part.IsValid())
+	{
+		return CorvaneFileFaults::OpenFailed(PartName());
+	}
+	LastCheckpoint = FDateTime::UtcNow();
+	return Shorten(NewLength) ? FCorvaneFileResult() : CorvaneFileFaults::WriteFailed(PartName(), 0);
+}
+
+bool FCorvanePartFile::Shorten(int64 NewLength)
+{
+	Length = NewLength;
+	return Part->Truncate(NewLength) && Part->Seek(NewLength);
+}
+
+FCorvaneFileResult FCorvanePartFile::StartOver(const FCorvaneSourceFacts& Source)
+{
+	const int64 RoomInPart = FMath::Max<int64>(CorvanePartFile::Files().FileSize(*PartName()), 0);
+	FCorvaneFileResult Fault = CorvaneFileFaults::NotEnoughRoom(FPaths::GetPath(Target), Source.Total - RoomInPart);
+	if (Fault.IsOk())
+	{
+		Fault = Journal.Append(FCorvaneJournal::SourceLine(Source)); // before the bytes that it spoke of so far go
+	}
+	if (Fault.IsOk())
+	{
+		bWholeAlready = false;
+		Total = Source.Total;
+		VouchedLength = 0;
+		Fault = OpenPart(0);
+	}
+	return Fault;
+}
+
+FCorvaneFileResult FCorvanePartFile::Append(const uint8* Bytes, int64 Count)
+{
+	if (!Part->Write(Bytes, Count))
+	{
+		Shorten(Length);
+		return CorvaneFileFaults::WriteFailed(PartName(), Count);
+	}
+	Length += Count;
+	return IsCheckpointDue() ? Checkpoint() : FCorvaneFileResult();
+}
+
+bool FCorvanePartFile::IsCheckpointDue() const
+{
+	const int64 Ticks = FDateTime::UtcNow().GetTicks() - LastCheckpoint.GetTicks();
+	const bool bClockWasSetBack = Ticks < 0;
+	return Length - VouchedLength >= CorvanePartFile::BytesPerCheckpoint || Ticks >= CorvanePartFile::TicksPerCheckpoint ||
+		   bClockWasSetBack;
+}
+
+FCorvaneFileResult FCorvanePartFile::Checkpoint()
+{
+	LastCheckpoint = FDateTime::UtcNow();
+	if (Length == VouchedLength)
+	{
+		return FCorvaneFileResult();
+	}
+	if (!Part->Flush(true))
+	{
+		// The system may count lost bytes as written from here on, so a later flush would vouch for them.
+		const int64 LostBytes = Length - VouchedLength;
+		Shorten(VouchedLength);
+		return CorvaneFileFaults::WriteFailed(PartName(), LostBytes);
+	}
+	FCorvaneFileStart Kept;
+	if (!CorvaneFileBlocks::DescribeStart(PartName(), Length, Kept))
+	{
+		return CorvaneFileFaults::CannotRead(PartName());
+	}
+	const FCorvaneFileResult Fault = Journal.Append(FCorvaneJournal::KeptLine(Kept));
+	VouchedLength = Fault.IsOk() ? Length : VouchedLength;
+	return Fault;
+}
+
+FCorvaneFileResult FCorvanePartFile::ReadTail(int64 Count, TArray<uint8>& Tail) const
+{
+	const int64 Number = FMath::Min(Count, Length);
+	return CorvaneFileBlocks::Read(PartName(), Length - Number, Number, Tail) ? FCorvaneFileResult()
+																			  : CorvaneFileFaults::CannotRead(PartName());
+}
+
+void FCorvanePartFile::Close()
+{
+	if (Part.IsValid())
+	{
+		Checkpoint();
+		if (VouchedLength == 0)
+		{
+			Discard();
+		}
+	}
+	LetGo();
+}
+
+void FCorvanePartFile::Discard()
+{
+	Part.Reset();
+	if (Journal.IsOpen())
+	{
+		CorvanePartFile::Files().DeleteFile(*PartName());
+		Journal.Delete();
+	}
+	LetGo();
+}
+
+void FCorvanePartFile::LetGo()
+{
+	Part.Reset();
+	Journal.Close();
+	Claim.Release();
+	bWholeAlready = false;
+}

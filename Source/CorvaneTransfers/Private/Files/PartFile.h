@@ -1,0 +1,116 @@
+#pragma once
+
+#include "CoreMinimal.h"
+#include "Files/FileHash.h"
+#include "Files/FileResult.h"
+#include "Files/Journal.h"
+#include "Files/JournalFile.h"
+#include "Files/TargetClaims.h"
+#include "GenericPlatform/GenericPlatformFile.h"
+#include "Misc/DateTime.h"
+
+/** What stands on disk of a download that is about to begin. */
+struct FCorvaneOpenedPart
+{
+	/** A failure: nothing is open, nothing was changed. */
+	FCorvaneFileResult Result;
+	/** Bytes to go on behind; 0 = begin with StartOver. */
+	int64 Length = 0;
+	/** Where they come from; without a meaning when there are none. */
+	FCorvaneSourceFacts Source;
+	/** An earlier run was ended after all was done but telling so: the target is the file. Finish, or StartOver. */
+	bool bWholeAlready = false;
+	/** Why bytes on disk are of no use; empty when there are none, or they are. */
+	FString WhyFromStart;
+};
+
+/** What is wanted when all bytes are there. */
+struct FCorvaneFinishWish
+{
+	FCorvaneHashWish Hash;
+	/** The time of change that the file gets, in UTC; MinValue = that of its last write. */
+	FDateTime FileTime = FDateTime::MinValue();
+	/** Whether a file that stands under the target's name by now is replaced. */
+	bool bMayReplace = true;
+};
+
+struct FCorvaneFinished
+{
+	FCorvaneFileResult Result;
+	/** Lower case hexadecimal; empty when none was asked for. */
+	FString Hash;
+};
+
+/**
+ * The bytes of one download until they are all there: "<target>.corvpart", with "<target>.corvjournal" beside it, which vouches for
+ * what is on disk. The target itself is touched by Finish alone, which puts the whole file in its place. Ended at any moment,
+ * also by a power cut, the next Open finds what was vouched for and drops the rest.
+ *
+ * A failed write takes nothing back that was vouched for. All file work happens inside the calls. Thread: one at a time.
+ */
+class FCorvanePartFile
+{
+public:
+	~FCorvanePartFile() { Close(); }
+
+	/**
+	 * Takes the target, for this object alone, and looks at what is there. Makes missing folders.
+	 * @param InTarget  where the file is to stand in the end; relative paths start at the base directory.
+	 * @param Address  what will be asked for, without user and password: bytes of another address are of no use.
+	 * @param bResume  false: whatever is there is of no use.
+	 */
+	FCorvaneOpenedPart Open(const FString& InTarget, const FString& Address, bool bResume);
+
+	/** Begins with the first byte of a file. @param Source  what its answer tells; a total that the disk has no room for is a failure, and then nothing is changed. */
+	FCorvaneFileResult StartOver(const FCorvaneSourceFacts& Source);
+
+	/** Adds bytes at the end, and vouches for them now and then. */
+	FCorvaneFileResult Append(const uint8* Bytes, int64 Count);
+
+	/** Waits until the disk has all bytes, and vouches for them. */
+	FCorvaneFileResult Checkpoint();
+
+	/** @return bytes in the part file now. */
+	int64 GetLength() const { return Length; }
+
+	/** Reads the last bytes. @param Count  at most so many. */
+	FCorvaneFileResult ReadTail(int64 Count, TArray<uint8>& Tail) const;
+
+	/**
+	 * Checks the whole file and puts it in the target's place. This object is closed behind it, whatever comes of it. Bytes of the
+	 * wrong hash are deleted, unless they are the target already; any other failure leaves them for a later try.
+	 */
+	FCorvaneFinished Finish(const FCorvaneFinishWish& Wish);
+
+	/** Vouches for all bytes and lets go of the files; they stay, unless there is nothing in them. */
+	void Close();
+
+	/** Deletes part file and journal and lets go of them; a target that is whole already stays. */
+	void Discard();
+
+private:
+	FString PartName() const { return Target + TEXT(".corvpart"); }
+	FCorvaneFileResult TakeTarget(const FString& InTarget);
+	void Resume(const FString& Address, FCorvaneOpenedPart& Opened);
+	bool HasTakenPlace() const;
+	FString WhyUseless(const FString& Address, const FString& File) const;
+	FCorvaneFileResult TakePart();
+	FCorvaneFileResult OpenPart(int64 NewLength);
+	bool Shorten(int64 NewLength);
+	bool IsCheckpointDue() const;
+	FCorvaneFileResult CheckSize();
+	FCorvaneFileResult CheckHash(const FString& File, const FCorvaneHashWish& Wish, FString& Hash) const;
+	FCorvaneFileResult Replace(const FCorvaneFinishWish& Wish);
+	FCorvaneFileResult PutInPlace(const FDateTime& FileTime);
+	void LetGo();
+
+	FString Target; // a full path
+	FCorvaneTargetClaim Claim;
+	FCorvaneJournalFile Journal;
+	TUniquePtr<IFileHandle> Part;
+	bool bWholeAlready = false;
+	int64 Total = -1;
+	int64 Length = 0;
+	int64 VouchedLength = 0;
+	FDateTime LastCheckpoint;
+};
