@@ -1,5 +1,6 @@
 #include "HAL/FileManager.h"
 #include "HAL/PlatformFileManager.h"
+#include "HAL/PlatformMisc.h"
 #include "TempDir.h"
 #include "TextSupport.h"
 
@@ -72,4 +73,28 @@ TEST_F(PlatformFile, CopiesToANewFileThatCanBeWritten)
 	EXPECT_FALSE(copy("to2", "missing") || copy("to2", ""));
 	EXPECT_FALSE(Dir.exists("to2"));
 	EXPECT_EQ(Dir.read("old") + Dir.read("from"), "oldbytes");
+}
+
+TEST_F(PlatformFile, AFileHasOneWriterAndAnyNumberOfReaders)
+{
+	const FString File = text(Dir.write("file", "bytes"));
+	std::unique_ptr<IFileHandle> Writer(Files.OpenWrite(*File, true));
+	ASSERT_TRUE(Writer);
+	EXPECT_FALSE(std::unique_ptr<IFileHandle>(Files.OpenWrite(*File)));
+	EXPECT_EQ(Dir.read("file"), "bytes") << "whoever is refused has not emptied it";
+	EXPECT_TRUE(std::unique_ptr<IFileHandle>(Files.OpenRead(*File, true)));
+	Writer.reset();
+	EXPECT_TRUE(std::unique_ptr<IFileHandle>(Files.OpenWrite(*File)));
+}
+
+TEST_F(PlatformFile, MakesFoldersAndTellsTheRoomOnTheirDisk)
+{
+	const FString Folder = text(Dir.path("a/b/c"));
+	EXPECT_TRUE(Files.CreateDirectoryTree(*Folder) && Files.CreateDirectoryTree(*Folder));
+	EXPECT_FALSE(Files.CreateDirectoryTree(*text(Dir.write("file", "") + "/a")));
+	uint64 Total = 0;
+	uint64 Free = 0;
+	EXPECT_TRUE(FPlatformMisc::GetDiskTotalAndFreeSpace(Folder, Total, Free));
+	EXPECT_TRUE(Free > 0 && Free <= Total);
+	EXPECT_FALSE(FPlatformMisc::GetDiskTotalAndFreeSpace(text(Dir.path("missing")), Total, Free));
 }

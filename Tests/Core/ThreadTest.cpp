@@ -4,6 +4,7 @@
 #include "HAL/PlatformProcess.h"
 #include "HAL/Runnable.h"
 #include "HAL/RunnableThread.h"
+#include "Host/BackgroundTasks.h"
 #include "Host/GameThreadTasks.h"
 #include "Host/SystemThreads.h"
 #include "Waiting.h"
@@ -159,4 +160,46 @@ TEST(GameThreadTasks, DropsWithoutRunning)
 	Post();
 	EXPECT_EQ(GameThreadTasks::RunQueued(), 1);
 	EXPECT_EQ(*Held, 1);
+}
+
+TEST(BackgroundTasks, RunSeveralAtATimeAndEndWithTheProgram)
+{
+	struct FShared
+	{
+		std::atomic<int> NumRunning{0};
+		std::atomic<int> NumRun{0};
+		std::atomic<bool> bGo{false};
+	};
+	const auto Shared = std::make_shared<FShared>();
+	const auto Post = [&Shared](int Number)
+	{
+		for (int Index = 0; Index < Number; ++Index)
+		{
+			AsyncTask(ENamedThreads::AnyBackgroundThreadNormalTask,
+				[Shared]
+				{
+					++Shared->NumRunning;
+					waitFor([&] { return Shared->bGo.load(); });
+					Shared->NumRun += IsInGameThread() ? 1000 : 1;
+				});
+		}
+	};
+	Post(20);
+	EXPECT_TRUE(waitFor([&] { return Shared->NumRunning > 1; }));
+	Shared->bGo = true;
+	EXPECT_TRUE(waitFor([&] { return Shared->NumRun == 20; }));
+
+	Shared->bGo = false;
+	Post(100);
+	EXPECT_TRUE(waitFor([&] { return Shared->NumRunning > 20; }));
+	std::thread Releaser([Shared] { Shared->bGo = true; });
+	BackgroundTasks::Close();
+	Releaser.join();
+	EXPECT_EQ(Shared->NumRun, Shared->NumRunning) << "what had begun has come to its end";
+	Post(1);
+	EXPECT_EQ(Shared.use_count(), 1) << "what had not is let go";
+	BackgroundTasks::Open();
+	Post(1);
+	EXPECT_TRUE(waitFor([&] { return Shared.use_count() == 1; }));
+	HostThreads::JoinIdle();
 }

@@ -65,7 +65,7 @@ void MortalFiles::step(IFileHandle* Handle, const uint8* Bytes, int64 Number)
 	{
 		return;
 	}
-	if (Handle && MyFate.HowItDies != Death::Killed)
+	if (Handle)
 	{
 		Handle->Write(Bytes, Number / 2);
 	}
@@ -74,10 +74,9 @@ void MortalFiles::step(IFileHandle* Handle, const uint8* Bytes, int64 Number)
 
 void MortalFiles::die()
 {
-	const bool bPowerCut = MyFate.HowItDies == Death::PowerCut || MyFate.HowItDies == Death::PowerCutZeros;
 	for (const auto& [Path, Flushed] : OnDisk)
 	{
-		if (!bPowerCut || !std::filesystem::exists(Path))
+		if (MyFate.HowItDies == Death::Killed || !std::filesystem::exists(Path))
 		{
 			continue;
 		}

@@ -8,8 +8,7 @@
 /** How a program may come to its end in the middle of its work. */
 enum class Death
 {
-	Killed, // before a step
-	KilledHalfway, // in the middle of a write
+	Killed, // before a step, or in the middle of it if it is a write
 	PowerCut, // what was not flushed is lost
 	PowerCutZeros // what was not flushed has its length, and zeros for bytes
 };

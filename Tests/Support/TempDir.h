@@ -13,9 +13,9 @@
 class TempDir
 {
 public:
-	TempDir()
+	explicit TempDir(const std::filesystem::path& parent = std::filesystem::temp_directory_path())
 	{
-		std::string pattern = (std::filesystem::temp_directory_path() / "corvane-test-XXXXXX").string();
+		std::string pattern = (parent / "corvane-test-XXXXXX").string();
 		if (!mkdtemp(pattern.data()))
 		{
 			throw std::runtime_error("cannot make a temporary directory");

@@ -68,7 +68,7 @@ void FSHA1::Final()
 	State->Digest.Final(State->Result);
 }
 
-void FSHA1::GetHash(uint8* Digest) const
+void FSHA1::GetHash(uint8* Digest)
 {
 	std::copy(std::begin(State->Result), std::end(State->Result), Digest);
 }

@@ -29,7 +29,7 @@ public:
 	/** After the last piece. */
 	void Final();
 	/** @param Digest  takes the 20 bytes that Final has made. */
-	void GetHash(uint8* Digest) const;
+	void GetHash(uint8* Digest);
 
 private:
 	struct FState;

@@ -41,6 +41,11 @@ bool CorvaneFileBlocks::HasStart(const FString& File, const FCorvaneFileStart& S
 	return DescribeStart(File, Start.Length, Found) && Found.TailHash.Equals(Start.TailHash, ESearchCase::CaseSensitive);
 }
 
+bool CorvaneFileBlocks::IsFile(const FString& File, const FCorvaneFileStart& Whole)
+{
+	return FPlatformFileManager::Get().GetPlatformFile().FileSize(*File) == Whole.Length && HasStart(File, Whole);
+}
+
 bool CorvaneFileBlocks::HashAll(const FString& File, ECorvaneHashKind Kind, FString& Hash)
 {
 	const TUniquePtr<IFileHandle> Handle = Open(File);

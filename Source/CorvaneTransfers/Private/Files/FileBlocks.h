@@ -16,6 +16,9 @@ namespace CorvaneFileBlocks
 	/** @return whether the file begins with these bytes, going by the last ones of them. */
 	bool HasStart(const FString& File, const FCorvaneFileStart& Start);
 
+	/** @return whether the file is this one, going by its size and its last bytes. */
+	bool IsFile(const FString& File, const FCorvaneFileStart& Whole);
+
 	/** Reads a file from end to end. @return false when it cannot be read. */
 	bool HashAll(const FString& File, ECorvaneHashKind Kind, FString& Hash);
 } // namespace CorvaneFileBlocks

@@ -138,21 +138,21 @@ FCorvaneJournal FCorvaneJournal::Read(const TArray<uint8>& Bytes)
 	return Journal;
 }
 
-TArray<uint8> FCorvaneJournal::SourceLine(const FCorvaneSourceFacts& Source)
+TArray<uint8> FCorvaneJournal::SourceLine(const FCorvaneSourceFacts& InSource)
 {
 	using namespace CorvaneJournal;
-	return Line(FString(TEXT("source")) + Field(Version) + Field(Source.Address) + Field(Source.ETag) + Field(Source.LastModified) +
-				Field(Source.Total));
+	return Line(FString(TEXT("source")) + Field(Version) + Field(InSource.Address) + Field(InSource.ETag) + Field(InSource.LastModified) +
+				Field(InSource.Total));
 }
 
-TArray<uint8> FCorvaneJournal::KeptLine(const FCorvaneFileStart& Kept)
+TArray<uint8> FCorvaneJournal::KeptLine(const FCorvaneFileStart& InKept)
 {
 	using namespace CorvaneJournal;
-	return Line(FString(TEXT("kept")) + Field(Kept.Length) + Field(Kept.TailHash));
+	return Line(FString(TEXT("kept")) + Field(InKept.Length) + Field(InKept.TailHash));
 }
 
-TArray<uint8> FCorvaneJournal::WholeLine(const FCorvaneFileStart& Whole, bool bToldApart)
+TArray<uint8> FCorvaneJournal::WholeLine(const FCorvaneFileStart& Whole, bool bInToldApart)
 {
 	using namespace CorvaneJournal;
-	return Line(FString(TEXT("whole")) + Field(Whole.Length) + Field(Whole.TailHash) + Field(bToldApart ? Differs : TEXT("alike")));
+	return Line(FString(TEXT("whole")) + Field(Whole.Length) + Field(Whole.TailHash) + Field(bInToldApart ? Differs : TEXT("alike")));
 }

@@ -1,7 +1,7 @@
 #include "Files/JournalFile.h"
 
 #include "Files/FileBlocks.h"
-#include "Files/WriteFaults.h"
+#include "Files/FileFaults.h"
 #include "HAL/PlatformFileManager.h"
 
 namespace CorvaneJournalFile
@@ -22,7 +22,7 @@ FCorvaneFileResult FCorvaneJournalFile::Open(const FString& InPath)
 	Handle.Reset(FPlatformFileManager::Get().GetPlatformFile().OpenWrite(*Path, true, true));
 	if (!Handle.IsValid())
 	{
-		return CorvaneWriteFaults::OpenFailed(Path);
+		return CorvaneFileFaults::OpenFailed(Path);
 	}
 	const int64 Size = Handle->Size();
 	Journal = CorvaneJournalFile::ReadFrom(Path, Size);
@@ -38,7 +38,7 @@ FCorvaneFileResult FCorvaneJournalFile::Append(const TArray<uint8>& Line)
 	bIsEmpty = false;
 	if (!bWritten || !Handle->Flush(true))
 	{
-		return CorvaneWriteFaults::WriteFailed(Path, Line.Num());
+		return CorvaneFileFaults::WriteFailed(Path, Line.Num());
 	}
 	GoodBytes += Line.Num();
 	return FCorvaneFileResult();

@@ -1,8 +1,8 @@
 #include "Files/PartFile.h"
 
 #include "Files/FileBlocks.h"
+#include "Files/FileFaults.h"
 #include "Files/TargetReplacement.h"
-#include "Files/WriteFaults.h"
 #include "HAL/PlatformFileManager.h"
 #include "Misc/Paths.h"
 #include "Misc/Timespan.h"
@@ -20,26 +20,6 @@ namespace CorvanePartFile
 	static FString JournalName(const FString& Target)
 	{
 		return Target + TEXT(".corvjournal");
-	}
-
-	static FCorvaneFileResult TargetFault(const FString& Target)
-	{
-		if (Files().IsReadOnly(*Target))
-		{
-			return CorvaneWriteFaults::Failed(ECorvaneTransferOutcome::CannotWrite, FString::Printf(TEXT("%s is read-only."), *Target));
-		}
-		return CorvaneWriteFaults::FolderInTheWay(Target);
-	}
-
-	static FCorvaneFileResult CannotRead(const FString& File)
-	{
-		return CorvaneWriteFaults::Failed(ECorvaneTransferOutcome::CannotRead, FString::Printf(TEXT("%s cannot be read."), *File));
-	}
-
-	/** Whether a file is this one, going by its size and its last bytes. */
-	static bool IsFile(const FString& File, const FCorvaneFileStart& Whole)
-	{
-		return Files().FileSize(*File) == Whole.Length && CorvaneFileBlocks::HasStart(File, Whole);
 	}
 } // namespace CorvanePartFile
 
@@ -68,7 +48,7 @@ FCorvaneOpenedPart FCorvanePartFile::Open(const FString& InTarget, const FString
 
 FCorvaneFileResult FCorvanePartFile::TakeTarget(const FString& InTarget)
 {
-	using namespace CorvaneWriteFaults;
+	using namespace CorvaneFileFaults;
 	if (FPaths::GetCleanFilename(InTarget).IsEmpty())
 	{
 		return Failed(ECorvaneTransferOutcome::Refused, FString::Printf(TEXT("\"%s\" names no file."), *InTarget));
@@ -83,7 +63,7 @@ FCorvaneFileResult FCorvanePartFile::TakeTarget(const FString& InTarget)
 	{
 		return Failed(ECorvaneTransferOutcome::CannotWrite, FString::Printf(TEXT("The folder %s cannot be made."), *Folder));
 	}
-	FCorvaneFileResult Fault = CorvanePartFile::TargetFault(Target);
+	FCorvaneFileResult Fault = CorvaneFileFaults::CannotBeReplaced(Target);
 	for (const FString& Own : {PartName(), CorvanePartFile::JournalName(Target)})
 	{
 		Fault = Fault.IsOk() ? FolderInTheWay(Own) : Fault;
@@ -121,7 +101,7 @@ void FCorvanePartFile::Resume(const FString& Address, FCorvaneOpenedPart& Opened
 bool FCorvanePartFile::HasTakenPlace() const
 {
 	const FCorvaneJournal& Told = Journal.Told();
-	return Told.bWhole && Told.bToldApart && CorvanePartFile::IsFile(Target, Told.Kept);
+	return Told.bWhole && Told.bToldApart && CorvaneFileBlocks::IsFile(Target, Told.Kept);
 }
 
 FString FCorvanePartFile::WhyUseless(const FString& Address, const FString& File) const
@@ -145,7 +125,7 @@ FCorvaneFileResult FCorvanePartFile::TakePart()
 {
 	const FCorvaneJournal& Told = Journal.Told();
 	const FCorvaneFileResult Fault = OpenPart(Told.Kept.Length);
-	return Fault.IsOk() ? CorvaneWriteFaults::NotEnoughRoom(FPaths::GetPath(Target), Told.Source.Total - Told.Kept.Length) : Fault;
+	return Fault.IsOk() ? CorvaneFileFaults::NotEnoughRoom(FPaths::GetPath(Target), Told.Source.Total - Told.Kept.Length) : Fault;
 }
 
 FCorvaneFileResult FCorvanePartFile::OpenPart(int64 NewLength)
@@ -156,10 +136,10 @@ FCorvaneFileResult FCorvanePartFile::OpenPart(int64 NewLength)
 	}
 	if (!Part.IsValid())
 	{
-		return CorvaneWriteFaults::OpenFailed(PartName());
+		return CorvaneFileFaults::OpenFailed(PartName());
 	}
 	LastCheckpoint = FDateTime::UtcNow();
-	return Shorten(NewLength) ? FCorvaneFileResult() : CorvaneWriteFaults::WriteFailed(PartName(), 0);
+	return Shorten(NewLength) ? FCorvaneFileResult() : CorvaneFileFaults::WriteFailed(PartName(), 0);
 }
 
 bool FCorvanePartFile::Shorten(int64 NewLength)
@@ -171,7 +151,7 @@ bool FCorvanePartFile::Shorten(int64 NewLength)
 FCorvaneFileResult FCorvanePartFile::StartOver(const FCorvaneSourceFacts& Source)
 {
 	const int64 RoomInPart = FMath::Max<int64>(CorvanePartFile::Files().FileSize(*PartName()), 0);
-	FCorvaneFileResult Fault = CorvaneWriteFaults::NotEnoughRoom(FPaths::GetPath(Target), Source.Total - RoomInPart);
+	FCorvaneFileResult Fault = CorvaneFileFaults::NotEnoughRoom(FPaths::GetPath(Target), Source.Total - RoomInPart);
 	if (Fault.IsOk())
 	{
 		Fault = Journal.Append(FCorvaneJournal::SourceLine(Source)); // before the bytes that it spoke of so far go
@@ -191,7 +171,7 @@ FCorvaneFileResult FCorvanePartFile::Append(const uint8* Bytes, int64 Count)
 	if (!Part->Write(Bytes, Count))
 	{
 		Shorten(Length);
-		return CorvaneWriteFaults::WriteFailed(PartName(), Count);
+		return CorvaneFileFaults::WriteFailed(PartName(), Count);
 	}
 	Length += Count;
 	return IsCheckpointDue() ? Checkpoint() : FCorvaneFileResult();
@@ -217,12 +197,12 @@ FCorvaneFileResult FCorvanePartFile::Checkpoint()
 		// The system may count lost bytes as written from here on, so a later flush would vouch for them.
 		const int64 LostBytes = Length - VouchedLength;
 		Shorten(VouchedLength);
-		return CorvaneWriteFaults::WriteFailed(PartName(), LostBytes);
+		return CorvaneFileFaults::WriteFailed(PartName(), LostBytes);
 	}
 	FCorvaneFileStart Kept;
 	if (!CorvaneFileBlocks::DescribeStart(PartName(), Length, Kept))
 	{
-		return CorvanePartFile::CannotRead(PartName());
+		return CorvaneFileFaults::CannotRead(PartName());
 	}
 	const FCorvaneFileResult Fault = Journal.Append(FCorvaneJournal::KeptLine(Kept));
 	VouchedLength = Fault.IsOk() ? Length : VouchedLength;
@@ -233,82 +213,7 @@ FCorvaneFileResult FCorvanePartFile::ReadTail(int64 Count, TArray<uint8>& Tail) 
 {
 	const int64 Number = FMath::Min(Count, Length);
 	return CorvaneFileBlocks::Read(PartName(), Length - Number, Number, Tail) ? FCorvaneFileResult()
-																			  : CorvanePartFile::CannotRead(PartName());
-}
-
-FCorvaneFinished FCorvanePartFile::Finish(const FCorvaneFinishWish& Wish)
-{
-	FCorvaneFinished Finished;
-	Finished.Result = bWholeAlready ? FCorvaneFileResult() : CheckSize();
-	if (Finished.Result.IsOk())
-	{
-		Finished.Result = CheckHash(bWholeAlready ? Target : PartName(), Wish.Hash, Finished.Hash);
-	}
-	if (Finished.Result.Failure == ECorvaneTransferOutcome::WrongHash || (Finished.Result.IsOk() && bWholeAlready))
-	{
-		Discard();
-	}
-	else if (Finished.Result.IsOk())
-	{
-		Finished.Result = Replace(Wish);
-	}
-	Close();
-	return Finished;
-}
-
-FCorvaneFileResult FCorvanePartFile::CheckSize()
-{
-	return Total >= 0 && Length != Total ? CorvaneWriteFaults::Failed(ECorvaneTransferOutcome::WrongSize,
-											   FString::Printf(TEXT("%lld bytes came of %lld."), Length, Total))
-										 : Checkpoint();
-}
-
-FCorvaneFileResult FCorvanePartFile::CheckHash(const FString& File, const FCorvaneHashWish& Wish, FString& Hash) const
-{
-	if (Wish.Kind != ECorvaneHashKind::None && !CorvaneFileBlocks::HashAll(File, Wish.Kind, Hash))
-	{
-		return CorvanePartFile::CannotRead(File);
-	}
-	return Wish.Expected.IsEmpty() || Wish.Expected.Equals(Hash, ESearchCase::CaseSensitive)
-			   ? FCorvaneFileResult()
-			   : CorvaneWriteFaults::Failed(ECorvaneTransferOutcome::WrongHash,
-					 FString::Printf(TEXT("The hash of what came is %s, and %s was expected."), *Hash, *Wish.Expected));
-}
-
-FCorvaneFileResult FCorvanePartFile::Replace(const FCorvaneFinishWish& Wish)
-{
-	FCorvaneFileResult Fault = CorvanePartFile::TargetFault(Target);
-	if (Fault.IsOk() && !Wish.bMayReplace && CorvanePartFile::Files().FileExists(*Target))
-	{
-		Fault = CorvaneWriteFaults::Failed(
-			ECorvaneTransferOutcome::Refused, FString::Printf(TEXT("%s exists by now, and is not to be replaced."), *Target));
-	}
-	FCorvaneFileStart Whole;
-	if (Fault.IsOk() && !CorvaneFileBlocks::DescribeStart(PartName(), Length, Whole))
-	{
-		Fault = CorvanePartFile::CannotRead(PartName());
-	}
-	if (Fault.IsOk())
-	{
-		Fault = Journal.Append(FCorvaneJournal::WholeLine(Whole, !CorvanePartFile::IsFile(Target, Whole)));
-	}
-	return Fault.IsOk() ? PutInPlace(Wish.FileTime) : Fault;
-}
-
-FCorvaneFileResult FCorvanePartFile::PutInPlace(const FDateTime& FileTime)
-{
-	Part.Reset(); // not every system moves what is open
-	if (FileTime.GetTicks() > FDateTime::MinValue().GetTicks())
-	{
-		CorvanePartFile::Files().SetTimeStamp(*PartName(), FileTime);
-	}
-	if (!CorvaneTargetReplacement::Replace(Target, PartName()))
-	{
-		return CorvaneWriteFaults::Failed(
-			ECorvaneTransferOutcome::CannotWrite, FString::Printf(TEXT("The new file cannot take the place of %s."), *Target));
-	}
-	Journal.Delete();
-	return FCorvaneFileResult();
+																			  : CorvaneFileFaults::CannotRead(PartName());
 }
 
 void FCorvanePartFile::Close()

@@ -77,8 +77,8 @@ public:
 	FCorvaneFileResult ReadTail(int64 Count, TArray<uint8>& Tail) const;
 
 	/**
-	 * Checks the whole file and puts it in the target's place. This object is closed behind it, whatever comes of it. A file of the
-	 * wrong hash is deleted; any other failure leaves the bytes for a later try.
+	 * Checks the whole file and puts it in the target's place. This object is closed behind it, whatever comes of it. Bytes of the
+	 * wrong hash are deleted, unless they are the target already; any other failure leaves them for a later try.
 	 */
 	FCorvaneFinished Finish(const FCorvaneFinishWish& Wish);
 

@@ -13,13 +13,13 @@ namespace CorvaneSha256
 		0x391c0cb3, 0x4ed8aa4a, 0x5b9cca4f, 0x682e6ff3, 0x748f82ee, 0x78a5636f, 0x84c87814, 0x8cc70208, 0x90befffa, 0xa4506ceb, 0xbef9a3f7,
 		0xc67178f2};
 
-	static uint32 Rotated(uint32 Word, int32 Bits)
+	static inline uint32 Rotated(uint32 Word, int32 Bits)
 	{
 		return Word >> Bits | Word << (32 - Bits);
 	}
 
 	/** One round: instead of moving the eight words on, the caller names them one place further. */
-	static void Round(uint32 A, uint32 B, uint32 C, uint32& D, uint32 E, uint32 F, uint32 G, uint32& H, uint32 ConstantAndWord)
+	static inline void Round(uint32 A, uint32 B, uint32 C, uint32& D, uint32 E, uint32 F, uint32 G, uint32& H, uint32 ConstantAndWord)
 	{
 		const uint32 Mixed = H + (Rotated(E, 6) ^ Rotated(E, 11) ^ Rotated(E, 25)) + (G ^ (E & (F ^ G))) + ConstantAndWord;
 		D += Mixed;
@@ -31,48 +31,39 @@ namespace CorvaneSha256
 		return static_cast<uint32>(Bytes[0]) << 24 | static_cast<uint32>(Bytes[1]) << 16 | static_cast<uint32>(Bytes[2]) << 8 | Bytes[3];
 	}
 
-	/** The next 16 words of the schedule in place of those 16 before them. */
-	static void NextWords(uint32* Words)
+	/** A block's own 16 words, and 48 more that are mixed from them. */
+	static void FillWords(const uint8* Block, uint32 (&Words)[64])
 	{
-		for (int32 Index = 0; Index < 16; ++Index)
-		{
-			const uint32 Near = Words[(Index + 14) % 16];
-			const uint32 Far = Words[(Index + 1) % 16];
-			Words[Index] += (Rotated(Near, 17) ^ Rotated(Near, 19) ^ Near >> 10) + Words[(Index + 9) % 16] +
-							(Rotated(Far, 7) ^ Rotated(Far, 18) ^ Far >> 3);
-		}
-	}
-
-	static void EightRounds(uint32 (&S)[8], const uint32* Constant, const uint32* Word)
-	{
-		Round(S[0], S[1], S[2], S[3], S[4], S[5], S[6], S[7], Constant[0] + Word[0]);
-		Round(S[7], S[0], S[1], S[2], S[3], S[4], S[5], S[6], Constant[1] + Word[1]);
-		Round(S[6], S[7], S[0], S[1], S[2], S[3], S[4], S[5], Constant[2] + Word[2]);
-		Round(S[5], S[6], S[7], S[0], S[1], S[2], S[3], S[4], Constant[3] + Word[3]);
-		Round(S[4], S[5], S[6], S[7], S[0], S[1], S[2], S[3], Constant[4] + Word[4]);
-		Round(S[3], S[4], S[5], S[6], S[7], S[0], S[1], S[2], Constant[5] + Word[5]);
-		Round(S[2], S[3], S[4], S[5], S[6], S[7], S[0], S[1], Constant[6] + Word[6]);
-		Round(S[1], S[2], S[3], S[4], S[5], S[6], S[7], S[0], Constant[7] + Word[7]);
-	}
-
-	static void TakeBlock(uint32 (&State)[8], const uint8* Block)
-	{
-		uint32 Words[16];
 		for (int32 Index = 0; Index < 16; ++Index)
 		{
 			Words[Index] = WordAt(Block + 4 * Index);
 		}
-		uint32 Mixed[8];
-		FMemory::Memcpy(Mixed, State, sizeof(Mixed));
-		for (int32 Start = 0; Start < 64; Start += 16)
+		for (int32 Index = 16; Index < 64; ++Index)
 		{
-			if (Start > 0)
-			{
-				NextWords(Words);
-			}
-			EightRounds(Mixed, Constants + Start, Words);
-			EightRounds(Mixed, Constants + Start + 8, Words + 8);
+			const uint32 Near = Words[Index - 2];
+			const uint32 Far = Words[Index - 15];
+			Words[Index] = (Rotated(Near, 17) ^ Rotated(Near, 19) ^ Near >> 10) + Words[Index - 7] +
+						   (Rotated(Far, 7) ^ Rotated(Far, 18) ^ Far >> 3) + Words[Index - 16];
 		}
+	}
+
+	static void TakeBlock(uint32 (&State)[8], const uint8* Block)
+	{
+		uint32 Words[64];
+		FillWords(Block, Words);
+		uint32 A = State[0], B = State[1], C = State[2], D = State[3], E = State[4], F = State[5], G = State[6], H = State[7];
+		for (int32 Index = 0; Index < 64; Index += 8)
+		{
+			Round(A, B, C, D, E, F, G, H, Constants[Index] + Words[Index]);
+			Round(H, A, B, C, D, E, F, G, Constants[Index + 1] + Words[Index + 1]);
+			Round(G, H, A, B, C, D, E, F, Constants[Index + 2] + Words[Index + 2]);
+			Round(F, G, H, A, B, C, D, E, Constants[Index + 3] + Words[Index + 3]);
+			Round(E, F, G, H, A, B, C, D, Constants[Index + 4] + Words[Index + 4]);
+			Round(D, E, F, G, H, A, B, C, Constants[Index + 5] + Words[Index + 5]);
+			Round(C, D, E, F, G, H, A, B, Constants[Index + 6] + Words[Index + 6]);
+			Round(B, C, D, E, F, G, H, A, Constants[Index + 7] + Words[Index + 7]);
+		}
+		const uint32 Mixed[8] = {A, B, C, D, E, F, G, H};
 		for (int32 Index = 0; Index < 8; ++Index)
 		{
 			State[Index] += Mixed[Index];

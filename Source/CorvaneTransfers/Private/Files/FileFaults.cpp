@@ -1,11 +1,11 @@
-#include "Files/WriteFaults.h"
+#include "Files/FileFaults.h"
 
 #include "GenericPlatform/GenericPlatformFile.h"
 #include "HAL/PlatformFileManager.h"
 #include "HAL/PlatformMisc.h"
 #include "Misc/Paths.h"
 
-FCorvaneFileResult CorvaneWriteFaults::Failed(ECorvaneTransferOutcome Outcome, const FString& Sentence)
+FCorvaneFileResult CorvaneFileFaults::Failed(ECorvaneTransferOutcome Outcome, const FString& Sentence)
 {
 	FCorvaneFileResult Result;
 	Result.Failure = Outcome;
@@ -13,14 +13,26 @@ FCorvaneFileResult CorvaneWriteFaults::Failed(ECorvaneTransferOutcome Outcome, c
 	return Result;
 }
 
-FCorvaneFileResult CorvaneWriteFaults::FolderInTheWay(const FString& File)
+FCorvaneFileResult CorvaneFileFaults::FolderInTheWay(const FString& File)
 {
 	return FPlatformFileManager::Get().GetPlatformFile().DirectoryExists(*File)
 			   ? Failed(ECorvaneTransferOutcome::CannotWrite, FString::Printf(TEXT("%s is a folder, no file can take its place."), *File))
 			   : FCorvaneFileResult();
 }
 
-FCorvaneFileResult CorvaneWriteFaults::OpenFailed(const FString& File)
+FCorvaneFileResult CorvaneFileFaults::CannotBeReplaced(const FString& File)
+{
+	return FPlatformFileManager::Get().GetPlatformFile().IsReadOnly(*File)
+			   ? Failed(ECorvaneTransferOutcome::CannotWrite, FString::Printf(TEXT("%s is read-only."), *File))
+			   : FolderInTheWay(File);
+}
+
+FCorvaneFileResult CorvaneFileFaults::CannotRead(const FString& File)
+{
+	return Failed(ECorvaneTransferOutcome::CannotRead, FString::Printf(TEXT("%s cannot be read."), *File));
+}
+
+FCorvaneFileResult CorvaneFileFaults::OpenFailed(const FString& File)
 {
 	IPlatformFile& Files = FPlatformFileManager::Get().GetPlatformFile();
 	if (!Files.FileExists(*File))
@@ -34,7 +46,7 @@ FCorvaneFileResult CorvaneWriteFaults::OpenFailed(const FString& File)
 	return Failed(ECorvaneTransferOutcome::Refused, FString::Printf(TEXT("%s is in use: another program transfers the same file."), *File));
 }
 
-FCorvaneFileResult CorvaneWriteFaults::WriteFailed(const FString& File, int64 Bytes)
+FCorvaneFileResult CorvaneFileFaults::WriteFailed(const FString& File, int64 Bytes)
 {
 	constexpr int64 Slack = 1 << 20; // file systems are full before the last byte is taken
 	const FCorvaneFileResult Room = NotEnoughRoom(FPaths::GetPath(File), Bytes + Slack);
@@ -43,7 +55,7 @@ FCorvaneFileResult CorvaneWriteFaults::WriteFailed(const FString& File, int64 By
 			   : Room;
 }
 
-FCorvaneFileResult CorvaneWriteFaults::NotEnoughRoom(const FString& Folder, int64 Bytes)
+FCorvaneFileResult CorvaneFileFaults::NotEnoughRoom(const FString& Folder, int64 Bytes)
 {
 	uint64 Total = 0;
 	uint64 Free = 0;

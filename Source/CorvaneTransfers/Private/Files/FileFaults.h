@@ -3,13 +3,18 @@
 #include "CoreMinimal.h"
 #include "Files/FileResult.h"
 
-/** Finds out, and says to people, why something cannot be written. Thread: any. */
-namespace CorvaneWriteFaults
+/** Finds out, and says to people, why something cannot be written or read. Thread: any. */
+namespace CorvaneFileFaults
 {
 	FCorvaneFileResult Failed(ECorvaneTransferOutcome Outcome, const FString& Sentence);
 
 	/** @return a failure when a folder stands under that name. */
 	FCorvaneFileResult FolderInTheWay(const FString& File);
+
+	/** @return a failure when no other file can take the place of this one, which may be missing. */
+	FCorvaneFileResult CannotBeReplaced(const FString& File);
+
+	FCorvaneFileResult CannotRead(const FString& File);
 
 	/** @param File  could not be opened for writing. */
 	FCorvaneFileResult OpenFailed(const FString& File);
@@ -19,4 +24,4 @@ namespace CorvaneWriteFaults
 
 	/** @return a failure when the disk has less room than that. @param Folder  is there. */
 	FCorvaneFileResult NotEnoughRoom(const FString& Folder, int64 Bytes);
-} // namespace CorvaneWriteFaults
+} // namespace CorvaneFileFaults

@@ -1,0 +1,83 @@
+#include "Files/PartFile.h"
+
+#include "Files/FileBlocks.h"
+#include "Files/FileFaults.h"
+#include "Files/TargetReplacement.h"
+#include "GenericPlatform/GenericPlatformFile.h"
+#include "HAL/PlatformFileManager.h"
+
+FCorvaneFinished FCorvanePartFile::Finish(const FCorvaneFinishWish& Wish)
+{
+	FCorvaneFinished Finished;
+	Finished.Result = bWholeAlready ? FCorvaneFileResult() : CheckSize();
+	if (Finished.Result.IsOk())
+	{
+		Finished.Result = CheckHash(bWholeAlready ? Target : PartName(), Wish.Hash, Finished.Hash);
+	}
+	if (Finished.Result.Failure == ECorvaneTransferOutcome::WrongHash || (Finished.Result.IsOk() && bWholeAlready))
+	{
+		Discard();
+	}
+	else if (Finished.Result.IsOk())
+	{
+		Finished.Result = Replace(Wish);
+	}
+	Close();
+	return Finished;
+}
+
+FCorvaneFileResult FCorvanePartFile::CheckSize()
+{
+	return Total >= 0 && Length != Total ? CorvaneFileFaults::Failed(ECorvaneTransferOutcome::WrongSize,
+											   FString::Printf(TEXT("%lld bytes came of %lld."), Length, Total))
+										 : Checkpoint();
+}
+
+FCorvaneFileResult FCorvanePartFile::CheckHash(const FString& File, const FCorvaneHashWish& Wish, FString& Hash) const
+{
+	if (Wish.Kind != ECorvaneHashKind::None && !CorvaneFileBlocks::HashAll(File, Wish.Kind, Hash))
+	{
+		return CorvaneFileFaults::CannotRead(File);
+	}
+	return Wish.Expected.IsEmpty() || Wish.Expected.Equals(Hash, ESearchCase::CaseSensitive)
+			   ? FCorvaneFileResult()
+			   : CorvaneFileFaults::Failed(ECorvaneTransferOutcome::WrongHash,
+					 FString::Printf(TEXT("The hash of what came is %s, and %s was expected."), *Hash, *Wish.Expected));
+}
+
+FCorvaneFileResult FCorvanePartFile::Replace(const FCorvaneFinishWish& Wish)
+{
+	IPlatformFile& Files = FPlatformFileManager::Get().GetPlatformFile();
+	FCorvaneFileResult Fault = CorvaneFileFaults::CannotBeReplaced(Target);
+	if (Fault.IsOk() && !Wish.bMayReplace && Files.FileExists(*Target))
+	{
+		Fault = CorvaneFileFaults::Failed(
+			ECorvaneTransferOutcome::Refused, FString::Printf(TEXT("%s exists by now, and is not to be replaced."), *Target));
+	}
+	FCorvaneFileStart Whole;
+	if (Fault.IsOk() && !CorvaneFileBlocks::DescribeStart(PartName(), Length, Whole))
+	{
+		Fault = CorvaneFileFaults::CannotRead(PartName());
+	}
+	if (Fault.IsOk())
+	{
+		Fault = Journal.Append(FCorvaneJournal::WholeLine(Whole, !CorvaneFileBlocks::IsFile(Target, Whole)));
+	}
+	return Fault.IsOk() ? PutInPlace(Wish.FileTime) : Fault;
+}
+
+FCorvaneFileResult FCorvanePartFile::PutInPlace(const FDateTime& FileTime)
+{
+	Part.Reset(); // not every system moves what is open
+	if (FileTime.GetTicks() > FDateTime::MinValue().GetTicks())
+	{
+		FPlatformFileManager::Get().GetPlatformFile().SetTimeStamp(*PartName(), FileTime);
+	}
+	if (!CorvaneTargetReplacement::Replace(Target, PartName()))
+	{
+		return CorvaneFileFaults::Failed(
+			ECorvaneTransferOutcome::CannotWrite, FString::Printf(TEXT("The new file cannot take the place of %s."), *Target));
+	}
+	Journal.Delete();
+	return FCorvaneFileResult();
+}
