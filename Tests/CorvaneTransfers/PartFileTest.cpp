@@ -186,15 +186,15 @@ TEST_F(PartFile, AFullDiskTakesNothingThatIsThere)
 	Huge.Total = int64(1) << 60;
 	EXPECT_EQ(File.StartOver(Huge).Failure, EOutcome::DiskFull);
 	{
-		const FileSizeLimit Limit(150'000);
-		EXPECT_TRUE(append(File, source.Bytes.substr(120'000, 20'000)));
+		const FileSizeLimit Limit(205'000);
+		EXPECT_TRUE(append(File, source.Bytes.substr(120'000, 70'000)));
 		EXPECT_EQ(File.Append(reinterpret_cast<const uint8*>(source.Bytes.data()), 20'000).Failure, EOutcome::CannotWrite);
-		EXPECT_EQ(File.GetLength(), 140'000);
+		EXPECT_EQ(File.GetLength(), 190'000);
 		File.Close();
-		EXPECT_EQ(open(File).Length, 140'000);
+		EXPECT_EQ(open(File).Length, 190'000);
 		EXPECT_EQ(File.Append(reinterpret_cast<const uint8*>(source.Bytes.data()), 20'000).Failure, EOutcome::CannotWrite);
 	}
-	EXPECT_TRUE(append(File, source.Bytes.substr(140'000))) << "what a failed write has left is not in the way";
+	EXPECT_TRUE(append(File, source.Bytes.substr(190'000))) << "what a failed write has left is not in the way";
 	EXPECT_TRUE(File.Finish({}).Result.IsOk());
 	EXPECT_TRUE(Dir.read("file") == source.Bytes);
 	{

@@ -86,6 +86,10 @@ void FCorvanePartFile::Resume(const FString& Address, FCorvaneOpenedPart& Opened
 		return;
 	}
 	Opened.Result = bHasPart ? TakePart() : FCorvaneFileResult();
+	if (!Opened.Result.IsOk())
+	{
+		return;
+	}
 	bWholeAlready = bHasWhole;
 	Total = Told.Source.Total;
 	Length = VouchedLength = Told.Kept.Length;
@@ -168,9 +172,9 @@ FCorvaneFileResult FCorvanePartFile::StartOver(const FCorvaneSourceFacts& Source
 
 FCorvaneFileResult FCorvanePartFile::Append(const uint8* Bytes, int64 Count)
 {
-	if (!Part->Write(Bytes, Count))
+	// Where a write that failed has left bytes, these take their place; what is left of them in the end, Finish cuts off.
+	if (!Part->Seek(Length) || !Part->Write(Bytes, Count))
 	{
-		Shorten(Length);
 		return CorvaneFileFaults::WriteFailed(PartName(), Count);
 	}
 	Length += Count;

@@ -28,9 +28,13 @@ FCorvaneFinished FCorvanePartFile::Finish(const FCorvaneFinishWish& Wish)
 
 FCorvaneFileResult FCorvanePartFile::CheckSize()
 {
-	return Total >= 0 && Length != Total ? CorvaneFileFaults::Failed(ECorvaneTransferOutcome::WrongSize,
-											   FString::Printf(TEXT("%lld bytes came of %lld."), Length, Total))
-										 : Checkpoint();
+	if (Total >= 0 && Length != Total)
+	{
+		return CorvaneFileFaults::Failed(
+			ECorvaneTransferOutcome::WrongSize, FString::Printf(TEXT("%lld bytes came of %lld."), Length, Total));
+	}
+	const bool bEndsThere = Part->Size() == Length || Shorten(Length);
+	return bEndsThere ? Checkpoint() : CorvaneFileFaults::WriteFailed(PartName(), 0);
 }
 
 FCorvaneFileResult FCorvanePartFile::CheckHash(const FString& File, const FCorvaneHashWish& Wish, FString& Hash) const
