@@ -124,7 +124,7 @@ void FHttpRequest::Complete(FHttpOutcome Outcome)
 	const TSharedPtr<FHttpResponse> Shown = Response;
 	if (Shown.IsValid())
 	{
-		Shown->Complete(Outcome.Code, EffectiveURL);
+		Shown->Complete(Outcome.Code, Outcome.Reason, EffectiveURL);
 	}
 	if (!bSucceeded)
 	{

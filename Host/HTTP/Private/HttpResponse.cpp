@@ -54,8 +54,9 @@ bool FHttpResponse::Append(const char* Bytes, size_t Number)
 	return Fitting == Number;
 }
 
-void FHttpResponse::Complete(int32 InCode, const FString& InEffectiveURL)
+void FHttpResponse::Complete(int32 InCode, EHttpFailureReason InReason, const FString& InEffectiveURL)
 {
+	FailureReason = InReason;
 	EffectiveURL = InEffectiveURL;
 	Code = InCode;
 	bReady = true;

@@ -14,6 +14,7 @@ public:
 		: EffectiveURL(InURL)
 	{
 	}
+	EHttpFailureReason GetFailureReason() const override { return FailureReason; }
 	const FString& GetEffectiveURL() const override { return EffectiveURL; }
 	FString GetHeader(const FString& HeaderName) const override;
 	TArray<FString> GetAllHeaders() const override;
@@ -28,13 +29,14 @@ public:
 	/** @return false when the body would be longer than an array can be; the bytes that fit are kept. */
 	bool Append(const char* Bytes, size_t Number);
 
-	/** Shows code, headers and address. Thread: that of the request's callbacks. */
-	void Complete(int32 InCode, const FString& InEffectiveURL);
+	/** Shows code, headers, address and why it failed, if it did. Thread: that of the request's callbacks. */
+	void Complete(int32 InCode, EHttpFailureReason InReason, const FString& InEffectiveURL);
 
 private:
 	bool IsReady(const TCHAR* What) const;
 
 	FString EffectiveURL;
+	EHttpFailureReason FailureReason = EHttpFailureReason::None;
 	FHeaderMap Headers;
 	uint64 ContentLength = 0;
 	TArray<uint8> Content;

@@ -2,12 +2,24 @@
 
 #include "CoreMinimal.h"
 
+/** Why a request failed. */
+enum class EHttpFailureReason : uint8
+{
+	None = 0,
+	ConnectionError, // no way to the server, or silence for too long
+	Cancelled,
+	TimedOut, // the limit for the whole request
+	Other
+};
+
 /** What requests and responses have in common. */
 class IHttpBase
 {
 public:
 	virtual ~IHttpBase() = default;
 
+	/** @return None before the end, and after a success. */
+	virtual EHttpFailureReason GetFailureReason() const = 0;
 	/** @return where redirects led, from the end on; until then, and without one, the address that was asked for. */
 	virtual const FString& GetEffectiveURL() const = 0;
 

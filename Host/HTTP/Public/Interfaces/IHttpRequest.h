@@ -24,16 +24,6 @@ enum class EHttpRequestDelegateThreadPolicy : uint8
 	CompleteOnHttpThread
 };
 
-/** Why a request failed. */
-enum class EHttpFailureReason : uint8
-{
-	None = 0,
-	ConnectionError, // no way to the server, or silence for too long
-	Cancelled,
-	TimedOut, // the limit for the whole request
-	Other
-};
-
 /**
  * One HTTP request, from CreateRequest. While it runs, setters do nothing but warn. Callbacks of one request come in order
  * and never overlap; completion is the last one and comes exactly once for each ProcessRequest.
@@ -90,5 +80,4 @@ public:
 	virtual void CancelRequest() = 0;
 	/** @return null before the first header line, and after a failed completion. Thread: that of the callbacks. */
 	virtual const FHttpResponsePtr GetResponse() const = 0;
-	virtual EHttpFailureReason GetFailureReason() const = 0;
 };

@@ -59,12 +59,12 @@ FString FCorvaneVersion::DateForDisk() const
 	return LastModified.IsEmpty() || bDateIsStrong ? LastModified : CorvaneAnswerParts::WeakMark + LastModified;
 }
 
-FCorvaneVersion FCorvaneVersion::FromDisk(const FString& ETag, const FString& Date)
+FCorvaneVersion FCorvaneVersion::FromDisk(const FString& Tag, const FString& Date)
 {
 	const FString Mark = CorvaneAnswerParts::WeakMark;
 	const bool bWeak = Date.StartsWith(Mark, ESearchCase::CaseSensitive);
 	FCorvaneVersion Version;
-	Version.ETag = ETag;
+	Version.ETag = Tag;
 	Version.LastModified = bWeak ? Date.RightChop(Mark.Len()) : Date;
 	Version.bDateIsStrong = !bWeak && !Date.IsEmpty();
 	return Version;

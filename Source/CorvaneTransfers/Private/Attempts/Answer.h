@@ -34,7 +34,7 @@ struct FCorvaneVersion
 	/** @return the date as it is kept for a later run of the program: one that is not strong has W/ before it, as such a tag has. */
 	FString DateForDisk() const;
 	/** @param Date  what DateForDisk gave. */
-	static FCorvaneVersion FromDisk(const FString& ETag, const FString& Date);
+	static FCorvaneVersion FromDisk(const FString& Tag, const FString& Date);
 };
 
 /** What the lines of an answer told, as far as a transfer cares. Header lines of a hostile server leave what they break untold. */

@@ -2,6 +2,7 @@
 
 #include "HAL/PlatformTime.h"
 #include "HttpModule.h"
+#include "Interfaces/IHttpResponse.h"
 #include "Misc/ScopeLock.h"
 
 FCorvaneExchange::FCorvaneExchange(const TSharedRef<FCorvaneExchangeReceiver>& InReceiver)
@@ -10,35 +11,35 @@ FCorvaneExchange::FCorvaneExchange(const TSharedRef<FCorvaneExchangeReceiver>& I
 }
 
 TSharedRef<FCorvaneExchange> FCorvaneExchange::Start(
-	const FCorvaneExchangeRequest& Asked, const TSharedRef<FCorvaneExchangeReceiver>& Receiver)
+	const FCorvaneExchangeRequest& Asked, const TSharedRef<FCorvaneExchangeReceiver>& InReceiver)
 {
-	const TSharedRef<FCorvaneExchange> Self = MakeShared<FCorvaneExchange>(Receiver);
-	const FHttpRequestRef Request = FHttpModule::Get().CreateRequest();
-	Fill(Asked, *Request);
-	Bind(Self, *Request);
+	const TSharedRef<FCorvaneExchange> Self = MakeShared<FCorvaneExchange>(InReceiver);
+	const FHttpRequestRef Made = FHttpModule::Get().CreateRequest();
+	Fill(Asked, *Made);
+	Bind(Self, *Made);
 	Self->bAsksForBody = Asked.Verb == TEXT("GET");
-	Self->Send(Request, Asked.SilenceSeconds);
+	Self->Send(Made, Asked.SilenceSeconds);
 	return Self;
 }
 
-void FCorvaneExchange::Fill(const FCorvaneExchangeRequest& Asked, IHttpRequest& Request)
+void FCorvaneExchange::Fill(const FCorvaneExchangeRequest& Asked, IHttpRequest& OutRequest)
 {
-	Request.SetVerb(Asked.Verb);
-	Request.SetURL(Asked.URL);
+	OutRequest.SetVerb(Asked.Verb);
+	OutRequest.SetURL(Asked.URL);
 	for (const TPair<FString, FString>& Header : Asked.Headers)
 	{
-		Request.SetHeader(Header.Key, Header.Value);
+		OutRequest.SetHeader(Header.Key, Header.Value);
 	}
-	Request.SetHeader(TEXT("Accept-Encoding"), TEXT("identity"));
-	Request.SetActivityTimeout(Asked.SilenceSeconds);
-	Request.SetDelegateThreadPolicy(EHttpRequestDelegateThreadPolicy::CompleteOnHttpThread);
+	OutRequest.SetHeader(TEXT("Accept-Encoding"), TEXT("identity"));
+	OutRequest.SetActivityTimeout(Asked.SilenceSeconds);
+	OutRequest.SetDelegateThreadPolicy(EHttpRequestDelegateThreadPolicy::CompleteOnHttpThread);
 }
 
 /** The callbacks keep the exchange: from here to its end it is held by the request, and the request by the HTTP module. */
-void FCorvaneExchange::Bind(const TSharedRef<FCorvaneExchange>& Self, IHttpRequest& Request)
+void FCorvaneExchange::Bind(const TSharedRef<FCorvaneExchange>& Self, IHttpRequest& OutRequest)
 {
-	Request.OnStatusCodeReceived().BindLambda([Self](FHttpRequestPtr, int32 Code) { Self->Reader.TakeStatus(Code); });
-	Request.OnHeaderReceived().BindLambda(
+	OutRequest.OnStatusCodeReceived().BindLambda([Self](FHttpRequestPtr, int32 Code) { Self->Reader.TakeStatus(Code); });
+	OutRequest.OnHeaderReceived().BindLambda(
 		[Self](FHttpRequestPtr, const FString& Name, const FString& Value)
 		{
 			if (!Self->bToldAnswer) // else it stands behind the body
@@ -48,8 +49,8 @@ void FCorvaneExchange::Bind(const TSharedRef<FCorvaneExchange>& Self, IHttpReque
 		});
 	FHttpRequestStreamDelegateV2 Stream;
 	Stream.BindLambda([Self](void* Bytes, int64& InOutNumber) { Self->TakeBytes(Bytes, InOutNumber); });
-	Request.SetResponseBodyReceiveStreamDelegateV2(Stream);
-	Request.OnProcessRequestComplete().BindLambda(
+	OutRequest.SetResponseBodyReceiveStreamDelegateV2(Stream);
+	OutRequest.OnProcessRequestComplete().BindLambda(
 		[Self](FHttpRequestPtr Done, FHttpResponsePtr Response, bool bSucceeded) { Self->Complete(Done, Response, bSucceeded); });
 }
 

@@ -2,6 +2,7 @@
 
 #include "Attempts/Answer.h"
 #include "CoreMinimal.h"
+#include "Corvane.h"
 #include "HAL/CriticalSection.h"
 #include "Interfaces/IHttpRequest.h"
 
@@ -75,9 +76,9 @@ public:
 	/**
 	 * Sends a request. Nothing is called back inside this call, but where the engine calls back on the game thread and does
 	 * not take the request. Thread: any.
-	 * @param Receiver  is held until OnEnd was called.
+	 * @param InReceiver  is held until OnEnd was called.
 	 */
-	static TSharedRef<FCorvaneExchange> Start(const FCorvaneExchangeRequest& Asked, const TSharedRef<FCorvaneExchangeReceiver>& Receiver);
+	static TSharedRef<FCorvaneExchange> Start(const FCorvaneExchangeRequest& Asked, const TSharedRef<FCorvaneExchangeReceiver>& InReceiver);
 
 	/** Ends it soon, through OnEnd; bytes may come before. Harmless when it is over. Thread: any. */
 	void Cancel();
@@ -85,24 +86,23 @@ public:
 	explicit FCorvaneExchange(const TSharedRef<FCorvaneExchangeReceiver>& InReceiver); // for MakeShared: use Start
 
 private:
-	static void Bind(const TSharedRef<FCorvaneExchange>& Self, IHttpRequest& Request);
-	static void Fill(const FCorvaneExchangeRequest& Asked, IHttpRequest& Request);
+	static void Bind(const TSharedRef<FCorvaneExchange>& Self, IHttpRequest& OutRequest);
+	static void Fill(const FCorvaneExchangeRequest& Asked, IHttpRequest& OutRequest);
 	void Send(const FHttpRequestRef& InRequest, float InSilenceSeconds);
 	void TakeBytes(void* Bytes, int64& InOutNumber);
 	bool TellAnswer();
 	void Complete(const FHttpRequestPtr& Done, const FHttpResponsePtr& Response, bool bSucceeded);
-	ECorvaneExchangeEnd Judge(EHttpFailureReason Reason, bool bSucceeded) const;
+	ECorvaneExchangeEnd Judge(EHttpFailureReason Reason, bool bSucceeded) const CORVANE_REQUIRES(Guard);
 	bool MayBeCutInItsLines() const;
-	ECorvaneExchangeEnd JudgeConnectionError() const;
+	ECorvaneExchangeEnd JudgeConnectionError() const CORVANE_REQUIRES(Guard);
 
 	const TSharedRef<FCorvaneExchangeReceiver> Receiver;
 	bool bAsksForBody = false;
 	FCriticalSection Guard;
-	// Under Guard:
-	FHttpRequestPtr Request; // null once it is over
-	double StartedAt = 0;
-	float SilenceSeconds = 0;
-	bool bSent = false; // so that a refusal which is told inside ProcessRequest is known for one
+	FHttpRequestPtr Request CORVANE_GUARDED_BY(Guard); // null once it is over
+	double StartedAt CORVANE_GUARDED_BY(Guard) = 0;
+	float SilenceSeconds CORVANE_GUARDED_BY(Guard) = 0;
+	bool bSent CORVANE_GUARDED_BY(Guard) = false; // so that a refusal which is told inside ProcessRequest is known for one
 	// On the threads of the callbacks, which come one after the other:
 	FCorvaneAnswerReader Reader;
 	int64 BodyBytes = 0;
