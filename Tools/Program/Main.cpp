@@ -1,5 +1,6 @@
 #include "Commands.h"
 #include "Console.h"
+#include "EndSignals.h"
 #include "InputError.h"
 #include "NearestName.h"
 
@@ -43,6 +44,7 @@ namespace
 			help->add_option("VERB", helpTopic, "The verb that it is about");
 			run->formatter(std::make_shared<ScriptUsage>());
 			addDirectories(*run);
+			addVerbose(*run);
 			run->prefix_command(); // everything from SCRIPT on belongs to the script, options too
 			addDirectories(*callFunction);
 			addDriveBase(*nodes);
@@ -58,7 +60,7 @@ namespace
 			callFunction->add_option("-H,--header", call.headers, "A header of the request: -H 'Accept: text/plain'")
 				->allow_extra_args(false);
 			callFunction->add_option("--timeout", call.timeoutSeconds, "Give up after so many seconds")->check(CLI::PositiveNumber);
-			callFunction->add_flag("-v,--verbose", call.verbose, "Tell request and answer on standard error, without secrets");
+			addVerbose(*callFunction);
 			callFunction->add_option("FUNCTION", call.function, "Class.function, or the function's name alone")->required();
 			callFunction->add_option("PIN=VALUE", call.pins,
 				"Enumerations by name, lists and maps as JSON: header='{\"Accept\":\"text/plain\"}'; a body may be @FILE");
@@ -67,6 +69,12 @@ namespace
 		void addDriveBase(CLI::App& verb)
 		{
 			verb.add_option("--drive-base", settings.driveBase, "Scheme and host that stand for those of Drive");
+		}
+
+		void addVerbose(CLI::App& verb)
+		{
+			verb.add_flag(
+				"-v,--verbose", settings.verbose, "Tell lines and headers of requests and answers on standard error, without secrets");
 		}
 
 		void addDirectories(CLI::App& verb)
@@ -134,6 +142,17 @@ namespace
 		return *line.nodes ? Program::listNodes(line.nodesOptions) : Program::runDemo(line.settings);
 	}
 
+	/** @return the exit status that says so. */
+	int fail(const std::exception& error, int status)
+	{
+		const bool isOfOutput = status == Program::exitFailed && std::ferror(stdout); // this is told when the output ends
+		if (!isOfOutput && !Program::EndSignals::asked())
+		{
+			Program::complain(fmt::format("corvane: {}", error.what()));
+		}
+		return status;
+	}
+
 	int runCommand(int argc, char** argv)
 	{
 		CommandLine line;
@@ -149,16 +168,11 @@ namespace
 		}
 		catch (const Reflect::InputError& error)
 		{
-			Program::complain(fmt::format("corvane: {}", error.what()));
-			return Program::exitUsage;
+			return fail(error, Program::exitUsage);
 		}
 		catch (const std::exception& error)
 		{
-			if (!std::ferror(stdout)) // else this is told when the output ends
-			{
-				Program::complain(fmt::format("corvane: {}", error.what()));
-			}
-			return Program::exitFailed;
+			return fail(error, Program::exitFailed);
 		}
 	}
 } // namespace
@@ -166,7 +180,13 @@ namespace
 int main(int argc, char** argv)
 {
 	Program::openConsole();
+	const Program::EndSignals signals;
 	const int status = runCommand(argc, argv);
+	if (const int signal = Program::EndSignals::asked())
+	{
+		std::fflush(stdout);
+		Program::EndSignals::endAs(signal);
+	}
 	const bool isWritten = Program::finishOutput();
 	return isWritten || status != Program::exitGood ? status : Program::exitFailed;
 }

@@ -2,6 +2,7 @@
 
 #include "Context.h"
 #include "CoreTypes.h"
+#include "EndHook.h"
 #include "Globals.h"
 #include "Waiting.h"
 
@@ -15,6 +16,10 @@ namespace Script
 		*static_cast<Context**>(lua_getextraspace(lua)) = context.get(); // coroutines inherit it
 		context->main = context->running = lua;
 		luaL_openlibs(lua);
+		if (context->loop.isToEnd)
+		{
+			openEndHook(lua);
+		}
 		openGlobals(lua);
 		openWaiting(lua);
 	}
