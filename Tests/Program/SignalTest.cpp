@@ -50,7 +50,7 @@ namespace
 		// Ctrl-C at a terminal takes the progress bar away.
 		{R"sh(mkfifo keys; exec 3<> keys; touch screen; (until grep -q received screen; do :; done; printf '\003' >&3) &
 			script -qefc "$c call CreateHttpRequestGETDownload $b filePathWithFileName=file" screen <&3)sh",
-			"", "", {}, 130, ContainsRegex("received of 0.2 MiB.*\r\x1b\\[Kcorvane: interrupted; kept [0-9]* bytes"), IsEmpty()},
+			"", "", {}, 130, ContainsRegex("received of 195.3 KiB.*\r\x1b\\[Kcorvane: interrupted; kept [0-9]* bytes"), IsEmpty()},
 	};
 
 	/** Sends half of a file, and never the rest; takes what it is sent. */

@@ -1,11 +1,10 @@
+#include "CommandLineFaults.h"
 #include "Commands.h"
 #include "Console.h"
 #include "EndSignals.h"
 #include "InputError.h"
-#include "NearestName.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <fmt/core.h>
 
 namespace
@@ -97,24 +96,12 @@ namespace
 		return Program::runScript(line.settings, script, arguments);
 	}
 
-	/** The parser only says that a verb is missing. */
-	void checkVerb(const CLI::App& app, const std::string& word)
-	{
-		std::vector<std::string> verbs;
-		for (const CLI::App* verb : app.get_subcommands(nullptr))
-		{
-			verbs.push_back(verb->get_name());
-		}
-		const bool isVerb = std::find(verbs.begin(), verbs.end(), word) != verbs.end();
-		if (!isVerb && !word.empty() && !word.starts_with('-'))
-		{
-			throw Reflect::InputError(fmt::format("there is no verb '{}'{}", word, Reflect::suggestion(word, verbs)));
-		}
-	}
-
 	int printHelp(const CommandLine& line)
 	{
-		checkVerb(line.app, line.helpTopic);
+		if (!line.helpTopic.empty())
+		{
+			Program::checkVerb(line.app, line.helpTopic);
+		}
 		const CommandLine fresh; // this one would speak of the verb "help" only
 		const CLI::App& app = line.helpTopic.empty() ? fresh.app : *fresh.app.get_subcommand(line.helpTopic);
 		fmt::print("{}", app.help(line.helpTopic.empty() ? "" : "corvane"));
@@ -158,13 +145,14 @@ namespace
 		CommandLine line;
 		try
 		{
-			checkVerb(line.app, argc > 1 ? argv[1] : "");
+			Program::checkVerb(line.app, argc > 1 ? argv[1] : "");
 			line.app.parse(argc, argv);
 			return carryOut(line);
 		}
 		catch (const CLI::ParseError& error)
 		{
-			return line.app.exit(error) == 0 ? Program::exitGood : Program::exitUsage; // asking for help is no error
+			const bool isAnswer = error.get_exit_code() == 0; // to whoever asked for help
+			return isAnswer ? line.app.exit(error) : fail(Reflect::InputError(Program::explain(line.app, error)), Program::exitUsage);
 		}
 		catch (const Reflect::InputError& error)
 		{
