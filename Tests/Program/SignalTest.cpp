@@ -44,6 +44,8 @@ namespace
 			130, "ready", "corvane: interrupted\n"},
 		{"mkfifo f; exec 3<> f; { head -c 100000 /dev/zero >&3; echo ready; } & exec $c call CreateHttpRequestIndividual $b contentBody=@/dev/stdin <&3",
 			"", "ready", {SIGHUP}, 129, "ready\n", "corvane: hung up\n"},
+		{"exec $c run script.lua", "print(os.execute('exit 3')) ready() os.execute('exec sleep 1000') print('on')", "ready", {SIGINT}, 130,
+			"nil\texit\t3\nready", "corvane: interrupted\n"},
 		{"exec $c demo", "", "first request", {SIGINT}, 130, StartsWith("== 01-get.lua"), "corvane: interrupted\n"},
 		{"trap '' HUP; exec $c run script.lua", "ready() print(wait(function() end, 0.3))", "ready", {SIGHUP}, 0, "readyfalse\n",
 			IsEmpty()},
@@ -102,11 +104,11 @@ TEST(Signal, EndsEveryVerbInOrder)
 	}
 }
 
-/** The program waits for another one, which no first wish shortens. */
+/** The program waits for another one that does not end. */
 TEST(Signal, OfASecondWishEndsWithoutOrder)
 {
 	const TempDir directory;
-	const char* const busy = "os.execute('echo ready; while kill -0 $PPID 2> /dev/null; do sleep 0.1; done')";
+	const char* const busy = "os.execute('trap : TERM; echo ready; while kill -0 $PPID 2> /dev/null; do sleep 0.1; done')";
 	RunningProcess process({CORVANE_PROGRAM, "run", directory.write("script.lua", busy)});
 	ASSERT_TRUE(waitFor([&] { return process.out() == "ready\n"; }));
 	const auto begin = std::chrono::steady_clock::now();

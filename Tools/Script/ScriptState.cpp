@@ -3,6 +3,7 @@
 #include "Context.h"
 #include "CoreTypes.h"
 #include "EndHook.h"
+#include "Execute.h"
 #include "Globals.h"
 #include "Waiting.h"
 
@@ -20,6 +21,7 @@ namespace Script
 		{
 			openEndHook(lua);
 		}
+		openExecute(lua);
 		openGlobals(lua);
 		openWaiting(lua);
 	}
