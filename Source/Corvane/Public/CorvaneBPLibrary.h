@@ -575,6 +575,8 @@ public:
 
 	/** @return true while a transfer, a worker or a queued file job is left, so that a program knows when it may end. Thread: any. */
 	static bool hasPendingWork();
+	/** @return full paths of the files that downloads under way write, whether they are there yet or not. Thread: any. */
+	static TArray<FString> filesOfRunningDownloads();
 
 	/** Refuses new requests, cancels the running ones and waits up to 5 seconds for their workers. */
 	void shutDown();
