@@ -30,6 +30,7 @@ engine_fit() {
 
 check "layout" python3 Scripts/check_layout.py
 check "guides" python3 Scripts/check_guides.py
+check "graphs and pages" Scripts/check_graphs.sh
 check "plug-in files" python3 Scripts/check_plugin.py
 check "package" Scripts/package.sh --check
 check "engine fit" engine_fit

@@ -1,0 +1,20 @@
+// The buttons that copy a graph. Without a script the text can be marked by hand.
+"use strict";
+
+/** For browsers that keep the clipboard from pages in folders. */
+function copyMarked(element) {
+	element.closest("details").open = true;
+	getSelection().selectAllChildren(element);
+	return document.execCommand("copy");
+}
+
+async function copyText(button) {
+	const source = button.closest("figure").querySelector("pre");
+	const copied = await navigator.clipboard.writeText(source.textContent).then(() => true, () => copyMarked(source));
+	button.textContent = copied ? "Copied" : "Marked below: copy it from there";
+}
+
+for (const button of document.querySelectorAll("button.copy")) {
+	button.hidden = false;
+	button.addEventListener("click", () => copyText(button));
+}
