@@ -31,6 +31,20 @@ namespace Program
 			return link.find("://") == std::string::npos ? "" : link;
 		}
 
+		std::string withLinks(std::string html, const std::vector<NodeFacts>& nodes)
+		{
+			for (const NodeFacts& facts : nodes)
+			{
+				const std::string mark = fmt::format("<code>{}</code>", escapeHtml(facts.ownName()));
+				const std::string link = fmt::format("<a href=\"{}\">{}</a>", escapeHtml(pageName(facts)), mark);
+				for (size_t place = html.find(mark); place != std::string::npos; place = html.find(mark, place + link.size()))
+				{
+					html.replace(place, mark.size(), link);
+				}
+			}
+			return html;
+		}
+
 		/** Puts the graph itself in the place of its picture. */
 		std::string withFigure(const std::string& html, const Guide& guide)
 		{
@@ -46,6 +60,9 @@ namespace Program
 	std::string guidePage(const Reference& reference, const Guide& guide)
 	{
 		const std::string html = markdownToHtml(guide.text, [&](const std::string& link) { return pageOf(reference, link); });
-		return htmlPage(guide.title, "<p class=\"path\"><span class=\"kind\">guide</span></p>\n" + withFigure(html, guide), graphScripts);
+		return htmlPage(guide.title,
+			fmt::format("<p class=\"path\"><span class=\"kind\">guide</span></p>\n<article>\n{}</article>\n",
+				withFigure(withLinks(html, reference.nodes), guide)),
+			graphScripts);
 	}
 } // namespace Program

@@ -66,7 +66,7 @@ namespace Program
 			std::string kind;
 			std::string page;
 			std::string title;
-			std::string name; // as scripts write it; empty = the same as the title
+			std::string name; // what it is called elsewhere; empty = the same as the title
 			std::string shown; // beside the title
 			std::string words; // what else a search may find
 		};
@@ -106,7 +106,7 @@ namespace Program
 			std::vector<Entry> entries;
 			for (const Example& example : examples)
 			{
-				entries.push_back({"example", pageName(example), example.title, "", example.file, example.text});
+				entries.push_back({"example", pageName(example), example.title, example.file, example.file, example.text});
 			}
 			return section("Examples", entries);
 		}

@@ -14,7 +14,7 @@ const entries = Array.from(document.querySelectorAll("ul.nodes li"), (element, p
 	element,
 	place,
 	section: element.closest("section"),
-	name: wordsOf(element.querySelector("a").textContent + " " + element.dataset.name),
+	name: wordsOf(element.dataset.name || element.querySelector("a").textContent),
 	words: wordsOf(element.dataset.words + " " + element.textContent),
 }));
 
