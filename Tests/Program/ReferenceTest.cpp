@@ -164,7 +164,7 @@ bind onhttpRequestCompleteDelegate
 target = getCorvaneTarget
 getCleanDirectory
 	directoryType: E_ad
-	filePath: a "b" c:\d
+	filePath: a "b" < c:\d
 AsyncExecuteHTTP_GET_REQUEST
 
 answer = event Answered of onhttpRequestCompleteDelegate
@@ -177,7 +177,7 @@ print
 			R"(DelegateReference=(MemberParent="/Script/CoreUObject.Class'/Script/Corvane.CorvaneBPLibrary'",MemberName="onhttpRequestCompleteDelegate"))",
 			R"(MemberParent="/Script/CoreUObject.Package'/Script/Corvane'",MemberName="httpRequestCompleteDelegate__DelegateSignature")",
 			R"(PinSubCategoryObject="/Script/CoreUObject.Enum'/Script/Corvane.EFileFunctionsCorvDirectoryType'")", R"(DefaultValue="E_ad")",
-			R"(DefaultValue="a \"b\" c:\\d")", "bIsPureFunc=True",
+			R"(DefaultValue="a \"b\" < c:\\d")", "bIsPureFunc=True",
 			R"(ProxyClass="/Script/CoreUObject.Class'/Script/Corvane.AsyncNodeHttpRequest'")",
 			R"(UserDefinedPin (PinName="byteData",PinType=(PinCategory="byte",ContainerType=Array,bIsReference=True,bIsConst=True))",
 			R"(PinName="header",PinType.PinCategory="string",PinType.PinSubCategory="",PinType.PinSubCategoryObject=None,)"

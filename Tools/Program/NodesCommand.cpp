@@ -38,7 +38,7 @@ namespace Program
 			{
 				for (const FEnumerator& value : pin.type->Enum()->Enumerators)
 				{
-					fmt::print("{}{} = {}: {}\n", indent, value.Name, value.Value, value.DisplayName);
+					fmt::print("{}{} = {}: {}. {}\n", indent, value.Name, value.Value, value.DisplayName, value.Comment);
 				}
 			}
 		}

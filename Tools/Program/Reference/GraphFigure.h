@@ -7,6 +7,6 @@ namespace Program
 	/** @return a graph in HTML: its drawing, and the text that the editor takes, with a button that copies it. */
 	std::string graphFigure(const Graph& graph);
 
-	/** What the head or end of a page with such figures needs. */
+	/** Stands at the end of a page with such figures. */
 	constexpr const char* graphScripts = "<script src=\"copy.js\"></script>\n";
 } // namespace Program

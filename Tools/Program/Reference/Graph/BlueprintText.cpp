@@ -109,7 +109,7 @@ namespace Program
 				const GraphPin& pin = graph[place];
 				const bool isNamedAnew = !pin.title.empty() && pin.title != displayName(pin.name, pin.type.category == "bool");
 				std::string text = fmt::format("PinId={},PinName={},", identifier(place), quote(pin.name));
-				text += isNamedAnew ? fmt::format("PinFriendlyName=NSLOCTEXT(\"\",{},{}),", quote(pin.title), quote(pin.title)) : "";
+				text += isNamedAnew ? fmt::format("PinFriendlyName=NSLOCTEXT(\"K2Node\",{},{}),", quote(pin.title), quote(pin.title)) : "";
 				text += pin.isOutput ? "Direction=\"EGPD_Output\"," : "";
 				text += typeMembers(pin.type) + links(place);
 				text += pin.value.empty() ? "" : fmt::format("DefaultValue={},", quote(pin.value));

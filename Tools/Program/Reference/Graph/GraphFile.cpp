@@ -161,37 +161,47 @@ namespace Program
 				const bool runs = graph.nodes[node].find("execute", false) < graph.nodes[node].pins.size();
 				if (beginsRow)
 				{
-					rows.emplace_back();
-					if (!runsAfter.empty())
-					{
-						connect(runsAfter, node, "execute");
-						rows.back().after = graph.wires.back().from.node;
-					}
+					beginRow(node);
 				}
 				else if (runs && previous)
 				{
 					graph.connect(*previous, "then", node, "execute");
 				}
-				previous = runs || graph.nodes[node].look == NodeLook::Event ? node : beginsRow ? std::nullopt : previous;
-				beginsRow = false;
+				if (runs || graph.nodes[node].look == NodeLook::Event)
+				{
+					previous = node;
+				}
+			}
+
+			void beginRow(size_t node)
+			{
+				rows.emplace_back();
+				if (!runsAfter.empty())
+				{
+					connect(runsAfter, node, "execute");
+					rows.back().after = graph.wires.back().from.node;
+				}
+				previous.reset();
 				runsAfter.clear();
+				beginsRow = false;
 			}
 
 			void readPin(const std::string& line)
 			{
-				std::string pin;
-				std::string other;
-				if (graph.nodes.empty() || !(cut(line, " < ", pin, other) || cut(line, ":", pin, other)))
+				const size_t end = std::min(line.find_first_of(" :"), line.size());
+				const std::string pin = line.substr(0, end);
+				const std::string mark = trimmed(line.substr(end)).substr(0, 1);
+				if (graph.nodes.empty() || (mark != ":" && mark != "<"))
 				{
 					throw std::out_of_range("'pin: value' or 'pin < node.pin' of a node is expected, found " + line);
 				}
-				const size_t node = graph.nodes.size() - 1;
-				if (line.starts_with(pin + " < "))
+				const std::string rest = trimmed(trimmed(line.substr(end)).substr(1));
+				if (mark == "<")
 				{
-					lateWires.push_back({other, node, pin, lineNumber});
+					lateWires.push_back({rest, graph.nodes.size() - 1, pin, lineNumber});
 					return;
 				}
-				setValue(graph.nodes[node], pin, other);
+				setValue(graph.nodes.back(), pin, rest);
 			}
 
 			void setValue(GraphNode& node, const std::string& name, const std::string& written) const
@@ -232,7 +242,7 @@ namespace Program
 			std::map<std::string, size_t> names;
 			std::vector<LateWire> lateWires;
 			const NodeFacts* facts = nullptr; // of the node that was read last, when it is a function
-			std::optional<size_t> previous; // what runs the next node of the row
+			std::optional<size_t> previous; // runs the next node of the row
 			std::string runsAfter; // what leads to the next row
 			bool beginsRow = true;
 			int lineNumber = 0;
