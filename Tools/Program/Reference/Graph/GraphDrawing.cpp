@@ -14,6 +14,16 @@ namespace Program
 	{
 		constexpr double border = 24;
 
+		/** What drawings of nodes and their ground refer to. */
+		constexpr std::string_view definitions = R"(<defs>
+<linearGradient id="fade">
+<stop offset="0.2" stop-color="#1d1e21" stop-opacity="0"/>
+<stop offset="1" stop-color="#1d1e21" stop-opacity="0.85"/>
+</linearGradient>
+<pattern id="grid" width="16" height="16" patternUnits="userSpaceOnUse"><path d="M16 0H0V16" fill="none" stroke="#343539"/></pattern>
+</defs>
+)";
+
 		Point placeOf(const Graph& graph, PinPlace place)
 		{
 			const Point pin = shapeOf(graph, place.node).pins[place.pin];
@@ -66,7 +76,12 @@ namespace Program
 						R"(xmlns="http://www.w3.org/2000/svg">)",
 				size.x, size.y, border);
 		svg += fmt::format("\n<title>{}</title>\n<desc>{}</desc>\n", escapeHtml(graph.title), escapeHtml(description(graph)));
-		svg += fmt::format(R"(<rect x="-{0}" y="-{0}" width="{1:.0f}" height="{2:.0f}" rx="6" fill="#2a2b2e"/>)", border, size.x, size.y);
+		svg += definitions;
+		for (const char* fill : {"#2a2b2e", "url(#grid)"})
+		{
+			svg += fmt::format(
+				R"(<rect x="-{0}" y="-{0}" width="{1:.0f}" height="{2:.0f}" rx="6" fill="{3}"/>)", border, size.x, size.y, fill);
+		}
 		for (const Wire& wire : graph.wires)
 		{
 			svg += "\n" + drawWire(graph, wire);

@@ -12,7 +12,7 @@ namespace Program
 	{
 		constexpr int gridSize = 16; // of the editor, where nodes snap in
 		constexpr double gapX = 64;
-		constexpr double gapY = 32;
+		constexpr double gapY = 64; // the editor may draw nodes higher than they are here
 
 		int onGrid(double length)
 		{

@@ -1,6 +1,5 @@
 #include "Graph/GraphNodes.h"
 
-#include "DisplayName.h"
 #include "Graph/GraphLayout.h"
 #include "Graph/PinTypes.h"
 
@@ -117,7 +116,7 @@ namespace Program
 
 	GraphNode bindNode(const NodeFacts& event)
 	{
-		GraphNode node{"K2Node_AddDelegate", "", {"DelegateReference=" + memberReference(event.owner, event.ownName())}, NodeLook::Event,
+		GraphNode node{"K2Node_AddDelegate", "", {"DelegateReference=" + memberReference(event.owner, event.ownName())}, NodeLook::Call,
 			"Bind Event to " + event.title, "", {}};
 		GraphPin handler{"Delegate", "Event", {"delegate"}};
 		handler.type.signature = signatureMembers(event.signature);
@@ -128,8 +127,8 @@ namespace Program
 
 	GraphNode customEvent(const std::string& name, const NodeFacts* event)
 	{
-		GraphNode node{"K2Node_CustomEvent", "", {fmt::format("CustomFunctionName=\"{}\"", name)}, NodeLook::Event, displayName(name),
-			"Custom Event", {}};
+		GraphNode node{
+			"K2Node_CustomEvent", "", {fmt::format("CustomFunctionName=\"{}\"", name)}, NodeLook::Event, name, "Custom Event", {}};
 		node.pins = {{"OutputDelegate", "", {"delegate"}, true}, executionPin("then", "", true)};
 		for (const PinFacts& pin : event ? event->pins : std::vector<PinFacts>())
 		{

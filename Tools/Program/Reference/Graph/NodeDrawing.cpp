@@ -15,6 +15,7 @@ namespace Program
 		constexpr double margin = 10;
 		constexpr double gap = 8; // between the pieces of a row
 		constexpr double middle = 42; // between the two sides
+		constexpr double iconWidth = 18; // before the title
 		constexpr double clockWidth = 40;
 
 		std::string_view titleColour(NodeLook look)
@@ -50,7 +51,8 @@ namespace Program
 
 		double titleWidth(const GraphNode& node)
 		{
-			return std::max(textWidth(node.title, titleStyle), textWidth(node.subtitle, subtitleStyle)) + 2 * margin + clockWidth;
+			return std::max(textWidth(node.title, titleStyle), textWidth(node.subtitle, subtitleStyle)) + 2 * margin + iconWidth +
+				   clockWidth;
 		}
 
 		std::string drawPinAt(const Graph& graph, PinPlace place, Point end)
@@ -74,12 +76,24 @@ namespace Program
 				x, y, y - 4.5);
 		}
 
+		/** An arrow in a diamond for what begins by itself, the sign of a function for what is called. */
+		std::string drawIcon(NodeLook look, double x, double y)
+		{
+			static constexpr TextStyle functionStyle{16, "#9fd0ff", " font-style=\"italic\" font-weight=\"600\""};
+			return look == NodeLook::Event
+					   ? fmt::format(R"(<path d="M{} {}l6 6l-6 6l-6 -6z" fill="none" stroke="#ffffff" stroke-width="1.5"/>)", x + 6, y - 6)
+					   : drawText(x + 2, y, "f", functionStyle);
+		}
+
+		/** Titles grow dark to their right. */
 		std::string drawTitle(const GraphNode& node, double width)
 		{
-			std::string svg = fmt::format(R"(<path d="M1 {0}V9a8 8 0 0 1 8 -8H{1}a8 8 0 0 1 8 8V{0}z" fill="{2}"/>)", titleHeight(node),
-				width - 9, titleColour(node.look));
-			svg += drawText(margin + 4, 16, node.title, titleStyle);
-			svg += node.subtitle.empty() ? "" : drawText(margin + 4, 34, node.subtitle, subtitleStyle);
+			const std::string outline = fmt::format("M1 {0}V9a8 8 0 0 1 8 -8H{1}a8 8 0 0 1 8 8V{0}z", titleHeight(node), width - 9);
+			std::string svg =
+				fmt::format(R"svg(<path d="{0}" fill="{1}"/><path d="{0}" fill="url(#fade)"/>)svg", outline, titleColour(node.look));
+			svg += drawIcon(node.look, margin, 16);
+			svg += drawText(margin + iconWidth, 16, node.title, titleStyle);
+			svg += node.subtitle.empty() ? "" : drawText(margin + iconWidth, 34, node.subtitle, subtitleStyle);
 			return svg + (node.look == NodeLook::Latent ? drawClock(width - 18, 16) : "");
 		}
 
