@@ -8,10 +8,18 @@ function copyMarked(element) {
 	return document.execCommand("copy");
 }
 
+async function copy(element) {
+	try {
+		await navigator.clipboard.writeText(element.textContent);
+		return true;
+	} catch {
+		return copyMarked(element);
+	}
+}
+
 async function copyText(button) {
-	const source = button.closest("figure").querySelector("pre");
-	const copied = await navigator.clipboard.writeText(source.textContent).then(() => true, () => copyMarked(source));
-	button.textContent = copied ? "Copied" : "Marked below: copy it from there";
+	const isCopied = await copy(button.closest("figure").querySelector("pre"));
+	button.textContent = isCopied ? "Copied" : "Marked below: copy it from there";
 }
 
 for (const button of document.querySelectorAll("button.copy")) {
