@@ -99,8 +99,9 @@ namespace
 			{"CorvaneBPLibrary.CreateHttpRequestGET  [Corvane|GET]\n    Send a GET HTTP Request to Webserver.\n",
 				"  in     header: map of string to string\n", "  out    requestID: string\n",
 				"  in     directoryType: EFileFunctionsCorvDirectoryType (E_gd, E_ad)\n",
-				"           STREAM = 1: Content as Stream (Filepath)\n", "           at least 3 characters, sent as given.\n",
-				"  event  OnSuccess\n", "AsyncNodeHttpDownloadUpload.AsyncExecuteHTTP_Download_REQUEST  [Corvane|Download]\n"},
+				"           STREAM = 1: Content as Stream (Filepath). The content is the path of a file",
+				"           at least 3 characters, sent as given.\n", "  event  OnSuccess\n",
+				"AsyncNodeHttpDownloadUpload.AsyncExecuteHTTP_Download_REQUEST  [Corvane|Download]\n"},
 			{}},
 	};
 
