@@ -26,5 +26,6 @@ install(FILES ${manual}.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT Co
 install(FILES ${changes}.gz DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/corvane COMPONENT Command)
 install(FILES ${completion} DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT Command)
 install(DIRECTORY Examples/ DESTINATION ${shared_files}/examples COMPONENT Command PATTERN CppProject EXCLUDE)
-install(FILES Tools/Program/Reference/reference.css Tools/Program/Reference/reference.js
+install(DIRECTORY Docs/guides/ DESTINATION ${shared_files}/guides COMPONENT Command)
+install(FILES Tools/Program/Reference/reference.css Tools/Program/Reference/copy.js Tools/Program/Reference/search.js
   DESTINATION ${shared_files}/reference COMPONENT Command)

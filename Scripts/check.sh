@@ -34,6 +34,7 @@ package() {
 
 check "layout" python3 Scripts/check_layout.py
 check "guides" python3 Scripts/check_guides.py
+check "graphs and pages" Scripts/check_graphs.sh
 check "plug-in files" python3 Scripts/check_plugin.py
 check "package" package
 check "installed command" Scripts/check_install.sh

@@ -150,8 +150,8 @@ namespace HeaderTool
 			for (const EnumeratorDef& enumerator : def.enumerators)
 			{
 				const Specifier* const display = enumerator.specifiers.find("DisplayName");
-				rows += fmt::format("\t\t{{{}, {}, {}}},\n", quote(enumerator.name), enumerator.value,
-					quote(display ? display->value.value_or("") : enumerator.name));
+				rows += fmt::format("\t\t{{{}, {}, {}, {}}},\n", quote(enumerator.name), enumerator.value,
+					quote(display ? display->value.value_or("") : enumerator.name), quote(enumerator.comment));
 			}
 			const Table meta = metaTable("Meta", def.specifiers);
 			const std::string definition =
@@ -240,8 +240,8 @@ namespace HeaderTool
 				text += table.text;
 				references += ", " + table.reference;
 			}
-			return fmt::format("\nnamespace {0}\n{{\n{1}\tstatic FCompiledInHeader Header({2}{3});\n}} // namespace {0}\n", space, text,
-				quote(header.fileName), references);
+			return fmt::format("\nnamespace {0}\n{{\n{1}\tstatic FCompiledInHeader Header({2}, {3}{4});\n}} // namespace {0}\n", space,
+				text, quote(module), quote(header.fileName), references);
 		}
 
 		template <class Def, class Define>

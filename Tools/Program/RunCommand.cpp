@@ -1,6 +1,6 @@
 #include "Commands.h"
 #include "Console.h"
-#include "CorvaneBPLibrary.h"
+#include "EndSignals.h"
 #include "InputError.h"
 #include "ScriptState.h"
 
@@ -24,13 +24,14 @@ namespace Program
 		}
 	} // namespace
 
-	int runToEnd(FGameLoop& loop, const std::string& path, const std::vector<std::string>& arguments)
+	int runToEnd(ProgramLoop& loop, const std::string& path, const std::vector<std::string>& arguments)
 	{
 		Script::ScriptState script({[&loop] { loop.Tick(); },
-			[&loop](const std::function<bool()>& condition, double seconds) { return loop.WaitFor(condition, seconds); }, printLine});
+			[&loop](const std::function<bool()>& condition, double seconds) { return loop.WaitFor(condition, seconds); }, printLine,
+			[] { return EndSignals::asked() != 0; }});
 		if (script.runFile(path, arguments))
 		{
-			loop.RunUntilIdle(UCorvaneBPLibrary::hasPendingWork, [&script] { return script.hasEnded() || std::ferror(stdout); });
+			loop.runToIdle([&script] { return script.hasEnded(); });
 		}
 		std::fflush(stdout); // before the error, so that the two stand in order where both go to one place
 		if (!script.error().empty())

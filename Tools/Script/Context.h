@@ -20,8 +20,9 @@ namespace Script
 
 		static Context& of(lua_State* lua) { return **static_cast<Context**>(lua_getextraspace(lua)); }
 
-		bool hasEnded() const { return !error.empty() || exitStatus.has_value(); }
-		/** Remembers an error unless an earlier one is remembered, or the script ended itself. */
+		bool isToldToEnd() const { return loop.isToEnd && loop.isToEnd(); }
+		bool hasEnded() const { return !error.empty() || exitStatus.has_value() || isToldToEnd(); }
+		/** Remembers an error unless the script has ended by then. */
 		void fail(const std::string& message);
 
 		ProgramAccess program;

@@ -2,6 +2,8 @@
 
 #include "Context.h"
 #include "CoreTypes.h"
+#include "EndHook.h"
+#include "Execute.h"
 #include "Globals.h"
 #include "Json.h"
 #include "Print.h"
@@ -17,6 +19,11 @@ namespace Script
 		*static_cast<Context**>(lua_getextraspace(lua)) = context.get(); // coroutines inherit it
 		context->main = context->running = lua;
 		luaL_openlibs(lua);
+		if (context->loop.isToEnd)
+		{
+			openEndHook(lua);
+		}
+		openExecute(lua);
 		openGlobals(lua);
 		openJson(lua);
 		openPrint(lua);

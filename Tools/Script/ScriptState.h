@@ -19,6 +19,8 @@ namespace Script
 		std::function<bool(const std::function<bool()>& condition, double seconds)> waitFor;
 		/** Writes a line that the script prints. */
 		std::function<void(std::string_view line)> print;
+		/** Whether the script is to end wherever it stands; asked often. Empty = never. */
+		std::function<bool()> isToEnd = nullptr;
 	};
 
 	/**
@@ -44,7 +46,7 @@ namespace Script
 		/** The same for a script in memory; chunkName is what error messages call it. */
 		bool runText(const std::string& text, const std::string& chunkName = "script");
 
-		/** @return true when the script is to run no further: an error, also in a handler, or a call of os.exit. */
+		/** @return true when the script is to run no further: an error, also in a handler, a call of os.exit, or the program's end. */
 		bool hasEnded() const;
 		/** @return message and traceback of the first error, of a handler or of the script; empty when there was none. */
 		const std::string& error() const;

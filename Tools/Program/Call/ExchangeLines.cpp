@@ -5,98 +5,85 @@
 #include <algorithm>
 #include <cctype>
 #include <fmt/format.h>
+#include <iterator>
+#include <string>
 
 namespace Program
 {
 	namespace
 	{
-		bool isSecret(const std::string& header)
+		constexpr std::string_view hidden = "(hidden)";
+		constexpr std::string_view afterAddress = " \t\"'<>";
+
+		/** @param name  of a header or of a field in a query. */
+		bool isSecret(std::string_view name)
 		{
-			std::string name = header;
-			std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-			const auto holds = [&](const char* part) { return name.find(part) != std::string::npos; };
-			return holds("auth") || holds("cookie") || holds("token") || holds("secret") || holds("password") || holds("key");
+			constexpr std::string_view parts[] = {
+				"auth", "cookie", "token", "secret", "passw", "pwd", "key", "signature", "credential", "session"};
+			std::string lower(name);
+			std::transform(lower.begin(), lower.end(), lower.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+			const bool isQuestion = lower.ends_with("-authenticate"); // what a server asks for
+			return lower == "sig" || (!isQuestion && std::any_of(std::begin(parts), std::end(parts),
+														 [&](std::string_view part) { return lower.find(part) != lower.npos; }));
 		}
 
-		void tellHeader(const char* mark, const std::string& name, const std::string& value)
+		/** Takes the name and the password out of the addresses in a text. */
+		void hideLogins(std::string& text)
 		{
-			complain(fmt::format("{} {}: {}", mark, name, isSecret(name) ? "(hidden)" : value));
-		}
-
-		/** @return an address without the name and the password in it. */
-		std::string withoutLogin(const std::string& address)
-		{
-			const size_t host = address.find("://") == std::string::npos ? 0 : address.find("://") + 3;
-			const size_t end = std::min(address.find_first_of("/?#", host), address.size());
-			const size_t login = address.rfind('@', end);
-			const bool hasLogin = login != std::string::npos && login >= host && login < end;
-			return hasLogin ? address.substr(0, host) + "(hidden)" + address.substr(login) : address;
-		}
-
-		/** Tokens travel in queries, too. */
-		std::string withoutSecrets(std::string address)
-		{
-			for (size_t begin = address.find('?'); begin != std::string::npos; begin = address.find('&', begin + 1))
+			for (size_t host = text.find("://"); host != text.npos; host = text.find("://", host))
 			{
-				const size_t equals = address.find('=', begin);
-				const size_t end = std::min(address.find_first_of("&#", begin + 1), address.size());
-				if (equals < end && isSecret(address.substr(begin, equals - begin)))
+				host += 3;
+				const size_t end = std::min(text.find_first_of(std::string("/?#").append(afterAddress), host), text.size());
+				const size_t login = text.substr(0, end).rfind('@');
+				if (login != text.npos && login >= host)
 				{
-					address.replace(equals + 1, end - equals - 1, "(hidden)");
+					text.replace(host, login - host, hidden);
 				}
 			}
-			return address;
 		}
 
-		/** @return null when there is no such pin. */
-		Json pin(const Reflect::CallFrame& frame, const char* name)
+		/** Tokens travel in queries and fragments, too. */
+		void hideFields(std::string& text)
 		{
-			const std::optional<size_t> index = frame.findInput(name);
-			if (!index)
+			constexpr std::string_view separators = "?#&;";
+			for (size_t mark = text.find_first_of("?#"); mark != text.npos; mark = text.find_first_of(separators, mark + 1))
 			{
-				return nullptr;
+				const size_t end = std::min(text.find_first_of(std::string(separators).append(afterAddress), mark + 1), text.size());
+				const size_t equals = text.find('=', mark);
+				if (equals < end && isSecret(std::string_view(text).substr(mark + 1, equals - mark - 1)))
+				{
+					text.replace(equals + 1, end - equals - 1, hidden);
+				}
 			}
-			JsonSink sink;
-			Reflect::writeValue(frame[*index].type(), frame[*index].get(), sink);
-			return sink.take();
 		}
 
-		/** Only individual requests have a pin for it; the others are named after their verb. */
-		std::string verbOf(const Reflect::Function& function, const Reflect::CallFrame& frame)
+		/** @param line  a header, or the first line of a head. */
+		std::string withoutSecrets(std::string_view line)
 		{
-			const Json verb = pin(frame, "verb");
-			const std::string& name = function.name;
-			const auto named = [&](const char* part) { return name.find(part) != std::string::npos; };
-			return verb.is_string() ? verb.get<std::string>() : named("PUT") ? "PUT" : named("POST") ? "POST" : "GET";
+			const size_t colon = line.find(':');
+			const std::string_view name = line.substr(0, colon);
+			const bool isHeader = colon != line.npos && name.find(' ') == name.npos;
+			if (isHeader && isSecret(name))
+			{
+				return fmt::format("{}: {}", name, hidden);
+			}
+			std::string shown(line);
+			hideLogins(shown);
+			hideFields(shown);
+			return shown;
 		}
 	} // namespace
 
-	void tellRequest(const Reflect::Function& function, const Reflect::CallFrame& frame)
+	void tellHead(bool isSent, std::string_view head)
 	{
-		const Json url = pin(frame, "url");
-		if (url.is_string())
+		std::string told;
+		while (!head.empty())
 		{
-			complain(fmt::format("> {} {}", verbOf(function, frame), withoutSecrets(withoutLogin(url.get<std::string>()))));
+			const size_t end = std::min(head.find('\n'), head.size());
+			const std::string_view line = head.substr(0, end);
+			told += fmt::format("{} {}\n", isSent ? '>' : '<', withoutSecrets(line.substr(0, line.find_last_not_of('\r') + 1)));
+			head.remove_prefix(std::min(end + 1, head.size()));
 		}
-		const Json header = pin(frame, "header");
-		for (const auto& [name, value] : header.items())
-		{
-			tellHeader(">", name, value.get<std::string>());
-		}
-	}
-
-	void tellAnswer(const Json& pins)
-	{
-		if (pins.contains("statusCode"))
-		{
-			complain(fmt::format("< {}", pins["statusCode"].dump()));
-		}
-		for (const Json& line : pins.value("header", Json::array()))
-		{
-			const std::string text = line.get<std::string>();
-			const size_t colon = std::min(text.find(':'), text.size());
-			const size_t value = std::min(text.find_first_not_of(": ", colon), text.size());
-			tellHeader("<", text.substr(0, colon), text.substr(value));
-		}
+		complain(told.substr(0, told.size() - 1)); // at once, so that heads of several transfers do not mix
 	}
 } // namespace Program

@@ -3,6 +3,7 @@
 #include "Host/Log.h"
 #include "ValueTransfer.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -98,6 +99,19 @@ namespace Program
 			}
 		}
 		return safe;
+	}
+
+	void leaveOutOfLog(const std::vector<std::string>& texts)
+	{
+		HostLog::SetSink(
+			[texts](const char* category, ELogVerbosity::Type verbosity, const FString& line)
+			{
+				const std::string logged = Reflect::toUtf8(line);
+				if (std::none_of(texts.begin(), texts.end(), [&](const std::string& text) { return logged.find(text) != logged.npos; }))
+				{
+					writeLogLine(category, verbosity, line);
+				}
+			});
 	}
 
 	std::string fitFor(std::FILE* stream, std::string_view text)

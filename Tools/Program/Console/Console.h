@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /** Standard output and standard error of the command, as people at a terminal and programs at the other end read them. */
 namespace Program
@@ -25,6 +26,9 @@ namespace Program
 
 	/** Writes a line to standard error, in place of a status. Never throws, since nobody could be told. Thread: any. */
 	void complain(std::string_view line);
+
+	/** From here on the log leaves out lines that hold one of these texts, because they are told otherwise. */
+	void leaveOutOfLog(const std::vector<std::string>& texts);
 
 	/**
 	 * Writes out what waits for standard output. A reader that has gone ends the process without a word, as it ends others.

@@ -38,6 +38,15 @@ namespace Program
 			return size > 1.5;
 		}
 
+		/** @return "12.3 MiB", or a smaller unit where that would tell nothing. */
+		std::string sizeInWords(double bytes)
+		{
+			constexpr double kibibyte = 1 << 10;
+			return bytes >= mebibyte   ? fmt::format("{:.1f} MiB", bytes / mebibyte)
+				   : bytes >= kibibyte ? fmt::format("{:.1f} KiB", bytes / kibibyte)
+									   : fmt::format("{:.0f} bytes", bytes);
+		}
+
 		/** @return the width of the terminal behind standard error. */
 		size_t columns()
 		{
@@ -57,8 +66,8 @@ namespace Program
 	std::string ProgressBar::amount(const Progress& progress)
 	{
 		return isSizeKnown(progress.size)
-				   ? fmt::format("{:3.0f} % {} of {:.1f} MiB", progress.percent, progress.direction, progress.size / mebibyte)
-				   : fmt::format("{:.1f} MiB {}", progress.done / mebibyte, progress.direction);
+				   ? fmt::format("{:3.0f} % {} of {}", progress.percent, progress.direction, sizeInWords(progress.size))
+				   : fmt::format("{} {}", sizeInWords(progress.done), progress.direction);
 	}
 
 	ProgressBar::ProgressBar(bool tellsInLines)
@@ -139,7 +148,7 @@ namespace Program
 			return "";
 		}
 		const double left = std::max(progress.size - progress.done, 0.0);
-		return fmt::format(", {:.1f} MiB/s", speed / mebibyte) +
+		return fmt::format(", {}/s", sizeInWords(speed)) +
 			   (isSizeKnown(progress.size) ? fmt::format(", {} left", inWords(left / speed)) : "");
 	}
 } // namespace Program

@@ -7,10 +7,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <fmt/format.h>
-#include <fstream>
 #include <iterator>
+#include <memory>
 #include <set>
 
 namespace Program
@@ -34,12 +35,17 @@ namespace Program
 			return type.Kind == EPropertyKind::Array && holdsTexts(type) ? fmt::format(R"(; it is written {}='["one","two"]')", pin) : "";
 		}
 
+		/** Unlike a stream, this ends when a signal comes while nobody types anything. */
 		std::string contentOf(const std::string& path)
 		{
-			errno = 0;
-			std::ifstream file(path, std::ios::binary);
-			std::string content{std::istreambuf_iterator<char>(file), {}};
-			if (errno != 0 || !file.is_open())
+			const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"), std::fclose);
+			std::string content;
+			char piece[64 << 10];
+			for (size_t number = 1; file && number > 0; content.append(piece, number))
+			{
+				number = std::fread(piece, 1, sizeof piece, file.get());
+			}
+			if (!file || std::ferror(file.get()))
 			{
 				throw InputError(fmt::format("cannot read '{}': {}", path, std::strerror(errno)));
 			}

@@ -14,6 +14,7 @@ namespace Program
 				for (const FEnumerator& value : pin.type->Enum()->Enumerators)
 				{
 					json["values"][value.Name] = value.Value;
+					json["meanings"][value.Name] = value.Comment;
 				}
 			}
 			if (pin.defaultText)

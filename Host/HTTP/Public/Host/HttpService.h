@@ -1,6 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <string>
+#include <string_view>
 
 /** The HTTP module's door for the loop in Launch and for programs. Thread: game thread. */
 struct FHttpSettings
@@ -14,6 +16,14 @@ struct FHttpSettings
 	bool bForceGameThreadCallbacks = false;
 	/** File of trusted certificates in PEM form; empty = the system's. */
 	std::string certificateFile;
+	/**
+	 * Is told the head of every request as it was sent, redirects among them, and of every answer as it came, secrets and all.
+	 * Empty = nobody listens.
+	 * @param bSent  whether it is a request's.
+	 * @param Head  its first line and headers, each with its line end.
+	 * @note Thread: HTTP thread.
+	 */
+	std::function<void(bool bSent, std::string_view Head)> onHead;
 };
 
 namespace HttpService
