@@ -7,14 +7,14 @@
 namespace CorvaneDownloadReceiver
 {
 	/** Of a body that nobody wants, such as an error's page, so many bytes are let pass to keep the connection. */
-	static constexpr int64 MostUnwanted = 64 * 1024;
+	static constexpr int64 MostUnwanted = 4 * 1024;
 
 	static FCorvaneSourceFacts MakeSource(const FString& Address, const FCorvaneDownloadJudgement& Judged)
 	{
 		FCorvaneSourceFacts Source;
 		Source.Address = Address;
-		Source.ETag = Judged.Version.HasStrongETag() ? Judged.Version.ETag : FString();
-		Source.LastModified = Judged.Version.bDateIsStrong ? Judged.Version.LastModified : FString();
+		Source.ETag = Judged.Version.ETag;
+		Source.LastModified = Judged.Version.DateForDisk();
 		Source.Total = Judged.Total;
 		return Source;
 	}

@@ -22,8 +22,7 @@ namespace CorvaneDownloadRun
 		Opened.Failure = Part.Result.Failure;
 		Opened.Sentence = Part.Result.Sentence;
 		Opened.Length = Part.Length;
-		Opened.Version.ETag = Part.Source.ETag;
-		Opened.Version.LastModified = Part.Source.LastModified;
+		Opened.Version = FCorvaneVersion::FromDisk(Part.Source.ETag, Part.Source.LastModified);
 		Opened.Total = Part.Source.Total;
 		Opened.bWholeAlready = Part.bWholeAlready;
 		return Opened;

@@ -7,7 +7,7 @@ struct FCorvaneSourceFacts
 {
 	/** What was asked for, without user and password. */
 	FString Address;
-	/** A strong one, or empty. */
+	/** As the server wrote it; empty = it did not. */
 	FString ETag;
 	/** As the server wrote it; empty = it did not. */
 	FString LastModified;

@@ -53,6 +53,8 @@ namespace Program
 			return {"int64"};
 		case EPropertyKind::Float:
 			return {"real", "float"};
+		case EPropertyKind::Double:
+			return {"real", "double"};
 		case EPropertyKind::String:
 			return {"string"};
 		case EPropertyKind::DateTime:
@@ -87,8 +89,10 @@ namespace Program
 		case EPropertyKind::Int:
 		case EPropertyKind::Int64:
 		case EPropertyKind::Float:
+		case EPropertyKind::Double:
 		{
-			const std::string value = written.value_or(type.Kind == EPropertyKind::Float ? "0.0" : "0");
+			const bool isReal = type.Kind == EPropertyKind::Float || type.Kind == EPropertyKind::Double;
+			const std::string value = written.value_or(isReal ? "0.0" : "0");
 			return {value, value};
 		}
 		default:
