@@ -20,7 +20,7 @@ namespace Script
 
 		static Context& of(lua_State* lua) { return **static_cast<Context**>(lua_getextraspace(lua)); }
 
-		bool isToldToEnd() const { return loop.isToEnd && loop.isToEnd(); }
+		bool isToldToEnd() const { return program.isToEnd && program.isToEnd(); }
 		bool hasEnded() const { return !error.empty() || exitStatus.has_value() || isToldToEnd(); }
 		/** Remembers an error unless the script has ended by then. */
 		void fail(const std::string& message);

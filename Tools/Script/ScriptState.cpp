@@ -19,7 +19,7 @@ namespace Script
 		*static_cast<Context**>(lua_getextraspace(lua)) = context.get(); // coroutines inherit it
 		context->main = context->running = lua;
 		luaL_openlibs(lua);
-		if (context->loop.isToEnd)
+		if (context->program.isToEnd)
 		{
 			openEndHook(lua);
 		}
