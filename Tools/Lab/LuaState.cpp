@@ -140,7 +140,7 @@ namespace Lab
 		switch (lua_type(lua, index))
 		{
 		case LUA_TSTRING:
-			return Behaviour(lua_tostring(lua, index));
+			return Behaviour(fromLua(lua, index).get<std::string>());
 		case LUA_TFUNCTION:
 			return functionAt(index);
 		case LUA_TTABLE:

@@ -44,6 +44,10 @@ namespace Lab
 					object[textAt(lua, -2)] = valueAt(lua, -1, depth + 1);
 				}
 			}
+			if (!list.empty() && !object.empty())
+			{
+				throw std::invalid_argument("a table is a list or has names, not both");
+			}
 			return list.empty() ? object : list;
 		}
 

@@ -63,6 +63,7 @@ namespace Lab
 			thread = std::thread(
 				[this]
 				{
+					surviveBrokenPipes();
 					loop->run([this](std::uint64_t key, std::uint32_t events) { handle(key, events); });
 					connections.clear();
 				});

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <arpa/inet.h>
 #include <climits>
+#include <csignal>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <openssl/err.h>
@@ -56,6 +57,14 @@ namespace Lab
 		socklen_t size = sizeof place;
 		check(::getsockname(listener.get(), reinterpret_cast<sockaddr*>(&place), &size), "port");
 		return ntohs(place.sin_port);
+	}
+
+	void surviveBrokenPipes()
+	{
+		sigset_t broken;
+		sigemptyset(&broken);
+		sigaddset(&broken, SIGPIPE);
+		pthread_sigmask(SIG_BLOCK, &broken, nullptr);
 	}
 
 	Socket::Socket(Descriptor accepted, const TlsIdentity* identity)

@@ -14,6 +14,8 @@ namespace Lab
 	/** A socket that listens. @param port  0 = the system chooses one. Throws std::system_error. */
 	Descriptor listenOn(const std::string& address, int port);
 	int portOf(const Descriptor& listener);
+	/** For the calling thread and those that it starts: a peer that has left is an error of the write, not the end of the program. */
+	void surviveBrokenPipes();
 
 	/** An accepted connection that never waits, with or without TLS. Thread: one at a time. */
 	class Socket
