@@ -190,7 +190,7 @@ namespace Lab
 		bodyStart = due = Clock::now();
 		buffer = makeHead();
 		const bool isOneWrite = sendsBody && !plan.pieces && plan.framing == Framing::Length && pieceSize() == largestPiece;
-		if (isOneWrite && bodySize > 0 && bodySize <= largestWithHead && nextEventPlace() > 0)
+		if (isOneWrite && bodySize > 0 && bodySize <= largestWithHead && nextEventPlace() >= bodySize)
 		{
 			buffer += takePiece(largestPiece);
 		}

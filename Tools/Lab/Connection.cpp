@@ -8,6 +8,7 @@ namespace Lab
 	namespace
 	{
 		constexpr std::size_t largestRead = 64 << 10;
+		constexpr std::size_t slowRead = 4 << 10; // so that a slow reader is seen by the one who writes
 		constexpr std::size_t largestDrop = 1 << 20;
 		constexpr int mostTurns = 64; // before other connections have theirs
 		constexpr std::chrono::seconds lingerTime{2};
@@ -187,36 +188,50 @@ namespace Lab
 
 	bool Connection::readBody()
 	{
-		if (!flush())
-		{
-			return false;
-		}
 		try
 		{
-			const bool isComplete = reader.readBody(intake);
-			const std::uint64_t bytes = reader.request().bodyBytes;
-			if (!isComplete && bytes >= intake.hangsUpAfter.value_or(endless))
-			{
-				entry = service.log.begin(reader.shared(), 0);
-				resetNow("hung up");
-				return true;
-			}
-			if (isComplete || bytes >= intake.answersAfter.value_or(endless))
-			{
-				beginAnswer(isComplete);
-				return true;
-			}
-			if (intake.bytesPerSecond > 0)
-			{
-				const std::chrono::duration<double> share(static_cast<double>(bytes) / intake.bytesPerSecond);
-				const Clock::time_point due = bodyStart + std::chrono::duration_cast<Clock::duration>(share);
-				return due > Clock::now() ? waitUntil(due) : fill(static_cast<std::size_t>(std::max(1., intake.bytesPerSecond / 50)));
-			}
+			return flush() && (takeBody() || receiveBody());
 		}
 		catch (const std::invalid_argument& fault)
 		{
 			refuse(fault.what());
 			return true;
+		}
+	}
+
+	/** How many bytes of the body may have been read by now. */
+	std::uint64_t Connection::bodyBytesDue() const
+	{
+		const std::chrono::duration<double> passed = Clock::now() - bodyStart;
+		return intake.bytesPerSecond > 0 ? static_cast<std::uint64_t>(passed.count() * intake.bytesPerSecond) : endless;
+	}
+
+	/** @return whether the body has come to its end, one or the other. */
+	bool Connection::takeBody()
+	{
+		const bool isComplete = reader.readBody(intake, std::min(intake.stopsAfter(), bodyBytesDue()));
+		const std::uint64_t bytes = reader.request().bodyBytes;
+		if (isComplete || bytes >= intake.answersAfter.value_or(endless))
+		{
+			beginAnswer(isComplete);
+			return true;
+		}
+		if (bytes >= intake.hangsUpAfter.value_or(endless))
+		{
+			reader.endBody();
+			entry = service.log.begin(reader.shared(), 0);
+			resetNow("hung up");
+			return true;
+		}
+		return false;
+	}
+
+	bool Connection::receiveBody()
+	{
+		if (intake.bytesPerSecond > 0 && (reader.hasBytes() || reader.request().bodyBytes >= bodyBytesDue()))
+		{
+			constexpr std::chrono::milliseconds turn{10};
+			return waitUntil(Clock::now() + turn);
 		}
 		if (intake.throwsAway && reader.missing() > 0 && socket.isPlain())
 		{
@@ -226,7 +241,7 @@ namespace Lab
 			state = result.outcome == Socket::Outcome::Over ? State::Over : state;
 			return result.outcome == Socket::Outcome::Good;
 		}
-		return fill(largestRead);
+		return fill(intake.bytesPerSecond > 0 ? slowRead : largestRead);
 	}
 
 	void Connection::beginAnswer(bool isComplete)

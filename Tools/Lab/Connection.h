@@ -60,6 +60,9 @@ namespace Lab
 		bool goOn();
 		bool readHead();
 		bool readBody();
+		bool takeBody();
+		bool receiveBody();
+		std::uint64_t bodyBytesDue() const;
 		bool doStep();
 		bool linger();
 		bool fill(std::size_t most);

@@ -162,6 +162,12 @@ namespace Lab
 
 	ContentPtr repeatedContent(std::string text, std::uint64_t size)
 	{
+		constexpr std::size_t enough = 64 << 10; // a view of a few bytes would cost a system call
+		const std::string once = text;
+		while (!once.empty() && text.size() < enough && text.size() < size)
+		{
+			text += once;
+		}
 		return std::make_shared<Repeated>(std::move(text), size);
 	}
 

@@ -33,13 +33,17 @@ namespace Lab
 			return text + "\nAll of them:\n" + describe(commonOptions());
 		}
 
-		void refuseFiles(const CatalogueEntry& entry, const nlohmann::json& options)
+		/** What names a file of this machine is not for those who ask. */
+		void refuseFiles(const std::string& behaviour, const nlohmann::json& options)
 		{
-			for (const OptionEntry& option : entry.options)
+			for (const CatalogueEntry& entry : catalogue())
 			{
-				if (option.isForScripts && options.contains(option.name))
+				for (const OptionEntry& option : entry.options)
 				{
-					throw std::invalid_argument(entry.name + ": " + option.name + " is for scripts only");
+					if (entry.name == behaviour && option.isForScripts && options.contains(option.name))
+					{
+						throw std::invalid_argument(behaviour + ": " + option.name + " is for scripts only");
+					}
 				}
 			}
 		}
@@ -55,7 +59,6 @@ namespace Lab
 				found = found == wanted.end() ? wanted.insert(found, {owner, nlohmann::json::object()}) : found;
 				found->second[dot == pair.name.npos ? pair.name : pair.name.substr(dot + 1)] = pair.value;
 			}
-			refuseFiles(entry, wanted.front().second);
 			std::vector<Behaviour> made;
 			if (!entry.makesBody)
 			{
@@ -63,6 +66,7 @@ namespace Lab
 			}
 			for (const auto& [name, options] : wanted)
 			{
+				refuseFiles(name, options);
 				made.push_back(makeBehaviour(name, options));
 			}
 			return Behaviour(std::move(made));

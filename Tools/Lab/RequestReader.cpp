@@ -51,7 +51,7 @@ namespace Lab
 		return true;
 	}
 
-	bool RequestReader::readBody(const Intake& intake)
+	bool RequestReader::readBody(const Intake& intake, std::uint64_t most)
 	{
 		taking = intake;
 		if (current->isChunked)
@@ -69,7 +69,7 @@ namespace Lab
 		}
 		else
 		{
-			const std::uint64_t room = std::min(missing(), intake.stopsAfter() - std::min(intake.stopsAfter(), current->bodyBytes));
+			const std::uint64_t room = std::min(missing(), most - std::min(most, current->bodyBytes));
 			const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(unread.size(), room));
 			takeBody(std::string_view(unread).substr(0, size));
 			unread.erase(0, size);

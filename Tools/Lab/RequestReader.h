@@ -25,8 +25,13 @@ namespace Lab
 		 * @return whether request() has one. Throws std::invalid_argument for what is no request.
 		 */
 		bool readHead();
-		/** Reads what is there of the body. @param intake  says what is kept. @return whether it is complete. */
-		bool readBody(const Intake& intake);
+		/**
+		 * Reads what is there of the body. @param intake  says what is kept. @param most  where to stop, in bytes of the body; one
+		 * that comes in chunks goes on. @return whether it is complete.
+		 */
+		bool readBody(const Intake& intake, std::uint64_t most);
+		/** Whether bytes are there that have not been read. */
+		bool hasBytes() const { return !unread.empty(); }
 		/** Bytes of the body that are still to come and may be taken past this reader. 0 = none, or nobody knows. */
 		std::uint64_t missing() const { return request().isChunked ? 0 : request().announced.value_or(0) - request().bodyBytes; }
 		/** Counts bytes of the body that nobody has seen. */
