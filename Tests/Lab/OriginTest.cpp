@@ -95,6 +95,24 @@ TEST(LabOrigin, HoldsAnAnswerUntilTheGateOpens)
 	EXPECT_EQ(origin.running(), 0);
 }
 
+TEST(LabOrigin, FindsThePlaceThatSaysMost)
+{
+	Lab::Origin origin;
+	origin.at("*", "all").at("/a*", "a").at("/a/b*", "ab").at("/a/b/c", "whole").at("PUT /a/b*", "put").at("PUT /a/b/c", "put whole");
+	const struct
+	{
+		const char* path;
+		const char* got;
+		const char* put;
+	} cases[] = {{"/", "all", "all"}, {"/ax", "a", "a"}, {"/a/bx?/a/b/c", "ab", "put"}, {"/a/b/c?d", "whole", "put whole"}};
+	for (const auto& [path, got, put] : cases)
+	{
+		EXPECT_EQ(ask(origin.url(path)).body, got) << path;
+		EXPECT_EQ(ask(origin.url(path), {.method = "PUT", .body = "x"}).body, put) << path;
+	}
+	EXPECT_EQ(ask(origin.at("/a/b/c", "other").url("/a/b/c")).body, "other");
+}
+
 TEST(LabOrigin, TellsWhatCame)
 {
 	Lab::Origin origin;

@@ -110,13 +110,14 @@ namespace Lab
 			{
 				plan.status = options.code;
 				plan.reason = options.reason;
+				if (options.text)
+				{
+					plan.headers.clear(); // those of the body that this one replaces
+					plan.setText(*options.text);
+				}
 				if (!options.retryAfter.empty())
 				{
 					plan.setHeader("Retry-After", options.retryAfter);
-				}
-				if (options.text)
-				{
-					plan.setText(*options.text);
 				}
 			});
 	}

@@ -2,6 +2,7 @@
 
 #include "Catalogue.h"
 #include "LuaValues.h"
+#include "Md5.h"
 #include "Origin.h"
 
 #include <stdexcept>
@@ -79,7 +80,7 @@ namespace Lab
 		lua_setfield(lua, -2, "__metatable"); // scripts cannot take it and destroy themselves
 		lua_pop(lua, 1);
 		const luaL_Reg functions[] = {{"at", guarded<at>}, {"inTurn", guarded<takeTurns>}, {"together", guarded<together>},
-			{"log", guarded<log>}, {nullptr, nullptr}};
+			{"log", guarded<log>}, {"md5", guarded<md5>}, {nullptr, nullptr}};
 		luaL_newlib(lua, functions);
 		for (const CatalogueEntry& entry : catalogue())
 		{
@@ -233,6 +234,16 @@ namespace Lab
 	int LuaState::log(lua_State* lua)
 	{
 		toLua(lua, toJson(of(lua).origin.log()));
+		return 1;
+	}
+
+	int LuaState::md5(lua_State* lua)
+	{
+		std::size_t size = 0;
+		const char* const bytes = luaL_checklstring(lua, 1, &size);
+		Md5 sum;
+		sum.add({bytes, size});
+		pushText(lua, sum.hex());
 		return 1;
 	}
 } // namespace Lab

@@ -34,6 +34,7 @@ namespace Lab
 		static int takeTurns(lua_State* lua);
 		static int together(lua_State* lua);
 		static int log(lua_State* lua);
+		static int md5(lua_State* lua);
 
 		void open();
 		void run(int loadStatus);

@@ -36,15 +36,20 @@ namespace Lab
 					beginnings.begin(), beginnings.end(), [](const auto& a, const auto& b) { return a.first.size() > b.first.size(); });
 			}
 
-			const Behaviour* find(const std::string& place) const
+			/** What is said of a method counts before what is said of all, and a whole path before the begin of one. */
+			const Behaviour* find(const std::string& method, const std::string& path) const
 			{
-				const auto found = exact.find(place);
-				if (found != exact.end())
+				const std::string both = method + ' ' + path;
+				for (const std::string& place : {both, path})
 				{
-					return &found->second;
+					const auto found = exact.find(place);
+					if (found != exact.end())
+					{
+						return &found->second;
+					}
 				}
-				const auto beginning =
-					std::find_if(beginnings.begin(), beginnings.end(), [&](const auto& each) { return place.starts_with(each.first); });
+				const auto beginning = std::find_if(beginnings.begin(), beginnings.end(),
+					[&](const auto& each) { return path.starts_with(each.first) || both.starts_with(each.first); });
 				return beginning == beginnings.end() ? nullptr : &beginning->second;
 			}
 		};
@@ -146,8 +151,7 @@ namespace Lab
 		request.number = ++lastRequest;
 		request.visit = ++visits[request.method + ' ' + request.target];
 		const std::scoped_lock lock(mutex);
-		const Behaviour* found = places.find(request.method + ' ' + path);
-		found = found ? found : places.find(path);
+		const Behaviour* const found = places.find(request.method, path);
 		return found ? *found
 					 : Behaviour(
 						   [](const Request& asked, Plan& plan)
