@@ -40,66 +40,58 @@ namespace
 		return Lab::loadCassette(file);
 	}
 
-	/** @param pauses  between the pieces, and before the first. */
-	std::string bytesOf(const Lab::RawAnswer& answer, std::vector<double>& pauses)
+	/** @return the bytes of all pieces, and when the last one came, in milliseconds. */
+	std::pair<std::string, double> whole(const Lab::RawAnswer& answer)
 	{
-		std::string bytes;
+		std::pair<std::string, double> all;
 		for (const Lab::RawPiece& piece : answer.pieces)
 		{
-			bytes += piece.bytes;
-			pauses.push_back(piece.pause.count());
+			all.first += piece.bytes;
+			all.second += piece.pause.count();
 		}
-		return bytes;
+		return all;
 	}
 } // namespace
 
-TEST(Cassette, ComesBackByteForByteAndPieceByPiece)
+TEST(Cassette, ComesBackByteForByteAndInItsTime)
 {
 	const TempDir directory;
 	Lab::Origin origin;
 	origin.at("/pieces", Lab::file(everyByte), Lab::pieces({3, 100}, Lab::Milliseconds(30)));
 	origin.at("/chunks", Lab::inTurn({"first", "second"}), Lab::chunked({2}));
-	origin.at("/base/echo", Lab::echo());
+	origin.at("/echo", Lab::echo());
 	const auto use = [](const Lab::Recorder& recorder)
 	{
 		ask(recorder.url("/pieces"));
 		ask(recorder.url("/chunks"));
 		ask(recorder.url("/chunks"));
-		ask(recorder.url("/echo"), {{"Expect: 100-continue"}, "PUT", everyByte});
+		ask(recorder.url("/echo"), {{"Expect:"}, "PUT", everyByte});
 		waitFor([&] { return recorder.count() == 4; });
 	};
-	origin.at("/echo", Lab::echo());
-	const Lab::Cassette first = record(origin.url(), directory, false, use);
+	Lab::Cassette first = record(origin.url(), directory, false, use);
 	Lab::Origin player;
 	player.at("*", replay(first));
 	const Lab::Cassette second = record(player.url(), directory, false, use);
 	ASSERT_EQ(first.size(), 4U);
 	ASSERT_EQ(second.size(), 4U);
-	for (std::size_t index = 0; index < 3; ++index) // the fourth is asked to go on by the player, too
+	for (std::size_t index = 0; index < first.size(); ++index)
 	{
-		std::vector<double> pauses;
-		std::vector<double> pausesAgain;
-		EXPECT_EQ(bytesOf(first[index].answer, pauses), bytesOf(second[index].answer, pausesAgain));
-		if (index == 0)
-		{
-			ASSERT_EQ(pauses.size(), pausesAgain.size());
-			for (std::size_t piece = 1; piece < pauses.size(); ++piece)
-			{
-				EXPECT_GE(pauses[piece], 20);
-				EXPECT_GE(pausesAgain[piece], pauses[piece] / 2);
-			}
-		}
+		EXPECT_EQ(whole(first[index].answer).first, whole(second[index].answer).first);
 	}
+	// Two pieces may come as one on a busy machine, but the last one not too early.
+	EXPECT_GE(first[0].answer.pieces.size(), 2U);
+	EXPECT_GE(whole(first[0].answer).second, 89);
+	EXPECT_GE(whole(second[0].answer).second, 89);
+	EXPECT_THAT(first[3].request, ::testing::EndsWith("\r\n\r\n" + everyByte));
+
+	first[0].answer.pieces.back().pause = std::chrono::hours(1);
 	player.at("*", replay(first, 0));
 	ask(player.url("/lab/log"), {.method = "DELETE"}); // the visits
-	const Got got = ask(player.url("/pieces"));
-	EXPECT_EQ(got.body, everyByte);
-	EXPECT_LT(got.seconds, 0.09);
-	EXPECT_EQ(ask(player.url("/chunks")).body, "first");
-	EXPECT_EQ(ask(player.url("/chunks")).body, "second");
-	EXPECT_EQ(ask(player.url("/chunks")).body, "second");
-	EXPECT_EQ(ask(player.url("/echo"), {.method = "PUT", .body = "x"}).body, everyByte);
-	EXPECT_THAT(first[3].request, ::testing::EndsWith("\r\n\r\n" + everyByte));
+	for (const char* const chunks : {"first", "second", "second"})
+	{
+		EXPECT_EQ(ask(player.url("/chunks")).body, chunks);
+	}
+	EXPECT_EQ(ask(player.url("/pieces")).body, everyByte);
 	EXPECT_EQ(ask(player.url("/none")).body, "There is no GET /none on the cassette.\n");
 }
 

@@ -201,8 +201,8 @@ namespace Lab
 
 	void Recorder::Relay::pass(int client, Upstream& server, RecordedExchange& exchange)
 	{
-		server.write(forServer(exchange.request, place));
 		Clock::time_point last = Clock::now();
+		server.write(forServer(exchange.request, place));
 		bool listensToClient = true;
 		for (;;)
 		{
