@@ -7,7 +7,7 @@ using ::testing::HasSubstr;
 
 TEST(LabCommand, RunsAGameAgainstEachNetwork)
 {
-	const std::string examples = CORVANE_LAB_EXAMPLES;
+	const std::string examples = CORVANE_EXAMPLES_DIRECTORY "/lab";
 	for (const std::string name : {"lossy-train", "captive-portal", "dies-at-90-percent"})
 	{
 		const ProcessRun run = runProgram({"lab", examples + '/' + name + ".lua", "--run", examples + "/download-level.lua"});

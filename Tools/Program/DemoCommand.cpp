@@ -24,7 +24,7 @@ namespace Program
 			worst = std::max(worst, runToEnd(loop, example.path, {origin.url()}));
 			fmt::print("\n");
 		}
-		loop.Shutdown(); // before the origin ends, which waits for open connections
+		loop.Shutdown(); // before the origin ends
 		fmt::print("{}\n", worst == exitGood ? "All examples ran." : "An example failed.");
 		return worst;
 	}
