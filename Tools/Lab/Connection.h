@@ -15,6 +15,11 @@ namespace Lab
 	class Service
 	{
 	public:
+		/** @param keepsLog  what became of requests is told later. */
+		explicit Service(bool keepsLog)
+			: log(keepsLog)
+		{
+		}
 		virtual ~Service() = default;
 		/** Numbers a request that has come with its head. @return what answers it. */
 		virtual Behaviour admit(Request& request) = 0;

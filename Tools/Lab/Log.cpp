@@ -33,7 +33,10 @@ namespace Lab
 		entry->status = status;
 		const std::scoped_lock lock(mutex);
 		++numRunning;
-		entries.push_back(entry);
+		if (keeps)
+		{
+			entries.push_back(entry);
+		}
 		if (entries.size() > mostEntries)
 		{
 			entries.pop_front();

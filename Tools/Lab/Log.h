@@ -26,6 +26,12 @@ namespace Lab
 	class Log
 	{
 	public:
+		/** @param inKeeps  false = only what runs is counted. */
+		explicit Log(bool inKeeps)
+			: keeps(inKeeps)
+		{
+		}
+
 		using Entry = std::shared_ptr<Exchange>;
 
 		Entry begin(std::shared_ptr<const Request> request, int status);
@@ -38,6 +44,7 @@ namespace Lab
 		int running() const;
 
 	private:
+		const bool keeps;
 		mutable std::mutex mutex; // guards what follows
 		std::deque<Entry> entries;
 		int numRunning = 0;

@@ -59,7 +59,8 @@ namespace Lab
 	{
 	public:
 		explicit Server(const OriginOptions& inOptions)
-			: options(inOptions)
+			: Service(inOptions.keepsLog)
+			, options(inOptions)
 			, identity(options.usesTls ? std::make_unique<TlsIdentity>() : nullptr)
 			, listener(listenOn(options.address, options.port))
 			, port(portOf(listener))

@@ -15,6 +15,7 @@ namespace Lab
 		int port = 0; // 0 = the system chooses one
 		std::string address = "127.0.0.1"; // the interface it listens on; 0.0.0.0 = all of them
 		bool usesTls = false; // with a certificate of its own making
+		bool keepsLog = true; // false = nothing of an exchange stays, for measurements
 		std::function<void(const std::string&)> complain = {}; // hears, on the origin's thread, when a behaviour fails with an exception
 	};
 
