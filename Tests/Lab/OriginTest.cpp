@@ -170,6 +170,8 @@ TEST(LabOrigin, IsReadyWithEveryBehaviour)
 	EXPECT_EQ(ask(origin.url("/file?size=500&drop.after=10&drop.requests=1")).body.size(), 10U);
 	EXPECT_EQ(ask(origin.url("/file?size=500&drop.after=10&drop.requests=1")).body.size(), 500U);
 	EXPECT_EQ(ask(origin.url("/upload?refusesAfter=3"), {.body = "12345"}).status, 413);
+	ask(origin.url("/tus"), {.method = "POST", .body = "-"});
+	EXPECT_THAT(ask(origin.url("/tus/1"), {.method = "HEAD"}).head, HasSubstr("Upload-Offset: 0"));
 	const struct
 	{
 		const char* target;

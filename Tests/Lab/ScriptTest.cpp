@@ -40,6 +40,26 @@ TEST(LabScript, SaysWhatIsWrongAndWhere)
 	}
 }
 
+TEST(LabScript, KeepsWhatCameOfABrokenUpload)
+{
+	Lab::Origin origin;
+	Lab::Script script(origin);
+	script.runText(R"lua(
+		local server = lab.tus()
+		lab.at("/files*", server)
+		lab.at("PATCH /files*", server, lab.upload{ hangsUpAfter = 4, requests = 1 })
+	)lua");
+	EXPECT_THAT(ask(origin.url("/files"), {{"Upload-Length: 10"}, "POST", "-"}).head, ::testing::HasSubstr("Location: /files/1\r\n"));
+	const std::string upload = origin.url("/files/1");
+	ask(upload, {{"Upload-Offset: 0"}, "PATCH", "0123456789"});
+	EXPECT_THAT(ask(upload, {.method = "HEAD"}).head, ::testing::HasSubstr("Upload-Offset: 4\r\n"));
+	EXPECT_EQ(ask(upload, {{"Upload-Offset: 0"}, "PATCH", "0123456789"}).status, 409);
+	converse(origin.port(), "PATCH /files/1 HTTP/1.0\r\nUpload-Offset: 4\r\nContent-Length: 2\r\n\r\n45");
+	EXPECT_EQ(ask(upload, {{"Upload-Offset: 6"}, "PATCH", "6789"}).status, 204);
+	EXPECT_EQ(ask(upload).body, "0123456789");
+	EXPECT_EQ(ask(origin.url("/files/2")).status, 404);
+}
+
 TEST(LabScript, AnswersAsLongAsItLives)
 {
 	const TempDir directory;

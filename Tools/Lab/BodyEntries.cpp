@@ -4,6 +4,7 @@
 #include "Cassette.h"
 #include "Files.h"
 #include "Options.h"
+#include "Tus.h"
 #include "Uploads.h"
 
 namespace Lab
@@ -137,6 +138,8 @@ namespace Lab
 				{{"bytesPerSecond", "how fast it is read"}, {"refusesAfter", "bytes, after which a status comes; the rest is not read"},
 					{"code", "of the refusal, 413 unless told"}, {"hangsUpAfter", "bytes"}, {"throwsAway", "nobody looks at the bytes"}},
 				makeUpload},
+			{"tus", "a server of resumable uploads, for a path and all that begin with it", {}, [](const Options&) { return tus(); }, true,
+				false, true},
 			{"raw", "bytes that are sent as they are",
 				{{"send", "a list of texts, and of pauses in milliseconds"}, {"ending", "close, reset, stall or next"}}, makeRaw},
 			{"cassette", "the recorded answers of a server",

@@ -27,6 +27,7 @@ namespace Lab
 		std::function<Behaviour(const Options&)> make;
 		bool makesBody = true; // false = it changes what others have made
 		bool takesAnyOption = false; // their names mean something by themselves
+		bool hasMemory = false; // one and the same answers all requests
 	};
 
 	const std::vector<CatalogueEntry>& catalogue();

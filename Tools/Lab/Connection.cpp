@@ -29,7 +29,23 @@ namespace Lab
 		{
 			service.loop->cancel(*timer);
 		}
+		if (isBodyOpen)
+		{
+			tellBroken();
+		}
 		endExchange("client left");
+	}
+
+	/** The body of the request ends before its time. */
+	void Connection::tellBroken()
+	{
+		isBodyOpen = false;
+		reader.endBody();
+		entry = service.log.begin(reader.shared(), 0);
+		if (intake.onBroken)
+		{
+			intake.onBroken(reader.request());
+		}
 	}
 
 	void Connection::wake(std::uint32_t events)
@@ -178,6 +194,7 @@ namespace Lab
 		intake = {};
 		behaviour->take(request, intake);
 		state = State::Body;
+		isBodyOpen = request.number != 0;
 		bodyStart = Clock::now();
 		const bool isAwaited = equalsIgnoringCase(request.header("Expect"), "100-continue");
 		if (isAwaited && intake.stopsAfter() > 0)
@@ -218,8 +235,7 @@ namespace Lab
 		}
 		if (bytes >= intake.hangsUpAfter.value_or(endless))
 		{
-			reader.endBody();
-			entry = service.log.begin(reader.shared(), 0);
+			tellBroken();
 			resetNow("hung up");
 			return true;
 		}
@@ -246,6 +262,7 @@ namespace Lab
 
 	void Connection::beginAnswer(bool isComplete)
 	{
+		isBodyOpen = false;
 		reader.endBody();
 		Plan plan = service.plan(*behaviour, reader.request());
 		plan.keepsConnection = plan.keepsConnection && isComplete;

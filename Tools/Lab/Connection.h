@@ -77,6 +77,7 @@ namespace Lab
 		void beginAnswer(bool isComplete);
 		void refuse(const char* why);
 		void endExchange(const char* how);
+		void tellBroken();
 		void closeOrderly(const char* how);
 		void resetNow(const char* how);
 		void setInterest();
@@ -90,6 +91,7 @@ namespace Lab
 		std::uint32_t wanted = 0; // events that it has to see to go on
 		std::uint32_t watched = 0;
 		bool hasPeerLeft = false;
+		bool isBodyOpen = false; // a head has come, and no answer has begun
 		std::optional<Loop::Timer> timer;
 		Clock::time_point waitEnd;
 		std::optional<Behaviour> behaviour;

@@ -96,6 +96,8 @@ namespace Lab
 		bool throwsAway = false; // nobody looks at the bytes
 		std::uint64_t keeps = 64 << 20; // bytes at most
 
+		std::function<void(const Request&)> onBroken = {}; // hears of a request whose body ends too early, with what came of it
+
 		/** How many bytes are read, if more come. */
 		std::uint64_t stopsAfter() const { return std::min(answersAfter.value_or(endless), hangsUpAfter.value_or(endless)); }
 	};

@@ -90,6 +90,11 @@ namespace Lab
 		origin.at("/", listing());
 		for (const CatalogueEntry& entry : catalogue())
 		{
+			if (entry.hasMemory)
+			{
+				origin.at('/' + entry.name + '*', makeBehaviour(entry.name, nlohmann::json::object()));
+				continue;
+			}
 			origin.at('/' + entry.name,
 				Behaviour([&entry](const Request& request, Plan& plan) { forRequest(entry, request).answer(request, plan); },
 					[&entry](const Request& request, Intake& intake) { forRequest(entry, request).take(request, intake); }));
