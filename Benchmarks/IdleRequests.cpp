@@ -51,7 +51,7 @@ namespace
 		HostLog::SetSink([](const char*, ELogVerbosity::Type, const FString&) {}); // every request is meant to fail
 		Lab::Origin server({.keepsLog = false});
 		server.at("/", Lab::stall());
-		FGameLoopSettings settings;
+		FGameLoopSettings settings = unlimitedConnections();
 		settings.http.activityTimeoutSeconds = longEnough;
 		FGameLoop loop(settings);
 		CorvaneClient client(loop);

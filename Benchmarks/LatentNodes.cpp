@@ -49,7 +49,7 @@ namespace
 		std::vector<Comparison> run() override
 		{
 			const OneFile file(100);
-			FGameLoop loop;
+			FGameLoop loop(unlimitedConnections());
 			const auto measure = [&](CorvaneClient::Way way)
 			{
 				CorvaneClient client(loop, way);
@@ -74,7 +74,7 @@ namespace
 	{
 		constexpr std::size_t bytes = 100 << 10;
 		const OneFile file(bytes);
-		FGameLoop loop;
+		FGameLoop loop(unlimitedConnections());
 		CorvaneClient client(loop, way);
 		Figures taken;
 		std::int64_t lastResident = 0;

@@ -32,7 +32,7 @@ namespace
 			const NginxServer origin({.serverConfig = "keepalive_requests 1000000000; keepalive_timeout 1h;"});
 			const std::string body(bytes, 'x');
 			std::ofstream(origin.filesDirectory() / "small") << body;
-			FGameLoop loop;
+			FGameLoop loop(unlimitedConnections());
 			std::vector<Comparison> results;
 			for (const int atATime : inFlight)
 			{

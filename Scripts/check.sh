@@ -28,10 +28,16 @@ engine_fit() {
 	cmake --preset default && cmake --build build/default --target EngineFit
 }
 
+package() {
+	Scripts/package.sh --check && Scripts/package.sh
+}
+
 check "layout" python3 Scripts/check_layout.py
 check "guides" python3 Scripts/check_guides.py
+check "graphs and pages" Scripts/check_graphs.sh
 check "plug-in files" python3 Scripts/check_plugin.py
-check "package" Scripts/package.sh --check
+check "package" package
+check "installed command" Scripts/check_install.sh
 check "engine fit" engine_fit
 check "picture of the dependencies" python3 Scripts/dependencies.py --check
 # These two need the module that Debian's own Python finds.

@@ -48,7 +48,8 @@ MODULE_ROOMS = {
 # Where an include is looked up, besides beside the including file.
 INCLUDE_ROOTS = [
     *(library + "/Public" for library in HOST_LIBRARIES),
-    "Tools", "Host/Launch", "Tools/HeaderTool", "Tools/Reflect", "Tools/Script", "Tools/Program", "Tools/Program/Reference",
+    "Tools", "Host/Launch", "Tools/HeaderTool", "Tools/Reflect", "Tools/Script", "Tools/Program",
+    *("Tools/Program/" + room for room in ("Call", "Console", "Demo", "Input", "Reference")),
     "Source/Corvane/Public", "Source/Corvane/Private",
 ]
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks what the engine's build tool reads before any source: Corvane.uplugin and Corvane.Build.cs.
+"""Checks what the engine's build tool reads before any source, Corvane.uplugin and Corvane.Build.cs, and the icon.
 
 Prints one line per fault and ends with status 1 when there is any. usage: check_plugin.py [FOLDER-OF-THE-PLUG-IN]
 """
@@ -7,6 +7,7 @@ Prints one line per fault and ends with status 1 when there is any. usage: check
 import json
 import pathlib
 import re
+import struct
 import sys
 
 ROOT = pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else pathlib.Path(__file__).resolve().parent.parent)
@@ -91,6 +92,14 @@ def check_version():
                 yield f"{file}: expected version {name} of Corvane.uplugin, found {found[1] if found else 'none'}"
 
 
+def check_icon():
+    """The editor shows it in its list of plug-ins, at one size only."""
+    file = ROOT / "Resources/Icon128.png"
+    beginning = file.read_bytes()[:24] if file.is_file() else b""
+    if not beginning.startswith(b"\x89PNG\r\n\x1a\n") or struct.unpack(">II", beginning[16:24]) != (128, 128):
+        yield "Resources/Icon128.png: expected a PNG of 128 x 128 pixels"
+
+
 def check_build_rules():
     where = "Corvane.Build.cs"
     text = (ROOT / "Source/Corvane/Corvane.Build.cs").read_text("utf-8")
@@ -113,7 +122,7 @@ def check_build_rules():
 
 
 def main():
-    faults = [*check_descriptor(), *check_build_rules()]
+    faults = [*check_descriptor(), *check_build_rules(), *check_icon()]
     faults += [] if faults else check_version()
     for fault in faults:
         print(fault)

@@ -5,13 +5,16 @@ set -euo pipefail
 
 packages=(
 	g++ cmake ninja-build pkg-config git python3
-	libcurl4-openssl-dev libssl-dev libfmt-dev libcli11-dev nlohmann-json3-dev liblua5.4-dev libcpp-httplib-dev
+	libcurl4-openssl-dev libssl-dev libfmt-dev libcli11-dev nlohmann-json3-dev liblua5.4-dev libcpp-httplib-dev libmd4c-html0-dev libmd4c-dev
 	libhttp-parser-dev zlib1g-dev
 	libgtest-dev libgmock-dev nginx-light openssl ca-certificates python3
 )
 for option in "$@"; do
 	case "$option" in
-	--check) packages+=(clang clang-format python3-clang g++-mingw-w64-x86-64-posix) ;;
+	--check)
+		packages+=(clang clang-format python3-clang g++-mingw-w64-x86-64-posix dpkg-dev file man-db groff-base debootstrap chromium)
+		command -v npm >/dev/null || packages+=(nodejs npm) # another source of them may be in use
+		;;
 	--bench) packages+=(curl wget aria2) ;;
 	*)
 		echo "usage: $0 [--check] [--bench]" >&2

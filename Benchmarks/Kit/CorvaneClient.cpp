@@ -1,10 +1,10 @@
 #include "Kit/CorvaneClient.h"
 
-#include "GameLoop.h"
 #include "UAsyncNodeHttpRequest.h"
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <limits>
 #include <stdexcept>
 
 namespace
@@ -33,6 +33,13 @@ namespace
 		const TArray<uint8>& bytes;
 	};
 } // namespace
+
+FGameLoopSettings unlimitedConnections()
+{
+	FGameLoopSettings settings;
+	settings.http.connectionsPerHost = std::numeric_limits<int>::max();
+	return settings;
+}
 
 CorvaneClient::CorvaneClient(FGameLoop& inLoop, Way inWay)
 	: loop(inLoop)

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "CorvaneBPLibrary.h"
+#include "GameLoop.h"
 
 #include <string>
 #include <string_view>
 
-class FGameLoop;
+/** @return settings that let a workload have as many requests under way to one host as it wants. */
+FGameLoopSettings unlimitedConnections();
 
 /** Keeps a handler bound to an event for as long as this object lives. Thread: game thread. */
 class BoundHandler

@@ -5,6 +5,7 @@ lab.at("GET /hello", "Hello!")
 lab.at("GET /headers", function(request) return request.head:match("\r\n(.*\r\n)\r\n$") end)
 lab.at("POST /echo", function(request) return "POST " .. request.body end)
 lab.at("PATCH /echo", function(request) return "PATCH " .. request.body end)
+lab.at("POST /json", function(request) return lab.text{ text = '{"saved":' .. request.body .. "}", type = "application/json" } end)
 lab.at("PUT /size", lab.upload())
 lab.at("GET /events", lab.events{ number = 3, pause = 50 })
 lab.at("GET /endless", lab.events{ number = 0, pause = 50 })
@@ -13,6 +14,13 @@ lab.at("GET /endless", lab.events{ number = 0, pause = 50 })
 lab.at("GET /wait/*", function(request)
 	local milliseconds = request.path:match("^/wait/(%d+)$")
 	return milliseconds and { "waited " .. milliseconds .. " ms", lab.stall{ milliseconds = milliseconds } } or lab.status{ code = 404 }
+end)
+
+-- An answer for every third request only; the others are told to come back later.
+local asked = 0
+lab.at("GET /busy", function()
+	asked = asked + 1
+	return asked % 3 == 0 and "at last" or lab.status{ code = 503, text = "come back later" }
 end)
 
 -- A file of 1 MiB that arrives slowly enough to be cancelled; parts of it may be asked for.

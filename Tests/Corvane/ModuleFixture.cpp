@@ -29,6 +29,7 @@ namespace
 
 	FGameLoopSettings withEnvironment(FGameLoopSettings settings)
 	{
+		settings.http.connectionsPerHost = 1000; // some tests keep many answers waiting
 		settings.bCollectAfterEveryTick |= std::getenv("CORVANE_TEST_COLLECT") != nullptr;
 		settings.http.bForceGameThreadCallbacks |= isGameThreadForced();
 		return settings;

@@ -40,10 +40,14 @@ namespace
 		// Terminals.
 		{"$tty '$post --body 2> /dev/null'", 0, R"(POST a=\u001b[2J\u009b)", IsEmpty()},
 		{"$tty '$post --json'", 0, AllOf(HasSubstr(R"(a=\u001b[2J\u009b)"), Not(HasSubstr("\xc2\x9b"))), IsEmpty()},
+		{R"(printf %s 'print("a\27[2J\u{9b}", nil)' > p.lua; $tty '$c run p.lua')", 0, "a\\u001b[2J\\u009b\tnil\n", IsEmpty()},
 		{"$post", 0, HasSubstr("dataString: POST a=\x1b[2J\xc2\x9b\n"), IsEmpty()},
 		{"$tty '$get/file' | grep -c 'a... (2000 of'", 0, "2\n", IsEmpty()},
-		{R"($tty 'stty cols 24; $get/file -o /dev/null' | sed 's/\x1b\[K/\n/g' | awk '{ n = length > n ? length : n } END { print n }')", 0,
-			"23\n", IsEmpty()},
+		{R"sh(for w in 20 80 200; do
+				$tty "stty cols $w; $get/file -o /dev/null" | sed 's/\x1b\[K/\n/g' | awk -v w=$w '
+					{ bars += /^\[#+ *\]/; too_long += length >= w } END { print w, !!bars, too_long + 0 }'
+			done)sh",
+			0, "20 0 0\n80 1 0\n200 1 0\n", IsEmpty()},
 		{"$get/file -o /dev/null", 0, IsEmpty(), IsEmpty()},
 		{"$get/file -o /dev/null --progress", 0, IsEmpty(), HasSubstr("100 % received of 1.0 MiB")},
 		// Events as they come, from streams without an end.

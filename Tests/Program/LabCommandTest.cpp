@@ -1,4 +1,5 @@
 #include "ProcessRun.h"
+#include "SharedFiles.h"
 
 #include <gmock/gmock.h>
 
@@ -7,7 +8,7 @@ using ::testing::HasSubstr;
 
 TEST(LabCommand, RunsAGameAgainstEachNetwork)
 {
-	const std::string examples = CORVANE_EXAMPLES_DIRECTORY "/lab";
+	const std::string examples = (Program::sharedFolder("examples") / "lab").string();
 	for (const std::string name : {"lossy-train", "captive-portal", "dies-at-90-percent"})
 	{
 		const ProcessRun run = runProgram({"lab", examples + '/' + name + ".lua", "--run", examples + "/download-level.lua"});

@@ -6,11 +6,12 @@
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <utility>
 
 RunningProcess::RunningProcess(const std::vector<std::string>& words)
 {
 	const std::string root = directory.path();
+	directory.write("out", ""); // there from the beginning
+	directory.write("err", "");
 	const char* const redirect = R"(exec > "$0/out" 2> "$0/err" < /dev/null; exec "$@")";
 	std::vector<const char*> pointers{"/bin/sh", "-c", redirect, root.c_str()};
 	for (const std::string& word : words)
@@ -21,14 +22,34 @@ RunningProcess::RunningProcess(const std::vector<std::string>& words)
 	EXPECT_EQ(posix_spawn(&process, "/bin/sh", nullptr, nullptr, const_cast<char**>(pointers.data()), environ), 0);
 }
 
+void RunningProcess::send(int signal) const
+{
+	if (process != 0)
+	{
+		kill(process, signal);
+	}
+}
+
+/** @return false when it still runs. */
+bool RunningProcess::collect(int options)
+{
+	if (process != 0 && waitpid(process, &status, options) == process)
+	{
+		process = 0;
+	}
+	return process == 0;
+}
+
+bool RunningProcess::hasEnded()
+{
+	return collect(WNOHANG);
+}
+
 ProcessRun RunningProcess::end(int signal)
 {
-	if (const pid_t running = std::exchange(process, 0))
-	{
-		kill(running, signal);
-		EXPECT_EQ(waitpid(running, &status, 0), running);
-	}
-	return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), directory.read("out"), directory.read("err")};
+	send(signal);
+	EXPECT_TRUE(collect(0));
+	return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), out(), err()};
 }
 
 ProcessRun runProcess(const std::vector<std::string>& words)

@@ -23,10 +23,18 @@ public:
 	RunningProcess(const RunningProcess&) = delete;
 	RunningProcess& operator=(const RunningProcess&) = delete;
 
+	/** Does nothing to a process that has ended. */
+	void send(int signal) const;
+	/** @return what it has written so far. */
+	std::string out() const { return directory.read("out"); }
+	std::string err() const { return directory.read("err"); }
+	bool hasEnded();
 	/** Ends it with a signal, unless that is 0, and waits for the end. */
 	ProcessRun end(int signal = 9);
 
 private:
+	bool collect(int options);
+
 	const TempDir directory;
 	int process = 0; // 0 = has ended
 	int status = 0;

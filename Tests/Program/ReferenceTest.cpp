@@ -1,7 +1,10 @@
 #include "CorvaneBPLibrary.h"
 #include "DisplayName.h"
 #include "DocText.h"
-#include "NodeDrawing.h"
+#include "Graph/BlueprintText.h"
+#include "Graph/GraphDrawing.h"
+#include "Graph/GraphFile.h"
+#include "Graph/GraphNodes.h"
 #include "ProcessRun.h"
 #include "TempDir.h"
 #include "WriteReference.h"
@@ -71,7 +74,6 @@ TEST(NodeFacts, ComeFromTheHeaders)
 {
 	const NodeFacts get = node("CreateHttpRequestGET");
 	EXPECT_EQ(get.kind, NodeKind::Callable);
-	EXPECT_EQ(get.subtitle, "Target is Corvane BPLibrary");
 	EXPECT_EQ(get.category, "Corvane|GET");
 	EXPECT_THAT(get.texts, ElementsAre("Send a GET HTTP Request to Webserver.", "Builds a GET request."));
 	EXPECT_TRUE(pin("CreateHttpRequestGET", "header").mayStayUnconnected);
@@ -105,10 +107,10 @@ TEST(ReferencePages, AreCompleteWellFormedAndLinked)
 TEST(ReferencePages, NothingInATextCanBreakOut)
 {
 	const std::string evil = "</p><script>\"a\" & 'b'\x01";
-	const NodeFacts facts{NodeKind::Callable, "Sample.<script>\"a\" & 'b'", evil, evil, evil, {evil},
-		{{evil, evil, &PropertyTypeOf<FString>(), EParameterKind::Input, evil, false, {evil}}}, {{evil, evil, {evil}}}};
+	const NodeFacts facts{NodeKind::Callable, "Sample.<script>\"a\" & 'b'", evil, evil, {evil},
+		{{evil, evil, &PropertyTypeOf<FString>(), EParameterKind::Input, evil, false, {evil}}}, {{evil, evil, {evil}}}, evil, evil, evil};
 	const TempDir directory;
-	writeReference({{facts}, {{"", evil, evil, "x." + evil}}}, directory.path());
+	writeReference({{facts}, {{"", "1.lua", evil, "x." + evil}}, {{"x", evil, evil, "<script>", graphOf(facts)}}}, directory.path());
 	EXPECT_EQ(faultsOf(directory.path()), "");
 	for (const std::string& page : {pageName(facts), std::string("index.html")})
 	{
@@ -134,25 +136,77 @@ TEST(Reference, NamesItsGapsAndTheExampleThatIsMostAboutANodeFirst)
 	EXPECT_EQ(reference.examplesOf(bad).size(), 1u);
 }
 
-TEST(NodeDrawing, ShowsPinsDefaultsAndOutcomes)
+TEST(Graph, DrawingShowsDefaultsAndOutcomes)
 {
 	NodeFacts facts = node("AsyncExecuteHTTP_Download_REQUEST");
-	facts.pins[0].defaultText = "true";
+	facts.pins[0].defaultText = "<true>";
 	facts.pins[2].defaultText = "E_RESUME";
-	std::string drawing = drawNode(facts);
-	for (const char* shown : {">Async Execute HTTP Download REQUEST<", ">On Success<", ">On Fail<", ">Status Code<", ">true<", ">Resume<",
-			 ">Game directory<", ">may stay unconnected<"})
+	const std::string drawing = drawGraph(graphOf(facts));
+	for (const char* shown : {">Async Execute HTTP Download REQUEST<", ">On Success<", ">On Fail<", ">Status Code<", ">&lt;true&gt;<",
+			 ">Resume<", ">Game directory<"})
 	{
 		EXPECT_EQ(count(drawing, shown), 1u) << shown;
 	}
-	EXPECT_EQ(count(drawing, "#4aa3ff"), 0u) << "the tick of a switch";
-	facts.pins[0].type = &PropertyTypeOf<bool>();
-	EXPECT_EQ(count(drawNode(facts), "#4aa3ff"), 1u);
-
-	const std::pair<const char*, size_t> executions[] = {
-		{"AsyncExecuteHTTP_Download_REQUEST", 4}, {"CreateHttpRequestGET", 2}, {"getCleanDirectory", 0}, {"onhttpFileDownloadDelegate", 1}};
-	for (const auto& [name, pins] : executions)
+	for (const char* isTicked : {"true", "false"})
 	{
-		EXPECT_EQ(count(drawNode(node(name)), R"(fill="none" stroke="#ffffff" stroke-width="1.6")"), pins) << name;
+		facts.pins[0].type = &PropertyTypeOf<bool>();
+		facts.pins[0].defaultText = isTicked;
+		EXPECT_EQ(count(drawGraph(graphOf(facts)), "class=\"tick\""), *isTicked == 't' ? 1u : 0u);
+	}
+}
+
+TEST(Graph, TextNamesWhatTheEditorLooksUp)
+{
+	const char* const description = R"(
+bind onhttpRequestCompleteDelegate
+	self < target.ReturnValue
+	Delegate < answer.OutputDelegate
+target = getCorvaneTarget
+getCleanDirectory
+	directoryType: E_ad
+	filePath: a "b" < c:\d
+AsyncExecuteHTTP_GET_REQUEST
+
+answer = event Answered of onhttpRequestCompleteDelegate
+print
+	InString < answer.dataString
+)";
+	const std::string text = blueprintText(readGraph("Sample", description, allFacts()));
+	for (const char* part :
+		{R"(FunctionReference=(MemberParent="/Script/CoreUObject.Class'/Script/Corvane.CorvaneBPLibrary'",MemberName="getCorvaneTarget"))",
+			R"(DelegateReference=(MemberParent="/Script/CoreUObject.Class'/Script/Corvane.CorvaneBPLibrary'",MemberName="onhttpRequestCompleteDelegate"))",
+			R"(MemberParent="/Script/CoreUObject.Package'/Script/Corvane'",MemberName="httpRequestCompleteDelegate__DelegateSignature")",
+			R"(PinSubCategoryObject="/Script/CoreUObject.Enum'/Script/Corvane.EFileFunctionsCorvDirectoryType'")", R"(DefaultValue="E_ad")",
+			R"(DefaultValue="a \"b\" < c:\\d")", "bIsPureFunc=True",
+			R"(ProxyClass="/Script/CoreUObject.Class'/Script/Corvane.AsyncNodeHttpRequest'")",
+			R"(UserDefinedPin (PinName="byteData",PinType=(PinCategory="byte",ContainerType=Array,bIsReference=True,bIsConst=True))",
+			R"(PinName="header",PinType.PinCategory="string",PinType.PinSubCategory="",PinType.PinSubCategoryObject=None,)"
+			R"(PinType.PinSubCategoryMemberReference=(),PinType.PinValueType=(TerminalCategory="string"),PinType.ContainerType=Map,)"})
+	{
+		EXPECT_EQ(count(text, part), 1u) << part;
+	}
+	EXPECT_EQ(count(text, "LinkedTo=("), 12u) << "both ends of six wires";
+}
+
+TEST(Graph, DescriptionsThatAreWrongAreRefusedWithTheirLine)
+{
+	const std::pair<const char*, const char*> cases[] = {{"unheardOf", "line 1: there is no function or event unheardOf"},
+		{"# x\n\tp: 1", "line 2: 'pin: value' or 'pin < node.pin' of a node is expected, found p: 1"},
+		{"print\n\tpin: 1", "line 2: Print String has no such pin: pin"},
+		{"getCleanDirectory\n\tdirectoryType: E_x", "line 2: EFileFunctionsCorvDirectoryType has no value E_x"},
+		{"print\n\tInString < a.b\nprint", "line 2: no node has the name before the dot: a.b"},
+		{"print\n\tInString < a.ReturnValue\na = deleteFile", "line 2: a.ReturnValue and InString are of different types"},
+		{"a = print\n\nafter a.OnFail\nprint", "line 4: Print String has no such pin: OnFail"}};
+	for (const auto& [description, fault] : cases)
+	{
+		try
+		{
+			readGraph("Sample", description, allFacts());
+			ADD_FAILURE() << description;
+		}
+		catch (const std::runtime_error& refusal)
+		{
+			EXPECT_STREQ(refusal.what(), fault);
+		}
 	}
 }

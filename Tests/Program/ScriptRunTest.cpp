@@ -20,6 +20,9 @@ namespace
 	} cases[] = {
 		{"print(arg[0], #arg, select(2, ...)) print((FileFunctionsCorv.getCleanDirectory{ filePath = '/x' }).ReturnValue)", 0,
 			"script.lua\t5\t--project\t-x\t\ta=b\n/usr/x\n", ""},
+		{"CorvaneBPLibrary.CreateHttpRequestGET{ url = arg[1] }", 0, "",
+			"corvane: warning: requests that were built and never executed: 1, the first by CorvaneBPLibrary.CreateHttpRequestGET at "
+			"script.lua:1\n"},
 		{"error('at the top')", 1, "", "corvane: script.lua:1: at the top\nstack traceback:"},
 		{"local x =", 1, "", "corvane: script.lua:1: unexpected symbol near <eof>"},
 		{startOneRequest + "target.onhttpRequestCompleteDelegate:Add(function(e) error(e.dataString) end) print('last line')", 1,

@@ -22,5 +22,5 @@ for page, targets in links.items():
     for file, _, part in (target.partition("#") for target in targets):
         if not (folder / (file or page)).is_file() or (part and part not in ids[file or page]):
             print(f"{page}: {file}#{part} leads nowhere")
-    if page != "index.html" and page not in links["index.html"]:
+    if page != "index.html" and page not in (target.partition("#")[0] for target in links["index.html"]):
         print(f"{page}: the index does not name it")

@@ -30,9 +30,15 @@ namespace
 		R"(local map = {} for _, k in ipairs{ "b", "\u{e9}", "a1", "a", "Z9" } do map[k .. "x"] = k end
 			same(SampleLibrary.describeMap{ map = map }.ReturnValue, "Z9x=Z9;a1x=a1;ax=a;bx=b;\u{e9}x=\u{e9};"))",
 		R"(same(SampleLibrary.describeMap{ map = { { "z", "1" }, { "a", "2" } } }.ReturnValue, "z=1;a=2;"))",
-		R"(local records = SampleLibrary.addRecord{ text = "one" }.records
-			records = SampleLibrary.addRecord{ text = "two", records = records }.records
-			same(SampleLibrary.textOfFirst{ records = { records[2], records[1] } }.ReturnValue, "two"))",
+		R"(-- lists of records never change, whatever grows out of them
+			local function add(others, text) return SampleLibrary.addRecord{ others = others, text = text }.records end
+			local function texts(records) return SampleLibrary.textsOf{ records = records }.ReturnValue end
+			local one = add({}, "a")
+			local two = add(one, "b")
+			same(texts(two), "ab") same(texts(one), "a") same(texts(add(one, "c")), "ac") same(texts(add(two, "d")), "abd")
+			same(#add(two, ""), 0) same(texts(two), "ab") same(#two, 2) same(two[3], nil)
+			same(texts{ two[2], table.unpack(one) }, "ba") same(texts(add({ two[2] }, "e")), "be")
+			local all = "" for place, record in pairs(two) do all = all .. place .. texts{ record } end same(all, "1a2b"))",
 		R"(same(SampleLibrary.describeDefaults().ReturnValue, "1|7|10485760|-5|2.5|a \"b\"|6|1")
 			same(SampleLibrary.describeDefaults{ flag = false, text = "" }.ReturnValue, "0|7|10485760|-5|2.5||6|1"))",
 		"same(samplelibrary, nil) same(SampleLibrary.ECHO{ NUMBER = 4 }.number, 4)",

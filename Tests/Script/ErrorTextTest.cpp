@@ -15,7 +15,13 @@ namespace
 		{"SampleLibrary.rise{}", "SampleLibrary has no function 'rise', did you mean 'raise'?"},
 		{"SampleLibrary.notForScripts()", "SampleLibrary has no function 'notForScripts'"},
 		{"local x = ESampleColour.Grene", "ESampleColour has no value 'Grene', did you mean 'Green'?"},
-		{"local x = SampleLibrary.addRecord{}.records[1].text", "records of type SampleRecord have no fields that scripts may touch"},
+		{"local x = SampleLibrary.addRecord{ text = 'x' }.records[1].text",
+			"records of type SampleRecord have no fields that scripts may touch"},
+		{"SampleLibrary.addRecord{ text = 'x' }.records[2] = 1",
+			"a list of records does not change; { table.unpack(list) } makes a table of them"},
+		{"local x = SampleLibrary.echo().txet", "SampleLibrary.echo has no output pin 'txet', did you mean 'text'?"},
+		{"event:Add(function(e) return e.unknown end) SampleLibrary.raise()",
+			"event onSample has no output pin 'unknown' (it has: text, list, bytes, big)"},
 		{"SampleLibrary.getTarget().ReturnValue.onSampel:Add(print)", "SampleLibrary has no event 'onSampel'"},
 		{"SampleLibrary.getTarget().ReturnValue.onSample = print", "SampleLibrary has no field that scripts may set"},
 		{"event:Add(5)", "bad argument #1 to 'Add' (function expected, got number)"},
@@ -34,7 +40,7 @@ namespace
 		{"text = 5", "'text': expected string, got 5"},
 		{"colour = 'pink'", "'colour': expected ESampleColour (Red, Green, Blue), got string 'pink'"},
 		{"colour = 4", "'colour': expected ESampleColour (Red, Green, Blue), got 4"},
-		{"object = SampleNode.startNode()", "'object': expected SampleLibrary object, got userdata"},
+		{"object = SampleNode.startNode()", "'object': expected SampleLibrary object, got SampleNode object"},
 		{"moment = '2024-02-30T00:00:00.000Z'",
 			"'moment': expected FDateTime (YYYY-MM-DDThh:mm:ss.mmmZ), got string '2024-02-30T00:00:00.000Z'"},
 		{"texts = string.rep('a', 41)", "'texts': expected list of string, got string"},
@@ -61,8 +67,10 @@ TEST_F(ErrorText, NamesFunctionPinAndExpectedType)
 		EXPECT_EQ(runBad(std::string("SampleLibrary.echo{ ") + each.script + " }"),
 			std::string("script:1: SampleLibrary.echo: pin ") + each.message);
 	}
-	EXPECT_EQ(runBad("SampleLibrary.textOfFirst{ records = SampleLibrary.addForeignRecord().records }"),
-		"script:1: SampleLibrary.textOfFirst: pin 'records': element 1: expected SampleRecord, got userdata");
+	EXPECT_EQ(runBad("SampleLibrary.textsOf{ records = SampleLibrary.addForeignRecord().records }"),
+		"script:1: SampleLibrary.textsOf: pin 'records': expected list of SampleRecord, got list of ForeignRecord");
+	EXPECT_EQ(runBad("SampleLibrary.textsOf{ records = { SampleLibrary.addForeignRecord().records[1] } }"),
+		"script:1: SampleLibrary.textsOf: pin 'records': element 1: expected SampleRecord, got ForeignRecord record");
 	// A table has no order, so either spelling may be met first.
 	EXPECT_THAT(runBad("SampleLibrary.raise{ text = 'x', TEXT = 'y' }"), ::testing::EndsWith("is given twice, in different spelling"));
 	EXPECT_EQ(runBad("\x1bLua"), "attempt to load a binary chunk (mode is 't')");

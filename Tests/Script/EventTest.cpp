@@ -10,6 +10,7 @@ namespace
 			SampleLibrary.getTarget().ReturnValue.ONSAMPLE:Add(function(e) got = e end)
 			SampleLibrary.raise{ text = "h\u{e9}" }
 			assert(got.text == "h\u{e9}" and got.list[2] == "b" and got.bytes == "\0\xFF" and got.big == 1 << 40)
+			assert(got.TEXT == got.text and pairs(got) == next)
 		)lua",
 		R"lua( -- they may bind and unbind during the broadcast
 			local calls, own = ""

@@ -76,11 +76,27 @@ public:
 		return text;
 	}
 
+	/** @param text  empty: records stays as it was. */
 	UFUNCTION(BlueprintCallable, Category = "Sample")
-	static void addRecord(FString text, TArray<FSampleRecord>& records) { records.Add({text}); }
+	static void addRecord(TArray<FSampleRecord> others, FString text, TArray<FSampleRecord>& records)
+	{
+		if (!text.IsEmpty())
+		{
+			others.Add({text});
+			records = MoveTemp(others);
+		}
+	}
 
 	UFUNCTION(BlueprintCallable, Category = "Sample")
-	static FString textOfFirst(TArray<FSampleRecord> records) { return records[0].text; }
+	static FString textsOf(TArray<FSampleRecord> records)
+	{
+		FString texts;
+		for (const FSampleRecord& record : records)
+		{
+			texts += record.text;
+		}
+		return texts;
+	}
 
 	UFUNCTION(BlueprintCallable, Category = "Sample")
 	static void addForeignRecord(TArray<FForeignRecord>& records) { records.Add({}); }

@@ -31,7 +31,7 @@ protected:
 	/** Starts with a fresh script. */
 	void renew()
 	{
-		script = std::make_unique<Script::ScriptState>(Script::LoopAccess{tick, waitFor});
+		script = std::make_unique<Script::ScriptState>(Script::ProgramAccess{tick, waitFor, [](std::string_view) {}});
 		script->runText("event = SampleLibrary.getTarget().ReturnValue.onSample");
 	}
 

@@ -10,14 +10,21 @@ namespace HeaderTool
 {
 	namespace
 	{
+		/** The value of one argument, which the function may keep when it takes a copy. */
+		std::string argument(const TypeDef& type, size_t index)
+		{
+			const std::string value = fmt::format("*static_cast<{}*>(Arguments[{}])", storedType(type), index);
+			const bool isCopied = type.references == 0 && (type.isContainer() || type.name.starts_with('F'));
+			return isCopied ? "MoveTemp(" + value + ")" : value;
+		}
+
 		/** `static void Invoke_x(UObject* Self, void* const* Arguments)` */
 		std::string thunk(const ClassDef& owner, const FunctionDef& function)
 		{
 			std::string call;
 			for (size_t i = 0; i < function.parameters.size(); ++i)
 			{
-				const TypeDef& type = function.parameters[i].type;
-				call += fmt::format("{}\n\t\t\t*static_cast<{}*>(Arguments[{}])", i > 0 ? "," : "", storedType(type), i);
+				call += fmt::format("{}\n\t\t\t{}", i > 0 ? "," : "", argument(function.parameters[i].type, i));
 			}
 			call = function.isStatic ? fmt::format("{}::{}({})", owner.name, function.name, call)
 									 : fmt::format("static_cast<{}*>(Self)->{}({})", owner.name, function.name, call);
@@ -120,8 +127,8 @@ namespace HeaderTool
 			for (const EnumeratorDef& enumerator : def.enumerators)
 			{
 				const Specifier* const display = enumerator.specifiers.find("DisplayName");
-				rows += fmt::format("\t\t{{{}, {}, {}}},\n", quote(enumerator.name), enumerator.value,
-					quote(display ? display->value.value_or("") : enumerator.name));
+				rows += fmt::format("\t\t{{{}, {}, {}, {}}},\n", quote(enumerator.name), enumerator.value,
+					quote(display ? display->value.value_or("") : enumerator.name), quote(enumerator.comment));
 			}
 			const Table meta = metaTable("Meta", def.specifiers);
 			const std::string definition =
@@ -210,8 +217,8 @@ namespace HeaderTool
 				text += table.text;
 				references += ", " + table.reference;
 			}
-			return fmt::format("\nnamespace {0}\n{{\n{1}\tstatic FCompiledInHeader Header({2}{3});\n}} // namespace {0}\n", space, text,
-				quote(header.fileName), references);
+			return fmt::format("\nnamespace {0}\n{{\n{1}\tstatic FCompiledInHeader Header({2}, {3}{4});\n}} // namespace {0}\n", space,
+				text, quote(module), quote(header.fileName), references);
 		}
 
 		template <class Def, class Define>

@@ -111,6 +111,7 @@ namespace HeaderTool
 		std::string name;
 		long long value = 0;
 		Specifiers specifiers; // of UMETA: everything stands in entries
+		std::string comment; // what the documentation comment in front of its name says
 		int line = 1;
 	};
 

@@ -67,6 +67,7 @@ namespace HeaderTool
 		{
 			EnumeratorDef enumerator;
 			enumerator.line = reader.line();
+			enumerator.comment = reader.peek().comment;
 			enumerator.name = reader.expectName("an enumerator");
 			enumerator.value = nextValue;
 			if (reader.accept("="))

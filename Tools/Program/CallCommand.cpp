@@ -5,8 +5,8 @@
 #include "Console.h"
 #include "CorvaneBPLibrary.h"
 #include "DownloadSummary.h"
+#include "EndSignals.h"
 #include "EventLines.h"
-#include "ExchangeLines.h"
 #include "FunctionNames.h"
 #include "InputError.h"
 #include "Kismet/BlueprintAsyncActionBase.h"
@@ -27,7 +27,7 @@ namespace Program
 		class Call
 		{
 		public:
-			Call(FGameLoop& gameLoop, const Reflect::Function& calledFunction, const CallOptions& callOptions)
+			Call(ProgramLoop& gameLoop, const Reflect::Function& calledFunction, const CallOptions& callOptions)
 				: loop(gameLoop)
 				, function(calledFunction)
 				, options(callOptions)
@@ -45,14 +45,10 @@ namespace Program
 					refuseBodyOf(download);
 					body.emplace(options.bodyFile);
 				}
-				if (options.verbose)
-				{
-					tellRequest(function, frame);
-				}
 				const std::optional<Json> pins = outcome();
-				if (std::ferror(stdout))
+				if (std::ferror(stdout) || EndSignals::asked())
 				{
-					return exitFailed; // nobody could read on
+					return exitFailed; // nobody could read on, or wants to
 				}
 				if (body)
 				{
@@ -62,10 +58,6 @@ namespace Program
 				{
 					complain(fmt::format("corvane: {} ended without a result", function.name));
 					return exitFailed;
-				}
-				if (options.verbose)
-				{
-					tellAnswer(*pins);
 				}
 				if (body)
 				{
@@ -167,11 +159,11 @@ namespace Program
 			void runToIdle()
 			{
 				bool isLate = false;
-				loop.RunUntilIdle(UCorvaneBPLibrary::hasPendingWork,
+				loop.runToIdle(
 					[&]
 					{
 						isLate = options.timeoutSeconds > 0 && secondsSinceStart() > options.timeoutSeconds;
-						return isLate || std::ferror(stdout) || (body && body->isBroken());
+						return isLate || (body && body->isBroken());
 					});
 				if (isLate)
 				{
@@ -183,7 +175,7 @@ namespace Program
 
 			using Clock = std::chrono::steady_clock;
 
-			FGameLoop& loop;
+			ProgramLoop& loop;
 			const Reflect::Function& function;
 			const CallOptions& options;
 			Reflect::CallFrame frame;

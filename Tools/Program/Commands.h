@@ -19,13 +19,23 @@ namespace Program
 	{
 		FGameLoopSettings loop;
 		std::string driveBase; // scheme and host for Drive requests; empty = the service's own
+		bool verbose = false; // tell on standard error what is sent and answered, but for bodies and secrets
 	};
 
-	/** The loop of a verb, with what else the settings ask for. */
+	/** The loop of a verb, with what else the settings ask for. It ends in order when a signal asks for it. */
 	class ProgramLoop : public FGameLoop
 	{
 	public:
 		explicit ProgramLoop(const Settings& settings);
+		~ProgramLoop() { end(); }
+
+		/** Runs until nothing is pending, or a signal asks for the end, or standard output can be written no further. */
+		void runToIdle(const std::function<bool()>& abort);
+		/** Shuts down, and tells what a signal leaves unfinished. A second call does nothing. */
+		void end();
+
+	private:
+		bool hasEnded = false;
 	};
 
 	struct CallOptions
@@ -37,7 +47,6 @@ namespace Program
 		bool bodyAlone = false; // to standard output
 		std::string bodyFile; // the body alone, into this file; empty = not
 		bool progress = false; // a line for each progress event, also where there is no terminal
-		bool verbose = false;
 		double timeoutSeconds = 0; // for the whole call; 0 = no limit
 	};
 
@@ -84,5 +93,5 @@ namespace Program
 	 * Runs one script file until it and everything it started has ended, and closes it; its error goes to standard error.
 	 * @return the script's exit status.
 	 */
-	int runToEnd(FGameLoop& loop, const std::string& path, const std::vector<std::string>& arguments);
+	int runToEnd(ProgramLoop& loop, const std::string& path, const std::vector<std::string>& arguments);
 } // namespace Program

@@ -1,6 +1,7 @@
 #include "Commands.h"
 #include "CorvaneBPLibrary.h"
 #include "DemoOrigin.h"
+#include "EndSignals.h"
 #include "Reference/Examples.h"
 
 #include <fmt/core.h>
@@ -23,8 +24,12 @@ namespace Program
 			fmt::print("== {}: {}\n", example.file, example.title);
 			worst = std::max(worst, runToEnd(loop, example.path, {origin.url()}));
 			fmt::print("\n");
+			if (EndSignals::asked())
+			{
+				return worst;
+			}
 		}
-		loop.Shutdown(); // before the origin ends
+		loop.end(); // before the origin ends
 		fmt::print("{}\n", worst == exitGood ? "All examples ran." : "An example failed.");
 		return worst;
 	}

@@ -1,5 +1,6 @@
 #include "Commands.h"
 #include "Console.h"
+#include "EndSignals.h"
 #include "InputError.h"
 #include "Lab/Cassette.h"
 #include "Lab/Origin.h"
@@ -9,9 +10,9 @@
 
 #include <fmt/core.h>
 
-#include <csignal>
 #include <fstream>
 #include <optional>
+#include <poll.h>
 
 namespace Program
 {
@@ -22,22 +23,13 @@ namespace Program
 			complain(fmt::format("corvane: lab: {}", fault));
 		}
 
-		/** Its own threads shall not take these: whoever waits for them does. */
-		sigset_t blockEndSignals()
-		{
-			sigset_t signals;
-			sigemptyset(&signals);
-			sigaddset(&signals, SIGINT);
-			sigaddset(&signals, SIGTERM);
-			pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-			return signals;
-		}
-
 		int waitForEnd()
 		{
-			const sigset_t signals = blockEndSignals();
-			int signal = 0;
-			sigwait(&signals, &signal);
+			constexpr int milliseconds = 1000; // a signal ends the wait, but for one that came just before it
+			while (EndSignals::asked() == 0)
+			{
+				::poll(nullptr, 0, milliseconds);
+			}
 			return exitGood;
 		}
 
@@ -52,7 +44,7 @@ namespace Program
 			}
 			ProgramLoop loop(settings);
 			const int status = runToEnd(loop, game, {url});
-			loop.Shutdown();
+			loop.end();
 			return status;
 		}
 
@@ -73,7 +65,8 @@ namespace Program
 
 		int runOrigin(const Settings& settings, const LabOptions& options)
 		{
-			Lab::Origin origin({options.port, options.address, !options.certificateFile.empty(), complainOf});
+			Lab::Origin origin(
+				{.port = options.port, .address = options.address, .usesTls = !options.certificateFile.empty(), .complain = complainOf});
 			std::optional<Lab::Script> script;
 			if (!options.certificateFile.empty())
 			{
@@ -104,10 +97,6 @@ namespace Program
 		if (!options.script.empty() + !options.recordFile.empty() + !options.replayFile.empty() > 1)
 		{
 			throw Reflect::InputError("a lab runs a script, or records, or replays");
-		}
-		if (options.game.empty())
-		{
-			blockEndSignals(); // before there are threads
 		}
 		return options.recordFile.empty() ? runOrigin(settings, options) : record(settings, options);
 	}

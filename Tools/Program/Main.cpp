@@ -1,10 +1,10 @@
+#include "CommandLineFaults.h"
 #include "Commands.h"
 #include "Console.h"
+#include "EndSignals.h"
 #include "InputError.h"
-#include "NearestName.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <fmt/core.h>
 
 namespace
@@ -45,6 +45,9 @@ namespace
 			help->add_option("VERB", helpTopic, "The verb that it is about");
 			run->formatter(std::make_shared<ScriptUsage>());
 			addDirectories(*run);
+			addVerbose(*run);
+			run->add_option("--connections", settings.loop.http.connectionsPerHost, "How many at once to one host, 6 by default")
+				->check(CLI::Range(1, 4096));
 			run->prefix_command(); // everything from SCRIPT on belongs to the script, options too
 			addDirectories(*callFunction);
 			addDriveBase(*nodes);
@@ -61,7 +64,7 @@ namespace
 			callFunction->add_option("-H,--header", call.headers, "A header of the request: -H 'Accept: text/plain'")
 				->allow_extra_args(false);
 			callFunction->add_option("--timeout", call.timeoutSeconds, "Give up after so many seconds")->check(CLI::PositiveNumber);
-			callFunction->add_flag("-v,--verbose", call.verbose, "Tell request and answer on standard error, without secrets");
+			addVerbose(*callFunction);
 			callFunction->add_option("FUNCTION", call.function, "Class.function, or the function's name alone")->required();
 			callFunction->add_option("PIN=VALUE", call.pins,
 				"Enumerations by name, lists and maps as JSON: header='{\"Accept\":\"text/plain\"}'; a body may be @FILE");
@@ -91,6 +94,12 @@ namespace
 			verb.add_option("--drive-base", settings.driveBase, "Scheme and host that stand for those of Drive");
 		}
 
+		void addVerbose(CLI::App& verb)
+		{
+			verb.add_flag(
+				"-v,--verbose", settings.verbose, "Tell lines and headers of requests and answers on standard error, without secrets");
+		}
+
 		void addDirectories(CLI::App& verb)
 		{
 			addDriveBase(verb);
@@ -111,24 +120,12 @@ namespace
 		return Program::runScript(line.settings, script, arguments);
 	}
 
-	/** The parser only says that a verb is missing. */
-	void checkVerb(const CLI::App& app, const std::string& word)
-	{
-		std::vector<std::string> verbs;
-		for (const CLI::App* verb : app.get_subcommands(nullptr))
-		{
-			verbs.push_back(verb->get_name());
-		}
-		const bool isVerb = std::find(verbs.begin(), verbs.end(), word) != verbs.end();
-		if (!isVerb && !word.empty() && !word.starts_with('-'))
-		{
-			throw Reflect::InputError(fmt::format("there is no verb '{}'{}", word, Reflect::suggestion(word, verbs)));
-		}
-	}
-
 	int printHelp(const CommandLine& line)
 	{
-		checkVerb(line.app, line.helpTopic);
+		if (!line.helpTopic.empty())
+		{
+			Program::checkVerb(line.app, line.helpTopic);
+		}
 		const CommandLine fresh; // this one would speak of the verb "help" only
 		const CLI::App& app = line.helpTopic.empty() ? fresh.app : *fresh.app.get_subcommand(line.helpTopic);
 		fmt::print("{}", app.help(line.helpTopic.empty() ? "" : "corvane"));
@@ -160,31 +157,38 @@ namespace
 		return *line.nodes ? Program::listNodes(line.nodesOptions) : Program::runDemo(line.settings);
 	}
 
+	/** @return the exit status that says so. */
+	int fail(const std::exception& error, int status)
+	{
+		const bool isOfOutput = status == Program::exitFailed && std::ferror(stdout); // this is told when the output ends
+		if (!isOfOutput && !Program::EndSignals::asked())
+		{
+			Program::complain(fmt::format("corvane: {}", error.what()));
+		}
+		return status;
+	}
+
 	int runCommand(int argc, char** argv)
 	{
 		CommandLine line;
 		try
 		{
-			checkVerb(line.app, argc > 1 ? argv[1] : "");
+			Program::checkVerb(line.app, argc > 1 ? argv[1] : "");
 			line.app.parse(argc, argv);
 			return carryOut(line);
 		}
 		catch (const CLI::ParseError& error)
 		{
-			return line.app.exit(error) == 0 ? Program::exitGood : Program::exitUsage; // asking for help is no error
+			const bool isAnswer = error.get_exit_code() == 0; // to whoever asked for help
+			return isAnswer ? line.app.exit(error) : fail(Reflect::InputError(Program::explain(line.app, error)), Program::exitUsage);
 		}
 		catch (const Reflect::InputError& error)
 		{
-			Program::complain(fmt::format("corvane: {}", error.what()));
-			return Program::exitUsage;
+			return fail(error, Program::exitUsage);
 		}
 		catch (const std::exception& error)
 		{
-			if (!std::ferror(stdout)) // else this is told when the output ends
-			{
-				Program::complain(fmt::format("corvane: {}", error.what()));
-			}
-			return Program::exitFailed;
+			return fail(error, Program::exitFailed);
 		}
 	}
 } // namespace
@@ -192,7 +196,13 @@ namespace
 int main(int argc, char** argv)
 {
 	Program::openConsole();
+	const Program::EndSignals signals;
 	const int status = runCommand(argc, argv);
+	if (const int signal = Program::EndSignals::asked())
+	{
+		std::fflush(stdout);
+		Program::EndSignals::endAs(signal);
+	}
 	const bool isWritten = Program::finishOutput();
 	return isWritten || status != Program::exitGood ? status : Program::exitFailed;
 }

@@ -38,7 +38,7 @@ namespace Program
 			{
 				for (const FEnumerator& value : pin.type->Enum()->Enumerators)
 				{
-					fmt::print("{}{} = {}: {}\n", indent, value.Name, value.Value, value.DisplayName);
+					fmt::print("{}{} = {}: {}. {}\n", indent, value.Name, value.Value, value.DisplayName, value.Comment);
 				}
 			}
 		}
@@ -87,7 +87,7 @@ namespace Program
 			{
 				complain("corvane: " + gap);
 			}
-			fmt::print("{} pages in {}\n", reference.nodes.size() + 1, directory);
+			fmt::print("{} pages in {}\n", reference.nodes.size() + reference.examples.size() + reference.guides.size() + 2, directory);
 			return gaps.empty() ? exitGood : exitFailed;
 		}
 

@@ -1,18 +1,66 @@
 #include "Commands.h"
+#include "Console.h"
 #include "CorvaneBPLibrary.h"
+#include "EndSignals.h"
+#include "ExchangeLines.h"
 #include "InputError.h"
 #include "RequestChecks.h"
-#include "ValueTransfer.h"
+#include "UnfinishedFiles.h"
 
-Program::ProgramLoop::ProgramLoop(const Settings& settings)
-	: FGameLoop(settings.loop)
+#include <fmt/format.h>
+
+#include <utility>
+
+namespace Program
 {
-	if (!settings.driveBase.empty())
+	namespace
 	{
-		if (const std::string fault = addressFault(settings.driveBase); !fault.empty())
+		FGameLoopSettings loopSettings(const Settings& settings)
 		{
-			throw Reflect::InputError("--drive-base: " + fault);
+			FGameLoopSettings own = settings.loop;
+			if (settings.verbose)
+			{
+				own.http.onHead = tellHead;
+			}
+			return own;
 		}
-		UCorvaneBPLibrary::setGoogleDriveBase(Reflect::toFString(settings.driveBase));
+	} // namespace
+
+	ProgramLoop::ProgramLoop(const Settings& settings)
+		: FGameLoop(loopSettings(settings))
+	{
+		if (!settings.driveBase.empty())
+		{
+			if (const std::string fault = addressFault(settings.driveBase); !fault.empty())
+			{
+				throw Reflect::InputError("--drive-base: " + fault);
+			}
+			UCorvaneBPLibrary::setGoogleDriveBase(Reflect::toFString(settings.driveBase));
+		}
 	}
-}
+
+	void ProgramLoop::runToIdle(const std::function<bool()>& abort)
+	{
+		RunUntilIdle(
+			UCorvaneBPLibrary::hasPendingWork, [&] { return EndSignals::asked() != 0 || std::ferror(stdout) || (abort && abort()); });
+	}
+
+	void ProgramLoop::end()
+	{
+		if (std::exchange(hasEnded, true))
+		{
+			return;
+		}
+		const int signal = EndSignals::asked();
+		const UnfinishedFiles unfinished;
+		if (signal)
+		{
+			leaveOutOfLog(unfinished.paths());
+		}
+		Shutdown();
+		if (signal)
+		{
+			complain(fmt::format("corvane: {}{}", EndSignals::inWords(signal), unfinished.inWords()));
+		}
+	}
+} // namespace Program

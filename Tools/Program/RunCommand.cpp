@@ -1,6 +1,6 @@
 #include "Commands.h"
 #include "Console.h"
-#include "CorvaneBPLibrary.h"
+#include "EndSignals.h"
 #include "InputError.h"
 #include "ScriptState.h"
 
@@ -13,18 +13,34 @@
 
 namespace Program
 {
-	int runToEnd(FGameLoop& loop, const std::string& path, const std::vector<std::string>& arguments)
+	namespace
+	{
+		void printLine(std::string_view line)
+		{
+			const std::string fit = fitFor(stdout, line);
+			std::fwrite(fit.data(), 1, fit.size(), stdout);
+			std::fputc('\n', stdout);
+			std::fflush(stdout);
+		}
+	} // namespace
+
+	int runToEnd(ProgramLoop& loop, const std::string& path, const std::vector<std::string>& arguments)
 	{
 		Script::ScriptState script({[&loop] { loop.Tick(); },
-			[&loop](const std::function<bool()>& condition, double seconds) { return loop.WaitFor(condition, seconds); }});
+			[&loop](const std::function<bool()>& condition, double seconds) { return loop.WaitFor(condition, seconds); }, printLine,
+			[] { return EndSignals::asked() != 0; }});
 		if (script.runFile(path, arguments))
 		{
-			loop.RunUntilIdle(UCorvaneBPLibrary::hasPendingWork, [&script] { return script.hasEnded() || std::ferror(stdout); });
+			loop.runToIdle([&script] { return script.hasEnded(); });
 		}
 		std::fflush(stdout); // before the error, so that the two stand in order where both go to one place
 		if (!script.error().empty())
 		{
 			complain("corvane: " + script.error());
+		}
+		for (const std::string& warning : script.warnings())
+		{
+			complain("corvane: warning: " + warning);
 		}
 		return script.exitStatus();
 	}

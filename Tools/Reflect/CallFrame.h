@@ -21,7 +21,7 @@ namespace Reflect
 		std::optional<size_t> findOutput(std::string_view pin) const;
 
 		const FParameter& parameter(size_t index) const { return called.function->Parameters[index]; }
-		/** The value of one parameter: before the call its input, afterwards its output. */
+		/** The value of one parameter: before the call its input, afterwards its output; what was input only is used up then. */
 		const Value& operator[](size_t index) const { return arguments[index]; }
 
 		/** Sets an input pin. Throws InputError, which names function and pin. @param pin  its name as the caller wrote it. */

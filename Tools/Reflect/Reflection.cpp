@@ -33,6 +33,21 @@ namespace Reflect
 			}
 			return found;
 		}
+
+		/** @param declares  whether a header does. */
+		template <class Declares>
+		std::string_view moduleWhere(Declares declares)
+		{
+			const std::span<const FCompiledInHeader* const> headers = GetCompiledInHeaders();
+			const auto found = std::find_if(headers.begin(), headers.end(), declares);
+			return found == headers.end() ? "" : (*found)->Module;
+		}
+
+		template <class Type>
+		bool has(std::span<const Type* const> list, const Type& wanted)
+		{
+			return std::find(list.begin(), list.end(), &wanted) != list.end();
+		}
 	} // namespace
 
 	const std::vector<Function>& functions()
@@ -62,6 +77,29 @@ namespace Reflect
 			}
 		}
 		return found;
+	}
+
+	std::string_view moduleOf(const UClass& type)
+	{
+		return moduleWhere(
+			[&](const FCompiledInHeader* header) {
+				return std::any_of(header->Classes.begin(), header->Classes.end(), [&](UClass* (*const get)()) { return get() == &type; });
+			});
+	}
+
+	std::string_view moduleOf(const UScriptStruct& type)
+	{
+		return moduleWhere([&](const FCompiledInHeader* header) { return has(header->Structs, type); });
+	}
+
+	std::string_view moduleOf(const UEnum& type)
+	{
+		return moduleWhere([&](const FCompiledInHeader* header) { return has(header->Enums, type); });
+	}
+
+	std::string_view moduleOf(const UDelegateFunction& signature)
+	{
+		return moduleWhere([&](const FCompiledInHeader* header) { return has(header->Delegates, signature); });
 	}
 
 	std::vector<std::string> inputNames(const UFunction& function)

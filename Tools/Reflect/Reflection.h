@@ -28,6 +28,12 @@ namespace Reflect
 	 */
 	std::vector<const Function*> findFunctions(std::string_view name);
 
+	/** @return the name of the module whose headers declare a class, struct, enumeration or signature; empty for the engine's own. */
+	std::string_view moduleOf(const UClass& type);
+	std::string_view moduleOf(const UScriptStruct& type);
+	std::string_view moduleOf(const UEnum& type);
+	std::string_view moduleOf(const UDelegateFunction& signature);
+
 	bool equalNames(std::string_view a, std::string_view b);
 
 	/** @return whether a script may set a pin of this kind: all but return values, since an output can start with a value. */

@@ -105,11 +105,12 @@ namespace Reflect
 		void readArray(const FPropertyType& type, const Source& source, void* value)
 		{
 			Value fresh(type);
-			if (!source.list([&](const Source& element) { readValue(*type.Inner(), element, type.ArrayAdd(fresh.get())); }))
+			if (!source.wholeList(type, fresh.get()) &&
+				!source.list([&](const Source& element) { readValue(*type.Inner(), element, type.ArrayAdd(fresh.get())); }))
 			{
 				source.refuse(type);
 			}
-			type.Assign(value, fresh.get());
+			type.Move(value, fresh.get());
 		}
 
 		void readMap(const FPropertyType& type, const Source& source, void* value)
@@ -121,7 +122,7 @@ namespace Reflect
 			{
 				source.refuse(type);
 			}
-			type.Assign(value, fresh.get());
+			type.Move(value, fresh.get());
 		}
 
 		void writeText(const FString& text, Sink& sink)

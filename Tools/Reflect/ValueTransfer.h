@@ -26,6 +26,8 @@ namespace Reflect
 		virtual std::optional<std::string_view> text() const { return std::nullopt; }
 		/** @return the address of a record of a type; null = this is none. */
 		virtual const void* record(const FPropertyType&) const { return nullptr; }
+		/** Sets an array of a type, when this holds one in a single piece. @return false when it does not. */
+		virtual bool wholeList(const FPropertyType&, void*) const { return false; }
 		/** @return an object that fits a type, or null for no object. */
 		virtual std::optional<UObject*> object(const FPropertyType&) const { return std::nullopt; }
 		/** Visits every element. @return false when this is no list. */

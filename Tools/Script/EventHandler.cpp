@@ -2,6 +2,7 @@
 
 #include "Context.h"
 #include "LuaSink.h"
+#include "NamedFields.h"
 
 namespace Script
 {
@@ -10,7 +11,7 @@ namespace Script
 		struct Invocation
 		{
 			int function;
-			const UDelegateFunction& signature;
+			const FMulticastDelegateProperty& event;
 			void* const* arguments;
 		};
 
@@ -20,7 +21,9 @@ namespace Script
 			const Invocation& invocation = *static_cast<const Invocation*>(lua_touserdata(lua, 1));
 			lua_rawgeti(lua, LUA_REGISTRYINDEX, invocation.function);
 			LuaSink sink(lua);
-			Reflect::writeParameters(invocation.signature.Parameters, invocation.arguments, sink);
+			Reflect::writeParameters(invocation.event.Signature->Parameters, invocation.arguments, sink);
+			nameFields(lua, &invocation.event, std::string("event ") + invocation.event.Name, invocation.event.Signature->Parameters,
+				[](EParameterKind) { return true; });
 			lua_call(lua, 1, 0);
 			return 0;
 		}
@@ -58,7 +61,7 @@ namespace Script
 			context->fail("stack overflow: events that raise each other");
 			return;
 		}
-		Invocation invocation{function, *event.Signature, arguments};
+		Invocation invocation{function, event, arguments};
 		const int top = lua_gettop(lua);
 		lua_pushcfunction(lua, addTraceback);
 		lua_pushcfunction(lua, guarded<callFunction>);

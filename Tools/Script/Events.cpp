@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <vector>
 
 namespace Script
@@ -72,6 +73,12 @@ namespace Script
 			found->second->unbind();
 		}
 		return isBound;
+	}
+
+	size_t EventBindings::count(const UObject& owner, const FMulticastDelegateProperty& event) const
+	{
+		return static_cast<size_t>(std::count_if(
+			handlers.begin(), handlers.end(), [&](const auto& entry) { return entry.second->isScriptHandlerOf(owner, event); }));
 	}
 
 	void EventBindings::clear(const UObject& owner, const FMulticastDelegateProperty& event)

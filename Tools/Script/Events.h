@@ -26,6 +26,8 @@ namespace Script
 		lua_Integer add(lua_State* lua, UObject& owner, const FMulticastDelegateProperty& event);
 		/** @return false when this event has no such handler of the script any more. */
 		bool remove(const UObject& owner, const FMulticastDelegateProperty& event, lua_Integer handle);
+		/** @return how many handlers of the script one event has. */
+		size_t count(const UObject& owner, const FMulticastDelegateProperty& event) const;
 		/** Unbinds the script's handlers of one event; those of native code stay. */
 		void clear(const UObject& owner, const FMulticastDelegateProperty& event);
 		/** Unbinds everything. */

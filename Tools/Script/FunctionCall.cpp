@@ -5,12 +5,16 @@
 #include "InputError.h"
 #include "LuaSink.h"
 #include "LuaSource.h"
+#include "NamedFields.h"
 #include "Nodes.h"
 #include "Objects.h"
+#include "RecordList.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <set>
+#include <vector>
 
 namespace Script
 {
@@ -23,6 +27,13 @@ namespace Script
 		constexpr int pinsIndex = 1;
 		constexpr int handlersIndex = 2; // of a node factory: event to Lua function
 
+		/** @return whether a function puts out records: those that it was given, and new ones. */
+		bool givesRecords(const UFunction& function)
+		{
+			return std::any_of(function.Parameters.begin(), function.Parameters.end(),
+				[](const FParameter& parameter) { return Reflect::isOutput(parameter.Kind) && isRecordList(parameter.Type()); });
+		}
+
 		/** Reads the table of input pins of one call. */
 		class PinReader
 		{
@@ -32,10 +43,12 @@ namespace Script
 				, called(calledFunction)
 				, frame(callFrame)
 				, nodeClass(Reflect::nodeClassOf(*calledFunction.function))
+				, isBuilder(givesRecords(*calledFunction.function))
 			{
 			}
 
-			void readAll()
+			/** @return the list of records that was given; null when there was none, or several. */
+			const RecordList* readAll()
 			{
 				lua_pushnil(lua);
 				while (lua_next(lua, pinsIndex))
@@ -47,6 +60,7 @@ namespace Script
 					readOne(lua_tostring(lua, -2));
 					lua_pop(lua, 1);
 				}
+				return lists.size() == 1 ? lists.front() : nullptr;
 			}
 
 		private:
@@ -63,7 +77,39 @@ namespace Script
 				{
 					throw InputError(fmt::format("{}: pin '{}' is given twice, in different spelling", called.name, pin));
 				}
-				index ? frame.set(*index, pin, LuaSource(lua, lua_gettop(lua))) : readHandler(pin, *event);
+				index ? readPin(*index, pin) : readHandler(pin, *event);
+			}
+
+			void readPin(size_t index, const char* pin)
+			{
+				frame.set(index, pin, LuaSource(lua, lua_gettop(lua)));
+				if (!isBuilder)
+				{
+					noteStarted();
+				}
+				if (const RecordList* const list = recordListAt(lua, -1))
+				{
+					lists.push_back(list);
+				}
+			}
+
+			/** The records of the value on top go to a function that does not only hand them on. */
+			void noteStarted()
+			{
+				Omissions& omissions = Context::of(lua).omissions;
+				const RecordList* const list = recordListAt(lua, -1);
+				for (int32 index = 0; list && index < list->size(); ++index)
+				{
+					omissions.noteStarted((*list)[index]->number);
+				}
+				const lua_Unsigned count = lua_istable(lua, -1) ? lua_rawlen(lua, -1) : 0;
+				for (lua_Unsigned place = 1; place <= count; ++place)
+				{
+					lua_rawgeti(lua, -1, static_cast<lua_Integer>(place));
+					const Record* const record = recordAt(lua, -1);
+					omissions.noteStarted(record ? record->number : 0);
+					lua_pop(lua, 1);
+				}
 			}
 
 			void readHandler(const char* pin, const FMulticastDelegateProperty& event)
@@ -90,6 +136,8 @@ namespace Script
 			const Function& called;
 			CallFrame& frame;
 			UClass* const nodeClass;
+			const bool isBuilder;
+			std::vector<const RecordList*> lists; // the pins keep them
 			std::set<std::string> given;
 		};
 
@@ -105,10 +153,38 @@ namespace Script
 		{
 			UObject* const node = frame.returnedObject();
 			pushObject(lua, node);
-			if (!startNode(lua, node, handlersIndex))
+			if (!startNode(lua, node, handlersIndex, placeOfCall(lua, factory)))
 			{
 				warnOfEndedNode(factory);
 			}
+		}
+
+		/** Puts a table of the output pins on top. @param given  the list of records that went in; may be null. */
+		void pushOutputs(lua_State* lua, CallFrame& frame, const Function& function, const RecordList* given)
+		{
+			LuaSink sink(lua);
+			sink.newMap();
+			const std::span<const FParameter> parameters = function.function->Parameters;
+			for (size_t index = 0; index < parameters.size(); ++index)
+			{
+				const Reflect::Value& value = frame[index];
+				if (!Reflect::isOutput(parameters[index].Kind))
+				{
+					continue;
+				}
+				if (isRecordList(value.type()))
+				{
+					Omissions& omissions = Context::of(lua).omissions;
+					sink.text(parameters[index].Name);
+					pushRecordList(lua, RecordList::take(value.type(), value.get(), given, omissions, placeOfCall(lua, function.name)));
+					sink.addPair();
+				}
+				else
+				{
+					Reflect::writeParameter(parameters[index], value.get(), sink);
+				}
+			}
+			nameFields(lua, function.function, function.name, parameters, Reflect::isOutput);
 		}
 
 		int call(lua_State* lua)
@@ -123,10 +199,7 @@ namespace Script
 			CallFrame frame(function);
 			lua_settop(lua, pinsIndex);
 			lua_newtable(lua); // the handlers
-			if (count == 1)
-			{
-				PinReader(lua, function, frame).readAll();
-			}
+			const RecordList* const given = count == 1 ? PinReader(lua, function, frame).readAll() : nullptr;
 			frame.invoke();
 			if (Reflect::nodeClassOf(*function.function))
 			{
@@ -134,8 +207,7 @@ namespace Script
 			}
 			else
 			{
-				LuaSink sink(lua);
-				frame.writeOutputs(sink);
+				pushOutputs(lua, frame, function, given);
 			}
 			return 1;
 		}

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "JsonMarks.h"
 #include "Lua.h"
 #include "Objects.h"
 #include "Records.h"
@@ -25,19 +26,29 @@ namespace Script
 			lua_pushlstring(lua, reinterpret_cast<const char*>(value.data()), value.size());
 		}
 		void enumerator(const UEnum&, int64 value) override { lua_pushinteger(lua, value); }
-		void record(const FPropertyType& type, const void* value) override { pushRecord(lua, type, value); }
+		void record(const FPropertyType& type, const void* value) override
+		{
+			pushRecord(lua, std::make_shared<Record>(Record{Reflect::Value(type, value)}));
+		}
 		void object(const FPropertyType&, UObject* object) override { pushObject(lua, object); }
+		/** One that is empty stays a list when it is encoded. */
 		void newList(int32 count) override
 		{
-			luaL_checkstack(lua, stackNeeded, nullptr);
-			lua_createtable(lua, count, 0);
+			newTable(count);
+			markJsonArray(lua);
 		}
 		void addElement(int32 index) override { lua_rawseti(lua, -2, index + 1); }
-		void newMap() override { newList(0); }
+		void newMap() override { newTable(0); }
 		void addPair() override { lua_rawset(lua, -3); }
 
 	private:
 		static constexpr int stackNeeded = 8;
+
+		void newTable(int32 count)
+		{
+			luaL_checkstack(lua, stackNeeded, nullptr);
+			lua_createtable(lua, count, 0);
+		}
 
 		lua_State* const lua;
 	};

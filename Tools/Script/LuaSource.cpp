@@ -23,12 +23,11 @@ namespace Script
 			constexpr size_t longestQuote = 40;
 
 			const int type = lua_type(lua, index);
-			if (type == LUA_TNUMBER)
+			if (type == LUA_TNUMBER || type == LUA_TUSERDATA)
 			{
-				lua_pushvalue(lua, index); // lua_tolstring would turn the value itself into text
-				const std::string number = lua_tostring(lua, -1);
+				const std::string shown = luaL_tolstring(lua, index, nullptr);
 				lua_pop(lua, 1);
-				return number;
+				return shown;
 			}
 			size_t size = 0;
 			const char* text = type == LUA_TSTRING ? lua_tolstring(lua, index, &size) : nullptr;
@@ -140,6 +139,17 @@ namespace Script
 		size_t size = 0;
 		const char* const bytes = lua_tolstring(lua, index, &size);
 		return std::string_view(bytes, size);
+	}
+
+	bool LuaSource::wholeList(const FPropertyType& type, void* array) const
+	{
+		const RecordList* const records = recordListAt(lua, index);
+		const bool fits = records && &records->type() == &type;
+		if (fits)
+		{
+			records->giveTo(array);
+		}
+		return fits;
 	}
 
 	bool LuaSource::list(const Visitor& element) const

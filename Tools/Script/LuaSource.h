@@ -2,7 +2,7 @@
 
 #include "Lua.h"
 #include "Objects.h"
-#include "Records.h"
+#include "RecordList.h"
 #include "ValueTransfer.h"
 
 namespace Script
@@ -24,6 +24,7 @@ namespace Script
 		std::optional<double> number() const override;
 		std::optional<std::string_view> text() const override;
 		const void* record(const FPropertyType& type) const override { return recordAt(lua, index, type); }
+		bool wholeList(const FPropertyType& type, void* array) const override;
 		std::optional<UObject*> object(const FPropertyType& type) const override { return objectAt(lua, index, *type.Class()); }
 		/** Refuses a table that has other keys than the places of a list. */
 		bool list(const Visitor& element) const override;

@@ -4,6 +4,7 @@
 #include "Lua.h"
 #include "UObject/StrongObjectPtr.h"
 
+#include <string>
 #include <unordered_map>
 
 namespace Script
@@ -30,7 +31,8 @@ namespace Script
 	 * the script keeps it.
 	 * @param node  null when the factory made none; then nothing happens.
 	 * @param handlers  index of a table from event (light user datum) to Lua function.
+	 * @param place  of the factory's call, for what the script has forgotten.
 	 * @return false when handlers were given that nothing will call: the node had ended before it could be bound.
 	 */
-	bool startNode(lua_State* lua, UObject* node, int handlers);
+	bool startNode(lua_State* lua, UObject* node, int handlers, const std::string& place);
 } // namespace Script

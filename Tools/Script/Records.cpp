@@ -3,44 +3,49 @@
 #include "InputError.h"
 #include "Reflection.h"
 #include "UserData.h"
-#include "Value.h"
 
 #include <fmt/format.h>
 
 namespace Script
 {
-	using Reflect::Value;
-
 	template <>
-	const char* const UserData<Value>::typeName = "record";
+	const char* const UserData<RecordPointer>::typeName = "record";
 
 	namespace
 	{
+		std::string typeOf(lua_State* lua)
+		{
+			return Reflect::typeName(UserData<RecordPointer>::check(lua, 1)->value.type());
+		}
+
 		int refuseAccess(lua_State* lua)
 		{
-			const Value& record = UserData<Value>::check(lua, 1);
-			throw Reflect::InputError(
-				fmt::format("records of type {} have no fields that scripts may touch", Reflect::typeName(record.type())));
+			throw Reflect::InputError(fmt::format("records of type {} have no fields that scripts may touch", typeOf(lua)));
 		}
 
 		int describe(lua_State* lua)
 		{
-			const Value& record = UserData<Value>::check(lua, 1);
-			lua_pushstring(lua, fmt::format("{} record", Reflect::typeName(record.type())).c_str());
+			lua_pushstring(lua, fmt::format("{} record", typeOf(lua)).c_str());
 			return 1;
 		}
 	} // namespace
 
-	void pushRecord(lua_State* lua, const FPropertyType& type, const void* value)
+	void pushRecord(lua_State* lua, RecordPointer record)
 	{
 		static constexpr luaL_Reg methods[] = {{"__index", guarded<refuseAccess>}, {"__newindex", guarded<refuseAccess>},
 			{"__tostring", guarded<describe>}, {nullptr, nullptr}};
-		UserData<Value>::push(lua, methods, Value(type, value));
+		UserData<RecordPointer>::push(lua, methods, std::move(record));
+	}
+
+	const Record* recordAt(lua_State* lua, int index)
+	{
+		const RecordPointer* const record = UserData<RecordPointer>::test(lua, index);
+		return record ? record->get() : nullptr;
 	}
 
 	const void* recordAt(lua_State* lua, int index, const FPropertyType& type)
 	{
-		const Value* const record = UserData<Value>::test(lua, index);
-		return record && record->type().Struct() == type.Struct() ? record->get() : nullptr;
+		const Record* const record = recordAt(lua, index);
+		return record && record->value.type().Struct() == type.Struct() ? record->value.get() : nullptr;
 	}
 } // namespace Script

@@ -2,20 +2,31 @@
 
 #include "Context.h"
 #include "CoreTypes.h"
+#include "EndHook.h"
+#include "Execute.h"
 #include "Globals.h"
+#include "Json.h"
+#include "Print.h"
 #include "Waiting.h"
 
 namespace Script
 {
-	ScriptState::ScriptState(LoopAccess loop)
-		: context(std::make_unique<Context>(std::move(loop)))
+	ScriptState::ScriptState(ProgramAccess program)
+		: context(std::make_unique<Context>(std::move(program)))
 	{
 		lua_State* const lua = luaL_newstate();
 		HOST_CHECK(lua);
 		*static_cast<Context**>(lua_getextraspace(lua)) = context.get(); // coroutines inherit it
 		context->main = context->running = lua;
 		luaL_openlibs(lua);
+		if (context->program.isToEnd)
+		{
+			openEndHook(lua);
+		}
+		openExecute(lua);
 		openGlobals(lua);
+		openJson(lua);
+		openPrint(lua);
 		openWaiting(lua);
 	}
 
@@ -82,6 +93,11 @@ namespace Script
 	int ScriptState::exitStatus() const
 	{
 		return context->exitStatus.value_or(context->error.empty() ? 0 : 1);
+	}
+
+	std::vector<std::string> ScriptState::warnings() const
+	{
+		return hasEnded() ? std::vector<std::string>() : context->omissions.describe();
 	}
 
 	void ScriptState::close()

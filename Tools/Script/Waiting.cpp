@@ -29,6 +29,12 @@ namespace Script
 			}
 		}
 
+		/** @return seconds that the loop can count; nothing is waited for when they are no number or negative. */
+		double countable(lua_Number seconds)
+		{
+			return seconds > 0 ? std::min(seconds, longestWaitSeconds) : 0;
+		}
+
 		int wait(lua_State* lua)
 		{
 			Context& context = Context::of(lua);
@@ -49,10 +55,21 @@ namespace Script
 				lua_pop(lua, 1);
 				return holds;
 			};
-			const bool held = context.loop.waitFor(condition, seconds > 0 ? std::min(seconds, longestWaitSeconds) : 0);
+			const bool held = context.program.waitFor(condition, countable(seconds));
 			refuseAfterEnd(context);
 			lua_pushboolean(lua, held);
 			return 1;
+		}
+
+		int sleep(lua_State* lua)
+		{
+			Context& context = Context::of(lua);
+			const lua_Number seconds = luaL_checknumber(lua, 1);
+			refuseInHandler(context, "sleep");
+			const RunningThread running(lua);
+			context.program.waitFor([&context] { return context.hasEnded(); }, countable(seconds));
+			refuseAfterEnd(context);
+			return 0;
 		}
 
 		int tick(lua_State* lua)
@@ -60,7 +77,7 @@ namespace Script
 			Context& context = Context::of(lua);
 			refuseInHandler(context, "tick");
 			const RunningThread running(lua);
-			context.loop.tick();
+			context.program.tick();
 			refuseAfterEnd(context);
 			return 0;
 		}
@@ -82,6 +99,7 @@ namespace Script
 	void openWaiting(lua_State* lua)
 	{
 		lua_register(lua, "wait", guarded<wait>);
+		lua_register(lua, "sleep", guarded<sleep>);
 		lua_register(lua, "tick", guarded<tick>);
 		lua_getglobal(lua, "os");
 		lua_pushcfunction(lua, guarded<exitScript>);

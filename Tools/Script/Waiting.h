@@ -4,6 +4,6 @@
 
 namespace Script
 {
-	/** Sets the globals wait and tick, and makes os.exit end the script instead of the process. */
+	/** Sets the globals wait, sleep and tick, and makes os.exit end the script instead of the process. */
 	void openWaiting(lua_State* lua);
 } // namespace Script

@@ -44,10 +44,11 @@ bool UClass::IsChildOf(const UClass* Other) const
 	return false;
 }
 
-FCompiledInHeader::FCompiledInHeader(const char* InName, std::span<UClass* (*const)()> InClasses,
+FCompiledInHeader::FCompiledInHeader(const char* InModule, const char* InName, std::span<UClass* (*const)()> InClasses,
 	std::span<const UScriptStruct* const> InStructs, std::span<const UEnum* const> InEnums,
 	std::span<const UDelegateFunction* const> InDelegates)
-	: Name(InName)
+	: Module(InModule)
+	, Name(InName)
 	, Classes(InClasses)
 	, Structs(InStructs)
 	, Enums(InEnums)

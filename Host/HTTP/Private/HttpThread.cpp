@@ -39,6 +39,7 @@ void FHttpThread::Launch(const FHttpSettings& InSettings)
 	HOST_CHECK(initialised == CURLE_OK && !Thread.joinable());
 	Settings = InSettings;
 	MostRunning = connectionsAllowed();
+	Queue.emplace(static_cast<size_t>(std::max(1, Settings.connectionsPerHost)));
 	ShortestLimit = Settings.activityTimeoutSeconds;
 	Multi.reset(curl_multi_init());
 	HOST_CHECK(Multi);
@@ -149,7 +150,7 @@ void FHttpThread::Start(FHttpRequest& Request)
 	Request.bEnded = false;
 	if (Request.Url)
 	{
-		Waiting.push_back(Request.shared_from_this());
+		Queue->Add(Request.shared_from_this());
 	}
 	else
 	{
@@ -166,7 +167,7 @@ void FHttpThread::Cancel(FHttpRequest& Request)
 	}
 	else if (!Request.bEnded)
 	{
-		std::erase_if(Waiting, [&Request](const auto& Other) { return Other.get() == &Request; });
+		Queue->Remove(Request);
 		Request.End(Cancelled);
 	}
 }
@@ -187,7 +188,7 @@ void FHttpThread::Sleep()
 int FHttpThread::SleepMilliseconds() const
 {
 	using namespace std::chrono;
-	if (!Waiting.empty() && Running.size() < MostRunning)
+	if (Queue->HasNext() && Running.size() < MostRunning)
 	{
 		return 0;
 	}

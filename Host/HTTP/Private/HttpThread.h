@@ -1,10 +1,11 @@
 #pragma once
 
 #include "Host/HttpService.h"
+#include "RequestQueue.h"
 #include "Transfer.h"
 
-#include <deque>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -72,7 +73,7 @@ private:
 	FTransfer::FClock::time_point NextLimitCheck;
 	double ShortestLimit = 0; // seconds, of all transfers so far
 	std::vector<FCommand> Taken;
-	std::deque<std::shared_ptr<FHttpRequest>> Waiting; // beyond MostRunning
+	std::optional<FRequestQueue> Queue; // made anew with each launch
 	std::vector<std::unique_ptr<FTransfer>> Running;
 	std::vector<std::unique_ptr<FTransfer>> Spare;
 	std::vector<FTransfer*> Ended; // in this round

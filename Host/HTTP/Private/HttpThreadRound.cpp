@@ -19,19 +19,17 @@ void FHttpThread::CancelAll()
 	{
 		End(*Transfer, {EHttpFailureReason::Cancelled, 0});
 	}
-	while (!Waiting.empty())
+	for (const std::shared_ptr<FHttpRequest>& Request : Queue->RemoveAll())
 	{
-		const std::shared_ptr<FHttpRequest> Request = Waiting.front();
-		Cancel(*Request);
+		Request->End({EHttpFailureReason::Cancelled, 0});
 	}
 }
 
 void FHttpThread::AdmitWaiting()
 {
-	while (!Waiting.empty() && Running.size() < MostRunning)
+	while (Queue->HasNext() && Running.size() < MostRunning)
 	{
-		Begin(std::move(Waiting.front()));
-		Waiting.pop_front();
+		Begin(Queue->Next());
 	}
 }
 
@@ -98,6 +96,7 @@ void FHttpThread::CompleteEnded()
 		Running[Index]->Index = Index;
 		Spare.push_back(std::move(Running.back())); // as many as ever ran at once: making a handle costs more than a small GET
 		Running.pop_back();
+		Queue->Release(*Request);
 		Request->End(Transfer->Outcome);
 	}
 	Ended.clear();

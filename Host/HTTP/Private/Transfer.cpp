@@ -52,6 +52,7 @@ FTransfer::FTransfer(const FClock::time_point& InNow, const FHttpSettings& InSet
 	: Now(InNow)
 	, Settings(InSettings)
 	, Easy(makeHandle())
+	, HeadTap(InSettings.onHead)
 {
 }
 
@@ -143,6 +144,7 @@ void FTransfer::ConfigureCallbacks()
 										static_cast<FTransfer*>(Self)->OnRequestDue();
 										return CURL_PREREQFUNC_OK;
 									}));
+	HeadTap.Configure(Easy);
 }
 
 void FTransfer::ConfigureVerb()
@@ -187,6 +189,7 @@ void FTransfer::OnRequestDue()
 {
 	bConnected = true;
 	Touch();
+	HeadTap.BeginExchange();
 	long Hops = 0;
 	curl_easy_getinfo(Easy, CURLINFO_REDIRECT_COUNT, &Hops);
 	if (Hops > 0)

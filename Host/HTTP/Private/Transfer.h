@@ -1,5 +1,6 @@
 #pragma once
 
+#include "HeadTap.h"
 #include "HttpRequest.h"
 #include "RequestHeaders.h"
 
@@ -58,6 +59,7 @@ private:
 	const FClock::time_point& Now;
 	const FHttpSettings& Settings;
 	CURL* const Easy;
+	FHeadTap HeadTap;
 	char ErrorText[CURL_ERROR_SIZE] = "";
 
 	std::shared_ptr<FHttpRequest> Request;

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <new>
-#include <string>
 
 namespace
 {
@@ -46,6 +45,13 @@ bool FUrl::HasSameHost(const char* Other) const
 	FUrl Url;
 	return curl_url_set(Url.Get(), CURLUPART_URL, Other, 0) == CURLUE_OK && Part(CURLUPART_PORT) == Url.Part(CURLUPART_PORT) &&
 		   Text::EqualNoCase(Part(CURLUPART_HOST), Url.Part(CURLUPART_HOST));
+}
+
+std::string FUrl::Authority() const
+{
+	std::string Text = Part(CURLUPART_HOST) + ':' + Part(CURLUPART_PORT);
+	std::transform(Text.begin(), Text.end(), Text.begin(), [](char C) { return C >= 'A' && C <= 'Z' ? static_cast<char>(C | 0x20) : C; });
+	return Text;
 }
 
 std::string FUrl::Part(CURLUPart What) const

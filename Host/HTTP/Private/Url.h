@@ -5,6 +5,7 @@
 #include <curl/curl.h>
 #include <memory>
 #include <optional>
+#include <string>
 
 /** A parsed http or https URL. It may carry a user and a password. */
 class FUrl
@@ -15,6 +16,9 @@ public:
 
 	/** @param Other  an absolute URL. @return whether it leads to the same host and port. */
 	bool HasSameHost(const char* Other) const;
+
+	/** @return host and port, such as "example.org:443", in lower case. */
+	std::string Authority() const;
 
 	/** For libcurl; owned by this object. */
 	CURLU* Get() const { return Handle.get(); }

@@ -124,6 +124,16 @@ bool UCorvaneBPLibrary::hasWork()
 	return !runs->isEmpty() || (Writer && Writer->hasWork()) || (Repair && Repair->hasWork());
 }
 
+TArray<FString> UCorvaneBPLibrary::filesOfRunningDownloads()
+{
+	TArray<FString> Files;
+	for (const UCorvaneBPLibrary* Library : libraries())
+	{
+		Files.Append(Library->downloadTargets->claimed());
+	}
+	return Files;
+}
+
 void UCorvaneBPLibrary::shutDown()
 {
 	constexpr double longestWaitSeconds = 5;

@@ -19,7 +19,9 @@
 UENUM(BlueprintType)
 enum class EHTTPCorvFileUpload : uint8
 {
+	/** The path goes after the directory of the project. */
 	E_gd = 0 UMETA(DisplayName = "Game directory"),
+	/** The path as given; a relative one starts at the base directory of the engine. */
 	E_ad = 1 UMETA(DisplayName = "Absolute directory")
 };
 

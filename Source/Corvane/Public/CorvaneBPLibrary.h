@@ -76,7 +76,9 @@ enum class EHTTPCorvRequestType : uint8
 UENUM(BlueprintType)
 enum class EHTTPCorvIndividualType : uint8
 {
+	/** The content is the body itself, sent as UTF-8. */
 	STRING = 0 UMETA(DisplayName = "Content as String"),
+	/** The content is the path of a file, whose bytes are streamed as the body. */
 	STREAM = 1 UMETA(DisplayName = "Content as Stream (Filepath)")
 };
 
@@ -84,9 +86,13 @@ enum class EHTTPCorvIndividualType : uint8
 UENUM(BlueprintType)
 enum class EHTTPCorvFileUploadType : uint8
 {
+	/** A form with the file, put together in memory: for small files. */
 	PUT = 0 UMETA(DisplayName = "PUT"),
+	/** The bare bytes, streamed from disk: for large files, to a handler of your own. */
 	PUT_STREAM_BLANK = 1 UMETA(DisplayName = "PUT Stream (Blank)"),
+	/** The body of PUT_STREAM_MP, made in a copy beside the file and deleted afterwards: the file stays untouched. */
 	PUT_STREAM_COPY = 2 UMETA(DisplayName = "PUT Stream (Copy)"),
+	/** Nearly a form, streamed from disk; its end stands in the file until shortly after the upload. */
 	PUT_STREAM_MP = 3 UMETA(DisplayName = "PUT Stream (Multipart)")
 };
 
@@ -94,8 +100,11 @@ enum class EHTTPCorvFileUploadType : uint8
 UENUM(BlueprintType)
 enum class EHTTPCorvFileDownloadResumeType : uint8
 {
+	/** The existing file is deleted when the request is built, even if it is never started. */
 	E_OVERWRITE = 0 UMETA(DisplayName = "Overwrite"),
+	/** An existing file stays, and the request is refused with status 400. */
 	E_NOT_OVERWRITE = 1 UMETA(DisplayName = "Cancel Download"),
+	/** An existing file is kept; the server is asked for what is missing only. */
 	E_RESUME = 2 UMETA(DisplayName = "Resume")
 };
 
@@ -103,7 +112,9 @@ enum class EHTTPCorvFileDownloadResumeType : uint8
 UENUM(BlueprintType)
 enum class EHTTPCorvFileBytesToFileActionType : uint8
 {
+	/** The bytes take the place of the existing file. */
 	E_OVERWRITE = 0 UMETA(DisplayName = "Overwrite"),
+	/** An existing file stays, and nothing is written. */
 	E_NOT_OVERWRITE = 1 UMETA(DisplayName = "Cancel Download")
 };
 
@@ -111,7 +122,9 @@ enum class EHTTPCorvFileBytesToFileActionType : uint8
 UENUM(BlueprintType)
 enum class EFileFunctionsCorvDirectoryType : uint8
 {
+	/** The path goes after the directory of the project. */
 	E_gd = 0 UMETA(DisplayName = "Game directory"),
+	/** The path as given; a relative one starts at the base directory of the engine. */
 	E_ad = 1 UMETA(DisplayName = "Absolute directory")
 };
 
@@ -196,7 +209,7 @@ public:
 	FhttpRequestCompleteGoogleInfoDelegate onhttpRequestCompleteGoogleInfoDelegate;
 
 	/**
-	 * Raised again and again while the body of a response arrives.
+	 * The progress of a download: raised again and again while the body of a response arrives.
 	 * @param size  Filesize in Megabyte
 	 * @param megaBytesReceived  of the file, with what a resumed download found on disk.
 	 * @param percentDownload  0 to 100 when the server tells the size.
@@ -206,11 +219,11 @@ public:
 	UPROPERTY(BlueprintAssignable, Category = "Corvane|Events|Download")
 	FhttpFileDownloadDelegate onhttpFileDownloadDelegate;
 
-	/** Raised again and again while the body of a request is sent. */
+	/** The progress of an upload: raised again and again while the body of a request is sent. */
 	UPROPERTY(BlueprintAssignable, Category = "Corvane|Events|Upload")
 	FhttpFileUploadDelegate onhttpFileUploadDelegate;
 
-	/** Raised for each piece of the body of a request that was built with bindServerSendEvent. */
+	/** Server-sent events (SSE): raised for each piece of the body of a request that was built with bindServerSendEvent. */
 	UPROPERTY(BlueprintAssignable, Category = "Corvane|Events|ServerSendEvent")
 	FhttpServerSendEventDelegate onhttpServerSendEventDelegate;
 
@@ -262,7 +275,8 @@ public:
 	 * @param url  at least 3 characters, sent as given.
 	 * @param header  name to value; they replace persistent headers of the same name.
 	 * @param optionalRequestID  comes back in every event; empty = a new GUID of 32 upper-case hexadecimal digits.
-	 * @param bindServerSendEvent  deliver the body in pieces as it arrives instead of download progress.
+	 * @param bindServerSendEvent  deliver the body in pieces as it arrives (server-sent events, SSE) instead of download
+	 * progress.
 	 * @param httpRequests  otherHttpRequests and the new record; left as it was when the request is refused.
 	 * @param requestID  the request's ID, also when it is refused.
 	 * @return 0, or 400 when the request was refused; the refusal is also broadcast, inside this call.
@@ -575,6 +589,8 @@ public:
 
 	/** @return true while a transfer, a worker or a queued file job is left, so that a program knows when it may end. Thread: any. */
 	static bool hasPendingWork();
+	/** @return full paths of the files that downloads under way write, whether they are there yet or not. Thread: any. */
+	static TArray<FString> filesOfRunningDownloads();
 
 	/** Refuses new requests, cancels the running ones and waits up to 5 seconds for their workers. */
 	void shutDown();

@@ -11,6 +11,7 @@ UENUM(BlueprintType)
 enum class ESampleKind : uint8
 {
 	None UMETA(DisplayName = "Nothing \"at all\""),
+	/** Half of ten. */
 	Five = 5 UMETA(DisplayName = "A|B"),
 	Six,
 	Last = 0xFF UMETA(DisplayName = "Last")

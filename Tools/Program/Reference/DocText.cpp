@@ -102,7 +102,12 @@ namespace Program
 
 	DocText readTooltip(std::string_view text)
 	{
-		return read(text);
+		std::string clean(trimmed(text.substr(0, text.find_last_not_of(" *") + 1)));
+		if (const size_t slip = clean.find(":://"); slip != std::string::npos)
+		{
+			clean.erase(slip, 1);
+		}
+		return read(clean);
 	}
 
 	DocText readComment(std::string_view text)

@@ -16,7 +16,10 @@ namespace Program
 		std::string_view pin(std::string_view name) const;
 	};
 
-	/** @param text  lines as they were written; where they break means something. */
+	/**
+	 * Tooltips stay as saved Blueprints and translations know them; what slipped into some of them is not shown.
+	 * @param text  lines as they were written; where they break means something.
+	 */
 	DocText readTooltip(std::string_view text);
 
 	/** @param text  lines that were broken for their length only; an empty one ends a paragraph. */

@@ -1,5 +1,6 @@
 #include "Examples.h"
 
+#include "SharedFiles.h"
 #include "Words.h"
 
 #include <algorithm>
@@ -42,7 +43,7 @@ namespace Program
 	std::vector<Example> loadExamples()
 	{
 		std::vector<Example> examples;
-		for (const fs::directory_entry& entry : fs::directory_iterator(CORVANE_EXAMPLES_DIRECTORY))
+		for (const fs::directory_entry& entry : fs::directory_iterator(sharedFolder("examples")))
 		{
 			if (entry.path().extension() == ".lua")
 			{

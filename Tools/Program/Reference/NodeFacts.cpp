@@ -5,25 +5,13 @@
 #include "Words.h"
 
 #include <algorithm>
+#include <fmt/format.h>
 #include <set>
 
 namespace Program
 {
 	namespace
 	{
-		bool hasWord(std::string_view text, std::string_view word)
-		{
-			for (size_t place = text.find(word); place != std::string_view::npos; place = text.find(word, place + 1))
-			{
-				const size_t end = place + word.size();
-				if ((place == 0 || !isWordCharacter(text[place - 1])) && (end == text.size() || !isWordCharacter(text[end])))
-				{
-					return true;
-				}
-			}
-			return false;
-		}
-
 		/** What the header says about a function or an event. */
 		struct Documented
 		{
@@ -136,6 +124,22 @@ namespace Program
 			return pin;
 		}
 
+		std::string enginePath(std::string_view module, std::string_view name)
+		{
+			return fmt::format("/Script/{}.{}", module, name);
+		}
+
+		std::string enginePath(const UClass& type)
+		{
+			return enginePath(Reflect::moduleOf(type), type.GetName());
+		}
+
+		/** The engine leaves out the prefix, and says what it is. */
+		std::string signaturePath(const UDelegateFunction& signature)
+		{
+			return enginePath(Reflect::moduleOf(signature), fmt::format("{}__DelegateSignature", signature.Name + 1));
+		}
+
 		void addOutcomes(NodeFacts& facts, const UClass* nodeClass)
 		{
 			for (const FMulticastDelegateProperty* event : Reflect::eventsOf(nodeClass))
@@ -156,8 +160,8 @@ namespace Program
 		NodeFacts eventFacts(const UClass& owner, const FMulticastDelegateProperty& event)
 		{
 			const Documented documented(event.Name, event.Meta, owner, event.Signature->Meta);
-			NodeFacts facts{NodeKind::Event, std::string(owner.GetName()) + "." + event.Name, displayName(event.Name), "Custom Event",
-				FindMeta(event.Meta, "Category"), textsOf(documented), {}, {}};
+			NodeFacts facts{NodeKind::Event, std::string(owner.GetName()) + "." + event.Name, displayName(event.Name),
+				FindMeta(event.Meta, "Category"), textsOf(documented), {}, {}, enginePath(owner), "", signaturePath(*event.Signature)};
 			for (const FParameter& parameter : event.Signature->Parameters)
 			{
 				facts.pins.push_back(eventPinOf(parameter, documented));
@@ -165,6 +169,20 @@ namespace Program
 			return facts;
 		}
 	} // namespace
+
+	std::vector<const UEnum*> NodeFacts::enumerations() const
+	{
+		std::vector<const UEnum*> found;
+		for (const PinFacts& pin : pins)
+		{
+			const UEnum* const values = pin.type->Kind == EPropertyKind::Enum ? pin.type->Enum() : nullptr;
+			if (values && std::find(found.begin(), found.end(), values) == found.end())
+			{
+				found.push_back(values);
+			}
+		}
+		return found;
+	}
 
 	const char* kindName(NodeKind kind)
 	{
@@ -188,9 +206,8 @@ namespace Program
 		NodeFacts facts{nodeClass ? NodeKind::Latent
 						: isPure  ? NodeKind::Pure
 								  : NodeKind::Callable,
-			function.name, *title ? title : displayName(function.function->Name),
-			nodeClass ? "" : "Target is " + displayName(function.owner->GetName()), FindMeta(meta, "Category"), textsOf(documented), {},
-			{}};
+			function.name, *title ? title : displayName(function.function->Name), FindMeta(meta, "Category"), textsOf(documented), {}, {},
+			enginePath(*function.owner), nodeClass ? enginePath(*nodeClass) : "", ""};
 		for (const FParameter& parameter : function.function->Parameters)
 		{
 			if (!nodeClass || parameter.Kind != EParameterKind::Return) // the editor hides the object behind a latent node

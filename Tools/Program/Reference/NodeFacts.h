@@ -43,14 +43,18 @@ namespace Program
 		NodeKind kind;
 		std::string name; // "Class.function"
 		std::string title;
-		std::string subtitle; // the editor's second line; empty = it has none
 		std::string category; // levels separated by bars
 		std::vector<std::string> texts;
 		std::vector<PinFacts> pins; // those of the outcomes of a latent node too, each once
 		std::vector<OutcomeFacts> outcomes;
+		std::string owner; // the class that it belongs to, as the engine names it: "/Script/Module.Class"
+		std::string nodeClass; // of a latent node: the class of the nodes that it makes
+		std::string signature; // of an event: what its handlers take
 
 		/** The name without its class. */
 		std::string ownName() const { return name.substr(name.find('.') + 1); }
+		/** The enumerations that its pins take, each once. */
+		std::vector<const UEnum*> enumerations() const;
 	};
 
 	/** A kind as the command and the pages call it: "pure", "callable", "latent", "event". */

@@ -1,7 +1,9 @@
+#include "Graph/GraphNodes.h"
+#include "GraphFigure.h"
 #include "Html.h"
 #include "LinkedText.h"
-#include "NodeDrawing.h"
 #include "ReferencePages.h"
+#include "ValueTable.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -10,11 +12,6 @@ namespace Program
 {
 	namespace
 	{
-		const UEnum* enumerationOf(const FPropertyType& type)
-		{
-			return type.Kind == EPropertyKind::Enum ? type.Enum() : nullptr;
-		}
-
 		std::string shownDefault(const PinFacts& pin)
 		{
 			const std::string declared = pin.defaultText ? pin.defaultText->empty() ? "\"\"" : *pin.defaultText : "";
@@ -29,7 +26,7 @@ namespace Program
 		std::string shownType(const FPropertyType& type)
 		{
 			const std::string name = escapeHtml(shortTypeName(type));
-			return enumerationOf(type) ? fmt::format("<a href=\"#{0}\">{0}</a>", name) : name;
+			return type.Kind == EPropertyKind::Enum ? fmt::format("<a href=\"#{0}\">{0}</a>", name) : name;
 		}
 
 		/** @return nothing when there are no such pins. */
@@ -62,32 +59,12 @@ namespace Program
 			return rows.empty() ? rows : fmt::format("<h2>Outcomes</h2>\n<dl>\n{}</dl>\n", rows);
 		}
 
-		std::string valueTable(const UEnum& values)
-		{
-			std::string rows;
-			for (const FEnumerator& value : values.Enumerators)
-			{
-				rows += fmt::format("<tr><th scope=\"row\"><code>{}</code></th><td class=\"type\">{}</td><td>{}</td></tr>\n",
-					escapeHtml(value.Name), value.Value, escapeHtml(value.DisplayName));
-			}
-			return fmt::format(
-				"<h2 id=\"{0}\">Values of {0}</h2>\n<p>{1}</p>\n<table>\n<thead><tr><th scope=\"col\">In scripts</th>"
-				"<th scope=\"col\">Number</th><th scope=\"col\">In the editor</th></tr></thead>\n<tbody>\n{2}</tbody>\n</table>\n",
-				escapeHtml(values.Name), escapeHtml(FindMeta(values.Meta, "Comment")), rows);
-		}
-
 		std::string valueTables(const NodeFacts& facts)
 		{
-			std::vector<const UEnum*> shown;
 			std::string html;
-			for (const PinFacts& pin : facts.pins)
+			for (const UEnum* values : facts.enumerations())
 			{
-				const UEnum* const values = enumerationOf(*pin.type);
-				if (values && std::find(shown.begin(), shown.end(), values) == shown.end())
-				{
-					html += valueTable(*values);
-					shown.push_back(values);
-				}
+				html += valueTable(*values);
 			}
 			return html;
 		}
@@ -102,6 +79,16 @@ namespace Program
 					html.empty() ? " open=\"open\"" : "", escapeHtml(example->title), escapeHtml(example->file), escapeHtml(example->text));
 			}
 			return html.empty() ? html : "<h2>Examples</h2>\n" + html;
+		}
+
+		std::string guideList(const Reference& reference, const NodeFacts& facts)
+		{
+			std::string items;
+			for (const Guide* guide : reference.guidesOf(facts))
+			{
+				items += fmt::format("<li><a href=\"{}\">{}</a></li>\n", escapeHtml(pageName(*guide)), escapeHtml(guide->title));
+			}
+			return items.empty() ? items : fmt::format("<h2>Guides</h2>\n<ul>\n{}</ul>\n", items);
 		}
 
 		/** The events that the examples of a function listen to: there its results arrive. */
@@ -128,9 +115,10 @@ namespace Program
 		const std::string head = fmt::format("<p class=\"path\"><span class=\"kind {0}\">{0}</span> {1}</p>\n<h1>{2}</h1>\n"
 											 "<p class=\"path\"><code>{3}</code></p>\n",
 			kindName(facts.kind), escapeHtml(facts.category), escapeHtml(facts.title), escapeHtml(facts.name));
-		const std::string drawing = fmt::format("<figure tabindex=\"0\" aria-label=\"Drawing of the node\">{}</figure>\n", drawNode(facts));
-		return htmlPage(facts.title, head + linked.paragraphs(facts.texts) + drawing + outcomeList(facts, linked) +
-										 pinTable(facts, true, linked) + pinTable(facts, false, linked) + valueTables(facts) +
-										 exampleList(reference, facts) + eventList(reference, facts));
+		return htmlPage(facts.title,
+			head + linked.paragraphs(facts.texts) + graphFigure(graphOf(facts)) + outcomeList(facts, linked) +
+				pinTable(facts, true, linked) + pinTable(facts, false, linked) + valueTables(facts) + guideList(reference, facts) +
+				exampleList(reference, facts) + eventList(reference, facts),
+			graphScripts);
 	}
 } // namespace Program

@@ -25,6 +25,35 @@ namespace Program
 		return sorted;
 	}
 
+	std::vector<const Guide*> Reference::guidesOf(const NodeFacts& facts) const
+	{
+		std::vector<const Guide*> found;
+		for (const Guide& guide : guides)
+		{
+			if (guide.names(facts.ownName()))
+			{
+				found.push_back(&guide);
+			}
+		}
+		return found;
+	}
+
+	std::vector<const UEnum*> Reference::enumerations() const
+	{
+		std::vector<const UEnum*> found;
+		for (const NodeFacts& facts : nodes)
+		{
+			for (const UEnum* values : facts.enumerations())
+			{
+				if (std::find(found.begin(), found.end(), values) == found.end())
+				{
+					found.push_back(values);
+				}
+			}
+		}
+		return found;
+	}
+
 	std::vector<std::string> Reference::gaps() const
 	{
 		std::vector<std::string> missing;
@@ -46,11 +75,31 @@ namespace Program
 				}
 			}
 		}
+		for (const UEnum* values : enumerations())
+		{
+			for (const FEnumerator& value : values->Enumerators)
+			{
+				if (!*value.Comment)
+				{
+					missing.push_back(fmt::format("{} does not say what {} means", values->Name, value.Name));
+				}
+			}
+		}
 		return missing;
 	}
 
 	std::string pageName(const NodeFacts& facts)
 	{
 		return facts.name + ".html";
+	}
+
+	std::string pageName(const Example& example)
+	{
+		return fmt::format("example-{}.html", example.file.substr(0, example.file.rfind('.')));
+	}
+
+	std::string pageName(const Guide& guide)
+	{
+		return fmt::format("guide-{}.html", guide.name);
 	}
 } // namespace Program

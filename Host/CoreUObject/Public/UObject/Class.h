@@ -61,7 +61,8 @@ struct UFunction
 	/**
 	 * The thunk: calls the C++ function.
 	 * @param Self       the object, null for static functions.
-	 * @param Arguments  one address per entry of Parameters, each holding a constructed value of that type.
+	 * @param Arguments  one address per entry of Parameters, each holding a constructed value of that type. What the function
+	 *   takes by value is moved out of it.
 	 * @note Thread: game thread.
 	 */
 	void (*Invoke)(UObject* Self, void* const* Arguments);
@@ -90,6 +91,7 @@ struct FEnumerator
 	const char* Name;
 	int64 Value;
 	const char* DisplayName; // the name itself when no display name was given
+	const char* Comment; // what its documentation comment says
 };
 
 struct UEnum
@@ -150,9 +152,11 @@ private:
  */
 struct FCompiledInHeader
 {
-	FCompiledInHeader(const char* InName, std::span<UClass* (*const)()> InClasses, std::span<const UScriptStruct* const> InStructs,
-		std::span<const UEnum* const> InEnums, std::span<const UDelegateFunction* const> InDelegates);
+	FCompiledInHeader(const char* InModule, const char* InName, std::span<UClass* (*const)()> InClasses,
+		std::span<const UScriptStruct* const> InStructs, std::span<const UEnum* const> InEnums,
+		std::span<const UDelegateFunction* const> InDelegates);
 
+	const char* const Module; // the module that the header belongs to, "Corvane"
 	const char* const Name; // the header's file name, "CorvaneBPLibrary.h"
 	const std::span<UClass* (*const)()> Classes;
 	const std::span<const UScriptStruct* const> Structs;

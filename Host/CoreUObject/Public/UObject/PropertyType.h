@@ -39,6 +39,7 @@ struct FPropertyType
 	void (*Construct)(void* Memory);
 	void (*Destroy)(void* Value);
 	void (*Assign)(void* To, const void* From);
+	void (*Move)(void* To, void* From);
 
 	const FPropertyType* (*Inner)() = nullptr;
 	const FPropertyType* (*Value)() = nullptr;
@@ -75,6 +76,7 @@ namespace PropertyTypePrivate
 		Type.Construct = [](void* Memory) { ::new (Memory) T(); };
 		Type.Destroy = [](void* Object) { static_cast<T*>(Object)->~T(); };
 		Type.Assign = [](void* To, const void* From) { *static_cast<T*>(To) = *static_cast<const T*>(From); };
+		Type.Move = [](void* To, void* From) { *static_cast<T*>(To) = std::move(*static_cast<T*>(From)); };
 		return Type;
 	}
 

@@ -27,6 +27,20 @@ void FCorvDownloadTargets::release(const FString& Path, int64 Download)
 	}
 }
 
+TArray<FString> FCorvDownloadTargets::claimed()
+{
+	TArray<FString> Paths;
+	FScopeLock Lock(&lock);
+	for (const FTarget& Target : targets)
+	{
+		if (Target.download != 0)
+		{
+			Paths.Add(Target.path);
+		}
+	}
+	return Paths;
+}
+
 bool FCorvDownloadTargets::beginWriting(const FString& Path, int64 Download)
 {
 	FScopeLock Lock(&lock);

@@ -16,6 +16,8 @@ public:
 	void claim(const FString& path, int64 download);
 	/** A download has ended; does nothing when the file is another's by now. */
 	void release(const FString& path, int64 download);
+	/** @return the files of downloads that have not ended. */
+	TArray<FString> claimed();
 
 	/** Of the files that unfinished downloads have left. */
 	FCorvKeptVersions keptVersions;

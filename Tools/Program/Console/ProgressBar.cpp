@@ -1,0 +1,154 @@
+#include "ProgressBar.h"
+
+#include "Console.h"
+#include "CorvaneBPLibrary.h"
+#include "Reflection.h"
+
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace Program
+{
+	namespace
+	{
+		constexpr double mebibyte = 1 << 20;
+		constexpr double shortestMeasurement = 0.25; // seconds; what is in buffers at the start says nothing about the line
+		constexpr auto betweenDrawings = std::chrono::milliseconds(50);
+
+		struct Source
+		{
+			const char* event;
+			const char* percentPin;
+			const char* sizePin;
+			const char* donePin;
+			double unit; // bytes that the two pins before count in
+			const char* direction;
+		};
+		constexpr Source sources[] = {
+			{"onhttpFileDownloadDelegate", "percentDownload", "size", "megaBytesReceived", mebibyte, "received"},
+			{"onhttpFileUploadDelegate", "percentUpload", "size", "bytesSent", 1, "sent"},
+		};
+
+		/** A size that nobody told is reported as one byte. */
+		bool isSizeKnown(double size)
+		{
+			return size > 1.5;
+		}
+
+		/** @return "12.3 MiB", or a smaller unit where that would tell nothing. */
+		std::string sizeInWords(double bytes)
+		{
+			constexpr double kibibyte = 1 << 10;
+			return bytes >= mebibyte   ? fmt::format("{:.1f} MiB", bytes / mebibyte)
+				   : bytes >= kibibyte ? fmt::format("{:.1f} KiB", bytes / kibibyte)
+									   : fmt::format("{:.0f} bytes", bytes);
+		}
+
+		/** @return the width of the terminal behind standard error. */
+		size_t columns()
+		{
+			winsize window{};
+			const bool isKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &window) == 0 && window.ws_col > 0;
+			return isKnown ? window.ws_col : 80;
+		}
+
+		/** @return "12 s" or "3 min 20 s". */
+		std::string inWords(double seconds)
+		{
+			const auto whole = static_cast<long>(std::min(seconds, 359999.0));
+			return whole < 60 ? fmt::format("{} s", whole) : fmt::format("{} min {} s", whole / 60, whole % 60);
+		}
+	} // namespace
+
+	std::string ProgressBar::amount(const Progress& progress)
+	{
+		return isSizeKnown(progress.size)
+				   ? fmt::format("{:3.0f} % {} of {}", progress.percent, progress.direction, sizeInWords(progress.size))
+				   : fmt::format("{} {}", sizeInWords(progress.done), progress.direction);
+	}
+
+	ProgressBar::ProgressBar(bool tellsInLines)
+		: asLines(tellsInLines)
+	{
+		if (!asLines && !isTerminal(stderr))
+		{
+			return;
+		}
+		UObject* const target = UCorvaneBPLibrary::getCorvaneTarget();
+		for (const Source& source : sources)
+		{
+			const FMulticastDelegateProperty* const event = Reflect::findEvent(target->GetClass(), source.event);
+			HOST_CHECK(event);
+			taps.emplace_back(*target, *event,
+				[this, &source](const Json& pins)
+				{
+					const auto number = [&pins](const char* pin) { return pins.at(pin).get<double>(); };
+					tell({source.direction, number(source.percentPin), number(source.sizePin) * source.unit,
+						number(source.donePin) * source.unit});
+				});
+		}
+	}
+
+	ProgressBar::~ProgressBar()
+	{
+		if (isDrawn)
+		{
+			drawStatus("");
+		}
+	}
+
+	void ProgressBar::tell(const Progress& progress)
+	{
+		const Clock::time_point now = Clock::now();
+		if (!hasBegun || progress.done < firstDone)
+		{
+			hasBegun = true;
+			firstTime = now;
+			firstDone = progress.done;
+		}
+		const std::string text = amount(progress) + speedAndTimeLeft(progress, std::chrono::duration<double>(now - firstTime).count());
+		if (asLines)
+		{
+			complain(text);
+		}
+		else if (!isDrawn || now - lastDrawn >= betweenDrawings)
+		{
+			lastDrawn = now;
+			isDrawn = true;
+			draw(progress, text);
+		}
+	}
+
+	/** A line that is too long would wrap, and the next one could not be drawn over it: the bar takes what the words leave. */
+	void ProgressBar::draw(const Progress& progress, const std::string& text)
+	{
+		constexpr size_t widest = 30;
+		constexpr size_t narrowest = 5;
+		constexpr size_t frame = 3; // brackets and a space
+		const size_t room = columns() - 1; // terminals wrap at the last column
+		const size_t left = room > text.size() + frame ? room - text.size() - frame : 0;
+		std::string bar;
+		if (isSizeKnown(progress.size) && left >= narrowest)
+		{
+			const size_t width = std::min(left, widest);
+			const auto filled = static_cast<size_t>(std::clamp(progress.percent, 0.0, 100.0) / 100 * static_cast<double>(width));
+			bar = fmt::format("[{:<{}}] ", std::string(filled, '#'), width);
+		}
+		drawStatus((bar + text).substr(0, room));
+	}
+
+	std::string ProgressBar::speedAndTimeLeft(const Progress& progress, double seconds) const
+	{
+		const double speed = seconds >= shortestMeasurement ? (progress.done - firstDone) / seconds : 0;
+		if (speed <= 0)
+		{
+			return "";
+		}
+		const double left = std::max(progress.size - progress.done, 0.0);
+		return fmt::format(", {}/s", sizeInWords(speed)) +
+			   (isSizeKnown(progress.size) ? fmt::format(", {} left", inWords(left / speed)) : "");
+	}
+} // namespace Program

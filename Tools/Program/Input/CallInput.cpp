@@ -1,0 +1,198 @@
+#include "CallInput.h"
+
+#include "InputError.h"
+#include "JsonValues.h"
+#include "NearestName.h"
+#include "RequestChecks.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fmt/format.h>
+#include <iterator>
+#include <memory>
+#include <set>
+
+namespace Program
+{
+	namespace
+	{
+		using Reflect::InputError;
+
+		bool holdsTexts(const FPropertyType& type)
+		{
+			return type.Inner()->Kind == EPropertyKind::String;
+		}
+
+		/** How lists and maps of texts are written, for messages; other types need no explanation. */
+		std::string spelling(const std::string& pin, const FPropertyType& type)
+		{
+			if (type.Kind == EPropertyKind::Map && holdsTexts(type))
+			{
+				return fmt::format(R"(; it is written {}='{{"Accept":"text/plain"}}')", pin);
+			}
+			return type.Kind == EPropertyKind::Array && holdsTexts(type) ? fmt::format(R"(; it is written {}='["one","two"]')", pin) : "";
+		}
+
+		/** Unlike a stream, this ends when a signal comes while nobody types anything. */
+		std::string contentOf(const std::string& path)
+		{
+			const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"), std::fclose);
+			std::string content;
+			char piece[64 << 10];
+			for (size_t number = 1; file && number > 0; content.append(piece, number))
+			{
+				number = std::fread(piece, 1, sizeof piece, file.get());
+			}
+			if (!file || std::ferror(file.get()))
+			{
+				throw InputError(fmt::format("cannot read '{}': {}", path, std::strerror(errno)));
+			}
+			return content;
+		}
+
+		bool isUtf8(const std::string& text)
+		{
+			const Json quoted = text;
+			return quoted == Json::parse(quoted.dump(-1, ' ', false, Json::error_handler_t::replace));
+		}
+
+		bool isBody(const FParameter& parameter)
+		{
+			constexpr std::string_view names[] = {"contentBody", "content", "data"};
+			const auto isNamed = [&](std::string_view name) { return Reflect::equalNames(parameter.Name, name); };
+			return Reflect::isBytes(parameter.Type()) ||
+				   (parameter.Type().Kind == EPropertyKind::String && std::any_of(std::begin(names), std::end(names), isNamed));
+		}
+
+		/** @return a word as it is meant: "@path" stands for the content of a file where a body belongs, "@@" for an at sign. */
+		std::string meantBy(const std::string& word, const FParameter& parameter)
+		{
+			if (!word.starts_with('@') || !isBody(parameter))
+			{
+				return word;
+			}
+			if (word.starts_with("@@"))
+			{
+				return word.substr(1);
+			}
+			std::string content = contentOf(word.substr(1));
+			if (parameter.Type().Kind == EPropertyKind::String && !isUtf8(content))
+			{
+				throw InputError(fmt::format("'{}' is no UTF-8 text; a request sends any file as a stream, by its path", word.substr(1)));
+			}
+			return content;
+		}
+
+		class PinWords
+		{
+		public:
+			PinWords(const Reflect::Function& calledFunction, Reflect::CallFrame& callFrame)
+				: function(calledFunction)
+				, frame(callFrame)
+			{
+			}
+
+			void set(const std::string& assignment)
+			{
+				const size_t equals = assignment.find('=');
+				const std::string pin = assignment.substr(0, equals);
+				const std::optional<size_t> index = frame.findInput(pin);
+				if (equals == std::string::npos || (!index && pin.find(':') != std::string::npos))
+				{
+					throw InputError(fmt::format("'{}' is no pin=value{}", assignment, addressPin(assignment)));
+				}
+				checkPin(pin, index);
+				set(pin, *index, assignment.substr(equals + 1));
+			}
+
+			void addHeader(const std::string& line)
+			{
+				const size_t colon = line.find(':');
+				const std::optional<size_t> index = frame.findInput("header");
+				if (!index || &frame[*index].type() != &PropertyTypeOf<TMap<FString, FString>>())
+				{
+					throw InputError(fmt::format("{} takes no headers", function.name));
+				}
+				if (colon == std::string::npos || colon == 0)
+				{
+					throw InputError(fmt::format("'{}' is no header; it is written -H 'Accept: text/plain'", line));
+				}
+				const size_t value = std::min(line.find_first_not_of(' ', colon + 1), line.size());
+				static_cast<TMap<FString, FString>*>(frame[*index].get())
+					->Add(Reflect::toFString(line.substr(0, colon)), Reflect::toFString(line.substr(value)));
+			}
+
+		private:
+			/** People forget the name of the pin that nearly every call begins with. */
+			std::string addressPin(const std::string& word) const
+			{
+				const bool isAddress = word.find("://") != std::string::npos && frame.findInput("url");
+				return isAddress ? fmt::format(", did you mean 'url={}'?", word) : "; it is written url='http://...'";
+			}
+
+			void checkPin(const std::string& pin, std::optional<size_t> index)
+			{
+				if (!index)
+				{
+					throw InputError(fmt::format(
+						"{}: unknown pin '{}'{}", function.name, pin, Reflect::suggestion(pin, settablePins(*function.function))));
+				}
+				if (frame.parameter(*index).Kind == EParameterKind::Output)
+				{
+					throw InputError(fmt::format("{}: pin '{}' is an output", function.name, pin));
+				}
+				if (!isSet.insert(*index).second)
+				{
+					throw InputError(fmt::format("{}: pin '{}' is set twice", function.name, pin));
+				}
+			}
+
+			void set(const std::string& pin, size_t index, const std::string& word)
+			{
+				const FPropertyType& type = frame[index].type();
+				try
+				{
+					const Json value = parseWord(meantBy(word, frame.parameter(index)), type);
+					frame.set(index, pin, JsonSource(value));
+				}
+				catch (const InputError& error)
+				{
+					throw InputError(error.what() + spelling(pin, type));
+				}
+			}
+
+			const Reflect::Function& function;
+			Reflect::CallFrame& frame;
+			std::set<size_t> isSet;
+		};
+	} // namespace
+
+	std::vector<std::string> settablePins(const UFunction& function)
+	{
+		std::vector<std::string> names;
+		for (const FParameter& parameter : function.Parameters)
+		{
+			if (parameter.Kind == EParameterKind::Input || parameter.Kind == EParameterKind::InputOutput)
+			{
+				names.emplace_back(parameter.Name);
+			}
+		}
+		return names;
+	}
+
+	void setPins(const Reflect::Function& function, Reflect::CallFrame& frame, const CallOptions& options)
+	{
+		PinWords words(function, frame);
+		for (const std::string& assignment : options.pins)
+		{
+			words.set(assignment);
+		}
+		for (const std::string& line : options.headers)
+		{
+			words.addHeader(line);
+		}
+		checkRequest(function, frame);
+	}
+} // namespace Program

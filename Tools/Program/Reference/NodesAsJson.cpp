@@ -1,0 +1,48 @@
+#include "NodesAsJson.h"
+
+namespace Program
+{
+	namespace
+	{
+		Json pinAsJson(const PinFacts& pin)
+		{
+			static constexpr const char* directions[] = {"in", "out", "in/out", "out"};
+
+			Json json = {{"name", pin.name}, {"direction", directions[static_cast<size_t>(pin.kind)]}, {"type", shortTypeName(*pin.type)}};
+			if (pin.type->Kind == EPropertyKind::Enum)
+			{
+				for (const FEnumerator& value : pin.type->Enum()->Enumerators)
+				{
+					json["values"][value.Name] = value.Value;
+					json["meanings"][value.Name] = value.Comment;
+				}
+			}
+			if (pin.defaultText)
+			{
+				json["default"] = *pin.defaultText;
+			}
+			json["mayStayUnconnected"] = pin.mayStayUnconnected;
+			json["texts"] = pin.texts;
+			return json;
+		}
+	} // namespace
+
+	Json toJson(const Reference& reference, const NodeFacts& facts)
+	{
+		Json json = {{"name", facts.name}, {"kind", kindName(facts.kind)}, {"title", facts.title}, {"category", facts.category},
+			{"texts", facts.texts}, {"pins", Json::array()}, {"outcomes", Json::array()}, {"examples", Json::array()}};
+		for (const PinFacts& pin : facts.pins)
+		{
+			json["pins"].push_back(pinAsJson(pin));
+		}
+		for (const OutcomeFacts& outcome : facts.outcomes)
+		{
+			json["outcomes"].push_back({{"name", outcome.name}, {"texts", outcome.texts}});
+		}
+		for (const Example* example : reference.examplesOf(facts))
+		{
+			json["examples"].push_back(example->file);
+		}
+		return json;
+	}
+} // namespace Program
