@@ -23,7 +23,8 @@ MAY_INCLUDE = {
     "Tools/HeaderTool": [],
     "Tools/Reflect": ["Host/Core", "Host/CoreUObject", "Host/Engine"],
     "Tools/Script": ["Host/Core", "Host/CoreUObject", "Host/Engine", "Tools/Reflect"],
-    "Tools/Program": HOST_LIBRARIES + ["Host/Launch", "Tools/Reflect", "Tools/Script", "Source/Corvane/Public"],
+    "Tools/Lab": [],
+    "Tools/Program": HOST_LIBRARIES + ["Host/Launch", "Tools/Reflect", "Tools/Script", "Tools/Lab", "Source/Corvane/Public"],
     "Source/Corvane/Public": HOST_LIBRARIES,
     "Source/Corvane/Private": HOST_LIBRARIES + ["Source/Corvane/Public"],
 }
@@ -47,7 +48,7 @@ MODULE_ROOMS = {
 # Where an include is looked up, besides beside the including file.
 INCLUDE_ROOTS = [
     *(library + "/Public" for library in HOST_LIBRARIES),
-    "Host/Launch", "Tools/HeaderTool", "Tools/Reflect", "Tools/Script", "Tools/Program",
+    "Tools", "Host/Launch", "Tools/HeaderTool", "Tools/Reflect", "Tools/Script", "Tools/Program",
     *("Tools/Program/" + room for room in ("Call", "Console", "Demo", "Input", "Reference")),
     "Source/Corvane/Public", "Source/Corvane/Private",
 ]
