@@ -5,7 +5,7 @@
 #include "Kit/Options.h"
 #include "Kit/ProcessFigures.h"
 #include "Kit/Self.h"
-#include "Lab/Faults.h"
+#include "Lab/Behaviours/Faults.h"
 #include "Lab/Origin.h"
 #include "Workload.h"
 

@@ -1,4 +1,4 @@
-#include "Lab/Uploads.h"
+#include "Lab/Behaviours/Uploads.h"
 #include "GameLoop.h"
 #include "Host/Log.h"
 #include "Kit/Command.h"

@@ -1,6 +1,6 @@
 #include "Kit/Stamps.h"
 
-#include "Lab/Answers.h"
+#include "Lab/Behaviours/Answers.h"
 
 #include <chrono>
 #include <fmt/format.h>

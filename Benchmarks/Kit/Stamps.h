@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Lab/Behaviour.h"
+#include "Lab/Plans/Behaviour.h"
 
 #include <string>
 #include <string_view>

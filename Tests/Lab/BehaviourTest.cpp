@@ -1,8 +1,8 @@
 #include "Client.h"
-#include "Lab/Faults.h"
-#include "Lab/Files.h"
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Behaviours/Files.h"
 #include "Lab/Origin.h"
-#include "Lab/Script.h"
+#include "Lab/Script/Script.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "Lab/Script.h"
+#include "Lab/Script/Script.h"
 #include "Client.h"
 #include "Lab/Origin.h"
 #include "TempDir.h"

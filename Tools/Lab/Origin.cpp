@@ -1,7 +1,7 @@
-#include "Origin.h"
+#include "Lab/Origin.h"
 
-#include "Connection.h"
-#include "Tls.h"
+#include "Lab/Wire/Connection.h"
+#include "Lab/Wire/Tls.h"
 
 #include <nlohmann/json.hpp>
 

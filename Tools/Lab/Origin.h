@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Behaviour.h"
-#include "Log.h"
+#include "Lab/Plans/Behaviour.h"
+#include "Lab/Wire/Log.h"
 
 #include <functional>
 #include <memory>

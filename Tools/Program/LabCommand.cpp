@@ -2,11 +2,11 @@
 #include "Console.h"
 #include "EndSignals.h"
 #include "InputError.h"
-#include "Lab/Cassette.h"
+#include "Lab/Cassettes/Cassette.h"
+#include "Lab/Cassettes/Recorder.h"
 #include "Lab/Origin.h"
-#include "Lab/ReadyOrigin.h"
-#include "Lab/Recorder.h"
-#include "Lab/Script.h"
+#include "Lab/Script/ReadyOrigin.h"
+#include "Lab/Script/Script.h"
 
 #include <fmt/core.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Lab/Origin.h"
-#include "Lab/Script.h"
+#include "Lab/Script/Script.h"
 #include "SharedFiles.h"
 
 #include <string>
