@@ -3,9 +3,10 @@
 #include "Kit/BareCurl.h"
 #include "Kit/CorvaneClient.h"
 #include "Kit/Options.h"
-#include "Kit/StampServer.h"
+#include "Kit/Stamps.h"
 #include "Kit/Statistics.h"
 #include "Kit/ThreadHops.h"
+#include "Lab/Origin.h"
 #include "Workload.h"
 
 #include <CLI/CLI.hpp>
@@ -26,7 +27,7 @@ namespace
 			{"latency, max", "us", Statistics::quantile(latencies, 1)}};
 	}
 
-	Figures measureCorvane(CorvaneClient& client, const StampServer& server, int events)
+	Figures measureCorvane(CorvaneClient& client, const Lab::Origin& server, int events)
 	{
 		StampReader reader;
 		const BoundHandler onEvent(UCorvaneBPLibrary::getCorvaneTarget()->onhttpServerSendEventDelegate,
@@ -40,7 +41,7 @@ namespace
 		return figures(reader.latencies(), events);
 	}
 
-	Figures measureBare(const StampServer& server, int events)
+	Figures measureBare(const Lab::Origin& server, int events)
 	{
 		StampReader reader;
 		BareCurl(server.url(), 1).stream([&reader](std::string_view bytes) { reader.take(bytes); });
@@ -62,7 +63,8 @@ namespace
 		std::vector<Comparison> run() override
 		{
 			const int events = static_cast<int>(std::lround(std::max(1.0, rate * seconds)));
-			const StampServer server(rate, events);
+			Lab::Origin server;
+			server.at("/", stamps(rate, events));
 			FGameLoop loop;
 			CorvaneClient client(loop);
 			const auto besides = [&](const char* peer, const std::function<Figures()>& measurePeer)

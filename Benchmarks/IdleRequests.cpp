@@ -5,7 +5,8 @@
 #include "Kit/Options.h"
 #include "Kit/ProcessFigures.h"
 #include "Kit/Self.h"
-#include "Kit/SilentServer.h"
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Origin.h"
 #include "Workload.h"
 
 #include <CLI/CLI.hpp>
@@ -26,7 +27,7 @@ namespace
 	};
 
 	/** Memory that two rounds of idle requests take, all against the time before the first. */
-	Figures measureRounds(SilentServer& server, const IdleSide& side, int requests)
+	Figures measureRounds(Lab::Origin& server, const IdleSide& side, int requests)
 	{
 		const std::int64_t before = ProcessFigures::residentBytes();
 		const auto kibibytesEach = [before, requests]
@@ -35,7 +36,7 @@ namespace
 		for (const char* round : {"first round", "second round"})
 		{
 			side.startAll();
-			side.runUntil([&server, requests] { return server.waiting() >= requests; });
+			side.runUntil([&server, requests] { return server.running() >= requests; });
 			taken.push_back({fmt::format("running, {}", round), "KiB/request", kibibytesEach()});
 			server.dropConnections();
 			side.runUntilEnded();
@@ -48,7 +49,8 @@ namespace
 	{
 		constexpr double longEnough = 600;
 		HostLog::SetSink([](const char*, ELogVerbosity::Type, const FString&) {}); // every request is meant to fail
-		SilentServer server;
+		Lab::Origin server({.keepsLog = false});
+		server.at("/", Lab::stall());
 		FGameLoopSettings settings = unlimitedConnections();
 		settings.http.activityTimeoutSeconds = longEnough;
 		FGameLoop loop(settings);
@@ -78,7 +80,8 @@ namespace
 
 	Figures measureBare(int requests)
 	{
-		SilentServer server;
+		Lab::Origin server({.keepsLog = false});
+		server.at("/", Lab::stall());
 		std::optional<BareCurl> client; // made late: its handles are part of what is measured
 		const IdleSide side{[&]
 			{

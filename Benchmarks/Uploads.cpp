@@ -1,12 +1,13 @@
+#include "Lab/Behaviours/Uploads.h"
 #include "GameLoop.h"
 #include "Host/Log.h"
 #include "Kit/Command.h"
 #include "Kit/CorvaneClient.h"
-#include "Kit/DroppingServer.h"
 #include "Kit/Options.h"
 #include "Kit/ProcessFigures.h"
 #include "Kit/RandomFile.h"
 #include "Kit/Self.h"
+#include "Lab/Origin.h"
 #include "Workload.h"
 
 #include <CLI/CLI.hpp>
@@ -169,7 +170,8 @@ namespace
 
 		void compareKinds(bool isStreamed, int mebibytes, std::vector<Comparison>& results) const
 		{
-			const DroppingServer server;
+			Lab::Origin server;
+			server.at("*", Lab::upload({.throwsAway = true}));
 			const RandomFile content(mebibytes);
 			for (const Kind& kind : kinds)
 			{

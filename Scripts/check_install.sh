@@ -37,7 +37,7 @@ expect nodes "$candidates"
 # Examples and style sheet of the prefix, not those of the sources.
 "$command" nodes --html "$work/pages" >/dev/null
 python3 Scripts/links.py "$work/pages"
-find "$shared/corvane/examples" -mindepth 1 -delete
+find "$shared/corvane/examples" -maxdepth 1 -name "*.lua" -delete
 echo 'print("mine is", arg[1] and "told the server")' >"$shared/corvane/examples/mine.lua"
 expect $'mine is\ttold the server' "$("$command" demo | grep ^mine)"
 rm -r "$shared/corvane"

@@ -23,7 +23,8 @@ MAY_INCLUDE = {
     "Tools/HeaderTool": [],
     "Tools/Reflect": ["Host/Core", "Host/CoreUObject", "Host/Engine"],
     "Tools/Script": ["Host/Core", "Host/CoreUObject", "Host/Engine", "Tools/Reflect"],
-    "Tools/Program": HOST_LIBRARIES + ["Host/Launch", "Tools/Reflect", "Tools/Script", "Source/Corvane/Public",
+    "Tools/Lab": [],
+    "Tools/Program": HOST_LIBRARIES + ["Host/Launch", "Tools/Reflect", "Tools/Script", "Tools/Lab", "Source/Corvane/Public",
         "Source/CorvaneTransfers/Public"],
     "Source/Corvane/Public": HOST_LIBRARIES,
     "Source/Corvane/Private": HOST_LIBRARIES + ["Source/Corvane/Public"],
@@ -34,9 +35,9 @@ MAY_INCLUDE = {
 # Room -> the only header of it that other rooms may include.
 DOORS = {"Tools/Script": "Tools/Script/ScriptState.h"}
 
-# Inside a module: a room may include itself and what stands to its right. Files at the top bind the rooms together.
-MODULE_ROOMS = {
-    "Corvane": {
+# Inside a folder: a room may include itself and what stands to its right. Files at the top bind the rooms together.
+INNER_ROOMS = {
+    "Source/Corvane/Private/": {
         "Nodes": ["Requests", "Downloads", "Uploads", "Pages", "Runs", "Rules"],
         "Requests": ["Downloads", "Uploads", "Pages", "Runs", "Rules"],
         "Downloads": ["Runs", "Rules"],
@@ -47,18 +48,25 @@ MODULE_ROOMS = {
         "Threads": [],
         "Rules": [],
     },
-    "CorvaneTransfers": {
+    "Source/CorvaneTransfers/Private/": {
         "Download": ["Attempts", "Files", "Threads"],
         "Attempts": [],
         "Files": [],
         "Threads": [],
+    },
+    "Tools/Lab/": {
+        "Script": ["Cassettes", "Behaviours", "Plans"],
+        "Cassettes": ["Wire", "Plans"],
+        "Behaviours": ["Plans"],
+        "Wire": ["Plans"],
+        "Plans": [],
     },
 }
 
 # Where an include is looked up, besides beside the including file.
 INCLUDE_ROOTS = [
     *(library + "/Public" for library in HOST_LIBRARIES),
-    "Host/Launch", "Tools/HeaderTool", "Tools/Reflect", "Tools/Script", "Tools/Program",
+    "Tools", "Host/Launch", "Tools/HeaderTool", "Tools/Reflect", "Tools/Script", "Tools/Program",
     *("Tools/Program/" + room for room in ("Call", "Console", "Demo", "Input", "Reference")),
     "Source/Corvane/Public", "Source/Corvane/Private", "Source/CorvaneTransfers/Public", "Source/CorvaneTransfers/Private",
 ]
@@ -88,10 +96,13 @@ def room_of(file, rooms):
     return next((room for room in rooms if place(file).startswith(room + "/")), None)
 
 
-def module_room(file):
-    """The module and the room that a private file of it stands in; None at the top and elsewhere."""
-    parts = place(file).split("/")
-    return (parts[1], parts[3]) if parts[0] == "Source" and parts[2] == "Private" and len(parts) > 4 else None
+def inner_room(file):
+    """The folder with rooms and the one of them that a file stands in; None at the top and elsewhere."""
+    for folder in INNER_ROOMS:
+        room, slash, _ = place(file).removeprefix(folder).partition("/")
+        if place(file).startswith(folder) and slash:
+            return folder, room
+    return None
 
 
 def check_directions():
@@ -110,8 +121,8 @@ def check_directions():
                 yield f"{place(file)}: {place(target)} is private to {other}"
             if room.startswith("Source/") and "/Public/Host/" in place(target):
                 yield f"{place(file)}: the engine has no {place(target)}"
-            mine, theirs = module_room(file), module_room(target)
-            if mine and theirs and mine != theirs and theirs[1] not in MODULE_ROOMS[mine[0]].get(mine[1], []):
+            mine, theirs = inner_room(file), inner_room(target)
+            if mine and theirs and mine[0] == theirs[0] and mine != theirs and theirs[1] not in INNER_ROOMS[mine[0]].get(mine[1], []):
                 yield f"{place(file)}: {mine[1]} may not include {theirs[1]} ({place(target)})"
 
 

@@ -72,6 +72,23 @@ namespace Program
 	int printCandidates(const std::string& line);
 	int runDemo(const Settings& settings);
 
+	struct LabOptions
+	{
+		std::vector<std::string> script; // a script that describes the origin, and its arguments; empty = every behaviour under a path
+		int port = 0; // 0 = the system chooses one
+		std::string address = "127.0.0.1"; // the interface it listens on
+		std::string certificateFile; // speak TLS, and write the certificate there; empty = plain
+		std::string game; // a script to run against the origin, which ends with it; empty = until a signal
+		std::string recordFile; // write what passes to the server below; empty = not
+		std::string recordTo;
+		bool keepsSecrets = false;
+		std::string replayFile; // answer with what was recorded; empty = not
+		double speed = 1; // of a replay
+	};
+
+	/** Runs an origin that misbehaves on command, or records or replays one. */
+	int runLab(const Settings& settings, const LabOptions& options);
+
 	/**
 	 * Runs one script file until it and everything it started has ended, and closes it; its error goes to standard error.
 	 * @return the script's exit status.

@@ -29,7 +29,7 @@ namespace Program
 				return worst;
 			}
 		}
-		loop.end(); // before the origin ends, which waits for open connections
+		loop.end(); // before the origin ends
 		fmt::print("{}\n", worst == exitGood ? "All examples ran." : "An example failed.");
 		return worst;
 	}

@@ -24,6 +24,7 @@ namespace
 		Program::Settings settings;
 		Program::CallOptions call;
 		Program::NodesOptions nodesOptions;
+		Program::LabOptions labOptions;
 		std::string completedLine;
 		std::string helpTopic;
 
@@ -32,6 +33,7 @@ namespace
 		CLI::App* callFunction = app.add_subcommand("call", "Calls one function or node and prints its pins");
 		CLI::App* nodes = app.add_subcommand("nodes", "Lists script functions and events with their pins, or writes pages about them");
 		CLI::App* demo = app.add_subcommand("demo", "Runs the examples against a server of its own");
+		CLI::App* lab = app.add_subcommand("lab", "Runs an origin that misbehaves on command, or records or replays one");
 		CLI::App* completion = app.add_subcommand("completion", "Prints completion for bash: source <(corvane completion)");
 		CLI::App* help = app.add_subcommand("help", "Prints what the command or one of its verbs takes");
 
@@ -54,6 +56,7 @@ namespace
 			nodes->add_option("NAME", nodesOptions.name, "Only this function, node or event");
 			completion->add_option("--line", completedLine, "Print what may stand at the end of this command line instead");
 			addDriveBase(*demo);
+			addLab();
 			callFunction->add_flag("--json", call.json, "Print one JSON object, and one for each server-sent event");
 			callFunction->add_flag("--body", call.bodyAlone, "Write the body alone, byte for byte unless to a terminal");
 			callFunction->add_option("-o,--output", call.bodyFile, "Write the body alone into this file");
@@ -65,6 +68,25 @@ namespace
 			callFunction->add_option("FUNCTION", call.function, "Class.function, or the function's name alone")->required();
 			callFunction->add_option("PIN=VALUE", call.pins,
 				"Enumerations by name, lists and maps as JSON: header='{\"Accept\":\"text/plain\"}'; a body may be @FILE");
+		}
+
+		void addLab()
+		{
+			addDirectories(*lab);
+			lab->add_option(
+				"SCRIPT", labOptions.script, "Lua that says what the origin does, and its arguments; else every behaviour has a path");
+			lab->add_option("--port", labOptions.port, "Listen on this port")->check(CLI::Range(0, 65535));
+			lab->add_option("--listen-on", labOptions.address, "Be open to others: an address of this machine, 0.0.0.0 for all")
+				->check(CLI::ValidIPV4);
+			lab->add_option("--tls", labOptions.certificateFile, "Speak TLS, and write the certificate into this file");
+			lab->add_option("--run", labOptions.game, "Run this Lua script against it, with its URL as the argument, and end with it")
+				->check(CLI::ExistingFile);
+			lab->add_option("--record", labOptions.recordFile, "Write what passes between a client and the server of --to into this file");
+			lab->add_option("--to", labOptions.recordTo, "The server's URL");
+			lab->add_flag("--keep-secrets", labOptions.keepsSecrets, "Record authorization, cookies and the like, too");
+			lab->add_option("--replay", labOptions.replayFile, "Answer as recorded in this file")->check(CLI::ExistingFile);
+			lab->add_option("--speed", labOptions.speed, "Of a replay: 2 = pauses are half as long, 0 = none")
+				->check(CLI::NonNegativeNumber);
 		}
 
 		void addDriveBase(CLI::App& verb)
@@ -127,6 +149,10 @@ namespace
 		if (*line.completion)
 		{
 			return line.completedLine.empty() ? Program::printCompletion() : Program::printCandidates(line.completedLine);
+		}
+		if (*line.lab)
+		{
+			return Program::runLab(line.settings, line.labOptions);
 		}
 		return *line.nodes ? Program::listNodes(line.nodesOptions) : Program::runDemo(line.settings);
 	}

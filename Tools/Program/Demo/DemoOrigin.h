@@ -1,28 +1,28 @@
 #pragma once
 
-#include <memory>
+#include "Lab/Origin.h"
+#include "Lab/Script/Script.h"
+#include "SharedFiles.h"
+
 #include <string>
 
 namespace Program
 {
-	/**
-	 * A small web server on a free port of the loopback interface, for the examples: /hello answers with a greeting, /headers
-	 * with the request's header lines, /wait/N after N milliseconds, everything else with 404. Runs while it lives.
-	 */
+	/** What the examples talk to, on a free port of the loopback interface: Examples/lab/demo.lua. Runs while it lives. */
 	class DemoOrigin
 	{
 	public:
-		DemoOrigin();
-		~DemoOrigin();
-		DemoOrigin(const DemoOrigin&) = delete;
-		DemoOrigin& operator=(const DemoOrigin&) = delete;
+		DemoOrigin()
+			: script(origin)
+		{
+			script.runFile((sharedFolder("examples") / "lab/demo.lua").string());
+		}
 
 		/** @return "http://127.0.0.1:PORT". */
-		const std::string& url() const { return baseUrl; }
+		std::string url() const { return origin.url(""); }
 
 	private:
-		struct Server;
-		const std::unique_ptr<Server> server;
-		std::string baseUrl;
+		Lab::Origin origin;
+		Lab::Script script;
 	};
 } // namespace Program

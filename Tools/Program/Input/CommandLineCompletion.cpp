@@ -165,6 +165,11 @@ namespace Program
 				return {"--json", "--body", "--output", "--header", "--timeout", "--verbose", "--progress", "--project", "--base",
 					"--drive-base", "--help"};
 			}
+			if (verb == "lab")
+			{
+				return {"--port", "--listen-on", "--tls", "--run", "--record", "--to", "--keep-secrets", "--replay", "--speed", "--project",
+					"--base", "--drive-base", "--help"};
+			}
 			return verb == "run" ? Words{"--connections", "--project", "--base", "--drive-base", "--help"}
 								 : Words{"--drive-base", "--help"};
 		}
@@ -172,13 +177,15 @@ namespace Program
 		bool takesValue(const std::string& option)
 		{
 			return option == "--output" || option == "--header" || option == "-H" || option == "--timeout" || option == "--connections" ||
-				   option == "-o" || option == "--project" || option == "--base" || option == "--drive-base" || option == "--html";
+				   option == "-o" || option == "--port" || option == "--listen-on" || option == "--tls" || option == "--run" ||
+				   option == "--record" || option == "--to" || option == "--replay" || option == "--speed" || option == "--project" ||
+				   option == "--base" || option == "--drive-base" || option == "--html";
 		}
 	} // namespace
 
 	std::vector<std::string> completions(const std::string& line)
 	{
-		static const Words verbs = {"run", "call", "nodes", "demo", "completion", "help"};
+		static const Words verbs = {"run", "call", "nodes", "demo", "lab", "completion", "help"};
 		const Words words = split(line);
 		const std::string& word = words.back();
 		if (words.size() <= 2)

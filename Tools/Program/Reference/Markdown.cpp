@@ -1,5 +1,6 @@
 #include "Markdown.h"
 
+#include <cctype>
 #include <fmt/format.h>
 #include <md4c-html.h>
 #include <stdexcept>
@@ -24,6 +25,45 @@ namespace Program
 			}
 			return html;
 		}
+
+		/** @return the name that links to a heading use: small letters, digits and hyphens, as the sites that show such files make it. */
+		std::string anchorOf(std::string_view heading)
+		{
+			std::string anchor;
+			bool isTag = false;
+			for (const char c : heading)
+			{
+				isTag = c == '<' || (isTag && c != '>');
+				if (c == ' ' || c == '-')
+				{
+					anchor += isTag ? "" : "-";
+				}
+				else if (!isTag && (std::isalnum(static_cast<unsigned char>(c)) || c == '_'))
+				{
+					anchor += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+				}
+			}
+			return anchor;
+		}
+
+		/** Gives headings below the title the names that links to them use. */
+		std::string withAnchors(std::string html)
+		{
+			for (const std::string_view level : {"2", "3"})
+			{
+				const std::string begin = fmt::format("<h{}>", level);
+				const std::string end = fmt::format("</h{}>", level);
+				for (size_t place = html.find(begin); place != std::string::npos; place = html.find(begin, place))
+				{
+					const size_t text = place + begin.size();
+					const std::string named =
+						fmt::format("<h{} id=\"{}\">", level, anchorOf(std::string_view(html).substr(text, html.find(end, text) - text)));
+					html.replace(place, begin.size(), named);
+					place += named.size();
+				}
+			}
+			return html;
+		}
 	} // namespace
 
 	std::string markdownToHtml(const std::string& text, const LinkTarget& target)
@@ -31,7 +71,7 @@ namespace Program
 		static constexpr std::string_view begin = "<a href=\"";
 		static constexpr std::string_view end = "</a>";
 
-		const std::string html = render(text);
+		const std::string html = withAnchors(render(text));
 		std::string linked;
 		size_t place = 0;
 		for (size_t link = html.find(begin); link != std::string::npos; link = html.find(begin, place))
