@@ -49,6 +49,7 @@ MODULE_ROOMS = {
     },
     "CorvaneTransfers": {
         "Download": ["Attempts", "Files", "Threads"],
+        "Drive": ["Attempts"],
         "Attempts": [],
         "Files": [],
         "Threads": [],
