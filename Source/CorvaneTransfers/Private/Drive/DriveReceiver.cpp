@@ -21,9 +21,9 @@ FCorvaneDriveReceiver::FCorvaneDriveReceiver(
 {
 }
 
-FCorvaneDriveReceiver::EAnswer FCorvaneDriveReceiver::Judge(const FAsked& Asked, const FCorvaneAnswer& Answer)
+FCorvaneDriveReceiver::EAnswer FCorvaneDriveReceiver::Judge(const FAsked& How, const FCorvaneAnswer& Answer)
 {
-	if (Asked.bPlaceIsOld && CorvaneDriveReceiver::SaysThatPlaceIsGone(Answer.Code))
+	if (How.bPlaceIsOld && CorvaneDriveReceiver::SaysThatPlaceIsGone(Answer.Code))
 	{
 		return EAnswer::PlaceIsGone;
 	}
@@ -31,7 +31,7 @@ FCorvaneDriveReceiver::EAnswer FCorvaneDriveReceiver::Judge(const FAsked& Asked,
 	{
 		return EAnswer::Page;
 	}
-	return Asked.bOnlyLooks && Answer.IsSuccess() ? EAnswer::FileIsHere : EAnswer::ForTransfer;
+	return How.bOnlyLooks && Answer.IsSuccess() ? EAnswer::FileIsHere : EAnswer::ForTransfer;
 }
 
 bool FCorvaneDriveReceiver::OnAnswer(const FCorvaneAnswer& Answer)

@@ -36,7 +36,7 @@ public:
 		const TSharedRef<FCorvaneDriveRoute>& InRoute, const TSharedRef<FCorvaneExchangeReceiver>& InTransfer, const FAsked& InAsked);
 
 	/** Thread: any. */
-	static EAnswer Judge(const FAsked& Asked, const FCorvaneAnswer& Answer);
+	static EAnswer Judge(const FAsked& How, const FCorvaneAnswer& Answer);
 
 	virtual bool OnAnswer(const FCorvaneAnswer& Answer) override;
 	virtual bool OnBytes(const uint8* Bytes, int64 Number) override;

@@ -1,4 +1,4 @@
-#include "Drive/HtmlReader.h"
+#include "Drive/HtmlEntities.h"
 
 namespace CorvaneHtmlEntities
 {

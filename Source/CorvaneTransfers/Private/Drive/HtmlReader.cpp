@@ -1,10 +1,12 @@
 #include "Drive/HtmlReader.h"
 
+#include "Drive/HtmlEntities.h"
+#include "Math/UnrealMathUtility.h"
+
 namespace CorvaneHtmlReader
 {
 	static constexpr int32 MostText = 64 * 1024;
 	static constexpr int32 MostAttributes = 64; // of one tag; those behind are read and dropped
-	static const TCHAR* const Blanks = TEXT(" \t\n\r\f");
 
 	static bool IsLetter(TCHAR Unit)
 	{
@@ -21,6 +23,11 @@ namespace CorvaneHtmlReader
 			}
 		}
 		return false;
+	}
+
+	static bool IsBlank(TCHAR Unit)
+	{
+		return IsOneOf(Unit, TEXT(" \t\n\r\f"));
 	}
 
 	static TCHAR Lower(TCHAR Unit)
@@ -42,11 +49,6 @@ namespace CorvaneHtmlReader
 		return false;
 	}
 } // namespace CorvaneHtmlReader
-
-bool CorvaneHtml::IsBlank(TCHAR Unit)
-{
-	return CorvaneHtmlReader::IsOneOf(Unit, CorvaneHtmlReader::Blanks);
-}
 
 FString FCorvaneHtmlTag::Get(const TCHAR* AttributeName) const
 {
@@ -103,7 +105,7 @@ bool FCorvaneHtmlReader::IsAt(const TCHAR* Part) const
 
 void FCorvaneHtmlReader::SkipBlanks()
 {
-	while (At < Page.Len() && CorvaneHtml::IsBlank(Page[At]))
+	while (At < Page.Len() && CorvaneHtmlReader::IsBlank(Page[At]))
 	{
 		++At;
 	}
@@ -151,7 +153,7 @@ void FCorvaneHtmlReader::TakeText()
 	const FString Words = CorvaneHtml::Decode(Page.Mid(Begin, FMath::Max(Taken, 0)));
 	for (int32 Index = 0; Index < Words.Len(); ++Index)
 	{
-		const bool bBlank = CorvaneHtml::IsBlank(Words[Index]) || Words[Index] == 0xA0;
+		const bool bBlank = CorvaneHtmlReader::IsBlank(Words[Index]) || Words[Index] == 0xA0;
 		if (!bBlank)
 		{
 			Text.AppendChar(Words[Index]);
@@ -195,7 +197,7 @@ bool FCorvaneHtmlReader::TakeTag(FCorvaneHtmlTag& OutTag)
 /** @return false at the end of the tag, or of the page. */
 bool FCorvaneHtmlReader::TakeAttribute(FCorvaneHtmlTag& OutTag)
 {
-	while (At < Page.Len() && (Page[At] == TEXT('/') || CorvaneHtml::IsBlank(Page[At])))
+	while (At < Page.Len() && (Page[At] == TEXT('/') || CorvaneHtmlReader::IsBlank(Page[At])))
 	{
 		++At;
 	}

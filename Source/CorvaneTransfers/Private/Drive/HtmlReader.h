@@ -51,10 +51,3 @@ private:
 	int32 At = 0;
 	FString Text;
 };
-
-namespace CorvaneHtml
-{
-	/** @return the text with its entities ("&amp;", "&#38;", "&#x26;") as what they stand for; others stay as they are. Thread: any. */
-	FString Decode(const FString& Text);
-	bool IsBlank(TCHAR Unit);
-} // namespace CorvaneHtml
