@@ -166,6 +166,28 @@ TEST_F(DriveFile, GoesOnInALaterStartThroughThePageAgain)
 	}
 }
 
+TEST_F(DriveFile, StopsWhileThePageIsOnItsWay)
+{
+	std::atomic<int> heads{0};
+	const RawServer server(
+		[&](Connection& connection)
+		{
+			connection.readHead();
+			connection.send(answer(200, formTo("/download"), htmlType).substr(0, 150));
+			++heads;
+			connection.waitForPeer();
+		});
+	UCorvaneDownloadFile* const transfer = start(server);
+	ASSERT_TRUE(loop.WaitFor([&] { return heads == 1; }, patienceSeconds));
+	transfer->Pause();
+	ASSERT_TRUE(loop.WaitFor([&] { return transfer->IsPaused(); }, patienceSeconds));
+	transfer->Continue();
+	ASSERT_TRUE(loop.WaitFor([&] { return heads == 2; }, patienceSeconds));
+	transfer->Cancel();
+	EXPECT_EQ(finish().Outcome, Outcome::Cancelled);
+	expectNothingBeside();
+}
+
 TEST_F(DriveFile, IsNeverAPage)
 {
 	struct Case
