@@ -50,6 +50,7 @@ INNER_ROOMS = {
     },
     "Source/CorvaneTransfers/Private/": {
         "Download": ["Attempts", "Files", "Threads"],
+        "Drive": ["Attempts"],
         "Attempts": [],
         "Files": [],
         "Threads": [],

@@ -1,6 +1,9 @@
 #include "CorvaneDownloadFile.h"
 
+#include "CorvaneBPLibrary.h"
 #include "Download/DownloadRun.h"
+#include "Drive/DrivePage.h"
+#include "Drive/DriveRoute.h"
 #include "UObject/UObjectGlobals.h"
 
 UCorvaneDownloadFile* UCorvaneDownloadFile::DownloadFile(
@@ -10,13 +13,33 @@ UCorvaneDownloadFile* UCorvaneDownloadFile::DownloadFile(
 	Node->Address = InURL;
 	Node->Path = InFilePath;
 	Node->Wishes = InOptions;
+	Node->Route = MakeShared<FCorvaneStraightRoute>();
 	return Node;
 }
 
 UCorvaneDownloadFile* UCorvaneDownloadFile::Start(
 	const FString& InURL, const FString& InFilePath, const FCorvaneDownloadOptions& InOptions, FTell InOnEnd, FTell InOnMove)
 {
-	UCorvaneDownloadFile* Node = DownloadFile(InURL, InFilePath, InOptions);
+	return Begin(DownloadFile(InURL, InFilePath, InOptions), MoveTemp(InOnEnd), MoveTemp(InOnMove));
+}
+
+UCorvaneDownloadFile* UCorvaneDownloadFile::DownloadDriveFile(
+	const FString& InFileID, const FString& InFilePath, const FCorvaneDownloadOptions& InOptions)
+{
+	UCorvaneDownloadFile* Node =
+		DownloadFile(CorvaneDrive::MakeAddress(UCorvaneBPLibrary::googleDriveBase(), InFileID), InFilePath, InOptions);
+	Node->Route = MakeShared<FCorvaneDriveRoute>(InFileID);
+	return Node;
+}
+
+UCorvaneDownloadFile* UCorvaneDownloadFile::StartDriveFile(
+	const FString& InFileID, const FString& InFilePath, const FCorvaneDownloadOptions& InOptions, FTell InOnEnd, FTell InOnMove)
+{
+	return Begin(DownloadDriveFile(InFileID, InFilePath, InOptions), MoveTemp(InOnEnd), MoveTemp(InOnMove));
+}
+
+UCorvaneDownloadFile* UCorvaneDownloadFile::Begin(UCorvaneDownloadFile* Node, FTell&& InOnEnd, FTell&& InOnMove)
+{
 	Node->NativeEnd = MoveTemp(InOnEnd);
 	Node->NativeMove = MoveTemp(InOnMove);
 	Node->Activate();
@@ -39,8 +62,9 @@ void UCorvaneDownloadFile::Activate()
 		}
 	};
 	const bool bIsWatched = OnProgress.IsBound() || NativeMove;
-	Run = MakeShared<FCorvaneDownloadRun>(Address, Path, Wishes, [this](const FCorvaneTransferReport& Report) { End(Report); },
-		bIsWatched ? FTell(Move) : FTell());
+	Run = MakeShared<FCorvaneDownloadRun>(
+		Address, Path, Wishes, [this](const FCorvaneTransferReport& Report) { End(Report); }, bIsWatched ? FTell(Move) : FTell(),
+		Route.ToSharedRef());
 	Run->Start();
 }
 

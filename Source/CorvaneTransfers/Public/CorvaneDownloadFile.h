@@ -9,6 +9,7 @@
 #include "CorvaneDownloadFile.generated.h"
 
 class FCorvaneDownloadRun;
+class FCorvaneRoute;
 
 /**
  * Downloads to a file that ends up right, or says why not. Bytes go to "<file>.corvpart" with "<file>.corvjournal" beside it, in
@@ -42,6 +43,20 @@ public:
 	static UCorvaneDownloadFile* Start(
 		const FString& URL, const FString& FilePath, const FCorvaneDownloadOptions& Options, FTell OnEnd, FTell OnMove = FTell());
 
+	/**
+	 * Makes a node that downloads a file of the Drive service, through the page that asks for a confirmation. A page never
+	 * becomes the file: it ends with QuotaReached, NotPermitted or ServerError.
+	 * @param FileID  of the shared file, as it stands in its link.
+	 * @param FilePath  where the file is to stand; missing folders are made.
+	 */
+	UFUNCTION(BlueprintCallable, Category = "Corvane|Transfers",
+		meta = (BlueprintInternalUseOnly = "true", AutoCreateRefTerm = "Options", DisplayName = "Download Drive File (whole or a reason)"))
+	static UCorvaneDownloadFile* DownloadDriveFile(const FString& FileID, const FString& FilePath, const FCorvaneDownloadOptions& Options);
+
+	/** Starts a download of the Drive service from native code: as Start. */
+	static UCorvaneDownloadFile* StartDriveFile(
+		const FString& FileID, const FString& FilePath, const FCorvaneDownloadOptions& Options, FTell OnEnd, FTell OnMove = FTell());
+
 	virtual void Activate() override;
 	virtual void Pause() override;
 	virtual void Continue() override;
@@ -50,8 +65,10 @@ public:
 	virtual bool IsPaused() const override;
 
 private:
+	static UCorvaneDownloadFile* Begin(UCorvaneDownloadFile* Node, FTell&& OnEnd, FTell&& OnMove);
 	void End(const FCorvaneTransferReport& Report);
 
+	TSharedPtr<FCorvaneRoute> Route; // null of the class's default object only
 	TSharedPtr<FCorvaneDownloadRun> Run; // null before Activate
 	FString Address;
 	FString Path;

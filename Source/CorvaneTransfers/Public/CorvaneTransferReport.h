@@ -43,7 +43,7 @@ struct CORVANETRANSFERS_API FCorvaneTransferReport
 	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
 	int64 TakenOverBytes = 0;
 
-	/** Requests that were sent. */
+	/** Requests for the file that were sent; those for a page in front of it come on top. */
 	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
 	int32 Attempts = 0;
 

@@ -28,6 +28,36 @@ namespace CorvaneAddressParts
 		return Begin + Authority.Find(TEXT("@"), ESearchCase::CaseSensitive, ESearchDir::FromEnd) + 1;
 	}
 
+	/** @return where a scheme of a link ends, with its colon; 0 when it has none. */
+	static int32 SchemeEnd(const FString& Link)
+	{
+		const int32 End = FindAny(Link, 0, TEXT(":/?#"));
+		return End < Link.Len() && Link[End] == TEXT(':') ? End + 1 : 0;
+	}
+
+	/** @param Base  without query. @return the address of the folder that it names a file in. */
+	static FString FolderOf(const FString& Base)
+	{
+		const int32 Host = HostBegin(Base);
+		const int32 Slash = Base.Find(TEXT("/"), ESearchCase::CaseSensitive, ESearchDir::FromEnd);
+		return Slash < Host ? Base + TEXT("/") : Base.Left(Slash + 1);
+	}
+
+	static FString Trim(const FString& Text)
+	{
+		int32 Begin = 0;
+		int32 End = Text.Len();
+		while (Begin < End && Text[Begin] <= TEXT(' '))
+		{
+			++Begin;
+		}
+		while (Begin < End && Text[End - 1] <= TEXT(' '))
+		{
+			--End;
+		}
+		return Text.Mid(Begin, End - Begin);
+	}
+
 	static bool HasBlankOrControl(const FString& Text)
 	{
 		for (int32 Index = 0; Index < Text.Len(); ++Index)
@@ -56,6 +86,47 @@ FString CorvaneAddress::WithoutUser(const FString& URL)
 
 FString CorvaneAddress::ForLog(const FString& URL)
 {
+	return WithoutQuery(WithoutUser(URL));
+}
+
+FString CorvaneAddress::Origin(const FString& URL)
+{
 	const FString Shown = WithoutUser(URL);
-	return Shown.Left(CorvaneAddressParts::FindAny(Shown, 0, TEXT("?#")));
+	return Shown.Left(CorvaneAddressParts::FindAny(Shown, CorvaneAddressParts::AuthorityBegin(Shown), TEXT("/?#")));
+}
+
+FString CorvaneAddress::WithoutQuery(const FString& URL)
+{
+	return URL.Left(CorvaneAddressParts::FindAny(URL, 0, TEXT("?#")));
+}
+
+FString CorvaneAddress::Resolve(const FString& Base, const FString& Link)
+{
+	const FString Target = CorvaneAddressParts::Trim(Link);
+	FString Whole;
+	if (Target.Contains(TEXT("\\"), ESearchCase::CaseSensitive))
+	{
+		return FString(); // programs do not agree on what it separates
+	}
+	if (CorvaneAddressParts::SchemeEnd(Target) > 0)
+	{
+		Whole = Target;
+	}
+	else if (Target.StartsWith(TEXT("//"), ESearchCase::CaseSensitive))
+	{
+		Whole = Base.Left(CorvaneAddressParts::SchemeEnd(Base)) + Target;
+	}
+	else if (Target.StartsWith(TEXT("/"), ESearchCase::CaseSensitive))
+	{
+		Whole = Origin(Base) + Target;
+	}
+	else if (Target.IsEmpty() || Target.StartsWith(TEXT("?"), ESearchCase::CaseSensitive))
+	{
+		Whole = WithoutQuery(Base) + Target;
+	}
+	else
+	{
+		Whole = CorvaneAddressParts::FolderOf(WithoutQuery(Base)) + Target;
+	}
+	return IsUsable(Whole) ? WithoutUser(Whole) : FString();
 }

@@ -11,4 +11,13 @@ namespace CorvaneAddress
 	FString WithoutUser(const FString& URL);
 	/** @return what a log may show: without user, password, query and fragment, which often carry keys. */
 	FString ForLog(const FString& URL);
+	/** @return scheme, host and port, as they are written: letters of another case are the same. */
+	FString Origin(const FString& URL);
+	/** @return the address without query and fragment. */
+	FString WithoutQuery(const FString& URL);
+	/**
+	 * @param Base  http or https. @param Link  as a page has it: an address, or a part of one.
+	 * @return where the link leads, without user and password; empty for links to anything but http and https.
+	 */
+	FString Resolve(const FString& Base, const FString& Link);
 } // namespace CorvaneAddress

@@ -7,6 +7,7 @@
 namespace CorvaneAnswerParts
 {
 	static const TCHAR* const WeakMark = TEXT("W/");
+	static constexpr int32 MostCookies = 32;
 
 	/** Without quotes it is no entity tag; a server would take it in If-Range for a date. */
 	static bool IsStrongETag(const FString& ETag)
@@ -156,6 +157,16 @@ void FCorvaneAnswerReader::TakeHeader(const FString& Name, const FString& Value)
 	else if (Name == TEXT("Content-Type"))
 	{
 		Answer.ContentType = Value;
+	}
+	else if (Name == TEXT("Content-Disposition"))
+	{
+		Answer.bAttachment = Value.StartsWith(TEXT("attachment"), ESearchCase::IgnoreCase);
+	}
+	else if (Name == TEXT("Set-Cookie") && Answer.Cookies.Num() < CorvaneAnswerParts::MostCookies)
+	{
+		FString Pair = Value;
+		Value.Split(TEXT(";"), &Pair, nullptr);
+		Answer.Cookies.Add(Pair);
 	}
 	Answer.Version.bDateIsStrong = CorvaneAnswerParts::IsStrongDate(Answer.Version.LastModified, Answer.Date);
 	if (bChunked || Answer.bEncoded)

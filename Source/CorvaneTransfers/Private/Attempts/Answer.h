@@ -54,6 +54,10 @@ struct FCorvaneAnswer
 	FString ContentType;
 	/** The body is packed although nothing but "identity" was asked for: what arrives are not the bytes that ranges count. */
 	bool bEncoded = false;
+	/** Content-Disposition says that it is to be kept as a file. */
+	bool bAttachment = false;
+	/** "name=value" of each that was set. */
+	TArray<FString> Cookies;
 
 	bool IsSuccess() const { return Code >= 200 && Code < 300; }
 	/** @return bytes of the whole file, by the range of a part (206, 416), else by the length of the body; -1 = not told. */

@@ -3,6 +3,7 @@
 #include "Attempts/Answer.h"
 #include "CoreMinimal.h"
 #include "Corvane.h"
+#include "CorvaneTransfers.h"
 #include "HAL/CriticalSection.h"
 #include "Interfaces/IHttpRequest.h"
 
@@ -48,6 +49,10 @@ struct FCorvaneExchangeResult
 	int64 BodyBytes = 0;
 	/** Where redirects led, with the user and password that the address may have; empty when there was no answer. */
 	FString ReachedURL;
+	/** Other than Running: what came tells that there is nothing to be had, and why. Exchanges by themselves never know. */
+	ECorvaneTransferOutcome Failure = ECorvaneTransferOutcome::Running;
+	/** With a failure, for people. */
+	FString Sentence;
 };
 
 /**

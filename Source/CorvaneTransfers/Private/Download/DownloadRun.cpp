@@ -38,14 +38,15 @@ namespace CorvaneDownloadRun
 	}
 } // namespace CorvaneDownloadRun
 
-FCorvaneDownloadRun::FCorvaneDownloadRun(
-	const FString& InURL, const FString& InTarget, const FCorvaneDownloadOptions& InOptions, FTell InTellEnd, FTell InTellProgress)
+FCorvaneDownloadRun::FCorvaneDownloadRun(const FString& InURL, const FString& InTarget, const FCorvaneDownloadOptions& InOptions,
+	FTell InTellEnd, FTell InTellProgress, const TSharedRef<FCorvaneRoute>& InRoute)
 	: URL(InURL)
 	, Target(InTarget)
 	, Options(InOptions)
 	, EndTeller(MoveTemp(InTellEnd))
 	, ProgressTeller(MoveTemp(InTellProgress))
 	, Machine(InURL, InTarget, InOptions)
+	, Route(InRoute)
 {
 }
 
@@ -58,8 +59,9 @@ void FCorvaneDownloadRun::Start()
 {
 	CorvaneRunningTransfers::Add(AsShared());
 	const bool bHashIsReadable = FCorvaneHashWish::Parse(Options.Hash, Hash);
-	const FCorvaneDownloadStep First =
-		Machine.Start(CorvaneDownloadRun::Now(), CorvaneDownload::FindFault(URL, Target, Options, bHashIsReadable));
+	const FString WayFault = Route->FindFault();
+	const FCorvaneDownloadStep First = Machine.Start(
+		CorvaneDownloadRun::Now(), WayFault.IsEmpty() ? CorvaneDownload::FindFault(URL, Target, Options, bHashIsReadable) : WayFault);
 	Post([First](FCorvaneDownloadRun& Self) { Self.Follow(First); }); // nothing is told inside this call
 }
 
@@ -120,10 +122,9 @@ void FCorvaneDownloadRun::PostClosed()
 void FCorvaneDownloadRun::Look()
 {
 	Files->Look(Target,
-		[Self = AsShared()](bool bExists, FDateTime Time)
-		{
-			Self->Post([bExists, Time](FCorvaneDownloadRun& Run)
-				{ Run.Follow(Run.Machine.OnLooked(CorvaneDownloadRun::Now(), bExists, Time)); });
+		[Self = AsShared()](bool bExists, FDateTime Time) {
+			Self->Post(
+				[bExists, Time](FCorvaneDownloadRun& Run) { Run.Follow(Run.Machine.OnLooked(CorvaneDownloadRun::Now(), bExists, Time)); });
 		});
 }
 
@@ -172,17 +173,17 @@ void FCorvaneDownloadRun::Send(const FCorvaneDownloadQuestion& Question, TArray<
 	Asked.Headers = CorvaneDownload::MakeHeaders(Question, Options);
 	Asked.SilenceSeconds = static_cast<float>(Options.SilenceSeconds);
 	Receiver = Taker;
-	Exchange = FCorvaneExchange::Start(Asked, Taker);
+	Route->Start(Asked, Taker);
 	if (ProgressTeller && !ProgressTicker.IsValid())
 	{
 		ProgressTicker = FTSTicker::GetCoreTicker().AddTicker(
-			FTickerDelegate::CreateLambda([Self = AsShared()](float) { return Self->OnProgressTick(); }), CorvaneDownloadRun::ProgressInterval);
+			FTickerDelegate::CreateLambda([Self = AsShared()](float) { return Self->OnProgressTick(); }),
+			CorvaneDownloadRun::ProgressInterval);
 	}
 }
 
 void FCorvaneDownloadRun::OnSent(FCorvaneAttemptEnd End)
 {
-	Exchange.Reset();
 	Receiver.Reset();
 	LastModified = End.Exchange.Answer.IsSuccess() ? End.Exchange.Answer.Version.LastModified : LastModified;
 	End.Random = FMath::FRand();
@@ -193,10 +194,7 @@ void FCorvaneDownloadRun::OnSent(FCorvaneAttemptEnd End)
 void FCorvaneDownloadRun::Stop()
 {
 	bStopWanted = true;
-	if (Exchange.IsValid())
-	{
-		Exchange->Cancel();
-	}
+	Route->Cancel();
 }
 
 void FCorvaneDownloadRun::Wait(double Seconds)
@@ -216,7 +214,8 @@ void FCorvaneDownloadRun::Finish()
 	FCorvaneFinishWish Wish;
 	Wish.Hash = Hash;
 	Wish.FileTime = Options.bKeepServerTime ? CorvaneHttpDate::Parse(LastModified) : FDateTime::MinValue();
-	Wish.bMayReplace = Options.IfTargetExists == ECorvaneIfTargetExists::Replace || Options.IfTargetExists == ECorvaneIfTargetExists::OnlyIfNewer;
+	Wish.bMayReplace =
+		Options.IfTargetExists == ECorvaneIfTargetExists::Replace || Options.IfTargetExists == ECorvaneIfTargetExists::OnlyIfNewer;
 	Files->Finish(Wish,
 		[Self = AsShared()](const FCorvaneFinished& Part)
 		{

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Attempts/Exchange.h"
+#include "Attempts/Route.h"
 #include "Containers/Ticker.h"
 #include "CoreMinimal.h"
 #include "CorvaneDownloadOptions.h"
@@ -27,9 +27,10 @@ public:
 	/**
 	 * @param InTellEnd  is called once, later than Start.
 	 * @param InTellProgress  is called ten times a second at most while bytes move.
+	 * @param InRoute  how InURL leads to the file.
 	 */
-	FCorvaneDownloadRun(
-		const FString& InURL, const FString& InTarget, const FCorvaneDownloadOptions& InOptions, FTell InTellEnd, FTell InTellProgress);
+	FCorvaneDownloadRun(const FString& InURL, const FString& InTarget, const FCorvaneDownloadOptions& InOptions, FTell InTellEnd,
+		FTell InTellProgress, const TSharedRef<FCorvaneRoute>& InRoute = MakeShared<FCorvaneStraightRoute>());
 
 	void Start();
 	void Pause();
@@ -71,9 +72,9 @@ private:
 	FCorvaneDownloadMachine Machine;
 	const TSharedRef<FCorvaneMailbox> Mailbox = MakeShared<FCorvaneMailbox>();
 	const TSharedRef<FCorvaneDownloadFiles> Files = MakeShared<FCorvaneDownloadFiles>();
-	TSharedPtr<FCorvaneExchange> Exchange; // of the try that runs
-	TSharedPtr<FCorvaneDownloadReceiver> Receiver; // of the same
-	bool bStopWanted = false; // before there was an exchange to stop
+	const TSharedRef<FCorvaneRoute> Route;
+	TSharedPtr<FCorvaneDownloadReceiver> Receiver; // of the try that runs
+	bool bStopWanted = false; // before there was a try to stop
 	FString LastModified; // of the file that has come
 	FTSTicker::FDelegateHandle WaitTicker;
 	FTSTicker::FDelegateHandle ProgressTicker;

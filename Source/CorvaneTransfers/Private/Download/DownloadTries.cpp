@@ -71,6 +71,10 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::OnAttemptEnded(double Now, const F
 	{
 		return Fail(Now, End.FileFailure, End.FileSentence);
 	}
+	if (End.Exchange.Failure != ECorvaneTransferOutcome::Running)
+	{
+		return Fail(Now, End.Exchange.Failure, End.Exchange.Sentence);
+	}
 	if (End.Exchange.End == ECorvaneExchangeEnd::NotSent)
 	{
 		return Fail(Now, ECorvaneTransferOutcome::Refused, TEXT("The HTTP module does not send this request."));
