@@ -50,7 +50,7 @@ MODULE_ROOMS = {
     "CorvaneTransfers": {
         "Download": ["Attempts", "Files", "Threads"],
         "Attempts": [],
-        "Files": [],
+        "Files": ["Threads"],
         "Threads": [],
     },
 }

@@ -98,6 +98,7 @@ void FCorvaneDownloadRun::Follow(const FCorvaneDownloadStep& Step)
 	case ECorvaneDownloadAction::Stop:
 		return Stop();
 	case ECorvaneDownloadAction::Wait:
+		Files->Secure(); // while there is time
 		return Wait(Step.WaitSeconds);
 	case ECorvaneDownloadAction::Hold:
 		return Files->Secure();
@@ -120,16 +121,15 @@ void FCorvaneDownloadRun::PostClosed()
 void FCorvaneDownloadRun::Look()
 {
 	Files->Look(Target,
-		[Self = AsShared()](bool bExists, FDateTime Time)
-		{
-			Self->Post([bExists, Time](FCorvaneDownloadRun& Run)
-				{ Run.Follow(Run.Machine.OnLooked(CorvaneDownloadRun::Now(), bExists, Time)); });
+		[Self = AsShared()](bool bExists, FDateTime Time) {
+			Self->Post(
+				[bExists, Time](FCorvaneDownloadRun& Run) { Run.Follow(Run.Machine.OnLooked(CorvaneDownloadRun::Now(), bExists, Time)); });
 		});
 }
 
 void FCorvaneDownloadRun::Open()
 {
-	Files->Open(Target, CorvaneAddress::WithoutUser(URL), Options.bResume,
+	Files->Open(Target, CorvaneAddress::WithoutUser(URL), Options.bResume, Hash.Kind,
 		[Self = AsShared()](const FCorvaneOpenedPart& Part)
 		{
 			Self->Post([Opened = CorvaneDownloadRun::Translate(Part)](FCorvaneDownloadRun& Run)
@@ -176,7 +176,8 @@ void FCorvaneDownloadRun::Send(const FCorvaneDownloadQuestion& Question, TArray<
 	if (ProgressTeller && !ProgressTicker.IsValid())
 	{
 		ProgressTicker = FTSTicker::GetCoreTicker().AddTicker(
-			FTickerDelegate::CreateLambda([Self = AsShared()](float) { return Self->OnProgressTick(); }), CorvaneDownloadRun::ProgressInterval);
+			FTickerDelegate::CreateLambda([Self = AsShared()](float) { return Self->OnProgressTick(); }),
+			CorvaneDownloadRun::ProgressInterval);
 	}
 }
 
@@ -216,7 +217,8 @@ void FCorvaneDownloadRun::Finish()
 	FCorvaneFinishWish Wish;
 	Wish.Hash = Hash;
 	Wish.FileTime = Options.bKeepServerTime ? CorvaneHttpDate::Parse(LastModified) : FDateTime::MinValue();
-	Wish.bMayReplace = Options.IfTargetExists == ECorvaneIfTargetExists::Replace || Options.IfTargetExists == ECorvaneIfTargetExists::OnlyIfNewer;
+	Wish.bMayReplace =
+		Options.IfTargetExists == ECorvaneIfTargetExists::Replace || Options.IfTargetExists == ECorvaneIfTargetExists::OnlyIfNewer;
 	Files->Finish(Wish,
 		[Self = AsShared()](const FCorvaneFinished& Part)
 		{
@@ -253,6 +255,7 @@ void FCorvaneDownloadRun::TellEnd()
 	FTSTicker::RemoveTicker(WaitTicker);
 	FTSTicker::RemoveTicker(ProgressTicker);
 	CorvaneRunningTransfers::Remove(*this);
+	bTold = true;
 	const FCorvaneTransferReport& Report = Machine.GetReport();
 	UE_LOG(LogTemp, Display, TEXT("Transfer: %s %s, %lld bytes, %d attempts, %d restarts. %s"), *CorvaneAddress::ForLog(URL), *Target,
 		Report.TransferredBytes, Report.Attempts, Report.Restarts, *Report.Sentence);
