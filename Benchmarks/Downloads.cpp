@@ -1,3 +1,4 @@
+#include "CorvaneDownloadFile.h"
 #include "GameLoop.h"
 #include "Host/Log.h"
 #include "Kit/Command.h"
@@ -20,23 +21,36 @@ namespace
 {
 	namespace fs = std::filesystem;
 
+	enum class Way
+	{
+		Whole,
+		Stepped,
+		Transfer, // the node of the second module
+		TransferWithHash
+	};
+
 	/** One way to download, and programs that do the same. {0} = the URL, {1} = the target. */
 	struct Kind
 	{
 		const char* name;
-		bool isStepped;
+		Way way;
 		int files; // at once; their names are the target and a number
 		std::vector<std::pair<const char*, const char*>> peers; // name, command
 	};
 
+	const char* const curl = "curl -q -sS --noproxy '*' -o {1} {0}";
+	const char* const curlParallel =
+		"curl -q -sS --no-progress-meter --noproxy '*' --parallel --parallel-immediate --parallel-max 100 -o '{1}#1' '{0}?[0-99]'";
+
 	const Kind kinds[] = {
-		{"WHOLE", false, 1, {{"curl -o", "curl -q -sS --noproxy '*' -o {1} {0}"}}},
-		{"STEPPED", true, 1,
-			{{"curl -o", "curl -q -sS --noproxy '*' -o {1} {0}"}, {"wget", "wget -q --no-proxy --no-use-server-timestamps -O {1} {0}"},
+		{"WHOLE", Way::Whole, 1, {{"curl -o", curl}}},
+		{"STEPPED", Way::Stepped, 1,
+			{{"curl -o", curl}, {"wget", "wget -q --no-proxy --no-use-server-timestamps -O {1} {0}"},
 				{"aria2c -x1", "aria2c -q --no-conf --file-allocation=none -x1 -d / -o {1} {0}"}}},
-		{"MANY", false, 100,
-			{{"curl --parallel",
-				"curl -q -sS --no-progress-meter --noproxy '*' --parallel --parallel-immediate --parallel-max 100 -o '{1}#1' '{0}?[0-99]'"}}},
+		{"MANY", Way::Whole, 100, {{"curl --parallel", curlParallel}}},
+		{"TRANSFER", Way::Transfer, 1, {{"curl -o", curl}, {"curl -o, sync", "curl -q -sS --noproxy '*' -o {1} {0} && sync {1}"}}},
+		{"TRANSFER_HASH", Way::TransferWithHash, 1, {{"curl -o, sha256sum", "curl -q -sS --noproxy '*' -o {1} {0} && sha256sum {1}"}}},
+		{"TRANSFER_MANY", Way::Transfer, 100, {{"curl --parallel", curlParallel}}},
 	};
 
 	const Kind& kindNamed(const std::string& name)
@@ -76,7 +90,7 @@ namespace
 		{
 			const FString target(targetOf(kind, path, number).c_str());
 			FString id;
-			if (kind.isStepped)
+			if (kind.way == Way::Stepped)
 			{
 				UCorvaneBPLibrary::CreateHttpRequestGETLowRamDownload(
 					records, FString(url.c_str()), {}, overwrite, absolute, target, "", records, id);
@@ -90,39 +104,81 @@ namespace
 		return records;
 	}
 
+	bool isTransfer(const Kind& kind)
+	{
+		return kind.way == Way::Transfer || kind.way == Way::TransferWithHash;
+	}
+
+	/** What has come of the downloads of one run. */
+	struct Ends
+	{
+		int completed = 0;
+		bool isGood = true;
+
+		void add(bool isThisGood)
+		{
+			++completed;
+			isGood = isGood && isThisGood;
+		}
+	};
+
+	void startTransfers(const Kind& kind, const std::string& url, const std::string& path, Ends& ends)
+	{
+		FCorvaneDownloadOptions options;
+		options.Hash = kind.way == Way::TransferWithHash ? "sha256" : "";
+		for (int number = 0; number < kind.files; ++number)
+		{
+			UCorvaneDownloadFile::Start(FString(url.c_str()), FString(targetOf(kind, path, number).c_str()), options,
+				[&ends](const FCorvaneTransferReport& report) { ends.add(report.Outcome == ECorvaneTransferOutcome::Succeeded); });
+		}
+	}
+
+	/** Of a game thread that had nothing else to do. */
+	Figure gameThreadTime(const Kind& kind, const std::string& path, double cpuSeconds, double seconds)
+	{
+		constexpr double stepBytes = 10485761;
+		if (isTransfer(kind) && kind.files == 1)
+		{
+			return {"game thread CPU", "ms/s", cpuSeconds * 1e3 / seconds};
+		}
+		const bool isStepped = kind.way == Way::Stepped;
+		const double steps = isStepped ? std::ceil(static_cast<double>(fs::file_size(path)) / stepBytes) : kind.files;
+		return {"game thread CPU", isStepped ? "ms/step" : "ms/file", cpuSeconds * 1e3 / steps};
+	}
+
 	/** Downloads once, in this process. */
 	Figures measureCorvane(const Kind& kind, const std::string& url, const std::string& path)
 	{
 		constexpr double longEnough = 600;
-		constexpr double stepBytes = 10485761;
 		HostLog::SetSink([](const char*, ELogVerbosity::Type, const FString&) {}); // large bodies are not made text, and say so
 		FGameLoop loop;
 		UCorvaneBPLibrary* library = UCorvaneBPLibrary::getCorvaneTarget();
-		int completed = 0;
-		bool isGood = true;
+		Ends ends;
 		const BoundHandler onComplete(library->onhttpRequestCompleteDelegate,
-			[&](void* const* arguments)
-			{
-				++completed;
-				isGood = isGood && *static_cast<const int32*>(arguments[3]) < 300;
-			});
+			[&](void* const* arguments) { ends.add(*static_cast<const int32*>(arguments[3]) < 300); });
 		ProcessFigures::forgetPeak();
 		const std::int64_t before = ProcessFigures::residentBytes();
 
 		const fs::file_time_type start = fs::file_time_type::clock::now();
 		const StopWatch watch;
-		UCorvaneBPLibrary::executeHttpRequests(build(kind, url, path), library);
-		loop.WaitFor([&] { return completed == kind.files; }, longEnough);
+		if (isTransfer(kind))
+		{
+			startTransfers(kind, url, path, ends);
+		}
+		else
+		{
+			UCorvaneBPLibrary::executeHttpRequests(build(kind, url, path), library);
+		}
+		loop.WaitFor([&] { return ends.completed == kind.files; }, longEnough);
 		const double ended = watch.seconds();
 		const double gameThread = watch.threadCpuSeconds();
-		if (completed != kind.files || !isGood)
+		if (ends.completed != kind.files || !ends.isGood)
 		{
 			throw std::runtime_error("Corvane: a download failed");
 		}
-		const double steps = kind.isStepped ? std::ceil(static_cast<double>(fs::file_size(path)) / stepBytes) : kind.files;
 		return {{"time until written", "s", secondsUntilWritten(kind, path, start)}, {"time until the event", "s", ended},
 			{"peak of memory beyond the idle program", "MiB", ProcessFigures::toMebibytes(ProcessFigures::peakResidentBytes() - before)},
-			{"game thread CPU", kind.isStepped ? "ms/step" : "ms/file", gameThread * 1e3 / steps}};
+			gameThreadTime(kind, path, gameThread, ended)};
 	}
 
 	class Downloads final : public Workload
@@ -131,9 +187,10 @@ namespace
 		CLI::App* addTo(CLI::App& program) override
 		{
 			CLI::App* command = program.add_subcommand("downloads", "Files to disk: as one body, in steps, many at once");
-			command->add_option("--kind", wanted, "Only these kinds: WHOLE, STEPPED, MANY");
+			command->add_option("--kind", wanted, "Only these kinds: WHOLE, STEPPED, MANY, TRANSFER, TRANSFER_HASH, TRANSFER_MANY");
 			command->add_option("--whole-mebibytes", wholeMebibytes, "Size for WHOLE")->capture_default_str();
-			command->add_option("--stepped-mebibytes", steppedMebibytes, "Size for STEPPED")->capture_default_str();
+			command->add_option("--stepped-mebibytes", steppedMebibytes, "Size for STEPPED, TRANSFER and TRANSFER_HASH")
+				->capture_default_str();
 			command->add_option("--folder", folder, "Where the files lie; empty = the folder for temporary files");
 			addPairs(*command, pairs, "Pairs of runs after one warm-up pair, Corvane's in a fresh process");
 			command->add_option("--url", url)->group(""); // for the fresh processes alone, like the next
@@ -153,7 +210,7 @@ namespace
 			{
 				if (wanted.empty() || std::find(wanted.begin(), wanted.end(), kind.name) != wanted.end())
 				{
-					compare(kind, kind.files > 1 ? 1 : kind.isStepped ? steppedMebibytes : wholeMebibytes, results);
+					compare(kind, kind.files > 1 ? 1 : kind.way == Way::Whole ? wholeMebibytes : steppedMebibytes, results);
 				}
 			}
 			return results;

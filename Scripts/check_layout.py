@@ -52,7 +52,7 @@ INNER_ROOMS = {
         "Download": ["Attempts", "Files", "Threads"],
         "Drive": ["Attempts"],
         "Attempts": [],
-        "Files": [],
+        "Files": ["Threads"],
         "Threads": [],
     },
     "Tools/Lab/": {

@@ -1,83 +1,26 @@
 #include "CorvaneDownloadFile.h"
+#include "FileAnswers.h"
+#include "FileSizeLimit.h"
+#include "ForwardingFiles.h"
 #include "GameLoop.h"
+#include "LogCapture.h"
 #include "LoopbackListener.h"
 #include "RandomBytes.h"
 #include "RawServer.h"
+#include "RunningTransfers.h"
 #include "TempDir.h"
 #include "TextSupport.h"
+#include "Threads/ByteBuffer.h"
 #include "UObject/UObjectGlobals.h"
 #include "Waiting.h"
 
-#include <charconv>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <optional>
 
 namespace
 {
-	/** What a server has under an address. */
-	struct Version
-	{
-		std::string bytes;
-		std::string headers; // validators, lines with their line ends
-	};
-
-	enum class Ranges
-	{
-		Honest,
-		/** Sends the part without looking at If-Range. */
-		WithoutIfRange,
-		Ignored,
-		/** Sends another part than the one that was asked for, and says so, or does not. */
-		Shifted,
-		ShiftedInSecret,
-		ErrorPage
-	};
-
-	std::int64_t firstByteOf(const std::string& head)
-	{
-		const std::string range = headerOf(head, "Range"); // "bytes=N-"
-		std::int64_t first = 0;
-		std::from_chars(range.data() + std::min<size_t>(range.size(), 6), range.data() + range.size(), first);
-		return first;
-	}
-
-	std::string partOf(const Version& version, std::int64_t first, std::int64_t told)
-	{
-		const auto size = static_cast<std::int64_t>(version.bytes.size());
-		if (first >= size)
-		{
-			return answer(416, "", "Content-Range: bytes */" + std::to_string(size) + "\r\n" + version.headers);
-		}
-		const std::string range = "bytes " + std::to_string(told) + "-" + std::to_string(told + size - first - 1) + "/" + std::to_string(size);
-		return answer(206, version.bytes.substr(static_cast<size_t>(first)), "Content-Range: " + range + "\r\n" + version.headers);
-	}
-
-	bool isOfVersion(const std::string& head, const Version& version)
-	{
-		const std::string wanted = headerOf(head, "If-Range");
-		return wanted.empty() || version.headers.find(": " + wanted + "\r\n") != std::string::npos;
-	}
-
-	std::string answerOf(const Version& version, Ranges ranges, const std::string& head)
-	{
-		const std::int64_t first = firstByteOf(head);
-		const bool isPart = !headerOf(head, "Range").empty();
-		const std::string whole = answer(200, version.bytes, version.headers);
-		switch (ranges)
-		{
-		case Ranges::ErrorPage:
-			return answer(404, std::string(100'000, 'x'));
-		case Ranges::Shifted:
-			return isPart ? partOf(version, first + 10, first + 10) : whole;
-		case Ranges::ShiftedInSecret:
-			return isPart ? partOf(version, first + 10, first) : whole;
-		case Ranges::Honest:
-			return isPart && isOfVersion(head, version) ? partOf(version, first, first) : whole;
-		case Ranges::WithoutIfRange:
-			return isPart ? partOf(version, first, first) : whole;
-		default:
-			return whole;
-		}
-	}
+	namespace fs = std::filesystem;
 
 	class DownloadFile : public ::testing::Test
 	{
@@ -110,14 +53,12 @@ namespace
 			return options;
 		}
 
-		UCorvaneDownloadFile* start(const std::string& url, const FCorvaneDownloadOptions& options = patient(), std::string_view name = "file.bin")
+		UCorvaneDownloadFile* start(
+			const std::string& url, const FCorvaneDownloadOptions& options = patient(), std::string_view name = "file.bin")
 		{
 			++expected;
-			return UCorvaneDownloadFile::Start(text(url), text(folder.path(name)), options,
-				[this](const FCorvaneTransferReport& report)
-				{
-					reports.push_back(report);
-				});
+			return UCorvaneDownloadFile::Start(
+				text(url), text(folder.path(name)), options, [this](const FCorvaneTransferReport& report) { reports.push_back(report); });
 		}
 
 		FCorvaneTransferReport finish()
@@ -265,7 +206,8 @@ TEST_F(DownloadFile, EndsWithOneReasonAndTouchesNothing)
 		{"a negative size", server.url(), [](auto& o) { o.ExpectedSize = -2; }, Outcome::Refused},
 		{"a negative limit", server.url(), [](auto& o) { o.BytesPerSecond = -1; }, Outcome::Refused},
 		{"its own header", server.url(), [](auto& o) { o.Headers.Add(text("range"), text("bytes=0-")); }, Outcome::Refused},
-		{"a file that may not be replaced", server.url(), [](auto& o) { o.IfTargetExists = ECorvaneIfTargetExists::Fail; }, Outcome::Refused},
+		{"a file that may not be replaced", server.url(), [](auto& o) { o.IfTargetExists = ECorvaneIfTargetExists::Fail; },
+			Outcome::Refused},
 		{"nobody there", dead, [](auto& o) { o.Attempts = 2; }, Outcome::NoConnection},
 		{"another size", server.url(), [](auto& o) { o.ExpectedSize = 5; }, Outcome::WrongSize},
 		{"another hash", server.url(), [](auto& o) { o.Hash = text("md5:00112233445566778899aabbccddeeff"); }, Outcome::WrongHash},
@@ -305,9 +247,161 @@ TEST_F(DownloadFile, HasItsTargetForItselfAndEndsInOrderWithTheProgram)
 	ASSERT_TRUE(loop.WaitFor([this] { return !reports.empty(); }, patienceSeconds));
 	EXPECT_EQ(reports.front().Outcome, ECorvaneTransferOutcome::Refused);
 
+	start(server.url(), patient(), "other.bin"); // these two have not begun yet
+	start("no address");
 	loop.Shutdown();
-	ASSERT_EQ(reports.size(), 2u);
-	EXPECT_EQ(reports.back().Outcome, ECorvaneTransferOutcome::Ended);
-	EXPECT_EQ(folder.read("file.bin.corvpart"), content.substr(0, static_cast<size_t>(reports.back().BytesLeft)));
-	EXPECT_GT(reports.back().BytesLeft, 190'000);
+	ASSERT_EQ(reports.size(), 4u);
+	EXPECT_EQ(reports[1].Outcome, ECorvaneTransferOutcome::Ended);
+	EXPECT_TRUE(folder.read("file.bin.corvpart") == content.substr(0, static_cast<size_t>(reports[1].BytesLeft)));
+	EXPECT_GT(reports[1].BytesLeft, 190'000);
+	EXPECT_EQ(reports[2].Outcome, ECorvaneTransferOutcome::Ended);
+	expectNothingBeside("other.bin");
+	EXPECT_EQ(reports[3].Outcome, ECorvaneTransferOutcome::Refused);
+}
+
+TEST_F(DownloadFile, SaysWhatIsWrongWithTheDiskAndLeavesTheTarget)
+{
+	using Outcome = ECorvaneTransferOutcome;
+	const auto isToBe = [](const std::string& length)
+	{
+		return RawServer(
+			[=](Connection& connection)
+			{
+				connection.readHead();
+				connection.send("HTTP/1.1 200 OK\r\nContent-Length: " + length + "\r\n\r\n" + content);
+				connection.waitForPeer();
+			});
+	};
+	const RawServer server(answering([](const std::string&) { return answer(200, content); })), endless = isToBe("1000000000000000000");
+	const auto makeFolder = [this](const char* name)
+	{
+		fs::remove(folder.path(name));
+		fs::create_directories(folder.path(name) + "/in it");
+	};
+	std::unique_ptr<IFileHandle> another;
+	std::optional<FileSizeLimit> limit;
+	struct Case
+	{
+		const char* name;
+		const char* says;
+		Outcome outcome;
+		std::string url;
+		std::function<void()> make;
+	};
+	const Case cases[] = {
+		{"no room for the whole", "bytes left", Outcome::DiskFull, endless.url(), {}},
+		{"a write that fails", "does not take", Outcome::CannotWrite, server.url(), [&] { limit.emplace(100'000); }},
+		{"a folder for the target", "is a folder", Outcome::CannotWrite, server.url(), [&] { makeFolder("a/file.bin"); }},
+		{"a folder for the part file", "is a folder", Outcome::CannotWrite, server.url(), [&] { makeFolder("a/file.bin.corvpart"); }},
+		{"a folder for the journal", "is a folder", Outcome::CannotWrite, server.url(), [&] { makeFolder("a/file.bin.corvjournal"); }},
+		{"a file for the folder", "cannot be made", Outcome::CannotWrite, server.url(),
+			[&]
+			{
+				fs::remove_all(folder.path("a"));
+				folder.write("a", "");
+			}},
+		{"a folder in a folder that takes none", "cannot be made", Outcome::CannotWrite, server.url(),
+			[&]
+			{
+				fs::remove_all(folder.path("a"));
+				fs::create_directory_symlink("/proc", folder.path("a"));
+			}},
+		{"another program", "in use", Outcome::Refused, server.url(),
+			[&]
+			{
+				folder.write("a/file.bin.corvjournal", "");
+				another.reset(
+					FPlatformFileManager::Get().GetPlatformFile().OpenWrite(*text(folder.path("a/file.bin.corvjournal")), true, true));
+			}},
+	};
+	for (const Case& each : cases)
+	{
+		SCOPED_TRACE(each.name);
+		folder.write("a/file.bin", "old");
+		if (each.make)
+		{
+			each.make();
+		}
+		start(each.url, patient(), "a/file.bin");
+		const FCorvaneTransferReport report = finish();
+		limit.reset();
+		EXPECT_EQ(report.Outcome, each.outcome) << utf8(report.Sentence);
+		EXPECT_THAT(utf8(report.Sentence), testing::HasSubstr(each.says));
+		EXPECT_FALSE(fs::is_regular_file(folder.path("a/file.bin")) && folder.read("a/file.bin") != "old");
+		another.reset();
+		fs::remove_all(folder.path("a"));
+	}
+}
+
+TEST_F(DownloadFile, TellsNoSecretsInItsReportAndOneLineOfTheLog)
+{
+	const RawServer server(answering([](const std::string&) { return answer(200, content); }));
+	LogCapture log;
+	start("http://someone:hush@" + server.authority() + "/file?token=hidden");
+	const FCorvaneTransferReport report = finish();
+	EXPECT_EQ(report.Outcome, ECorvaneTransferOutcome::Succeeded);
+	EXPECT_FALSE(headerOf(server.requests().front(), "Authorization").empty());
+	std::string told = utf8(report.AskedAddress + report.ReachedAddress + report.Sentence);
+	int lines = 0;
+	for (const LogCapture::Line& line : log.lines())
+	{
+		lines += line.text.starts_with("Transfer: ") ? 1 : 0;
+		told += line.text;
+		EXPECT_EQ(line.text.find("hidden"), std::string::npos) << line.text;
+	}
+	EXPECT_EQ(lines, 1);
+	EXPECT_EQ(told.find("hush"), std::string::npos) << told;
+	EXPECT_EQ(told.find("someone"), std::string::npos) << told;
+}
+
+TEST_F(DownloadFile, HoldsNobodyUpWhenTheDiskDoesNotAnswerAtTheEnd)
+{
+	struct StuckFiles final : ForwardingFiles
+	{
+		struct Handle final : IFileHandle
+		{
+			Handle(StuckFiles& inFiles, IFileHandle* inLower)
+				: files(inFiles)
+				, lower(inLower)
+			{
+			}
+			bool Write(const uint8* bytes, int64 number) override
+			{
+				files.answers.wait(false);
+				return lower->Write(bytes, number);
+			}
+			int64 Tell() override { return lower->Tell(); }
+			bool Seek(int64 position) override { return lower->Seek(position); }
+			bool SeekFromEnd(int64 offset) override { return lower->SeekFromEnd(offset); }
+			bool Read(uint8* bytes, int64 number) override { return lower->Read(bytes, number); }
+			int64 Size() override { return lower->Size(); }
+			bool Truncate(int64 size) override { return lower->Truncate(size); }
+			bool Flush(bool isFull) override { return lower->Flush(isFull); }
+
+			StuckFiles& files;
+			const std::unique_ptr<IFileHandle> lower;
+		};
+
+		IFileHandle* OpenWrite(const TCHAR* name, bool bAppend, bool bAllowRead) override
+		{
+			IFileHandle* const handle = Lower.OpenWrite(name, bAppend, bAllowRead);
+			return utf8(name).ends_with("stuck.bin.corvpart") ? new Handle(*this, handle) : handle;
+		}
+
+		std::atomic<bool> answers{false};
+	};
+	StuckFiles files;
+	const std::string large = randomBytes(3 * FCorvaneByteBuffer::Limit);
+	const RawServer server(answering([&](const std::string& head) { return answer(200, targetOf(head) == "/large" ? large : content); }));
+	UCorvaneDownloadFile* const stuck = start(server.url("/large"), patient(), "stuck.bin");
+	ASSERT_TRUE(loop.WaitFor([&] { return stuck->GetReport().TransferredBytes >= FCorvaneByteBuffer::Limit; }, patienceSeconds));
+	CorvaneRunningTransfers::EndAll(0.01);
+	EXPECT_TRUE(reports.empty());
+	start(server.url());
+	ASSERT_TRUE(loop.WaitFor([this] { return reports.size() == 1; }, patienceSeconds)); // by the same HTTP thread
+	EXPECT_EQ(reports.back().Outcome, ECorvaneTransferOutcome::Succeeded);
+	files.answers = true;
+	files.answers.notify_all();
+	EXPECT_EQ(finish().Outcome, ECorvaneTransferOutcome::Ended);
+	EXPECT_FALSE(folder.exists("stuck.bin"));
 }

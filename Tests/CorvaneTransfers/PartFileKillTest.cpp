@@ -1,5 +1,6 @@
 #include "MortalFiles.h"
 #include "PartFileKit.h"
+#include "QuickPlace.h"
 #include "RandomBytes.h"
 #include "TempDir.h"
 
@@ -31,13 +32,6 @@ namespace
 	{
 		static void* const Shared = mmap(nullptr, sizeof(Promise), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
 		return *static_cast<Promise*>(Shared);
-	}
-
-	/** In memory where there is such a place: thousands of files come and go. */
-	std::filesystem::path quickPlace()
-	{
-		std::error_code Missing;
-		return std::filesystem::is_directory("/dev/shm", Missing) ? "/dev/shm" : std::filesystem::temp_directory_path();
 	}
 
 	void check(bool bHolds, const char* What)

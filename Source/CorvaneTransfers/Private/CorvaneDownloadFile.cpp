@@ -61,10 +61,8 @@ void UCorvaneDownloadFile::Activate()
 			NativeMove(Report);
 		}
 	};
-	const bool bIsWatched = OnProgress.IsBound() || NativeMove;
 	Run = MakeShared<FCorvaneDownloadRun>(
-		Address, Path, Wishes, [this](const FCorvaneTransferReport& Report) { End(Report); }, bIsWatched ? FTell(Move) : FTell(),
-		Route.ToSharedRef());
+		Address, Path, Wishes, [this](const FCorvaneTransferReport& Report) { End(Report); }, Move, Route.ToSharedRef());
 	Run->Start();
 }
 

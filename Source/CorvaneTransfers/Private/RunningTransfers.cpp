@@ -4,8 +4,6 @@
 
 namespace CorvaneRunningTransfers
 {
-	static constexpr double MostSecondsAtTheEnd = 5;
-
 	static TArray<TSharedRef<FCorvaneRunningTransfer>>& List()
 	{
 		static TArray<TSharedRef<FCorvaneRunningTransfer>> Transfers;
@@ -19,6 +17,10 @@ namespace CorvaneRunningTransfers
 		{
 			Transfer.GetMailbox().WaitForPost(10);
 			Transfer.GetMailbox().Open();
+		}
+		if (!Transfer.IsOver())
+		{
+			Transfer.Abandon();
 		}
 	}
 } // namespace CorvaneRunningTransfers
@@ -45,10 +47,10 @@ bool CorvaneRunningTransfers::IsEmpty()
 	return List().IsEmpty();
 }
 
-void CorvaneRunningTransfers::EndAll()
+void CorvaneRunningTransfers::EndAll(double MostSeconds)
 {
 	const TArray<TSharedRef<FCorvaneRunningTransfer>> Running = List(); // each leaves the list at its end
-	const double Deadline = FPlatformTime::Seconds() + MostSecondsAtTheEnd;
+	const double Deadline = FPlatformTime::Seconds() + MostSeconds;
 	for (const TSharedRef<FCorvaneRunningTransfer>& Transfer : Running)
 	{
 		Transfer->EndWithProgram();

@@ -11,7 +11,10 @@ public:
 	virtual ~FCorvaneRunningTransfer() = default;
 	/** Ends it soon, with Ended; its bytes stay. */
 	virtual void EndWithProgram() = 0;
+	/** It is over, and has told so. */
 	virtual bool IsOver() const = 0;
+	/** It did not end in time, such as for a disk that does not answer. Nothing may be held up by it from now on. */
+	virtual void Abandon() = 0;
 	/** Where the threads that work for it leave what they have to tell. */
 	virtual FCorvaneMailbox& GetMailbox() = 0;
 };
@@ -24,6 +27,6 @@ namespace CorvaneRunningTransfers
 	void Remove(const FCorvaneRunningTransfer& Transfer);
 	bool IsEmpty();
 
-	/** Ends all of them in order and waits until each has dealt with its bytes, 5 seconds at most. */
-	void EndAll();
+	/** Ends all of them in order and waits until each has dealt with its bytes; those that take longer are abandoned. */
+	void EndAll(double MostSeconds = 5);
 } // namespace CorvaneRunningTransfers

@@ -18,11 +18,11 @@ void FCorvaneDownloadFiles::Look(const FString& Target, TUniqueFunction<void(boo
 		});
 }
 
-void FCorvaneDownloadFiles::Open(
-	const FString& Target, const FString& Address, bool bResume, TUniqueFunction<void(const FCorvaneOpenedPart&)> Tell)
+void FCorvaneDownloadFiles::Open(const FString& Target, const FString& Address, bool bResume, ECorvaneHashKind HashKind,
+	TUniqueFunction<void(const FCorvaneOpenedPart&)> Tell)
 {
-	Do([Target, Address, bResume, Tell = MoveTemp(Tell)](
-		   FCorvaneDownloadFiles& Self) { Tell(Self.Part.Open(Target, Address, bResume)); });
+	Do([Target, Address, bResume, HashKind, Tell = MoveTemp(Tell)](FCorvaneDownloadFiles& Self)
+		{ Tell(Self.Part.Open(Target, Address, bResume, HashKind)); });
 }
 
 void FCorvaneDownloadFiles::Secure()

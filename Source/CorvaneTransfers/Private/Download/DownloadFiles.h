@@ -29,7 +29,8 @@ class FCorvaneDownloadFiles : public TSharedFromThis<FCorvaneDownloadFiles>
 public:
 	/** Tells whether a file stands there, and when it was changed (UTC). */
 	void Look(const FString& Target, TUniqueFunction<void(bool, FDateTime)> Tell);
-	void Open(const FString& Target, const FString& Address, bool bResume, TUniqueFunction<void(const FCorvaneOpenedPart&)> Tell);
+	void Open(const FString& Target, const FString& Address, bool bResume, ECorvaneHashKind HashKind,
+		TUniqueFunction<void(const FCorvaneOpenedPart&)> Tell);
 	/** Vouches for what is there. */
 	void Secure();
 	void Finish(const FCorvaneFinishWish& Wish, TUniqueFunction<void(const FCorvaneFinished&)> Tell);
@@ -44,6 +45,9 @@ public:
 	bool Put(const uint8* Bytes, int64 Number);
 	/** Tells what came of the try when its last byte is in the file. */
 	void EndAttempt(TUniqueFunction<void(const FCorvaneAttemptFiles&)> Tell);
+
+	/** Whoever brings bytes waits for the disk no longer; bytes that have not reached it are lost. */
+	void Abandon() { Buffer.Close(); }
 
 	/** @return bytes that the running try has brought, on disk or on their way there. */
 	int64 BytesOfAttempt() const { return Brought; }

@@ -2,9 +2,9 @@
 
 #include "Attempts/Exchange.h"
 #include "CoreMinimal.h"
+#include "CorvaneDownloadOptions.h"
 #include "CorvaneTransferReport.h"
 #include "Download/DownloadAnswer.h"
-#include "Download/DownloadOptions.h"
 #include "Download/DownloadQuestion.h"
 #include "Misc/DateTime.h"
 

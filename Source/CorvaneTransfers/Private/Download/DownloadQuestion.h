@@ -2,7 +2,7 @@
 
 #include "Attempts/Answer.h"
 #include "CoreMinimal.h"
-#include "Download/DownloadOptions.h"
+#include "CorvaneDownloadOptions.h"
 #include "Misc/DateTime.h"
 
 /** What one try of a download asks for, and what it is asked on behalf of. Positions are bytes. */

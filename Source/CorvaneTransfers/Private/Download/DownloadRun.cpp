@@ -100,6 +100,7 @@ void FCorvaneDownloadRun::Follow(const FCorvaneDownloadStep& Step)
 	case ECorvaneDownloadAction::Stop:
 		return Stop();
 	case ECorvaneDownloadAction::Wait:
+		Files->Secure(); // while there is time
 		return Wait(Step.WaitSeconds);
 	case ECorvaneDownloadAction::Hold:
 		return Files->Secure();
@@ -130,7 +131,7 @@ void FCorvaneDownloadRun::Look()
 
 void FCorvaneDownloadRun::Open()
 {
-	Files->Open(Target, CorvaneAddress::WithoutUser(URL), Options.bResume,
+	Files->Open(Target, CorvaneAddress::WithoutUser(URL), Options.bResume, Hash.Kind,
 		[Self = AsShared()](const FCorvaneOpenedPart& Part)
 		{
 			Self->Post([Opened = CorvaneDownloadRun::Translate(Part)](FCorvaneDownloadRun& Run)
@@ -252,6 +253,7 @@ void FCorvaneDownloadRun::TellEnd()
 	FTSTicker::RemoveTicker(WaitTicker);
 	FTSTicker::RemoveTicker(ProgressTicker);
 	CorvaneRunningTransfers::Remove(*this);
+	bTold = true;
 	const FCorvaneTransferReport& Report = Machine.GetReport();
 	UE_LOG(LogTemp, Display, TEXT("Transfer: %s %s, %lld bytes, %d attempts, %d restarts. %s"), *CorvaneAddress::ForLog(URL), *Target,
 		Report.TransferredBytes, Report.Attempts, Report.Restarts, *Report.Sentence);

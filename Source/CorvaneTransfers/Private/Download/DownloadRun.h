@@ -41,7 +41,8 @@ public:
 	FCorvaneTransferReport GetReport() const;
 
 	virtual void EndWithProgram() override;
-	virtual bool IsOver() const override { return Machine.IsOver(); }
+	virtual bool IsOver() const override { return bTold; }
+	virtual void Abandon() override { Files->Abandon(); }
 	virtual FCorvaneMailbox& GetMailbox() override { return *Mailbox; }
 
 private:
@@ -79,4 +80,5 @@ private:
 	FTSTicker::FDelegateHandle WaitTicker;
 	FTSTicker::FDelegateHandle ProgressTicker;
 	int64 ToldBytes = -1;
+	bool bTold = false; // later than the machine is over
 };

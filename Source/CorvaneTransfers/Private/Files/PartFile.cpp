@@ -9,7 +9,7 @@
 
 namespace CorvanePartFile
 {
-	static constexpr int64 BytesPerCheckpoint = 16 << 20;
+	/** Each waits for the disk, so they come by time: what can be lost is what two seconds brought. */
 	static constexpr int64 TicksPerCheckpoint = 2 * ETimespan::TicksPerSecond;
 
 	static IPlatformFile& Files()
@@ -23,9 +23,10 @@ namespace CorvanePartFile
 	}
 } // namespace CorvanePartFile
 
-FCorvaneOpenedPart FCorvanePartFile::Open(const FString& InTarget, const FString& Address, bool bResume)
+FCorvaneOpenedPart FCorvanePartFile::Open(const FString& InTarget, const FString& Address, bool bResume, ECorvaneHashKind InHashKind)
 {
 	Close();
+	Hash = FCorvaneHashOnTheWay(InHashKind);
 	Total = -1;
 	Length = 0;
 	VouchedLength = 0;
@@ -166,6 +167,7 @@ FCorvaneFileResult FCorvanePartFile::StartOver(const FCorvaneSourceFacts& Source
 		Total = Source.Total;
 		VouchedLength = 0;
 		Fault = OpenPart(0);
+		Hash.Begin();
 	}
 	return Fault;
 }
@@ -177,6 +179,8 @@ FCorvaneFileResult FCorvanePartFile::Append(const uint8* Bytes, int64 Count)
 	{
 		return CorvaneFileFaults::WriteFailed(PartName(), Count);
 	}
+	Hash.Update(Length, Bytes, Count);
+	EarlyFlush.Note(PartName(), Count);
 	Length += Count;
 	return IsCheckpointDue() ? Checkpoint() : FCorvaneFileResult();
 }
@@ -185,8 +189,7 @@ bool FCorvanePartFile::IsCheckpointDue() const
 {
 	const int64 Ticks = FDateTime::UtcNow().GetTicks() - LastCheckpoint.GetTicks();
 	const bool bClockWasSetBack = Ticks < 0;
-	return Length - VouchedLength >= CorvanePartFile::BytesPerCheckpoint || Ticks >= CorvanePartFile::TicksPerCheckpoint ||
-		   bClockWasSetBack;
+	return Ticks >= CorvanePartFile::TicksPerCheckpoint || bClockWasSetBack;
 }
 
 FCorvaneFileResult FCorvanePartFile::Checkpoint()
@@ -235,7 +238,7 @@ void FCorvanePartFile::Close()
 
 void FCorvanePartFile::Discard()
 {
-	Part.Reset();
+	ClosePart();
 	if (Journal.IsOpen())
 	{
 		CorvanePartFile::Files().DeleteFile(*PartName());
@@ -244,9 +247,15 @@ void FCorvanePartFile::Discard()
 	LetGo();
 }
 
+void FCorvanePartFile::ClosePart()
+{
+	EarlyFlush.Stop();
+	Part.Reset();
+}
+
 void FCorvanePartFile::LetGo()
 {
-	Part.Reset();
+	ClosePart();
 	Journal.Close();
 	Claim.Release();
 	bWholeAlready = false;

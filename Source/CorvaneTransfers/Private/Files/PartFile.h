@@ -1,8 +1,10 @@
 #pragma once
 
 #include "CoreMinimal.h"
+#include "Files/EarlyFlush.h"
 #include "Files/FileHash.h"
 #include "Files/FileResult.h"
+#include "Files/HashOnTheWay.h"
 #include "Files/Journal.h"
 #include "Files/JournalFile.h"
 #include "Files/TargetClaims.h"
@@ -58,8 +60,10 @@ public:
 	 * @param InTarget  where the file is to stand in the end; relative paths start at the base directory.
 	 * @param Address  what will be asked for, without user and password: bytes of another address are of no use.
 	 * @param bResume  false: whatever is there is of no use.
+	 * @param InHashKind  what Finish will want: of a file that comes as a whole it is computed on the way.
 	 */
-	FCorvaneOpenedPart Open(const FString& InTarget, const FString& Address, bool bResume);
+	FCorvaneOpenedPart Open(
+		const FString& InTarget, const FString& Address, bool bResume, ECorvaneHashKind InHashKind = ECorvaneHashKind::None);
 
 	/** Begins with the first byte of a file. @param Source  what its answer tells; a total that the disk has no room for is a failure, and then nothing is changed. */
 	FCorvaneFileResult StartOver(const FCorvaneSourceFacts& Source);
@@ -97,9 +101,11 @@ private:
 	FCorvaneFileResult TakePart();
 	FCorvaneFileResult OpenPart(int64 NewLength);
 	bool Shorten(int64 NewLength);
+	void ClosePart();
 	bool IsCheckpointDue() const;
 	FCorvaneFileResult CheckSize();
-	FCorvaneFileResult CheckHash(const FString& File, const FCorvaneHashWish& Wish, FString& Hash) const;
+	FCorvaneFileResult CheckHash(const FString& File, const FCorvaneHashWish& Wish, FString& OutHash);
+	bool HashOf(const FString& File, ECorvaneHashKind Kind, FString& OutHash);
 	FCorvaneFileResult Replace(const FCorvaneFinishWish& Wish);
 	FCorvaneFileResult PutInPlace(const FDateTime& FileTime);
 	void LetGo();
@@ -112,5 +118,7 @@ private:
 	int64 Total = -1;
 	int64 Length = 0;
 	int64 VouchedLength = 0;
+	FCorvaneHashOnTheWay Hash;
+	FCorvaneEarlyFlush EarlyFlush;
 	FDateTime LastCheckpoint;
 };

@@ -37,16 +37,26 @@ FCorvaneFileResult FCorvanePartFile::CheckSize()
 	return bEndsThere ? Checkpoint() : CorvaneFileFaults::WriteFailed(PartName(), 0);
 }
 
-FCorvaneFileResult FCorvanePartFile::CheckHash(const FString& File, const FCorvaneHashWish& Wish, FString& Hash) const
+bool FCorvanePartFile::HashOf(const FString& File, ECorvaneHashKind Kind, FString& OutHash)
 {
-	if (Wish.Kind != ECorvaneHashKind::None && !CorvaneFileBlocks::HashAll(File, Wish.Kind, Hash))
+	if (!bWholeAlready && Hash.Covers(Kind, Length))
+	{
+		OutHash = Hash.Final();
+		return true;
+	}
+	return CorvaneFileBlocks::HashAll(File, Kind, OutHash);
+}
+
+FCorvaneFileResult FCorvanePartFile::CheckHash(const FString& File, const FCorvaneHashWish& Wish, FString& OutHash)
+{
+	if (Wish.Kind != ECorvaneHashKind::None && !HashOf(File, Wish.Kind, OutHash))
 	{
 		return CorvaneFileFaults::CannotRead(File);
 	}
-	return Wish.Expected.IsEmpty() || Wish.Expected.Equals(Hash, ESearchCase::CaseSensitive)
+	return Wish.Expected.IsEmpty() || Wish.Expected.Equals(OutHash, ESearchCase::CaseSensitive)
 			   ? FCorvaneFileResult()
 			   : CorvaneFileFaults::Failed(ECorvaneTransferOutcome::WrongHash,
-					 FString::Printf(TEXT("The hash of what came is %s, and %s was expected."), *Hash, *Wish.Expected));
+					 FString::Printf(TEXT("The hash of what came is %s, and %s was expected."), *OutHash, *Wish.Expected));
 }
 
 FCorvaneFileResult FCorvanePartFile::Replace(const FCorvaneFinishWish& Wish)
@@ -72,7 +82,7 @@ FCorvaneFileResult FCorvanePartFile::Replace(const FCorvaneFinishWish& Wish)
 
 FCorvaneFileResult FCorvanePartFile::PutInPlace(const FDateTime& FileTime)
 {
-	Part.Reset(); // not every system moves what is open
+	ClosePart(); // not every system moves what is open
 	if (FileTime.GetTicks() > FDateTime::MinValue().GetTicks())
 	{
 		FPlatformFileManager::Get().GetPlatformFile().SetTimeStamp(*PartName(), FileTime);

@@ -2,10 +2,10 @@
 
 #include "Containers/Queue.h"
 #include "CoreMinimal.h"
+#include "Corvane.h"
+#include "HAL/CriticalSection.h"
 #include "Templates/Function.h"
 #include "Templates/SharedPointer.h"
-
-#include <atomic>
 
 /**
  * Carries out steps one after another, in the order in which they come, on the engine's background threads: it has no thread
@@ -18,7 +18,9 @@ public:
 
 private:
 	void WorkOff();
+	bool Take(TUniqueFunction<void()>& Step);
 
-	TQueue<TUniqueFunction<void()>, EQueueMode::Mpsc> Steps;
-	std::atomic<int32> StepsLeft{0}; // whoever brings the first one asks for a thread
+	FCriticalSection Guard;
+	TQueue<TUniqueFunction<void()>> Steps CORVANE_GUARDED_BY(Guard);
+	bool bWorking CORVANE_GUARDED_BY(Guard) = false; // a thread is at them, or on its way
 };
