@@ -57,6 +57,14 @@ void FCorvaneDownloadRun::Post(TUniqueFunction<void(FCorvaneDownloadRun&)> Lette
 void FCorvaneDownloadRun::Start()
 {
 	CorvaneRunningTransfers::Add(AsShared());
+	Files->WhenWritingFails(
+		[Weak = TWeakPtr<FCorvaneDownloadRun>(AsShared())]
+		{
+			if (const TSharedPtr<FCorvaneDownloadRun> Self = Weak.Pin())
+			{
+				Self->Post([](FCorvaneDownloadRun& Run) { Run.Stop(); });
+			}
+		});
 	const bool bHashIsReadable = FCorvaneHashWish::Parse(Options.Hash, Hash);
 	const FCorvaneDownloadStep First =
 		Machine.Start(CorvaneDownloadRun::Now(), CorvaneDownload::FindFault(URL, Target, Options, bHashIsReadable));
