@@ -14,6 +14,7 @@
 #include "UObject/UObjectGlobals.h"
 #include "Waiting.h"
 
+#include <cstdlib>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <optional>
@@ -43,6 +44,15 @@ namespace
 						connection.send(answerOf(after, ranges, head));
 					}
 				});
+		}
+
+		/** Those under which the tests run once more; see CMakeLists.txt. */
+		static FGameLoopSettings conditions()
+		{
+			FGameLoopSettings settings;
+			settings.bCollectAfterEveryTick = std::getenv("CORVANE_TEST_COLLECT") != nullptr;
+			settings.http.bForceGameThreadCallbacks = std::getenv("CORVANE_TEST_GAME_THREAD") != nullptr;
+			return settings;
 		}
 
 		static FCorvaneDownloadOptions patient()
@@ -76,7 +86,7 @@ namespace
 		}
 
 		const TempDir folder;
-		FGameLoop loop;
+		FGameLoop loop{conditions()};
 		std::atomic<int> requestsSeen{0};
 		size_t expected = 0;
 		std::vector<FCorvaneTransferReport> reports;

@@ -117,5 +117,6 @@ void FCorvaneDownloadFiles::Note(const FCorvaneFileResult& Result)
 	{
 		Attempt.Result = Result;
 		Buffer.Close();
+		TellFailure();
 	}
 }

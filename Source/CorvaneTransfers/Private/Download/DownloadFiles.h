@@ -27,6 +27,9 @@ struct FCorvaneAttemptFiles
 class FCorvaneDownloadFiles : public TSharedFromThis<FCorvaneDownloadFiles>
 {
 public:
+	/** Is told when writing fails, on a background thread: the server need not go on. Set it before anything else. */
+	void WhenWritingFails(TUniqueFunction<void()> Tell) { TellFailure = MoveTemp(Tell); }
+
 	/** Tells whether a file stands there, and when it was changed (UTC). */
 	void Look(const FString& Target, TUniqueFunction<void(bool, FDateTime)> Tell);
 	void Open(const FString& Target, const FString& Address, bool bResume, ECorvaneHashKind HashKind,
@@ -58,6 +61,7 @@ private:
 	void Note(const FCorvaneFileResult& Result);
 
 	const TSharedRef<FCorvaneStrand> Strand = MakeShared<FCorvaneStrand>();
+	TUniqueFunction<void()> TellFailure;
 	FCorvaneByteBuffer Buffer;
 	std::atomic<int64> Brought{0};
 

@@ -58,6 +58,14 @@ void FCorvaneDownloadRun::Post(TUniqueFunction<void(FCorvaneDownloadRun&)> Lette
 void FCorvaneDownloadRun::Start()
 {
 	CorvaneRunningTransfers::Add(AsShared());
+	Files->WhenWritingFails(
+		[Weak = TWeakPtr<FCorvaneDownloadRun>(AsShared())]
+		{
+			if (const TSharedPtr<FCorvaneDownloadRun> Self = Weak.Pin())
+			{
+				Self->Post([](FCorvaneDownloadRun& Run) { Run.Stop(); });
+			}
+		});
 	const bool bHashIsReadable = FCorvaneHashWish::Parse(Options.Hash, Hash);
 	const FString WayFault = Route->FindFault();
 	const FCorvaneDownloadStep First = Machine.Start(
