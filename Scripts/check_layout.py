@@ -49,6 +49,7 @@ MODULE_ROOMS = {
     },
     "CorvaneTransfers": {
         "Download": ["Attempts", "Files", "Threads"],
+        "Events": ["Attempts", "Threads"],
         "Attempts": [],
         "Files": [],
         "Threads": [],
