@@ -51,6 +51,7 @@ INNER_ROOMS = {
     "Source/CorvaneTransfers/Private/": {
         "Download": ["Attempts", "Files", "Threads"],
         "Drive": ["Attempts"],
+        "Events": ["Attempts", "Threads"],
         "Attempts": [],
         "Files": ["Threads"],
         "Threads": [],

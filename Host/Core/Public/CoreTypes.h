@@ -35,6 +35,7 @@ enum
 constexpr int32 MAX_int32 = INT32_MAX;
 using SIZE_T = size_t;
 constexpr int64 MAX_int64 = INT64_MAX;
+constexpr uint32 MAX_uint32 = UINT32_MAX;
 
 /** Ends the program with the place of the fault: for faults of the program itself, never for bad input. */
 #define HOST_CHECK(expression) \

@@ -30,6 +30,10 @@ void FCorvaneExchange::Fill(const FCorvaneExchangeRequest& Asked, IHttpRequest& 
 	{
 		OutRequest.SetHeader(Header.Key, Header.Value);
 	}
+	if (!Asked.Body.IsEmpty())
+	{
+		OutRequest.SetContentAsString(Asked.Body);
+	}
 	OutRequest.SetHeader(TEXT("Accept-Encoding"), TEXT("identity"));
 	OutRequest.SetActivityTimeout(Asked.SilenceSeconds);
 	OutRequest.SetDelegateThreadPolicy(EHttpRequestDelegateThreadPolicy::CompleteOnHttpThread);

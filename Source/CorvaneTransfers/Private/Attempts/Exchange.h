@@ -34,6 +34,8 @@ struct FCorvaneExchangeRequest
 	FString Verb = TEXT("GET");
 	FString URL;
 	TMap<FString, FString> Headers;
+	/** Empty = none. One that is not needs a Content-Type among the headers. */
+	FString Body;
 	/** Seconds without a byte after which the exchange ends. */
 	float SilenceSeconds = 30;
 };

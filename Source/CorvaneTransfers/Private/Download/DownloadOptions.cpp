@@ -1,34 +1,10 @@
 #include "Download/DownloadOptions.h"
 
 #include "Attempts/Address.h"
+#include "Attempts/Headers.h"
 
 namespace CorvaneDownloadOptions
 {
-	static bool HasControl(const FString& Text)
-	{
-		for (int32 Index = 0; Index < Text.Len(); ++Index)
-		{
-			if (Text[Index] < TEXT(' ') || Text[Index] == 0x7F)
-			{
-				return true;
-			}
-		}
-		return false;
-	}
-
-	static bool IsToken(const FString& Name)
-	{
-		const FString Separators = TEXT(" \"(),/:;<=>?@[\\]{}");
-		for (int32 Index = 0; Index < Name.Len(); ++Index)
-		{
-			if (Name[Index] > TEXT('~') || Separators.Contains(Name.Mid(Index, 1), ESearchCase::CaseSensitive))
-			{
-				return false;
-			}
-		}
-		return !Name.IsEmpty() && !HasControl(Name);
-	}
-
 	static bool IsOwn(const FString& Name)
 	{
 		return Name == TEXT("Range") || Name == TEXT("If-Range") || Name == TEXT("If-Modified-Since") || Name == TEXT("Accept-Encoding");
@@ -38,7 +14,7 @@ namespace CorvaneDownloadOptions
 	{
 		for (const TPair<FString, FString>& Header : Headers)
 		{
-			if (!IsToken(Header.Key) || HasControl(Header.Value))
+			if (!CorvaneHeaders::IsName(Header.Key) || CorvaneHeaders::HasControl(Header.Value))
 			{
 				return TEXT("A header has a name or a value that cannot be sent: ") + Header.Key; // never the value, which may be a key
 			}
@@ -80,7 +56,7 @@ namespace CorvaneDownloadOptions
 
 	static FString FindTargetFault(const FString& Target)
 	{
-		if (Target.IsEmpty() || HasControl(Target))
+		if (Target.IsEmpty() || CorvaneHeaders::HasControl(Target))
 		{
 			return TEXT("There is no file to write to: its path is empty or has control characters.");
 		}

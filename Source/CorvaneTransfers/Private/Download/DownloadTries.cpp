@@ -1,6 +1,6 @@
 #include "Attempts/Address.h"
-#include "Attempts/HttpDate.h"
 #include "Attempts/RetryPolicy.h"
+#include "Attempts/TryEnd.h"
 #include "Download/DownloadMachine.h"
 #include "Download/Pace.h"
 
@@ -11,48 +11,9 @@ namespace CorvaneDownloadTries
 	/** A server whose file changes with every request is not asked for ever. */
 	static constexpr int32 MostRestarts = 3;
 
-	static ECorvaneTransferOutcome OutcomeOf(ECorvaneExchangeEnd End)
-	{
-		switch (End)
-		{
-		case ECorvaneExchangeEnd::NoConnection:
-			return ECorvaneTransferOutcome::NoConnection;
-		case ECorvaneExchangeEnd::TimedOut:
-			return ECorvaneTransferOutcome::TimedOut;
-		case ECorvaneExchangeEnd::Stalled:
-			return ECorvaneTransferOutcome::Stalled;
-		default:
-			return ECorvaneTransferOutcome::Dropped;
-		}
-	}
-
-	static FString ReasonOf(ECorvaneExchangeEnd End)
-	{
-		switch (End)
-		{
-		case ECorvaneExchangeEnd::NoConnection:
-			return TEXT("there is no connection to the server");
-		case ECorvaneExchangeEnd::TimedOut:
-			return TEXT("the request took too long");
-		case ECorvaneExchangeEnd::Stalled:
-			return TEXT("the server fell silent");
-		default:
-			return TEXT("the connection broke off");
-		}
-	}
-
 	static FString SentenceOf(const FString& Reason)
 	{
 		return TEXT("Not downloaded: ") + Reason + TEXT(".");
-	}
-
-	/** @return seconds that the server asks for; -1 = it does not. */
-	static double WaitAskedFor(const FCorvaneAttemptEnd& End)
-	{
-		const FCorvaneAnswer& Answer = End.Exchange.Answer;
-		const FDateTime ServerTime = CorvaneHttpDate::Parse(Answer.Date);
-		return Answer.IsSuccess() ? -1
-								  : CorvaneRetry::ParseRetryAfter(Answer.RetryAfter, ServerTime.GetTicks() > 0 ? ServerTime : End.NowUtc);
 	}
 } // namespace CorvaneDownloadTries
 
@@ -161,7 +122,8 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::FollowBody(double Now, const FCorv
 	}
 	if (Report.Restarts > MostRestarts && !bStopping)
 	{
-		const ECorvaneTransferOutcome Outcome = bChangedLast ? ECorvaneTransferOutcome::Changed : OutcomeOf(End.Exchange.End);
+		const ECorvaneTransferOutcome Outcome =
+			bChangedLast ? ECorvaneTransferOutcome::Changed : CorvaneTryEnd::OutcomeOf(End.Exchange.End);
 		return Fail(Now, Outcome, SentenceOf(Report.RestartReasons.Last()));
 	}
 	if (bBodyIsMissing || End.Exchange.End != ECorvaneExchangeEnd::Done)
@@ -188,7 +150,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::FollowBreak(double Now, const FCor
 	{
 		return GoOn(Now, 0); // paused, and maybe continued since
 	}
-	return Retry(Now, End, OutcomeOf(End.Exchange.End), ReasonOf(End.Exchange.End));
+	return Retry(Now, End, CorvaneTryEnd::OutcomeOf(End.Exchange.End), CorvaneTryEnd::ReasonOf(End.Exchange.End));
 }
 
 void FCorvaneDownloadMachine::NoteRestart(const FString& Reason)
@@ -214,7 +176,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::Retry(
 	{
 		return Fail(Now, Outcome, SentenceOf(Reason));
 	}
-	const double Asked = WaitAskedFor(End);
+	const double Asked = CorvaneTryEnd::WaitAskedFor(End.Exchange.Answer, End.NowUtc);
 	if (Asked > Options.LongestWaitSeconds)
 	{
 		return Fail(Now, Outcome,

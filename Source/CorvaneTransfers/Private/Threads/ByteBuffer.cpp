@@ -2,7 +2,7 @@
 
 #include "Misc/ScopeLock.h"
 
-bool FCorvaneByteBuffer::Put(const uint8* Bytes, int64 Number, bool& bFirst)
+bool FCorvaneByteBuffer::Put(const uint8* Bytes, int64 Number, bool& bFirst, uint32 Patience)
 {
 	for (;;)
 	{
@@ -19,7 +19,10 @@ bool FCorvaneByteBuffer::Put(const uint8* Bytes, int64 Number, bool& bFirst)
 				return true;
 			}
 		}
-		Taken->Wait();
+		if (!Taken->Wait(Patience))
+		{
+			return false;
+		}
 	}
 }
 
