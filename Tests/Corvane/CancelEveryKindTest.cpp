@@ -1,6 +1,6 @@
 #include "Calls.h"
-#include "Lab/Faults.h"
-#include "Lab/Files.h"
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Behaviours/Files.h"
 #include "Lab/Origin.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"

@@ -1,4 +1,4 @@
-#include "Lab/Faults.h"
+#include "Lab/Behaviours/Faults.h"
 #include "Lab/Origin.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Lab/Answers.h"
-#include "Lab/Faults.h"
-#include "Lab/Files.h"
+#include "Lab/Behaviours/Answers.h"
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Behaviours/Files.h"
 #include "Lab/Origin.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"

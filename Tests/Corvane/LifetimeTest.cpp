@@ -1,6 +1,6 @@
 #include "CorvaneRequestCompleteObject.h"
 #include "Host/Objects.h"
-#include "Lab/Faults.h"
+#include "Lab/Behaviours/Faults.h"
 #include "Lab/Origin.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"

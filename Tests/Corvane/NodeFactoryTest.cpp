@@ -1,5 +1,5 @@
 #include "Host/Objects.h"
-#include "Lab/Answers.h"
+#include "Lab/Behaviours/Answers.h"
 #include "NodeFixture.h"
 #include "UAsyncNodeHttpRequest.h"
 

@@ -1,7 +1,7 @@
 #include "NodeFixture.h"
 
 #include "Host/AsyncActionHold.h"
-#include "Lab/Files.h"
+#include "Lab/Behaviours/Files.h"
 #include "Listen.h"
 #include "UObject/Class.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Calls.h"
-#include "Lab/Faults.h"
+#include "Lab/Behaviours/Faults.h"
 #include "Lab/Origin.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"

@@ -1,9 +1,9 @@
 #include "FileKit.h"
 #include "Host/Objects.h"
-#include "Lab/Answers.h"
-#include "Lab/Faults.h"
+#include "Lab/Behaviours/Answers.h"
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Behaviours/Uploads.h"
 #include "Lab/Origin.h"
-#include "Lab/Uploads.h"
 #include "UploadFixture.h"
 
 #include <fstream>

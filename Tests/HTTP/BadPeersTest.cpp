@@ -1,6 +1,6 @@
 #include "HttpFixture.h"
-#include "Lab/Answers.h"
-#include "Lab/Faults.h"
+#include "Lab/Behaviours/Answers.h"
+#include "Lab/Behaviours/Faults.h"
 #include "Lab/Origin.h"
 
 namespace
