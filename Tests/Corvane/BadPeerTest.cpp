@@ -1,7 +1,9 @@
 #include "Calls.h"
+#include "Lab/Behaviours/Answers.h"
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Origin.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"
-#include "ServerKit.h"
 
 namespace
 {
@@ -10,18 +12,18 @@ namespace
 	struct BadPeer
 	{
 		const char* name;
-		RawServer::Script script;
+		Lab::Behaviour serve;
 		const char* result;
 	};
 
 	const BadPeer badPeers[] = {
-		{"closes at once", [](Connection&) {}, failure},
-		{"closes inside the body", saying("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhel"), failure},
-		{"breaks off its error", saying("HTTP/1.1 503 Busy\r\nContent-Length: 50\r\n\r\nbusy"), "503 busy"},
-		{"sends 103 first", saying("HTTP/1.1 103 Early\r\nX-A: 1\r\n\r\n" + answer(200, "ok")), "200 ok"},
-		{"sends no body", saying("HTTP/1.1 204 No Content\r\n\r\n"), "204 "},
-		{"redirects to a file", saying(answer(302, "moved", "Location: file:///etc/hostname\r\n")), failure},
-		{"is silent", [](Connection& connection) { connection.waitForPeer(); }, failure},
+		{"closes at once", Lab::drop(), failure},
+		{"closes inside the body", {{"hello", Lab::dropAfter(3)}}, failure},
+		{"breaks off its error", {{Lab::status({.code = 503, .text = "busy"}), Lab::length({.says = 50})}}, "503 busy"},
+		{"sends 103 first", Lab::raw("HTTP/1.1 103 Early\r\nX-A: 1\r\n\r\nHTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok"), "200 ok"},
+		{"sends no body", Lab::status({.code = 204}), "204 "},
+		{"redirects to a file", {{"moved", Lab::redirect({.to = "file:///etc/hostname"})}}, failure},
+		{"is silent", Lab::stall(), failure},
 	};
 
 	class BadPeers : public ModuleFixture
@@ -32,6 +34,7 @@ namespace
 		{
 		}
 
+		Lab::Origin origin;
 		LogCapture log;
 	};
 } // namespace
@@ -42,8 +45,7 @@ TEST_F(BadPeers, GiveOneClearResult)
 	{
 		for (const char* builder : {"CreateHttpRequestGET", "CreateHttpRequestPOST", "CreateHttpRequestIndividual"})
 		{
-			const RawServer server(peer.script);
-			const Pins pins{.url = text(server.url()), .header = {{"Content-Type", "text/plain"}}, .content = "body"};
+			const Pins pins{.url = text(origin.at("/", peer.serve).url()), .header = {{"Content-Type", "text/plain"}}, .content = "body"};
 			EXPECT_EQ(run(build(builder, pins)).brief(), peer.result) << builder << ": one that " << peer.name;
 		}
 	}
@@ -51,12 +53,9 @@ TEST_F(BadPeers, GiveOneClearResult)
 
 TEST_F(BadPeers, AddressesAndHeadersThatCannotBeSentFailLikeRequests)
 {
-	const int closedPort = RawServer([](Connection&) {}).port();
-	RawServer server(answering([](const std::string&) { return answer(200, "reached"); }));
-	const std::string fine = server.url();
-	const std::pair<std::string, const char*> unusable[] = {{"http://127.0.0.1:" + std::to_string(closedPort) + "/", "a"},
-		{"http://nothing.invalid/", "a"}, {"abc", "a"}, {fine + "\r\nX-Injected: 1", "a"}, {fine + '\0', "a"},
-		{fine, "a\r\nX-Injected: 1"}};
+	const std::string closed = Lab::Origin().url(), fine = origin.at("*", "reached").url();
+	const std::pair<std::string, const char*> unusable[] = {{closed, "a"}, {"http://nothing.invalid/", "a"}, {"abc", "a"},
+		{fine + "\r\nX-Injected: 1", "a"}, {fine + '\0', "a"}, {fine, "a\r\nX-Injected: 1"}};
 	for (const auto& [address, value] : unusable)
 	{
 		const Completion result = run(get(address, {{"X-Test", value}}, "id"));
@@ -64,5 +63,5 @@ TEST_F(BadPeers, AddressesAndHeadersThatCannotBeSentFailLikeRequests)
 		EXPECT_EQ(result.dataArray, std::vector<std::string>{"No Response"});
 		EXPECT_TRUE(result.header.empty());
 	}
-	EXPECT_EQ(server.connectionCount(), 0);
+	EXPECT_TRUE(origin.log().empty());
 }

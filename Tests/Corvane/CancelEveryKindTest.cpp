@@ -1,7 +1,9 @@
 #include "Calls.h"
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Behaviours/Files.h"
+#include "Lab/Origin.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"
-#include "RangeOrigin.h"
 #include "Runs/RunList.h"
 #include "TempDir.h"
 
@@ -13,7 +15,7 @@ namespace
 	struct Kind
 	{
 		const char* name;
-		int answers;
+		size_t answers;
 		const char* builder;
 	};
 
@@ -24,21 +26,25 @@ namespace
 		{"a file behind its page", 1, "CreateHttpRequestAnonfiles"}};
 
 	/** Serves so many answers in order, and to the next request none; every page leads back to it. */
-	struct Origin
+	class Origin : public Lab::Origin
 	{
-		const int answers;
-		Gate never = {};
-		Gate reached = {};
-		RangeOrigin origin{[this](Connection& connection, const RangeRequest& request)
-			{
-				if (request.number >= answers)
+	public:
+		explicit Origin(size_t answers)
+			: last(answers)
+		{
+			const std::string page = ";confirm=1&amp; <a id=\"download-url\" href=\"" + url() + "\"><img></a>";
+			at("*",
+				[=](const Lab::Request& request)
 				{
-					reached.open();
-					connection.waitFor(never);
-				}
-				const std::string page = ";confirm=1&amp; <a id=\"download-url\" href=\"" + origin.url("/") + "\"><img></a>";
-				connection.send(request.range.empty() ? answer(200, page) : rangedAnswer("some bytes", request));
-			}};
+					const Lab::Behaviour whole = request.header("Range").empty() ? Lab::Behaviour(page) : Lab::file("some bytes");
+					return request.number > answers ? Lab::stall() : whole;
+				});
+		}
+		/** Whether a request waits for ever. */
+		bool isReached() const { return log().size() > last; }
+
+	private:
+		const size_t last;
 	};
 
 	class CancelEveryKind : public ModuleFixture
@@ -46,8 +52,8 @@ namespace
 	protected:
 		void start(const Kind& kind, const Origin& server)
 		{
-			UCorvaneBPLibrary::setGoogleDriveBase(text(server.origin.url("")));
-			execute(build(kind.builder, {.url = text(server.origin.url()),
+			UCorvaneBPLibrary::setGoogleDriveBase(text(server.url("")));
+			execute(build(kind.builder, {.url = text(server.url()),
 											.downloadID = "file",
 											.filePathWithFileName = text(dir.path("target.bin")),
 											.optionalRequestID = "id"}));
@@ -60,15 +66,15 @@ namespace
 
 TEST_F(CancelEveryKind, ReachesARequestThatWaitsForItsFirstByteAndNoNewStartUnderItsId)
 {
-	const Origin honest{100};
+	const Origin honest(100);
 	for (const bool bStartsAgain : {false, true})
 	{
 		for (const Kind& kind : kinds)
 		{
 			SCOPED_TRACE(kind.name);
-			Origin stuck{kind.answers};
+			Origin stuck(kind.answers);
 			start(kind, stuck);
-			ASSERT_TRUE(until([&] { return stuck.reached.isOpen(); }));
+			ASSERT_TRUE(until([&] { return stuck.isReached(); }));
 			UCorvaneBPLibrary::cancelRequest("ID");
 			if (bStartsAgain)
 			{
@@ -94,7 +100,7 @@ TEST_F(CancelEveryKind, BetweenTwoStepsIsNotLostEvenWithoutATick)
 	{
 		for (const Kind& kind : kinds | std::views::filter([](const Kind& each) { return each.answers == 1; }))
 		{
-			Origin stuck{kind.answers};
+			Origin stuck(kind.answers);
 			start(kind, stuck);
 			ASSERT_TRUE(waitFor([&] { return !running.hasRuns(); })) << kind.name; // the first step is over, and the second is not begun
 			UCorvaneBPLibrary::cancelRequest("id");
@@ -104,7 +110,7 @@ TEST_F(CancelEveryKind, BetweenTwoStepsIsNotLostEvenWithoutATick)
 			}
 			drain();
 			EXPECT_EQ(takeResults().size(), bStartsAgain ? 2u : 1u) << kind.name;
-			EXPECT_FALSE(stuck.reached.isOpen()) << kind.name << " went on";
+			EXPECT_FALSE(stuck.isReached()) << kind.name << " went on";
 		}
 	}
 }

@@ -1,17 +1,17 @@
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Origin.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"
-#include "ServerKit.h"
 
 namespace
 {
 	class Cancel : public ModuleFixture
 	{
 	protected:
-		const std::string begun = "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n1";
+		Cancel() { origin.at("/stuck", "12", Lab::stall({.at = {.byte = 1}})).at("/good", "fine"); }
+
 		LogCapture log;
-		Gate never;
-		RawServer server{saying(begun, &never)};
-		RawServer good{answering([](const std::string&) { return answer(200, "fine"); })};
+		Lab::Origin origin;
 	};
 } // namespace
 
@@ -19,7 +19,7 @@ TEST_F(Cancel, MayComeRightBehindTheStart)
 {
 	for (int round = 0; round < 50; ++round)
 	{
-		execute(get(server.url(), {}, "soon"));
+		execute(get(origin.url("/stuck"), {}, "soon"));
 		UCorvaneBPLibrary::cancelRequest("soon");
 	}
 	drain();
@@ -30,11 +30,11 @@ TEST_F(Cancel, OfAnIdThatDoesNotRunChangesNothing)
 {
 	for (const char* round : {"an unknown ID", "a finished one"})
 	{
-		Gate end;
-		RawServer slow(saying(begun, &end, "2"));
+		Lab::Gate end;
+		origin.at("/slow", "12", Lab::hold(end, {.byte = 1}));
 		downloads.clear();
 		UCorvaneBPLibrary::cancelRequest("later");
-		execute(get(slow.url(), {}, "later"));
+		execute(get(origin.url("/slow"), {}, "later"));
 		// A mark that the start had left would cancel the request at its first progress, while it waits for the gate.
 		EXPECT_TRUE(until([this] { return !downloads.empty() || !UCorvaneBPLibrary::hasPendingWork(); }));
 		end.open();
@@ -51,26 +51,18 @@ TEST_F(Cancel, FromAProgressHandlerStopsTheRequest)
 			UCorvaneBPLibrary::cancelRequest("PROGRESS");
 			EXPECT_TRUE(completions.empty()) << "never inside the call";
 		});
-	execute(get(server.url(), {}, "progress"));
+	execute(get(origin.url("/stuck"), {}, "progress"));
 	drain();
 	EXPECT_EQ(takeResults(), std::vector<std::string>{"progress: 500 No Response"});
 }
 
 TEST_F(Cancel, AMarkFoundByTheWorkerCancelsARequestThatHasNoEntry)
 {
-	Gate more;
-	RawServer slow(
-		[&](Connection& connection)
-		{
-			connection.readHead();
-			connection.send("HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\nx");
-			connection.waitFor(more);
-			connection.send("y");
-			connection.waitFor(never);
-		});
-	execute(get(slow.url(), {}, "twice"));
+	Lab::Gate more;
+	origin.at("/slow", std::string(1000, 'x'), Lab::hold(more, {.byte = 1}), Lab::stall({.at = {.byte = 2}}));
+	execute(get(origin.url("/slow"), {}, "twice"));
 	ASSERT_TRUE(until([this] { return !downloads.empty(); }));
-	execute(get(good.url(), {}, "TWICE")); // takes the entry of the ID, and its completion removes it
+	execute(get(origin.url("/good"), {}, "TWICE")); // takes the entry of the ID, and its completion removes it
 	ASSERT_TRUE(waitForCompletions(1));
 
 	UCorvaneBPLibrary::cancelRequest("twice");
@@ -90,10 +82,10 @@ TEST_F(Cancel, HandlersMayStartCancelAndUnbindInsideAnEvent)
 		{
 			++calls;
 			event.RemoveHandler(handler);
-			execute(get(server.url(), {}, "inner"));
+			execute(get(origin.url("/stuck"), {}, "inner"));
 			UCorvaneBPLibrary::cancelRequest("inner");
 		});
-	execute(get(good.url(), {}, "outer"));
+	execute(get(origin.url("/good"), {}, "outer"));
 	ASSERT_TRUE(waitForCompletions(2));
 	drain();
 	EXPECT_EQ(calls, 1);

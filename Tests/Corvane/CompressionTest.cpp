@@ -10,18 +10,21 @@ namespace
 	class Compression : public DownloadFixture
 	{
 	protected:
-		RangeOrigin origin{[](Connection& connection, const RangeRequest& request)
-			{
-				const bool bPacks = request.head.find("gzip") != std::string::npos;
-				connection.send(bPacks ? rangedAnswer(packed, request, "Content-Encoding: gzip\r\n") : rangedAnswer(plain, request));
-			}};
+		Compression()
+		{
+			const Lab::Behaviour packs({Lab::file(packed), Lab::headers({{"Content-Encoding", "gzip"}})});
+			origin.at("/file", [packs](const Lab::Request& request)
+				{ return request.header("Accept-Encoding").find("gzip") == std::string::npos ? Lab::file(plain) : packs; });
+		}
+
+		Lab::Origin origin;
 		LogCapture log;
 	};
 } // namespace
 
 TEST_F(Compression, IsUnpackedWhereTheBodyIsToBeRead)
 {
-	const Completion result = run(get(origin.url()));
+	const Completion result = run(get(origin.url("/file")));
 	EXPECT_EQ(result.dataString, plain);
 	EXPECT_EQ(result.byteData, plain);
 }
@@ -33,16 +36,16 @@ TEST_F(Compression, IsRefusedWhereTheBytesOfAFileAreMeant)
 		for (const std::optional<std::string>& before : {std::optional<std::string>(), std::optional(plain.substr(0, 7))})
 		{
 			setTarget(before);
-			fetch({origin.url(), kind, Action::E_RESUME, "", "", {}, 9});
+			fetch({origin.url("/file"), kind, Action::E_RESUME, "", "", {}, 9});
 			EXPECT_EQ(target(), plain);
 		}
 	}
-	EXPECT_EQ(run(get(origin.url(), {{"Range", "bytes=7-11"}})).byteData, plain.substr(7, 5));
+	EXPECT_EQ(run(get(origin.url("/file"), {{"Range", "bytes=7-11"}})).byteData, plain.substr(7, 5));
 }
 
 TEST_F(Compression, IsTheScriptsToChoose)
 {
 	setTarget(std::nullopt);
-	EXPECT_EQ(fetch({origin.url(), DownloadKind::Whole, Action::E_RESUME, "", "", {{"accept-encoding", "gzip"}}}).statusCode, 200);
+	EXPECT_EQ(fetch({origin.url("/file"), DownloadKind::Whole, Action::E_RESUME, "", "", {{"accept-encoding", "gzip"}}}).statusCode, 200);
 	EXPECT_EQ(target(), plain) << "unpacked by the HTTP layer";
 }

@@ -1,5 +1,6 @@
 #include "DownloadFixture.h"
 #include "HttpModule.h"
+#include "RawServer.h"
 
 namespace
 {
@@ -8,25 +9,24 @@ namespace
 	class DownloadCancel : public DownloadFixture
 	{
 	protected:
+		DownloadCancel() { honest.at("/file", Lab::file(content)); }
+
 		/** Serves the file in twelve pieces; each waits until the test allows it. */
 		struct Pieces
 		{
-			explicit Pieces(size_t open = 0) { allow(open); }
-
-			std::vector<Gate> gates = std::vector<Gate>(12);
-			RangeOrigin origin{[this](Connection& connection, const RangeRequest& request)
+			explicit Pieces(size_t open = 0)
+			{
+				std::vector<Lab::Behaviour> serve{Lab::file(content), Lab::hold(gates[0])};
+				for (size_t piece = 1; piece < gates.size(); ++piece)
 				{
-					const std::string whole = rangedAnswer(content, request);
-					const size_t head = whole.size() - (content.size() - static_cast<size_t>(request.first));
-					size_t sent = 0;
-					for (size_t piece = 0; piece < gates.size(); ++piece)
-					{
-						const size_t end = head + (whole.size() - head) * (piece + 1) / gates.size();
-						connection.waitFor(gates[piece]);
-						connection.send(whole.substr(sent, end - sent));
-						sent = end;
-					}
-				}};
+					serve.push_back(Lab::hold(gates[piece], {.byte = 5000 * piece}));
+				}
+				origin.setPlace("/file", serve);
+				allow(open);
+			}
+
+			std::vector<Lab::Gate> gates = std::vector<Lab::Gate>(12);
+			Lab::Origin origin;
 
 			void allow(size_t pieces)
 			{
@@ -48,7 +48,7 @@ namespace
 		/** Starts a download of the pieces and waits until as many as are allowed have arrived. */
 		void start(const Pieces& server, size_t pieces, Action action = Action::E_RESUME)
 		{
-			execute(build({server.origin.url(), DownloadKind::Whole, action, "", "id"}));
+			execute(build({server.origin.url("/file"), DownloadKind::Whole, action, "", "id"}));
 			awaitBytes(5000 * pieces);
 		}
 
@@ -79,7 +79,7 @@ namespace
 			EXPECT_TRUE(content.starts_with(kept)) << atLeast;
 		}
 
-		RangeOrigin honest{serving(content)};
+		Lab::Origin honest;
 		LogCapture log;
 	};
 } // namespace
@@ -94,7 +94,7 @@ TEST_F(DownloadCancel, KeepsWhatArrivedAtAnyMomentAndAResumeFinishes)
 		cancel();
 		expectOneFailure();
 		expectStartOfFile(5000 * pieces);
-		EXPECT_EQ(fetch({honest.url()}).statusCode, pieces == 0 ? 200 : 206);
+		EXPECT_EQ(fetch({honest.url("/file")}).statusCode, pieces == 0 ? 200 : 206);
 		EXPECT_TRUE(target() == content) << "pieces: " << pieces;
 	}
 }
@@ -122,23 +122,22 @@ TEST_F(DownloadCancel, MayBeFollowedByANewStartInItsOwnEvent)
 		{
 			if (!std::exchange(bRestarted, true))
 			{
-				execute(build({honest.url()})); // the bytes are on disk by now
+				execute(build({honest.url("/file")})); // the bytes are on disk by now
 			}
 		});
 	start(server, 1);
 	cancel();
 	ASSERT_EQ(completions.size(), 2u);
 	EXPECT_EQ(completions[1].statusCode, 206);
-	EXPECT_EQ(honest.ranges(), std::vector<std::string>{"bytes=5000-"});
+	EXPECT_EQ(ranges(honest), std::vector<std::string>{"bytes=5000-"});
 	EXPECT_TRUE(target() == content);
 }
 
 TEST_F(DownloadCancel, OfASteppedOneOutlivesASecondStartOfItsRecord)
 {
 	Gate held, goOn;
-	RangeOrigin origin([](Connection& connection, const RangeRequest& request) { connection.send(rangedAnswer(content, request)); });
 	const FHttpRequestPtr other = FHttpModule::Get().CreateRequest(); // holds the HTTP thread, so that the cancel takes its time
-	other->SetURL(text(origin.url()));
+	other->SetURL(text(honest.url("/file")));
 	FHttpRequestStreamDelegateV2 bytes;
 	bytes.BindLambda(
 		[&](void*, int64&)
@@ -149,7 +148,7 @@ TEST_F(DownloadCancel, OfASteppedOneOutlivesASecondStartOfItsRecord)
 	other->SetResponseBodyReceiveStreamDelegateV2(MoveTemp(bytes));
 	other->ProcessRequest();
 	waitFor([&] { return held.isOpen(); });
-	const TArray<FhttpRequest> requests = build({origin.url(), DownloadKind::Stepped, Action::E_RESUME, "", "id", {}, 20000});
+	const TArray<FhttpRequest> requests = build({honest.url("/file"), DownloadKind::Stepped, Action::E_RESUME, "", "id", {}, 20000});
 	execute(requests);
 	UCorvaneBPLibrary::cancelRequest("id");
 	execute(requests); // refused, and no reason to go on
@@ -169,7 +168,7 @@ TEST_F(DownloadCancel, FollowedByAnOverwriteAtOnceNeverMixesTheTwo)
 		Pieces first(1);
 		start(first, 1, Action::E_OVERWRITE);
 		UCorvaneBPLibrary::cancelRequest("id");
-		execute(build({honest.url(), kind, Action::E_OVERWRITE, "", "second", {}, 20000}));
+		execute(build({honest.url("/file"), kind, Action::E_OVERWRITE, "", "second", {}, 20000}));
 		drain();
 		ASSERT_EQ(completions.size(), 2u);
 		const Completion& second = completions[completions[0].requestID == "second" ? 0 : 1];
@@ -185,7 +184,8 @@ TEST_F(DownloadCancel, TwoDownloadsOfOneTargetNeverMix)
 	{
 		reset();
 		Pieces first, second;
-		execute(build({second.origin.url(), DownloadKind::Whole, action}, build({first.origin.url(), DownloadKind::Whole, action})));
+		execute(build(
+			{second.origin.url("/file"), DownloadKind::Whole, action}, build({first.origin.url("/file"), DownloadKind::Whole, action})));
 		first.allow(12);
 		ASSERT_TRUE(waitForCompletions(1));
 		EXPECT_EQ(completions[0].statusCode, 500) << "the later one has taken the file over";
@@ -201,29 +201,22 @@ TEST_F(DownloadCancel, TwoDownloadsOfOneTargetNeverMix)
 TEST_F(DownloadCancel, OfASteppedDownloadKeepsWholeSteps)
 {
 	constexpr int32 step = 9999;
-	for (int number = 0; number < 7; ++number)
+	for (size_t number = 0; number < 7; ++number)
 	{
 		reset();
-		Gate reached, goOn;
-		RangeOrigin origin(
-			[&](Connection& connection, const RangeRequest& request)
-			{
-				const std::string whole = rangedAnswer(content, request);
-				connection.send(whole.substr(0, whole.size() - 1));
-				if (request.number == number)
-				{
-					reached.open();
-					connection.waitFor(goOn);
-				}
-				connection.send(whole.substr(whole.size() - 1));
-			});
-		execute(build({origin.url(), DownloadKind::Stepped, Action::E_RESUME, "", "id", {}, step}));
-		ASSERT_TRUE(loop.WaitFor([&] { return reached.isOpen(); }, patienceSeconds)) << "step " << number;
+		const size_t sent = number == 0 ? 0 : step; // the probe asks for one byte
+		std::vector<Lab::Behaviour> serve(number + 1, Lab::file(content));
+		serve.back() = {{Lab::file(content), Lab::stall({.at = {.byte = sent}})}};
+		Lab::Origin origin;
+		origin.at("/file", Lab::inTurn(serve));
+		execute(build({origin.url("/file"), DownloadKind::Stepped, Action::E_RESUME, "", "id", {}, step}));
+		const auto hasStopped = [&] { return origin.log().size() > number && origin.log().back().sentBytes > sent; };
+		ASSERT_TRUE(until(hasStopped)) << "step " << number;
 		cancel();
 		expectOneFailure();
-		const int steps = std::max(number - 1, 0);
-		EXPECT_TRUE(target().value_or("") == content.substr(0, static_cast<size_t>(steps * (step + 1)))) << "step " << number;
-		fetch({honest.url(), DownloadKind::Stepped, Action::E_RESUME, "", "id", {}, step});
+		const size_t steps = std::max<size_t>(number, 1) - 1;
+		EXPECT_TRUE(target().value_or("") == content.substr(0, steps * (step + 1))) << "step " << number;
+		fetch({honest.url("/file"), DownloadKind::Stepped, Action::E_RESUME, "", "id", {}, step});
 		EXPECT_TRUE(target() == content) << "step " << number;
 	}
 }

@@ -2,14 +2,19 @@
 
 #include <filesystem>
 
-RangeOrigin::Answer sending(std::string answer)
+Lab::Behaviour part(const std::string& range, const std::string& body)
 {
-	return [answer = std::move(answer)](Connection& connection, const RangeRequest&) { connection.send(answer); };
+	return Lab::Behaviour({Lab::text(body), Lab::status({.code = 206}), Lab::headers({{"Content-Range", range}})});
 }
 
-RangeOrigin::Answer serving(std::string content, std::string headers)
+std::vector<std::string> ranges(const Lab::Origin& origin)
 {
-	return [=](Connection& connection, const RangeRequest& request) { connection.send(rangedAnswer(content, request, headers)); };
+	std::vector<std::string> ranges;
+	for (const Lab::Exchange& exchange : origin.log())
+	{
+		ranges.emplace_back(exchange.request->header("Range"));
+	}
+	return ranges;
 }
 
 TArray<FhttpRequest> DownloadFixture::build(const Download& download, const TArray<FhttpRequest>& others)
@@ -34,7 +39,8 @@ void DownloadFixture::expectOutcome(const Fault& fault, DownloadKind kind)
 	const std::string name = std::string("a server that ") + fault.name + ", " + describe(fault.before) + " before";
 	setTarget(fault.before);
 	completions.clear();
-	RangeOrigin origin(fault.serve);
+	Lab::Origin origin;
+	origin.at("/file", fault.serve).at("/target", Lab::file(fault.after.value_or("")));
 	execute(build({origin.url("/file?secret#x"), kind, fault.action, "", "my-id"}));
 	drain();
 	ASSERT_EQ(completions.size(), 1u) << name;

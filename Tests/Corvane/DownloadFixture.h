@@ -1,8 +1,12 @@
 #pragma once
 
+#include "Lab/Behaviours/Answers.h"
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Behaviours/Files.h"
+#include "Lab/Origin.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"
-#include "RangeOrigin.h"
+#include "RandomBytes.h"
 #include "TempDir.h"
 
 #include <gmock/gmock.h>
@@ -17,10 +21,10 @@ enum class DownloadKind
 
 constexpr DownloadKind bothDownloadKinds[] = {DownloadKind::Whole, DownloadKind::Stepped};
 
-/** Answers every request with these bytes. */
-RangeOrigin::Answer sending(std::string answer);
-/** Serves a file as a server should. @param headers  lines with their line ends. */
-RangeOrigin::Answer serving(std::string content, std::string headers = "");
+/** A part, whatever was asked for. @param range  its Content-Range. */
+Lab::Behaviour part(const std::string& range, const std::string& body);
+/** @return the Range headers so far; empty ones when there was none. */
+std::vector<std::string> ranges(const Lab::Origin& origin);
 
 /** Downloads into a directory of their own. */
 class DownloadFixture : public ModuleFixture
@@ -41,11 +45,11 @@ protected:
 		EHTTPCorvFileUpload directory = EHTTPCorvFileUpload::E_ad;
 	};
 
-	/** What the server does, what is on disk, and what must come of it. */
+	/** What the server does, what is on disk, and what must come of it. A redirect to "/target" leads to this. */
 	struct Fault
 	{
 		const char* name;
-		RangeOrigin::Answer serve;
+		Lab::Behaviour serve;
 		Target before;
 		int32 statusCode;
 		Target after;

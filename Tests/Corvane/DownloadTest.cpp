@@ -10,33 +10,11 @@ namespace
 	const std::string content = randomBytes(5000);
 	const std::string prefix = content.substr(0, 1000);
 	const std::string foreign(1000, 'f');
-	const std::string page = "a page of the server";
 	const std::optional<std::string> absent;
 
-	RangeOrigin::Answer breakingOff(std::string answer, size_t missing)
+	Lab::Behaviour page(int code)
 	{
-		return [=](Connection& connection, const RangeRequest&) { sendWithoutEnd(connection, answer, missing); };
-	}
-
-	void redirect(Connection& connection, const RangeRequest& request)
-	{
-		const bool bArrived = targetOf(request.head) == "/target";
-		connection.send(bArrived ? rangedAnswer(content, request) : answer(302, page, "Location: /target\r\n"));
-	}
-
-	void fallSilent(Connection& connection, const RangeRequest&)
-	{
-		const std::string whole = answer(200, content);
-		connection.send(whole.substr(0, whole.size() - 4000));
-		connection.waitForPeer();
-	}
-
-	std::string chunked(int code, const std::string& headers, const std::string& body)
-	{
-		char size[16];
-		std::snprintf(size, sizeof size, "%zx\r\n", body.size());
-		return "HTTP/1.1 " + std::to_string(code) + " X\r\nTransfer-Encoding: chunked\r\n" + headers + "\r\n" + size + body +
-			   "\r\n0\r\n\r\n";
+		return Lab::status({.code = code, .text = "a page of the server"});
 	}
 
 	class Download : public DownloadFixture
@@ -61,11 +39,14 @@ namespace
 		const auto overwrite = Action::E_OVERWRITE;
 		const auto refuse = Action::E_NOT_OVERWRITE;
 		const std::string tail = content.substr(1000);
-		const auto honest = serving(content);
-		const auto removeDirectory = [=, this](Connection& connection, const RangeRequest& request)
+		const Lab::Behaviour honest = Lab::file(content);
+		const Lab::Behaviour whole = Lab::file(content, {.ranges = Lab::Ranges::Ignored});
+		const Lab::Behaviour empty = Lab::file("", {.ranges = Lab::Ranges::Ignored});
+		const Lab::Behaviour packed = Lab::headers({{"Content-Encoding", "gzip"}});
+		const Lab::Behaviour removeDirectory = [=, this](const Lab::Request&)
 		{
 			std::filesystem::remove_all(dir.path());
-			honest(connection, request);
+			return honest;
 		};
 		return {
 			{"honours ranges", honest, absent, 200, content},
@@ -74,45 +55,42 @@ namespace
 			{"honours ranges", honest, foreign, 400, foreign, refuse},
 			{"honours ranges", honest, absent, 200, content, refuse},
 			{"has no more than is on disk", honest, content, 416, content},
-			{"ignores the range", sending(answer(200, content)), prefix, 200, content},
-			{"sends another start", sending(partAnswer("bytes 0-4999/5000", content)), prefix, 500, prefix},
-			{"sends a later start", sending(partAnswer("bytes 1001-4999/5000", content.substr(1001))), prefix, 500, prefix},
-			{"sends a part unasked", sending(partAnswer("bytes 1000-4999/5000", tail)), absent, 500, absent},
-			{"tells no range", sending(answer(206, tail)), prefix, 500, prefix},
-			{"tells a total that is on disk", sending(partAnswer("bytes 0-999/1000", prefix)), prefix, 206, prefix},
-			{"tells a total below what is on disk", sending(partAnswer("bytes 0-99/100", content.substr(0, 100))), prefix, 500, prefix},
-			{"sends less than the rest", sending(partAnswer("bytes 1000-2999/5000", content.substr(1000, 2000))), prefix, 500,
-				content.substr(0, 3000)},
-			{"sends less than its range", sending(partAnswer("bytes 1000-4999/*", content.substr(1000, 2000))), prefix, 500,
-				content.substr(0, 3000)},
-			{"sends a beginning unasked", sending(partAnswer("bytes 0-999/5000", prefix)), absent, 500, prefix},
-			{"tells too small a total", sending(partAnswer("bytes 1000-4999/4000", tail)), prefix, 500, prefix},
-			{"knows no total", sending(partAnswer("bytes 1000-4999/*", tail)), prefix, 206, content},
-			{"sends more than its range", sending(chunked(206, "Content-Range: bytes 1000-1999/5000\r\n", tail)), prefix, 500, prefix},
-			{"sends more than announced", sending("HTTP/1.1 200 OK\r\nContent-Length: 4000\r\nConnection: close\r\n\r\n" + content), absent,
-				200, content.substr(0, 4000)},
-			{"is satisfied", sending(answer(416, page, "Content-Range: bytes */1000\r\n")), prefix, 416, prefix},
-			{"has lost the file's end", sending(answer(416, page)), prefix, 416, prefix},
-			{"forbids", sending(answer(403, page)), absent, 403, absent},
-			{"does not find", sending(answer(404, page)), prefix, 404, prefix},
-			{"fails", sending(answer(500, page)), prefix, 500, prefix},
-			{"is busy", sending(answer(503, page)), absent, 503, absent},
-			{"sends chunks", sending(chunked(200, "", content)), absent, 200, content},
-			{"says that it packs the body", sending(answer(200, content, "Content-Encoding: gzip\r\n")), absent, 500, absent},
-			{"has an empty file", sending(answer(200, "")), absent, 200, absent},
-			{"sends an empty part", sending(partAnswer("bytes 1000-4999/5000", "")), prefix, 500, prefix},
-			{"sends an empty part unasked", sending(partAnswer("bytes 0-4999/5000", "")), absent, 500, absent},
-			{"has become empty", sending(answer(200, "")), prefix, 500, prefix},
-			{"sends more than a part unasked", sending(partAnswer("bytes 0-999/5000", content)), absent, 500, absent},
-			{"has an empty file", sending(answer(200, "")), foreign, 200, absent, overwrite},
-			{"redirects", redirect, prefix, 206, content},
-			{"breaks off", breakingOff(answer(200, content), 3000), absent, 500, content.substr(0, 2000)},
-			{"breaks off chunks", breakingOff(chunked(200, "", content), 7), absent, 500, content},
-			{"breaks off the rest", breakingOff(partAnswer("bytes 1000-4999/5000", tail), 3000), prefix, 500, content.substr(0, 2000)},
-			{"breaks off a wrong part", breakingOff(partAnswer("bytes 0-4999/5000", content), 3000), prefix, 500, prefix},
-			{"breaks off the whole file after a part", breakingOff(answer(200, content), 3000), prefix, 500, prefix},
-			{"breaks off before the body", breakingOff(answer(200, content), 5000), absent, 500, absent},
-			{"falls silent", fallSilent, absent, 500, content.substr(0, 1000)},
+			{"ignores the range", whole, prefix, 200, content},
+			{"sends another start", part("bytes 0-4999/5000", content), prefix, 500, prefix},
+			{"sends a later start", Lab::file(content, {.ranges = Lab::Ranges::WrongStart}), prefix, 500, prefix},
+			{"sends a part unasked", part("bytes 1000-4999/5000", tail), absent, 500, absent},
+			{"tells no range", {{tail, Lab::status({.code = 206})}}, prefix, 500, prefix},
+			{"tells a total that is on disk", part("bytes 0-999/1000", prefix), prefix, 206, prefix},
+			{"tells a total below what is on disk", part("bytes 0-99/100", content.substr(0, 100)), prefix, 500, prefix},
+			{"sends less than the rest", part("bytes 1000-2999/5000", content.substr(1000, 2000)), prefix, 500, content.substr(0, 3000)},
+			{"sends less than its range", part("bytes 1000-4999/*", content.substr(1000, 2000)), prefix, 500, content.substr(0, 3000)},
+			{"sends a beginning unasked", part("bytes 0-999/5000", prefix), absent, 500, prefix},
+			{"tells too small a total", part("bytes 1000-4999/4000", tail), prefix, 500, prefix},
+			{"knows no total", Lab::file(content, {.ranges = Lab::Ranges::NoTotal}), prefix, 206, content},
+			{"sends more than its range", {{part("bytes 1000-1999/5000", tail), Lab::chunked()}}, prefix, 500, prefix},
+			{"sends more than announced", {{honest, Lab::length({.says = 4000})}}, absent, 200, content.substr(0, 4000)},
+			{"is satisfied", Lab::file(prefix), prefix, 416, prefix},
+			{"has lost the file's end", page(416), prefix, 416, prefix},
+			{"forbids", page(403), absent, 403, absent},
+			{"does not find", page(404), prefix, 404, prefix},
+			{"fails", page(500), prefix, 500, prefix},
+			{"is busy", page(503), absent, 503, absent},
+			{"sends chunks", {{honest, Lab::chunked()}}, absent, 200, content},
+			{"says that it packs the body", {{honest, packed}}, absent, 500, absent},
+			{"has an empty file", empty, absent, 200, absent},
+			{"sends an empty part", part("bytes 1000-4999/5000", ""), prefix, 500, prefix},
+			{"sends an empty part unasked", part("bytes 0-4999/5000", ""), absent, 500, absent},
+			{"has become empty", empty, prefix, 500, prefix},
+			{"sends more than a part unasked", part("bytes 0-999/5000", content), absent, 500, absent},
+			{"has an empty file", empty, foreign, 200, absent, overwrite},
+			{"redirects", {{"a page", Lab::redirect({.to = "/target"})}}, prefix, 206, content},
+			{"breaks off", {{honest, Lab::dropAfter(2000)}}, absent, 500, content.substr(0, 2000)},
+			{"breaks off chunks", {{honest, Lab::chunked({.fault = Lab::ChunkFault::NoEnd})}}, absent, 500, content},
+			{"breaks off the rest", {{honest, Lab::dropAfter(1000)}}, prefix, 500, content.substr(0, 2000)},
+			{"breaks off a wrong part", {{part("bytes 0-4999/5000", content), Lab::dropAfter(2000)}}, prefix, 500, prefix},
+			{"breaks off the whole file after a part", {{whole, Lab::dropAfter(2000)}}, prefix, 500, prefix},
+			{"breaks off before the body", {{honest, Lab::dropAfter(0)}}, absent, 500, absent},
+			{"falls silent", {{honest, Lab::stall({.at = {.byte = 1000}})}}, absent, 500, content.substr(0, 1000)},
 			{"removes the directory", removeDirectory, absent, 200, content},
 		};
 	}
@@ -134,8 +112,9 @@ TEST_F(Download, LeavesTheWholeFileATruePrefixOrWhatWasThere)
 TEST_F(Download, TellsTextAndLinesThatCameAndCountsWhatIsOnDisk)
 {
 	setTarget("begin,");
-	RangeOrigin origin(serving("begin,one\r\n\r\ntwo"));
-	const Completion result = fetch({origin.url()});
+	Lab::Origin origin;
+	origin.at("/file", Lab::file("begin,one\r\n\r\ntwo"));
+	const Completion result = fetch({origin.url("/file")});
 	EXPECT_EQ(result.dataString, "one\r\n\r\ntwo");
 	EXPECT_THAT(result.dataArray, ElementsAre("one", "two"));
 	EXPECT_THAT(result.header, testing::Contains("Content-Length: 10"));
@@ -148,11 +127,12 @@ TEST_F(Download, TellsTextAndLinesThatCameAndCountsWhatIsOnDisk)
 TEST_F(Download, IntoTheGameIsReadFromTheProjectsFolder)
 {
 	HostDirectories::Set(dir.path(), "/elsewhere");
-	RangeOrigin origin(serving(content));
+	Lab::Origin origin;
+	origin.at("/file", Lab::file(content));
 	for (const DownloadKind kind : bothDownloadKinds)
 	{
 		setTarget(foreign);
-		fetch({origin.url(), kind, Action::E_OVERWRITE, "target.bin", "", {}, 9999, EHTTPCorvFileUpload::E_gd});
+		fetch({origin.url("/file"), kind, Action::E_OVERWRITE, "target.bin", "", {}, 9999, EHTTPCorvFileUpload::E_gd});
 		EXPECT_TRUE(target() == content);
 	}
 }
@@ -167,11 +147,11 @@ TEST_F(Download, OfAPartOfOnesOwnChoiceIsWrittenWhereItFollows)
 		for (const size_t missing : {0u, 50u})
 		{
 			const LogCapture log;
-			RangeOrigin origin([&](Connection& connection, const RangeRequest& request)
-				{ sendWithoutEnd(connection, rangedAnswer(content, request), missing); });
+			Lab::Origin origin;
+			origin.at("/file", Lab::file(content), Lab::dropAfter(100 - missing));
 			setTarget(before);
 			const TArray<FhttpRequest> requests =
-				build({origin.url(), DownloadKind::Whole, Action::E_OVERWRITE, "", "", {{"Range", "bytes=100-199"}}});
+				build({origin.url("/file"), DownloadKind::Whole, Action::E_OVERWRITE, "", "", {{"Range", "bytes=100-199"}}});
 			setTarget(before); // as if it had come in between: only then is it there and no resume
 			const bool bFollows = before != after;
 			EXPECT_EQ(run(requests).statusCode, missing == 0 && bFollows ? 206 : 500);
@@ -183,41 +163,30 @@ TEST_F(Download, OfAPartOfOnesOwnChoiceIsWrittenWhereItFollows)
 
 TEST_F(Download, ThatIsResumedNeverMixesTwoVersions)
 {
-	const std::string second = randomBytes(6000, 2);
-	const auto versioned = [&](const std::string& whole, const std::string& name, size_t missing)
+	const std::string second = randomBytes(6000, 2), start = content.substr(0, 2000);
+	const Lab::FileChange change{Lab::bytesContent(second), 1};
+	for (const bool bTagged : {true, false})
 	{
-		return [=](Connection& connection, const RangeRequest& request)
-		{
-			RangeRequest asked = request;
-			const size_t at = request.head.find("\r\nIf-Range: ");
-			if (at != std::string::npos && request.head.substr(at + 12, name.size()) != name)
-			{
-				asked.range.clear();
-			}
-			const std::string header = (name[0] == '"' ? "ETag: " : "Last-Modified: ") + name + "\r\n";
-			sendWithoutEnd(connection, rangedAnswer(whole, asked, header), missing);
-		};
-	};
-	const std::pair<std::string, std::string> versions[] = {
-		{"\"one\"", "\"two\""}, {"Sat, 21 Nov 2026 10:00:00 GMT", "Sun, 22 Nov 2026 10:00:00 GMT"}};
-	for (const auto& [before, after] : versions)
-	{
+		const Lab::FileOptions told{.validator = bTagged ? Lab::Validator::Strong : Lab::Validator::None, .tellsTime = !bTagged};
+		Lab::FileOptions toldOfSecond = told;
+		toldOfSecond.change = change;
+		Lab::Origin origin;
+		origin.at("/first", Lab::file(content, told), Lab::dropAfter(2000));
+		origin.at("/same", Lab::file(content, told)).at("/changed", Lab::file(content, toldOfSecond));
 		for (const DownloadKind kind : bothDownloadKinds)
 		{
 			const LogCapture log;
-			const std::string start = content.substr(0, 2000);
-			RangeOrigin first(versioned(content, before, 3000)), changed(versioned(second, after, 0)), same(versioned(content, before, 0));
 			const bool bWhole = kind == DownloadKind::Whole;
-			for (const auto& [next, code, result, bFullDisk] : {std::tuple(&changed, bWhole ? 200 : 500, bWhole ? second : start, false),
-					 {&same, 206, content, false}, {&changed, bWhole ? 200 : 500, bWhole ? second : start, true}})
+			for (const auto& [next, code, result, bFullDisk] : {std::tuple("/changed", bWhole ? 200 : 500, bWhole ? second : start, false),
+					 {"/same", 206, content, false}, {"/changed", bWhole ? 200 : 500, bWhole ? second : start, true}})
 			{
 				setTarget(absent);
 				{
 					const FileSizeLimit limit(bFullDisk ? start.size() : 1 << 20);
-					fetch({bFullDisk ? same.url() : first.url()});
+					fetch({origin.url(bFullDisk ? "/same" : "/first")});
 				}
 				EXPECT_TRUE(target() == start);
-				EXPECT_EQ(fetch({next->url(), kind, Action::E_RESUME, "", "", {}, 100000}).statusCode, code);
+				EXPECT_EQ(fetch({origin.url(next), kind, Action::E_RESUME, "", "", {}, 100000}).statusCode, code);
 				EXPECT_EQ(describe(target()), describe(result));
 			}
 		}
@@ -226,15 +195,16 @@ TEST_F(Download, ThatIsResumedNeverMixesTwoVersions)
 
 TEST_F(Download, KnowsNoVersionOfNoBytes)
 {
-	setTarget(content.substr(0, 1000));
-	RangeOrigin whole(sending(answer(200, content, "ETag: \"one\"\r\n"))), other(serving(content, "ETag: \"two\"\r\n"));
+	setTarget(prefix);
+	Lab::Origin origin;
+	origin.at("/whole", Lab::file(foreign + content, {.ranges = Lab::Ranges::Ignored})).at("/other", Lab::file(content));
 	{
 		const FileSizeLimit limit(0);
 		const LogCapture log;
-		EXPECT_EQ(fetch({whole.url()}).statusCode, 500);
+		EXPECT_EQ(fetch({origin.url("/whole")}).statusCode, 500);
 	}
 	EXPECT_EQ(target(), "");
-	EXPECT_EQ(fetch({other.url(), DownloadKind::Stepped, Action::E_OVERWRITE}).statusCode, 206);
+	EXPECT_EQ(fetch({origin.url("/other"), DownloadKind::Stepped, Action::E_OVERWRITE}).statusCode, 206);
 	EXPECT_TRUE(target() == content);
 }
 
@@ -268,18 +238,19 @@ TEST_F(Download, IsRefusedByItsBuilder)
 
 TEST_F(Download, SaysWhenItCannotWrite)
 {
-	RangeOrigin origin(serving(content));
+	Lab::Origin origin;
+	origin.at("/file", Lab::file(content));
 	for (const DownloadKind kind : bothDownloadKinds)
 	{
 		for (const std::string& path : {dir.path(), std::string("/dev/full")}) // a directory, and a disk without room
 		{
 			const LogCapture log;
-			const Completion result = fetch({origin.url(), kind, Action::E_RESUME, path});
+			const Completion result = fetch({origin.url("/file"), kind, Action::E_RESUME, path});
 			EXPECT_EQ(result.statusCode, 500) << path;
 			EXPECT_EQ(result.dataString, "No Response") << path;
 			EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "File Download: Can't write into " + path), 1) << path;
 			EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, path + " is not complete: "), 1) << path;
-			EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "Request " + result.requestID + ", " + origin.url()), 1) << path;
+			EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "Request " + result.requestID + ", " + origin.url("/file")), 1) << path;
 		}
 	}
 }
@@ -290,8 +261,9 @@ TEST_F(LargeDownload, LeavesATextTooLargeToReadEmpty)
 {
 	const LogCapture log;
 	const std::string large((64 << 20) + 1, 'x');
-	RangeOrigin origin(serving(large));
-	const Completion result = fetch({origin.url()});
+	Lab::Origin origin;
+	origin.at("/file", Lab::file(large));
+	const Completion result = fetch({origin.url("/file")});
 	EXPECT_EQ(result.statusCode, 200);
 	EXPECT_TRUE(result.dataString.empty() && result.dataArray.empty());
 	EXPECT_TRUE(target() == large);
@@ -300,16 +272,9 @@ TEST_F(LargeDownload, LeavesATextTooLargeToReadEmpty)
 
 TEST_F(Download, AFloodOfSmallBlocksIsOneEventWithoutATick)
 {
-	RangeOrigin origin(
-		[&](Connection& connection, const RangeRequest&)
-		{
-			connection.send("HTTP/1.1 200 OK\r\nContent-Length: 26214400\r\n\r\n");
-			for (size_t number = 0; number < 25600; ++number)
-			{
-				connection.send(std::string(1024, 'x'));
-			}
-		});
-	execute(build({origin.url()}));
+	Lab::Origin origin;
+	origin.at("/file", Lab::file(std::string(26214400, 'x')), Lab::pieces({1024}));
+	execute(build({origin.url("/file")}));
 	ASSERT_TRUE(waitFor([] { return !UCorvaneBPLibrary::getCorvaneTarget()->runList().hasRuns(); }));
 	drain();
 	ASSERT_EQ(downloads.size(), 1u) << "while the game stood still, later progress took the place of earlier";

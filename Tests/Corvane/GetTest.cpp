@@ -1,7 +1,10 @@
+#include "Lab/Behaviours/Answers.h"
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Origin.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"
+#include "RawServer.h"
 #include "Runs/Result.h"
-#include "ServerKit.h"
 
 #include <gmock/gmock.h>
 
@@ -57,7 +60,8 @@ TEST_F(Get, BringsOneEventWithTheAnswerAsTextLinesAndBytes)
 	};
 	for (const Case& c : cases)
 	{
-		RawServer server(saying(answer(c.code, c.body, "X-Test: yes\r\n")));
+		Lab::Origin server;
+		server.at("/", Lab::status({.code = c.code, .text = c.body}), Lab::headers({{"X-Test", "yes"}}));
 		const Completion result = run(get(server.url(), {}, "my id"));
 		EXPECT_EQ(result.brief(), std::to_string(c.code) + ' ' + c.text);
 		EXPECT_EQ(result.byteData, c.body);
@@ -87,11 +91,11 @@ TEST_F(Get, BringsNoLinesWhereThereAreTooMany)
 TEST_F(Get, ReportsProgressAgainstTheAnnouncedLengthOrOneByte)
 {
 	const std::string megabyte(1 << 20, 'x');
-	const std::pair<std::string, float> cases[] = {
-		{answer(200, megabyte), 100.0f}, {"HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" + megabyte, 100.0f * (1 << 20)}};
-	for (const auto& [reply, percent] : cases)
+	for (const bool bAnnounced : {true, false})
 	{
-		RawServer origin(saying(reply));
+		Lab::Origin origin;
+		origin.at("/", megabyte, Lab::length({.isMissing = !bAnnounced}));
+		const float percent = bAnnounced ? 100.0f : 100.0f * (1 << 20);
 		EXPECT_TRUE(run(get(origin.url(), {}, "progress")).byteData == megabyte);
 		ASSERT_FALSE(downloads.empty());
 		EXPECT_FLOAT_EQ(downloads.back().size * downloads.back().percentDownload, 100.0f);

@@ -1,8 +1,9 @@
 #include "CorvaneRequestCompleteObject.h"
 #include "Host/Objects.h"
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Origin.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"
-#include "ServerKit.h"
 
 #include <filesystem>
 #include <fstream>
@@ -12,12 +13,13 @@ namespace
 	class Lifetime : public ModuleFixture
 	{
 	protected:
+		Lifetime() { origin.at("/quick", "hello").at("/slow", "late", Lab::hold(gate)); }
+
 		int errors(const char* part) const { return log.count("LogTemp", ELogVerbosity::Error, part); }
 
 		LogCapture log;
-		Gate gate;
-		RawServer server{answering([](const std::string&) { return answer(200, "hello"); })};
-		RawServer slow{saying("", &gate, answer(200, "late"))};
+		Lab::Gate gate;
+		Lab::Origin origin;
 	};
 
 	using Results = std::vector<std::string>;
@@ -40,8 +42,8 @@ namespace
 TEST_F(Lifetime, ARecordHoldsItsObjectUntilItHasRunOrIsThrownAway)
 {
 	const size_t before = HostObjects::NumObjects();
-	get(server.url());
-	TArray<FhttpRequest> kept = get(server.url());
+	get(origin.url("/quick"));
+	TArray<FhttpRequest> kept = get(origin.url("/quick"));
 	loop.CollectGarbage();
 	EXPECT_EQ(HostObjects::NumObjects(), before + 1);
 	EXPECT_EQ(run(std::move(kept)).statusCode, 200);
@@ -54,10 +56,10 @@ TEST_F(Lifetime, ARequestThatWaitsForItsServerNeedsNobodyToHoldItAndNoThread)
 	const size_t before = numWorkers();
 	for (size_t number = 0; number < requests; ++number)
 	{
-		execute(get(slow.url(), {}, "id"));
+		execute(get(origin.url("/slow"), {}, "id"));
 	}
 	loop.CollectGarbage();
-	ASSERT_TRUE(until([&] { return slow.requests().size() == requests; }));
+	ASSERT_TRUE(until([&] { return origin.log().size() == requests; }));
 	EXPECT_EQ(numWorkers(), before);
 	gate.open();
 	drain();
@@ -66,7 +68,7 @@ TEST_F(Lifetime, ARequestThatWaitsForItsServerNeedsNobodyToHoldItAndNoThread)
 
 TEST_F(Lifetime, ARecordMayBeExecutedAgainFromItsOwnHandler)
 {
-	const TArray<FhttpRequest> requests = get(server.url(), {}, "again");
+	const TArray<FhttpRequest> requests = get(origin.url("/quick"), {}, "again");
 	constexpr size_t manyRounds = 300; // the worker of the run before is at times still on its way out
 	size_t rounds = 0;
 	library().onhttpRequestCompleteDelegate.AddHandler(
@@ -86,7 +88,7 @@ TEST_F(Lifetime, ARecordMayBeExecutedAgainFromItsOwnHandler)
 TEST_F(Lifetime, RunsOfOneObjectFollowEachOtherWithoutAGap)
 {
 	// The test stands in for dispatcher and HTTP module: each run starts while the one before is on its way out.
-	const TArray<FhttpRequest> requests = get(server.url());
+	const TArray<FhttpRequest> requests = get(origin.url("/quick"));
 	UCorvaneRequestCompleteObject* object = requests[0].requestCompleteObject();
 	for (size_t round = 1; round <= 3000; ++round)
 	{
@@ -106,20 +108,20 @@ TEST_F(Lifetime, RunsOfOneObjectFollowEachOtherWithoutAGap)
 
 TEST_F(Lifetime, ARecordThatCannotBeStartedTouchesNoOther)
 {
-	TArray<FhttpRequest> requests = get(slow.url(), {}, "running");
+	TArray<FhttpRequest> requests = get(origin.url("/slow"), {}, "running");
 	requests.Append(TArray<FhttpRequest>(requests));
 	requests.Add(FhttpRequest());
 	for (const int type : {10, 255})
 	{
-		requests.Append(get(server.url(), {}, "unknown"));
+		requests.Append(get(origin.url("/quick"), {}, "unknown"));
 		requests.Last().requestType = static_cast<EHTTPCorvRequestType>(type);
 	}
-	requests.Append(get(server.url(), {}, "last"));
+	requests.Append(get(origin.url("/quick"), {}, "last"));
 	execute(requests);
 	gate.open();
 	drain();
 	EXPECT_EQ(takeResults(), (Results{"last: 200 hello", "running: 200 late", "unknown: 400 ", "unknown: 400 "}));
-	EXPECT_EQ(slow.requests().size() + server.requests().size(), 2u);
+	EXPECT_EQ(origin.log().size(), 2u);
 	EXPECT_EQ(errors("still running"), 1);
 	EXPECT_EQ(errors(missing), 1);
 	EXPECT_EQ(errors("There are no requests of type"), 2);
@@ -128,14 +130,14 @@ TEST_F(Lifetime, ARecordThatCannotBeStartedTouchesNoOther)
 
 TEST_F(Lifetime, ARecordIsStartedWithItsOwnLibraryWhicheverIsTheLatest)
 {
-	const TArray<FhttpRequest> ofFirst = get(server.url(), {}, "first");
+	const TArray<FhttpRequest> ofFirst = get(origin.url("/quick"), {}, "first");
 	TStrongObjectPtr<UCorvaneBPLibrary> second(NewObject<UCorvaneBPLibrary>());
 	ASSERT_EQ(UCorvaneBPLibrary::getCorvaneTarget(), second.Get());
-	const TArray<FhttpRequest> ofSecond = get(server.url(), {}, "second");
+	const TArray<FhttpRequest> ofSecond = get(origin.url("/quick"), {}, "second");
 	EXPECT_EQ(run(ofFirst).statusCode, 200) << "the event of the first, and the loop waits for it";
 
 	TArray<FhttpRequest> unanswered = ofFirst;
-	unanswered[0].url = text(slow.url());
+	unanswered[0].url = text(origin.url("/slow"));
 	execute(unanswered);
 	UCorvaneBPLibrary::cancelRequest("first");
 	drain();

@@ -1,4 +1,5 @@
 #include "Host/Objects.h"
+#include "Lab/Behaviours/Answers.h"
 #include "NodeFixture.h"
 #include "UAsyncNodeHttpRequest.h"
 
@@ -53,7 +54,8 @@ TEST_P(NodeFactory, SendsWhatItsBuilderSendsAndSucceeds)
 
 TEST_P(NodeFactory, FailsWithTheServersCodeOrWhenItsFileIsMissing)
 {
-	RawServer refusing(answering([](const std::string&) { return answer(403, "not you"); }));
+	Lab::Origin refusing;
+	refusing.at("*", Lab::status({.code = 403, .text = "not you"}));
 	Pins given = pins(origin);
 	given.url = text(refusing.url());
 	given.filePath = given.content = text(dir.path("missing"));
@@ -86,7 +88,7 @@ TEST_P(NodeFactory, TellsARefusalInsideTheCall)
 	EXPECT_EQ(outcomes.empty() ? "" : outcomes[0].brief() + outcomes[0].requestID(), bTellsLater ? "OnFail 400Refused" : "");
 	EXPECT_EQ(completions.size() + fileInfos.size(), bTellsLater ? 0u : 1u);
 	EXPECT_TRUE(hasEnded(*node));
-	EXPECT_EQ(origin.begun(), 0u);
+	EXPECT_EQ(origin.log().size(), 0u);
 	EXPECT_EQ(log.lines().size(), 1u) << "the refusal itself";
 }
 

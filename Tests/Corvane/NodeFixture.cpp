@@ -1,6 +1,7 @@
 #include "NodeFixture.h"
 
 #include "Host/AsyncActionHold.h"
+#include "Lab/Behaviours/Files.h"
 #include "Listen.h"
 #include "UObject/Class.h"
 
@@ -29,26 +30,15 @@ namespace
 		return all;
 	}
 
-	size_t contentLength(const std::string& head)
-	{
-		const size_t place = head.find("\r\nContent-Length: ");
-		return place == head.npos ? 0 : std::stoul(head.substr(place + 18));
-	}
-
 	/** A Drive file of 1.5 MB. */
 	constexpr const char* driveView =
 		"viewer({itemJson:[\"id\",\"level.pak\",null,null,null,null,null,null,null,null,null,null,null,null,null,null,null,null,null,null,"
 		"null,null,null,null,null,null,null,\"1572864\"]});";
 
-	std::string answerFor(const RangeRequest& request)
+	Lab::Behaviour driveFile(const Lab::Request& request)
 	{
-		const std::string target = targetOf(request.head);
-		if (target.starts_with("/file/d/"))
-		{
-			return answer(200, driveView);
-		}
-		const bool bPage = target.starts_with("/uc") && target.find("confirm") == target.npos;
-		return bPage ? answer(200, "<a href=\"/uc;confirm=t0k3n&x\">") : rangedAnswer("0123456789", request);
+		const bool bConfirmed = request.target.find("confirm") != std::string::npos;
+		return bConfirmed ? Lab::file("0123456789") : Lab::Behaviour("<a href=\"/uc;confirm=t0k3n&x\">");
 	}
 
 	/** Replaces the number after each occurrence of a mark. @return whether there was any. */
@@ -66,35 +56,24 @@ namespace
 	}
 } // namespace
 
-NodeOrigin::NodeOrigin(Gate* inGate)
-	: gate(inGate)
-	, origin([this](Connection& connection, const RangeRequest& request) { serve(connection, request); })
+NodeOrigin::NodeOrigin(const Lab::Behaviour& also)
 {
-}
-
-void NodeOrigin::serve(Connection& connection, const RangeRequest& request)
-{
-	std::string whole = request.head + connection.read(contentLength(request.head));
-	// The token of a form that is put together in memory is made of the time, and the length tells its digits.
-	if (replaceNumbers(whole, "UE4CorvanePlugin_"))
-	{
-		replaceNumbers(whole, "Content-Length: ");
-	}
-	if (gate)
-	{
-		connection.waitFor(*gate);
-	}
-	{
-		const std::scoped_lock lock(mutex);
-		received.push_back(whole);
-	}
-	connection.send(answerFor(request));
+	at("/file/d/*", Lab::Behaviour(driveView), also).at("/uc*", Lab::Behaviour(driveFile), also).at("*", Lab::file("0123456789"), also);
 }
 
 std::vector<std::string> NodeOrigin::takeRequests()
 {
-	const std::scoped_lock lock(mutex);
-	return std::exchange(received, {});
+	std::vector<std::string> all;
+	for (const std::vector<Lab::Exchange> exchanges = log(); taken < exchanges.size(); ++taken)
+	{
+		std::string& whole = all.emplace_back(exchanges[taken].request->head + exchanges[taken].request->body);
+		// The token of a form that is put together in memory is made of the time, and the length tells its digits.
+		if (replaceNumbers(whole, "UE4CorvanePlugin_"))
+		{
+			replaceNumbers(whole, "Content-Length: ");
+		}
+	}
+	return all;
 }
 
 NodeFixture::NodeFixture()
@@ -106,10 +85,10 @@ NodeFixture::NodeFixture()
 
 Pins NodeFixture::pins(const NodeOrigin& origin) const
 {
-	UCorvaneBPLibrary::setGoogleDriveBase(origin.url(""));
+	UCorvaneBPLibrary::setGoogleDriveBase(text(origin.url("")));
 	const FString file = text(dir.write("upload.txt", "to be sent"));
 	// Two entries each, so that their order shows. The path is the content of an individual text as well.
-	return {.url = origin.url(),
+	return {.url = text(origin.url("/file")),
 		.downloadID = "level",
 		.header = {{"Content-Type", "text/x-own"}, {"X-Two", "2"}},
 		.content = file,

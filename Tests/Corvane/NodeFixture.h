@@ -1,14 +1,14 @@
 #pragma once
 
 #include "Calls.h"
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Origin.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"
-#include "RangeOrigin.h"
 #include "TempDir.h"
 #include "UAsyncNodeCorv.h"
 
 #include <map>
-#include <mutex>
 
 /** What one of a node's outputs said: every pin by its name, lists with their entries after each other. */
 struct Outcome
@@ -38,28 +38,18 @@ struct NodeKind
 extern const std::vector<NodeKind> nodeKinds;
 const NodeKind& nodeKind(std::string_view name);
 
-/** Answers what all kinds of nodes ask for, and keeps the requests. */
-class NodeOrigin
+/** Answers what all kinds of nodes ask for. */
+class NodeOrigin : public Lab::Origin
 {
 public:
-	/** @param gate  every answer waits for it, when given. Outlives this object. */
-	explicit NodeOrigin(Gate* gate = nullptr);
+	/** @param also  happens to every answer. */
+	explicit NodeOrigin(const Lab::Behaviour& also = Lab::headers({}));
 
-	FString url(std::string_view path = "/file") const { return text(origin.url(path)); }
-	/**
-	 * Heads with their bodies since the last call, in the order in which they ended; what differs from one form to the next is
-	 * taken out.
-	 */
+	/** Heads with their bodies since the last call, in order; what differs from one form to the next is taken out. */
 	std::vector<std::string> takeRequests();
-	size_t begun() const { return origin.ranges().size(); }
 
 private:
-	void serve(Connection& connection, const RangeRequest& request);
-
-	Gate* const gate;
-	std::mutex mutex;
-	std::vector<std::string> received;
-	RangeOrigin origin; // last: its threads use all of the above
+	size_t taken = 0;
 };
 
 /** Nodes as a graph uses them; every outcome is recorded. */

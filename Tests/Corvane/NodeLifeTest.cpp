@@ -1,6 +1,5 @@
 #include "Host/Objects.h"
 #include "NodeFixture.h"
-#include "ServerKit.h"
 #include "UAsyncNodeHttpRequest.h"
 #include "UObject/UObjectGlobals.h"
 
@@ -24,12 +23,12 @@ TEST_P(NodeLife, TwoOfOneIdHaveTheirOwnOutcomes)
 {
 	for (const bool bCancels : {true, false})
 	{
-		Gate own;
-		NodeOrigin origin(&own);
+		Lab::Gate own;
+		NodeOrigin origin(Lab::hold(own));
 		outcomes.clear();
 		const size_t before = HostObjects::NumObjects();
 		const UAsyncNodeCorv& earlier = startHeld(make(origin, "Same"));
-		ASSERT_TRUE(until([&] { return origin.begun() == 1; }));
+		ASSERT_TRUE(until([&] { return origin.running() == 1; }));
 		for (int times = 0; bCancels && times < 2; ++times)
 		{
 			UCorvaneBPLibrary::cancelRequest("same");
@@ -71,8 +70,8 @@ TEST_P(NodeLife, CollectionSparesARootedNodeAndSendsOthersResultsToTheEvent)
 		{
 			continue; // no answer, or not the last, gets on its way without a tick
 		}
-		Gate own;
-		NodeOrigin origin(&own);
+		Lab::Gate own;
+		NodeOrigin origin(Lab::hold(own));
 		outcomes.clear();
 		completions.clear();
 		start(make(origin, "Collected"));
@@ -116,7 +115,8 @@ INSTANTIATE_TEST_SUITE_P(Kinds, NodeLife, testing::Values("Get", "Download", "Go
 TEST_F(Nodes, LeaveNoBodyBehind)
 {
 	constexpr size_t bodySize = 4 << 20;
-	RawServer server(saying(answer(200, std::string(bodySize, 'x'))));
+	Lab::Origin server;
+	server.at("/", std::string(bodySize, 'x'));
 	const auto inUse = [] { return mallinfo2().uordblks + mallinfo2().hblkhd; };
 	const size_t before = inUse();
 	for (int number = 0; number < 16; ++number)
@@ -143,7 +143,8 @@ TEST_F(Nodes, AResultOfAnotherKindDoesNotReachThem)
 
 TEST_F(Nodes, GetTheResultOfTheRequestThatBeganWithThem)
 {
-	RawServer server(answering([](const std::string&) { return answer(200, "hello"); }));
+	Lab::Origin server;
+	server.at("/", "hello");
 	UAsyncNodeCorv* nodes[2];
 	const std::map<char, std::function<void()>> steps = {{'1', [&] { library().registerUAsyncNodeHttpRequest("id", nodes[0]); }},
 		{'2', [&] { library().registerUAsyncNodeHttpRequest("id", nodes[1]); }},

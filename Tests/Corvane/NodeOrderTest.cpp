@@ -18,7 +18,7 @@ namespace
 			std::get<1>(GetParam()) ? startHeld(node) : start(node);
 		}
 
-		void letAnswerComeWithoutATick(Gate& gate)
+		void letAnswerComeWithoutATick(Lab::Gate& gate)
 		{
 			gate.open();
 			// Not far when the game thread has to call it back.
@@ -28,7 +28,7 @@ namespace
 			}
 		}
 
-		void run(const std::string& order, FGameLoop& game, const NodeOrigin& origin, Gate& gate)
+		void run(const std::string& order, FGameLoop& game, const NodeOrigin& origin, Lab::Gate& gate)
 		{
 			const std::map<char, std::function<void()>> steps = {{'a', [&] { letAnswerComeWithoutATick(gate); }},
 				{'c', [] { UCorvaneBPLibrary::cancelRequest("Node"); }}, {'g', [&] { game.CollectGarbage(); }},
@@ -53,8 +53,8 @@ TEST_P(NodeOrder, BringsExactlyOneResultInEveryOrder)
 	std::string order = allSteps;
 	do
 	{
-		Gate gate;
-		const NodeOrigin origin(&gate);
+		Lab::Gate gate;
+		const NodeOrigin origin(Lab::hold(gate));
 		run(order, loop, origin, gate);
 		drain();
 		EXPECT_EQ(countResults(), 1u) << order;
@@ -76,8 +76,8 @@ TEST_P(NodeOrder, TheProgramMayEndBetweenAnyTwoSteps)
 	} while (std::next_permutation(order.begin(), order.end()));
 	for (const std::string& steps : beginnings)
 	{
-		Gate gate;
-		const NodeOrigin origin(&gate);
+		Lab::Gate gate;
+		const NodeOrigin origin(Lab::hold(gate));
 		FGameLoop game;
 		record(library());
 		run(steps, game, origin, gate);

@@ -1,6 +1,8 @@
+#include "Lab/Behaviours/Answers.h"
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Origin.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"
-#include "RawServer.h"
 
 #include <gmock/gmock.h>
 
@@ -46,32 +48,27 @@ namespace
 			return requests;
 		}
 
-		static std::vector<std::string> targets(const RawServer& server)
+		std::vector<std::string> targets() const
 		{
 			std::vector<std::string> result;
-			for (const std::string& head : server.requests())
+			for (const Lab::Exchange& exchange : origin.log())
 			{
-				result.push_back(targetOf(head));
+				result.push_back(exchange.request->target);
 			}
 			return result;
 		}
 
+		Lab::Origin origin;
 		TArray<FhttpRequest> requests;
 		FString requestID;
 		std::vector<std::string> infos; // file name, size, code, download ID and request ID
 		LogCapture log;
 	};
 
-	RawServer::Script serving(std::string body)
-	{
-		return answering([page = answer(200, body)](const std::string&) { return page; });
-	}
-
 	/** The confirmation page first, the file to whoever confirms. */
-	RawServer::Script confirming()
+	Lab::Behaviour confirming(const std::string& file)
 	{
-		return answering(
-			[](const std::string& head) { return answer(200, head.find("confirm=ab12") == head.npos ? confirmPage : "the file"); });
+		return [file](const Lab::Request& request) { return request.parameter("confirm") == "ab12" ? file : confirmPage; };
 	}
 
 	std::string link(const std::string& address)
@@ -82,29 +79,30 @@ namespace
 
 TEST_F(Pages, ADriveFileIsFetchedBehindItsConfirmation)
 {
-	RawServer server(confirming());
-	EXPECT_EQ(run(drive(server.url() /* ends with a slash */, "a b")).statusCode, 500) << "a blank cannot be sent";
+	origin.at("/uc", confirming("the file"));
+	EXPECT_EQ(run(drive(origin.url() /* ends with a slash */, "a b")).statusCode, 500) << "a blank cannot be sent";
 	for (int round = 0; round < 50; ++round)
 	{
 		downloads.clear();
-		const Completion result = run(drive(server.url(), "file", 8));
+		const Completion result = run(drive(origin.url(), "file", 8));
 		EXPECT_EQ(result.requestID + std::to_string(result.statusCode) + result.byteData, "id200the file");
 		ASSERT_FALSE(downloads.empty()) << "a short file is reported, too; round " << round;
 		EXPECT_EQ(downloads.back().percentDownload, 100);
 	}
-	EXPECT_EQ(targets(server)[0], "/uc?id=file&export=download");
-	EXPECT_EQ(targets(server)[1], "/uc?id=file&export=download&confirm=ab12");
+	EXPECT_EQ(targets()[0], "/uc?id=file&export=download");
+	EXPECT_EQ(targets()[1], "/uc?id=file&export=download&confirm=ab12");
 }
 
 TEST_F(Pages, ADriveFileWithoutConfirmationIsTheFirstAnswer)
 {
 	for (const std::string body : {"small file", "x;confirm=token-without-end", ""})
 	{
-		RawServer server(serving(body));
+		Lab::Origin server;
+		server.at("*", body);
 		const Completion result = run(drive(server.url()));
 		EXPECT_EQ(result.statusCode, 200);
 		EXPECT_EQ(result.byteData, body);
-		EXPECT_EQ(server.requests().size(), 1u);
+		EXPECT_EQ(server.log().size(), 1u);
 	}
 }
 
@@ -113,18 +111,9 @@ TEST_F(Pages, ProgressOfADriveFileIsThatOfTheFileAgainstItsKnownSize)
 	for (const auto& [given, expected] : {std::pair(4000, 4000.0f), {0, 2097152.0f}}) // given, or as the page shows it
 	{
 		downloads.clear();
-		Gate half;
-		RawServer server(
-			[&](Connection& connection)
-			{
-				connection.readHead();
-				connection.send(answer(200, confirmPage));
-				connection.readHead();
-				connection.send("HTTP/1.1 200 OK\r\nContent-Length: 2000\r\n\r\n" + std::string(1000, 'x'));
-				connection.waitFor(half);
-				connection.send(std::string(1000, 'x'));
-			});
-		execute(drive(server.url(), "file", given));
+		Lab::Gate half;
+		origin.at("/uc", confirming(std::string(2000, 'x')), Lab::hold(half, {.byte = 1000}));
+		execute(drive(origin.url(), "file", given));
 		ASSERT_TRUE(loop.WaitFor([this] { return !downloads.empty(); }, patienceSeconds));
 		EXPECT_FLOAT_EQ(downloads[0].size, expected * 9.536743e-7f);
 		EXPECT_FLOAT_EQ(downloads[0].percentDownload, 100 * (1000 / expected));
@@ -140,24 +129,20 @@ TEST_F(Pages, FileInformationOrTheCodeForAPageThatCannotBeRead)
 	{
 		fields += ",0";
 	}
-	const std::pair<std::string, const char*> cases[] = {
-		{answer(200, fields + ",\"77\"]"), "level.pak 77 200 file id"}, {answer(404, fields + ",\"77\"]"), "level.pak 77 404 file id"},
-		{answer(200, "a page"), " 0 452 file id"}, {answer(404, "not found"), " 0 452 file id"}, {"", " 0 500 file id"}, // hangs up
-	};
+	fields += ",\"77\"]";
+	const std::pair<Lab::Behaviour, const char*> cases[] = {{fields, "level.pak 77 200 file id"},
+		{{{fields, Lab::status({.code = 404})}}, "level.pak 77 404 file id"}, {"a page", " 0 452 file id"},
+		{Lab::status({.code = 404, .text = "not found"}), " 0 452 file id"}, {Lab::drop(), " 0 500 file id"}};
 	for (const auto& [page, info] : cases)
 	{
 		infos.clear();
-		RawServer server(
-			[&](Connection& connection)
-			{
-				connection.readHead();
-				connection.send(page);
-			});
+		Lab::Origin server;
+		server.at("/file/d/file/view", page);
 		execute(driveInfo(server.url()));
 		drain();
 		EXPECT_THAT(infos, ElementsAre(info));
 		EXPECT_TRUE(completions.empty()) << "the other event stays silent";
-		EXPECT_THAT(targets(server), ElementsAre("/file/d/file/view"));
+		EXPECT_EQ(server.log().size(), 1u);
 	}
 }
 
@@ -174,7 +159,8 @@ TEST_F(Pages, AreRefusedWithoutAnAddress)
 
 TEST_F(Pages, AFilePageLeadsToItsFileOrToOneClearFailure)
 {
-	RawServer file(serving("the file"));
+	Lab::Origin file;
+	file.at("/f", "the file");
 	const std::string tooLarge = std::string(4 << 20, '<') + link(file.url("/f"));
 	const std::tuple<const char*, std::string, int32, std::string> cases[] = {
 		{"a link", link(file.url("/f")), 200, "the file"},
@@ -190,21 +176,21 @@ TEST_F(Pages, AFilePageLeadsToItsFileOrToOneClearFailure)
 	};
 	for (const auto& [name, content, code, body] : cases)
 	{
-		RawServer page(serving(content));
+		Lab::Origin page;
+		page.at("/", content);
 		const Completion result = run(filePage(page.url()));
 		EXPECT_EQ(result.requestID + std::to_string(result.statusCode), "id" + std::to_string(code)) << name;
 		EXPECT_TRUE(result.byteData == body) << name;
-		EXPECT_EQ(page.requests().size(), 1u) << name;
+		EXPECT_EQ(page.log().size(), 1u) << name;
 	}
 }
 
 TEST_F(Pages, ALinkToThePageItselfIsFollowedOnce)
 {
-	std::string self;
-	RawServer page(answering([&](const std::string&) { return answer(200, link(self)); }));
-	self = page.url("/again");
-	EXPECT_EQ(run(filePage(page.url())).byteData, link(self));
-	EXPECT_EQ(page.requests().size(), 2u);
+	const std::string page = link(origin.url("/again"));
+	origin.at("*", page);
+	EXPECT_EQ(run(filePage(origin.url())).byteData, page);
+	EXPECT_EQ(origin.log().size(), 2u);
 }
 
 TEST_F(Pages, ACancelBetweenTheStepsIsKeptForThisRunOnly)
@@ -212,35 +198,25 @@ TEST_F(Pages, ACancelBetweenTheStepsIsKeptForThisRunOnly)
 	for (int round = 0; round < 20; ++round)
 	{
 		completions.clear();
-		Gate page;
-		RawServer server(
-			[&](Connection& connection)
-			{
-				for (;;)
-				{
-					const bool bConfirmed = connection.readHead().find("confirm=ab12") != std::string::npos;
-					const std::string whole = answer(200, bConfirmed ? "the file" : confirmPage);
-					connection.send(whole.substr(0, 40));
-					connection.waitFor(page);
-					connection.send(whole.substr(40));
-				}
-			});
+		Lab::Gate page;
+		Lab::Origin server;
+		server.at("/uc", confirming("the file"), Lab::hold(page, {.byte = 1}));
 		execute(drive(server.url()));
-		ASSERT_TRUE(loop.WaitFor([&] { return !server.requests().empty(); }, patienceSeconds));
+		ASSERT_TRUE(loop.WaitFor([&] { return !server.log().empty(); }, patienceSeconds));
 		UCorvaneBPLibrary::cancelRequest("id");
 		page.open();
 		drain();
 		ASSERT_EQ(completions.size(), 1u);
 		EXPECT_EQ(completions[0].statusCode, 500);
-		EXPECT_EQ(server.requests().size(), 1u) << "the second step was not started";
+		EXPECT_EQ(server.log().size(), 1u) << "the second step was not started";
 		EXPECT_EQ(run(requests).byteData, "the file");
 	}
 }
 
 TEST_F(Pages, ARecordMayBeExecutedAgainFromItsOwnHandler)
 {
-	RawServer server(serving("small file"));
-	drive(server.url());
+	origin.at("/uc", "small file");
+	drive(origin.url());
 	int left = 50;
 	UCorvaneBPLibrary::getCorvaneTarget()->onhttpRequestCompleteDelegate.AddHandler(
 		[&](void* const*)

@@ -1,25 +1,30 @@
 #include "Calls.h"
+#include "Lab/Behaviours/Answers.h"
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Origin.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"
-#include "ServerKit.h"
 
 namespace
 {
-	const std::string streamHead = "HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\nConnection: close\r\n\r\n";
+	const Lab::Behaviour untilClose = Lab::length({.isMissing = true});
+	const Lab::Behaviour breaksOff = Lab::length({.says = 9});
 
 	struct Stream
 	{
+		int code;
+		Lab::Behaviour ending;
 		std::string first, second; // bytes of the server; between them the first event arrives
 		std::string events; // with a bar between them
 		std::string result;
 	};
 
 	const Stream streams[] = {
-		{streamHead + "data: one\n\n", "data: two\n\n", "data: one\n\n|data: two\n\n", "200 data: one\n\ndata: two\n\n"},
-		{streamHead + "caf\xC3", "\xA9!", "caf\uFFFD|\uFFFD!", "200 caf\u00e9!"}, // cut in a character
-		{answer(429, "slow down"), "", "slow down", "429 slow down"},
-		{"HTTP/1.1 429 X\r\nContent-Length: 9\r\n\r\nslow dow", "", "slow dow", "429 slow dow"},
-		{"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\ndata", "", "data", "500 No Response"},
+		{200, untilClose, "data: one\n\n", "data: two\n\n", "data: one\n\n|data: two\n\n", "200 data: one\n\ndata: two\n\n"},
+		{200, untilClose, "caf\xC3", "\xA9!", "caf\uFFFD|\uFFFD!", "200 caf\u00e9!"}, // cut in a character
+		{429, Lab::closing(), "slow down", "", "slow down", "429 slow down"},
+		{429, breaksOff, "slow dow", "", "slow dow", "429 slow dow"},
+		{200, breaksOff, "data", "", "data", "500 No Response"},
 	};
 
 	class ServerSendEvents : public ModuleFixture
@@ -42,6 +47,7 @@ namespace
 			return all;
 		}
 
+		Lab::Origin origin;
 		LogCapture log;
 	};
 } // namespace
@@ -50,8 +56,9 @@ TEST_F(ServerSendEvents, ComeInPiecesAndWithoutProgress)
 {
 	for (const Stream& stream : streams)
 	{
-		Gate next;
-		RawServer origin(saying(stream.first, &next, stream.second));
+		Lab::Gate next;
+		origin.at("/", Lab::status({.code = stream.code, .text = stream.first + stream.second}), stream.ending,
+			Lab::hold(next, {.byte = stream.first.size()}));
 		execute(get(origin.url(), {}, "sse", true));
 		ASSERT_TRUE(until([this] { return !serverSendEvents.empty(); })) << stream.result;
 		next.open();
@@ -64,22 +71,15 @@ TEST_F(ServerSendEvents, ComeInPiecesAndWithoutProgress)
 
 TEST_F(ServerSendEvents, OfARedirectAreThoseOfItsTargetAndSilenceIsAFailure)
 {
-	Gate never;
-	const std::string away = answer(302, "data: a body longer than that of the target\n\n", "Location: /target\r\n");
-	RawServer origin(
-		[&](Connection& connection)
-		{
-			connection.readHead();
-			connection.send(away);
-			saying(streamHead + "data: target\n\n", &never)(connection);
-		});
+	origin.at("/", "data: a body longer than that of the target\n\n", Lab::redirect({.to = "/target"}));
+	origin.at("/target", "data: target\n\n", untilClose, Lab::stall({.at = {.byte = 14}}));
 	EXPECT_EQ(run(get(origin.url(), {}, "sse", true)).brief(), "500 No Response");
 	EXPECT_EQ(takePieces(), "data: target\n\n");
 }
 
 TEST_F(ServerSendEvents, OfAPostAndOfARecordExecutedAgainBeginWithTheFirstByte)
 {
-	RawServer origin(answering([](const std::string&) { return answer(200, "data: one\n\n"); }));
+	origin.at("/", "data: one\n\n");
 	const TArray<FhttpRequest> records = build("CreateHttpRequestPOST", {.otherHttpRequests = get(origin.url(), {}, "sse", true),
 																			.url = text(origin.url()),
 																			.bindServerSendEvent = true,
@@ -94,15 +94,7 @@ TEST_F(ServerSendEvents, OfAPostAndOfARecordExecutedAgainBeginWithTheFirstByte)
 
 TEST_F(ServerSendEvents, OfAnEndlessStreamEndWithACancel)
 {
-	RawServer origin(
-		[](Connection& connection)
-		{
-			connection.readHead();
-			for (connection.send(streamHead);;)
-			{
-				connection.send("data: again\n\n"); // ends when the client hangs up
-			}
-		});
+	origin.at("/", Lab::events({.number = 0}));
 	execute(get(origin.url(), {}, "sse", true));
 	ASSERT_TRUE(until([this] { return serverSendEvents.size() >= 3; }));
 	UCorvaneBPLibrary::cancelRequest("sse");
@@ -117,16 +109,12 @@ TEST_F(ServerSendEvents, BringEachByteOnceAndInOrderWhileTheBodyGrows)
 	{
 		body += "data: " + std::to_string(number * number) + "\n\n";
 	}
-	RawServer origin(
-		[&](Connection& connection)
-		{
-			connection.readHead();
-			connection.send(streamHead);
-			for (size_t sent = 0, piece = 1; sent < body.size(); sent += piece, piece = piece % 4000 + 37)
-			{
-				connection.send(body.substr(sent, piece));
-			}
-		});
+	std::vector<size_t> sizes;
+	for (size_t sent = 0, piece = 1; sent < body.size(); sent += piece, piece = piece % 4000 + 37)
+	{
+		sizes.push_back(piece);
+	}
+	origin.at("/", body, untilClose, Lab::pieces(sizes));
 	const Completion result = run(get(origin.url(), {}, "sse", true));
 	EXPECT_TRUE(takePieces() == body);
 	EXPECT_TRUE(result.brief() == "200 " + body && result.byteData == body);

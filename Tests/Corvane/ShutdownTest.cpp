@@ -1,13 +1,16 @@
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Origin.h"
 #include "LogCapture.h"
 #include "Misc/CoreDelegates.h"
 #include "ModuleFixture.h"
-#include "ServerKit.h"
 
 namespace
 {
 	class EndOfProgram : public ModuleFixture
 	{
 	protected:
+		EndOfProgram() { silent.at("/", Lab::stall()); }
+
 		/** Starts so many requests that are never answered. */
 		void startUnanswered(int number)
 		{
@@ -15,13 +18,12 @@ namespace
 			{
 				execute(get(silent.url()));
 			}
-			ASSERT_TRUE(waitFor([&] { return silent.connectionCount() == number; }));
+			ASSERT_TRUE(waitFor([&] { return silent.running() == number; }));
 		}
 		int errors(const char* part) const { return log.count("LogTemp", ELogVerbosity::Error, part); }
 
 		LogCapture log;
-		Gate never;
-		RawServer silent{saying("", &never)};
+		Lab::Origin silent;
 	};
 } // namespace
 

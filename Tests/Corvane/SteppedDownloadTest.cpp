@@ -10,30 +10,26 @@ namespace
 	constexpr const char* noRanges = "File Download: Server does not suport download range or wrong url. Cancel Download";
 	constexpr const char* nothingLeft = "File Download: File size equal to or larger than on the server. Cancel Download";
 	constexpr const char* aborted = "Something's went wrong. download is aborted ";
-	constexpr const char* version = "ETag: \"one\"\r\nLast-Modified: today\r\n";
 
 	/** Serves the file, but for the answer to one request. Number 0 asks for the size. */
-	RangeOrigin::Answer except(int number, RangeOrigin::Answer special)
+	Lab::Behaviour except(size_t number, const Lab::Behaviour& special)
 	{
-		return [number, special = std::move(special), usual = serving(content, version)](Connection& connection,
-				   const RangeRequest& request) { (request.number == number ? special : usual)(connection, request); };
+		std::vector<Lab::Behaviour> all(number + 2, Lab::file(content));
+		all[number] = special;
+		return Lab::inTurn(all);
 	}
 
-	RangeOrigin::Answer part(const char* range, const std::string& body)
+	/** A part of this version of the file, whatever was asked for. */
+	Lab::Behaviour partOf(const char* range, const std::string& body)
 	{
-		return sending(partAnswer(range, body, version));
+		return Lab::Behaviour({Lab::file(content), part(range, body)});
 	}
 
 	/** Ends when the client hangs up. */
-	RangeOrigin::Answer endless(std::string head)
+	Lab::Behaviour endless(int code, const char* range)
 	{
-		return [head = "HTTP/1.1 " + head + "\r\n\r\n"](Connection& connection, const RangeRequest&)
-		{
-			for (connection.send(head);;)
-			{
-				connection.send(std::string(500, 'x'));
-			}
-		};
+		const auto more = [](const Lab::Request&, Lab::Plan& plan) { plan.content = Lab::repeatedContent("x"); };
+		return Lab::Behaviour({part(range, ""), Lab::status({.code = code}), Lab::Behaviour(more), Lab::length({.isMissing = true})});
 	}
 
 	class SteppedDownload : public DownloadFixture
@@ -44,21 +40,18 @@ namespace
 
 	std::vector<SteppedDownload::Fault> SteppedDownload::faults() const
 	{
-		const auto honest = serving(content, version);
+		const Lab::Behaviour honest = Lab::file(content);
+		const Lab::Behaviour whole = Lab::file(content, {.ranges = Lab::Ranges::Ignored});
+		const Lab::Behaviour noTotal = Lab::file(content, {.ranges = Lab::Ranges::NoTotal});
 		const std::string step = content.substr(0, 1001);
 		const std::string second = content.substr(1001, 1001);
-		const std::string other = randomBytes(2500, 2);
-		const auto whole = sending(answer(200, content));
-		const auto reset = [](Connection& connection, const RangeRequest&) { connection.reset(); };
-		const auto breakOff = [](Connection& connection, const RangeRequest& request)
-		{ sendWithoutEnd(connection, rangedAnswer(content, request, version), 500); };
-		const auto removeDirectory = [=, this](Connection& connection, const RangeRequest& request)
+		const Lab::Behaviour removeDirectory = [=, this](const Lab::Request&)
 		{
 			std::filesystem::remove_all(dir.path());
-			honest(connection, request);
+			return honest;
 		};
-		const auto anew = [](const char* name, const RangeOrigin::Answer& serve, int32 code, const Target& after,
-							  const char* message = nullptr) {
+		const auto anew = [](const char* name, const Lab::Behaviour& serve, int32 code, const Target& after, const char* message = nullptr)
+		{
 			return Fault{name, serve, absent, code, after, Action::E_RESUME, message};
 		};
 		return {
@@ -68,31 +61,29 @@ namespace
 			{"serves ranges", honest, absent, 206, content, Action::E_NOT_OVERWRITE},
 			{"serves ranges", honest, content, 500, content, Action::E_RESUME, nothingLeft},
 			anew("ignores the probe's range", except(0, whole), 500, absent, noRanges),
-			anew("knows no total", except(0, part("bytes 0-0/*", "x")), 500, absent, noRanges),
-			anew("tells a total of 0", except(0, part("bytes 0-0/0", "x")), 500, absent, noRanges),
-			anew("has an empty file", except(0, sending(answer(416, "", "Content-Range: bytes */0\r\n"))), 416, absent, noRanges),
-			anew("does not find the file", except(0, sending(answer(404, "page"))), 404, absent, noRanges),
-			anew("breaks the probe off", except(0, reset), 500, absent),
-			anew("never ends the probe", except(0, endless("206 X\r\nContent-Range: bytes 0-0/2500")), 500, absent, noRanges),
-			anew("never ends another answer", except(0, endless("200 OK\r\nConnection: close")), 500, absent, noRanges),
+			anew("knows no total", except(0, noTotal), 500, absent, noRanges),
+			anew("tells a total of 0", except(0, partOf("bytes 0-0/0", "x")), 500, absent, noRanges),
+			anew("has an empty file", except(0, Lab::file("")), 416, absent, noRanges),
+			anew("does not find the file", except(0, Lab::status({.code = 404, .text = "page"})), 404, absent, noRanges),
+			anew("breaks the probe off", except(0, Lab::drop({.resets = true})), 500, absent),
+			anew("never ends the probe", except(0, endless(206, "bytes 0-0/2500")), 500, absent, noRanges),
+			anew("never ends another answer", except(0, endless(200, "none")), 500, absent, noRanges),
 			anew("sends the whole file for the first step", except(1, whole), 500, absent, aborted),
-			anew("sends more than the first step", except(1, part("bytes 0-2499/2500", content)), 500, absent, aborted),
-			anew("never ends the first step", except(1, endless("206 X\r\nContent-Range: bytes 0-1000/2500")), 500, absent, aborted),
-			anew("never ends the last step", except(3, endless("206 X\r\nContent-Range: bytes 2002-2499/2500")), 500, step + second,
-				aborted),
+			anew("sends more than the first step", except(1, partOf("bytes 0-2499/2500", content)), 500, absent, aborted),
+			anew("never ends the first step", except(1, endless(206, "bytes 0-1000/2500")), 500, absent, aborted),
+			anew("never ends the last step", except(3, endless(206, "bytes 2002-2499/2500")), 500, step + second, aborted),
 			anew("sends the whole file for the second step", except(2, whole), 500, step, aborted),
-			anew("fails in the second step", except(2, sending(answer(503, "busy"))), 503, step, aborted),
-			anew("is satisfied in the second step", except(2, sending(answer(416, "", "Content-Range: bytes */2500\r\n"))), 416, step,
-				aborted),
-			anew("sends another start", except(2, part("bytes 1000-1999/2500", content.substr(1000, 1000))), 500, step, aborted),
-			anew("sends nothing", except(2, part("bytes 1001-1001/2500", "")), 500, step, aborted),
-			anew("loses the total", except(2, part("bytes 1001-2001/*", second)), 500, step, aborted),
-			anew("loses the range", except(2, sending(answer(206, second, version))), 500, step, aborted),
-			anew("has another size", except(2, serving(content + "more", version)), 500, step, aborted),
-			anew("has another tag", except(2, serving(other, "ETag: \"two\"\r\nLast-Modified: today\r\n")), 500, step, aborted),
-			anew("has another date", except(1, serving(other, "ETag: \"one\"\r\nLast-Modified: now\r\n")), 500, absent, aborted),
-			anew("sends a short step", except(2, part("bytes 1001-1100/2500", content.substr(1001, 100))), 206, content),
-			anew("breaks a step off", except(2, breakOff), 500, step),
+			anew("fails in the second step", except(2, Lab::status({.code = 503, .text = "busy"})), 503, step, aborted),
+			anew("is satisfied in the second step", except(2, Lab::file(content, {.ranges = Lab::Ranges::Refused})), 416, step, aborted),
+			anew("sends another start", except(2, partOf("bytes 1000-1999/2500", content.substr(1000, 1000))), 500, step, aborted),
+			anew("sends nothing", except(2, partOf("bytes 1001-1001/2500", "")), 500, step, aborted),
+			anew("loses the total", except(2, noTotal), 500, step, aborted),
+			anew("loses the range", except(2, {{whole, Lab::status({.code = 206})}}), 500, step, aborted),
+			anew("has another size", except(2, Lab::file(content, {.ranges = Lab::Ranges::WrongTotal})), 500, step, aborted),
+			anew("has another tag", except(2, Lab::file(content, {.ranges = Lab::Ranges::OtherValidator})), 500, step, aborted),
+			anew("has another date", except(1, {{honest, Lab::headers({{"Last-Modified", "now"}})}}), 500, absent, aborted),
+			anew("sends a short step", except(2, partOf("bytes 1001-1100/2500", content.substr(1001, 100))), 206, content),
+			anew("breaks a step off", except(2, {{honest, Lab::dropAfter(501)}}), 500, step),
 			// last, because the others need it: the builder of the next step does not find its place any more
 			anew("removes the directory", removeDirectory, 500, absent, aborted),
 		};
@@ -128,21 +119,23 @@ TEST_F(SteppedDownload, AsksForStepsOfOneByteMoreThanTheirSize)
 		{300, 100, {"bytes=0-0", "bytes=100-"}},
 		{2500, 1000, {"bytes=0-0", "bytes=1000-2000", "bytes=2001-"}},
 	};
-	for (const auto& [size, before, ranges] : cases)
+	for (const auto& [size, before, asked] : cases)
 	{
 		const std::string file = randomBytes(size);
 		setTarget(before > 0 ? std::optional(file.substr(0, before)) : absent);
-		RangeOrigin origin(serving(file));
-		EXPECT_EQ(fetch({origin.url(), DownloadKind::Stepped}).statusCode, 206) << size;
+		Lab::Origin origin;
+		origin.at("/file", Lab::file(file));
+		EXPECT_EQ(fetch({origin.url("/file"), DownloadKind::Stepped}).statusCode, 206) << size;
 		EXPECT_TRUE(target() == file) << size;
-		EXPECT_EQ(origin.ranges(), ranges) << size;
+		EXPECT_EQ(ranges(origin), asked) << size;
 	}
 }
 
 TEST_F(SteppedDownload, GivesHeadersAndProgressOfItsLastAnswerAndNoText)
 {
-	RangeOrigin origin(serving(content));
-	const Completion result = fetch({origin.url(), DownloadKind::Stepped});
+	Lab::Origin origin;
+	origin.at("/file", Lab::file(content));
+	const Completion result = fetch({origin.url("/file"), DownloadKind::Stepped});
 	EXPECT_TRUE(result.dataString.empty() && result.dataArray.empty());
 	EXPECT_THAT(result.header, testing::Contains("Content-Range: bytes 2002-2499/2500"));
 	ASSERT_FALSE(downloads.empty());
@@ -153,9 +146,10 @@ TEST_F(SteppedDownload, GivesHeadersAndProgressOfItsLastAnswerAndNoText)
 TEST_F(SteppedDownload, RepeatsItsHeadersInEveryStepAndARangeOfTheScriptStopsIt)
 {
 	const LogCapture log;
-	RangeOrigin origin(serving(content));
-	fetch({origin.url(), DownloadKind::Stepped, Action::E_RESUME, "", "", {{"Range", "bytes=5-9"}}});
-	EXPECT_THAT(origin.ranges(), testing::ElementsAre("bytes=5-9", "bytes=5-9"));
+	Lab::Origin origin;
+	origin.at("/file", Lab::file(content));
+	fetch({origin.url("/file"), DownloadKind::Stepped, Action::E_RESUME, "", "", {{"Range", "bytes=5-9"}}});
+	EXPECT_THAT(ranges(origin), testing::ElementsAre("bytes=5-9", "bytes=5-9"));
 	EXPECT_EQ(target(), absent);
 	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, aborted), 1);
 }
@@ -163,35 +157,22 @@ TEST_F(SteppedDownload, RepeatsItsHeadersInEveryStepAndARangeOfTheScriptStopsIt)
 TEST_F(SteppedDownload, GoesOnBeyondFourGibibytes)
 {
 	constexpr int64 onDisk = 5'000'000'000;
-	const std::string end = randomBytes(1 << 20);
+	const Lab::ContentPtr whole = Lab::madeContent(onDisk + (1 << 20));
 	std::filesystem::resize_file(dir.write("target.bin", ""), onDisk); // without its blocks
-	const int64 total = onDisk + (1 << 20);
-	RangeOrigin origin(
-		[&](Connection& connection, const RangeRequest& request)
-		{
-			const std::string body = request.first == 0 ? "x" : end.substr(static_cast<size_t>(request.first - onDisk), 400001);
-			const int64 last = request.first + static_cast<int64>(body.size()) - 1;
-			connection.send(
-				partAnswer("bytes " + std::to_string(request.first) + "-" + std::to_string(last) + "/" + std::to_string(total), body));
-		});
-	EXPECT_EQ(fetch({origin.url(), DownloadKind::Stepped, Action::E_RESUME, "", "", {}, 400000}).statusCode, 206);
-	ASSERT_EQ(std::filesystem::file_size(targetPath), static_cast<uintmax_t>(total));
+	Lab::Origin origin;
+	origin.at("/file", Lab::file(whole));
+	EXPECT_EQ(fetch({origin.url("/file"), DownloadKind::Stepped, Action::E_RESUME, "", "", {}, 400000}).statusCode, 206);
+	ASSERT_EQ(std::filesystem::file_size(targetPath), whole->size());
 	std::ifstream stream(targetPath, std::ios::binary);
 	stream.seekg(onDisk);
-	EXPECT_TRUE(std::string(std::istreambuf_iterator<char>(stream), {}) == end);
+	EXPECT_TRUE(std::string(std::istreambuf_iterator<char>(stream), {}) == wholeOf(*Lab::partOf(whole, onDisk, 1 << 20)));
 }
 
 TEST_F(SteppedDownload, CarriesItsSpeedOnFromStepToStep)
 {
-	using namespace std::chrono;
-	steady_clock::time_point first;
-	RangeOrigin origin(
-		[&](Connection& connection, const RangeRequest& request)
-		{
-			first = request.number < 2 ? steady_clock::now() : first;
-			std::this_thread::sleep_until(first + milliseconds(request.number == 2 ? 1200 : 0)); // a second after the probe's byte
-			connection.send(rangedAnswer(content, request));
-		});
-	fetch({origin.url(), DownloadKind::Stepped});
+	const Lab::Behaviour late = Lab::stall({.time = Lab::Milliseconds(1200)}); // more than a second after the probe's byte
+	Lab::Origin origin;
+	origin.at("/file", except(2, {{Lab::file(content), late}}));
+	fetch({origin.url("/file"), DownloadKind::Stepped});
 	EXPECT_FLOAT_EQ(downloads.back().megaBit, 2001 * 7.6293945e-6f);
 }

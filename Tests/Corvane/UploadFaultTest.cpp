@@ -1,5 +1,9 @@
 #include "FileKit.h"
 #include "Host/Objects.h"
+#include "Lab/Behaviours/Answers.h"
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Behaviours/Uploads.h"
+#include "Lab/Origin.h"
 #include "UploadFixture.h"
 
 #include <fstream>
@@ -85,18 +89,6 @@ namespace
 		static constexpr uid_t nobody = 65534;
 		const uid_t before = geteuid();
 	};
-
-	/** Answers the head of an upload and drops the rest of it: a reset would take the answer away again. */
-	RawServer::Script refusing(const std::string& answer, size_t missing = 0)
-	{
-		return [page = answer.substr(0, answer.size() - missing)](Connection& connection)
-		{
-			connection.readHead();
-			connection.send(page);
-			connection.closeWrite();
-			connection.waitForPeer();
-		};
-	}
 } // namespace
 
 TEST_F(UploadFault, FilesThatAreNotThereAreRefused)
@@ -237,22 +229,13 @@ TEST_F(UploadFault, AFileThatEndsInItsOwnTailIsRefused)
 
 TEST_F(UploadFault, ARedirectThatAsksForTheBodyAgainIsTold)
 {
-	int code = 0;
-	RawServer server(
-		[&](Connection& connection)
-		{
-			for (;;)
-			{
-				const std::string length = headerOf(connection.readHead(), "Content-Length");
-				connection.read(length.empty() ? 0 : std::stoul(length));
-				connection.send(length.empty() ? answer(200, "") : answer(code, "", "Location: /\r\n"));
-			}
-		});
+	Lab::Origin server;
 	const std::string path = dir.write("a.bin", "hello");
 	const TArray<FhttpRequest> posted = post(server.url(), path), streamed = put(server.url(), path, Type::PUT_STREAM_BLANK);
-	for (const int redirect : {301, 302, 303, 307, 308})
+	for (const int code : {301, 302, 303, 307, 308})
 	{
-		code = redirect;
+		const Lab::Behaviour redirect = Lab::redirect({.code = code});
+		server.at("/", [redirect](const Lab::Request& request) { return request.announced ? redirect : Lab::Behaviour(""); });
 		const bool bPostAgain = code >= 307, bPutAgain = code != 303; // or as a GET
 		EXPECT_EQ(run(posted).statusCode, bPostAgain ? 500 : 200) << code;
 		EXPECT_EQ(run(streamed).statusCode, bPutAgain ? 500 : 200) << code;
@@ -316,24 +299,20 @@ TEST_F(UploadFault, WhatAFileBecomesDuringItsUploadIsKept)
 TEST_F(UploadToBadServer, LeavesNoTraceOnDiskAndTellsWhatItWasAnswered)
 {
 	const std::string large(8 << 20, 'x');
-	Gate never;
-	const std::pair<RawServer::Script, const char*> cases[] = {
-		{refusing(answer(413, "too large", "Connection: close\r\n")), "413 too large"},
-		{refusing(answer(413, "too large", "Connection: close\r\n"), 6), "413 too"},
-		{[](Connection& connection) { connection.read(1000); }, "500 No Response"},
-		{[&never](Connection& connection) { connection.waitFor(never); }, "500 No Response"},
-		{[](Connection& connection) { connection.waitForPeer(); }, "500 No Response"},
-		{[](Connection& connection)
-			{
-				const std::string head = connection.readHead();
-				connection.send(answer(head.find("Expect") == head.npos ? 202 : 417, "fine", "Connection: close\r\n"));
-				connection.waitForPeer();
-			},
-			"202 fine"},
+	const Lab::Behaviour expectsNothing(
+		[](const Lab::Request& request, Lab::Plan& plan) { plan.status = request.header("Expect").empty() ? plan.status : 417; });
+	const std::pair<Lab::Behaviour, const char*> cases[] = {
+		{{{Lab::upload({.refusesAfter = 0}), "too large"}}, "413 too large"},
+		{{{Lab::upload({.refusesAfter = 0}), "too large", Lab::dropAfter(3)}}, "413 too"},
+		{Lab::upload({.hangsUpAfter = 1000}), "500 No Response"},
+		{Lab::upload({.bytesPerSecond = 1}), "500 No Response"},
+		{Lab::stall(), "500 No Response"},
+		{{{Lab::upload({.refusesAfter = 0, .code = 202}), expectsNothing, "fine"}}, "202 fine"},
 	};
-	for (const auto& [script, told] : cases)
+	for (const auto& [serve, told] : cases)
 	{
-		RawServer server(script);
+		Lab::Origin server;
+		server.at("/", serve);
 		completions.clear();
 		for (const Type type : everyType)
 		{

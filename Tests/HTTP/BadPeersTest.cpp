@@ -1,64 +1,41 @@
 #include "HttpFixture.h"
+#include "Lab/Behaviours/Answers.h"
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Origin.h"
 
 namespace
 {
-	using Script = RawServer::Script;
-
 	constexpr int none = -1;
 
 	struct Case
 	{
 		const char* name;
-		Script script;
+		Lab::Behaviour serve;
 		bool succeeds;
 		int code; // none = no header line came
 		std::string body;
 		double activityTimeoutSeconds = patienceSeconds;
 	};
 
-	/** Reads the request, sends bytes, and hangs up, or waits until the client does, which may get more and more meanwhile. */
-	Script sends(std::string bytes, bool stays = false, std::string forEver = "")
-	{
-		return [=](Connection& connection)
-		{
-			connection.readHead();
-			for (connection.send(bytes); !forEver.empty();)
-			{
-				connection.send(forEver);
-			}
-			stays ? connection.waitForPeer() : void();
-		};
-	}
-
-	void tricklesSlowly(Connection& connection)
-	{
-		connection.readHead();
-		connection.send("HTTP/1.1 200 OK\r\nContent-Length: 11\r\n\r\n");
-		for (int i = 0; i < 11; ++i)
-		{
-			std::this_thread::sleep_for(std::chrono::milliseconds(100)); // what the test measures: silence below the limit
-			connection.send("x");
-		}
-	}
-
+	constexpr Lab::RawEnd stays = Lab::RawEnd::Stall;
 	const std::string ok = "HTTP/1.1 200 OK\r\n";
-	const std::string filler = "X-Filler: " + std::string(1000, 'x') + "\r\n";
+	const std::string interim = "HTTP/1.1 100 Continue\r\nX-Filler: " + std::string(1000, 'x') + "\r\n\r\n";
 
 	const Case cases[] = {
-		{"closes at once", [](Connection&) {}, false, none, ""},
-		{"closes in a header", sends(ok + "Content-Length: 5\r\nX-Ha"), false, 200, ""},
-		{"closes in the body", sends(ok + "Content-Length: 5\r\n\r\nabc"), false, 200, "abc"},
-		{"sends chunks and a trailer", sends(ok + "Transfer-Encoding: chunked\r\n\r\n3\r\nabc\r\n2\r\nde\r\n0\r\nX: 1\r\n\r\n"), true, 200,
-			"abcde"},
-		{"ends the body by closing", sends(ok + "\r\nabc"), true, 200, "abc"},
-		{"sends more than it said", sends(ok + "Content-Length: 3\r\n\r\nabcdef", true), true, 200, "abc"},
-		{"sends an interim answer only", sends("HTTP/1.1 103 Early\r\nLink: x\r\n\r\n"), false, 103, ""},
-		{"announces two lengths", sends(ok + "Content-Length: 3\r\nContent-Length: 4\r\n\r\nabcd"), false, 200, ""},
-		{"sends endless headers", sends(ok, true, filler), false, 200, ""},
-		{"sends endless interim answers", sends("", true, "HTTP/1.1 100 Continue\r\n" + filler + "\r\n"), false, 100, ""},
-		{"is silent before its answer", sends("", true), false, none, "", 0.2},
-		{"is silent in its body", sends(ok + "\r\nabc", true), false, 0, "abc", 0.2},
-		{"is slow but alive", tricklesSlowly, true, 200, "xxxxxxxxxxx", 0.9},
+		{"closes at once", Lab::drop(), false, none, ""},
+		{"closes in a header", Lab::raw(ok + "Content-Length: 5\r\nX-Ha"), false, 200, ""},
+		{"closes in the body", {{"abcde", Lab::dropAfter(3)}}, false, 200, "abc"},
+		{"sends chunks and a trailer", Lab::raw(ok + "Transfer-Encoding: chunked\r\n\r\n3\r\nabc\r\n2\r\nde\r\n0\r\nX: 1\r\n\r\n"), true,
+			200, "abcde"},
+		{"ends the body by closing", Lab::raw(ok + "\r\nabc"), true, 200, "abc"},
+		{"sends more than it said", Lab::raw(ok + "Content-Length: 3\r\n\r\nabcdef", stays), true, 200, "abc"},
+		{"sends an interim answer only", Lab::raw("HTTP/1.1 103 Early\r\nLink: x\r\n\r\n"), false, 103, ""},
+		{"announces two lengths", Lab::raw(ok + "Content-Length: 3\r\nContent-Length: 4\r\n\r\nabcd"), false, 200, ""},
+		{"sends endless headers", Lab::endlessHeaders(), false, 200, ""},
+		{"sends endless interim answers", Lab::raw(wholeOf(*Lab::repeatedContent(interim, 64 << 20)), stays), false, 100, ""},
+		{"is silent before its answer", Lab::stall(), false, none, "", 0.2},
+		{"is silent in its body", Lab::raw(ok + "\r\nabc", stays), false, 0, "abc", 0.2},
+		{"is slow but alive", {{"xxxxxxxxxxx", Lab::pieces({1}, Lab::Milliseconds(100))}}, true, 200, "xxxxxxxxxxx", 0.9},
 	};
 
 	class BadPeer : public HttpTest
@@ -73,8 +50,8 @@ TEST_F(BadPeer, EndsAsItShould)
 		SCOPED_TRACE(each.name);
 		Settings.activityTimeoutSeconds = each.activityTimeoutSeconds;
 		restart();
-		RawServer server(each.script);
-		Exchange& exchange = get(server.url());
+		Lab::Origin origin;
+		Exchange& exchange = get(origin.at("/", each.serve).url());
 		EXPECT_EQ(exchange.succeeded(), each.succeeds);
 		EXPECT_EQ(exchange.response().IsValid(), each.code >= 0);
 		EXPECT_EQ(exchange.code(), std::max(each.code, 0));
