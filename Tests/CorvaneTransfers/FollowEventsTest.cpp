@@ -266,6 +266,7 @@ TEST_F(FollowEvents, AreNotToldInAPauseAndNotLostByIt)
 		}
 	}
 	EXPECT_EQ(finish().Outcome, Outcome::Ended);
+	EXPECT_EQ(reports.back().Attempts, 5); // what had arrived was not asked for again
 	ASSERT_EQ(ids.size(), static_cast<size_t>(last));
 	for (int id = 1; id <= last; ++id)
 	{
