@@ -6,6 +6,7 @@ namespace CorvaneEventParser
 {
 	static constexpr uint8 Mark[] = {0xEF, 0xBB, 0xBF};
 	static constexpr int32 MarkLength = 3;
+	static constexpr int64 LongestName = 5; // of a field that means something
 
 	static bool Is(const uint8* Begin, const uint8* End, const char* Name)
 	{
@@ -121,15 +122,21 @@ bool FCorvaneEventParser::TakeLine(const uint8* Begin, const uint8* End)
 		Begin = Line.GetData();
 		End = Begin + Line.Num();
 	}
-	TakeField(Begin, CorvaneByteScan::Find(Begin, End, ':'), End);
+	TakeField(Begin, End);
 	Line.Reset();
 	return false;
 }
 
 /** A comment is a field without a name, and as unknown as others. */
-void FCorvaneEventParser::TakeField(const uint8* Begin, const uint8* Colon, const uint8* End)
+void FCorvaneEventParser::TakeField(const uint8* Begin, const uint8* End)
 {
 	using namespace CorvaneEventParser;
+	const uint8* const NameEnd = Begin + FMath::Min<int64>(End - Begin, LongestName + 1); // no known name goes beyond it
+	const uint8* Colon = Begin;
+	while (Colon != NameEnd && *Colon != ':')
+	{
+		++Colon;
+	}
 	const uint8* Value = Colon == End ? End : Colon + 1;
 	Value += Value != End && *Value == ' ' ? 1 : 0;
 	if (Is(Begin, Colon, "data"))

@@ -47,7 +47,7 @@ public:
 
 private:
 	bool TakeLine(const uint8* Begin, const uint8* End);
-	void TakeField(const uint8* Begin, const uint8* Colon, const uint8* End);
+	void TakeField(const uint8* Begin, const uint8* End);
 	void TakeRetry(const uint8* Begin, const uint8* End);
 	bool Dispatch();
 	const uint8* SkipMark(const uint8* At, const uint8* End);
