@@ -82,17 +82,38 @@ namespace Program
 				plainText);
 		}
 
-		/** A file of 1 MiB that arrives slowly enough to be cancelled; parts of it may be asked for. */
-		void sendFile(const httplib::Request&, httplib::Response& response)
+		constexpr size_t fileSize = 1 << 20;
+		constexpr size_t pieceSize = 32 << 10;
+
+		const std::string& fileContent()
 		{
-			static constexpr size_t fileSize = 1 << 20;
-			static constexpr size_t pieceSize = 32 << 10;
+			static const std::string content = []
+			{
+				std::string pieces;
+				for (size_t piece = 0; piece < fileSize / pieceSize; ++piece)
+				{
+					pieces.append(pieceSize, static_cast<char>('a' + piece % 26));
+				}
+				return pieces;
+			}();
+			return content;
+		}
+
+		/**
+		 * Sends as much of a file of 1 MiB as is asked for, slowly enough to be cancelled.
+		 * @param breaksOff  in the middle of the file, where the answer does not begin behind it.
+		 */
+		void sendFile(httplib::Response& response, bool breaksOff)
+		{
+			static constexpr size_t middle = fileSize / 2;
+			response.set_header("ETag", "\"first-edition\"");
 			response.set_content_provider(fileSize, "application/octet-stream",
-				[](size_t offset, size_t length, httplib::DataSink& sink)
+				[breaksOff, begin = fileSize](size_t offset, size_t length, httplib::DataSink& sink) mutable
 				{
 					std::this_thread::sleep_for(std::chrono::milliseconds(2));
-					const std::string piece(std::min(length, pieceSize), static_cast<char>('a' + offset / pieceSize % 26));
-					return sink.write(piece.data(), piece.size());
+					begin = std::min(begin, offset);
+					const bool hasBroken = breaksOff && begin < middle && offset >= middle;
+					return !hasBroken && sink.write(fileContent().data() + offset, std::min(length, pieceSize));
 				});
 		}
 
@@ -177,7 +198,8 @@ namespace Program
 		http.Post("/upload", describeForm);
 		http.Put("/upload", [](const httplib::Request& request, httplib::Response& response)
 			{ request.is_multipart_form_data() ? describeForm(request, response) : describeFile(request, response); });
-		http.Get("/file", sendFile);
+		http.Get("/file", [](const httplib::Request&, httplib::Response& response) { sendFile(response, false); });
+		http.Get("/breaks-off", [](const httplib::Request&, httplib::Response& response) { sendFile(response, true); });
 		http.Get("/uc", answerDrive);
 		http.Get("/file/d/level/view", answerDriveView);
 		http.Get("/page", answerFilePage);
