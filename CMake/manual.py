@@ -60,7 +60,7 @@ def table(rows):
 
 def verb_part(verb):
     own = [row for row in verb.rows("Positionals", "Options") if "--help" not in row[0]]
-    return f".SS {emphasise(verb.usage)}\n{escape(' '.join(verb.about))}.\n{table(own)}"
+    return f".SS {emphasise(verb.usage)}\n{escape('. '.join(verb.about))}.\n{table(own)}"
 
 
 def main():

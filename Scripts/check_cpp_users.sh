@@ -33,10 +33,17 @@ expect_answers() {
 	fi
 }
 
+expect_file() {
+	rm -f "$users/fetched.bin"
+	"$1" "$address/random.bin" "$users/fetched.bin" | grep -q "$(sha256sum <"$users/site/random.bin" | cut -d ' ' -f 1)"
+	cmp "$users/fetched.bin" "$users/site/random.bin"
+}
+
 build() {
 	cmake -S "$users/project" -B "$users/$1" -G Ninja -D CMAKE_BUILD_TYPE=Debug "${@:2}"
 	cmake --build "$users/$1"
 	expect_answers "$users/$1/get"
+	expect_file "$users/$1/fetch"
 }
 
 serve

@@ -26,7 +26,10 @@ end)
 -- A file of 1 MiB that arrives slowly enough to be cancelled; parts of it may be asked for.
 local pieces = {}
 for piece = 0, 31 do pieces[#pieces + 1] = string.char(97 + piece % 26):rep(32768) end
-lab.at("GET /file", lab.file{ bytes = table.concat(pieces) }, lab.pieces{ sizes = { 32768 }, pause = 2 })
+local file = lab.file{ bytes = table.concat(pieces) }
+lab.at("GET /file", file, lab.pieces{ sizes = { 32768 }, pause = 2 })
+-- The same, whose first answer breaks off in its middle.
+lab.at("GET /breaks-off", file, lab.drop{ after = "50%", requests = 1 })
 
 -- Tells what came: the parts of a form, or the one file that is the body.
 local function describe(request)

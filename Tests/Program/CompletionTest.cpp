@@ -7,11 +7,12 @@ TEST(Completion, OffersWhatMayStandThere)
 {
 	using Words = std::vector<std::string>;
 	const std::pair<const char*, Words> cases[] = {
-		{"", {"run", "call", "nodes", "demo", "lab", "completion", "help", "--help", "--version"}},
+		{"", {"run", "call", "get", "nodes", "demo", "lab", "completion", "help", "--help", "--version"}},
 		{"ca", {"call"}},
 		{"nodes onhttpfileu", {"onhttpFileUploadDelegate"}},
 		{"help c", {"call", "completion"}},
 		{"call CreateHttpRequestGET req", {}},
+		{"get --h", {"--header", "--hash", "--help"}},
 		{"call --p", {"--progress", "--project"}},
 		{"nodes --h", {"--html", "--help"}},
 		{"call getcl", {"getCleanDirectory"}},

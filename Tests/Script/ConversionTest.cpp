@@ -41,6 +41,11 @@ namespace
 			local all = "" for place, record in pairs(two) do all = all .. place .. texts{ record } end same(all, "1a2b"))",
 		R"(same(SampleLibrary.describeDefaults().ReturnValue, "1|7|10485760|-5|2.5|a \"b\"|6|1")
 			same(SampleLibrary.describeDefaults{ flag = false, text = "" }.ReturnValue, "0|7|10485760|-5|2.5||6|1"))",
+		R"(-- a struct is a table of its fields, and those that are not given have their defaults
+			local options = SampleLibrary.echoOptions{ options = { attempts = 5, Colour = "green", Headers = { a = "1" } } }.ReturnValue
+			same(options, { Attempts = 5, Hash = "none", Colour = 5, Headers = { a = "1" } }) same(options.HASH, "none")
+			same(SampleLibrary.echoOptions{ options = options }.ReturnValue, options)
+			same(SampleLibrary.echoOptions().ReturnValue.Attempts, 3))",
 		"same(samplelibrary, nil) same(SampleLibrary.ECHO{ NUMBER = 4 }.number, 4)",
 		"same(ESampleColour, { Red = 0, Green = 5, Blue = 6 }) same(ESampleColour.green, 5)",
 	};

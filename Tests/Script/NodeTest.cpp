@@ -23,6 +23,13 @@ namespace
 			tick()
 			assert(calls == 3)
 		)lua",
+		R"lua( -- functions of objects: what they return, or a table of what they put out
+			local node = SampleNode.startNode{ statusCode = 200, requestID = "x" }
+			assert(node:describe().Attempts == 200 and node:Describe{ factor = 2 }.Attempts == 400)
+			assert(node:rename{ requestID = "y" }.before == "x" and node:describe().Hash == "y")
+			tick()
+			assert(node:describe().Hash == "y", "the script holds it")
+		)lua",
 	};
 
 	using Node = ScriptFixture;

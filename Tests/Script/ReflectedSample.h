@@ -30,6 +30,25 @@ struct FSampleRecord
 	FString text;
 };
 
+/** Has fields that scripts see. */
+USTRUCT(BlueprintType)
+struct FSampleOptions
+{
+	GENERATED_BODY()
+
+	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Sample")
+	int32 Attempts = 3;
+
+	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Sample")
+	FString Hash = TEXT("none");
+
+	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Sample")
+	ESampleColour Colour = ESampleColour::Blue;
+
+	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Sample")
+	TMap<FString, FString> Headers;
+};
+
 USTRUCT(BlueprintType)
 struct FForeignRecord
 {
@@ -113,6 +132,9 @@ public:
 	UFUNCTION(BlueprintCallable, Category = "Sample")
 	static USampleLibrary* makeObject() { return NewObject<USampleLibrary>(); }
 
+	UFUNCTION(BlueprintPure, Category = "Sample")
+	static FSampleOptions echoOptions(const FSampleOptions& options) { return options; }
+
 	UFUNCTION()
 	static void notForScripts() {}
 
@@ -163,6 +185,22 @@ public:
 		}
 		AsyncTask(
 			ENamedThreads::GameThread, [weak = TWeakObjectPtr<USampleNode>(this)] { weak.IsValid() ? weak.Get()->finish() : void(); });
+	}
+
+	UFUNCTION(BlueprintPure, Category = "Sample")
+	FSampleOptions describe(int32 factor = 1) const
+	{
+		FSampleOptions described;
+		described.Attempts = status * factor;
+		described.Hash = id;
+		return described;
+	}
+
+	UFUNCTION(BlueprintCallable, Category = "Sample")
+	void rename(const FString& requestID, FString& before)
+	{
+		before = id;
+		id = requestID;
 	}
 
 	static inline int32 alive = 0; // nodes that are not freed, the default object not counted

@@ -67,7 +67,7 @@ namespace Program
 				{
 					printPins(download ? download->replaceBody(*pins) : *pins, options.json);
 				}
-				return isFailure(*pins) ? exitFailed : exitGood;
+				return hasFailed || isFailure(*pins) ? exitFailed : exitGood;
 			}
 
 		private:
@@ -93,12 +93,12 @@ namespace Program
 			std::optional<Json> outcome()
 			{
 				const RequestResults results;
-				const ProgressBar progress(options.progress);
+				ProgressBar progress(options.progress);
 				const EventLines events(body ? &*body : nullptr, options.json);
 				frame.invoke();
 				if (Reflect::nodeClassOf(*function.function))
 				{
-					return runNode(results);
+					return runNode(results, progress);
 				}
 				const TArray<FhttpRequest>* const records = builtRecords();
 				return records ? runRequests(results, *records) : finishedOutputs();
@@ -122,7 +122,7 @@ namespace Program
 				return outcome ? std::optional(*outcome) : std::nullopt;
 			}
 
-			std::optional<Json> runNode(const RequestResults& results)
+			std::optional<Json> runNode(const RequestResults& results, ProgressBar& progress)
 			{
 				auto* const node = Cast<UBlueprintAsyncActionBase>(frame.returnedObject());
 				if (!node)
@@ -133,8 +133,18 @@ namespace Program
 				std::list<EventTap> taps; // they hold the node
 				for (const FMulticastDelegateProperty* event : Reflect::eventsOf(node->GetClass()))
 				{
-					taps.emplace_back(*node, *event, [&outcome](const Json& pins) { outcome = outcome.value_or(pins); });
+					if (std::string_view(event->Name) != "OnProgress")
+					{
+						const bool isBad = std::string_view(event->Name) == "OnFail";
+						taps.emplace_back(*node, *event,
+							[this, &outcome, isBad](const Json& pins)
+							{
+								hasFailed = hasFailed || (isBad && !outcome);
+								outcome = outcome.value_or(pins);
+							});
+					}
 				}
+				progress.watch(*node);
 				node->Activate();
 				runToIdle();
 				const Json* const refusal = results.first(); // a refusing builder answers before anybody hears the node
@@ -179,6 +189,7 @@ namespace Program
 			const Reflect::Function& function;
 			const CallOptions& options;
 			Reflect::CallFrame frame;
+			bool hasFailed = false; // as a node says it
 			std::optional<BodyOutput> body; // when it is wanted alone
 			const Clock::time_point start = Clock::now();
 		};

@@ -11,7 +11,7 @@ namespace Program
 	enum ExitStatus
 	{
 		exitGood = 0,
-		exitFailed = 1, // a script error, a status of 0 or from 400 on, a success pin that is false
+		exitFailed = 1, // a script error, a status of 0 or from 400 on, a success pin that is false, a file that is not there
 		exitUsage = 2
 	};
 
@@ -53,6 +53,25 @@ namespace Program
 	int runScript(const Settings& settings, const std::string& path, const std::vector<std::string>& arguments);
 	/** Throws InputError for an unknown function or pin, or a value that the pin cannot hold. */
 	int callFunction(const Settings& settings, const CallOptions& options);
+
+	struct GetOptions
+	{
+		std::vector<std::string> addresses;
+		std::string file; // for a single address; empty = by the address
+		std::string folder; // empty = the current one
+		std::vector<std::string> headers; // each "Name: value"
+		std::string hash; // as the download takes it; empty = none
+		std::uint64_t bytesPerSecond = 0; // of each file; 0 = no limit
+		std::string ifExists = "Replace"; // what becomes of a file that is there, as the download calls it
+		int atOnce = 4;
+		bool startsOver = false; // leaves what an earlier run has kept aside
+		bool json = false;
+		bool quiet = false; // tells failures only
+	};
+
+	/** Downloads files, and tells each one's end. Throws InputError when addresses and options do not fit together. */
+	int getFiles(const Settings& settings, const GetOptions& options);
+
 	struct NodesOptions
 	{
 		std::string name; // only this function, node or event; empty = all

@@ -23,6 +23,7 @@ namespace
 	{
 		Program::Settings settings;
 		Program::CallOptions call;
+		Program::GetOptions get;
 		Program::NodesOptions nodesOptions;
 		Program::LabOptions labOptions;
 		std::string completedLine;
@@ -31,6 +32,8 @@ namespace
 		CLI::App app{"HTTP requests, downloads and file functions for scripts"};
 		CLI::App* run = app.add_subcommand("run", "Runs a Lua script, which finds its arguments in arg");
 		CLI::App* callFunction = app.add_subcommand("call", "Calls one function or node and prints its pins");
+		CLI::App* getFiles =
+			app.add_subcommand("get", "Downloads files, each whole and checked or with a reason; what is there already is gone on with");
 		CLI::App* nodes = app.add_subcommand("nodes", "Lists script functions and events with their pins, or writes pages about them");
 		CLI::App* demo = app.add_subcommand("demo", "Runs the examples against a server of its own");
 		CLI::App* lab = app.add_subcommand("lab", "Runs an origin that misbehaves on command, or records or replays one");
@@ -57,6 +60,7 @@ namespace
 			completion->add_option("--line", completedLine, "Print what may stand at the end of this command line instead");
 			addDriveBase(*demo);
 			addLab();
+			addGetOptions();
 			callFunction->add_flag("--json", call.json, "Print one JSON object, and one for each server-sent event");
 			callFunction->add_flag("--body", call.bodyAlone, "Write the body alone, byte for byte unless to a terminal");
 			callFunction->add_option("-o,--output", call.bodyFile, "Write the body alone into this file");
@@ -87,6 +91,26 @@ namespace
 			lab->add_option("--replay", labOptions.replayFile, "Answer as recorded in this file")->check(CLI::ExistingFile);
 			lab->add_option("--speed", labOptions.speed, "Of a replay: 2 = pauses are half as long, 0 = none")
 				->check(CLI::NonNegativeNumber);
+		}
+
+		void addGetOptions()
+		{
+			getFiles->add_option("URL", get.addresses, "What to download")->required();
+			getFiles->add_option("-o,--output", get.file, "The file to write; by the last part of the URL when it is not given");
+			getFiles->add_option("-d,--dir", get.folder, "The folder to put files into, made when it is missing");
+			getFiles->add_option("-H,--header", get.headers, "A header of the requests: -H 'Accept: text/plain'")->allow_extra_args(false);
+			getFiles->add_option("--hash", get.hash, "What the file must have: sha256:HEX, or sha1, md5; sha256 alone tells it");
+			getFiles->add_option("--limit-rate", get.bytesPerSecond, "Bytes per second of each file: 500k, 2M")
+				->transform(CLI::AsSizeValue(false));
+			getFiles->add_option(
+				"--if-exists", get.ifExists, "What becomes of a file that is there: Replace (the default), Keep, Fail, OnlyIfNewer");
+			getFiles->add_option("-j,--jobs", get.atOnce, "How many files at once, 4 by default")->check(CLI::Range(1, 64));
+			getFiles->add_flag("--no-resume", get.startsOver, "Begin at the first byte, whatever an earlier run has kept");
+			getFiles->add_flag("--json", get.json, "Print the report of each file as a line of JSON");
+			getFiles->add_flag("-q,--quiet", get.quiet, "Tell failures only");
+			addVerbose(*getFiles);
+			getFiles->footer("Exit status: 0 all files are there, 1 some are not, 2 the command line is wrong\n"
+							 "Ctrl-C keeps what has arrived, and the same command goes on");
 		}
 
 		void addDriveBase(CLI::App& verb)
@@ -145,6 +169,10 @@ namespace
 		if (*line.callFunction)
 		{
 			return Program::callFunction(line.settings, line.call);
+		}
+		if (*line.getFiles)
+		{
+			return Program::getFiles(line.settings, line.get);
 		}
 		if (*line.completion)
 		{

@@ -1,5 +1,6 @@
 #include "Commands.h"
 #include "Console.h"
+#include "FieldFacts.h"
 #include "FunctionNames.h"
 #include "NodesAsJson.h"
 #include "Reference/WriteReference.h"
@@ -25,6 +26,29 @@ namespace Program
 			}
 		}
 
+		void printValues(const FPropertyType& type, const std::string& indent)
+		{
+			if (type.Kind == EPropertyKind::Enum)
+			{
+				for (const FEnumerator& value : type.Enum()->Enumerators)
+				{
+					fmt::print("{}{} = {}: {}. {}\n", indent, value.Name, value.Value, value.DisplayName, value.Comment);
+				}
+			}
+		}
+
+		void printFields(const UScriptStruct& record, const std::string& indent)
+		{
+			const std::string inner = indent + "    ";
+			for (const FieldFacts& field : fieldsOf(record))
+			{
+				const std::string tail = field.defaultText.empty() ? "" : fmt::format(" = {}", field.defaultText);
+				fmt::print("{}{}: {}{}\n", indent, field.name, shortTypeName(*field.type), tail);
+				printTexts(field.texts, inner);
+				printValues(*field.type, inner);
+			}
+		}
+
 		void printPin(const PinFacts& pin)
 		{
 			static constexpr const char* directions[] = {"in", "out", "in/out", "out"};
@@ -34,12 +58,10 @@ namespace Program
 			const std::string tail = pin.defaultText ? fmt::format(" = {}", declared.empty() ? "\"\"" : declared) : "";
 			fmt::print("  {:6} {}: {}{}\n", directions[static_cast<size_t>(pin.kind)], pin.name, Reflect::typeName(*pin.type), tail);
 			printTexts(pin.texts, indent);
-			if (pin.type->Kind == EPropertyKind::Enum)
+			printValues(*pin.type, indent);
+			if (pin.type->Kind == EPropertyKind::Struct)
 			{
-				for (const FEnumerator& value : pin.type->Enum()->Enumerators)
-				{
-					fmt::print("{}{} = {}: {}. {}\n", indent, value.Name, value.Value, value.DisplayName, value.Comment);
-				}
+				printFields(*pin.type->Struct(), indent);
 			}
 		}
 
@@ -62,20 +84,21 @@ namespace Program
 		/** @return the full name of a function or an event that is called by a full or a bare name. */
 		std::string fullName(const std::string& name)
 		{
-			std::vector<std::string> events;
+			std::vector<std::string> others;
 			for (const NodeFacts& facts : allFacts())
 			{
 				const bool isNamed = Reflect::equalNames(facts.name, name) || Reflect::equalNames(facts.ownName(), name);
-				if (facts.kind == NodeKind::Event && isNamed)
+				const bool isOther = facts.kind == NodeKind::Event || facts.isOfObject; // than a function that can be called alone
+				if (isOther && isNamed)
 				{
 					return facts.name;
 				}
-				if (facts.kind == NodeKind::Event)
+				if (isOther)
 				{
-					events.push_back(facts.ownName());
+					others.push_back(facts.ownName());
 				}
 			}
-			return functionNamed(name, events).name;
+			return functionNamed(name, others).name;
 		}
 
 		int writePages(const std::string& directory)

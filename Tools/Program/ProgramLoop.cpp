@@ -1,6 +1,7 @@
 #include "Commands.h"
 #include "Console.h"
 #include "CorvaneBPLibrary.h"
+#include "CorvaneTransfer.h"
 #include "EndSignals.h"
 #include "ExchangeLines.h"
 #include "InputError.h"
@@ -41,8 +42,8 @@ namespace Program
 
 	void ProgramLoop::runToIdle(const std::function<bool()>& abort)
 	{
-		RunUntilIdle(
-			UCorvaneBPLibrary::hasPendingWork, [&] { return EndSignals::asked() != 0 || std::ferror(stdout) || (abort && abort()); });
+		RunUntilIdle([] { return UCorvaneBPLibrary::hasPendingWork() || UCorvaneTransfer::HasPendingWork(); },
+			[&] { return EndSignals::asked() != 0 || std::ferror(stdout) || (abort && abort()); });
 	}
 
 	void ProgramLoop::end()
@@ -53,7 +54,7 @@ namespace Program
 		}
 		const int signal = EndSignals::asked();
 		const UnfinishedFiles unfinished;
-		if (signal)
+		if (signal && !unfinished.paths().empty())
 		{
 			leaveOutOfLog(unfinished.paths());
 		}

@@ -92,14 +92,14 @@ namespace Reflect
 		}
 	}
 
-	void CallFrame::invoke()
+	void CallFrame::invoke(UObject* self)
 	{
 		std::vector<void*> addresses;
 		for (const Value& argument : arguments)
 		{
 			addresses.push_back(argument.get());
 		}
-		called.function->Invoke(nullptr, addresses.data());
+		called.function->Invoke(self, addresses.data());
 	}
 
 	void CallFrame::writeOutputs(Sink& sink) const

@@ -26,8 +26,8 @@ namespace Reflect
 
 		/** Sets an input pin. Throws InputError, which names function and pin. @param pin  its name as the caller wrote it. */
 		void set(size_t index, std::string_view pin, const Source& source);
-		/** Calls a static function. */
-		void invoke();
+		/** Calls the function. @param self  the object of a method, null for a static function. */
+		void invoke(UObject* self = nullptr);
 		/** Puts a map from the names of all output pins to their values on top. */
 		void writeOutputs(Sink& sink) const;
 		/** @return what a function that returns an object has returned. */

@@ -14,7 +14,7 @@ namespace Reflect
 	{
 		constexpr uint32 scriptCallable = FUNC_BlueprintCallable | FUNC_BlueprintPure;
 
-		std::vector<Function> collectFunctions()
+		std::vector<Function> collectFunctions(bool areStatic)
 		{
 			std::vector<Function> found;
 			for (const FCompiledInHeader* header : GetCompiledInHeaders())
@@ -24,7 +24,8 @@ namespace Reflect
 					UClass* const owner = staticClass();
 					for (const UFunction& function : owner->Definition.Functions)
 					{
-						if ((function.Flags & FUNC_Static) && (function.Flags & scriptCallable))
+						const bool isStatic = function.Flags & FUNC_Static;
+						if (isStatic == areStatic && (function.Flags & scriptCallable))
 						{
 							found.push_back({owner, &function, fmt::format("{}.{}", owner->GetName(), function.Name)});
 						}
@@ -52,8 +53,22 @@ namespace Reflect
 
 	const std::vector<Function>& functions()
 	{
-		static const std::vector<Function> all = collectFunctions();
+		static const std::vector<Function> all = collectFunctions(true);
 		return all;
+	}
+
+	const std::vector<Function>& methods()
+	{
+		static const std::vector<Function> all = collectFunctions(false);
+		return all;
+	}
+
+	const Function* findMethod(const UClass& type, std::string_view name)
+	{
+		const std::vector<Function>& all = methods();
+		const auto found = std::find_if(all.begin(), all.end(),
+			[&](const Function& method) { return type.IsChildOf(method.owner) && equalNames(method.function->Name, name); });
+		return found == all.end() ? nullptr : &*found;
 	}
 
 	std::vector<const UEnum*> enumerations()

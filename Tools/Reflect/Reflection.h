@@ -19,6 +19,11 @@ namespace Reflect
 	/** Every static function that scripts may call, by header, class and declaration order. */
 	const std::vector<Function>& functions();
 
+	/** Every function of objects that scripts may call, in the same order. */
+	const std::vector<Function>& methods();
+	/** @return the function that objects of a class have under that name, or null. */
+	const Function* findMethod(const UClass& type, std::string_view name);
+
 	/** Every registered enumeration. */
 	std::vector<const UEnum*> enumerations();
 

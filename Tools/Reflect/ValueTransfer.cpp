@@ -187,6 +187,7 @@ namespace Reflect
 				writeValue(field.Type(), field.Get(const_cast<void*>(value)), sink); // the accessor is for both uses
 				sink.addPair();
 			}
+			sink.endFields(*type.Struct());
 		}
 
 		void writeArray(const FPropertyType& type, const void* value, Sink& sink)

@@ -62,6 +62,8 @@ namespace Reflect
 		virtual void newMap() = 0;
 		/** Takes the value on top and the key below it for the map below. */
 		virtual void addPair() = 0;
+		/** The map on top has all fields of a struct now. */
+		virtual void endFields(const UScriptStruct&) {}
 	};
 
 	/** Sets a value of a type. Throws InputError when the source is no such value; it may be half set then. */

@@ -187,20 +187,32 @@ namespace Script
 			nameFields(lua, function.function, function.name, parameters, Reflect::isOutput);
 		}
 
-		int call(lua_State* lua)
+		const Function& calledFunction(lua_State* lua)
 		{
-			const Function& function = *static_cast<const Function*>(lua_touserdata(lua, lua_upvalueindex(1)));
+			return *static_cast<const Function*>(lua_touserdata(lua, lua_upvalueindex(1)));
+		}
+
+		/** Reads the pins from the table that is all that is on the stack, and calls. @return the list of records that was given. */
+		const RecordList* callWithPins(lua_State* lua, const Function& function, CallFrame& frame, UObject* self)
+		{
 			const int count = lua_gettop(lua);
 			if (count > 1 || (count == 1 && !lua_istable(lua, pinsIndex)))
 			{
 				throw InputError(fmt::format("{}: takes one table of pins: {{ name = value }}", function.name));
 			}
 			const RunningThread running(lua);
-			CallFrame frame(function);
 			lua_settop(lua, pinsIndex);
 			lua_newtable(lua); // the handlers
 			const RecordList* const given = count == 1 ? PinReader(lua, function, frame).readAll() : nullptr;
-			frame.invoke();
+			frame.invoke(self);
+			return given;
+		}
+
+		int call(lua_State* lua)
+		{
+			const Function& function = calledFunction(lua);
+			CallFrame frame(function);
+			const RecordList* const given = callWithPins(lua, function, frame, nullptr);
 			if (Reflect::nodeClassOf(*function.function))
 			{
 				pushStartedNode(lua, frame, function.name);
@@ -211,7 +223,44 @@ namespace Script
 			}
 			return 1;
 		}
+
+		/** @return whether there is nothing but a return value, and no records in it. */
+		bool returnsOneValue(const UFunction& function)
+		{
+			const auto isResult = [](const FParameter& parameter) { return Reflect::isOutput(parameter.Kind); };
+			return std::count_if(function.Parameters.begin(), function.Parameters.end(), isResult) == 1 &&
+				   function.Parameters.back().Kind == EParameterKind::Return && !givesRecords(function);
+		}
+
+		int callMethod(lua_State* lua)
+		{
+			const Function& method = calledFunction(lua);
+			const std::optional<UObject*> self = objectAt(lua, 1, *method.owner);
+			if (!self || !*self)
+			{
+				throw InputError(fmt::format("{}: is called with a colon: object:{}()", method.name, method.function->Name));
+			}
+			const TStrongObjectPtr<UObject> held(*self);
+			lua_remove(lua, 1);
+			CallFrame frame(method);
+			const RecordList* const given = callWithPins(lua, method, frame, *self);
+			if (returnsOneValue(*method.function))
+			{
+				LuaSink sink(lua);
+				const size_t last = method.function->Parameters.size() - 1;
+				Reflect::writeValue(frame[last].type(), frame[last].get(), sink);
+				return 1;
+			}
+			pushOutputs(lua, frame, method, given);
+			return 1;
+		}
 	} // namespace
+
+	void pushMethod(lua_State* lua, const Reflect::Function& method)
+	{
+		lua_pushlightuserdata(lua, const_cast<Function*>(&method)); // as below
+		lua_pushcclosure(lua, guarded<callMethod>, 1);
+	}
 
 	void pushFunction(lua_State* lua, const Reflect::Function& function)
 	{

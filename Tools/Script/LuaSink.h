@@ -2,6 +2,7 @@
 
 #include "JsonMarks.h"
 #include "Lua.h"
+#include "NamedFields.h"
 #include "Objects.h"
 #include "Records.h"
 #include "ValueTransfer.h"
@@ -40,6 +41,7 @@ namespace Script
 		void addElement(int32 index) override { lua_rawseti(lua, -2, index + 1); }
 		void newMap() override { newTable(0); }
 		void addPair() override { lua_rawset(lua, -3); }
+		void endFields(const UScriptStruct& type) override { nameFields(lua, type); }
 
 	private:
 		static constexpr int stackNeeded = 8;

@@ -16,12 +16,13 @@ namespace Script
 		struct FieldNames
 		{
 			std::string title;
+			const char* kind; // what error messages call one
 			std::vector<std::string> names;
 
 			[[noreturn]] void refuse(std::string_view name) const
 			{
 				const std::string suggestion = Reflect::suggestion(name, names);
-				throw Reflect::InputError(fmt::format("{} has no output pin '{}'{}", title, name,
+				throw Reflect::InputError(fmt::format("{} has no {} '{}'{}", title, kind, name,
 					suggestion.empty() ? fmt::format(" (it has: {})", fmt::join(names, ", ")) : suggestion));
 			}
 		};
@@ -53,7 +54,7 @@ namespace Script
 
 		FieldNames namesOf(const std::string& title, std::span<const FParameter> pins, bool (*accept)(EParameterKind kind))
 		{
-			FieldNames fields{title, {}};
+			FieldNames fields{title, "output pin", {}};
 			for (const FParameter& pin : pins)
 			{
 				if (accept(pin.Kind))
@@ -63,23 +64,44 @@ namespace Script
 			}
 			return fields;
 		}
+		FieldNames namesOf(const UScriptStruct& type)
+		{
+			FieldNames fields{type.Name, "field", {}};
+			for (const FStructField& field : type.Fields)
+			{
+				fields.names.emplace_back(field.Name);
+			}
+			return fields;
+		}
+
+		/** @param make  is called for the first table of an owner only. */
+		template <class Make>
+		void setNames(lua_State* lua, const void* owner, Make make)
+		{
+			static constexpr luaL_Reg none[] = {{nullptr, nullptr}};
+			luaL_checkstack(lua, LUA_MINSTACK, nullptr);
+			if (lua_rawgetp(lua, LUA_REGISTRYINDEX, owner) == LUA_TNIL)
+			{
+				lua_pop(lua, 1);
+				lua_createtable(lua, 0, 1);
+				UserData<FieldNames>::push(lua, none, make());
+				lua_pushcclosure(lua, guarded<findField>, 1);
+				lua_setfield(lua, -2, "__index");
+				lua_pushvalue(lua, -1);
+				lua_rawsetp(lua, LUA_REGISTRYINDEX, owner);
+			}
+			lua_setmetatable(lua, -2);
+		}
 	} // namespace
 
 	void nameFields(
 		lua_State* lua, const void* owner, const std::string& title, std::span<const FParameter> pins, bool (*accept)(EParameterKind kind))
 	{
-		static constexpr luaL_Reg none[] = {{nullptr, nullptr}};
-		luaL_checkstack(lua, LUA_MINSTACK, nullptr);
-		if (lua_rawgetp(lua, LUA_REGISTRYINDEX, owner) == LUA_TNIL)
-		{
-			lua_pop(lua, 1);
-			lua_createtable(lua, 0, 1);
-			UserData<FieldNames>::push(lua, none, namesOf(title, pins, accept));
-			lua_pushcclosure(lua, guarded<findField>, 1);
-			lua_setfield(lua, -2, "__index");
-			lua_pushvalue(lua, -1);
-			lua_rawsetp(lua, LUA_REGISTRYINDEX, owner);
-		}
-		lua_setmetatable(lua, -2);
+		setNames(lua, owner, [&] { return namesOf(title, pins, accept); });
+	}
+
+	void nameFields(lua_State* lua, const UScriptStruct& type)
+	{
+		setNames(lua, &type, [&] { return namesOf(type); });
 	}
 } // namespace Script

@@ -17,4 +17,7 @@ namespace Script
 	 */
 	void nameFields(
 		lua_State* lua, const void* owner, const std::string& title, std::span<const FParameter> pins, bool (*accept)(EParameterKind kind));
+
+	/** The same for a table that has the values of the fields of a struct. */
+	void nameFields(lua_State* lua, const UScriptStruct& type);
 } // namespace Script

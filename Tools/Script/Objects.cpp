@@ -1,7 +1,9 @@
 #include "Objects.h"
 
 #include "Events.h"
+#include "FunctionCall.h"
 #include "InputError.h"
+#include "NearestName.h"
 #include "Reflection.h"
 #include "UserData.h"
 
@@ -18,16 +20,41 @@ namespace Script
 	{
 		constexpr const char* cacheName = "object cache"; // registry: object address to user datum, weak
 
+		std::vector<std::string> memberNames(const UClass& type)
+		{
+			std::vector<std::string> names;
+			for (const FMulticastDelegateProperty* event : Reflect::eventsOf(&type))
+			{
+				names.emplace_back(event->Name);
+			}
+			for (const Reflect::Function& method : Reflect::methods())
+			{
+				if (type.IsChildOf(method.owner))
+				{
+					names.emplace_back(method.function->Name);
+				}
+			}
+			return names;
+		}
+
 		int findMember(lua_State* lua)
 		{
 			UObject* const object = UserData<ObjectReference>::check(lua, 1).Get();
+			const UClass& type = *object->GetClass();
 			const char* const name = luaL_checkstring(lua, 2);
-			const FMulticastDelegateProperty* const event = Reflect::findEvent(object->GetClass(), name);
-			if (!event)
+			if (const FMulticastDelegateProperty* const event = Reflect::findEvent(&type, name))
 			{
-				throw Reflect::InputError(fmt::format("{} has no event '{}'", object->GetClass()->GetName(), name));
+				pushEvent(lua, *object, *event);
 			}
-			pushEvent(lua, *object, *event);
+			else if (const Reflect::Function* const method = Reflect::findMethod(type, name))
+			{
+				pushMethod(lua, *method);
+			}
+			else
+			{
+				throw Reflect::InputError(
+					fmt::format("{} has no event or function '{}'{}", type.GetName(), name, Reflect::suggestion(name, memberNames(type))));
+			}
 			return 1;
 		}
 

@@ -29,6 +29,8 @@ public:
 	 * Makes a node that downloads a file.
 	 * @param URL  http or https; a user and a password in it are sent, and never shown.
 	 * @param FilePath  where the file is to stand; missing folders are made.
+	 * @param Options  how; what is not set has a value that suits most files.
+	 * @return the download itself, to pause or cancel it.
 	 */
 	UFUNCTION(BlueprintCallable, Category = "Corvane|Transfers",
 		meta = (BlueprintInternalUseOnly = "true", AutoCreateRefTerm = "Options", DisplayName = "Download File (whole or a reason)"))

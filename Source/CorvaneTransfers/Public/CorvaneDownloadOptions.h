@@ -56,6 +56,7 @@ struct CORVANETRANSFERS_API FCorvaneDownloadOptions
 	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Corvane|Transfers")
 	int64 BytesPerSecond = 0;
 
+	/** What becomes of a file that stands under the target's name already. */
 	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Corvane|Transfers")
 	ECorvaneIfTargetExists IfTargetExists = ECorvaneIfTargetExists::Replace;
 

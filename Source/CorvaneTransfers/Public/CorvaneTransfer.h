@@ -13,7 +13,7 @@ DECLARE_DYNAMIC_MULTICAST_DELEGATE_OneParam(FCorvaneTransferEvent, const FCorvan
  * One transfer, as a latent node and as an object. It is held from its start until its outcome, which comes exactly once and
  * never inside the call that starts it. Thread: game thread.
  */
-UCLASS(Abstract, BlueprintType)
+UCLASS(Abstract, BlueprintType, meta = (ExposedAsyncProxy = "Transfer"))
 class CORVANETRANSFERS_API UCorvaneTransfer : public UBlueprintAsyncActionBase
 {
 	GENERATED_BODY()
@@ -43,10 +43,11 @@ public:
 	UFUNCTION(BlueprintCallable, Category = "Corvane|Transfers")
 	virtual void Cancel() {}
 
-	/** @return how it stands now. */
+	/** Tells how it stands now, or what it ended with. */
 	UFUNCTION(BlueprintPure, Category = "Corvane|Transfers")
 	virtual FCorvaneTransferReport GetReport() const { return FCorvaneTransferReport(); }
 
+	/** Tells whether it stands still until Continue. */
 	UFUNCTION(BlueprintPure, Category = "Corvane|Transfers")
 	virtual bool IsPaused() const { return false; }
 

@@ -59,6 +59,7 @@ struct CORVANETRANSFERS_API FCorvaneTransferReport
 	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
 	double SecondsWaited = 0;
 
+	/** From the start to now or to the outcome, without waits and pauses. */
 	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
 	double SecondsWorked = 0;
 

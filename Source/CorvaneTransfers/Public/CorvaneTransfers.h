@@ -11,6 +11,7 @@ enum class ECorvaneTransferOutcome : uint8
 {
 	/** It has not ended yet. */
 	Running = 0,
+	/** What was wanted is there, whole and checked. */
 	Succeeded = 1,
 	/** It was not started: an argument is wrong, or what is on disk forbids it. */
 	Refused = 2,

@@ -47,6 +47,16 @@ namespace Program
 		{
 			fmt::print("{}: {}\n", name, isTerminal(stdout) ? withoutControls(shortened(text)) : text);
 		}
+		/** The fields of a struct, or the values of a map, by names that say where they stand. */
+		Json named(const std::string& owner, const Json& fields)
+		{
+			Json pins = Json::object();
+			for (const auto& [name, value] : fields.items())
+			{
+				pins[fmt::format("{}.{}", owner, name)] = value;
+			}
+			return pins;
+		}
 	} // namespace
 
 	std::string asJsonLine(const Json& value)
@@ -62,6 +72,10 @@ namespace Program
 			if (asJson)
 			{
 				printable[name] = value.is_binary() ? Json(base64(value.get_binary())) : value;
+			}
+			else if (value.is_object())
+			{
+				printPins(named(name, value), false);
 			}
 			else
 			{

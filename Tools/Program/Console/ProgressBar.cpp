@@ -2,6 +2,7 @@
 
 #include "Console.h"
 #include "CorvaneBPLibrary.h"
+#include "CorvaneTransferReport.h"
 #include "Reflection.h"
 
 #include <fmt/core.h>
@@ -72,8 +73,9 @@ namespace Program
 
 	ProgressBar::ProgressBar(bool tellsInLines)
 		: asLines(tellsInLines)
+		, isShown(asLines || isTerminal(stderr))
 	{
-		if (!asLines && !isTerminal(stderr))
+		if (!isShown)
 		{
 			return;
 		}
@@ -100,8 +102,37 @@ namespace Program
 		}
 	}
 
+	ProgressBar::Progress ProgressBar::received(int64 size, int64 done)
+	{
+		const auto whole = static_cast<double>(size);
+		const double there = size < 0 ? static_cast<double>(done) : std::min(static_cast<double>(done), whole); // some came twice
+		return {"received", size > 0 ? 100 * there / whole : 0, whole, there};
+	}
+
+	void ProgressBar::watch(UObject& node)
+	{
+		const FMulticastDelegateProperty* const event = Reflect::findEvent(node.GetClass(), "OnProgress");
+		const bool reports = event && event->Signature->Parameters.size() == 1 &&
+							 &event->Signature->Parameters[0].Type() == &PropertyTypeOf<FCorvaneTransferReport>();
+		if (!isShown || !reports)
+		{
+			return;
+		}
+		taps.emplace_back(node, *event,
+			[this](const Json& pins)
+			{
+				const Json& report = pins.front();
+				const auto number = [&report](const char* field) { return report.at(field).get<int64>(); };
+				tell(received(number("TotalBytes"), number("TakenOverBytes") + number("TransferredBytes")));
+			});
+	}
+
 	void ProgressBar::tell(const Progress& progress)
 	{
+		if (!isShown)
+		{
+			return;
+		}
 		const Clock::time_point now = Clock::now();
 		if (!hasBegun || progress.done < firstDone)
 		{

@@ -18,9 +18,6 @@ namespace Program
 		ProgressBar(const ProgressBar&) = delete;
 		ProgressBar& operator=(const ProgressBar&) = delete;
 
-	private:
-		using Clock = std::chrono::steady_clock;
-
 		struct Progress
 		{
 			const char* direction;
@@ -29,13 +26,24 @@ namespace Program
 			double done; // bytes
 		};
 
+		/** @param size  bytes; negative = nobody knows. @return what to tell of bytes that have come. */
+		static Progress received(int64 size, int64 done);
+
+		/** Tells, if it does at all, what the events of the library do not. */
 		void tell(const Progress& progress);
+		/** Tells what a node reports on the way. A node that reports nothing is left alone. */
+		void watch(UObject& node);
+
+	private:
+		using Clock = std::chrono::steady_clock;
+
 		static void draw(const Progress& progress, const std::string& text);
 		static std::string amount(const Progress& progress);
 		/** @return the end of the line; empty while there is nothing to tell. */
 		std::string speedAndTimeLeft(const Progress& progress, double seconds) const;
 
 		const bool asLines;
+		const bool isShown;
 		std::list<EventTap> taps;
 		bool hasBegun = false;
 		bool isDrawn = false;

@@ -1,5 +1,6 @@
 #include "CallInput.h"
 
+#include "HeaderLine.h"
 #include "InputError.h"
 #include "JsonValues.h"
 #include "NearestName.h"
@@ -25,9 +26,13 @@ namespace Program
 			return type.Inner()->Kind == EPropertyKind::String;
 		}
 
-		/** How lists and maps of texts are written, for messages; other types need no explanation. */
+		/** How structs, and lists and maps of texts, are written, for messages; other types need no explanation. */
 		std::string spelling(const std::string& pin, const FPropertyType& type)
 		{
+			if (type.Kind == EPropertyKind::Struct && !type.Struct()->Fields.empty())
+			{
+				return fmt::format(R"(; it is written {}='{{"{}":...}}')", pin, type.Struct()->Fields.front().Name);
+			}
 			if (type.Kind == EPropertyKind::Map && holdsTexts(type))
 			{
 				return fmt::format(R"(; it is written {}='{{"Accept":"text/plain"}}')", pin);
@@ -109,19 +114,13 @@ namespace Program
 
 			void addHeader(const std::string& line)
 			{
-				const size_t colon = line.find(':');
 				const std::optional<size_t> index = frame.findInput("header");
 				if (!index || &frame[*index].type() != &PropertyTypeOf<TMap<FString, FString>>())
 				{
 					throw InputError(fmt::format("{} takes no headers", function.name));
 				}
-				if (colon == std::string::npos || colon == 0)
-				{
-					throw InputError(fmt::format("'{}' is no header; it is written -H 'Accept: text/plain'", line));
-				}
-				const size_t value = std::min(line.find_first_not_of(' ', colon + 1), line.size());
-				static_cast<TMap<FString, FString>*>(frame[*index].get())
-					->Add(Reflect::toFString(line.substr(0, colon)), Reflect::toFString(line.substr(value)));
+				const auto [name, value] = parseHeader(line);
+				static_cast<TMap<FString, FString>*>(frame[*index].get())->Add(name, value);
 			}
 
 		private:

@@ -170,22 +170,27 @@ namespace Program
 				return {"--port", "--listen-on", "--tls", "--run", "--record", "--to", "--keep-secrets", "--replay", "--speed", "--project",
 					"--base", "--drive-base", "--help"};
 			}
+			if (verb == "get")
+			{
+				return {"--output", "--dir", "--header", "--hash", "--limit-rate", "--if-exists", "--jobs", "--no-resume", "--json",
+					"--quiet", "--verbose", "--help"};
+			}
 			return verb == "run" ? Words{"--connections", "--project", "--base", "--drive-base", "--help"}
 								 : Words{"--drive-base", "--help"};
 		}
 
 		bool takesValue(const std::string& option)
 		{
-			return option == "--output" || option == "--header" || option == "-H" || option == "--timeout" || option == "--connections" ||
-				   option == "-o" || option == "--port" || option == "--listen-on" || option == "--tls" || option == "--run" ||
-				   option == "--record" || option == "--to" || option == "--replay" || option == "--speed" || option == "--project" ||
-				   option == "--base" || option == "--drive-base" || option == "--html";
+			static const Words taking = {"--output", "-o", "--header", "-H", "--timeout", "--connections", "--project", "--base",
+				"--drive-base", "--html", "--dir", "-d", "--hash", "--limit-rate", "--if-exists", "--jobs", "-j",
+				"--port", "--listen-on", "--tls", "--run", "--record", "--to", "--replay", "--speed"};
+			return std::find(taking.begin(), taking.end(), option) != taking.end();
 		}
 	} // namespace
 
 	std::vector<std::string> completions(const std::string& line)
 	{
-		static const Words verbs = {"run", "call", "nodes", "demo", "lab", "completion", "help"};
+		static const Words verbs = {"run", "call", "get", "nodes", "demo", "lab", "completion", "help"};
 		const Words words = split(line);
 		const std::string& word = words.back();
 		if (words.size() <= 2)

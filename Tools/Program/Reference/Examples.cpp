@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fmt/format.h>
 #include <fstream>
 #include <sstream>
 
@@ -26,13 +25,13 @@ namespace Program
 
 	bool Example::uses(std::string_view member) const
 	{
-		const std::string wanted = fmt::format(".{}", member);
-		for (size_t place = text.find(wanted); place != std::string::npos; place = text.find(wanted, place + 1))
+		for (size_t place = text.find(member, 1); place != std::string::npos; place = text.find(member, place + 1))
 		{
-			const size_t end = place + wanted.size();
+			const bool isMember = text[place - 1] == '.' || text[place - 1] == ':';
+			const size_t end = place + member.size();
 			const size_t line = text.rfind('\n', place) + 1; // npos + 1 = 0: the first line
 			const bool isInComment = text.substr(line, place - line).find("--") != std::string::npos;
-			if (!isInComment && (end == text.size() || !isWordCharacter(text[end])))
+			if (isMember && !isInComment && (end == text.size() || !isWordCharacter(text[end])))
 			{
 				return true;
 			}

@@ -52,6 +52,10 @@ namespace Program
 			{
 				all.emplace_back(function.function->Name, function.function->Meta, *function.owner);
 			}
+			for (const Reflect::Function& method : Reflect::methods())
+			{
+				all.emplace_back(method.function->Name, method.function->Meta, *method.owner);
+			}
 			for (const UClass* owner : owners())
 			{
 				for (const FMulticastDelegateProperty& event : owner->Definition.Delegates)
@@ -124,6 +128,35 @@ namespace Program
 			return pin;
 		}
 
+		template <class Type>
+		void addOnce(std::vector<const Type*>& list, const Type* item)
+		{
+			if (std::find(list.begin(), list.end(), item) == list.end())
+			{
+				list.push_back(item);
+			}
+		}
+
+		/** @return what the editor calls the pin that hands out the node itself; empty = it hides it. */
+		std::string objectTitle(const UClass* nodeClass)
+		{
+			std::string title;
+			for (; nodeClass && title.empty(); nodeClass = nodeClass->GetSuperClass())
+			{
+				title = FindMeta(nodeClass->Definition.Meta, "ExposedAsyncProxy");
+			}
+			return title;
+		}
+
+		/** The node itself, under the name that the editor gives to its pin. */
+		PinFacts objectPinOf(const FParameter& result, const Documented& documented, const std::string& title)
+		{
+			PinFacts pin = pinOf(result, documented, "");
+			pin.name = "AsyncTaskProxy";
+			pin.title = title;
+			return pin;
+		}
+
 		std::string enginePath(std::string_view module, std::string_view name)
 		{
 			return fmt::format("/Script/{}.{}", module, name);
@@ -170,15 +203,39 @@ namespace Program
 		}
 	} // namespace
 
+	std::vector<const UScriptStruct*> NodeFacts::structs() const
+	{
+		std::vector<const UScriptStruct*> found;
+		for (const PinFacts& pin : pins)
+		{
+			const UScriptStruct* const record = pin.type->Kind == EPropertyKind::Struct ? pin.type->Struct() : nullptr;
+			if (record && !record->Fields.empty())
+			{
+				addOnce(found, record);
+			}
+		}
+		return found;
+	}
+
 	std::vector<const UEnum*> NodeFacts::enumerations() const
 	{
 		std::vector<const UEnum*> found;
+		const auto add = [&found](const FPropertyType& type)
+		{
+			if (type.Kind == EPropertyKind::Enum)
+			{
+				addOnce(found, type.Enum());
+			}
+		};
 		for (const PinFacts& pin : pins)
 		{
-			const UEnum* const values = pin.type->Kind == EPropertyKind::Enum ? pin.type->Enum() : nullptr;
-			if (values && std::find(found.begin(), found.end(), values) == found.end())
+			add(*pin.type);
+		}
+		for (const UScriptStruct* record : structs())
+		{
+			for (const FStructField& field : record->Fields)
 			{
-				found.push_back(values);
+				add(field.Type());
 			}
 		}
 		return found;
@@ -207,12 +264,16 @@ namespace Program
 						: isPure  ? NodeKind::Pure
 								  : NodeKind::Callable,
 			function.name, *title ? title : displayName(function.function->Name), FindMeta(meta, "Category"), textsOf(documented), {}, {},
-			enginePath(*function.owner), nodeClass ? enginePath(*nodeClass) : "", ""};
+			enginePath(*function.owner), nodeClass ? enginePath(*nodeClass) : "", "", !(function.function->Flags & FUNC_Static)};
 		for (const FParameter& parameter : function.function->Parameters)
 		{
-			if (!nodeClass || parameter.Kind != EParameterKind::Return) // the editor hides the object behind a latent node
+			if (!nodeClass || parameter.Kind != EParameterKind::Return)
 			{
 				facts.pins.push_back(pinOf(parameter, documented, FindMeta(meta, "AutoCreateRefTerm")));
+			}
+			else if (const std::string object = objectTitle(nodeClass); !object.empty())
+			{
+				facts.pins.push_back(objectPinOf(parameter, documented, object));
 			}
 		}
 		addOutcomes(facts, nodeClass);
@@ -225,6 +286,10 @@ namespace Program
 		for (const Reflect::Function& function : Reflect::functions())
 		{
 			all.push_back(factsOf(function));
+		}
+		for (const Reflect::Function& method : Reflect::methods())
+		{
+			all.push_back(factsOf(method));
 		}
 		for (const UClass* owner : owners())
 		{

@@ -50,10 +50,13 @@ namespace Program
 		std::string owner; // the class that it belongs to, as the engine names it: "/Script/Module.Class"
 		std::string nodeClass; // of a latent node: the class of the nodes that it makes
 		std::string signature; // of an event: what its handlers take
+		bool isOfObject = false; // it is called on an object of its class
 
 		/** The name without its class. */
 		std::string ownName() const { return name.substr(name.find('.') + 1); }
-		/** The enumerations that its pins take, each once. */
+		/** The structs with fields that its pins take, each once. */
+		std::vector<const UScriptStruct*> structs() const;
+		/** The enumerations that its pins and their fields take, each once. */
 		std::vector<const UEnum*> enumerations() const;
 	};
 

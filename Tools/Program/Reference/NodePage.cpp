@@ -1,3 +1,4 @@
+#include "FieldFacts.h"
 #include "Graph/GraphNodes.h"
 #include "GraphFigure.h"
 #include "Html.h"
@@ -26,7 +27,9 @@ namespace Program
 		std::string shownType(const FPropertyType& type)
 		{
 			const std::string name = escapeHtml(shortTypeName(type));
-			return type.Kind == EPropertyKind::Enum ? fmt::format("<a href=\"#{0}\">{0}</a>", name) : name;
+			const bool hasTable =
+				type.Kind == EPropertyKind::Enum || (type.Kind == EPropertyKind::Struct && !type.Struct()->Fields.empty());
+			return hasTable ? fmt::format("<a href=\"#{0}\">{0}</a>", name) : name;
 		}
 
 		/** @return nothing when there are no such pins. */
@@ -57,6 +60,32 @@ namespace Program
 					linked.paragraphs(outcome.texts));
 			}
 			return rows.empty() ? rows : fmt::format("<h2>Outcomes</h2>\n<dl>\n{}</dl>\n", rows);
+		}
+
+		std::string fieldTable(const UScriptStruct& record, const LinkedText& linked)
+		{
+			std::string rows;
+			for (const FieldFacts& field : fieldsOf(record))
+			{
+				const std::string preset = field.defaultText.empty() ? "" : fmt::format("<code>{}</code>", escapeHtml(field.defaultText));
+				rows += fmt::format("<tr><th scope=\"row\"><code>{}</code></th><td class=\"type\">{}</td><td class=\"default\">{}</td>"
+									"<td>{}</td></tr>\n",
+					escapeHtml(field.name), shownType(*field.type), preset, linked.paragraphs(field.texts));
+			}
+			return fmt::format("<h2 id=\"{0}\">Fields of {0}</h2>\n<p>{1}</p>\n<table>\n<thead><tr><th scope=\"col\">Field</th>"
+							   "<th scope=\"col\">Type</th><th scope=\"col\">Default</th><th scope=\"col\">Meaning</th></tr></thead>\n"
+							   "<tbody>\n{2}</tbody>\n</table>\n",
+				escapeHtml(record.Name), escapeHtml(FindMeta(record.Meta, "Comment")), rows);
+		}
+
+		std::string fieldTables(const NodeFacts& facts, const LinkedText& linked)
+		{
+			std::string html;
+			for (const UScriptStruct* record : facts.structs())
+			{
+				html += fieldTable(*record, linked);
+			}
+			return html;
 		}
 
 		std::string valueTables(const NodeFacts& facts)
@@ -117,8 +146,8 @@ namespace Program
 			kindName(facts.kind), escapeHtml(facts.category), escapeHtml(facts.title), escapeHtml(facts.name));
 		return htmlPage(facts.title,
 			head + linked.paragraphs(facts.texts) + graphFigure(graphOf(facts)) + outcomeList(facts, linked) +
-				pinTable(facts, true, linked) + pinTable(facts, false, linked) + valueTables(facts) + guideList(reference, facts) +
-				exampleList(reference, facts) + eventList(reference, facts),
+				pinTable(facts, true, linked) + pinTable(facts, false, linked) + fieldTables(facts, linked) + valueTables(facts) +
+				guideList(reference, facts) + exampleList(reference, facts) + eventList(reference, facts),
 			graphScripts);
 	}
 } // namespace Program

@@ -1,3 +1,4 @@
+#include "FieldFacts.h"
 #include "ReferencePages.h"
 
 #include <algorithm>
@@ -72,6 +73,16 @@ namespace Program
 				if (outcome.texts.empty())
 				{
 					missing.push_back(fmt::format("{} does not say what {} means", facts.name, outcome.name));
+				}
+			}
+			for (const UScriptStruct* record : facts.structs())
+			{
+				for (const FieldFacts& field : fieldsOf(*record))
+				{
+					if (field.texts.empty())
+					{
+						missing.push_back(fmt::format("{}: {} does not say what {} means", facts.name, record->Name, field.name));
+					}
 				}
 			}
 		}

@@ -66,6 +66,14 @@ void FCorvaneFollowRun::Cancel()
 	TellEvents(); // there are none any more, but the exchange may have ended while it was paused
 }
 
+void FCorvaneFollowRun::Abandon()
+{
+	if (Buffer.IsValid())
+	{
+		Buffer->Close();
+	}
+}
+
 void FCorvaneFollowRun::EndWithProgram()
 {
 	Follow(Machine.EndOfProgram(CorvaneFollowRun::Now()));

@@ -49,6 +49,7 @@ public:
 
 	virtual void EndWithProgram() override;
 	virtual bool IsOver() const override { return Machine.IsOver(); }
+	virtual void Abandon() override;
 	virtual FCorvaneMailbox& GetMailbox() override { return *Mailbox; }
 
 private:

@@ -9,6 +9,7 @@
 #include <map>
 #include <sstream>
 #include <stdexcept>
+#include <utility>
 
 namespace Program
 {
@@ -119,6 +120,21 @@ namespace Program
 				return *found;
 			}
 
+			const UScriptStruct& structOf(const std::string& name) const
+			{
+				for (const NodeFacts& node : known)
+				{
+					for (const UScriptStruct* record : node.structs())
+					{
+						if (record->Name == name)
+						{
+							return *record;
+						}
+					}
+				}
+				throw std::out_of_range("no pin is a struct of the name " + name);
+			}
+
 			GraphNode makeNode(const std::string& words)
 			{
 				std::string name;
@@ -131,6 +147,10 @@ namespace Program
 				if (words.starts_with("bind "))
 				{
 					return bindNode(factsOf(words.substr(5)));
+				}
+				if (words.starts_with("make ") || words.starts_with("break "))
+				{
+					return structNode(structOf(words.substr(words.find(' ') + 1)), words.starts_with("make "));
 				}
 				if (words.starts_with("event "))
 				{
@@ -161,7 +181,12 @@ namespace Program
 				const bool runs = graph.nodes[node].find("execute", false) < graph.nodes[node].pins.size();
 				if (beginsRow)
 				{
-					beginRow(node);
+					beginRow();
+				}
+				if (runs && !runsAfter.empty())
+				{
+					connect(std::exchange(runsAfter, ""), node, "execute");
+					rows.back().after = graph.wires.back().from.node;
 				}
 				else if (runs && previous)
 				{
@@ -173,16 +198,10 @@ namespace Program
 				}
 			}
 
-			void beginRow(size_t node)
+			void beginRow()
 			{
 				rows.emplace_back();
-				if (!runsAfter.empty())
-				{
-					connect(runsAfter, node, "execute");
-					rows.back().after = graph.wires.back().from.node;
-				}
 				previous.reset();
-				runsAfter.clear();
 				beginsRow = false;
 			}
 

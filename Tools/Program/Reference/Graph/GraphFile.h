@@ -18,8 +18,8 @@ namespace Program
 	 *     after node.OnFail
 	 *     print
 	 *
-	 * A node is a function's name, `bind EVENT`, `event NAME`, `event NAME of EVENT` with that event's pins, or `print`; others
-	 * speak of it by the word before the "=". Its indented lines are values and wires, which may come from further down. An
+	 * A node is a function's name, `bind EVENT`, `event NAME`, `event NAME of EVENT` with that event's pins, `make STRUCT`,
+	 * `break STRUCT`, or `print`; others speak of it by the word before the "=". Its indented lines are values and wires, which may come from further down. An
 	 * empty line begins the next row; `after NODE.OUTCOME` says what leads to it.
 	 *
 	 * @param title  what the graph shows.

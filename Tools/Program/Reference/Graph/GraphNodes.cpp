@@ -1,5 +1,7 @@
 #include "Graph/GraphNodes.h"
 
+#include "DisplayName.h"
+#include "FieldFacts.h"
 #include "Graph/GraphLayout.h"
 #include "Graph/PinTypes.h"
 
@@ -107,7 +109,7 @@ namespace Program
 		}
 		if (!isLatent)
 		{
-			node.pins.push_back(hiddenTarget(facts.owner));
+			node.pins.push_back(facts.isOfObject ? objectPin("self", "Target", facts.owner) : hiddenTarget(facts.owner));
 		}
 		addDataPins(node, facts, true);
 		addDataPins(node, facts, false);
@@ -133,6 +135,24 @@ namespace Program
 		for (const PinFacts& pin : event ? event->pins : std::vector<PinFacts>())
 		{
 			node.pins.push_back(userDefinedPin(pin));
+		}
+		return node;
+	}
+
+	GraphNode structNode(const UScriptStruct& record, bool isMade)
+	{
+		const PinType type = pinTypeOf(record.Type());
+		const std::string title = displayName(record.Name);
+		GraphNode node{isMade ? "K2Node_MakeStruct" : "K2Node_BreakStruct", "", {fmt::format("StructType=\"{}\"", type.object)},
+			NodeLook::Pure, fmt::format("{} {}", isMade ? "Make" : "Break", title), "", {}};
+		node.pins.push_back({record.Name, title, type, isMade});
+		for (const FieldFacts& field : fieldsOf(record))
+		{
+			GraphPin pin{field.name, displayName(field.name, field.type->Kind == EPropertyKind::Bool), pinTypeOf(*field.type), !isMade};
+			const PinValue value = isMade ? pinValueOf(*field.type, field.presetText()) : PinValue();
+			pin.value = value.text;
+			pin.shownValue = value.shown;
+			node.pins.push_back(pin);
 		}
 		return node;
 	}

@@ -19,6 +19,9 @@ namespace Program
 	 */
 	GraphNode customEvent(const std::string& name, const NodeFacts* event);
 
+	/** The node that makes a struct of its fields, or takes one apart. */
+	GraphNode structNode(const UScriptStruct& record, bool isMade);
+
 	/** The engine's node that shows a text on the screen. */
 	GraphNode printNode();
 
