@@ -282,7 +282,7 @@ TEST_F(DownloadFile, SaysWhatIsWrongWithTheDiskAndLeavesTheTarget)
 				connection.waitForPeer();
 			});
 	};
-	const RawServer server(answering([](const std::string&) { return answer(200, content); })), endless = isToBe("1000000000000000000");
+	const RawServer server(answering([](const std::string&) { return answer(200, content); })), endless = isToBe("100000000000000");
 	const auto makeFolder = [this](const char* name)
 	{
 		fs::remove(folder.path(name));

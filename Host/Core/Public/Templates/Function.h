@@ -43,6 +43,24 @@ private:
 	std::unique_ptr<FTarget> Target;
 };
 
-/** A callable that may be copied; empty until one is given. */
 template <class Signature>
-using TFunction = std::function<Signature>;
+class TFunction;
+
+/** A callable that may be copied; empty until one is given. */
+template <class Result, class... Args>
+class TFunction<Result(Args...)>
+{
+public:
+	TFunction() = default;
+	template <class Callable>
+	requires(!std::is_same_v<std::decay_t<Callable>, TFunction>) TFunction(Callable&& Body)
+		: Target(std::forward<Callable>(Body))
+	{
+	}
+
+	explicit operator bool() const { return Target != nullptr; }
+	Result operator()(Args... Arguments) const { return Target(std::forward<Args>(Arguments)...); }
+
+private:
+	std::function<Result(Args...)> Target;
+};

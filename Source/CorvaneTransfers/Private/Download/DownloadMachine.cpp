@@ -88,9 +88,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::OnOpened(double Now, const FCorvan
 	Version = Opened.Version;
 	if (Opened.bWholeAlready)
 	{
-		Report.Outcome = ECorvaneTransferOutcome::Succeeded;
-		Report.Sentence = TEXT("The file was whole already; only its journal was left to be cleaned up.");
-		return LetGo(Now, true);
+		return Finish(Now); // an earlier run got so far; its journal, and the hash, are still to be dealt with
 	}
 	if (WantedEnd != ECorvaneTransferOutcome::Running)
 	{
