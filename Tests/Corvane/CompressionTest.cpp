@@ -17,7 +17,6 @@ namespace
 				{ return request.header("Accept-Encoding").find("gzip") == std::string::npos ? Lab::file(plain) : packs; });
 		}
 
-		Lab::Origin origin;
 		LogCapture log;
 	};
 } // namespace

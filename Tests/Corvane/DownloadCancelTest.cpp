@@ -9,7 +9,7 @@ namespace
 	class DownloadCancel : public DownloadFixture
 	{
 	protected:
-		DownloadCancel() { honest.at("/file", Lab::file(content)); }
+		DownloadCancel() { origin.at("/file", Lab::file(content)); }
 
 		/** Serves the file in twelve pieces; each waits until the test allows it. */
 		struct Pieces
@@ -79,7 +79,6 @@ namespace
 			EXPECT_TRUE(content.starts_with(kept)) << atLeast;
 		}
 
-		Lab::Origin honest;
 		LogCapture log;
 	};
 } // namespace
@@ -94,7 +93,7 @@ TEST_F(DownloadCancel, KeepsWhatArrivedAtAnyMomentAndAResumeFinishes)
 		cancel();
 		expectOneFailure();
 		expectStartOfFile(5000 * pieces);
-		EXPECT_EQ(fetch({honest.url("/file")}).statusCode, pieces == 0 ? 200 : 206);
+		EXPECT_EQ(fetch({origin.url("/file")}).statusCode, pieces == 0 ? 200 : 206);
 		EXPECT_TRUE(target() == content) << "pieces: " << pieces;
 	}
 }
@@ -122,14 +121,14 @@ TEST_F(DownloadCancel, MayBeFollowedByANewStartInItsOwnEvent)
 		{
 			if (!std::exchange(bRestarted, true))
 			{
-				execute(build({honest.url("/file")})); // the bytes are on disk by now
+				execute(build({origin.url("/file")})); // the bytes are on disk by now
 			}
 		});
 	start(server, 1);
 	cancel();
 	ASSERT_EQ(completions.size(), 2u);
 	EXPECT_EQ(completions[1].statusCode, 206);
-	EXPECT_EQ(ranges(honest), std::vector<std::string>{"bytes=5000-"});
+	EXPECT_EQ(ranges(origin), std::vector<std::string>{"bytes=5000-"});
 	EXPECT_TRUE(target() == content);
 }
 
@@ -137,7 +136,7 @@ TEST_F(DownloadCancel, OfASteppedOneOutlivesASecondStartOfItsRecord)
 {
 	Gate held, goOn;
 	const FHttpRequestPtr other = FHttpModule::Get().CreateRequest(); // holds the HTTP thread, so that the cancel takes its time
-	other->SetURL(text(honest.url("/file")));
+	other->SetURL(text(origin.url("/file")));
 	FHttpRequestStreamDelegateV2 bytes;
 	bytes.BindLambda(
 		[&](void*, int64&)
@@ -148,7 +147,7 @@ TEST_F(DownloadCancel, OfASteppedOneOutlivesASecondStartOfItsRecord)
 	other->SetResponseBodyReceiveStreamDelegateV2(MoveTemp(bytes));
 	other->ProcessRequest();
 	waitFor([&] { return held.isOpen(); });
-	const TArray<FhttpRequest> requests = build({honest.url("/file"), DownloadKind::Stepped, Action::E_RESUME, "", "id", {}, 20000});
+	const TArray<FhttpRequest> requests = build({origin.url("/file"), DownloadKind::Stepped, Action::E_RESUME, "", "id", {}, 20000});
 	execute(requests);
 	UCorvaneBPLibrary::cancelRequest("id");
 	execute(requests); // refused, and no reason to go on
@@ -168,7 +167,7 @@ TEST_F(DownloadCancel, FollowedByAnOverwriteAtOnceNeverMixesTheTwo)
 		Pieces first(1);
 		start(first, 1, Action::E_OVERWRITE);
 		UCorvaneBPLibrary::cancelRequest("id");
-		execute(build({honest.url("/file"), kind, Action::E_OVERWRITE, "", "second", {}, 20000}));
+		execute(build({origin.url("/file"), kind, Action::E_OVERWRITE, "", "second", {}, 20000}));
 		drain();
 		ASSERT_EQ(completions.size(), 2u);
 		const Completion& second = completions[completions[0].requestID == "second" ? 0 : 1];
@@ -207,16 +206,16 @@ TEST_F(DownloadCancel, OfASteppedDownloadKeepsWholeSteps)
 		const size_t sent = number == 0 ? 0 : step; // the probe asks for one byte
 		std::vector<Lab::Behaviour> serve(number + 1, Lab::file(content));
 		serve.back() = {{Lab::file(content), Lab::stall({.at = {.byte = sent}})}};
-		Lab::Origin origin;
-		origin.at("/file", Lab::inTurn(serve));
-		execute(build({origin.url("/file"), DownloadKind::Stepped, Action::E_RESUME, "", "id", {}, step}));
-		const auto hasStopped = [&] { return origin.log().size() > number && origin.log().back().sentBytes > sent; };
+		Lab::Origin server;
+		server.at("/file", Lab::inTurn(serve));
+		execute(build({server.url("/file"), DownloadKind::Stepped, Action::E_RESUME, "", "id", {}, step}));
+		const auto hasStopped = [&] { return server.log().size() > number && server.log().back().sentBytes > sent; };
 		ASSERT_TRUE(until(hasStopped)) << "step " << number;
 		cancel();
 		expectOneFailure();
 		const size_t steps = std::max<size_t>(number, 1) - 1;
 		EXPECT_TRUE(target().value_or("") == content.substr(0, steps * (step + 1))) << "step " << number;
-		fetch({honest.url("/file"), DownloadKind::Stepped, Action::E_RESUME, "", "id", {}, step});
+		fetch({origin.url("/file"), DownloadKind::Stepped, Action::E_RESUME, "", "id", {}, step});
 		EXPECT_TRUE(target() == content) << "step " << number;
 	}
 }

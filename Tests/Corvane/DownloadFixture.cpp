@@ -39,9 +39,9 @@ void DownloadFixture::expectOutcome(const Fault& fault, DownloadKind kind)
 	const std::string name = std::string("a server that ") + fault.name + ", " + describe(fault.before) + " before";
 	setTarget(fault.before);
 	completions.clear();
-	Lab::Origin origin;
-	origin.at("/file", fault.serve).at("/target", Lab::file(fault.after.value_or("")));
-	execute(build({origin.url("/file?secret#x"), kind, fault.action, "", "my-id"}));
+	Lab::Origin server;
+	server.at("/file", fault.serve).at("/target", Lab::file(fault.after.value_or("")));
+	execute(build({server.url("/file?secret#x"), kind, fault.action, "", "my-id"}));
 	drain();
 	ASSERT_EQ(completions.size(), 1u) << name;
 	EXPECT_EQ(completions[0].statusCode, fault.statusCode) << name;

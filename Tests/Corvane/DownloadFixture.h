@@ -75,6 +75,7 @@ protected:
 
 	static constexpr const char* noPath = "none";
 
+	Lab::Origin origin;
 	TempDir dir;
 	const std::string targetPath = dir.path("target.bin");
 };

@@ -112,7 +112,6 @@ TEST_F(Download, LeavesTheWholeFileATruePrefixOrWhatWasThere)
 TEST_F(Download, TellsTextAndLinesThatCameAndCountsWhatIsOnDisk)
 {
 	setTarget("begin,");
-	Lab::Origin origin;
 	origin.at("/file", Lab::file("begin,one\r\n\r\ntwo"));
 	const Completion result = fetch({origin.url("/file")});
 	EXPECT_EQ(result.dataString, "one\r\n\r\ntwo");
@@ -127,7 +126,6 @@ TEST_F(Download, TellsTextAndLinesThatCameAndCountsWhatIsOnDisk)
 TEST_F(Download, IntoTheGameIsReadFromTheProjectsFolder)
 {
 	HostDirectories::Set(dir.path(), "/elsewhere");
-	Lab::Origin origin;
 	origin.at("/file", Lab::file(content));
 	for (const DownloadKind kind : bothDownloadKinds)
 	{
@@ -147,7 +145,6 @@ TEST_F(Download, OfAPartOfOnesOwnChoiceIsWrittenWhereItFollows)
 		for (const size_t missing : {0u, 50u})
 		{
 			const LogCapture log;
-			Lab::Origin origin;
 			origin.at("/file", Lab::file(content), Lab::dropAfter(100 - missing));
 			setTarget(before);
 			const TArray<FhttpRequest> requests =
@@ -170,7 +167,6 @@ TEST_F(Download, ThatIsResumedNeverMixesTwoVersions)
 		const Lab::FileOptions told{.validator = bTagged ? Lab::Validator::Strong : Lab::Validator::None, .tellsTime = !bTagged};
 		Lab::FileOptions toldOfSecond = told;
 		toldOfSecond.change = change;
-		Lab::Origin origin;
 		origin.at("/first", Lab::file(content, told), Lab::dropAfter(2000));
 		origin.at("/same", Lab::file(content, told)).at("/changed", Lab::file(content, toldOfSecond));
 		for (const DownloadKind kind : bothDownloadKinds)
@@ -196,7 +192,6 @@ TEST_F(Download, ThatIsResumedNeverMixesTwoVersions)
 TEST_F(Download, KnowsNoVersionOfNoBytes)
 {
 	setTarget(prefix);
-	Lab::Origin origin;
 	origin.at("/whole", Lab::file(foreign + content, {.ranges = Lab::Ranges::Ignored})).at("/other", Lab::file(content));
 	{
 		const FileSizeLimit limit(0);
@@ -238,7 +233,6 @@ TEST_F(Download, IsRefusedByItsBuilder)
 
 TEST_F(Download, SaysWhenItCannotWrite)
 {
-	Lab::Origin origin;
 	origin.at("/file", Lab::file(content));
 	for (const DownloadKind kind : bothDownloadKinds)
 	{
@@ -261,7 +255,6 @@ TEST_F(LargeDownload, LeavesATextTooLargeToReadEmpty)
 {
 	const LogCapture log;
 	const std::string large((64 << 20) + 1, 'x');
-	Lab::Origin origin;
 	origin.at("/file", Lab::file(large));
 	const Completion result = fetch({origin.url("/file")});
 	EXPECT_EQ(result.statusCode, 200);
@@ -272,7 +265,6 @@ TEST_F(LargeDownload, LeavesATextTooLargeToReadEmpty)
 
 TEST_F(Download, AFloodOfSmallBlocksIsOneEventWithoutATick)
 {
-	Lab::Origin origin;
 	origin.at("/file", Lab::file(std::string(26214400, 'x')), Lab::pieces({1024}));
 	execute(build({origin.url("/file")}));
 	ASSERT_TRUE(waitFor([] { return !UCorvaneBPLibrary::getCorvaneTarget()->runList().hasRuns(); }));

@@ -123,17 +123,16 @@ TEST_F(SteppedDownload, AsksForStepsOfOneByteMoreThanTheirSize)
 	{
 		const std::string file = randomBytes(size);
 		setTarget(before > 0 ? std::optional(file.substr(0, before)) : absent);
-		Lab::Origin origin;
-		origin.at("/file", Lab::file(file));
-		EXPECT_EQ(fetch({origin.url("/file"), DownloadKind::Stepped}).statusCode, 206) << size;
+		Lab::Origin server;
+		server.at("/file", Lab::file(file));
+		EXPECT_EQ(fetch({server.url("/file"), DownloadKind::Stepped}).statusCode, 206) << size;
 		EXPECT_TRUE(target() == file) << size;
-		EXPECT_EQ(ranges(origin), asked) << size;
+		EXPECT_EQ(ranges(server), asked) << size;
 	}
 }
 
 TEST_F(SteppedDownload, GivesHeadersAndProgressOfItsLastAnswerAndNoText)
 {
-	Lab::Origin origin;
 	origin.at("/file", Lab::file(content));
 	const Completion result = fetch({origin.url("/file"), DownloadKind::Stepped});
 	EXPECT_TRUE(result.dataString.empty() && result.dataArray.empty());
@@ -146,7 +145,6 @@ TEST_F(SteppedDownload, GivesHeadersAndProgressOfItsLastAnswerAndNoText)
 TEST_F(SteppedDownload, RepeatsItsHeadersInEveryStepAndARangeOfTheScriptStopsIt)
 {
 	const LogCapture log;
-	Lab::Origin origin;
 	origin.at("/file", Lab::file(content));
 	fetch({origin.url("/file"), DownloadKind::Stepped, Action::E_RESUME, "", "", {{"Range", "bytes=5-9"}}});
 	EXPECT_THAT(ranges(origin), testing::ElementsAre("bytes=5-9", "bytes=5-9"));
@@ -159,7 +157,6 @@ TEST_F(SteppedDownload, GoesOnBeyondFourGibibytes)
 	constexpr int64 onDisk = 5'000'000'000;
 	const Lab::ContentPtr whole = Lab::madeContent(onDisk + (1 << 20));
 	std::filesystem::resize_file(dir.write("target.bin", ""), onDisk); // without its blocks
-	Lab::Origin origin;
 	origin.at("/file", Lab::file(whole));
 	EXPECT_EQ(fetch({origin.url("/file"), DownloadKind::Stepped, Action::E_RESUME, "", "", {}, 400000}).statusCode, 206);
 	ASSERT_EQ(std::filesystem::file_size(targetPath), whole->size());
@@ -171,7 +168,6 @@ TEST_F(SteppedDownload, GoesOnBeyondFourGibibytes)
 TEST_F(SteppedDownload, CarriesItsSpeedOnFromStepToStep)
 {
 	const Lab::Behaviour late = Lab::stall({.time = Lab::Milliseconds(1200)}); // more than a second after the probe's byte
-	Lab::Origin origin;
 	origin.at("/file", except(2, {{Lab::file(content), late}}));
 	fetch({origin.url("/file"), DownloadKind::Stepped});
 	EXPECT_FLOAT_EQ(downloads.back().megaBit, 2001 * 7.6293945e-6f);
