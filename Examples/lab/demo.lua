@@ -28,8 +28,8 @@ local pieces = {}
 for piece = 0, 31 do pieces[#pieces + 1] = string.char(97 + piece % 26):rep(32768) end
 local file = lab.file{ bytes = table.concat(pieces) }
 lab.at("GET /file", file, lab.pieces{ sizes = { 32768 }, pause = 2 })
--- The same, whose first answer breaks off in its middle.
-lab.at("GET /breaks-off", file, lab.drop{ after = "50%", requests = 1 })
+-- The same, whose first two answers break off in their middle.
+lab.at("GET /breaks-off", file, lab.drop{ after = "50%", requests = 2 })
 
 -- Tells what came: the parts of a form, or the one file that is the body.
 local function describe(request)
@@ -50,10 +50,11 @@ lab.at("PUT /upload", describe)
 -- Plays the Drive service: a file, behind a page that asks whether it is wanted in spite of its size.
 local askingPage = [[<span class="uc-name-size"><a href="#">level.pak</a> (1,5M)</span>]]
 	.. [[<a href="/uc?id=%s&amp;export=download;confirm=t0k3n&amp;x=1">Download anyway</a>]]
+	.. [[<form action="/uc" method="get"><input type="hidden" name="id" value="%s"><input type="hidden" name="confirm" value="t0k3n"></form>]]
 lab.at("GET /uc", function(request)
 	local id = request.query.id or ""
 	return request.query.confirm == "t0k3n" and lab.text{ text = "the content of " .. id, type = "application/octet-stream" }
-		or lab.text{ text = askingPage:format(id), type = "text/html" }
+		or lab.text{ text = askingPage:format(id, id), type = "text/html" }
 end)
 lab.at("GET /file/d/level/view", lab.text{
 	text = [[<script>viewer({itemJson:["id","level.pak"]] .. (",null"):rep(25) .. [[,"1572864"]});</script>]],

@@ -164,6 +164,7 @@ TEST(GameThreadTasks, DropsWithoutRunning)
 
 TEST(BackgroundTasks, RunSeveralAtATimeAndEndWithTheProgram)
 {
+	GameThreadTasks::BindToThisThread();
 	struct FShared
 	{
 		std::atomic<int> NumRunning{0};

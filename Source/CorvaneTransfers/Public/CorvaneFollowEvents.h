@@ -27,7 +27,7 @@ DECLARE_DYNAMIC_MULTICAST_DELEGATE_FourParams(
  * cancelled, the program ends, the server says that there are no more events (204) or answers with something that is no stream,
  * or the tries are used up; that is its one outcome. Thread: game thread.
  */
-UCLASS(BlueprintType)
+UCLASS(BlueprintType, meta = (ExposedAsyncProxy = "Transfer"))
 class CORVANETRANSFERS_API UCorvaneFollowEvents : public UBlueprintAsyncActionBase
 {
 	GENERATED_BODY()
@@ -94,14 +94,15 @@ public:
 	UFUNCTION(BlueprintCallable, Category = "Corvane|Transfers")
 	void SetHeader(const FString& Name, const FString& Value);
 
-	/** @return the ID of the last event that had one; empty = none had. */
+	/** Tells the ID of the last event that had one; empty = none had. */
 	UFUNCTION(BlueprintPure, Category = "Corvane|Transfers")
 	FString GetLastEventID() const;
 
-	/** @return how it stands now. */
+	/** Tells how it stands now, or what it ended with. */
 	UFUNCTION(BlueprintPure, Category = "Corvane|Transfers")
 	FCorvaneTransferReport GetReport() const;
 
+	/** Tells whether it waits for Continue. */
 	UFUNCTION(BlueprintPure, Category = "Corvane|Transfers")
 	bool IsPaused() const;
 

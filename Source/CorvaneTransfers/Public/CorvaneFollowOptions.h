@@ -18,6 +18,7 @@ struct CORVANETRANSFERS_API FCorvaneFollowOptions
 	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Corvane|Transfers")
 	bool bPost = false;
 
+	/** What is sent with POST. */
 	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Corvane|Transfers")
 	FString Body;
 
