@@ -126,8 +126,8 @@ namespace HeaderTool
 				text += fmt::format(
 					"\tstatic void* Get_{0}(void* Record) {{ return &static_cast<{1}*>(Record)->{0}; }}\n", property.name, owner.name);
 				text += meta.text;
-				rows += fmt::format("\t\t{{{}, &PropertyTypeOf<{}>, &Get_{}, {}, {}}},\n", quote(property.name),
-					storedType(property.type), property.name, property.specifiers.find("BlueprintReadOnly") != nullptr, meta.reference);
+				rows += fmt::format("\t\t{{{}, &PropertyTypeOf<{}>, &Get_{}, {}, {}}},\n", quote(property.name), storedType(property.type),
+					property.name, property.specifiers.find("BlueprintReadOnly") != nullptr, meta.reference);
 			}
 			Table table = makeTable("static constexpr FStructField Fields[]", "Fields", rows);
 			table.text.insert(0, text.empty() ? "" : text + "\n");

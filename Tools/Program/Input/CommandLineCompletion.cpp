@@ -182,8 +182,8 @@ namespace Program
 		bool takesValue(const std::string& option)
 		{
 			static const Words taking = {"--output", "-o", "--header", "-H", "--timeout", "--connections", "--project", "--base",
-				"--drive-base", "--html", "--dir", "-d", "--hash", "--limit-rate", "--if-exists", "--jobs", "-j",
-				"--port", "--listen-on", "--tls", "--run", "--record", "--to", "--replay", "--speed"};
+				"--drive-base", "--html", "--dir", "-d", "--hash", "--limit-rate", "--if-exists", "--jobs", "-j", "--port", "--listen-on",
+				"--tls", "--run", "--record", "--to", "--replay", "--speed"};
 			return std::find(taking.begin(), taking.end(), option) != taking.end();
 		}
 	} // namespace
