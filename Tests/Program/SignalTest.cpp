@@ -3,8 +3,10 @@
 #include "RawServer.h"
 #include "Waiting.h"
 
+#include <chrono>
 #include <csignal>
 #include <gmock/gmock.h>
+#include <thread>
 
 using ::testing::ContainsRegex;
 using ::testing::IsEmpty;
@@ -70,6 +72,21 @@ namespace
 	}
 
 	const std::string setUp = R"(cd "$0" && export c=$1 b=url=$2; )";
+	/** ThreadSanitizer may hold a signal back for good that comes between two calls that it watches: the next one frees it. */
+	void sendHeldBack([[maybe_unused]] RunningProcess& process, [[maybe_unused]] const std::vector<int>& signals)
+	{
+#ifdef __SANITIZE_THREAD__
+		const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(8);
+		while (!process.hasEnded() && std::chrono::steady_clock::now() < patience)
+		{
+			std::this_thread::sleep_for(std::chrono::milliseconds(1));
+		}
+		if (!signals.empty())
+		{
+			process.send(signals.front());
+		}
+#endif
+	}
 } // namespace
 
 TEST(Signal, EndsEveryVerbInOrder)
@@ -89,6 +106,7 @@ TEST(Signal, EndsEveryVerbInOrder)
 		{
 			process.send(signal);
 		}
+		sendHeldBack(process, tested.signals);
 		const ProcessRun run = process.end(0);
 		EXPECT_EQ(run.status, tested.status);
 		EXPECT_THAT(run.out, tested.out);
