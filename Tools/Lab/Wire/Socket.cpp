@@ -108,8 +108,8 @@ namespace Lab
 
 	Socket::Result Socket::drop(std::size_t most)
 	{
-		static char unused[1];
-		return resultOf(::recv(descriptor.get(), unused, most, MSG_TRUNC));
+		static thread_local char unused[64 * 1024];
+		return resultOf(::recv(descriptor.get(), unused, std::min(most, sizeof unused), 0));
 	}
 
 	void Socket::endWriting()

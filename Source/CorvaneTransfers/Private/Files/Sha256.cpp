@@ -90,6 +90,10 @@ void FCorvaneSha256::Update(const uint8* Bytes, int64 Count)
 /** Takes bytes into the block that is not full, as far as they go, and the block when it is. */
 void FCorvaneSha256::Fill(const uint8*& Bytes, int64& Count)
 {
+	if (Count == 0)
+	{
+		return; // there may be no bytes to point to
+	}
 	const int32 Number = static_cast<int32>(FMath::Min<int64>(Count, BlockSize - NumPending));
 	FMemory::Memcpy(Pending + NumPending, Bytes, static_cast<SIZE_T>(Number));
 	NumPending += Number;
