@@ -19,7 +19,19 @@ RunningProcess::RunningProcess(const std::vector<std::string>& words)
 		pointers.push_back(word.c_str());
 	}
 	pointers.push_back(nullptr);
-	EXPECT_EQ(posix_spawn(&process, "/bin/sh", nullptr, nullptr, const_cast<char**>(pointers.data()), environ), 0);
+	// Whatever runs the tests may ignore these, as a shell does for what it runs in the background.
+	sigset_t endings;
+	sigemptyset(&endings);
+	for (const int signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP})
+	{
+		sigaddset(&endings, signal);
+	}
+	posix_spawnattr_t attributes;
+	posix_spawnattr_init(&attributes);
+	posix_spawnattr_setsigdefault(&attributes, &endings);
+	posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
+	EXPECT_EQ(posix_spawn(&process, "/bin/sh", nullptr, &attributes, const_cast<char**>(pointers.data()), environ), 0);
+	posix_spawnattr_destroy(&attributes);
 }
 
 void RunningProcess::send(int signal) const
