@@ -4,6 +4,7 @@
 #include "Lab/Plans/Md5.h"
 #include "Lab/Script/Catalogue.h"
 #include "Lab/Script/LuaValues.h"
+#include "Lua/Guarded.h"
 
 #include <stdexcept>
 
@@ -11,24 +12,9 @@ namespace Lab
 {
 	namespace
 	{
-		constexpr const char* behaviourType = "lab behaviour";
+		using NativeLua::guarded;
 
-		/** Turns C++ errors into those of Lua, with the place in the script. Lua's own are exceptions, too, and pass. */
-		template <int (*Function)(lua_State*)>
-		int guarded(lua_State* lua)
-		{
-			try
-			{
-				return Function(lua);
-			}
-			catch (const std::exception& error)
-			{
-				luaL_where(lua, 1);
-				lua_pushstring(lua, error.what());
-				lua_concat(lua, 2);
-			}
-			return lua_error(lua);
-		}
+		constexpr const char* behaviourType = "lab behaviour";
 
 		int destroyBehaviour(lua_State* lua)
 		{
