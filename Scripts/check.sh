@@ -3,7 +3,7 @@
 # can be seen without the engine, that the engine's build takes the module as it stands.
 set -uo pipefail
 cd "$(dirname "$0")/.."
-Scripts/setup.sh --check || exit 1
+Scripts/setup.sh --test --check || exit 1
 
 failed=0
 check() {
