@@ -31,11 +31,11 @@ struct CORVANETRANSFERS_API FCorvaneTransferReport
 	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
 	FString ReachedAddress;
 
-	/** Of the whole file; -1 = unknown. */
+	/** Of the whole file, or of all that is sent; -1 = unknown. */
 	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
 	int64 TotalBytes = -1;
 
-	/** What came over the network in this run and went into the file, also what had to be thrown away again. */
+	/** What went over the network in this run: into the file, or out of it. What had to be thrown away or sent again counts, too. */
 	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
 	int64 TransferredBytes = 0;
 
@@ -78,4 +78,8 @@ struct CORVANETRANSFERS_API FCorvaneTransferReport
 	/** What is left on disk and how to go on, for people; empty = nothing. */
 	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
 	FString HowToGoOn;
+
+	/** What the server said to what it was sent, as text, up to a limit. */
+	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
+	FString Answer;
 };

@@ -5,18 +5,18 @@
 #include "HAL/PlatformFileManager.h"
 #include "Templates/UniquePtr.h"
 
-FCorvaneFileResult FCorvaneSentFile::Find(const FString& Path, FCorvaneSentFile& File)
+FCorvaneFileResult FCorvaneSentFile::Find(const FString& InPath, FCorvaneSentFile& File)
 {
 	constexpr bool bWhileItIsWritten = true; // nobody is kept from his file; that it changes is noticed
 	IPlatformFile& Files = FPlatformFileManager::Get().GetPlatformFile();
-	const TUniquePtr<IFileHandle> Handle(Files.OpenRead(*Path, bWhileItIsWritten));
+	const TUniquePtr<IFileHandle> Handle(Files.OpenRead(*InPath, bWhileItIsWritten));
 	if (!Handle.IsValid())
 	{
-		return CorvaneFileFaults::CannotRead(Path);
+		return CorvaneFileFaults::CannotRead(InPath);
 	}
-	File.Path = Path;
+	File.Path = InPath;
 	File.Size = Handle->Size();
-	File.ChangedAt = Files.GetTimeStamp(*Path);
+	File.ChangedAt = Files.GetTimeStamp(*InPath);
 	return FCorvaneFileResult();
 }
 

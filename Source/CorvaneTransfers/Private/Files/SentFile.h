@@ -14,7 +14,7 @@ struct FCorvaneSentFile
 	FDateTime ChangedAt = FDateTime::MinValue();
 
 	/** Looks for a file and opens it for a moment. @return a failure when it cannot be read. Thread: any. */
-	static FCorvaneFileResult Find(const FString& Path, FCorvaneSentFile& File);
+	static FCorvaneFileResult Find(const FString& InPath, FCorvaneSentFile& File);
 
 	/** Whether the file of that name still has the size and the time that it was found with. */
 	bool IsUnchanged() const;

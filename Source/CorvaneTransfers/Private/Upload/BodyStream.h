@@ -8,6 +8,7 @@
 #include "GenericPlatform/GenericPlatformFile.h"
 #include "Templates/Function.h"
 #include "Templates/UniquePtr.h"
+#include "Upload/BodyEnd.h"
 
 #include <atomic>
 
@@ -29,17 +30,6 @@ struct FCorvaneBodySegment
 
 	bool IsFile() const { return !File.Path.IsEmpty(); }
 	int64 Num() const { return IsFile() ? Length : Bytes.Num(); }
-};
-
-/** What came of a body, once nobody reads it any more. */
-struct FCorvaneBodyEnd
-{
-	/** A failure when a file could not be read, changed, or has another hash than the expected one. */
-	FCorvaneFileResult Result;
-	/** Its last byte was handed out. */
-	bool bWhole = false;
-	/** Of the bytes out of files, one file after the other, if it was asked for and the body is whole; else empty. */
-	FString Hash;
 };
 
 /**
