@@ -15,8 +15,6 @@ struct FCorvaneTusFound
 {
 	FCorvaneFileResult Result;
 	FCorvaneSentFile File;
-	/** Content type by its name; empty = unknown. */
-	FString Type;
 	/** In hexadecimal digits, if it was asked for. */
 	FString Hash;
 	/** Without an address: there is none to go on with. */

@@ -70,7 +70,7 @@ struct FCorvaneTusOpened
 struct FCorvaneTusEnd
 {
 	FCorvaneExchangeResult Exchange;
-	/** What the server wrote into an answer that is no success, for people. */
+	/** What the server wrote into its answer, up to a limit. */
 	FString Text;
 	/** Running = all bytes of the file could be read, and it is still the same file. */
 	ECorvaneTransferOutcome FileFailure = ECorvaneTransferOutcome::Running;

@@ -4,11 +4,11 @@
 #include "CoreMinimal.h"
 #include "Templates/Function.h"
 
-/** Takes the answer to one request of an upload, and of its body what a person may read. Thread: that of the exchange's callbacks. */
+/** Takes the answer to one request of an upload, and the beginning of its body. Thread: that of the exchange's callbacks. */
 class FCorvaneTusReceiver : public FCorvaneExchangeReceiver
 {
 public:
-	/** @param Text  what the server wrote into an answer that is no success. */
+	/** @param Text  what the server wrote. */
 	using FTell = TUniqueFunction<void(const FCorvaneExchangeResult&, const FString& Text)>;
 
 	explicit FCorvaneTusReceiver(FTell InTell)
@@ -16,13 +16,12 @@ public:
 	{
 	}
 
-	virtual bool OnAnswer(const FCorvaneAnswer& Answer) override;
+	virtual bool OnAnswer(const FCorvaneAnswer&) override { return true; }
 	virtual bool OnBytes(const uint8* Bytes, int64 Number) override;
 	virtual void OnEnd(const FCorvaneExchangeResult& Result) override;
 
 private:
 	FTell Tell;
 	TArray<uint8> Text;
-	bool bWantsText = false;
 	int64 Seen = 0;
 };

@@ -89,10 +89,7 @@ FString FCorvaneTusRequests::Metadata(const FCorvaneTusFileFacts& File) const
 {
 	TMap<FString, FString> Entries;
 	Entries.Add(TEXT("filename"), File.Name);
-	if (!File.Type.IsEmpty())
-	{
-		Entries.Add(TEXT("filetype"), File.Type);
-	}
+	Entries.Add(TEXT("filetype"), File.Type);
 	for (const TPair<FString, FString>& Entry : Options.Metadata)
 	{
 		Entries.Add(Entry.Key, Entry.Value);

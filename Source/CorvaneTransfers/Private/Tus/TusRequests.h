@@ -11,7 +11,7 @@ struct FCorvaneTusFileFacts
 	int64 Size = 0;
 	/** Without its folder. */
 	FString Name;
-	/** Empty = unknown. */
+	/** By its ending. */
 	FString Type;
 };
 

@@ -5,6 +5,7 @@
 #include "Math/UnrealMathUtility.h"
 #include "Misc/Paths.h"
 #include "Tus/TusReceiver.h"
+#include "Upload/ContentTypes.h"
 
 namespace CorvaneTusRun
 {
@@ -135,7 +136,7 @@ void FCorvaneTusRun::OnFound(const FCorvaneTusFound& Found)
 	File = Found.File;
 	Facts.Size = File.Size;
 	Facts.Name = FPaths::GetCleanFilename(File.Path);
-	Facts.Type = Found.Type;
+	Facts.Type = CorvaneContentTypes::Of(File.Path);
 	Follow(Machine.OnOpened(CorvaneTusRun::Now(), CorvaneTusRun::Translate(Found)));
 }
 

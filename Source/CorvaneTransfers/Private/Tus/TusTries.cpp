@@ -14,11 +14,6 @@ namespace CorvaneTusTries
 	{
 		return TEXT("Not uploaded: ") + Reason + TEXT(".");
 	}
-
-	static FString SentenceOf(const FCorvaneTusJudgement& Judged, const FString& ServersText)
-	{
-		return SentenceOf(Judged.Reason) + (ServersText.IsEmpty() ? FString() : TEXT(" It says: ") + ServersText);
-	}
 } // namespace CorvaneTusTries
 
 FCorvaneTusStep FCorvaneTusMachine::OnExchangeEnded(double Now, const FCorvaneTusEnd& End)
@@ -52,6 +47,7 @@ void FCorvaneTusMachine::Count(const FCorvaneTusEnd& End)
 	if (End.Exchange.Answer.Code != 0)
 	{
 		Report.Code = End.Exchange.Answer.Code;
+		Report.Answer = End.Text;
 		Report.ReachedAddress = CorvaneAddress::WithoutUser(End.Exchange.ReachedURL);
 	}
 	Learn(FCorvaneTusHeaders::Read(End.Exchange.Answer));
@@ -126,7 +122,7 @@ FCorvaneTusStep FCorvaneTusMachine::FollowAnswer(double Now, const FCorvaneTusEn
 	case ECorvaneTusVerdict::Wait:
 		return Retry(Now, End, Judged, NextAfterFailure());
 	default:
-		return Fail(Now, Judged.Outcome, SentenceOf(Judged, End.Text));
+		return Fail(Now, Judged.Outcome, SentenceOf(Judged.Reason));
 	}
 }
 
@@ -208,21 +204,11 @@ FCorvaneTusStep FCorvaneTusMachine::StartOver(double Now, const FString& Reason)
 FCorvaneTusStep FCorvaneTusMachine::Retry(double Now, const FCorvaneTusEnd& End, const FCorvaneTusJudgement& Judged, ENext NewNext)
 {
 	using namespace CorvaneTusTries;
-	++FailuresInARow;
-	if (FailuresInARow >= Options.Attempts)
-	{
-		return Fail(Now, Judged.Outcome, SentenceOf(Judged, End.Text));
-	}
-	const double Asked = CorvaneTryEnd::WaitAskedFor(End.Exchange.Answer, End.NowUtc);
-	if (Asked > Options.LongestWaitSeconds)
-	{
-		return Fail(Now, Judged.Outcome,
-			SentenceOf(
-				Judged.Reason +
-				FString::Printf(TEXT(" and wants to be left alone for %.0f seconds, which is longer than the longest wait"), Asked)));
-	}
-	const double Backoff = CorvaneRetry::Backoff(FailuresInARow, Options.FirstWaitSeconds, Options.LongestWaitSeconds, End.Random);
-	return GoOn(Now, NewNext, FMath::Min(FMath::Max(Asked, 0.0) + Backoff, Options.LongestWaitSeconds));
+	const FCorvaneRetryLimits Limits{Options.Attempts, Options.FirstWaitSeconds, Options.LongestWaitSeconds};
+	const FCorvaneRetryDecision Decision =
+		CorvaneRetry::Decide(Limits, ++FailuresInARow, CorvaneTryEnd::WaitAskedFor(End.Exchange.Answer, End.NowUtc), End.Random);
+	return Decision.bAgain ? GoOn(Now, NewNext, Decision.WaitSeconds)
+						   : Fail(Now, Judged.Outcome, SentenceOf(Judged.Reason + Decision.WhyNot));
 }
 
 FCorvaneTusStep FCorvaneTusMachine::OnTerminated(double Now, const FCorvaneTusEnd& End)
