@@ -1,6 +1,7 @@
 #include "ChildProgram.h"
 #include "CorvaneUploadResumable.h"
 #include "GameLoop.h"
+#include "LargeFile.h"
 #include "OtherServer.h"
 #include "RandomBytes.h"
 #include "TempDir.h"
@@ -74,19 +75,6 @@ namespace
 		std::vector<FCorvaneTransferReport> reports;
 	};
 
-	/** Random bytes for files too large to be made one by one: the same block again and again, each with its number. */
-	void writeLarge(const std::string& path, std::uintmax_t size)
-	{
-		std::string block = randomBytes(1 << 20);
-		std::ofstream stream(path, std::ios::binary);
-		for (std::uintmax_t done = 0; done < size; done += block.size())
-		{
-			block.replace(0, sizeof done, reinterpret_cast<const char*>(&done), sizeof done);
-			stream.write(block.data(), static_cast<std::streamsize>(std::min<std::uintmax_t>(block.size(), size - done)));
-		}
-		ASSERT_TRUE(stream.flush());
-	}
-
 	bool isSame(const fs::path& one, const fs::path& other)
 	{
 		return std::system(("cmp -s '" + one.string() + "' '" + other.string() + "'").c_str()) == 0;
@@ -126,7 +114,7 @@ TEST_F(ResumableServer, HasTheFileWholeWhateverItsSize)
 TEST_F(ResumableServer, IsGoneOnToAfterAPauseAndThrowsAwayWhatIsCancelled)
 {
 	const std::string path = folder.path("large");
-	writeLarge(path, 24 << 20);
+	writeLargeFile(path, 24 << 20);
 	FCorvaneResumableOptions wishes = options(1 << 20);
 	wishes.bTerminateOnCancel = true;
 	UCorvaneUploadResumable* upload = start(path, wishes);
@@ -158,7 +146,7 @@ TEST_F(ResumableServer, IsGoneOnToAfterAPauseAndThrowsAwayWhatIsCancelled)
 void ResumableServer::killAndGoOn(std::uintmax_t size, std::int64_t pieceBytes, int kills, int mostMilliseconds)
 {
 	const std::string path = folder.path("file");
-	writeLarge(path, size);
+	writeLargeFile(path, size);
 	std::mt19937 random(5);
 	ChildProgram program;
 	const auto upload = [&] { program.start({UPLOAD_CHILD, server.url("/files"), path, journals.path(), std::to_string(pieceBytes)}); };
