@@ -8,6 +8,7 @@ import { pipeline } from "node:stream/promises";
 
 const [packages, parser] = process.argv.slice(2);
 const load = createRequire(packages + "/");
+load(parser); // fails now rather than with the first form
 
 async function described(field, name, type, stream) {
 	const hash = createHash("sha256");

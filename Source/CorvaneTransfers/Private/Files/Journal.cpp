@@ -49,13 +49,13 @@ namespace CorvaneJournal
 FCorvaneJournal FCorvaneJournal::Read(const TArray<uint8>& Bytes)
 {
 	FCorvaneJournal Journal;
-	const int64 ValidBytes =
+	const int64 GoodBytes =
 		CorvaneJournalLines::Read(Bytes, [&Journal](const TArray<FString>& Fields) { return CorvaneJournal::TakeRecord(Fields, Journal); });
-	if (ValidBytes < 0)
+	if (GoodBytes < 0)
 	{
 		return FCorvaneJournal();
 	}
-	Journal.ValidBytes = ValidBytes;
+	Journal.ValidBytes = GoodBytes;
 	return Journal;
 }
 

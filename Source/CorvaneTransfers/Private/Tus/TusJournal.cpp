@@ -60,13 +60,13 @@ namespace CorvaneTusJournal
 FCorvaneTusJournal FCorvaneTusJournal::Read(const TArray<uint8>& Bytes)
 {
 	FCorvaneTusJournal Journal;
-	const int64 ValidBytes = CorvaneJournalLines::Read(
+	const int64 GoodBytes = CorvaneJournalLines::Read(
 		Bytes, [&Journal](const TArray<FString>& Fields) { return CorvaneTusJournal::TakeRecord(Fields, Journal); });
-	if (ValidBytes < 0)
+	if (GoodBytes < 0)
 	{
 		return FCorvaneTusJournal();
 	}
-	Journal.ValidBytes = ValidBytes;
+	Journal.ValidBytes = GoodBytes;
 	return Journal;
 }
 
@@ -75,9 +75,9 @@ FString FCorvaneTusJournal::EndpointOf(const FString& Address)
 	return CorvaneAddress::ForLog(Address);
 }
 
-FString FCorvaneTusJournal::FileName(const FString& Address, const FString& File)
+FString FCorvaneTusJournal::FileName(const FString& Address, const FString& Path)
 {
-	const FString Key = CorvaneAddress::WithoutUser(Address) + TEXT("\n") + File;
+	const FString Key = CorvaneAddress::WithoutUser(Address) + TEXT("\n") + Path;
 	const FTCHARToUTF8 Utf8(*Key, Key.Len());
 	return CorvaneSha256Of(reinterpret_cast<const uint8*>(Utf8.Get()), Utf8.Length()).Left(32) + TEXT(".corvjournal");
 }

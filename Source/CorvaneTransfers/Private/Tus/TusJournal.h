@@ -40,7 +40,7 @@ struct FCorvaneTusJournal
 	/** @param Address  of the endpoint. @return what takes its place in a journal. */
 	static FString EndpointOf(const FString& Address);
 	/** @return the name of the journal's file: another one for each endpoint with its query, and file. */
-	static FString FileName(const FString& Address, const FString& File);
+	static FString FileName(const FString& Address, const FString& Path);
 
 	/** @return lines ready to be added. */
 	static TArray<uint8> UploadLine(const FString& Endpoint, const FCorvaneSentFile& File, const FCorvaneTusUpload& Upload);

@@ -97,12 +97,12 @@ FCorvaneTusWishes FCorvaneTusWishes::Read(const FString& URL, const FString& Fil
 	FCorvaneTusWishes Wishes;
 	const FString AddressFault =
 		CorvaneAddress::IsUsable(URL) ? FString() : TEXT("This is no http or https address: ") + CorvaneAddress::ForLog(URL);
-	for (const FString& Fault : {AddressFault, FindFileFault(FilePath), FindHeaderFault(Options.Headers),
+	for (const FString& Found : {AddressFault, FindFileFault(FilePath), FindHeaderFault(Options.Headers),
 			 FindMetadataFault(Options.Metadata), FindNumberFault(Options), FindHashFault(Options, Wishes)})
 	{
 		if (Wishes.Fault.IsEmpty())
 		{
-			Wishes.Fault = Fault;
+			Wishes.Fault = Found;
 		}
 	}
 	return Wishes;

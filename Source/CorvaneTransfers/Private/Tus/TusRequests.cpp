@@ -4,6 +4,7 @@
 #include "Containers/StringConv.h"
 #include "Files/JournalLines.h"
 #include "Misc/Base64.h"
+#include "Tus/TusAnswer.h"
 
 namespace CorvaneTusRequests
 {

@@ -3,7 +3,7 @@
 #include "Attempts/Exchange.h"
 #include "CoreMinimal.h"
 #include "CorvaneResumableOptions.h"
-#include "Tus/TusMachine.h"
+#include "Files/FileHash.h"
 
 /** Of the file, what requests tell. */
 struct FCorvaneTusFileFacts
