@@ -23,6 +23,9 @@ lab.at("GET /busy", function()
 	return asked % 3 == 0 and "at last" or lab.status{ code = 503, text = "come back later" }
 end)
 
+-- The same for uploads, each method by itself.
+lab.at("/slot", lab.upload(), lab.status{ code = 503, text = "come back later", requests = 2 })
+
 -- A file of 1 MiB that arrives slowly enough to be cancelled; parts of it may be asked for.
 local pieces = {}
 for piece = 0, 31 do pieces[#pieces + 1] = string.char(97 + piece % 26):rep(32768) end
