@@ -53,6 +53,7 @@ INNER_ROOMS = {
         "Download": ["Attempts", "Files", "Threads"],
         "Drive": ["Attempts"],
         "Upload": ["Attempts", "Files", "Threads"],
+        "Tus": ["Upload", "Attempts", "Files", "Threads"],
         "Events": ["Attempts", "Threads"],
         "Attempts": [],
         "Files": ["Threads"],

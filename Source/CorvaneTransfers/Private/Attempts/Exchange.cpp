@@ -19,6 +19,7 @@ TSharedRef<FCorvaneExchange> FCorvaneExchange::Start(
 	Bind(Self, *Made);
 	Self->bAsksForBody = Asked.Verb == TEXT("GET");
 	Self->Sent = Asked.Stream;
+	Self->Reader.Keep(Asked.HeadersToKeep);
 	Self->Send(Made, Asked.SilenceSeconds);
 	return Self;
 }

@@ -39,6 +39,8 @@ struct FCorvaneExchangeRequest
 	FString Body;
 	/** Sent in the place of Body; null = Body is. It needs a Content-Type, too. An exchange that needs its bytes twice, as after a redirect, fails. */
 	TSharedPtr<FCorvaneRequestBody> Stream;
+	/** Names of headers that the answer is to keep. */
+	TArray<FString> HeadersToKeep;
 	/** Seconds without a byte after which the exchange ends. */
 	float SilenceSeconds = 30;
 };
