@@ -13,7 +13,7 @@ local function upload(place, options)
 		URL = url .. place,
 		FilePath = path,
 		Options = options,
-		OnProgress = function(e) print(e.Report.TransferredBytes, "of", e.Report.TotalBytes) end,
+		OnProgress = function(e) print(e.Report.TransferredBytes - e.Report.RepeatedBytes, "of", e.Report.TotalBytes) end,
 		OnSuccess = function(e) report = e.Report end,
 		OnFail = function(e) report = e.Report end,
 	}

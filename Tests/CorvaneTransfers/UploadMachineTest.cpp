@@ -180,6 +180,7 @@ namespace
 		EXPECT_EQ(report.Attempts, each.attempts);
 		EXPECT_EQ(report.Restarts, each.restarts);
 		EXPECT_EQ(report.RestartReasons.Num(), each.restarts);
+		EXPECT_LE(report.TransferredBytes - report.RepeatedBytes, size); // how far it is
 		EXPECT_EQ(utf8(report.AskedAddress), "http://host/");
 	}
 } // namespace

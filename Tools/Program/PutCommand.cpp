@@ -255,7 +255,7 @@ namespace Program
 			{
 				if (progress)
 				{
-					progress->tell(ProgressBar::sent(report.TotalBytes, report.TransferredBytes));
+					progress->tell(ProgressBar::sent(report.TotalBytes, report.TransferredBytes - report.RepeatedBytes));
 				}
 			}
 

@@ -39,6 +39,10 @@ struct CORVANETRANSFERS_API FCorvaneTransferReport
 	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
 	int64 TransferredBytes = 0;
 
+	/** Of those, what an upload had sent in vain and has to send again: without them the rest is how far it is. */
+	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
+	int64 RepeatedBytes = 0;
+
 	/** Bytes of the file that an earlier run had left. */
 	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
 	int64 TakenOverBytes = 0;

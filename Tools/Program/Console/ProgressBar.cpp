@@ -125,7 +125,8 @@ namespace Program
 			{
 				const Json& report = pins.front();
 				const auto number = [&report](const char* field) { return report.at(field).get<int64>(); };
-				tell(moved(direction, number("TotalBytes"), number("TakenOverBytes") + number("TransferredBytes")));
+				tell(moved(
+					direction, number("TotalBytes"), number("TakenOverBytes") + number("TransferredBytes") - number("RepeatedBytes")));
 			});
 	}
 

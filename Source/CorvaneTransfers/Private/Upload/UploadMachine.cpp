@@ -214,6 +214,7 @@ FCorvaneUploadStep FCorvaneUploadMachine::Retry(
 	{
 		++Report.Restarts;
 		Report.RestartReasons.Add(Reason);
+		Report.RepeatedBytes = Report.TransferredBytes;
 	}
 	NextTryAt = Now + Next.WaitSeconds;
 	return GoOn(Now);
