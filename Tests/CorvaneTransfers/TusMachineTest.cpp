@@ -211,6 +211,7 @@ namespace
 				EXPECT_EQ(server.offset, server.size);
 				EXPECT_FALSE(server.bNoted);
 				EXPECT_EQ(report.BytesLeft, 0);
+				EXPECT_EQ(report.TakenOverBytes + report.TransferredBytes - report.RepeatedBytes, server.size);
 			}
 		}
 	};

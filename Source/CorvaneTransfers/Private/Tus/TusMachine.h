@@ -165,6 +165,7 @@ private:
 	FCorvaneTusStep TakeUpload(double Now, const FCorvaneTusEnd& End);
 	FCorvaneTusStep TakeOffset(double Now, const FCorvaneTusEnd& End);
 	bool Advance(int64 NewOffset);
+	void CountRepeated();
 	FCorvaneTusStep StartOver(double Now, const FString& Reason);
 	FCorvaneTusStep Retry(double Now, const FCorvaneTusEnd& End, const FCorvaneTusJudgement& Judged, ENext NewNext);
 	/** What is done after a failure. */

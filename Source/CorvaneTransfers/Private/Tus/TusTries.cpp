@@ -186,7 +186,14 @@ bool FCorvaneTusMachine::Advance(int64 NewOffset)
 	const bool bNew = Offset > Mark;
 	Mark = FMath::Max(Mark, Offset);
 	FailuresInARow = bNew ? 0 : FailuresInARow;
+	CountRepeated();
 	return bNew;
+}
+
+/** What was sent, and is not there. */
+void FCorvaneTusMachine::CountRepeated()
+{
+	Report.RepeatedBytes = FMath::Max<int64>(Report.TakenOverBytes + Report.TransferredBytes - Offset, 0);
 }
 
 /** The journal keeps the old upload until a new one is begun. */
@@ -196,6 +203,7 @@ FCorvaneTusStep FCorvaneTusMachine::StartOver(double Now, const FString& Reason)
 	Upload = FCorvaneTusUpload();
 	Offset = Mark = Report.TakenOverBytes = 0;
 	bTookOver = false;
+	CountRepeated();
 	++Report.Restarts;
 	Report.RestartReasons.Add(Reason);
 	return Report.Restarts > MostRestarts ? Fail(Now, ECorvaneTransferOutcome::ServerError, SentenceOf(Reason)) : GoOn(Now, ENext::Create);
