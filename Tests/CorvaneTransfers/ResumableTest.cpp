@@ -177,6 +177,8 @@ TEST_F(Resumable, HasOneOutcomeForEachKindOfTrouble)
 			Outcome::Succeeded, 0, "", atOnce},
 		{"busy, with a wait", first(patches, code(503, "1"))},
 		{"busy, with a long wait", always(patches, code(503, "3600")), Outcome::ServerError, 0, "3600 seconds"},
+		{"a piece is wanted elsewhere", always(patches, redirect({.to = "/elsewhere", .code = 307})), Outcome::ServerError, 0,
+			"at another address (307)"},
 		{"refused", always(posts, code(401)), Outcome::ServerError, 0, "401"},
 		{"no such place", always(posts, code(404)), Outcome::ServerError, 0, "404"},
 		{"another kind of server", always(posts, "Hello."), Outcome::ServerError, 0, "no address"},

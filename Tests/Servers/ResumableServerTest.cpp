@@ -103,6 +103,7 @@ TEST_F(ResumableServer, HasTheFileWholeWhateverItsSize)
 			EXPECT_EQ(report.TransferredBytes, static_cast<int64>(size));
 			EXPECT_EQ(report.Attempts, static_cast<int32>((size + piece - 1) / piece) + (atOnce && size > 0 ? 0 : 1));
 			EXPECT_EQ(report.Hash.Len(), 40);
+			EXPECT_EQ(utf8(report.ReachedAddress), server.url("/files/") + kept().at(0).string());
 			expectKept(bytes);
 			const fs::path name = kept()[0];
 			const std::string told = stored.read(name.string() + ".json");

@@ -12,7 +12,7 @@ struct CORVANETRANSFERS_API FCorvaneResumableOptions
 
 	/**
 	 * Sent with every request, such as Authorization. A server may give the upload an address on another host: none of them go
-	 * there. Tus-Resumable, Content-Type, Accept-Encoding and all that begin with Upload- are the upload's own.
+	 * there. Tus-Resumable, Accept-Encoding, what describes the body, and all that begin with Upload- are the upload's own.
 	 */
 	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Corvane|Transfers")
 	TMap<FString, FString> Headers;

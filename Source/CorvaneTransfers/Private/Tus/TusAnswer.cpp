@@ -68,6 +68,11 @@ namespace CorvaneTusAnswer
 		{
 			return Refuse(TEXT("the server speaks another version of the protocol"));
 		}
+		if (Answer.Code < 400)
+		{
+			return Make(ECorvaneTusVerdict::Fail,
+				FString::Printf(TEXT("the server wants the piece at another address (%d), which has to be named as its own"), Answer.Code));
+		}
 		switch (Answer.Code)
 		{
 		case 413:

@@ -161,6 +161,7 @@ FCorvaneTusStep FCorvaneTusMachine::Succeed(double Now)
 {
 	Report.Outcome = ECorvaneTransferOutcome::Succeeded;
 	Report.Sentence = FString::Printf(TEXT("The server has the file: %lld bytes."), Size);
+	Report.ReachedAddress = Upload.Address; // also where nothing was sent to it
 	return LetGo(Now, false);
 }
 

@@ -11,7 +11,8 @@ namespace CorvaneTusOptions
 
 	static bool IsOwn(const FString& Name)
 	{
-		return Name == TEXT("Tus-Resumable") || Name == TEXT("Content-Type") || Name == TEXT("Accept-Encoding") ||
+		return Name == TEXT("Tus-Resumable") || Name == TEXT("Content-Type") || Name == TEXT("Content-Length") ||
+			   Name == TEXT("Transfer-Encoding") || Name == TEXT("Accept-Encoding") ||
 			   Name.StartsWith(TEXT("Upload-"), ESearchCase::IgnoreCase);
 	}
 

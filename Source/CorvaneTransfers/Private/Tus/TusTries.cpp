@@ -36,8 +36,9 @@ FCorvaneTusStep FCorvaneTusMachine::OnExchangeEnded(double Now, const FCorvaneTu
 	{
 		return Fail(Now, ECorvaneTransferOutcome::Refused, TEXT("The HTTP module does not send this request."));
 	}
-	// A refusal may come while the piece is still being sent, and break the connection off: its code is all that is needed.
-	const bool bAnswered = End.Exchange.bAnswerIsWhole || End.Exchange.Answer.Code >= 400;
+	// A refusal may come while the piece is still being sent, and break the connection off: its code is all that is needed. So
+	// does a redirect that wants the piece again, which a stream cannot give.
+	const bool bAnswered = End.Exchange.bAnswerIsWhole || End.Exchange.Answer.Code >= 300;
 	return bAnswered ? FollowAnswer(Now, End) : FollowBreak(Now, End);
 }
 
