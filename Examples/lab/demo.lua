@@ -50,6 +50,11 @@ end
 lab.at("POST /upload", describe)
 lab.at("PUT /upload", describe)
 
+-- A server of resumable uploads, which thinks about each piece. The first one of each upload breaks off in its middle.
+local uploads = lab.tus()
+lab.at("/files*", uploads)
+lab.at("PATCH /files*", uploads, lab.upload{ hangsUpAfter = 300000, requests = 1 }, lab.stall{ milliseconds = 50 })
+
 -- Plays the Drive service: a file, behind a page that asks whether it is wanted in spite of its size.
 local askingPage = [[<span class="uc-name-size"><a href="#">level.pak</a> (1,5M)</span>]]
 	.. [[<a href="/uc?id=%s&amp;export=download;confirm=t0k3n&amp;x=1">Download anyway</a>]]
