@@ -1,10 +1,14 @@
 #include "Lab/Behaviours/Answers.h"
 #include "Lab/Behaviours/Faults.h"
+#include "Lab/Behaviours/Tus.h"
 #include "Lab/Behaviours/Uploads.h"
 #include "Lab/Origin.h"
 #include "ProcessRun.h"
 #include "TempDir.h"
+#include "Waiting.h"
 
+#include <algorithm>
+#include <csignal>
 #include <gmock/gmock.h>
 
 using ::testing::HasSubstr;
@@ -36,6 +40,9 @@ TEST(Put, SendsFilesWhereTheyBelongAndTellsTheirEnd)
 			MatchesRegex("corvane: a.png: Not uploaded: the server answered with status 404.\n(.*\n)?corvane: missing: .*missing cannot be "
 						 "read.\n"),
 			{"PUT /none/a.png image/png 6"}},
+		{"a.png \"sub/b c\" $u/tus --tus --hash sha1", 0, HasSubstr("a.png: "), none,
+			{"POST /tus", "PATCH /tus/1 application/offset+octet-stream 6", "POST /tus", "PATCH /tus/2 application/offset+octet-stream 2"}},
+		{"a.png $u/tus --tus --form f", 2, none, HasSubstr("do not go with it"), {}},
 		{"-X post a.png $u/busy", 1, none, HasSubstr("it is not sent again, since the server may have some of it.\nlater\n"),
 			{"POST /busy image/png 6"}},
 		{"-X post a.png $u/busy --may-repeat", 0, HasSubstr("It is uploaded"), none, {"POST /busy image/png 6", "POST /busy image/png 6"}},
@@ -54,12 +61,14 @@ TEST(Put, SendsFilesWhereTheyBelongAndTellsTheirEnd)
 		Lab::Origin origin;
 		origin.at("/size*", Lab::upload())
 			.at("/form", Lab::form())
+			.at("/tus*", Lab::tus())
 			.at("/busy", Lab::inTurn({Lab::status({.code = 503, .retryAfter = "0", .text = "later"}), Lab::upload()}));
 		const TempDir directory;
 		directory.write("a.png", "abcdef");
 		directory.write("sub/b c", "gh");
-		const ProcessRun run = runProcess(
-			{"/bin/sh", "-c", std::string("cd $0; u=$2; exec $1 put ") + tested.words, directory.path(), CORVANE_PROGRAM, origin.url("")});
+		const ProcessRun run =
+			runProcess({"/bin/sh", "-c", std::string("cd $0; u=$2; export XDG_STATE_HOME=$0/state; exec $1 put ") + tested.words,
+				directory.path(), CORVANE_PROGRAM, origin.url("")});
 		EXPECT_EQ(run.status, tested.status);
 		EXPECT_THAT(run.out, tested.out);
 		EXPECT_THAT(run.err, tested.err);
@@ -68,10 +77,34 @@ TEST(Put, SendsFilesWhereTheyBelongAndTellsTheirEnd)
 		{
 			const Lab::Request& request = *exchange.request;
 			const std::string type(request.header("Content-Type"));
-			const bool isForm = type.starts_with("multipart/form-data; boundary=");
+			const bool isBare = request.bodyBytes > 0 && !type.starts_with("multipart/form-data; boundary=");
 			requests.push_back(
-				request.method + " " + request.target + (isForm ? "" : " " + type + " " + std::to_string(request.bodyBytes)));
+				request.method + " " + request.target + (isBare ? " " + type + " " + std::to_string(request.bodyBytes) : ""));
 		}
 		EXPECT_EQ(requests, tested.requests);
 	}
+}
+
+TEST(Put, GoesOnAfterItWasEnded)
+{
+	const Lab::Behaviour server = Lab::tus();
+	Lab::Gate gate;
+	Lab::Origin origin;
+	origin.at("/tus*", server).at("PATCH /tus*", server, Lab::hold(gate));
+	const TempDir directory;
+	const std::filesystem::path notes = directory.path("state/corvane/uploads");
+	const std::vector<std::string> words = {"/usr/bin/env", "XDG_STATE_HOME=" + directory.path("state"), CORVANE_PROGRAM, "put",
+		directory.write("level.pak", "content"), origin.url("/tus"), "--tus"};
+	RunningProcess process(words);
+	ASSERT_TRUE(waitFor([&] { return origin.running() == 1; }));
+	EXPECT_FALSE(std::filesystem::is_empty(notes));
+	const ProcessRun ended = process.end(SIGINT);
+	EXPECT_EQ(ended.status, 128 + SIGINT);
+	EXPECT_THAT(ended.err, HasSubstr("corvane: interrupted\ncorvane: the same 'corvane put' goes on\n"));
+	gate.open();
+	const ProcessRun again = runProcess(words);
+	EXPECT_EQ(again.status, 0) << again.err;
+	EXPECT_TRUE(std::filesystem::is_empty(notes));
+	const std::vector<Lab::Exchange> log = origin.log();
+	EXPECT_EQ(std::count_if(log.begin(), log.end(), [](const Lab::Exchange& each) { return each.request->method == "POST"; }), 1);
 }

@@ -80,6 +80,7 @@ namespace Program
 		std::string verb; // PUT or POST; empty = PUT, and POST for a form
 		std::vector<std::string> headers; // each "Name: value"
 		std::string hash; // as the upload takes it; empty = none
+		bool resumable = false; // to a server of resumable uploads (tus)
 		bool mayBeRepeated = false; // a POST may be sent again when the server may have some of it
 		bool json = false;
 		bool quiet = false; // tells failures only

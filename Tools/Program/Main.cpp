@@ -127,6 +127,7 @@ namespace
 				->required();
 			putFiles->add_option("--form", put.formField, "Send all files in one form, as this field of it");
 			putFiles->add_option("--field", put.fields, "A further field of the form: --field NAME=VALUE")->allow_extra_args(false);
+			putFiles->add_flag("--tus", put.resumable, "Send in pieces, to a server of resumable uploads; the same command goes on");
 			putFiles->add_option("-X,--request", put.verb, "PUT (the default), or POST (that of a form)");
 			putFiles->add_option("-H,--header", put.headers, "A header of the requests: -H 'Accept: text/plain'")->allow_extra_args(false);
 			putFiles->add_option("--hash", put.hash, "Tell a hash of what is sent: sha256, sha1 or md5; sha256:HEX sends nothing else");
@@ -134,7 +135,8 @@ namespace
 			putFiles->add_flag("--json", put.json, "Print the report of each upload as a line of JSON");
 			putFiles->add_flag("-q,--quiet", put.quiet, "Tell failures only");
 			addVerbose(*putFiles);
-			putFiles->footer("Exit status: 0 all is uploaded, 1 some is not, 2 the command line is wrong");
+			putFiles->footer("Exit status: 0 all is uploaded, 1 some is not, 2 the command line is wrong\n"
+							 "Notes of --tus stand in $XDG_STATE_HOME/corvane/uploads until an upload is through");
 		}
 
 		void addDriveBase(CLI::App& verb)

@@ -2,6 +2,7 @@
 #include "Console.h"
 #include "CorvaneUploadFile.h"
 #include "CorvaneUploadForm.h"
+#include "CorvaneUploadResumable.h"
 #include "EndSignals.h"
 #include "HeaderLine.h"
 #include "InputError.h"
@@ -11,6 +12,7 @@
 #include "RequestChecks.h"
 #include "TargetNames.h"
 
+#include <cstdlib>
 #include <filesystem>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -46,10 +48,6 @@ namespace Program
 		/** One for each file, each to an address of its own. */
 		std::vector<Upload> bareUploads(const std::vector<std::string>& files, const std::string& address)
 		{
-			if (files.empty())
-			{
-				throw InputError("there is no file to send, only where to");
-			}
 			if (files.size() > 1 && !isFolder(address))
 			{
 				throw InputError("there are several files, but one address for them; end it with '/', or send a form with --form");
@@ -67,6 +65,21 @@ namespace Program
 			return uploads;
 		}
 
+		/** The address begins uploads, and gives each one an address of its own. */
+		std::vector<Upload> resumableUploads(const std::vector<std::string>& files, const PutOptions& options)
+		{
+			if (isForm(options) || !options.verb.empty() || options.mayBeRepeated)
+			{
+				throw InputError("--tus says itself how a file travels: --form, --field, -X and --may-repeat do not go with it");
+			}
+			std::vector<Upload> uploads;
+			for (const std::string& file : files)
+			{
+				uploads.push_back({{file}, options.words.back()});
+			}
+			return uploads;
+		}
+
 		/** Throws InputError when the words do not fit together. */
 		std::vector<Upload> uploadsOf(const PutOptions& options)
 		{
@@ -76,6 +89,14 @@ namespace Program
 				throw InputError(fault);
 			}
 			const std::vector<std::string> files(options.words.begin(), options.words.end() - 1);
+			if (files.empty() && !isForm(options))
+			{
+				throw InputError("there is no file to send, only where to");
+			}
+			if (options.resumable)
+			{
+				return resumableUploads(files, options);
+			}
 			if (!isForm(options))
 			{
 				return bareUploads(files, address);
@@ -102,14 +123,39 @@ namespace Program
 			return fields;
 		}
 
-		FCorvaneUploadOptions uploadOptions(const PutOptions& options)
+		TMap<FString, FString> headersOf(const PutOptions& options)
 		{
-			FCorvaneUploadOptions upload;
+			TMap<FString, FString> headers;
 			for (const std::string& line : options.headers)
 			{
 				const auto [name, value] = parseHeader(line);
-				upload.Headers.Add(name, value);
+				headers.Add(name, value);
 			}
+			return headers;
+		}
+
+		/** @return where notes of unfinished uploads are kept, wherever the command is called; empty = beside the project. */
+		std::string notesFolder()
+		{
+			const char* const state = std::getenv("XDG_STATE_HOME");
+			const char* const home = std::getenv("HOME");
+			const fs::path folder = state && *state ? fs::path(state) : home && *home ? fs::path(home) / ".local/state" : fs::path();
+			return folder.empty() ? "" : (folder / "corvane/uploads").string();
+		}
+
+		FCorvaneResumableOptions resumableOptions(const PutOptions& options)
+		{
+			FCorvaneResumableOptions upload;
+			upload.Headers = headersOf(options);
+			upload.Hash = Reflect::toFString(options.hash);
+			upload.JournalFolder = Reflect::toFString(notesFolder());
+			return upload;
+		}
+
+		FCorvaneUploadOptions uploadOptions(const PutOptions& options)
+		{
+			FCorvaneUploadOptions upload;
+			upload.Headers = headersOf(options);
 			upload.Verb = Reflect::toFString(options.verb);
 			upload.Hash = Reflect::toFString(options.hash);
 			upload.bMayBeRepeated = options.mayBeRepeated;
@@ -162,6 +208,10 @@ namespace Program
 				loop.runToIdle({});
 				loop.end(); // what a signal has left running is told now
 				progress.reset();
+				if (EndSignals::asked() && options.resumable)
+				{
+					complain("corvane: the same 'corvane put' goes on");
+				}
 				return succeeded == uploads.size() ? exitGood : exitFailed;
 			}
 
@@ -190,7 +240,11 @@ namespace Program
 			void start(const Upload& upload, const UCorvaneUpload::FTell& end, const UCorvaneUpload::FTell& note) const
 			{
 				const FString address = Reflect::toFString(upload.address);
-				if (isForm(options))
+				if (options.resumable)
+				{
+					UCorvaneUploadResumable::Start(address, fullPath(upload.files.front()), resumableOptions(options), end, note);
+				}
+				else if (isForm(options))
 				{
 					UCorvaneUploadForm::Start(address, formFiles(upload), fields, wishes, end, note);
 				}
@@ -255,7 +309,8 @@ namespace Program
 			{
 				if (progress)
 				{
-					progress->tell(ProgressBar::sent(report.TotalBytes, report.TransferredBytes - report.RepeatedBytes));
+					const int64 sent = report.TakenOverBytes + report.TransferredBytes - report.RepeatedBytes;
+					progress->tell(ProgressBar::sent(report.TotalBytes, sent));
 				}
 			}
 

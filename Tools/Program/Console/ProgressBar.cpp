@@ -4,6 +4,7 @@
 #include "CorvaneBPLibrary.h"
 #include "CorvaneTransferReport.h"
 #include "CorvaneUpload.h"
+#include "CorvaneUploadResumable.h"
 #include "Reflection.h"
 
 #include <fmt/core.h>
@@ -119,7 +120,7 @@ namespace Program
 		{
 			return;
 		}
-		const char* const direction = Cast<UCorvaneUpload>(&node) ? "sent" : "received";
+		const char* const direction = Cast<UCorvaneUpload>(&node) || Cast<UCorvaneUploadResumable>(&node) ? "sent" : "received";
 		taps.emplace_back(node, *event,
 			[this, direction](const Json& pins)
 			{

@@ -177,7 +177,8 @@ namespace Program
 			}
 			if (verb == "put")
 			{
-				return {"--form", "--field", "--request", "--header", "--hash", "--may-repeat", "--json", "--quiet", "--verbose", "--help"};
+				return {"--form", "--field", "--tus", "--request", "--header", "--hash", "--may-repeat", "--json", "--quiet", "--verbose",
+					"--help"};
 			}
 			return verb == "run" ? Words{"--connections", "--project", "--base", "--drive-base", "--help"}
 								 : Words{"--drive-base", "--help"};
