@@ -296,3 +296,43 @@ TEST(TusMachine, TriesWithoutANewByteAreLimitedAndOthersAreNot)
 		EXPECT_EQ(broken, tested.tries == 0 ? 50 : tested.tries);
 	}
 }
+
+TEST(TusMachine, FindsTheUploadWhereTheServerSaysThatItIs)
+{
+	struct Case
+	{
+		const char* url;
+		const char* reached; // by redirects; empty = nobody knows
+		const char* location;
+		const char* address; // of the upload; empty = nothing is sent to it
+	};
+	const Case cases[] = {
+		{"http://me:pw@host/files?key", "", "/files/1", "http://host/files/1"},
+		{"http://host/files/", "", "1", "http://host/files/1"},
+		{"http://host/files", "http://other:81/begin", "/1", "http://other:81/1"},
+		{"http://host/files", "", "//other/1?sign=x", "http://other/1?sign=x"},
+		{"http://host/files", "", "https://other/1", "https://other/1"},
+		{"https://host/files", "", "https://you:pw@other/1", "https://other/1"},
+		{"https://host/files", "", "http://host/1", ""},
+		{"https://host/files", "http://host/files", "/1", ""},
+		{"http://host/files", "", "file:///etc/passwd", ""},
+		{"http://host/files", "", "http:\\\\other\\1", ""},
+	};
+	for (const Case& tested : cases)
+	{
+		SCOPED_TRACE(tested.location);
+		FCorvaneTusMachine machine(text(tested.url), FCorvaneResumableOptions(), FCorvaneTusWishes());
+		machine.Start(0);
+		FCorvaneTusOpened opened;
+		opened.Size = 1000;
+		EXPECT_EQ(machine.OnOpened(0, opened).Action, Do::Create);
+		FCorvaneTusEnd end;
+		UploadServer::set(end, 201);
+		end.Exchange.ReachedURL = text(tested.reached);
+		end.Exchange.Answer.Kept.Add(TEXT("Location"), text(tested.location));
+		const bool bFound = *tested.address != 0;
+		EXPECT_EQ(machine.OnExchangeEnded(0, end).Action, bFound ? Do::Begin : Do::Close);
+		EXPECT_EQ(utf8(machine.GetUpload().Address), tested.address);
+		EXPECT_EQ(machine.GetReport().Outcome, bFound ? Outcome::Running : Outcome::ServerError);
+	}
+}
