@@ -1,0 +1,10 @@
+#pragma once
+
+#include <chrono>
+
+/** The time that everything in here goes by. */
+namespace HostClock
+{
+	/** Thread: any. */
+	std::chrono::steady_clock::time_point Now();
+} // namespace HostClock
