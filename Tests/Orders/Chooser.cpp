@@ -23,7 +23,9 @@ namespace Orders
 	{
 		if (kind == Choice::Hurry)
 		{
-			return next() % 64 == 0;
+			const bool hurries = hurriesLeft > 0 && next() % 64 == 0;
+			hurriesLeft -= hurries;
+			return hurries;
 		}
 		if (kind == Choice::Preempt && next() % 64 >= preemptsOf)
 		{

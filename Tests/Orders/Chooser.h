@@ -42,6 +42,7 @@ namespace Orders
 		const std::uint64_t seed;
 		std::uint64_t state;
 		std::uint64_t preemptsOf; // of 64 chances
+		int hurriesLeft = 4; // a clock that runs ahead for ever leaves nobody a chance
 	};
 
 	/** Goes through all orders in which no more than a number of turns are taken away, and time passes only when all wait. */

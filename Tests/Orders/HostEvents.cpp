@@ -36,7 +36,8 @@ namespace
 	private:
 		bool WaitFor(double Seconds)
 		{
-			Schedule::the().waitUntil("waits for an event", this, [this] { return bSet; }, Seconds);
+			Schedule::the().waitUntil(
+				"waits for an event", this, [this] { return bSet; }, Seconds);
 			return std::exchange(bSet, false);
 		}
 
@@ -75,7 +76,8 @@ void FPlatformProcess::ReturnSynchEventToPool(FEvent* Event)
 
 void FPlatformProcess::Sleep(float Seconds)
 {
-	Schedule::the().waitUntil("sleeps", nullptr, [] { return false; }, Seconds);
+	Schedule::the().waitUntil(
+		"sleeps", nullptr, [] { return false; }, Seconds);
 }
 
 void FCriticalSection::Lock()
@@ -102,10 +104,12 @@ void FCriticalSection::Lock()
 
 void FCriticalSection::Unlock()
 {
-	if (Schedule::isRunning() && --theHolders()[this].Depth == 0)
+	if (!Schedule::isRunning() || --theHolders()[this].Depth > 0)
 	{
-		theHolders().erase(this);
+		return;
 	}
+	theHolders().erase(this);
+	Schedule::the().point("has left a lock", this);
 }
 
 std::chrono::steady_clock::time_point HostClock::Now()
@@ -113,6 +117,13 @@ std::chrono::steady_clock::time_point HostClock::Now()
 	using Clock = std::chrono::steady_clock;
 	constexpr double start = 1000; // the machine has been on for a while
 	return Clock::time_point(std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(start + Schedule::the().now())));
+}
+
+std::chrono::system_clock::time_point HostClock::Today()
+{
+	using Clock = std::chrono::system_clock;
+	constexpr std::chrono::seconds start(1'700'000'000);
+	return Clock::time_point(start) + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(Schedule::the().now()));
 }
 
 double FPlatformTime::Seconds()

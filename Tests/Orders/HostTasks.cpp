@@ -69,7 +69,8 @@ bool GameThreadTasks::WaitUntil(std::chrono::steady_clock::time_point Deadline)
 {
 	const bool bForever = Deadline == std::chrono::steady_clock::time_point::max();
 	const double Seconds = bForever ? Schedule::forever : std::chrono::duration<double>(Deadline - HostClock::Now()).count();
-	return Schedule::the().waitUntil("waits for tasks", nullptr, [] { return !theTasks().Queue.empty(); }, Seconds);
+	return Schedule::the().waitUntil(
+		"waits for tasks", nullptr, [] { return !theTasks().Queue.empty(); }, Seconds);
 }
 
 void GameThreadTasks::Drop(bool bForGood)

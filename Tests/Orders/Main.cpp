@@ -27,7 +27,8 @@ namespace
 			Orders::RandomChooser chooser(wishes.seed + run);
 			points += Orders::playOnce(scenario, chooser);
 		}
-		std::printf("%-26s %8llu random orders, %zu points each\n", scenario.name.c_str(), static_cast<unsigned long long>(runs), points / runs);
+		std::printf(
+			"%-26s %8llu random orders, %zu points each\n", scenario.name.c_str(), static_cast<unsigned long long>(runs), points / runs);
 		return points;
 	}
 

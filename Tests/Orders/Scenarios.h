@@ -13,6 +13,8 @@ namespace Orders
 		std::string name;
 		Disturbance disturbance;
 		void (*play)(World& world);
+		/** Looks at what is left when the program has ended; null = at nothing. */
+		void (*look)(const World& world);
 		/** So few points that every order can be tried. */
 		bool isSmall;
 	};

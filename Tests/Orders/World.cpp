@@ -26,11 +26,12 @@ namespace Orders
 	bool World::frame(double mostSeconds)
 	{
 		using Clock = std::chrono::steady_clock;
-		const Clock::time_point latest = HostClock::Now() + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(mostSeconds));
+		const Clock::time_point latest =
+			HostClock::Now() + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(mostSeconds));
 		const bool hasTask = GameThreadTasks::WaitUntil(std::min(GameThreadTicks::NextDue(), latest));
 		const bool happens = hasTask || HostClock::Now() < latest;
 		loop.Tick();
-		if (disturbance == Disturbance::Collection)
+		if (disturbance == Disturbance::Collection || disturbance == Disturbance::AgainInHandler)
 		{
 			loop.CollectGarbage();
 		}

@@ -19,7 +19,9 @@ namespace Orders
 		GraphGone,
 		NoThread,
 		Pause,
-		EndOfProgram
+		EndOfProgram,
+		/** Started again by the handler of its outcome, in a game that collects all the time. */
+		AgainInHandler
 	};
 
 	/** A program in one run: its loop, its folder, and what it is told. */

@@ -7,4 +7,6 @@ namespace HostClock
 {
 	/** Thread: any. */
 	std::chrono::steady_clock::time_point Now();
+	/** The same by the calendar. */
+	std::chrono::system_clock::time_point Today();
 } // namespace HostClock
