@@ -25,6 +25,7 @@ namespace
 		{
 			Schedule::the().point("triggers an event", this);
 			bSet = true;
+			Schedule::the().point("has triggered an event", this);
 		}
 		bool Wait(uint32 Milliseconds) override
 		{

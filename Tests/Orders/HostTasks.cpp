@@ -44,6 +44,7 @@ void AsyncTask(ENamedThreads::Type Thread, TUniqueFunction<void()> Function)
 	{
 		theTasks().Queue.push_back(std::move(Function));
 	}
+	Schedule::the().point("has posted");
 }
 
 void GameThreadTasks::BindToThisThread()

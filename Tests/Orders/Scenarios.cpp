@@ -20,7 +20,7 @@ namespace Orders
 		constexpr auto absolute = EHTTPCorvFileUpload::E_ad;
 
 		/** Ranges, a validator, pieces of four bytes; how it ends is open. */
-		Answer serve(const std::string& path, const std::string& range)
+		Answer serve(const std::string& path, const std::string& range, bool mayBeSilent)
 		{
 			Answer answer;
 			if (path == "/events")
@@ -57,7 +57,8 @@ namespace Orders
 				}
 			}
 			using End = Answer::End;
-			answer.end = requestsTaken() > 2 ? End::Whole : static_cast<End>(Schedule::the().choose("the server's answer ends", 3));
+			answer.end = requestsTaken() > 2 ? End::Whole
+											 : static_cast<End>(Schedule::the().choose("the server's answer ends", mayBeSilent ? 4 : 3));
 			if (answer.end == End::Dropped)
 			{
 				answer.blocks.pop_back();
@@ -87,6 +88,11 @@ namespace Orders
 				start();
 				break;
 			case Disturbance::EndOfProgram:
+				if (Schedule::the().choose("starts another one", 2) == 1)
+				{
+					world.letPass();
+					start();
+				}
 				world.letPass();
 				return;
 			default:
@@ -115,7 +121,7 @@ namespace Orders
 					++world.outcomes;
 					if (world.disturbance == Disturbance::AgainInHandler && world.outcomes == 1)
 					{
-						execute(world, *records);
+						execute(world, std::exchange(*records, {})); // nothing but the request holds itself now
 					}
 				});
 			drive(
@@ -180,24 +186,42 @@ namespace Orders
 			expectPrefix(world, "file");
 		}
 
+		std::string uploadName(int number)
+		{
+			return "upload" + std::to_string(number);
+		}
+
+		/** Each start with a file of its own: while one is on its way, and until it is repaired, it is blocked. */
 		void playUpload(World& world)
 		{
-			world.folder.write("upload", content);
-			const FString path = text(world.folder.path("upload"));
 			playRequest(world,
-				[&path]
+				[&world]
 				{
+					const std::string path = world.folder.write(uploadName(world.starts), content);
 					TArray<FhttpRequest> records;
 					FString name;
-					UCorvaneBPLibrary::CreateHttpRequestFileUploadPUT(
-						{}, "http://host/put", {}, absolute, path, "field", EHTTPCorvFileUploadType::PUT_STREAM_MP, id, records, name);
+					UCorvaneBPLibrary::CreateHttpRequestFileUploadPUT({}, "http://host/put", {}, absolute, text(path), "field",
+						EHTTPCorvFileUploadType::PUT_STREAM_MP, id, records, name);
 					return records;
 				});
 		}
 
+		void playUploads(World& world)
+		{
+			playUpload(world);
+			for (int number = 0; world.disturbance != Disturbance::EndOfProgram && number < world.starts; ++number)
+			{
+				world.expect(!world.library().isFileBlocked(text(world.folder.path(uploadName(number)))), "a file stays blocked");
+			}
+		}
+
 		void lookAtUpload(const World& world)
 		{
-			world.expect(world.read("upload") == content, "the file is not what it was: " + world.read("upload"));
+			for (int number = 0; world.folder.exists(uploadName(number)); ++number)
+			{
+				const std::string bytes = world.read(uploadName(number).c_str());
+				world.expect(bytes == content, "the file is not what it was: " + bytes);
+			}
 		}
 
 		void playNode(World& world)
@@ -230,7 +254,9 @@ namespace Orders
 			{
 				world.letPass();
 				transfer->Pause();
+				world.isPaused = true;
 				world.letPass();
+				world.isPaused = false;
 				transfer->Continue();
 			}
 		}
@@ -249,8 +275,7 @@ namespace Orders
 							++world.outcomes;
 							const bool isThere = report.Outcome != ECorvaneTransferOutcome::Succeeded || world.read("file") == content;
 							world.expect(isThere, "a success without the file");
-							const bool isSecond =
-								world.disturbance == Disturbance::CancelAndAgain; // while the first may still have the target
+							const bool isSecond = world.starts > 1; // while the first may still have the target
 							world.expect(isSecond || report.Outcome != ECorvaneTransferOutcome::Refused, "a good request is refused");
 						});
 					pauseAndContinue(world, last);
@@ -281,7 +306,10 @@ namespace Orders
 						*lastEnded = own;
 					};
 					handlers.OnEvent = [&world, lastEnded, own](const FString&, const FString&, const FString&)
-					{ world.expect(*lastEnded != own, "an event behind the end"); };
+					{
+						world.expect(*lastEnded != own, "an event behind the end");
+						world.expect(!world.isPaused, "an event in a pause");
+					};
 					FCorvaneFollowOptions options;
 					options.Attempts = 2;
 					last = UCorvaneFollowEvents::Start("http://host/events", options, handlers);
@@ -305,7 +333,7 @@ namespace Orders
 			{"events", &playEvents, nullptr, true, false, false},
 			{"download", &playDownload<false>, &lookAtDownload, true, false, false},
 			{"stepped", &playDownload<true>, &lookAtDownload, false, false, false},
-			{"upload", &playUpload, &lookAtUpload, true, false, false},
+			{"upload", &playUploads, &lookAtUpload, true, false, false},
 			{"node", &playNode, nullptr, true, true, false},
 			{"transfer", &playTransfer, &lookAtTransfer, false, false, true},
 			{"follow", &playFollow, nullptr, false, false, true},
@@ -380,7 +408,9 @@ namespace Orders
 		}
 		schedule.title = scenario.name;
 		schedule.begin(chooser);
-		serveWith([](const std::string&, const std::string& path, const std::string& range) { return serve(path, range); });
+		const bool isCancelled = scenario.disturbance == Disturbance::Cancel;
+		serveWith([isCancelled](const std::string&, const std::string& path, const std::string& range)
+			{ return serve(path, range, isCancelled); });
 		HostThreads::MayRefuse(scenario.disturbance == Disturbance::NoThread);
 		{
 			World world(folder(), scenario.disturbance);

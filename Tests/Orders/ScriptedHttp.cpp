@@ -230,6 +230,7 @@ bool FHttpThread::Start(std::shared_ptr<FHttpRequest> Request)
 		return false;
 	}
 	theService().Commands.emplace_back(std::move(Request), false);
+	Schedule::the().point("has started a request");
 	return true;
 }
 

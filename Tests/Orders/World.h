@@ -45,6 +45,7 @@ namespace Orders
 		const Disturbance disturbance;
 		int starts = 0;
 		int outcomes = 0;
+		bool isPaused = false;
 
 	private:
 		/** @return whether anything happened in it. */
