@@ -1,10 +1,10 @@
 #include "Events/FollowRun.h"
 
 #include "Attempts/Address.h"
+#include "Attempts/Utf8Text.h"
 #include "Containers/StringConv.h"
 #include "Events/FollowOptions.h"
 #include "Events/FollowReceiver.h"
-#include "Events/Utf8Text.h"
 #include "HAL/PlatformTime.h"
 #include "Math/UnrealMathUtility.h"
 
