@@ -53,17 +53,24 @@ void UCorvaneDownloadFile::Activate()
 		return; // it was started once
 	}
 	AddToRoot(); // until its outcome: a graph that is gone does not end a download
-	const auto Move = [this](const FCorvaneTransferReport& Report)
-	{
-		OnProgress.Broadcast(Report);
-		if (NativeMove)
-		{
-			NativeMove(Report);
-		}
-	};
 	Run = MakeShared<FCorvaneDownloadRun>(
-		Address, Path, Wishes, [this](const FCorvaneTransferReport& Report) { End(Report); }, Move, Route.ToSharedRef());
+		Address, Path, Wishes, [this](const FCorvaneTransferReport& Report) { End(Report); }, [this] { TellProgress(); },
+		Route.ToSharedRef());
 	Run->Start();
+}
+
+void UCorvaneDownloadFile::TellProgress()
+{
+	if (!OnProgress.IsBound() && !NativeMove)
+	{
+		return; // a report for nobody costs as much as one for somebody
+	}
+	const FCorvaneTransferReport Report = Run->GetReport();
+	OnProgress.Broadcast(Report);
+	if (NativeMove)
+	{
+		NativeMove(Report);
+	}
 }
 
 void UCorvaneDownloadFile::End(const FCorvaneTransferReport& Report)

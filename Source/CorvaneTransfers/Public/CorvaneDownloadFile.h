@@ -68,6 +68,7 @@ public:
 
 private:
 	static UCorvaneDownloadFile* Begin(UCorvaneDownloadFile* Node, FTell&& OnEnd, FTell&& OnMove);
+	void TellProgress();
 	void End(const FCorvaneTransferReport& Report);
 
 	TSharedPtr<FCorvaneRoute> Route; // null of the class's default object only

@@ -39,7 +39,7 @@ namespace CorvaneDownloadRun
 } // namespace CorvaneDownloadRun
 
 FCorvaneDownloadRun::FCorvaneDownloadRun(const FString& InURL, const FString& InTarget, const FCorvaneDownloadOptions& InOptions,
-	FTell InTellEnd, FTell InTellProgress, const TSharedRef<FCorvaneRoute>& InRoute)
+	FTell InTellEnd, TFunction<void()> InTellProgress, const TSharedRef<FCorvaneRoute>& InRoute)
 	: URL(InURL)
 	, Target(InTarget)
 	, Options(InOptions)
@@ -52,7 +52,15 @@ FCorvaneDownloadRun::FCorvaneDownloadRun(const FString& InURL, const FString& In
 
 void FCorvaneDownloadRun::Post(TUniqueFunction<void(FCorvaneDownloadRun&)> Letter)
 {
-	Mailbox->Post([Self = AsShared(), Letter = MoveTemp(Letter)] { Letter(*Self); });
+	// A letter that nobody reads any more must not keep alive what holds the box.
+	Mailbox->Post(
+		[Weak = TWeakPtr<FCorvaneDownloadRun>(AsShared()), Letter = MoveTemp(Letter)]
+		{
+			if (const TSharedPtr<FCorvaneDownloadRun> Self = Weak.Pin())
+			{
+				Letter(*Self);
+			}
+		});
 }
 
 void FCorvaneDownloadRun::Start()
@@ -114,6 +122,8 @@ void FCorvaneDownloadRun::Follow(const FCorvaneDownloadStep& Step)
 		return Files->Secure();
 	case ECorvaneDownloadAction::Finish:
 		return Finish();
+	case ECorvaneDownloadAction::StopFinishing:
+		return Files->StopReading();
 	case ECorvaneDownloadAction::Close:
 		return Files->Close([Self = AsShared()] { Self->PostClosed(); });
 	case ECorvaneDownloadAction::Discard:
@@ -194,7 +204,6 @@ void FCorvaneDownloadRun::Send(const FCorvaneDownloadQuestion& Question, TArray<
 void FCorvaneDownloadRun::OnSent(FCorvaneAttemptEnd End)
 {
 	Receiver.Reset();
-	LastModified = End.Exchange.Answer.IsSuccess() ? End.Exchange.Answer.Version.LastModified : LastModified;
 	End.Random = FMath::FRand();
 	End.NowUtc = FDateTime::UtcNow();
 	Follow(Machine.OnAttemptEnded(CorvaneDownloadRun::Now(), End));
@@ -222,7 +231,7 @@ void FCorvaneDownloadRun::Finish()
 {
 	FCorvaneFinishWish Wish;
 	Wish.Hash = Hash;
-	Wish.FileTime = Options.bKeepServerTime ? CorvaneHttpDate::Parse(LastModified) : FDateTime::MinValue();
+	Wish.FileTime = Options.bKeepServerTime ? CorvaneHttpDate::Parse(Machine.GetVersion().LastModified) : FDateTime::MinValue();
 	Wish.bMayReplace =
 		Options.IfTargetExists == ECorvaneIfTargetExists::Replace || Options.IfTargetExists == ECorvaneIfTargetExists::OnlyIfNewer;
 	Files->Finish(Wish,
@@ -246,11 +255,11 @@ FCorvaneTransferReport FCorvaneDownloadRun::GetReport() const
 
 bool FCorvaneDownloadRun::OnProgressTick()
 {
-	const FCorvaneTransferReport Report = GetReport();
-	if (!IsOver() && Report.TransferredBytes != ToldBytes)
+	const int64 Bytes = Machine.GetReport().TransferredBytes + (Receiver.IsValid() ? Files->BytesOfAttempt() : 0);
+	if (!IsOver() && Bytes != ToldBytes)
 	{
-		ToldBytes = Report.TransferredBytes;
-		ProgressTeller(Report);
+		ToldBytes = Bytes;
+		ProgressTeller();
 	}
 	return !IsOver();
 }
