@@ -197,6 +197,20 @@ TEST_F(ResumableServer, HasTheFileWholeAfterKillsAtRandomMoments)
 	expectWholeAfterKills(8 << 20, 64 << 10, 12, 400);
 }
 
+TEST_F(ResumableServer, IsNotAskedWhenAnUploadIsCancelledWhileItIsHashed)
+{
+	const std::string path = folder.path("large");
+	fs::resize_file(folder.write("large", ""), std::uintmax_t(8) << 30); // without a byte on disk
+	FCorvaneResumableOptions wishes = options(1 << 20);
+	wishes.Hash = TEXT("sha256");
+	UCorvaneUploadResumable* const upload = start(path, wishes);
+	upload->Cancel();
+	const FCorvaneTransferReport report = finish();
+	EXPECT_EQ(report.Outcome, Outcome::Cancelled) << utf8(report.Sentence);
+	EXPECT_LT(report.SecondsWorked, 4);
+	EXPECT_TRUE(kept().empty());
+}
+
 TEST_F(ResumableServer, HasALargeFileWholeAfterKillsAtRandomMoments)
 {
 	expectWholeAfterKills(std::uintmax_t(1) << 30, 16 << 20, 20, 2000);

@@ -54,7 +54,7 @@ FCorvaneTusStep FCorvaneTusMachine::OnOpened(double Now, const FCorvaneTusOpened
 	}
 	if (Opened.Failure != ECorvaneTransferOutcome::Running)
 	{
-		return Fail(Now, Opened.Failure, Opened.Sentence);
+		return WantedEnd == ECorvaneTransferOutcome::Running ? Fail(Now, Opened.Failure, Opened.Sentence) : EndAsWanted(Now);
 	}
 	bOpen = true;
 	Size = Report.TotalBytes = Opened.Size;

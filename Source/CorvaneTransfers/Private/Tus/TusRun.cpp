@@ -75,11 +75,13 @@ void FCorvaneTusRun::Continue()
 
 void FCorvaneTusRun::Cancel()
 {
+	Files->StopReading();
 	Follow(Machine.Cancel(CorvaneTusRun::Now()));
 }
 
 void FCorvaneTusRun::EndWithProgram()
 {
+	Files->StopReading();
 	Follow(Machine.EndOfProgram(CorvaneTusRun::Now()));
 }
 
