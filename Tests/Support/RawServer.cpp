@@ -203,8 +203,3 @@ std::string headerOf(std::string_view head, const std::string& name)
 	const size_t begin = line + name.size() + 4;
 	return line == head.npos ? "" : std::string(head.substr(begin, head.find("\r\n", begin) - begin));
 }
-
-std::string firstHeaders(const std::string& authority)
-{
-	return "Host: " + authority + "\r\nAccept: */*\r\nAccept-Encoding: deflate, gzip, br, zstd\r\n";
-}

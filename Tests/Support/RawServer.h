@@ -146,9 +146,6 @@ RawServer::Script answering(std::function<std::string(const std::string& head)> 
 /** @return a whole answer with a Content-Length. @param headers  lines with their line ends. */
 std::string answer(int code, std::string_view body, std::string_view headers = "");
 
-/** What the HTTP layer puts in front of a program's own headers, after the request line. */
-std::string firstHeaders(const std::string& authority);
-
 /** @return the target in a request head: "/a?b" of "GET /a?b HTTP/1.1...". */
 std::string targetOf(std::string_view head);
 
