@@ -1,7 +1,9 @@
 #include "Attempts/Exchange.h"
 #include "Host/GameThreadTasks.h"
 #include "Host/HttpService.h"
-#include "RawServer.h"
+#include "Lab/Behaviours/Answers.h"
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Origin.h"
 #include "TextSupport.h"
 #include "Waiting.h"
 
@@ -90,8 +92,9 @@ namespace
 
 TEST_F(Exchange, TellsTheAnswerOnceBeforeItsBytesAndWhereItCameFrom)
 {
-	RawServer server(answering([](const std::string& head)
-		{ return targetOf(head) == "/from" ? answer(302, "moved", "Location: /to\r\nETag: \"moved\"\r\n") : partHead + "0123456789"; }));
+	Lab::Origin server;
+	server.at("/from", "moved", Lab::redirect({.to = "/to"}), Lab::headers({{"ETag", "\"moved\""}}));
+	server.at("/to", Lab::raw(partHead + "0123456789"));
 	start("http://user:secret@" + server.authority() + "/from");
 	EXPECT_EQ(waitForEnd().End, End::Done);
 	ASSERT_EQ(receiver->answers.size(), 1u);
@@ -102,10 +105,10 @@ TEST_F(Exchange, TellsTheAnswerOnceBeforeItsBytesAndWhereItCameFrom)
 	EXPECT_EQ(receiver->result.BodyBytes, 10);
 	EXPECT_THAT(utf8(receiver->result.ReachedURL), testing::EndsWith("/to"));
 	EXPECT_NE(receiver->threads.front(), std::this_thread::get_id());
-	for (const std::string& head : server.requests())
+	for (const Lab::Exchange& each : server.log())
 	{
-		EXPECT_EQ(headerOf(head, "Accept-Encoding"), "identity");
-		EXPECT_EQ(headerOf(head, "Range"), "bytes=5-");
+		EXPECT_EQ(each.request->header("Accept-Encoding"), "identity");
+		EXPECT_EQ(each.request->header("Range"), "bytes=5-");
 	}
 }
 
@@ -134,12 +137,8 @@ TEST_F(Exchange, KnowsItsEnds)
 	for (const Case& each : cases)
 	{
 		SCOPED_TRACE(each.what);
-		RawServer server(
-			[&each](Connection& connection)
-			{
-				connection.readHead();
-				connection.send(each.sent);
-			});
+		Lab::Origin server;
+		server.at("/", Lab::raw(each.sent));
 		receiver->answers.clear();
 		receiver->body.clear();
 		start(server.url());
@@ -156,17 +155,11 @@ TEST_F(Exchange, KnowsItsEnds)
 TEST_F(Exchange, TellsSilenceFromNoConnectionAndNoRequest)
 {
 	constexpr float silence = 0.2f;
-	RawServer mute([](Connection& connection) { connection.waitForPeer(); });
-	RawServer stalls(
-		[](Connection& connection)
-		{
-			connection.readHead();
-			connection.send(partHead + "01234");
-			connection.waitForPeer();
-		});
-	start(mute.url(), silence);
+	Lab::Origin server;
+	server.at("/mute", Lab::stall()).at("/stalls", Lab::raw(partHead + "01234", Lab::RawEnd::Stall));
+	start(server.url("/mute"), silence);
 	EXPECT_EQ(waitForEnd().End, End::Stalled);
-	start(stalls.url(), silence);
+	start(server.url("/stalls"), silence);
 	EXPECT_EQ(waitForEnd().End, End::Stalled);
 	EXPECT_EQ(receiver->body, "01234");
 	start("http://127.0.0.1:1/");
@@ -177,13 +170,8 @@ TEST_F(Exchange, TellsSilenceFromNoConnectionAndNoRequest)
 
 TEST_F(Exchange, StopsWhenTheReceiverOrTheCallerWantsNoMore)
 {
-	RawServer server(
-		[](Connection& connection)
-		{
-			connection.readHead();
-			connection.send(partHead + "01234");
-			connection.waitForPeer();
-		});
+	Lab::Origin server;
+	server.at("/", Lab::raw(partHead + "01234", Lab::RawEnd::Stall));
 	receiver->takesAnswer = false;
 	start(server.url());
 	EXPECT_EQ(waitForEnd().End, End::StoppedByUs);

@@ -1,8 +1,9 @@
-#include "FileAnswers.h"
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Behaviours/Files.h"
+#include "Lab/Origin.h"
 #include "MortalFiles.h"
 #include "QuickPlace.h"
 #include "RandomBytes.h"
-#include "RawServer.h"
 #include "TempDir.h"
 
 #include <csignal>
@@ -12,6 +13,7 @@
 #include <random>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <thread>
 
 namespace
 {
@@ -23,6 +25,7 @@ namespace
 		{
 			std::string words[] = {DOWNLOAD_CHILD, url, target, std::to_string(diesAtStep), movesReplace ? "1" : "0"};
 			char* arguments[] = {words[0].data(), words[1].data(), words[2].data(), words[3].data(), words[4].data(), nullptr};
+			stopKilling();
 			const std::scoped_lock lock(mutex);
 			ASSERT_EQ(posix_spawn(&running, words[0].c_str(), nullptr, nullptr, arguments, environ), 0);
 		}
@@ -38,98 +41,88 @@ namespace
 			return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 		}
 
-		void kill()
+		void killIn(std::chrono::microseconds time)
 		{
 			const std::scoped_lock lock(mutex);
-			if (running != 0)
-			{
-				::kill(running, SIGKILL);
-			}
+			killers.emplace_back(
+				[this, time]
+				{
+					std::this_thread::sleep_for(time);
+					const std::scoped_lock lockToKill(mutex);
+					if (running != 0)
+					{
+						::kill(running, SIGKILL);
+					}
+				});
 		}
 
 	private:
+		/** Waits for those of an earlier run, which are not meant for the next one. */
+		void stopKilling()
+		{
+			std::vector<std::jthread> late;
+			const std::scoped_lock lock(mutex);
+			late.swap(killers);
+		}
+
 		std::mutex mutex; // guards what follows
 		pid_t running = 0;
+		std::vector<std::jthread> killers;
 	};
 
-	/** How an origin sends one file: in pieces, with the connection broken off behind each, so that every run resumes. */
-	class FrailServer
+	/** Bytes whose reader is killed a while after so many of them were handed out, or the last one was. */
+	class DeadlyContent : public Lab::Content
 	{
 	public:
-		/** @param bytesToLive  sent bytes after which the program is killed, and then so many microseconds; -1 = never. */
-		void expect(const Version& inVersion, std::int64_t bytesToLive, int inMicroseconds)
+		DeadlyContent(const std::string& bytes, Program& inReader, std::uint64_t inBytesToLive, int inMicroseconds)
+			: content(Lab::bytesContent(bytes))
+			, reader(inReader)
+			, left(inBytesToLive)
+			, time(inMicroseconds)
 		{
-			const std::scoped_lock lock(mutex);
-			version = inVersion;
-			left = bytesToLive;
-			microseconds = inMicroseconds;
 		}
-
-		std::string url() const { return server.url(); }
-		Program program;
-		std::atomic<int> timesAsked{0};
-		std::atomic<int> partsSent{0};
+		std::uint64_t size() const override { return content->size(); }
+		std::uint64_t fingerprint() const override { return content->fingerprint(); }
+		std::string_view at(std::uint64_t place, std::size_t most) const override
+		{
+			const std::string_view piece = content->at(place, most);
+			const bool isLast = place + piece.size() == size();
+			if (!isKilled && (piece.size() > left || isLast))
+			{
+				isKilled = true;
+				reader.killIn(time);
+			}
+			left -= std::min<std::uint64_t>(left, piece.size());
+			return piece;
+		}
 
 	private:
-		static constexpr size_t mostOfOnePiece = 50'000;
-		static constexpr size_t mostAtOnce = 10'000;
-
-		void serve(Connection& connection)
-		{
-			const std::string head = connection.readHead();
-			++timesAsked;
-			std::string whole;
-			{
-				const std::scoped_lock lock(mutex);
-				whole = answerOf(version, Ranges::Honest, head);
-			}
-			partsSent += whole.starts_with("HTTP/1.1 206") ? 1 : 0;
-			const size_t piece = std::min(whole.size(), whole.find("\r\n\r\n") + 4 + mostOfOnePiece);
-			for (size_t begin = 0; begin < piece; begin += mostAtOnce)
-			{
-				const size_t number = std::min(mostAtOnce, piece - begin);
-				killWhenDue(static_cast<std::int64_t>(number));
-				connection.send(std::string_view(whole).substr(begin, number));
-			}
-			killWhenDue(piece == whole.size() ? INT64_MAX : 0);
-		}
-
-		void killWhenDue(std::int64_t bytes)
-		{
-			int wait = 0;
-			{
-				const std::scoped_lock lock(mutex);
-				const bool isDue = left >= 0 && left < bytes;
-				left = isDue ? -1 : left < 0 ? left : left - bytes;
-				if (!isDue)
-				{
-					return;
-				}
-				wait = microseconds;
-			}
-			std::this_thread::sleep_for(std::chrono::microseconds(wait)); // moments between two sendings, too
-			program.kill();
-		}
-
-		std::mutex mutex; // guards what follows
-		Version version;
-		std::int64_t left = -1;
-		int microseconds = 0;
-		const RawServer server{[this](Connection& connection) { serve(connection); }};
+		const Lab::ContentPtr content;
+		Program& reader;
+		mutable std::uint64_t left;
+		mutable bool isKilled = false;
+		const std::chrono::microseconds time;
 	};
 
-	Version newVersion(int number)
+	/** Serves a file whose connection breaks again and again, so that every run resumes. */
+	void serve(Lab::Origin& origin, Lab::ContentPtr content)
 	{
-		return {randomBytes(120'000, static_cast<unsigned>(number)), fmt::format("ETag: \"{}\"\r\n", number)};
+		origin.at("/", Lab::file(std::move(content)), Lab::pieces({10'000}), Lab::dropAfter(50'000));
+	}
+
+	std::string newVersion(int number)
+	{
+		return randomBytes(120'000, static_cast<unsigned>(number));
 	}
 } // namespace
 
 TEST(KilledProgram, LeavesTheOldFileOrTheNewOneAtRandomMoments)
 {
 	const TempDir dir(quickPlace());
-	FrailServer server;
+	Program program;
+	Lab::Origin origin;
 	std::mt19937 random(17);
-	Version current = newVersion(0);
+	std::string current = newVersion(0);
 	std::string seen = "old";
 	int finished = 0;
 	for (int kills = 0; kills < 200;)
@@ -139,15 +132,15 @@ TEST(KilledProgram, LeavesTheOldFileOrTheNewOneAtRandomMoments)
 		{
 			dir.write("file", seen);
 		}
-		const int askedBefore = server.timesAsked;
-		server.expect(
-			current, static_cast<std::int64_t>(random() % 150'000), 1 << random() % 20); // from at once to long enough for a slow build
-		server.program.start(server.url(), dir.path("file"), 0, true);
-		const int status = server.program.wait();
+		const auto askedBefore = origin.requests();
+		const std::uint64_t bytesToLive = random() % 150'000;
+		serve(origin, std::make_shared<DeadlyContent>(current, program, bytesToLive, 1 << random() % 20)); // long enough for a slow build
+		program.start(origin.url(), dir.path("file"), 0, true);
+		const int status = program.wait();
 		ASSERT_TRUE(status == 0 || status == -1) << status;
-		const bool wasWhole = server.timesAsked == askedBefore; // a run that was killed behind its last step but one
+		const bool wasWhole = origin.requests() == askedBefore; // a run that was killed behind its last step but one
 		const std::string now = dir.read("file");
-		ASSERT_TRUE(now == current.bytes || (now == seen && (status != 0 || wasWhole)));
+		ASSERT_TRUE(now == current || (now == seen && (status != 0 || wasWhole)));
 		seen = now;
 		kills += status == 0 ? 0 : 1;
 		finished += status == 0 ? 1 : 0;
@@ -156,19 +149,22 @@ TEST(KilledProgram, LeavesTheOldFileOrTheNewOneAtRandomMoments)
 			current = newVersion(kills + 1000 * finished);
 		}
 	}
-	server.expect(current, -1, 0);
-	server.program.start(server.url(), dir.path("file"), 0, true);
-	ASSERT_EQ(server.program.wait(), 0);
-	EXPECT_TRUE(dir.read("file") == current.bytes);
+	serve(origin, Lab::bytesContent(current));
+	program.start(origin.url(), dir.path("file"), 0, true);
+	ASSERT_EQ(program.wait(), 0);
+	EXPECT_TRUE(dir.read("file") == current);
 	EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 1) << "nothing else is left";
 	EXPECT_GT(finished, 5);
-	EXPECT_GT(server.partsSent, 100);
+	const std::vector<Lab::Exchange> log = origin.log();
+	EXPECT_GT(std::count_if(log.begin(), log.end(), [](const Lab::Exchange& each) { return each.status == 206; }), 100);
 }
 
 TEST(KilledProgram, LeavesTheOldFileOrTheNewOneAtEachStepOfItsFiles)
 {
-	FrailServer server;
-	const Version version = newVersion(1);
+	Program program;
+	Lab::Origin origin;
+	const std::string version = newVersion(1);
+	serve(origin, Lab::bytesContent(version));
 	for (const bool movesReplace : {true, false})
 	{
 		int step = 0;
@@ -177,15 +173,14 @@ TEST(KilledProgram, LeavesTheOldFileOrTheNewOneAtEachStepOfItsFiles)
 			const TempDir dir(quickPlace());
 			dir.write("file", "old");
 			SCOPED_TRACE(fmt::format("killed at step {}", ++step));
-			server.expect(version, -1, 0);
-			server.program.start(server.url(), dir.path("file"), step, movesReplace);
-			status = server.program.wait();
+			program.start(origin.url(), dir.path("file"), step, movesReplace);
+			status = program.wait();
 			ASSERT_TRUE(status == 0 || status == MortalFiles::exitCode) << status;
 			const std::string now = dir.read(movesReplace || dir.exists("file") ? "file" : "file.corvold");
-			ASSERT_TRUE(now == "old" || now == version.bytes);
-			server.program.start(server.url(), dir.path("file"), 0, movesReplace);
-			ASSERT_EQ(server.program.wait(), 0);
-			ASSERT_TRUE(dir.read("file") == version.bytes);
+			ASSERT_TRUE(now == "old" || now == version);
+			program.start(origin.url(), dir.path("file"), 0, movesReplace);
+			ASSERT_EQ(program.wait(), 0);
+			ASSERT_TRUE(dir.read("file") == version);
 			ASSERT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 1) << "nothing else is left";
 		}
 		EXPECT_GT(step, 20);
