@@ -1,42 +1,24 @@
 #include "CorvaneDownloadFile.h"
 #include "FileSizeLimit.h"
 #include "ForwardingFiles.h"
-#include "GameLoop.h"
-#include "Lab/Behaviours/Answers.h"
-#include "Lab/Behaviours/Faults.h"
-#include "Lab/Behaviours/Files.h"
-#include "Lab/Origin.h"
 #include "LogCapture.h"
 #include "LoopbackListener.h"
 #include "RandomBytes.h"
 #include "RunningTransfers.h"
-#include "TempDir.h"
-#include "TextSupport.h"
 #include "Threads/ByteBuffer.h"
+#include "TransferFixture.h"
 #include "UObject/UObjectGlobals.h"
-#include "Waiting.h"
 
-#include <cstdlib>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <optional>
 
 namespace
 {
 	namespace fs = std::filesystem;
 
-	class DownloadFile : public ::testing::Test
+	class DownloadFile : public TransferFixture
 	{
 	protected:
-		/** Those under which the tests run once more; see CMakeLists.txt. */
-		static FGameLoopSettings conditions()
-		{
-			FGameLoopSettings settings;
-			settings.bCollectAfterEveryTick = std::getenv("CORVANE_TEST_COLLECT") != nullptr;
-			settings.http.bForceGameThreadCallbacks = std::getenv("CORVANE_TEST_GAME_THREAD") != nullptr;
-			return settings;
-		}
-
 		static FCorvaneDownloadOptions patient()
 		{
 			FCorvaneDownloadOptions options;
@@ -48,30 +30,8 @@ namespace
 		UCorvaneDownloadFile* start(
 			const std::string& url, const FCorvaneDownloadOptions& options = patient(), std::string_view name = "file.bin")
 		{
-			++expected;
-			return UCorvaneDownloadFile::Start(
-				text(url), text(folder.path(name)), options, [this](const FCorvaneTransferReport& report) { reports.push_back(report); });
+			return UCorvaneDownloadFile::Start(text(url), text(folder.path(name)), options, note());
 		}
-
-		FCorvaneTransferReport finish()
-		{
-			EXPECT_TRUE(loop.WaitFor([this] { return reports.size() >= expected; }, patienceSeconds));
-			loop.RunUntilIdle(UCorvaneTransfer::HasPendingWork);
-			EXPECT_EQ(reports.size(), expected); // each start has one outcome
-			return reports.empty() ? FCorvaneTransferReport() : reports.back();
-		}
-
-		void expectNothingBeside(std::string_view name = "file.bin")
-		{
-			EXPECT_FALSE(folder.exists(std::string(name) + ".corvpart"));
-			EXPECT_FALSE(folder.exists(std::string(name) + ".corvjournal"));
-		}
-
-		const TempDir folder;
-		Lab::Origin origin;
-		FGameLoop loop{conditions()};
-		size_t expected = 0;
-		std::vector<FCorvaneTransferReport> reports;
 	};
 
 	const std::string content = randomBytes(300'000);
@@ -209,7 +169,6 @@ TEST_F(DownloadFile, EndsWithOneReasonAndTouchesNothing)
 			each.change(options);
 		}
 		start(each.url, options);
-		EXPECT_EQ(reports.size() + 1, expected); // not inside the call
 		const FCorvaneTransferReport report = finish();
 		EXPECT_EQ(report.Outcome, each.outcome) << utf8(report.Sentence);
 		EXPECT_FALSE(report.Sentence.IsEmpty());

@@ -1,22 +1,14 @@
 #include "CorvaneBPLibrary.h"
 #include "CorvaneDownloadFile.h"
-#include "GameLoop.h"
-#include "Lab/Behaviours/Answers.h"
-#include "Lab/Behaviours/Faults.h"
-#include "Lab/Behaviours/Files.h"
-#include "Lab/Origin.h"
 #include "RandomBytes.h"
-#include "TempDir.h"
-#include "TextSupport.h"
-#include "Waiting.h"
-
-#include <gtest/gtest.h>
+#include "TransferFixture.h"
 
 namespace
 {
 	using Outcome = ECorvaneTransferOutcome;
 
 	const std::string content = randomBytes(300'000);
+
 	std::string formTo(const std::string& action)
 	{
 		return "<form action=\"" + action + "\" method=\"get\"><input type=\"hidden\" name=\"id\" value=\"one\">" +
@@ -28,36 +20,15 @@ namespace
 		return std::vector{Lab::text(html, "text/html; charset=utf-8"), Lab::status({.code = code})};
 	}
 
-	class DriveFile : public ::testing::Test
+	class DriveFile : public TransferFixture
 	{
 	protected:
 		UCorvaneDownloadFile* start(const Lab::Origin& server, FCorvaneDownloadOptions options = {}, const std::string& id = "one")
 		{
 			UCorvaneBPLibrary::setGoogleDriveBase(text(server.url("")));
 			options.FirstWaitSeconds = 0.001;
-			reports.clear();
-			UCorvaneDownloadFile* const transfer = UCorvaneDownloadFile::StartDriveFile(text(id), text(folder.path("file.bin")), options,
-				[this](const FCorvaneTransferReport& report) { reports.push_back(report); });
-			EXPECT_TRUE(reports.empty()); // not inside the call
-			return transfer;
+			return UCorvaneDownloadFile::StartDriveFile(text(id), text(folder.path("file.bin")), options, note());
 		}
-
-		FCorvaneTransferReport finish()
-		{
-			loop.RunUntilIdle(UCorvaneTransfer::HasPendingWork);
-			EXPECT_EQ(reports.size(), 1u);
-			return reports.empty() ? FCorvaneTransferReport() : reports.front();
-		}
-
-		void expectNothingBeside() const
-		{
-			EXPECT_FALSE(folder.exists("file.bin.corvpart"));
-			EXPECT_FALSE(folder.exists("file.bin.corvjournal"));
-		}
-
-		const TempDir folder;
-		FGameLoop loop;
-		std::vector<FCorvaneTransferReport> reports;
 	};
 } // namespace
 
