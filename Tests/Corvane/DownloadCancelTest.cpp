@@ -55,7 +55,7 @@ namespace
 		{
 			const auto received = [this]
 			{ return downloads.empty() ? 0 : static_cast<size_t>(downloads.back().megaBytesReceived * (1 << 20) + 0.5f); };
-			ASSERT_TRUE(loop.WaitFor([&] { return received() >= number; }, patienceSeconds)) << number;
+			ASSERT_TRUE(until([&] { return received() >= number; })) << number;
 		}
 
 		void cancel()

@@ -330,7 +330,7 @@ TEST_F(UploadFault, MayBeCancelledAtAnyMoment)
 		if (moment >= 4)
 		{
 			ASSERT_TRUE(waitFor([&] { return sink.requests() > begun; }));
-			loop.WaitFor([&, number = 0]() mutable { return ++number > moment / 4 || !uploads.empty(); }, patienceSeconds);
+			until([&, number = 0]() mutable { return ++number > moment / 4 || !uploads.empty(); });
 		}
 		UCorvaneBPLibrary::cancelRequest("soon");
 		drain();

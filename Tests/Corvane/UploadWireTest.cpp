@@ -174,7 +174,7 @@ TEST_F(UploadWire, ProgressIsTheShareOfTheBodyAndRisesWhileBytesAreSent)
 		UploadSink slow(read);
 		record.url = text(slow.url());
 		execute({record});
-		ASSERT_TRUE(loop.WaitFor([this] { return !uploads.empty() && uploads.back().bytesSent > 0; }, patienceSeconds));
+		ASSERT_TRUE(until([this] { return !uploads.empty() && uploads.back().bytesSent > 0; }));
 		EXPECT_LT(uploads.back().percentUpload, 100);
 		read.open();
 		drain();

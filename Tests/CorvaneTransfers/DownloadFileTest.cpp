@@ -288,28 +288,20 @@ TEST_F(DownloadFile, HoldsNobodyUpWhenTheDiskDoesNotAnswerAtTheEnd)
 {
 	struct StuckFiles final : ForwardingFiles
 	{
-		struct Handle final : IFileHandle
+		struct Handle final : ForwardingHandle
 		{
-			Handle(StuckFiles& inFiles, IFileHandle* inLower)
-				: files(inFiles)
-				, lower(inLower)
+			Handle(StuckFiles& inFiles, IFileHandle* lower)
+				: ForwardingHandle(lower)
+				, files(inFiles)
 			{
 			}
 			bool Write(const uint8* bytes, int64 number) override
 			{
 				files.answers.wait(false);
-				return lower->Write(bytes, number);
+				return Lower->Write(bytes, number);
 			}
-			int64 Tell() override { return lower->Tell(); }
-			bool Seek(int64 position) override { return lower->Seek(position); }
-			bool SeekFromEnd(int64 offset) override { return lower->SeekFromEnd(offset); }
-			bool Read(uint8* bytes, int64 number) override { return lower->Read(bytes, number); }
-			int64 Size() override { return lower->Size(); }
-			bool Truncate(int64 size) override { return lower->Truncate(size); }
-			bool Flush(bool isFull) override { return lower->Flush(isFull); }
 
 			StuckFiles& files;
-			const std::unique_ptr<IFileHandle> lower;
 		};
 
 		IFileHandle* OpenWrite(const TCHAR* name, bool bAppend, bool bAllowRead) override

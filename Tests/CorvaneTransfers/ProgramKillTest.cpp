@@ -6,6 +6,7 @@
 #include "RandomBytes.h"
 #include "TempDir.h"
 
+#include <condition_variable>
 #include <csignal>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -45,11 +46,11 @@ namespace
 		{
 			const std::scoped_lock lock(mutex);
 			killers.emplace_back(
-				[this, time]
+				[this, time](const std::stop_token& stop)
 				{
-					std::this_thread::sleep_for(time);
-					const std::scoped_lock lockToKill(mutex);
-					if (running != 0)
+					std::unique_lock lockToKill(mutex);
+					std::condition_variable_any().wait_for(lockToKill, stop, time, [] { return false; });
+					if (running != 0 && !stop.stop_requested())
 					{
 						::kill(running, SIGKILL);
 					}
@@ -57,7 +58,7 @@ namespace
 		}
 
 	private:
-		/** Waits for those of an earlier run, which are not meant for the next one. */
+		/** Those of an earlier run are not meant for the next one. */
 		void stopKilling()
 		{
 			std::vector<std::jthread> late;
