@@ -52,6 +52,8 @@ INNER_ROOMS = {
     "Source/CorvaneTransfers/Private/": {
         "Download": ["Attempts", "Files", "Threads"],
         "Drive": ["Attempts"],
+        "Upload": ["Attempts", "Files", "Threads"],
+        "Tus": ["Upload", "Attempts", "Files", "Threads"],
         "Events": ["Attempts", "Threads"],
         "Attempts": [],
         "Files": ["Threads"],

@@ -1,3 +1,4 @@
+#include "ChildProgram.h"
 #include "Lab/Behaviours/Faults.h"
 #include "Lab/Behaviours/Files.h"
 #include "Lab/Origin.h"
@@ -7,52 +8,34 @@
 #include "TempDir.h"
 
 #include <condition_variable>
-#include <csignal>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <mutex>
 #include <random>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <thread>
 
 namespace
 {
-	/** A program of its own that downloads. One thread waits for it, any may kill it. */
-	class Program
+	/** A program that downloads, and may be killed a while after something has happened. */
+	class Downloader : public ChildProgram
 	{
 	public:
 		void start(const std::string& url, const std::string& target, int diesAtStep, bool movesReplace)
 		{
-			std::string words[] = {DOWNLOAD_CHILD, url, target, std::to_string(diesAtStep), movesReplace ? "1" : "0"};
-			char* arguments[] = {words[0].data(), words[1].data(), words[2].data(), words[3].data(), words[4].data(), nullptr};
 			stopKilling();
-			const std::scoped_lock lock(mutex);
-			ASSERT_EQ(posix_spawn(&running, words[0].c_str(), nullptr, nullptr, arguments, environ), 0);
-		}
-
-		/** @return the status with which it ended; -1 = it was killed. */
-		int wait()
-		{
-			siginfo_t ended;
-			waitid(P_PID, static_cast<id_t>(running), &ended, WEXITED | WNOWAIT);
-			const std::scoped_lock lock(mutex);
-			int status = 0;
-			waitpid(std::exchange(running, 0), &status, 0);
-			return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+			ChildProgram::start({DOWNLOAD_CHILD, url, target, std::to_string(diesAtStep), movesReplace ? "1" : "0"});
 		}
 
 		void killIn(std::chrono::microseconds time)
 		{
-			const std::scoped_lock lock(mutex);
+			const std::scoped_lock lock(killing);
 			killers.emplace_back(
 				[this, time](const std::stop_token& stop)
 				{
-					std::unique_lock lockToKill(mutex);
-					std::condition_variable_any().wait_for(lockToKill, stop, time, [] { return false; });
-					if (running != 0 && !stop.stop_requested())
+					std::unique_lock lockOfWait(killing);
+					if (!std::condition_variable_any().wait_for(lockOfWait, stop, time, [&] { return stop.stop_requested(); }))
 					{
-						::kill(running, SIGKILL);
+						kill();
 					}
 				});
 		}
@@ -62,12 +45,11 @@ namespace
 		void stopKilling()
 		{
 			std::vector<std::jthread> late;
-			const std::scoped_lock lock(mutex);
+			const std::scoped_lock lock(killing);
 			late.swap(killers);
 		}
 
-		std::mutex mutex; // guards what follows
-		pid_t running = 0;
+		std::mutex killing; // guards what follows
 		std::vector<std::jthread> killers;
 	};
 
@@ -75,7 +57,7 @@ namespace
 	class DeadlyContent : public Lab::Content
 	{
 	public:
-		DeadlyContent(const std::string& bytes, Program& inReader, std::uint64_t inBytesToLive, int inMicroseconds)
+		DeadlyContent(const std::string& bytes, Downloader& inReader, std::uint64_t inBytesToLive, int inMicroseconds)
 			: content(Lab::bytesContent(bytes))
 			, reader(inReader)
 			, left(inBytesToLive)
@@ -99,7 +81,7 @@ namespace
 
 	private:
 		const Lab::ContentPtr content;
-		Program& reader;
+		Downloader& reader;
 		mutable std::uint64_t left;
 		mutable bool isKilled = false;
 		const std::chrono::microseconds time;
@@ -120,7 +102,7 @@ namespace
 TEST(KilledProgram, LeavesTheOldFileOrTheNewOneAtRandomMoments)
 {
 	const TempDir dir(quickPlace());
-	Program program;
+	Downloader program;
 	Lab::Origin origin;
 	std::mt19937 random(17);
 	std::string current = newVersion(0);
@@ -162,7 +144,7 @@ TEST(KilledProgram, LeavesTheOldFileOrTheNewOneAtRandomMoments)
 
 TEST(KilledProgram, LeavesTheOldFileOrTheNewOneAtEachStepOfItsFiles)
 {
-	Program program;
+	Downloader program;
 	Lab::Origin origin;
 	const std::string version = newVersion(1);
 	serve(origin, Lab::bytesContent(version));

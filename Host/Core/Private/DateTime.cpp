@@ -1,5 +1,6 @@
 #include "Misc/DateTime.h"
 
+#include "Host/Clock.h"
 #include "Containers/StringConv.h"
 
 #include <array>
@@ -44,7 +45,7 @@ namespace
 
 FDateTime FDateTime::UtcNow()
 {
-	return fromMoment(time_point_cast<FTick>(system_clock::now()));
+	return fromMoment(time_point_cast<FTick>(HostClock::Today()));
 }
 
 FDateTime FDateTime::Now()

@@ -1,22 +1,22 @@
-#include "Files/JournalFile.h"
+#include "Files/LineFile.h"
 
 #include "Files/FileBlocks.h"
 #include "Files/FileFaults.h"
 #include "HAL/PlatformFileManager.h"
 
-namespace CorvaneJournalFile
+namespace CorvaneLineFile
 {
 	/** More than the checkpoints of a fortnight. */
 	static constexpr int64 LongestJournal = 64 << 20;
 
-	static FCorvaneJournal ReadFrom(const FString& Path, int64 Size)
+	static TArray<uint8> ReadAll(const FString& Path, int64 Size)
 	{
 		TArray<uint8> Bytes;
-		return Size <= LongestJournal && CorvaneFileBlocks::Read(Path, 0, Size, Bytes) ? FCorvaneJournal::Read(Bytes) : FCorvaneJournal();
+		return Size <= LongestJournal && CorvaneFileBlocks::Read(Path, 0, Size, Bytes) ? Bytes : TArray<uint8>();
 	}
-} // namespace CorvaneJournalFile
+} // namespace CorvaneLineFile
 
-FCorvaneFileResult FCorvaneJournalFile::Open(const FString& InPath)
+FCorvaneFileResult FCorvaneLineFile::Open(const FString& InPath, const TFunction<int64(const TArray<uint8>&)>& Read)
 {
 	Path = InPath;
 	Handle.Reset(FPlatformFileManager::Get().GetPlatformFile().OpenWrite(*Path, true, true));
@@ -25,13 +25,12 @@ FCorvaneFileResult FCorvaneJournalFile::Open(const FString& InPath)
 		return CorvaneFileFaults::OpenFailed(Path);
 	}
 	const int64 Size = Handle->Size();
-	Journal = CorvaneJournalFile::ReadFrom(Path, Size);
-	GoodBytes = Journal.ValidBytes;
+	GoodBytes = Read(CorvaneLineFile::ReadAll(Path, Size));
 	bIsEmpty = Size == 0;
 	return FCorvaneFileResult();
 }
 
-FCorvaneFileResult FCorvaneJournalFile::Append(const TArray<uint8>& Line)
+FCorvaneFileResult FCorvaneLineFile::Append(const TArray<uint8>& Line)
 {
 	const int64 GoodBefore = GoodBytes;
 	FCorvaneFileResult Fault = AppendWithoutWaiting(Line);
@@ -40,7 +39,7 @@ FCorvaneFileResult FCorvaneJournalFile::Append(const TArray<uint8>& Line)
 	return Fault;
 }
 
-FCorvaneFileResult FCorvaneJournalFile::AppendWithoutWaiting(const TArray<uint8>& Line)
+FCorvaneFileResult FCorvaneLineFile::AppendWithoutWaiting(const TArray<uint8>& Line)
 {
 	// What a line that failed, or was torn, has left must not stand before this one.
 	const bool bWritten = Handle->Truncate(GoodBytes) && Handle->Seek(GoodBytes) && Handle->Write(Line.GetData(), Line.Num());
@@ -53,12 +52,12 @@ FCorvaneFileResult FCorvaneJournalFile::AppendWithoutWaiting(const TArray<uint8>
 	return FCorvaneFileResult();
 }
 
-FCorvaneFileResult FCorvaneJournalFile::Flush()
+FCorvaneFileResult FCorvaneLineFile::Flush()
 {
 	return Handle->Flush(true) ? FCorvaneFileResult() : CorvaneFileFaults::WriteFailed(Path, 0);
 }
 
-void FCorvaneJournalFile::Delete()
+void FCorvaneLineFile::Delete()
 {
 	// Deleted first, so that nobody gets it in between; some systems want it closed before.
 	IPlatformFile& Files = FPlatformFileManager::Get().GetPlatformFile();
@@ -70,7 +69,7 @@ void FCorvaneJournalFile::Delete()
 	}
 }
 
-void FCorvaneJournalFile::Close()
+void FCorvaneLineFile::Close()
 {
 	if (Handle.IsValid() && bIsEmpty)
 	{
