@@ -14,12 +14,12 @@ namespace CorvaneTusFiles
 		return FPaths::ConvertRelativePathToFull(Wanted.IsEmpty() ? FPaths::ProjectSavedDir() + TEXT("Corvane/Uploads") : Wanted);
 	}
 
-	static bool SumUp(const FString& Path, int64 Start, int64 Number, const std::atomic<bool>& bStop, FCorvaneFileHash& Hash)
+	static bool SumUp(const FString& Path, int64 Start, int64 Number, FCorvaneFileHash& Hash)
 	{
 		TArray<uint8> Block;
 		for (int64 Done = 0; Done < Number; Done += Block.Num())
 		{
-			if (bStop || !CorvaneFileBlocks::Read(Path, Start + Done, FMath::Min<int64>(BlockBytes, Number - Done), Block))
+			if (!CorvaneFileBlocks::Read(Path, Start + Done, FMath::Min<int64>(BlockBytes, Number - Done), Block))
 			{
 				return false;
 			}
@@ -62,7 +62,8 @@ FCorvaneFileResult FCorvaneTusFiles::Find(const FWish& Wish, FCorvaneTusFound& F
 	if (Result.IsOk() && Wish.Hash.Kind != ECorvaneHashKind::None &&
 		!CorvaneFileBlocks::HashAll(File.Path, Wish.Hash.Kind, bStopReading, Found.Hash))
 	{
-		Result = CorvaneFileFaults::CannotRead(File.Path);
+		Result = bStopReading ? CorvaneFileFaults::Failed(ECorvaneTransferOutcome::Cancelled, TEXT("It was stopped."))
+							  : CorvaneFileFaults::CannotRead(File.Path);
 	}
 	if (Result.IsOk() && !Wish.Hash.Expected.IsEmpty() && !Found.Hash.Equals(Wish.Hash.Expected, ESearchCase::CaseSensitive))
 	{
@@ -153,7 +154,7 @@ void FCorvaneTusFiles::Sum(int64 Start, int64 Bytes, ECorvaneHashKind Kind, TUni
 		[Start, Bytes, Kind, Tell = MoveTemp(Tell)](FCorvaneTusFiles& Self)
 		{
 			FCorvaneFileHash Hash(Kind);
-			Tell(CorvaneTusFiles::SumUp(Self.File.Path, Start, Bytes, Self.bStopReading, Hash) ? Hash.Final() : FString());
+			Tell(CorvaneTusFiles::SumUp(Self.File.Path, Start, Bytes, Hash) ? Hash.Final() : FString());
 		});
 }
 

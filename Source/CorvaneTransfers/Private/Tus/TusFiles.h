@@ -50,7 +50,7 @@ public:
 	void Keep(const FCorvaneTusUpload& Upload, int64 Offset);
 	/** Sums up a range of the file. Tells an empty text when it cannot be read. */
 	void Sum(int64 Start, int64 Bytes, ECorvaneHashKind Kind, TUniqueFunction<void(const FString&)> Tell);
-	/** The upload is to end: hashes and sums are read no further, and count as not to be had. */
+	/** An Open that reads the whole file ends with Cancelled, for good. */
 	void StopReading() { bStopReading = true; }
 	void Close(TUniqueFunction<void()> Tell);
 	void Discard(TUniqueFunction<void()> Tell);

@@ -52,9 +52,13 @@ FCorvaneTusStep FCorvaneTusMachine::OnOpened(double Now, const FCorvaneTusOpened
 	{
 		return {};
 	}
+	if (Opened.Failure == ECorvaneTransferOutcome::Cancelled && WantedEnd != ECorvaneTransferOutcome::Running)
+	{
+		return EndAsWanted(Now);
+	}
 	if (Opened.Failure != ECorvaneTransferOutcome::Running)
 	{
-		return WantedEnd == ECorvaneTransferOutcome::Running ? Fail(Now, Opened.Failure, Opened.Sentence) : EndAsWanted(Now);
+		return Fail(Now, Opened.Failure, Opened.Sentence);
 	}
 	bOpen = true;
 	Size = Report.TotalBytes = Opened.Size;
