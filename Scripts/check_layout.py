@@ -50,10 +50,12 @@ INNER_ROOMS = {
         "Rules": [],
     },
     "Source/CorvaneTransfers/Private/": {
-        "Download": ["Attempts", "Files", "Threads"],
+        "Queue": ["Attempts", "Files", "Pace"],
+        "Download": ["Attempts", "Files", "Pace", "Threads"],
         "Drive": ["Attempts"],
         "Events": ["Attempts", "Threads"],
         "Attempts": [],
+        "Pace": [],
         "Files": ["Threads"],
         "Threads": [],
     },

@@ -1,5 +1,6 @@
 #include "CorvaneDownloadFile.h"
 
+#include "Attempts/Address.h"
 #include "CorvaneBPLibrary.h"
 #include "Download/DownloadRun.h"
 #include "Drive/DrivePage.h"
@@ -46,67 +47,21 @@ UCorvaneDownloadFile* UCorvaneDownloadFile::Begin(UCorvaneDownloadFile* Node, FT
 	return Node;
 }
 
-void UCorvaneDownloadFile::Activate()
+UCorvaneDownloadFile* UCorvaneDownloadFile::Resume(
+	const FString& InAddress, const FString& InFilePath, const FCorvaneDownloadOptions& InOptions)
 {
-	if (Run.IsValid())
-	{
-		return; // it was started once
-	}
-	AddToRoot(); // until its outcome: a graph that is gone does not end a download
-	const auto Move = [this](const FCorvaneTransferReport& Report)
-	{
-		OnProgress.Broadcast(Report);
-		if (NativeMove)
-		{
-			NativeMove(Report);
-		}
-	};
-	Run = MakeShared<FCorvaneDownloadRun>(
-		Address, Path, Wishes, [this](const FCorvaneTransferReport& Report) { End(Report); }, Move, Route.ToSharedRef());
-	Run->Start();
+	const FString FileID = CorvaneDrive::FindID(UCorvaneBPLibrary::googleDriveBase(), InAddress);
+	return FileID.IsEmpty() ? Start(InAddress, InFilePath, InOptions, FTell()) : StartDriveFile(FileID, InFilePath, InOptions, FTell());
 }
 
-void UCorvaneDownloadFile::End(const FCorvaneTransferReport& Report)
+UCorvaneTransfer::FQueueWish UCorvaneDownloadFile::GetQueueWish() const
 {
-	(Report.Outcome == ECorvaneTransferOutcome::Succeeded ? OnSuccess : OnFail).Broadcast(Report);
-	if (NativeEnd)
-	{
-		NativeEnd(Report);
-	}
-	RemoveFromRoot();
-	SetReadyToDestroy();
+	return {Wishes.Queue, Wishes.Priority, CorvaneAddress::Origin(Address)};
 }
 
-void UCorvaneDownloadFile::Pause()
+TSharedPtr<FCorvaneTransferRun> UCorvaneDownloadFile::MakeRun(FTell InOnEnd, FTell InOnMove)
 {
-	if (Run.IsValid())
-	{
-		Run->Pause();
-	}
-}
-
-void UCorvaneDownloadFile::Continue()
-{
-	if (Run.IsValid())
-	{
-		Run->Continue();
-	}
-}
-
-void UCorvaneDownloadFile::Cancel()
-{
-	if (Run.IsValid())
-	{
-		Run->Cancel();
-	}
-}
-
-FCorvaneTransferReport UCorvaneDownloadFile::GetReport() const
-{
-	return Run.IsValid() ? Run->GetReport() : FCorvaneTransferReport();
-}
-
-bool UCorvaneDownloadFile::IsPaused() const
-{
-	return Run.IsValid() && Run->IsPaused();
+	return Route.IsValid()
+			   ? MakeShared<FCorvaneDownloadRun>(Address, Path, Wishes, MoveTemp(InOnEnd), MoveTemp(InOnMove), Route.ToSharedRef())
+			   : TSharedPtr<FCorvaneDownloadRun>();
 }

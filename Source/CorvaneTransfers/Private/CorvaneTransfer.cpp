@@ -1,8 +1,108 @@
 #include "CorvaneTransfer.h"
 
+#include "Queue/QueueRun.h"
+#include "Queue/Queues.h"
 #include "RunningTransfers.h"
+#include "TransferRun.h"
 
 bool UCorvaneTransfer::HasPendingWork()
 {
-	return !CorvaneRunningTransfers::IsEmpty();
+	return !CorvaneRunningTransfers::IsEmpty() || CorvaneQueues::HavePendingWork();
+}
+
+TSharedPtr<FCorvaneTransferRun> UCorvaneTransfer::MakeRun(FTell, FTell)
+{
+	return nullptr; // of the class's default object only
+}
+
+void UCorvaneTransfer::Activate()
+{
+	if (Run.IsValid())
+	{
+		return; // it was started once
+	}
+	Run = MakeRun(
+		[this](const FCorvaneTransferReport& Report) { End(Report); }, [this](const FCorvaneTransferReport& Report) { Move(Report); });
+	if (!Run.IsValid())
+	{
+		return;
+	}
+	AddToRoot(); // until its outcome: a graph that is gone does not end a transfer
+	const FQueueWish Wish = GetQueueWish();
+	if (Wish.Queue.IsEmpty())
+	{
+		return Run->Start();
+	}
+	Queue = CorvaneQueues::Get(Wish.Queue);
+	Ticket = Queue->Enter(*this, Run.ToSharedRef(), Wish.Host, Wish.Priority);
+}
+
+void UCorvaneTransfer::Move(const FCorvaneTransferReport& Report)
+{
+	OnProgress.Broadcast(Report);
+	if (NativeMove)
+	{
+		NativeMove(Report);
+	}
+}
+
+void UCorvaneTransfer::End(const FCorvaneTransferReport& Report)
+{
+	(Report.Outcome == ECorvaneTransferOutcome::Succeeded ? OnSuccess : OnFail).Broadcast(Report);
+	if (NativeEnd)
+	{
+		NativeEnd(Report);
+	}
+	if (Queue.IsValid())
+	{
+		Queue->Leave(Ticket, Report);
+	}
+	RemoveFromRoot();
+	SetReadyToDestroy();
+}
+
+void UCorvaneTransfer::Pause()
+{
+	if (Queue.IsValid())
+	{
+		Queue->PauseOne(Ticket);
+	}
+	else if (Run.IsValid())
+	{
+		Run->Pause();
+	}
+}
+
+void UCorvaneTransfer::Continue()
+{
+	if (Queue.IsValid())
+	{
+		Queue->ContinueOne(Ticket);
+	}
+	else if (Run.IsValid())
+	{
+		Run->Continue();
+	}
+}
+
+void UCorvaneTransfer::Cancel()
+{
+	if (Queue.IsValid())
+	{
+		Queue->CancelOne(Ticket);
+	}
+	else if (Run.IsValid())
+	{
+		Run->Cancel();
+	}
+}
+
+FCorvaneTransferReport UCorvaneTransfer::GetReport() const
+{
+	return Run.IsValid() ? Run->GetReport() : FCorvaneTransferReport();
+}
+
+bool UCorvaneTransfer::IsPaused() const
+{
+	return Run.IsValid() && (Run->IsPaused() || (Queue.IsValid() && Queue->IsHeld(Ticket)));
 }

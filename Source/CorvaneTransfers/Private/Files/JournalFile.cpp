@@ -2,6 +2,7 @@
 
 #include "Files/FileBlocks.h"
 #include "Files/FileFaults.h"
+#include "HAL/FileManager.h"
 #include "HAL/PlatformFileManager.h"
 
 namespace CorvaneJournalFile
@@ -12,9 +13,15 @@ namespace CorvaneJournalFile
 	static FCorvaneJournal ReadFrom(const FString& Path, int64 Size)
 	{
 		TArray<uint8> Bytes;
-		return Size <= LongestJournal && CorvaneFileBlocks::Read(Path, 0, Size, Bytes) ? FCorvaneJournal::Read(Bytes) : FCorvaneJournal();
+		return Size >= 0 && Size <= LongestJournal && CorvaneFileBlocks::Read(Path, 0, Size, Bytes) ? FCorvaneJournal::Read(Bytes)
+																									: FCorvaneJournal();
 	}
 } // namespace CorvaneJournalFile
+
+FCorvaneJournal FCorvaneJournalFile::Peek(const FString& InPath)
+{
+	return CorvaneJournalFile::ReadFrom(InPath, IFileManager::Get().FileSize(*InPath));
+}
 
 FCorvaneFileResult FCorvaneJournalFile::Open(const FString& InPath)
 {

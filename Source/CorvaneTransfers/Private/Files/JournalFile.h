@@ -14,6 +14,9 @@ class FCorvaneJournalFile
 public:
 	/** Opens or makes it, and reads what it tells. @return a failure also when another program has it open. */
 	FCorvaneFileResult Open(const FString& InPath);
+	/** @return what a journal tells that somebody else may have open; nothing when it cannot be read. */
+	static FCorvaneJournal Peek(const FString& InPath);
+
 	bool IsOpen() const { return Handle.IsValid(); }
 	/** What it told when it was opened. */
 	const FCorvaneJournal& Told() const { return Journal; }
