@@ -186,7 +186,7 @@ TEST(Get, TellsOfSeveralFilesOnATerminal)
 	std::string line;
 	for (std::istringstream text(run.out); std::getline(text, line);)
 	{
-		line = line.substr(line.rfind('J') == std::string::npos ? 0 : line.rfind('J') + 1); // behind what takes a screen away
+		line = line.substr(line.rfind('\x1b') == std::string::npos ? 0 : line.rfind('\x1b') + 3); // behind what takes a screen away
 		EXPECT_TRUE(line.size() < 61 || line.find(": The file is there") != std::string::npos) << line;
 		lines = line.find(" of 4 files") != std::string::npos ? 0 : lines + 1;
 		EXPECT_LE(line.find("MiB") == std::string::npos ? 0 : lines, 3u); // of five, one is for all and one for the shell
