@@ -3,6 +3,7 @@
 #include "Host/Log.h"
 #include "Kit/Command.h"
 #include "Kit/CorvaneClient.h"
+#include "Kit/GameThreadMeter.h"
 #include "Kit/Options.h"
 #include "Kit/ProcessFigures.h"
 #include "Kit/RandomFile.h"
@@ -122,34 +123,50 @@ namespace
 		}
 	};
 
-	void startTransfers(const Kind& kind, const std::string& url, const std::string& path, Ends& ends)
+	/** @return the last of them. */
+	const UCorvaneTransfer* startTransfers(const Kind& kind, const std::string& url, const std::string& path, Ends& ends)
 	{
+		const UCorvaneTransfer* last = nullptr;
 		FCorvaneDownloadOptions options;
 		options.Hash = kind.way == Way::TransferWithHash ? "sha256" : "";
 		for (int number = 0; number < kind.files; ++number)
 		{
-			UCorvaneDownloadFile::Start(FString(url.c_str()), FString(targetOf(kind, path, number).c_str()), options,
+			last = UCorvaneDownloadFile::Start(FString(url.c_str()), FString(targetOf(kind, path, number).c_str()), options,
 				[&ends](const FCorvaneTransferReport& report) { ends.add(report.Outcome == ECorvaneTransferOutcome::Succeeded); });
 		}
+		return last;
 	}
 
-	/** Of a game thread that had nothing else to do. */
-	Figure gameThreadTime(const Kind& kind, const std::string& path, double cpuSeconds, double seconds)
+	constexpr double longEnough = 600;
+
+	/** Of a game thread that has nothing else to do: until all have ended. @param starts  CPU seconds that starting them took. */
+	Figures gameThreadTimes(FGameLoop& loop, const Kind& kind, const std::string& path, double starts, const Ends& ends)
 	{
+		const double seconds = starts + tickUntil(
+											loop, [&] { return ends.completed == kind.files; }, longEnough);
 		constexpr double stepBytes = 10485761;
-		if (isTransfer(kind) && kind.files == 1)
-		{
-			return {"game thread CPU", "ms/s", cpuSeconds * 1e3 / seconds};
-		}
 		const bool isStepped = kind.way == Way::Stepped;
 		const double steps = isStepped ? std::ceil(static_cast<double>(fs::file_size(path)) / stepBytes) : kind.files;
-		return {"game thread CPU", isStepped ? "ms/step" : "ms/file", cpuSeconds * 1e3 / steps};
+		return {{"game thread CPU", isStepped ? "ms/step" : "ms/file", seconds * 1e3 / steps}};
+	}
+
+	/** The same of a single transfer: what it costs while bytes move, and what it costs whatever its size. */
+	Figures gameThreadTimes(FGameLoop& loop, const UCorvaneTransfer& transfer, double starts, const Ends& ends)
+	{
+		const auto isOver = [&] { return ends.completed > 0; };
+		const auto hasBytes = [&] { return isOver() || transfer.GetReport().TransferredBytes > 0; };
+		const auto hasAll = [&] { return isOver() || transfer.GetReport().TransferredBytes == transfer.GetReport().TotalBytes; };
+		const double before = starts + tickUntil(loop, hasBytes, longEnough);
+		const StopWatch moving;
+		const double meanwhile = tickUntil(loop, hasAll, longEnough) / moving.seconds();
+		const double behind = tickUntil(loop, isOver, longEnough);
+		return {{"game thread CPU while bytes move", "ms/s", meanwhile * 1e3},
+			{"game thread CPU for start and end", "ms", (before + behind) * 1e3}};
 	}
 
 	/** Downloads once, in this process. */
 	Figures measureCorvane(const Kind& kind, const std::string& url, const std::string& path)
 	{
-		constexpr double longEnough = 600;
 		HostLog::SetSink([](const char*, ELogVerbosity::Type, const FString&) {}); // large bodies are not made text, and say so
 		FGameLoop loop;
 		UCorvaneBPLibrary* library = UCorvaneBPLibrary::getCorvaneTarget();
@@ -161,24 +178,28 @@ namespace
 
 		const fs::file_time_type start = fs::file_time_type::clock::now();
 		const StopWatch watch;
+		const double startBegan = ProcessFigures::threadCpuSeconds();
+		const UCorvaneTransfer* transfer = nullptr;
 		if (isTransfer(kind))
 		{
-			startTransfers(kind, url, path, ends);
+			transfer = startTransfers(kind, url, path, ends);
 		}
 		else
 		{
 			UCorvaneBPLibrary::executeHttpRequests(build(kind, url, path), library);
 		}
-		loop.WaitFor([&] { return ends.completed == kind.files; }, longEnough);
+		const double starts = ProcessFigures::threadCpuSeconds() - startBegan;
+		const Figures gameThread =
+			transfer && kind.files == 1 ? gameThreadTimes(loop, *transfer, starts, ends) : gameThreadTimes(loop, kind, path, starts, ends);
 		const double ended = watch.seconds();
-		const double gameThread = watch.threadCpuSeconds();
-		if (ends.completed != kind.files || !ends.isGood)
+		if (!ends.isGood)
 		{
 			throw std::runtime_error("Corvane: a download failed");
 		}
-		return {{"time until written", "s", secondsUntilWritten(kind, path, start)}, {"time until the event", "s", ended},
-			{"peak of memory beyond the idle program", "MiB", ProcessFigures::toMebibytes(ProcessFigures::peakResidentBytes() - before)},
-			gameThreadTime(kind, path, gameThread, ended)};
+		Figures taken = {{"time until written", "s", secondsUntilWritten(kind, path, start)}, {"time until the event", "s", ended},
+			{"peak of memory beyond the idle program", "MiB", ProcessFigures::toMebibytes(ProcessFigures::peakResidentBytes() - before)}};
+		taken.insert(taken.end(), gameThread.begin(), gameThread.end());
+		return taken;
 	}
 
 	class Downloads final : public Workload

@@ -294,13 +294,23 @@ TEST(DownloadMachine, ObeysInEveryState)
 	};
 	for (const Case& each : {Case{"new", [](ByHand&) {}, Action::None, Action::None}, {"looking", looking, Action::None, Action::None},
 			 {"asking", asking, Action::Stop, Action::None}, {"waiting", waiting, Action::Hold, Action::Close},
-			 {"finishing", finishing, Action::None, Action::None}})
+			 {"finishing", finishing, Action::None, Action::StopFinishing}})
 	{
 		SCOPED_TRACE(each.state);
 		ByHand hand;
 		each.go(hand);
 		EXPECT_EQ(hand.machine.Pause(2).Action, each.pause);
 		EXPECT_EQ(hand.machine.Cancel(3).Action, each.cancel);
+	}
+	for (const Outcome late : {Outcome::Cancelled, Outcome::Succeeded}) // the whole file was being read, or was in its place already
+	{
+		ByHand cancelled;
+		finishing(cancelled);
+		cancelled.machine.Cancel(2);
+		FCorvaneDownloadFinished finished;
+		finished.Outcome = late;
+		EXPECT_EQ(cancelled.machine.OnFinished(3, finished).Action, Action::Close);
+		EXPECT_EQ(cancelled.machine.GetReport().Outcome, late);
 	}
 	FCorvaneDownloadOptions onlyOnce;
 	onlyOnce.Attempts = 1;

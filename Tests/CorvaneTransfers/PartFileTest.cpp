@@ -228,6 +228,14 @@ TEST_F(PartFile, FinishChecksBeforeItReplaces)
 	EXPECT_EQ(Finish("", false).Result.Failure, EOutcome::Refused);
 	{
 		FCorvanePartFile File;
+		ASSERT_EQ(open(File).Length, 200'000);
+		FCorvaneFinishWish Wish;
+		FCorvaneHashWish::Parse("md5", Wish.Hash);
+		File.StopReading();
+		EXPECT_EQ(File.Finish(Wish).Result.Failure, EOutcome::Cancelled);
+	}
+	{
+		FCorvanePartFile File;
 		EXPECT_EQ(open(File).Length, 200'000);
 		EXPECT_TRUE(append(File, "more"));
 		EXPECT_EQ(File.Finish({}).Result.Failure, EOutcome::WrongSize);

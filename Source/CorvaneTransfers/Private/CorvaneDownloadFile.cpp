@@ -59,7 +59,7 @@ UCorvaneTransfer::FQueueWish UCorvaneDownloadFile::GetQueueWish() const
 	return {Wishes.Queue, Wishes.Priority, CorvaneAddress::Origin(Address)};
 }
 
-TSharedPtr<FCorvaneTransferRun> UCorvaneDownloadFile::MakeRun(FTell InOnEnd, FTell InOnMove)
+TSharedPtr<FCorvaneTransferRun> UCorvaneDownloadFile::MakeRun(FTell InOnEnd, TFunction<void()> InOnMove)
 {
 	return Route.IsValid()
 			   ? MakeShared<FCorvaneDownloadRun>(Address, Path, Wishes, MoveTemp(InOnEnd), MoveTemp(InOnMove), Route.ToSharedRef())

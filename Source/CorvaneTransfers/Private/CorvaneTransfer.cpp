@@ -10,7 +10,7 @@ bool UCorvaneTransfer::HasPendingWork()
 	return !CorvaneRunningTransfers::IsEmpty() || CorvaneQueues::HavePendingWork();
 }
 
-TSharedPtr<FCorvaneTransferRun> UCorvaneTransfer::MakeRun(FTell, FTell)
+TSharedPtr<FCorvaneTransferRun> UCorvaneTransfer::MakeRun(FTell, TFunction<void()>)
 {
 	return nullptr; // of the class's default object only
 }
@@ -21,8 +21,7 @@ void UCorvaneTransfer::Activate()
 	{
 		return; // it was started once
 	}
-	Run = MakeRun(
-		[this](const FCorvaneTransferReport& Report) { End(Report); }, [this](const FCorvaneTransferReport& Report) { Move(Report); });
+	Run = MakeRun([this](const FCorvaneTransferReport& Report) { End(Report); }, [this] { TellProgress(); });
 	if (!Run.IsValid())
 	{
 		return;
@@ -37,8 +36,13 @@ void UCorvaneTransfer::Activate()
 	Ticket = Queue->Enter(*this, Run.ToSharedRef(), Wish.Host, Wish.Priority);
 }
 
-void UCorvaneTransfer::Move(const FCorvaneTransferReport& Report)
+void UCorvaneTransfer::TellProgress()
 {
+	if (!OnProgress.IsBound() && !NativeMove)
+	{
+		return; // a report for nobody costs as much as one for somebody
+	}
+	const FCorvaneTransferReport Report = GetReport();
 	OnProgress.Broadcast(Report);
 	if (NativeMove)
 	{

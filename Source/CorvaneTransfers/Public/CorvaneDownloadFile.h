@@ -61,7 +61,7 @@ public:
 
 protected:
 	virtual FQueueWish GetQueueWish() const override;
-	virtual TSharedPtr<FCorvaneTransferRun> MakeRun(FTell OnEnd, FTell OnMove) override;
+	virtual TSharedPtr<FCorvaneTransferRun> MakeRun(FTell OnEnd, TFunction<void()> OnMove) override;
 
 private:
 	static UCorvaneDownloadFile* Begin(UCorvaneDownloadFile* Node, FTell&& OnEnd, FTell&& OnMove);

@@ -81,16 +81,17 @@ protected:
 	virtual FQueueWish GetQueueWish() const { return {}; }
 	/**
 	 * Makes what does the work.
-	 * @param OnEnd  is to be called once, later than its start. @param OnMove  ten times a second at most while bytes move.
+	 * @param OnEnd  is to be called once, later than its start. @param OnMove  ten times a second at most while bytes move; GetReport
+	 * tells how it stands.
 	 */
-	virtual TSharedPtr<FCorvaneTransferRun> MakeRun(FTell OnEnd, FTell OnMove);
+	virtual TSharedPtr<FCorvaneTransferRun> MakeRun(FTell OnEnd, TFunction<void()> OnMove);
 
 	/** Of native code, called behind the events; either may be unset. */
 	FTell NativeEnd;
 	FTell NativeMove;
 
 private:
-	void Move(const FCorvaneTransferReport& Report);
+	void TellProgress();
 	void End(const FCorvaneTransferReport& Report);
 
 	TSharedPtr<FCorvaneTransferRun> Run; // null before Activate

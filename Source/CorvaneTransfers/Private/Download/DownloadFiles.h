@@ -49,6 +49,9 @@ public:
 	/** Tells what came of the try when its last byte is in the file. */
 	void EndAttempt(TUniqueFunction<void(const FCorvaneAttemptFiles&)> Tell);
 
+	/** Ends a Finish that reads the whole file once more, for good. */
+	void StopReading() { Part.StopReading(); }
+
 	/** Whoever brings bytes waits for the disk no longer; bytes that have not reached it are lost. */
 	void Abandon() { Buffer.Close(); }
 

@@ -180,6 +180,10 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::OnFinished(double Now, const FCorv
 		return {};
 	}
 	Report.Hash = Finished.Hash;
+	if (Finished.Outcome == ECorvaneTransferOutcome::Cancelled)
+	{
+		return EndAsWanted(Now);
+	}
 	if (Finished.Outcome != ECorvaneTransferOutcome::Succeeded)
 	{
 		return Fail(Now, Finished.Outcome, Finished.Sentence, Finished.Outcome != ECorvaneTransferOutcome::WrongHash);
@@ -270,7 +274,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::Continue(double Now)
 
 FCorvaneDownloadStep FCorvaneDownloadMachine::EndWith(double Now, ECorvaneTransferOutcome Outcome)
 {
-	const bool bTooLate = Phase == EPhase::New || Phase == EPhase::Finishing || Phase == EPhase::Closing || Phase == EPhase::Over;
+	const bool bTooLate = Phase == EPhase::New || Phase == EPhase::Closing || Phase == EPhase::Over;
 	if (bTooLate || WantedEnd != ECorvaneTransferOutcome::Running)
 	{
 		return {};
@@ -279,6 +283,12 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::EndWith(double Now, ECorvaneTransf
 	if (Phase == EPhase::Asking)
 	{
 		return StopAsking();
+	}
+	if (Phase == EPhase::Finishing)
+	{
+		FCorvaneDownloadStep Step;
+		Step.Action = ECorvaneDownloadAction::StopFinishing;
+		return Step;
 	}
 	const bool bIdle = Phase == EPhase::Waiting || Phase == EPhase::Paused;
 	return bIdle ? EndAsWanted(Now) : FCorvaneDownloadStep();

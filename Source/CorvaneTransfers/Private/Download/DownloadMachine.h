@@ -27,6 +27,8 @@ enum class ECorvaneDownloadAction : uint8
 	Hold,
 	/** Check the part file, and put it in the target's place: OnFinished. */
 	Finish,
+	/** Finish reads the file no further; it ends through OnFinished. */
+	StopFinishing,
 	/** Secure what is on disk and let go of it: OnClosed. */
 	Close,
 	/** Delete part file and journal: OnClosed. */
@@ -82,7 +84,7 @@ struct FCorvaneAttemptEnd
 /** What came of putting the file in its place. */
 struct FCorvaneDownloadFinished
 {
-	/** Succeeded, or why not. WrongHash means that the bytes are of no use. */
+	/** Succeeded, or why not. WrongHash means that the bytes are of no use, Cancelled that StopFinishing came in time. */
 	ECorvaneTransferOutcome Outcome = ECorvaneTransferOutcome::Succeeded;
 	FString Sentence;
 	FString Hash;

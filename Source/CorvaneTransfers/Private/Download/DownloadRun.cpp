@@ -39,7 +39,7 @@ namespace CorvaneDownloadRun
 } // namespace CorvaneDownloadRun
 
 FCorvaneDownloadRun::FCorvaneDownloadRun(const FString& InURL, const FString& InTarget, const FCorvaneDownloadOptions& InOptions,
-	FTell InTellEnd, FTell InTellProgress, const TSharedRef<FCorvaneRoute>& InRoute)
+	FTell InTellEnd, TFunction<void()> InTellProgress, const TSharedRef<FCorvaneRoute>& InRoute)
 	: URL(InURL)
 	, Target(InTarget)
 	, Options(InOptions)
@@ -115,6 +115,8 @@ void FCorvaneDownloadRun::Follow(const FCorvaneDownloadStep& Step)
 		return Files->Secure();
 	case ECorvaneDownloadAction::Finish:
 		return Finish();
+	case ECorvaneDownloadAction::StopFinishing:
+		return Files->StopReading();
 	case ECorvaneDownloadAction::Close:
 		return Files->Close([Self = AsShared()] { Self->PostClosed(); });
 	case ECorvaneDownloadAction::Discard:
@@ -218,7 +220,6 @@ void FCorvaneDownloadRun::OnSent(FCorvaneAttemptEnd End)
 		Share.Reset();
 		Machine.LimitParts(Pace->PartBytes(CorvaneDownloadRun::Now() - TryBegan));
 	}
-	LastModified = End.Exchange.Answer.IsSuccess() ? End.Exchange.Answer.Version.LastModified : LastModified;
 	End.Random = FMath::FRand();
 	End.NowUtc = FDateTime::UtcNow();
 	Follow(Machine.OnAttemptEnded(CorvaneDownloadRun::Now(), End));
@@ -250,7 +251,7 @@ void FCorvaneDownloadRun::Finish()
 {
 	FCorvaneFinishWish Wish;
 	Wish.Hash = Hash;
-	Wish.FileTime = Options.bKeepServerTime ? CorvaneHttpDate::Parse(LastModified) : FDateTime::MinValue();
+	Wish.FileTime = Options.bKeepServerTime ? CorvaneHttpDate::Parse(Machine.GetVersion().LastModified) : FDateTime::MinValue();
 	Wish.bMayReplace =
 		Options.IfTargetExists == ECorvaneIfTargetExists::Replace || Options.IfTargetExists == ECorvaneIfTargetExists::OnlyIfNewer;
 	Files->Finish(Wish,
@@ -274,11 +275,11 @@ FCorvaneTransferReport FCorvaneDownloadRun::GetReport() const
 
 bool FCorvaneDownloadRun::OnProgressTick()
 {
-	const FCorvaneTransferReport Report = GetReport();
-	if (!IsOver() && Report.TransferredBytes != ToldBytes)
+	const int64 Bytes = Machine.GetReport().TransferredBytes + (Receiver.IsValid() ? Files->BytesOfAttempt() : 0);
+	if (!IsOver() && Bytes != ToldBytes)
 	{
-		ToldBytes = Report.TransferredBytes;
-		ProgressTeller(Report);
+		ToldBytes = Bytes;
+		ProgressTeller();
 	}
 	return !IsOver();
 }

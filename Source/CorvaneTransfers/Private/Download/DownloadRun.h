@@ -27,11 +27,11 @@ public:
 
 	/**
 	 * @param InTellEnd  is called once, later than Start.
-	 * @param InTellProgress  is called ten times a second at most while bytes move.
+	 * @param InTellProgress  is called ten times a second at most while bytes move; GetReport tells how it stands.
 	 * @param InRoute  how InURL leads to the file.
 	 */
 	FCorvaneDownloadRun(const FString& InURL, const FString& InTarget, const FCorvaneDownloadOptions& InOptions, FTell InTellEnd,
-		FTell InTellProgress, const TSharedRef<FCorvaneRoute>& InRoute = MakeShared<FCorvaneStraightRoute>());
+		TFunction<void()> InTellProgress, const TSharedRef<FCorvaneRoute>& InRoute = MakeShared<FCorvaneStraightRoute>());
 
 	virtual void SharePace(const TSharedRef<FCorvaneSharedPace>& InPace) override { Pace = InPace; }
 	virtual void Start() override;
@@ -71,7 +71,7 @@ private:
 	const FCorvaneDownloadOptions Options;
 	FCorvaneHashWish Hash;
 	FTell EndTeller;
-	FTell ProgressTeller;
+	TFunction<void()> ProgressTeller;
 
 	FCorvaneDownloadMachine Machine;
 	const TSharedRef<FCorvaneMailbox> Mailbox = MakeShared<FCorvaneMailbox>();
@@ -83,7 +83,6 @@ private:
 	double TryBegan = 0;
 	TSharedPtr<FCorvaneDownloadReceiver> Receiver; // of the try that runs
 	bool bStopWanted = false; // before there was a try to stop
-	FString LastModified; // of the file that has come
 	FTSTicker::FDelegateHandle WaitTicker;
 	FTSTicker::FDelegateHandle ProgressTicker;
 	int64 ToldBytes = -1;

@@ -46,7 +46,7 @@ bool CorvaneFileBlocks::IsFile(const FString& File, const FCorvaneFileStart& Who
 	return FPlatformFileManager::Get().GetPlatformFile().FileSize(*File) == Whole.Length && HasStart(File, Whole);
 }
 
-bool CorvaneFileBlocks::HashAll(const FString& File, ECorvaneHashKind Kind, FString& Hash)
+bool CorvaneFileBlocks::HashAll(const FString& File, ECorvaneHashKind Kind, const std::atomic<bool>& bStop, FString& Hash)
 {
 	const TUniquePtr<IFileHandle> Handle = Open(File);
 	if (!Handle.IsValid())
@@ -59,7 +59,7 @@ bool CorvaneFileBlocks::HashAll(const FString& File, ECorvaneHashKind Kind, FStr
 	for (int64 Left = Handle->Size(); Left > 0; Left -= BlockSize)
 	{
 		const int64 Count = FMath::Min<int64>(Left, BlockSize);
-		if (!Handle->Read(Block.GetData(), Count))
+		if (bStop || !Handle->Read(Block.GetData(), Count))
 		{
 			return false;
 		}

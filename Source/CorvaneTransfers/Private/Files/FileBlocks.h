@@ -4,6 +4,8 @@
 #include "Files/FileHash.h"
 #include "Files/Journal.h"
 
+#include <atomic>
+
 /** Reading of files that somebody may be writing to. Thread: any. */
 namespace CorvaneFileBlocks
 {
@@ -19,6 +21,6 @@ namespace CorvaneFileBlocks
 	/** @return whether the file is this one, going by its size and its last bytes. */
 	bool IsFile(const FString& File, const FCorvaneFileStart& Whole);
 
-	/** Reads a file from end to end. @return false when it cannot be read. */
-	bool HashAll(const FString& File, ECorvaneHashKind Kind, FString& Hash);
+	/** Reads a file from end to end. @return false when it cannot be read, or bStop has become true. */
+	bool HashAll(const FString& File, ECorvaneHashKind Kind, const std::atomic<bool>& bStop, FString& Hash);
 } // namespace CorvaneFileBlocks

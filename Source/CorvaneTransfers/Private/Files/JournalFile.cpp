@@ -40,15 +40,29 @@ FCorvaneFileResult FCorvaneJournalFile::Open(const FString& InPath)
 
 FCorvaneFileResult FCorvaneJournalFile::Append(const TArray<uint8>& Line)
 {
+	const int64 GoodBefore = GoodBytes;
+	FCorvaneFileResult Fault = AppendWithoutWaiting(Line);
+	Fault = Fault.IsOk() ? Flush() : Fault;
+	GoodBytes = Fault.IsOk() ? GoodBytes : GoodBefore;
+	return Fault;
+}
+
+FCorvaneFileResult FCorvaneJournalFile::AppendWithoutWaiting(const TArray<uint8>& Line)
+{
 	// What a line that failed, or was torn, has left must not stand before this one.
 	const bool bWritten = Handle->Truncate(GoodBytes) && Handle->Seek(GoodBytes) && Handle->Write(Line.GetData(), Line.Num());
 	bIsEmpty = false;
-	if (!bWritten || !Handle->Flush(true))
+	if (!bWritten)
 	{
 		return CorvaneFileFaults::WriteFailed(Path, Line.Num());
 	}
 	GoodBytes += Line.Num();
 	return FCorvaneFileResult();
+}
+
+FCorvaneFileResult FCorvaneJournalFile::Flush()
+{
+	return Handle->Flush(true) ? FCorvaneFileResult() : CorvaneFileFaults::WriteFailed(Path, 0);
 }
 
 void FCorvaneJournalFile::Delete()

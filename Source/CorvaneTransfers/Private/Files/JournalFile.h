@@ -24,6 +24,12 @@ public:
 	/** Adds a line behind the last good one; it has reached the disk when this returns. */
 	FCorvaneFileResult Append(const TArray<uint8>& Line);
 
+	/** The same for a line whose loss does no harm: it reaches the disk with the next one that must, or by itself. */
+	FCorvaneFileResult AppendWithoutWaiting(const TArray<uint8>& Line);
+
+	/** Waits until all lines have reached the disk. */
+	FCorvaneFileResult Flush();
+
 	/** Deletes the file and lets go of it. */
 	void Delete();
 	/** Lets go of the file; deletes it when there was none before and nothing was written. */

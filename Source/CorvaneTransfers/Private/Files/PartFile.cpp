@@ -159,7 +159,9 @@ FCorvaneFileResult FCorvanePartFile::StartOver(const FCorvaneSourceFacts& Source
 	FCorvaneFileResult Fault = CorvaneFileFaults::NotEnoughRoom(FPaths::GetPath(Target), Source.Total - RoomInPart);
 	if (Fault.IsOk())
 	{
-		Fault = Journal.Append(FCorvaneJournal::SourceLine(Source)); // before the bytes that it spoke of so far go
+		const TArray<uint8> Line = FCorvaneJournal::SourceLine(Source);
+		const bool bBytesAreVouchedFor = VouchedLength > 0 || Journal.Told().Kept.Length > 0;
+		Fault = bBytesAreVouchedFor ? Journal.Append(Line) : Journal.AppendWithoutWaiting(Line); // before these bytes go
 	}
 	if (Fault.IsOk())
 	{
@@ -199,21 +201,27 @@ FCorvaneFileResult FCorvanePartFile::Checkpoint()
 	{
 		return FCorvaneFileResult();
 	}
-	if (!Part->Flush(true))
-	{
-		// The system may count lost bytes as written from here on, so a later flush would vouch for them.
-		const int64 LostBytes = Length - VouchedLength;
-		Shorten(VouchedLength);
-		return CorvaneFileFaults::WriteFailed(PartName(), LostBytes);
-	}
+	FCorvaneFileResult Fault = FlushPart();
 	FCorvaneFileStart Kept;
-	if (!CorvaneFileBlocks::DescribeStart(PartName(), Length, Kept))
+	if (Fault.IsOk() && !CorvaneFileBlocks::DescribeStart(PartName(), Length, Kept))
 	{
-		return CorvaneFileFaults::CannotRead(PartName());
+		Fault = CorvaneFileFaults::CannotRead(PartName());
 	}
-	const FCorvaneFileResult Fault = Journal.Append(FCorvaneJournal::KeptLine(Kept));
+	Fault = Fault.IsOk() ? Journal.Append(FCorvaneJournal::KeptLine(Kept)) : Fault;
 	VouchedLength = Fault.IsOk() ? Length : VouchedLength;
 	return Fault;
+}
+
+FCorvaneFileResult FCorvanePartFile::FlushPart()
+{
+	if (Part->Flush(true))
+	{
+		return FCorvaneFileResult();
+	}
+	// The system may count lost bytes as written from here on, so a later flush would vouch for them.
+	const int64 LostBytes = Length - VouchedLength;
+	Shorten(VouchedLength);
+	return CorvaneFileFaults::WriteFailed(PartName(), LostBytes);
 }
 
 FCorvaneFileResult FCorvanePartFile::ReadTail(int64 Count, TArray<uint8>& Tail) const

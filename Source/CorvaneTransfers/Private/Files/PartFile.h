@@ -11,6 +11,8 @@
 #include "GenericPlatform/GenericPlatformFile.h"
 #include "Misc/DateTime.h"
 
+#include <atomic>
+
 /** What stands on disk of a download that is about to begin. */
 struct FCorvaneOpenedPart
 {
@@ -86,6 +88,9 @@ public:
 	 */
 	FCorvaneFinished Finish(const FCorvaneFinishWish& Wish);
 
+	/** Finish reads the whole file no further, and ends with Cancelled then. Thread: any. */
+	void StopReading() { bStopReading = true; }
+
 	/** Vouches for all bytes and lets go of the files; they stay, unless there is nothing in them. */
 	void Close();
 
@@ -103,7 +108,9 @@ private:
 	bool Shorten(int64 NewLength);
 	void ClosePart();
 	bool IsCheckpointDue() const;
+	FCorvaneFileResult FlushPart();
 	FCorvaneFileResult CheckSize();
+	FCorvaneFileResult SecureBeforeFinish(const FCorvaneHashWish& Wish);
 	FCorvaneFileResult CheckHash(const FString& File, const FCorvaneHashWish& Wish, FString& OutHash);
 	bool HashOf(const FString& File, ECorvaneHashKind Kind, FString& OutHash);
 	FCorvaneFileResult Replace(const FCorvaneFinishWish& Wish);
@@ -121,4 +128,5 @@ private:
 	FCorvaneHashOnTheWay Hash;
 	FCorvaneEarlyFlush EarlyFlush;
 	FDateTime LastCheckpoint;
+	std::atomic<bool> bStopReading{false};
 };

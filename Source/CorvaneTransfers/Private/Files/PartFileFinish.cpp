@@ -6,10 +6,20 @@
 #include "GenericPlatform/GenericPlatformFile.h"
 #include "HAL/PlatformFileManager.h"
 
+namespace CorvanePartFile
+{
+	/** What is fetched again in a moment is not worth a wait for the disk. */
+	static constexpr int64 LongFile = 16 << 20;
+} // namespace CorvanePartFile
+
 FCorvaneFinished FCorvanePartFile::Finish(const FCorvaneFinishWish& Wish)
 {
 	FCorvaneFinished Finished;
-	Finished.Result = bWholeAlready ? FCorvaneFileResult() : CheckSize();
+	if (!bWholeAlready)
+	{
+		Finished.Result = CheckSize();
+		Finished.Result = Finished.Result.IsOk() ? SecureBeforeFinish(Wish.Hash) : Finished.Result;
+	}
 	if (Finished.Result.IsOk())
 	{
 		Finished.Result = CheckHash(bWholeAlready ? Target : PartName(), Wish.Hash, Finished.Hash);
@@ -34,7 +44,14 @@ FCorvaneFileResult FCorvanePartFile::CheckSize()
 			ECorvaneTransferOutcome::WrongSize, FString::Printf(TEXT("%lld bytes came of %lld."), Length, Total));
 	}
 	const bool bEndsThere = Part->Size() == Length || Shorten(Length);
-	return bEndsThere ? Checkpoint() : CorvaneFileFaults::WriteFailed(PartName(), 0);
+	return bEndsThere ? FCorvaneFileResult() : CorvaneFileFaults::WriteFailed(PartName(), 0);
+}
+
+/** No byte may be on its way to the disk when the file takes its place. While it is read once more the journal vouches for it, too. */
+FCorvaneFileResult FCorvanePartFile::SecureBeforeFinish(const FCorvaneHashWish& Wish)
+{
+	const bool bWillBeRead = Wish.Kind != ECorvaneHashKind::None && !Hash.Covers(Wish.Kind, Length);
+	return bWillBeRead ? Checkpoint() : FlushPart();
 }
 
 bool FCorvanePartFile::HashOf(const FString& File, ECorvaneHashKind Kind, FString& OutHash)
@@ -44,14 +61,15 @@ bool FCorvanePartFile::HashOf(const FString& File, ECorvaneHashKind Kind, FStrin
 		OutHash = Hash.Final();
 		return true;
 	}
-	return CorvaneFileBlocks::HashAll(File, Kind, OutHash);
+	return CorvaneFileBlocks::HashAll(File, Kind, bStopReading, OutHash);
 }
 
 FCorvaneFileResult FCorvanePartFile::CheckHash(const FString& File, const FCorvaneHashWish& Wish, FString& OutHash)
 {
 	if (Wish.Kind != ECorvaneHashKind::None && !HashOf(File, Wish.Kind, OutHash))
 	{
-		return CorvaneFileFaults::CannotRead(File);
+		return bStopReading ? CorvaneFileFaults::Failed(ECorvaneTransferOutcome::Cancelled, TEXT("It was stopped."))
+							: CorvaneFileFaults::CannotRead(File);
 	}
 	return Wish.Expected.IsEmpty() || Wish.Expected.Equals(OutHash, ESearchCase::CaseSensitive)
 			   ? FCorvaneFileResult()
@@ -75,7 +93,8 @@ FCorvaneFileResult FCorvanePartFile::Replace(const FCorvaneFinishWish& Wish)
 	}
 	if (Fault.IsOk())
 	{
-		Fault = Journal.Append(FCorvaneJournal::WholeLine(Whole, !CorvaneFileBlocks::IsFile(Target, Whole)));
+		const TArray<uint8> Line = FCorvaneJournal::WholeLine(Whole, !CorvaneFileBlocks::IsFile(Target, Whole));
+		Fault = Length >= CorvanePartFile::LongFile ? Journal.Append(Line) : Journal.AppendWithoutWaiting(Line);
 	}
 	return Fault.IsOk() ? PutInPlace(Wish.FileTime) : Fault;
 }
@@ -87,7 +106,7 @@ FCorvaneFileResult FCorvanePartFile::PutInPlace(const FDateTime& FileTime)
 	{
 		FPlatformFileManager::Get().GetPlatformFile().SetTimeStamp(*PartName(), FileTime);
 	}
-	if (!CorvaneTargetReplacement::Replace(Target, PartName()))
+	if (!CorvaneTargetReplacement::Replace(Target, PartName(), [this] { return Journal.Flush().IsOk(); }))
 	{
 		return CorvaneFileFaults::Failed(
 			ECorvaneTransferOutcome::CannotWrite, FString::Printf(TEXT("The new file cannot take the place of %s."), *Target));

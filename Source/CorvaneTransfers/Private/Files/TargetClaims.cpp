@@ -10,7 +10,8 @@ namespace CorvaneTargetClaims
 	struct FTable
 	{
 		FCriticalSection Lock;
-		TArray<FString> Targets CORVANE_GUARDED_BY(Lock); // as many as transfers run
+		/** By path; keys ignore case, and not all file systems do, so a few may share one. */
+		TMap<FString, TArray<FString>> Targets CORVANE_GUARDED_BY(Lock);
 	};
 
 	static FTable& TheTable()
@@ -25,14 +26,16 @@ bool FCorvaneTargetClaim::Take(const FString& InTarget)
 	Release();
 	CorvaneTargetClaims::FTable& Table = CorvaneTargetClaims::TheTable();
 	FScopeLock Held(&Table.Lock);
-	for (const FString& Taken : Table.Targets)
+	TArray<FString>* Alike = Table.Targets.Find(InTarget);
+	Alike = Alike ? Alike : &Table.Targets.Add(InTarget, TArray<FString>());
+	for (const FString& Taken : *Alike)
 	{
 		if (FPaths::IsSamePath(Taken, InTarget))
 		{
 			return false;
 		}
 	}
-	Table.Targets.Add(InTarget);
+	Alike->Add(InTarget);
 	Target = InTarget;
 	return true;
 }
@@ -41,13 +44,18 @@ void FCorvaneTargetClaim::Release()
 {
 	CorvaneTargetClaims::FTable& Table = CorvaneTargetClaims::TheTable();
 	FScopeLock Held(&Table.Lock);
-	for (int32 Index = 0; Index < Table.Targets.Num(); ++Index)
+	TArray<FString>* Alike = Table.Targets.Find(Target);
+	for (int32 Index = 0; Alike && Index < Alike->Num(); ++Index)
 	{
-		if (Table.Targets[Index].Equals(Target, ESearchCase::CaseSensitive))
+		if ((*Alike)[Index].Equals(Target, ESearchCase::CaseSensitive))
 		{
-			Table.Targets.RemoveAt(Index);
+			Alike->RemoveAt(Index);
 			break;
 		}
+	}
+	if (Alike && Alike->IsEmpty())
+	{
+		Table.Targets.Remove(Target);
 	}
 	Target = FString();
 }

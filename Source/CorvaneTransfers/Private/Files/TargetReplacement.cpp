@@ -10,8 +10,12 @@ namespace CorvaneTargetReplacement
 		return Target + TEXT(".corvold");
 	}
 
-	static bool ReplaceInSteps(IPlatformFile& Files, const FString& Target, const FString& NewFile)
+	static bool ReplaceInSteps(IPlatformFile& Files, const FString& Target, const FString& NewFile, const TFunction<bool()>& TellJournal)
 	{
+		if (!TellJournal())
+		{
+			return false;
+		}
 		const FString Old = OldName(Target);
 		Files.DeleteFile(*Old); // of a replacement before
 		if (!Files.MoveFile(*Old, *Target))
@@ -24,10 +28,10 @@ namespace CorvaneTargetReplacement
 	}
 } // namespace CorvaneTargetReplacement
 
-bool CorvaneTargetReplacement::Replace(const FString& Target, const FString& NewFile)
+bool CorvaneTargetReplacement::Replace(const FString& Target, const FString& NewFile, const TFunction<bool()>& TellJournal)
 {
 	IPlatformFile& Files = FPlatformFileManager::Get().GetPlatformFile();
-	return Files.MoveFile(*Target, *NewFile) || (Files.FileExists(*Target) && ReplaceInSteps(Files, Target, NewFile));
+	return Files.MoveFile(*Target, *NewFile) || (Files.FileExists(*Target) && ReplaceInSteps(Files, Target, NewFile, TellJournal));
 }
 
 void CorvaneTargetReplacement::Heal(const FString& Target)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CoreMinimal.h"
+#include "Templates/Function.h"
 
 /**
  * A new file takes the place of a target. Where the system moves onto existing files, that is one step, and each moment shows
@@ -8,8 +9,11 @@
  */
 namespace CorvaneTargetReplacement
 {
-	/** @return false when it failed; both files are where they were then. */
-	bool Replace(const FString& Target, const FString& NewFile);
+	/**
+	 * @param TellJournal  is called before the old file stands aside: Heal must be asked for if the power goes then. False stops.
+	 * @return false when it failed; both files are where they were then.
+	 */
+	bool Replace(const FString& Target, const FString& NewFile, const TFunction<bool()>& TellJournal);
 
 	/** Brings an old file that stands aside back, or deletes it when the new one is there. Only after a Replace that was cut short. */
 	void Heal(const FString& Target);
