@@ -61,7 +61,11 @@ UCorvaneTransfer::FQueueWish UCorvaneDownloadFile::GetQueueWish() const
 
 TSharedPtr<FCorvaneTransferRun> UCorvaneDownloadFile::MakeRun(FTell InOnEnd, TFunction<void()> InOnMove)
 {
-	return Route.IsValid()
-			   ? MakeShared<FCorvaneDownloadRun>(Address, Path, Wishes, MoveTemp(InOnEnd), MoveTemp(InOnMove), Route.ToSharedRef())
-			   : TSharedPtr<FCorvaneDownloadRun>();
+	if (!Route.IsValid())
+	{
+		return nullptr;
+	}
+	const TSharedRef<FCorvaneRoute> Way = Route.ToSharedRef();
+	Route.Reset(); // or what it holds would outlive the run
+	return MakeShared<FCorvaneDownloadRun>(Address, Path, Wishes, MoveTemp(InOnEnd), MoveTemp(InOnMove), Way);
 }

@@ -17,10 +17,11 @@ TSharedPtr<FCorvaneTransferRun> UCorvaneTransfer::MakeRun(FTell, TFunction<void(
 
 void UCorvaneTransfer::Activate()
 {
-	if (Run.IsValid())
+	if (bActivated)
 	{
 		return; // it was started once
 	}
+	bActivated = true;
 	Run = MakeRun([this](const FCorvaneTransferReport& Report) { End(Report); }, [this] { TellProgress(); });
 	if (!Run.IsValid())
 	{
@@ -52,7 +53,9 @@ void UCorvaneTransfer::TellProgress()
 
 void UCorvaneTransfer::End(const FCorvaneTransferReport& Report)
 {
-	(Report.Outcome == ECorvaneTransferOutcome::Succeeded ? OnSuccess : OnFail).Broadcast(Report);
+	Outcome = Report;
+	Run.Reset();
+	(Outcome.Outcome == ECorvaneTransferOutcome::Succeeded ? OnSuccess : OnFail).Broadcast(Report);
 	if (NativeEnd)
 	{
 		NativeEnd(Report);
@@ -103,7 +106,7 @@ void UCorvaneTransfer::Cancel()
 
 FCorvaneTransferReport UCorvaneTransfer::GetReport() const
 {
-	return Run.IsValid() ? Run->GetReport() : FCorvaneTransferReport();
+	return Run.IsValid() ? Run->GetReport() : Outcome;
 }
 
 bool UCorvaneTransfer::IsPaused() const

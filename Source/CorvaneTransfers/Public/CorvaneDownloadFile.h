@@ -66,7 +66,7 @@ protected:
 private:
 	static UCorvaneDownloadFile* Begin(UCorvaneDownloadFile* Node, FTell&& OnEnd, FTell&& OnMove);
 
-	TSharedPtr<FCorvaneRoute> Route; // null of the class's default object only
+	TSharedPtr<FCorvaneRoute> Route; // until it is activated
 	FString Address;
 	FString Path;
 	FCorvaneDownloadOptions Wishes;

@@ -94,7 +94,9 @@ private:
 	void TellProgress();
 	void End(const FCorvaneTransferReport& Report);
 
-	TSharedPtr<FCorvaneTransferRun> Run; // null before Activate
+	TSharedPtr<FCorvaneTransferRun> Run; // from Activate to the outcome, for what it holds may be large
+	bool bActivated = false;
+	FCorvaneTransferReport Outcome;
 	TSharedPtr<FCorvaneQueueRun> Queue; // null when it waits in none
 	int64 Ticket = 0; // in the queue
 };
