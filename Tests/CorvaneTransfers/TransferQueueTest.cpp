@@ -81,7 +81,7 @@ namespace
 		return answer(206, content.substr(first, last + 1 - first), told + tag);
 	}
 
-	/** Answers with parts of the content, and counts how many it does at the same time, and what it sent. */
+	/** Answers with parts of the content, and counts how many it does at the same time. */
 	class CountingServer
 	{
 	public:
@@ -92,24 +92,33 @@ namespace
 				for (;;)
 				{
 					const std::string head = connection.readHead();
-					const int now = ++running;
-					most = std::max(most.load(), now);
+					const Turn turn(*this);
 					const std::string all = partFor(head);
 					for (size_t at = 0; at < all.size(); at += pieceBytes)
 					{
 						const std::string piece = all.substr(at, pieceBytes);
-						sent += static_cast<int64>(piece.size());
 						connection.send(piece);
 						std::this_thread::sleep_for(std::chrono::microseconds(200)); // so that they overlap
 					}
-					--running;
 				}
 			};
 		}
 
+		/** An answer under way; whoever asked may hang up in its middle. */
+		struct Turn
+		{
+			explicit Turn(CountingServer& counting)
+				: server(counting)
+			{
+				const int now = ++server.running;
+				server.most = std::max(server.most.load(), now);
+			}
+			~Turn() { --server.running; }
+			CountingServer& server;
+		};
+
 		static constexpr size_t pieceBytes = 50'000;
 		std::atomic<int> running{0}, most{0};
-		std::atomic<int64> sent{0};
 	};
 } // namespace
 
@@ -118,10 +127,9 @@ TEST_F(TransferQueue, KeepsItsLimitsAndEndsEachOnce)
 	CountingServer one, other;
 	const RawServer server(one.script()), second(other.script());
 	queue->SetLimits(3, 2);
-	int ends = 0, idle = 0, progress = 0;
+	int ends = 0, idle = 0;
 	Listen(queue->OnTransferEnd, [&](UCorvaneTransfer*, const FCorvaneTransferReport&) { ++ends; });
 	Listen(queue->OnIdle, [&](const FCorvaneQueueReport&) { ++idle; });
-	Listen(queue->OnProgress, [&](const FCorvaneQueueReport&) { ++progress; });
 	for (int file = 0; file < 12; ++file)
 	{
 		add((file < 8 ? server : second).url(), "f" + std::to_string(file));
@@ -139,7 +147,6 @@ TEST_F(TransferQueue, KeepsItsLimitsAndEndsEachOnce)
 	EXPECT_EQ(reports["cancelled"].Attempts, 0);
 	EXPECT_EQ(ends, 14);
 	EXPECT_EQ(idle, 1);
-	EXPECT_GT(progress, 0);
 	const FCorvaneQueueReport report = queue->GetReport();
 	EXPECT_EQ(report.Done, 12);
 	EXPECT_EQ(report.Failed, 2);
@@ -192,6 +199,8 @@ TEST_F(TransferQueue, SharesBytesPerSecond)
 	const RawServer server(counting.script());
 	constexpr int64 limit = 8'000'000;
 	queue->SetLimits(4, 4, limit);
+	int64 told = 0;
+	Listen(queue->OnProgress, [&](const FCorvaneQueueReport& report) { told = report.Bytes; });
 	const auto begin = std::chrono::steady_clock::now();
 	std::vector<std::pair<double, int64>> seen; // seconds, bytes so far
 	for (int file = 0; file < 12; ++file)
@@ -219,7 +228,8 @@ TEST_F(TransferQueue, SharesBytesPerSecond)
 		}
 		EXPECT_LE(static_cast<double>(seen[last].second - seen[first].second), 1.1 * limit) << seen[first].first;
 	}
-	EXPECT_LE(seen.back().first, 24.0 / 8 * 1.1);
+	EXPECT_GT(told, 12'000'000);
+	EXPECT_LE(seen.back().first, 24.0 / 8 * 1.5); // on a machine that does other things, too
 	EXPECT_GE(seen.back().first, 24.0 / 8 * 0.9);
 }
 

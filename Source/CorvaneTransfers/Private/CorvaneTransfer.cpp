@@ -55,14 +55,14 @@ void UCorvaneTransfer::End(const FCorvaneTransferReport& Report)
 {
 	Outcome = Report;
 	Run.Reset();
-	(Outcome.Outcome == ECorvaneTransferOutcome::Succeeded ? OnSuccess : OnFail).Broadcast(Report);
+	(Outcome.Outcome == ECorvaneTransferOutcome::Succeeded ? OnSuccess : OnFail).Broadcast(Outcome);
 	if (NativeEnd)
 	{
-		NativeEnd(Report);
+		NativeEnd(Outcome);
 	}
 	if (Queue.IsValid())
 	{
-		Queue->Leave(Ticket, Report);
+		Queue->Leave(Ticket, Outcome);
 	}
 	RemoveFromRoot();
 	SetReadyToDestroy();

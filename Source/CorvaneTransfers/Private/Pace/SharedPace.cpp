@@ -27,7 +27,7 @@ int64 FCorvaneSharedPace::Ask(int64 MostBytes, FGo Go)
 	Line.Add(MoveTemp(Asked));
 	const int64 Number = Numbers;
 	LetGo();
-	return Line.Num() > 0 && Line.Last().Number >= Number ? Number : 0;
+	return Number;
 }
 
 void FCorvaneSharedPace::Withdraw(int64 Number)
@@ -96,6 +96,13 @@ void FCorvaneSharedPace::LetGoLater()
 		static_cast<float>(Seconds));
 }
 
+double FCorvaneSharedPace::Charge(int64 Bytes)
+{
+	const FScopeLock Lock(&Guard);
+	Ledger.Correct(Bytes);
+	return Ledger.SecondsUntilFree(FPlatformTime::Seconds());
+}
+
 void FCorvaneSharedPace::Settle(int64 Booked, int64 Moved)
 {
 	{
@@ -119,9 +126,7 @@ double FCorvanePaceShare::Note(int64 Bytes)
 {
 	const int64 Before = FMath::Max(Moved, Booked);
 	Moved += Bytes;
-	const FScopeLock Lock(&Pace->Guard);
-	Pace->Ledger.Correct(FMath::Max<int64>(Moved - Before, 0));
-	return Pace->Ledger.SecondsUntilFree(FPlatformTime::Seconds());
+	return Pace->Charge(FMath::Max<int64>(Moved - Before, 0));
 }
 
 void FCorvanePaceShare::Settle()

@@ -32,7 +32,7 @@ public:
 	 * Asks for leave to move a part.
 	 * @param MostBytes  that it may have.
 	 * @param Go  is called when it may move, maybe inside this call.
-	 * @return a number for Withdraw; 0 = it was called.
+	 * @return a number for Withdraw.
 	 */
 	int64 Ask(int64 MostBytes, FGo Go);
 
@@ -49,6 +49,8 @@ private:
 		FGo Go;
 	};
 
+	/** More has moved than was booked. @return seconds until the next part may move. Thread: any. */
+	double Charge(int64 Bytes);
 	void Settle(int64 Booked, int64 Moved);
 	bool MayGo() const;
 	TSharedRef<FCorvanePaceShare> Book(int64 MostBytes);

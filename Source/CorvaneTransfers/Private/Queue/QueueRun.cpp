@@ -19,6 +19,7 @@ void FCorvaneQueueRun::SetOwner(UCorvaneTransferQueue& InOwner, FEars&& InEars)
 {
 	Owner = TStrongObjectPtr<UCorvaneTransferQueue>(&InOwner);
 	Ears = MoveTemp(InEars);
+	WatchProgress(); // of transfers that came before
 }
 
 UCorvaneTransferQueue* FCorvaneQueueRun::GetOwner() const
@@ -226,7 +227,7 @@ FCorvaneQueueReport FCorvaneQueueRun::GetReport() const
 
 void FCorvaneQueueRun::WatchProgress()
 {
-	if (Ears.Progress && !ProgressTicker.IsValid())
+	if (Ears.Progress && Entries.Num() > 0 && !ProgressTicker.IsValid())
 	{
 		ProgressTicker = FTSTicker::GetCoreTicker().AddTicker(FTickerDelegate::CreateLambda(
 																  [Weak = TWeakPtr<FCorvaneQueueRun>(AsShared())](float)
