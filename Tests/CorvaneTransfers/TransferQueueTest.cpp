@@ -55,7 +55,7 @@ namespace
 		}
 
 		const TempDir folder;
-		FGameLoop loop;
+		FGameLoop loop{{.bCollectAfterEveryTick = true}}; // what nobody holds is gone soon
 		UCorvaneTransferQueue* queue = UCorvaneTransferQueue::GetTransferQueue(text("Files"));
 		size_t expected = 0;
 		std::map<std::string, FCorvaneTransferReport> reports;

@@ -52,7 +52,8 @@ TEST(Follow, PrintsEventsAndSaysHowItEnded)
 			"corvane: connected\ncorvane: connected again, behind the event 2\ncorvane: connected again, behind the event 4\n"
 			"corvane: The server has no more events.\n"},
 		{"-q $u/events --last-id 4 --event odd", 0, "e5\x1b\n", none},
-		{"$u/events --max 3 -q --json", 0, MatchesRegex(R"(\{"ID":"1","Type":"odd","Data":"e1\\u001b"\}.\{"ID":"2".*\}.\{"ID":"3".*\}.)"), none},
+		{"$u/events --max 3 -q --json", 0, MatchesRegex(R"(\{"ID":"1","Type":"odd","Data":"e1\\u001b"\}.\{"ID":"2".*\}.\{"ID":"3".*\}.)"),
+			none},
 		{"$u/events --no-reconnect", 0, "e1\x1b\ne2\x1b\n", "corvane: connected\ncorvane: The stream came to its end.\n"},
 		{"-q $u/events -d '{}' --max 1", 0, "application/json\n{}\n", none},
 		{"-q $u/events -d @- -H 'content-type: text/x' --no-reconnect < body", 0, "text/x\nfrom a file\n", none},
