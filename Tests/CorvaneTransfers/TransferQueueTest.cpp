@@ -20,6 +20,14 @@ namespace
 	class TransferQueue : public ::testing::Test
 	{
 	protected:
+		/** What nobody holds is gone soon. */
+		static FGameLoopSettings collecting()
+		{
+			FGameLoopSettings settings;
+			settings.bCollectAfterEveryTick = true;
+			return settings;
+		}
+
 		FCorvaneDownloadOptions queued(int priority = 0) const
 		{
 			FCorvaneDownloadOptions options;
@@ -55,7 +63,7 @@ namespace
 		}
 
 		const TempDir folder;
-		FGameLoop loop{{.bCollectAfterEveryTick = true}}; // what nobody holds is gone soon
+		FGameLoop loop{collecting()};
 		UCorvaneTransferQueue* queue = UCorvaneTransferQueue::GetTransferQueue(text("Files"));
 		size_t expected = 0;
 		std::map<std::string, FCorvaneTransferReport> reports;
