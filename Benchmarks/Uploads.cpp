@@ -1,4 +1,6 @@
 #include "Lab/Behaviours/Uploads.h"
+#include "CorvaneUploadFile.h"
+#include "CorvaneUploadForm.h"
 #include "GameLoop.h"
 #include "Host/Log.h"
 #include "Kit/Command.h"
@@ -13,6 +15,7 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <stdexcept>
+#include <strings.h>
 
 namespace
 {
@@ -40,13 +43,26 @@ namespace
 		UCorvaneBPLibrary::CreateHttpRequestFileMultiUploadPUT({}, url, {}, absolute, {file}, {"f"}, "", records, id);
 	}
 
+	using Start = void (*)(const FString& url, const FString& file, UCorvaneUpload::FTell end);
+
+	void startForm(const FString& url, const FString& file, UCorvaneUpload::FTell end)
+	{
+		UCorvaneUploadForm::Start(url, {{"f", file, {}, {}}}, {}, {}, std::move(end));
+	}
+
+	void startFile(const FString& url, const FString& file, UCorvaneUpload::FTell end)
+	{
+		UCorvaneUploadFile::Start(url, file, {}, std::move(end));
+	}
+
 	/** One way to upload a file, and the same by the curl program. */
 	struct Kind
 	{
 		const char* name;
 		bool isStreamed;
-		Build build;
+		Build build; // null = a node of the second module
 		const char* curl; // its arguments, {} = the file
+		Start start = nullptr; // of such a node
 	};
 
 	using UploadType = EHTTPCorvFileUploadType;
@@ -54,17 +70,24 @@ namespace
 		{"PUT_STREAM_BLANK", true, buildPut<UploadType::PUT_STREAM_BLANK>, "-T {}"},
 		{"PUT_STREAM_MP", true, buildPut<UploadType::PUT_STREAM_MP>, "-T {}"},
 		{"PUT_STREAM_COPY", true, buildPut<UploadType::PUT_STREAM_COPY>, "-T {}"},
+		{"FORM", true, nullptr, "-F f=@{}", startForm},
+		{"BARE", true, nullptr, "-T {}", startFile},
 		{"POST", false, buildPost, "-F f=@{}"},
 		{"PUT", false, buildPut<UploadType::PUT>, "-X PUT -F f=@{}"},
 		{"MULTI_POST", false, buildMultiPost, "-F f=@{}"},
 		{"MULTI_PUT", false, buildMultiPut, "-X PUT -F f=@{}"},
 	};
 
+	bool isCalled(const Kind& kind, const std::string& name)
+	{
+		return strcasecmp(kind.name, name.c_str()) == 0;
+	}
+
 	const Kind& kindNamed(const std::string& name)
 	{
 		for (const Kind& kind : kinds)
 		{
-			if (name == kind.name)
+			if (isCalled(kind, name))
 			{
 				return kind;
 			}
@@ -83,6 +106,39 @@ namespace
 			kind.build("http://127.0.0.1/", "/file", records, id);
 		}
 		return watch.seconds() / calls;
+	}
+
+	Figure memorySince(std::int64_t before)
+	{
+		return {"peak of memory beyond the idle program", "MiB", ProcessFigures::toMebibytes(ProcessFigures::peakResidentBytes() - before)};
+	}
+
+	/** The same by a node of the second module. */
+	Figures measureTransfer(const Kind& kind, const std::string& url, const std::string& file)
+	{
+		constexpr double longEnough = 600;
+		HostLog::SetSink([](const char*, ELogVerbosity::Type, const FString&) {});
+		FGameLoop loop;
+		UCorvaneBPLibrary::getCorvaneTarget();
+		int ended = 0;
+		bool isGood = false;
+		ProcessFigures::forgetPeak();
+		const std::int64_t before = ProcessFigures::residentBytes();
+		const StopWatch whole;
+		kind.start(FString(url.c_str()), FString(file.c_str()),
+			[&](const FCorvaneTransferReport& report)
+			{
+				++ended;
+				isGood = report.Outcome == ECorvaneTransferOutcome::Succeeded;
+			});
+		const double started = whole.seconds();
+		loop.WaitFor([&ended] { return ended > 0; }, longEnough);
+		const double seconds = whole.seconds();
+		if (!isGood)
+		{
+			throw std::runtime_error("Corvane: the upload failed");
+		}
+		return {{"time", "s", seconds}, memorySince(before), {"game thread, start", "ms", started * 1e3}};
 	}
 
 	/** Uploads once, in this process. */
@@ -115,9 +171,8 @@ namespace
 		{
 			throw std::runtime_error(fmt::format("Corvane: status {}", statusCode));
 		}
-		return {{"time", "s", ended},
-			{"peak of memory beyond the idle program", "MiB", ProcessFigures::toMebibytes(ProcessFigures::peakResidentBytes() - before)},
-			{"game thread, builder", "us", builderSeconds * 1e6}, {"game thread, start", "ms", (started - built) * 1e3}};
+		return {{"time", "s", ended}, memorySince(before), {"game thread, builder", "us", builderSeconds * 1e6},
+			{"game thread, start", "ms", (started - built) * 1e3}};
 	}
 
 	Figures measureCurl(const Kind& kind, const std::string& url, const std::string& file)
@@ -140,7 +195,8 @@ namespace
 			CLI::App* command = program.add_subcommand("uploads", "One large file to a server that drops it, in every way there is");
 			command->add_option("--stream-mebibytes", streamMebibytes, "Size of files that are streamed")->capture_default_str();
 			command->add_option("--memory-mebibytes", memoryMebibytes, "Size of files that are loaded")->capture_default_str();
-			command->add_option("--kind", wanted, "Only these kinds: PUT_STREAM_BLANK, PUT_STREAM_MP, PUT_STREAM_COPY, POST, PUT, ...");
+			command->add_option(
+				"--kind", wanted, "Only these kinds: PUT_STREAM_BLANK, PUT_STREAM_MP, PUT_STREAM_COPY, FORM, BARE, POST, ...");
 			addPairs(*command, pairs, "Pairs of runs after one warm-up pair, each run in a fresh process");
 			command->add_option("--url", url)->group(""); // for the fresh processes alone, like the next
 			command->add_option("--file", file)->group("");
@@ -151,7 +207,8 @@ namespace
 		{
 			if (!url.empty())
 			{
-				printForParent(measureCorvane(kindNamed(wanted.at(0)), url, file));
+				const Kind& kind = kindNamed(wanted.at(0));
+				printForParent(kind.start ? measureTransfer(kind, url, file) : measureCorvane(kind, url, file));
 				return {};
 			}
 			std::vector<Comparison> results;
@@ -165,7 +222,8 @@ namespace
 	private:
 		bool isWanted(const Kind& kind) const
 		{
-			return wanted.empty() || std::find(wanted.begin(), wanted.end(), kind.name) != wanted.end();
+			return wanted.empty() ||
+				   std::any_of(wanted.begin(), wanted.end(), [&](const std::string& name) { return isCalled(kind, name); });
 		}
 
 		void compareKinds(bool isStreamed, int mebibytes, std::vector<Comparison>& results) const

@@ -3,7 +3,7 @@
 # can be seen without the engine, that the engine's build takes the module as it stands.
 set -uo pipefail
 cd "$(dirname "$0")/.."
-Scripts/setup.sh --check || exit 1
+Scripts/setup.sh --test --check || exit 1
 
 failed=0
 check() {
@@ -32,6 +32,11 @@ package() {
 	Scripts/package.sh --check && Scripts/package.sh
 }
 
+# What the ordinary run of the tests has no time for.
+large_files() {
+	cmake --preset default && cmake --build --preset default --target ServersTests && ctest --test-dir build/default -L '^large$' --output-on-failure
+}
+
 check "layout" python3 Scripts/check_layout.py
 check "guides" python3 Scripts/check_guides.py
 check "graphs and pages" Scripts/check_graphs.sh
@@ -39,6 +44,7 @@ check "plug-in files" python3 Scripts/check_plugin.py
 check "package" package
 check "installed command" Scripts/check_install.sh
 check "engine fit" engine_fit
+check "large files" large_files
 check "picture of the dependencies" python3 Scripts/dependencies.py --check
 # These two need the module that Debian's own Python finds.
 for module in Source/*/; do

@@ -28,12 +28,5 @@ diff --recursive --brief --exclude='*.graph' "$pages/graphs" Docs/guides/graphs 
 	echo "Pictures in the guides are not those of their graphs: Scripts/check_graphs.sh --accept writes them anew." >&2
 	exit 1
 }
-if ! cmp --quiet Scripts/graphs/package-lock.json "$tools/package-lock.json"; then
-	mkdir -p "$tools"
-	cp Scripts/graphs/package*.json "$tools"
-	if ! npm ci --prefix "$tools" --ignore-scripts --no-audit --no-fund >/dev/null; then
-		rm "$tools/package-lock.json"
-		exit 1
-	fi
-fi
+Scripts/npm_kit.sh Scripts/graphs "$tools"
 node Scripts/graphs/check_pages.mjs "$pages" "$PWD/$tools"

@@ -53,6 +53,8 @@ INNER_ROOMS = {
         "Queue": ["Attempts", "Files", "Pace"],
         "Download": ["Attempts", "Files", "Pace", "Threads"],
         "Drive": ["Attempts"],
+        "Upload": ["Attempts", "Files", "Threads"],
+        "Tus": ["Upload", "Attempts", "Files", "Threads"],
         "Events": ["Attempts", "Threads"],
         "Attempts": [],
         "Pace": [],

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that the build and the tests need and that are not there yet.
-# --check adds the packages of the checks, --bench those of the peers in the benchmarks.
+# --test adds the servers of other makers that the tests upload to (those for Node go to build/servers), --check the packages of
+# the checks, --bench those of the peers in the benchmarks.
 set -euo pipefail
 
 packages=(
@@ -9,18 +10,23 @@ packages=(
 	libhttp-parser-dev zlib1g-dev
 	libgtest-dev libgmock-dev nginx-light openssl ca-certificates python3
 )
+servers=
 for option in "$@"; do
 	case "$option" in
+	--test)
+		servers=build/servers
+		packages+=(python3-werkzeug python3-aiohttp php-cli)
+		;;
 	--check)
 		packages+=(clang clang-format python3-clang g++-mingw-w64-x86-64-posix dpkg-dev file man-db groff-base debootstrap chromium)
-		command -v npm >/dev/null || packages+=(nodejs npm) # another source of them may be in use
 		;;
 	--bench) packages+=(curl wget aria2) ;;
 	*)
-		echo "usage: $0 [--check] [--bench]" >&2
+		echo "usage: $0 [--test] [--check] [--bench]" >&2
 		exit 2
 		;;
 	esac
+	[ "$option" = --bench ] || command -v npm >/dev/null || packages+=(nodejs npm) # another source of them may be in use
 done
 
 missing=()
@@ -28,11 +34,12 @@ for package in "${packages[@]}"; do
 	status=$(dpkg-query -W -f='${Status}' "$package" 2>/dev/null || true)
 	[ "$status" = "install ok installed" ] || missing+=("$package")
 done
-[ ${#missing[@]} -eq 0 ] && exit 0
-
-as_root=()
-[ "$(id -u)" -eq 0 ] || as_root=(sudo)
-echo "Installing: ${missing[*]}" >&2
-export DEBIAN_FRONTEND=noninteractive
-"${as_root[@]}" apt-get update -qq >&2
-"${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2
+if [ ${#missing[@]} -gt 0 ]; then
+	as_root=()
+	[ "$(id -u)" -eq 0 ] || as_root=(sudo)
+	echo "Installing: ${missing[*]}" >&2
+	export DEBIAN_FRONTEND=noninteractive
+	"${as_root[@]}" apt-get update -qq >&2
+	"${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2
+fi
+[ -z "$servers" ] || "$(dirname "$0")/npm_kit.sh" Tests/Servers "$servers"

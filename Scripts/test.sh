@@ -10,7 +10,7 @@ if [ "${1:-}" = "--preset" ]; then
 	shift 2
 fi
 
-Scripts/setup.sh
+Scripts/setup.sh --test
 [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset"
 cmake --build --preset "$preset"
 ctest --preset "$preset" --parallel "$(nproc)" "$@"

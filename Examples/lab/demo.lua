@@ -23,6 +23,9 @@ lab.at("GET /busy", function()
 	return asked % 3 == 0 and "at last" or lab.status{ code = 503, text = "come back later" }
 end)
 
+-- The same for uploads, each method by itself.
+lab.at("/slot", lab.upload(), lab.status{ code = 503, text = "come back later", requests = 2 })
+
 -- A file of 1 MiB that arrives slowly enough to be cancelled; parts of it may be asked for.
 local pieces = {}
 for piece = 0, 31 do pieces[#pieces + 1] = string.char(97 + piece % 26):rep(32768) end
@@ -46,6 +49,11 @@ local function describe(request)
 end
 lab.at("POST /upload", describe)
 lab.at("PUT /upload", describe)
+
+-- A server of resumable uploads, which thinks about each piece. The first one of each upload breaks off in its middle.
+local uploads = lab.tus()
+lab.at("/files*", uploads)
+lab.at("PATCH /files*", uploads, lab.upload{ hangsUpAfter = 300000, requests = 1 }, lab.stall{ milliseconds = 50 })
 
 -- Plays the Drive service: a file, behind a page that asks whether it is wanted in spite of its size.
 local askingPage = [[<span class="uc-name-size"><a href="#">level.pak</a> (1,5M)</span>]]

@@ -1,5 +1,5 @@
 #include "Events/EventParser.h"
-#include "Events/Utf8Text.h"
+#include "Attempts/Utf8Text.h"
 #include "TextSupport.h"
 
 #include <gtest/gtest.h>

@@ -3,6 +3,7 @@
 #include "Host/HttpService.h"
 #include "RawServer.h"
 #include "TextSupport.h"
+#include "Upload/BodyStream.h"
 #include "Waiting.h"
 
 #include <atomic>
@@ -65,7 +66,8 @@ namespace
 			EXPECT_EQ(receiver->ends, started) << "each start has one end";
 		}
 
-		TSharedRef<FCorvaneExchange> start(const std::string& url, float silence = static_cast<float>(patienceSeconds))
+		TSharedRef<FCorvaneExchange> start(const std::string& url, float silence = static_cast<float>(patienceSeconds),
+			const TSharedPtr<FCorvaneRequestBody>& sent = nullptr)
 		{
 			++started;
 			FCorvaneExchangeRequest request;
@@ -73,6 +75,12 @@ namespace
 			request.Headers.Add(TEXT("Range"), TEXT("bytes=5-"));
 			request.Headers.Add(TEXT("Accept-Encoding"), TEXT("gzip"));
 			request.SilenceSeconds = silence;
+			if (sent.IsValid())
+			{
+				request.Verb = TEXT("PUT");
+				request.Headers.Add(TEXT("Content-Type"), TEXT("text/plain"));
+				request.Stream = sent;
+			}
 			return FCorvaneExchange::Start(request, receiver);
 		}
 		const FCorvaneExchangeResult& waitForEnd()
@@ -205,4 +213,58 @@ TEST_F(Exchange, StopsWhenTheReceiverOrTheCallerWantsNoMore)
 	running->Cancel(); // harmless
 	start(server.url()); // ends with the service
 	waitFor([this] { return receiver->arrived == 15; });
+}
+
+TEST_F(Exchange, TellsHowMuchOfABodyWasTakenWhateverTheEnd)
+{
+	constexpr int64 size = 3'000'000;
+	const auto body = []
+	{
+		TArray<uint8> bytes;
+		bytes.SetNumUninitialized(size);
+		return TSharedPtr<FCorvaneBodyStream>(
+			MakeShared<FCorvaneBodyStream>(TArray<FCorvaneBodySegment>{FCorvaneBodySegment::OfBytes(bytes)}));
+	};
+	RawServer server(
+		[](Connection& connection)
+		{
+			const std::string head = connection.readHead();
+			EXPECT_EQ(headerOf(head, "Content-Length"), std::to_string(size));
+			EXPECT_EQ(headerOf(head, "Content-Type"), "text/plain");
+			if (targetOf(head) == "/early")
+			{
+				connection.send(answer(413, "too much"));
+			}
+			else if (targetOf(head) == "/whole")
+			{
+				connection.readBody(head);
+				connection.send(answer(201, "", "Location: /new\r\nConnection: close\r\n"));
+			}
+			else if (targetOf(head) == "/elsewhere")
+			{
+				connection.readBody(head);
+				connection.send(answer(307, "", "Location: /whole\r\nConnection: close\r\n"));
+			}
+			connection.waitForPeer();
+		});
+	start(server.url("/whole"), 20, body());
+	EXPECT_EQ(waitForEnd().End, End::Done);
+	EXPECT_EQ(receiver->result.Answer.Code, 201);
+	EXPECT_EQ(receiver->result.SentBytes, size);
+	start(server.url("/early"), 20, body());
+	EXPECT_EQ(waitForEnd().Answer.Code, 413);
+	EXPECT_EQ(receiver->body, "too much");
+	EXPECT_LE(receiver->result.SentBytes, size);
+	start(server.url("/elsewhere"), 20, body());
+	EXPECT_EQ(waitForEnd().End, End::Dropped) << "it would be needed twice";
+	EXPECT_EQ(receiver->result.Answer.Code, 307);
+	EXPECT_FALSE(receiver->result.bAnswerIsWhole);
+	start("http://127.0.0.1:1/", 20, body());
+	EXPECT_EQ(waitForEnd().End, End::NoConnection);
+	EXPECT_EQ(receiver->result.SentBytes, 0);
+	const TSharedRef<FCorvaneExchange> silent = start(server.url("/silent"), 20, body());
+	waitFor([&] { return server.requests().size() == 4; });
+	silent->Cancel();
+	EXPECT_EQ(waitForEnd().End, End::Cancelled);
+	EXPECT_GT(receiver->result.SentBytes, 0);
 }

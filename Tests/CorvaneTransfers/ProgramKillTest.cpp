@@ -1,3 +1,4 @@
+#include "ChildProgram.h"
 #include "FileAnswers.h"
 #include "MortalFiles.h"
 #include "QuickPlace.h"
@@ -5,52 +6,17 @@
 #include "RawServer.h"
 #include "TempDir.h"
 
-#include <csignal>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <mutex>
 #include <random>
-#include <spawn.h>
-#include <sys/wait.h>
 
 namespace
 {
-	/** A program of its own that downloads. One thread waits for it, any may kill it. */
-	class Program
+	void startDownload(ChildProgram& program, const std::string& url, const std::string& target, int diesAtStep, bool movesReplace)
 	{
-	public:
-		void start(const std::string& url, const std::string& target, int diesAtStep, bool movesReplace)
-		{
-			std::string words[] = {DOWNLOAD_CHILD, url, target, std::to_string(diesAtStep), movesReplace ? "1" : "0"};
-			char* arguments[] = {words[0].data(), words[1].data(), words[2].data(), words[3].data(), words[4].data(), nullptr};
-			const std::scoped_lock lock(mutex);
-			ASSERT_EQ(posix_spawn(&running, words[0].c_str(), nullptr, nullptr, arguments, environ), 0);
-		}
-
-		/** @return the status with which it ended; -1 = it was killed. */
-		int wait()
-		{
-			siginfo_t ended;
-			waitid(P_PID, static_cast<id_t>(running), &ended, WEXITED | WNOWAIT);
-			const std::scoped_lock lock(mutex);
-			int status = 0;
-			waitpid(std::exchange(running, 0), &status, 0);
-			return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-		}
-
-		void kill()
-		{
-			const std::scoped_lock lock(mutex);
-			if (running != 0)
-			{
-				::kill(running, SIGKILL);
-			}
-		}
-
-	private:
-		std::mutex mutex; // guards what follows
-		pid_t running = 0;
-	};
+		program.start({DOWNLOAD_CHILD, url, target, std::to_string(diesAtStep), movesReplace ? "1" : "0"});
+	}
 
 	/** How an origin sends one file: in pieces, with the connection broken off behind each, so that every run resumes. */
 	class FrailServer
@@ -66,7 +32,7 @@ namespace
 		}
 
 		std::string url() const { return server.url(); }
-		Program program;
+		ChildProgram program;
 		std::atomic<int> timesAsked{0};
 		std::atomic<int> partsSent{0};
 
@@ -142,7 +108,7 @@ TEST(KilledProgram, LeavesTheOldFileOrTheNewOneAtRandomMoments)
 		const int askedBefore = server.timesAsked;
 		server.expect(
 			current, static_cast<std::int64_t>(random() % 150'000), 1 << random() % 20); // from at once to long enough for a slow build
-		server.program.start(server.url(), dir.path("file"), 0, true);
+		startDownload(server.program, server.url(), dir.path("file"), 0, true);
 		const int status = server.program.wait();
 		ASSERT_TRUE(status == 0 || status == -1) << status;
 		const bool wasWhole = server.timesAsked == askedBefore; // a run that was killed behind its last step but one
@@ -157,7 +123,7 @@ TEST(KilledProgram, LeavesTheOldFileOrTheNewOneAtRandomMoments)
 		}
 	}
 	server.expect(current, -1, 0);
-	server.program.start(server.url(), dir.path("file"), 0, true);
+	startDownload(server.program, server.url(), dir.path("file"), 0, true);
 	ASSERT_EQ(server.program.wait(), 0);
 	EXPECT_TRUE(dir.read("file") == current.bytes);
 	EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 1) << "nothing else is left";
@@ -178,12 +144,12 @@ TEST(KilledProgram, LeavesTheOldFileOrTheNewOneAtEachStepOfItsFiles)
 			dir.write("file", "old");
 			SCOPED_TRACE(fmt::format("killed at step {}", ++step));
 			server.expect(version, -1, 0);
-			server.program.start(server.url(), dir.path("file"), step, movesReplace);
+			startDownload(server.program, server.url(), dir.path("file"), step, movesReplace);
 			status = server.program.wait();
 			ASSERT_TRUE(status == 0 || status == MortalFiles::exitCode) << status;
 			const std::string now = dir.read(movesReplace || dir.exists("file") ? "file" : "file.corvold");
 			ASSERT_TRUE(now == "old" || now == version.bytes);
-			server.program.start(server.url(), dir.path("file"), 0, movesReplace);
+			startDownload(server.program, server.url(), dir.path("file"), 0, movesReplace);
 			ASSERT_EQ(server.program.wait(), 0);
 			ASSERT_TRUE(dir.read("file") == version.bytes);
 			ASSERT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 1) << "nothing else is left";

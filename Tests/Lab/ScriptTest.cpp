@@ -58,6 +58,30 @@ TEST(LabScript, KeepsWhatCameOfABrokenUpload)
 	EXPECT_EQ(ask(upload, {{"Upload-Offset: 6"}, "PATCH", "6789"}).status, 204);
 	EXPECT_EQ(ask(upload).body, "0123456789");
 	EXPECT_EQ(ask(origin.url("/files/2")).status, 404);
+	EXPECT_EQ(ask(upload, {.method = "DELETE"}).status, 204);
+	EXPECT_EQ(ask(upload).status, 404);
+}
+
+TEST(LabScript, TakesUploadsWithTheirSumsAsLongAsTheyLast)
+{
+	Lab::Origin origin;
+	Lab::Script script(origin);
+	script.runText(R"lua(
+		lab.at("/files*", lab.tus{ tells = true, mostBytes = 10, host = "localhost" })
+		lab.at("/short*", lab.tus{ expiresAfter = 0 })
+	)lua");
+	const std::string bytes = "Content-Type: application/offset+octet-stream";
+	const std::string sum = "Upload-Checksum: sha1 gf6L/odXbD7LIkJvjleEc4KRes8="; // of "abcd", reckoned elsewhere
+	EXPECT_EQ(ask(origin.url("/files"), {{"Upload-Length: 11"}, "POST", "-"}).status, 413);
+	EXPECT_THAT(ask(origin.url("/files"), {{"Upload-Length: 8", bytes}, "POST", "1234"}).head,
+		::testing::AllOf(::testing::HasSubstr("Location: http://localhost:" + std::to_string(origin.port()) + "/files/1\r\n"),
+			::testing::HasSubstr("Upload-Offset: 4\r\n"), ::testing::HasSubstr("checksum")));
+	const std::string upload = origin.url("/files/1");
+	EXPECT_EQ(ask(upload, {{"Upload-Offset: 4", sum}, "PATCH", "abce"}).status, 460);
+	EXPECT_EQ(ask(upload, {{"Upload-Offset: 4", sum}, "PATCH", "abcd"}).status, 204);
+	EXPECT_EQ(ask(upload).body, "1234abcd");
+	EXPECT_THAT(ask(origin.url("/short"), {{"Upload-Length: 8"}, "POST", "-"}).head, ::testing::HasSubstr("Upload-Expires: "));
+	EXPECT_EQ(ask(origin.url("/short/1"), {.method = "HEAD"}).status, 410);
 }
 
 TEST(LabScript, AnswersAsLongAsItLives)

@@ -7,12 +7,13 @@ TEST(Completion, OffersWhatMayStandThere)
 {
 	using Words = std::vector<std::string>;
 	const std::pair<const char*, Words> cases[] = {
-		{"", {"run", "call", "get", "follow", "nodes", "demo", "lab", "completion", "help", "--help", "--version"}},
+		{"", {"run", "call", "get", "put", "follow", "nodes", "demo", "lab", "completion", "help", "--help", "--version"}},
 		{"ca", {"call"}},
 		{"nodes onhttpfileu", {"onhttpFileUploadDelegate"}},
 		{"help c", {"call", "completion"}},
 		{"call CreateHttpRequestGET req", {}},
 		{"get --h", {"--header", "--hash", "--help"}},
+		{"put --f", {"--form", "--field"}},
 		{"call --p", {"--progress", "--project"}},
 		{"nodes --h", {"--html", "--help"}},
 		{"call getcl", {"getCleanDirectory"}},

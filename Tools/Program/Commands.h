@@ -74,6 +74,23 @@ namespace Program
 	/** Downloads files, and tells each one's end. Throws InputError when addresses and options do not fit together. */
 	int getFiles(const Settings& settings, const GetOptions& options);
 
+	struct PutOptions
+	{
+		std::vector<std::string> words; // files, and behind them the address
+		std::string formField; // the files go into one form, under this name; empty = not
+		std::vector<std::string> fields; // of the form, each "NAME=VALUE"
+		std::string verb; // PUT or POST; empty = PUT, and POST for a form
+		std::vector<std::string> headers; // each "Name: value"
+		std::string hash; // as the upload takes it; empty = none
+		bool resumable = false; // to a server of resumable uploads (tus)
+		bool mayBeRepeated = false; // a POST may be sent again when the server may have some of it
+		bool json = false;
+		bool quiet = false; // tells failures only
+	};
+
+	/** Uploads files, and tells each one's end and what the server said. Throws InputError when the words do not fit together. */
+	int putFiles(const Settings& settings, const PutOptions& options);
+
 	struct FollowOptions
 	{
 		std::string address;

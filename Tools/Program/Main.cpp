@@ -9,14 +9,18 @@
 
 namespace
 {
-	/** The parser knows nothing of the words that it leaves to the script. */
-	class ScriptUsage : public CLI::Formatter
+	/** The parser knows nothing of words that it leaves to the script, nor of the last one of several. */
+	class OwnUsage : public CLI::Formatter
 	{
 	public:
-		std::string make_usage(const CLI::App*, std::string name) const override
+		explicit OwnUsage(std::string inWords)
+			: words(std::move(inWords))
 		{
-			return "Usage: " + name + " [OPTIONS] SCRIPT [ARG...]\n";
 		}
+		std::string make_usage(const CLI::App*, std::string name) const override { return "Usage: " + name + " [OPTIONS] " + words + "\n"; }
+
+	private:
+		const std::string words;
 	};
 
 	struct CommandLine
@@ -24,6 +28,7 @@ namespace
 		Program::Settings settings;
 		Program::CallOptions call;
 		Program::GetOptions get;
+		Program::PutOptions put;
 		Program::FollowOptions followOptions;
 		Program::NodesOptions nodesOptions;
 		Program::LabOptions labOptions;
@@ -35,6 +40,7 @@ namespace
 		CLI::App* callFunction = app.add_subcommand("call", "Calls one function or node and prints its pins");
 		CLI::App* getFiles =
 			app.add_subcommand("get", "Downloads files, each whole and checked or with a reason; what is there already is gone on with");
+		CLI::App* putFiles = app.add_subcommand("put", "Uploads files as they are or in a form; none is changed, copied or loaded");
 		CLI::App* follow =
 			app.add_subcommand("follow", "Prints server-sent events as they come, and connects again when the stream breaks off");
 		CLI::App* nodes = app.add_subcommand("nodes", "Lists script functions and events with their pins, or writes pages about them");
@@ -49,7 +55,7 @@ namespace
 			app.require_subcommand(1);
 			app.set_version_flag("--version", "corvane " CORVANE_VERSION);
 			help->add_option("VERB", helpTopic, "The verb that it is about");
-			run->formatter(std::make_shared<ScriptUsage>());
+			run->formatter(std::make_shared<OwnUsage>("SCRIPT [ARG...]"));
 			addDirectories(*run);
 			addVerbose(*run);
 			run->add_option("--connections", settings.loop.http.connectionsPerHost, "How many at once to one host, 6 by default")
@@ -64,6 +70,7 @@ namespace
 			addDriveBase(*demo);
 			addLab();
 			addGetOptions();
+			addPutOptions();
 			addFollowOptions();
 			callFunction->add_flag("--json", call.json, "Print one JSON object, and one for each server-sent event");
 			callFunction->add_flag("--body", call.bodyAlone, "Write the body alone, byte for byte unless to a terminal");
@@ -117,6 +124,25 @@ namespace
 			addVerbose(*getFiles);
 			getFiles->footer("Exit status: 0 all files are there, 1 some are not, 2 the command line is wrong\n"
 							 "Ctrl-C keeps what has arrived, and the same command goes on");
+		}
+
+		void addPutOptions()
+		{
+			putFiles->formatter(std::make_shared<OwnUsage>("FILE... URL"));
+			putFiles->add_option("URL", put.words, "Files, and behind them where they go: a URL that ends in / gets the name of each file")
+				->required();
+			putFiles->add_option("--form", put.formField, "Send all files in one form, as this field of it");
+			putFiles->add_option("--field", put.fields, "A further field of the form: --field NAME=VALUE")->allow_extra_args(false);
+			putFiles->add_flag("--tus", put.resumable, "Send in pieces, to a server of resumable uploads; the same command goes on");
+			putFiles->add_option("-X,--request", put.verb, "PUT (the default), or POST (that of a form)");
+			putFiles->add_option("-H,--header", put.headers, "A header of the requests: -H 'Accept: text/plain'")->allow_extra_args(false);
+			putFiles->add_option("--hash", put.hash, "Tell a hash of what is sent: sha256, sha1 or md5; sha256:HEX sends nothing else");
+			putFiles->add_flag("--may-repeat", put.mayBeRepeated, "Send a POST again after trouble, even if the server may have it");
+			putFiles->add_flag("--json", put.json, "Print the report of each upload as a line of JSON");
+			putFiles->add_flag("-q,--quiet", put.quiet, "Tell failures only");
+			addVerbose(*putFiles);
+			putFiles->footer("Exit status: 0 all is uploaded, 1 some is not, 2 the command line is wrong\n"
+							 "Notes of --tus stand in $XDG_STATE_HOME/corvane/uploads until an upload is through");
 		}
 
 		void addFollowOptions()
@@ -199,6 +225,10 @@ namespace
 		if (*line.getFiles)
 		{
 			return Program::getFiles(line.settings, line.get);
+		}
+		if (*line.putFiles)
+		{
+			return Program::putFiles(line.settings, line.put);
 		}
 		if (*line.follow)
 		{

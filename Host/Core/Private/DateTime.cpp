@@ -1,6 +1,7 @@
 #include "Misc/DateTime.h"
 
 #include "Containers/StringConv.h"
+#include "Host/Clock.h"
 
 #include <array>
 #include <chrono>
@@ -44,7 +45,7 @@ namespace
 
 FDateTime FDateTime::UtcNow()
 {
-	return fromMoment(time_point_cast<FTick>(system_clock::now()));
+	return fromMoment(time_point_cast<FTick>(HostClock::Today()));
 }
 
 FDateTime FDateTime::Now()

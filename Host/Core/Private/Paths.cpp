@@ -57,6 +57,11 @@ FString FPaths::ProjectDir()
 	return toText(theRoots().Project);
 }
 
+FString FPaths::ProjectSavedDir()
+{
+	return ProjectDir() + TEXT("Saved/");
+}
+
 FString FPaths::ConvertRelativePathToFull(const FString& Path)
 {
 	std::string Text = FTCHARToUTF8(*Path, Path.Len()).Get();

@@ -2,6 +2,7 @@
 
 #include "Async/Async.h"
 #include "CoreGlobals.h"
+#include "Host/Clock.h"
 #include "Host/GameThreadTicks.h"
 
 #include <algorithm>
@@ -30,7 +31,7 @@ namespace
 	{
 		std::mutex Mutex; // guards what follows
 		FElements Elements;
-		FClock::time_point LastFrame = FClock::now(); // game thread
+		FClock::time_point LastFrame = HostClock::Now(); // game thread
 	};
 
 	FTicks& theTicks()
@@ -67,7 +68,7 @@ FTSTicker::FDelegateHandle FTSTicker::AddTicker(const FTickerDelegate& InDelegat
 {
 	const auto Delay = std::chrono::duration_cast<FClock::duration>(std::chrono::duration<float>(std::max(InDelay, 0.0f)));
 	const FClock::duration Interval = std::max(Delay, frame);
-	const TSharedRef<FElement> Element(std::make_shared<FElement>(FElement{InDelegate, Interval, FClock::now() + Interval}));
+	const TSharedRef<FElement> Element(std::make_shared<FElement>(FElement{InDelegate, Interval, HostClock::Now() + Interval}));
 	add(Element);
 	if (!IsInGameThread())
 	{
@@ -89,7 +90,7 @@ void FTSTicker::RemoveTicker(FDelegateHandle Handle)
 
 int GameThreadTicks::RunDue()
 {
-	const FClock::time_point Now = FClock::now();
+	const FClock::time_point Now = HostClock::Now();
 	const FElements Due = takeDue(Now);
 	const float Passed = std::chrono::duration<float>(Now - std::exchange(theTicks().LastFrame, Now)).count();
 	int Number = 0;
@@ -102,7 +103,7 @@ int GameThreadTicks::RunDue()
 		++Number;
 		if (Element->Delegate.Execute(Passed) && !Element->bRemoved)
 		{
-			Element->Due = FClock::now() + Element->Interval;
+			Element->Due = HostClock::Now() + Element->Interval;
 			add(Element);
 		}
 	}

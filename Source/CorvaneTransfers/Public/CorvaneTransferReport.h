@@ -31,13 +31,17 @@ struct CORVANETRANSFERS_API FCorvaneTransferReport
 	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
 	FString ReachedAddress;
 
-	/** Of the whole file; -1 = unknown. */
+	/** Of the whole file, or of all that is sent; -1 = unknown. */
 	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
 	int64 TotalBytes = -1;
 
-	/** What came over the network in this run and went into the file, also what had to be thrown away again. */
+	/** What went over the network in this run: into the file, or out of it. What had to be thrown away or sent again counts, too. */
 	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
 	int64 TransferredBytes = 0;
+
+	/** Of those, what an upload had sent in vain and has to send again: without them the rest is how far it is. */
+	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
+	int64 RepeatedBytes = 0;
 
 	/** Bytes of the file that an earlier run had left. */
 	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
@@ -78,4 +82,8 @@ struct CORVANETRANSFERS_API FCorvaneTransferReport
 	/** What is left on disk and how to go on, for people; empty = nothing. */
 	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
 	FString HowToGoOn;
+
+	/** What the server said to what it was sent, as text, up to a limit. */
+	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
+	FString Answer;
 };

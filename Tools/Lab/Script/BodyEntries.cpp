@@ -98,6 +98,12 @@ namespace Lab
 				options.bytes("hangsUpAfter"), options.flag("throwsAway")});
 		}
 
+		Behaviour makeTus(const Options& options)
+		{
+			return tus({options.flag("tells"), options.bytes("mostBytes"),
+				options.has("expiresAfter") ? std::optional(options.milliseconds("expiresAfter")) : std::nullopt, options.text("host")});
+		}
+
 		Behaviour makeReplay(const Options& options)
 		{
 			return replay(loadCassette(options.text("path")), options.number("speed", 1));
@@ -138,8 +144,11 @@ namespace Lab
 				{{"bytesPerSecond", "how fast it is read"}, {"refusesAfter", "bytes, after which a status comes; the rest is not read"},
 					{"code", "of the refusal, 413 unless told"}, {"hangsUpAfter", "bytes"}, {"throwsAway", "nobody looks at the bytes"}},
 				makeUpload},
-			{"tus", "a server of resumable uploads, for a path and all that begin with it", {}, [](const Options&) { return tus(); }, true,
-				false, true},
+			{"tus", "a server of resumable uploads, for a path and all that begin with it",
+				{{"tells", "every answer names the extensions"}, {"mostBytes", "of one upload"},
+					{"expiresAfter", "milliseconds after which an upload is gone"},
+					{"host", "another host where uploads are said to be, with the same port unless it names one"}},
+				makeTus, true, false, true},
 			{"raw", "bytes that are sent as they are",
 				{{"send", "a list of texts, and of pauses in milliseconds"}, {"ending", "close, reset, stall or next"}}, makeRaw},
 			{"cassette", "the recorded answers of a server",

@@ -3,6 +3,8 @@
 #include "Console.h"
 #include "CorvaneBPLibrary.h"
 #include "CorvaneTransferReport.h"
+#include "CorvaneUpload.h"
+#include "CorvaneUploadResumable.h"
 #include "Reflection.h"
 
 #include <fmt/core.h>
@@ -75,11 +77,11 @@ namespace Program
 		}
 	}
 
-	ProgressBar::Progress ProgressBar::received(int64 size, int64 done)
+	ProgressBar::Progress ProgressBar::moved(const char* direction, int64 size, int64 done)
 	{
 		const auto whole = static_cast<double>(size);
-		const double there = size < 0 ? static_cast<double>(done) : std::min(static_cast<double>(done), whole); // some came twice
-		return {"received", size > 0 ? 100 * there / whole : 0, whole, there};
+		const double there = size < 0 ? static_cast<double>(done) : std::min(static_cast<double>(done), whole); // some went twice
+		return {direction, size > 0 ? 100 * there / whole : 0, whole, there};
 	}
 
 	void ProgressBar::watch(UObject& node)
@@ -91,12 +93,14 @@ namespace Program
 		{
 			return;
 		}
+		const char* const direction = Cast<UCorvaneUpload>(&node) || Cast<UCorvaneUploadResumable>(&node) ? "sent" : "received";
 		taps.emplace_back(node, *event,
-			[this](const Json& pins)
+			[this, direction](const Json& pins)
 			{
 				const Json& report = pins.front();
 				const auto number = [&report](const char* field) { return report.at(field).get<int64>(); };
-				tell(received(number("TotalBytes"), number("TakenOverBytes") + number("TransferredBytes")));
+				tell(moved(
+					direction, number("TotalBytes"), number("TakenOverBytes") + number("TransferredBytes") - number("RepeatedBytes")));
 			});
 	}
 

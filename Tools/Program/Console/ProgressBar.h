@@ -27,8 +27,9 @@ namespace Program
 			double done; // bytes
 		};
 
-		/** @param size  bytes; negative = nobody knows. @return what to tell of bytes that have come. */
-		static Progress received(int64 size, int64 done);
+		/** @param size  bytes; negative = nobody knows. @return what to tell of bytes that have come, or that have gone. */
+		static Progress received(int64 size, int64 done) { return moved("received", size, done); }
+		static Progress sent(int64 size, int64 done) { return moved("sent", size, done); }
 
 		/** Tells, if it does at all, what the events of the library do not. */
 		void tell(const Progress& progress);
@@ -38,6 +39,7 @@ namespace Program
 	private:
 		using Clock = std::chrono::steady_clock;
 
+		static Progress moved(const char* direction, int64 size, int64 done);
 		static void draw(const Progress& progress, const std::string& text);
 		static std::string amount(const Progress& progress);
 

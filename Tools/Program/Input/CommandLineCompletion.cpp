@@ -180,6 +180,11 @@ namespace Program
 				return {
 					"--header", "--data", "--last-id", "--event", "--json", "--no-reconnect", "--max", "--quiet", "--verbose", "--help"};
 			}
+			if (verb == "put")
+			{
+				return {"--form", "--field", "--tus", "--request", "--header", "--hash", "--may-repeat", "--json", "--quiet", "--verbose",
+					"--help"};
+			}
 			return verb == "run" ? Words{"--connections", "--project", "--base", "--drive-base", "--help"}
 								 : Words{"--drive-base", "--help"};
 		}
@@ -188,14 +193,15 @@ namespace Program
 		{
 			static const Words taking = {"--output", "-o", "--header", "-H", "--timeout", "--connections", "--project", "--base",
 				"--drive-base", "--html", "--dir", "-d", "--hash", "--limit-rate", "--if-exists", "--jobs", "-j", "--port", "--listen-on",
-				"--tls", "--run", "--record", "--to", "--replay", "--speed", "--data", "--last-id", "--event", "--max"};
+				"--tls", "--run", "--record", "--to", "--replay", "--speed", "--form", "--field", "--request", "-X", "--data", "--last-id",
+				"--event", "--max"};
 			return std::find(taking.begin(), taking.end(), option) != taking.end();
 		}
 	} // namespace
 
 	std::vector<std::string> completions(const std::string& line)
 	{
-		static const Words verbs = {"run", "call", "get", "follow", "nodes", "demo", "lab", "completion", "help"};
+		static const Words verbs = {"run", "call", "get", "put", "follow", "nodes", "demo", "lab", "completion", "help"};
 		const Words words = split(line);
 		const std::string& word = words.back();
 		if (words.size() <= 2)

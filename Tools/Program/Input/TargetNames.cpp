@@ -1,5 +1,8 @@
 #include "TargetNames.h"
 
+#include "GenericPlatform/GenericPlatformHttp.h"
+#include "ValueTransfer.h"
+
 #include <algorithm>
 #include <charconv>
 #include <string_view>
@@ -45,5 +48,22 @@ namespace Program
 		std::string name = decoded(path.substr(std::min(path.rfind('/') + 1, path.size())));
 		std::replace_if(name.begin(), name.end(), isUnfit, '_');
 		return name.empty() || name == "." || name == ".." ? "index.html" : name;
+	}
+
+	bool isFolder(const std::string& address)
+	{
+		return pathOf(address).ends_with('/');
+	}
+
+	std::string addressFor(const std::string& address, const std::string& file)
+	{
+		if (!isFolder(address))
+		{
+			return address;
+		}
+		const std::string name = file.substr(file.rfind('/') + 1);
+		std::string whole = address;
+		return whole.insert(std::min(address.find_first_of("?#"), address.size()),
+			Reflect::toUtf8(FGenericPlatformHttp::UrlEncode(Reflect::toFString(name))));
 	}
 } // namespace Program

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "CoreTypes.h"
+#include "Misc/ScopeLock.h"
 
 #include <deque>
-#include <mutex>
 #include <utility>
 
 enum class EQueueMode
@@ -23,13 +23,13 @@ public:
 
 	bool Enqueue(T Item)
 	{
-		const std::scoped_lock Lock(Mutex);
+		const FScopeLock Held(&Lock);
 		Items.push_back(std::move(Item));
 		return true;
 	}
 	bool Dequeue(T& Item)
 	{
-		const std::scoped_lock Lock(Mutex);
+		const FScopeLock Held(&Lock);
 		if (Items.empty())
 		{
 			return false;
@@ -40,11 +40,11 @@ public:
 	}
 	bool IsEmpty() const
 	{
-		const std::scoped_lock Lock(Mutex);
+		const FScopeLock Held(&Lock);
 		return Items.empty();
 	}
 
 private:
-	mutable std::mutex Mutex; // guards what follows
+	mutable FCriticalSection Lock; // guards what follows
 	std::deque<T> Items;
 };

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <random>
-
 struct FMath
 {
 	template <class T>
@@ -23,9 +21,5 @@ struct FMath
 	}
 
 	/** @return a number from 0 up to, but without, 1. Thread: any. */
-	static float FRand()
-	{
-		thread_local std::minstd_rand Source{std::random_device{}()};
-		return std::uniform_real_distribution<float>(0.0f, 1.0f)(Source);
-	}
+	static float FRand();
 };

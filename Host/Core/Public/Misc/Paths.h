@@ -8,6 +8,8 @@ class FPaths
 public:
 	/** The project directory, with a slash at its end; it may be relative to the base directory. */
 	static FString ProjectDir();
+	/** A folder of the project's that may be written to; whoever needs it makes it. */
+	static FString ProjectSavedDir();
 
 	/**
 	 * Makes a path absolute: relative ones start at the base directory, back slashes become slashes, doubled slashes and

@@ -43,6 +43,14 @@ namespace CorvaneAddressParts
 		return Slash < Host ? Base + TEXT("/") : Base.Left(Slash + 1);
 	}
 
+	/** @return the origin without the port that everybody takes when none is told. */
+	static FString FullOrigin(const FString& URL)
+	{
+		const FString Origin = CorvaneAddress::Origin(URL);
+		const FString UsualPort = Origin.StartsWith(TEXT("https:"), ESearchCase::IgnoreCase) ? TEXT(":443") : TEXT(":80");
+		return Origin.EndsWith(UsualPort, ESearchCase::CaseSensitive) ? Origin.LeftChop(UsualPort.Len()) : Origin;
+	}
+
 	static FString Trim(const FString& Text)
 	{
 		int32 Begin = 0;
@@ -93,6 +101,23 @@ FString CorvaneAddress::Origin(const FString& URL)
 {
 	const FString Shown = WithoutUser(URL);
 	return Shown.Left(CorvaneAddressParts::FindAny(Shown, CorvaneAddressParts::AuthorityBegin(Shown), TEXT("/?#")));
+}
+
+bool CorvaneAddress::IsSameOrigin(const FString& A, const FString& B)
+{
+	return CorvaneAddressParts::FullOrigin(A).Equals(CorvaneAddressParts::FullOrigin(B), ESearchCase::IgnoreCase);
+}
+
+FString CorvaneAddress::WithUserOf(const FString& URL, const FString& Other)
+{
+	using namespace CorvaneAddressParts;
+	const FString Plain = WithoutUser(URL);
+	if (!IsSameOrigin(URL, Other))
+	{
+		return Plain;
+	}
+	const int32 Begin = AuthorityBegin(Other);
+	return Plain.Left(AuthorityBegin(Plain)) + Other.Mid(Begin, HostBegin(Other) - Begin) + Plain.Mid(AuthorityBegin(Plain), MAX_int32);
 }
 
 FString CorvaneAddress::WithoutQuery(const FString& URL)

@@ -121,6 +121,10 @@ void FCorvaneAnswerReader::TakeStatus(int32 Code)
 
 void FCorvaneAnswerReader::TakeHeader(const FString& Name, const FString& Value)
 {
+	if (NamesToKeep.Contains(Name))
+	{
+		Answer.Kept.Add(Name, Value);
+	}
 	if (Name == TEXT("Content-Length"))
 	{
 		Answer.ContentLength = CorvaneAnswer::ParseNumber(Value);

@@ -58,6 +58,8 @@ struct FCorvaneAnswer
 	bool bAttachment = false;
 	/** "name=value" of each that was set. */
 	TArray<FString> Cookies;
+	/** Headers that were asked for by name, as they were sent. */
+	TMap<FString, FString> Kept;
 
 	bool IsSuccess() const { return Code >= 200 && Code < 300; }
 	/** @return bytes of the whole file, by the range of a part (206, 416), else by the length of the body; -1 = not told. */
@@ -73,8 +75,11 @@ public:
 	/** @param Name  any case. @param Value  without blanks around it. */
 	void TakeHeader(const FString& Name, const FString& Value);
 	const FCorvaneAnswer& Get() const { return Answer; }
+	/** Keeps these headers, too, from the next answer on. */
+	void Keep(const TArray<FString>& Names) { NamesToKeep = Names; }
 
 private:
+	TArray<FString> NamesToKeep;
 	FCorvaneAnswer Answer;
 	bool bChunked = false;
 };

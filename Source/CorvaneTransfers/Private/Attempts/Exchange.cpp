@@ -18,6 +18,8 @@ TSharedRef<FCorvaneExchange> FCorvaneExchange::Start(
 	Fill(Asked, *Made);
 	Bind(Self, *Made);
 	Self->bAsksForBody = Asked.Verb == TEXT("GET");
+	Self->Sent = Asked.Stream;
+	Self->Reader.Keep(Asked.HeadersToKeep);
 	Self->Send(Made, Asked.SilenceSeconds);
 	return Self;
 }
@@ -30,7 +32,11 @@ void FCorvaneExchange::Fill(const FCorvaneExchangeRequest& Asked, IHttpRequest& 
 	{
 		OutRequest.SetHeader(Header.Key, Header.Value);
 	}
-	if (!Asked.Body.IsEmpty())
+	if (Asked.Stream.IsValid())
+	{
+		OutRequest.SetContentFromStream(Asked.Stream.ToSharedRef());
+	}
+	else if (!Asked.Body.IsEmpty())
 	{
 		OutRequest.SetContentAsString(Asked.Body);
 	}
@@ -132,6 +138,7 @@ void FCorvaneExchange::Complete(const FHttpRequestPtr& Done, const FHttpResponse
 	Result.Answer = Reader.Get();
 	Result.bAnswerIsWhole = bToldAnswer;
 	Result.BodyBytes = BodyBytes;
+	Result.SentBytes = Sent.IsValid() ? Sent->GetHandedOut() : 0;
 	Receiver->OnEnd(Result);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Attempts/Answer.h"
+#include "Attempts/RequestBody.h"
 #include "CoreMinimal.h"
 #include "Corvane.h"
 #include "CorvaneTransfers.h"
@@ -36,6 +37,10 @@ struct FCorvaneExchangeRequest
 	TMap<FString, FString> Headers;
 	/** Empty = none. One that is not needs a Content-Type among the headers. */
 	FString Body;
+	/** Sent in the place of Body; null = Body is. It needs a Content-Type, too. An exchange that needs its bytes twice, as after a redirect, fails. */
+	TSharedPtr<FCorvaneRequestBody> Stream;
+	/** Names of headers that the answer is to keep. */
+	TArray<FString> HeadersToKeep;
 	/** Seconds without a byte after which the exchange ends. */
 	float SilenceSeconds = 30;
 };
@@ -49,6 +54,8 @@ struct FCorvaneExchangeResult
 	bool bAnswerIsWhole = false;
 	/** Of the body, that came in. */
 	int64 BodyBytes = 0;
+	/** Of the request's Stream, that the HTTP module has taken: those may have reached the server, whatever the end. */
+	int64 SentBytes = 0;
 	/** Where redirects led, with the user and password that the address may have; empty when there was no answer. */
 	FString ReachedURL;
 	/** Other than Running: what came tells that there is nothing to be had, and why. Exchanges by themselves never know. */
@@ -105,6 +112,7 @@ private:
 
 	const TSharedRef<FCorvaneExchangeReceiver> Receiver;
 	bool bAsksForBody = false;
+	TSharedPtr<FCorvaneRequestBody> Sent; // null = what is sent is no stream
 	FCriticalSection Guard;
 	FHttpRequestPtr Request CORVANE_GUARDED_BY(Guard); // null once it is over
 	double StartedAt CORVANE_GUARDED_BY(Guard) = 0;

@@ -46,3 +46,20 @@ double CorvaneRetry::ParseRetryAfter(const FString& Value, const FDateTime& Now)
 	}
 	return FMath::Clamp(static_cast<double>(Then - Now.GetTicks()) / static_cast<double>(ETimespan::TicksPerSecond), 0.0, Year);
 }
+
+FCorvaneRetryDecision CorvaneRetry::Decide(const FCorvaneRetryLimits& Limits, int32 Failures, double Asked, double Random)
+{
+	FCorvaneRetryDecision Decision;
+	if (Failures < Limits.Attempts && Asked > Limits.LongestWait)
+	{
+		Decision.WhyNot =
+			FString::Printf(TEXT(" and wants to be left alone for %.0f seconds, which is longer than the longest wait"), Asked);
+	}
+	else if (Failures < Limits.Attempts)
+	{
+		const double Spread = Backoff(Failures, Limits.FirstWait, Limits.LongestWait, Random);
+		Decision.bAgain = true;
+		Decision.WaitSeconds = FMath::Min<double>(FMath::Max<double>(Asked, 0) + Spread, Limits.LongestWait);
+	}
+	return Decision;
+}

@@ -52,7 +52,15 @@ FCorvaneDownloadRun::FCorvaneDownloadRun(const FString& InURL, const FString& In
 
 void FCorvaneDownloadRun::Post(TUniqueFunction<void(FCorvaneDownloadRun&)> Letter)
 {
-	Mailbox->Post([Self = AsShared(), Letter = MoveTemp(Letter)] { Letter(*Self); });
+	// A letter that nobody reads any more must not keep alive what holds the box.
+	Mailbox->Post(
+		[Weak = TWeakPtr<FCorvaneDownloadRun>(AsShared()), Letter = MoveTemp(Letter)]
+		{
+			if (const TSharedPtr<FCorvaneDownloadRun> Self = Weak.Pin())
+			{
+				Letter(*Self);
+			}
+		});
 }
 
 void FCorvaneDownloadRun::Start()

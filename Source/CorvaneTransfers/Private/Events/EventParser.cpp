@@ -1,6 +1,6 @@
 #include "Events/EventParser.h"
 
-#include "Events/ByteScan.h"
+#include "Attempts/ByteScan.h"
 
 namespace CorvaneEventParser
 {

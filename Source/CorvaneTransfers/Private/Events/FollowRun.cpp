@@ -1,10 +1,10 @@
 #include "Events/FollowRun.h"
 
 #include "Attempts/Address.h"
+#include "Attempts/Utf8Text.h"
 #include "Containers/StringConv.h"
 #include "Events/FollowOptions.h"
 #include "Events/FollowReceiver.h"
-#include "Events/Utf8Text.h"
 #include "HAL/PlatformTime.h"
 #include "Math/UnrealMathUtility.h"
 
@@ -38,7 +38,15 @@ FCorvaneFollowRun::FCorvaneFollowRun(const FString& InURL, const FCorvaneFollowO
 
 void FCorvaneFollowRun::Post(TUniqueFunction<void(FCorvaneFollowRun&)> Letter)
 {
-	Mailbox->Post([Self = AsShared(), Letter = MoveTemp(Letter)] { Letter(*Self); });
+	// A letter that nobody reads any more must not keep alive what holds the box.
+	Mailbox->Post(
+		[Weak = TWeakPtr<FCorvaneFollowRun>(AsShared()), Letter = MoveTemp(Letter)]
+		{
+			if (const TSharedPtr<FCorvaneFollowRun> Self = Weak.Pin())
+			{
+				Letter(*Self);
+			}
+		});
 }
 
 void FCorvaneFollowRun::Start()

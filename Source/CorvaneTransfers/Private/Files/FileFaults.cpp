@@ -32,6 +32,11 @@ FCorvaneFileResult CorvaneFileFaults::CannotRead(const FString& File)
 	return Failed(ECorvaneTransferOutcome::CannotRead, FString::Printf(TEXT("%s cannot be read."), *File));
 }
 
+FCorvaneFileResult CorvaneFileFaults::ChangedWhileSent(const FString& File)
+{
+	return Failed(ECorvaneTransferOutcome::CannotRead, FString::Printf(TEXT("%s changed while it was sent."), *File));
+}
+
 FCorvaneFileResult CorvaneFileFaults::OpenFailed(const FString& File)
 {
 	IPlatformFile& Files = FPlatformFileManager::Get().GetPlatformFile();

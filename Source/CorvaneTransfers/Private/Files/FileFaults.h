@@ -16,6 +16,9 @@ namespace CorvaneFileFaults
 
 	FCorvaneFileResult CannotRead(const FString& File);
 
+	/** @param File  is not what it was when it was found. */
+	FCorvaneFileResult ChangedWhileSent(const FString& File);
+
 	/** @param File  could not be opened for writing. */
 	FCorvaneFileResult OpenFailed(const FString& File);
 

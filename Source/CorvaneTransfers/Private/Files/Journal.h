@@ -24,15 +24,14 @@ struct FCorvaneFileStart
 };
 
 /**
- * What a journal tells. It is text in UTF-8, one record a line, its fields cut by tabs, the last of them a checksum of the line:
+ * What the journal of a download tells, in the form of CorvaneJournalLines:
  *
  *     source 1 ADDRESS ETAG LAST-MODIFIED TOTAL    the part file is begun anew; 1 is the version of this format
  *     kept LENGTH TAIL-HASH                        so many bytes of it are on disk
  *     whole LENGTH TAIL-HASH differs|alike         it is checked, and about to take the place of the target, which is not or
  *                                                  might be the same file already
  *
- * Lines are only ever added, and the last "source" begins what counts. The last line may be torn, for it was being written when
- * the power went; a fault in any other place means that none of it is to be trusted.
+ * The last "source" begins what counts.
  */
 struct FCorvaneJournal
 {

@@ -1,5 +1,5 @@
 -- A chat completion: asked with POST, and answered piece by piece
--- Run it with: ./corvane run Examples/66-chat.lua URL
+-- Run it with: ./corvane run Examples/69-chat.lua URL
 
 local url = (arg[1] or error("give a URL")) .. "/chat"
 local answer, closed = "", nil

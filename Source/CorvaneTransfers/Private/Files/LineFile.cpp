@@ -1,29 +1,28 @@
-#include "Files/JournalFile.h"
+#include "Files/LineFile.h"
 
 #include "Files/FileBlocks.h"
 #include "Files/FileFaults.h"
 #include "HAL/FileManager.h"
 #include "HAL/PlatformFileManager.h"
 
-namespace CorvaneJournalFile
+namespace CorvaneLineFile
 {
 	/** More than the checkpoints of a fortnight. */
 	static constexpr int64 LongestJournal = 64 << 20;
 
-	static FCorvaneJournal ReadFrom(const FString& Path, int64 Size)
+	static TArray<uint8> ReadAll(const FString& Path, int64 Size)
 	{
 		TArray<uint8> Bytes;
-		return Size >= 0 && Size <= LongestJournal && CorvaneFileBlocks::Read(Path, 0, Size, Bytes) ? FCorvaneJournal::Read(Bytes)
-																									: FCorvaneJournal();
+		return Size >= 0 && Size <= LongestJournal && CorvaneFileBlocks::Read(Path, 0, Size, Bytes) ? Bytes : TArray<uint8>();
 	}
-} // namespace CorvaneJournalFile
+} // namespace CorvaneLineFile
 
-FCorvaneJournal FCorvaneJournalFile::Peek(const FString& InPath)
+TArray<uint8> FCorvaneLineFile::ReadLines(const FString& InPath)
 {
-	return CorvaneJournalFile::ReadFrom(InPath, IFileManager::Get().FileSize(*InPath));
+	return CorvaneLineFile::ReadAll(InPath, IFileManager::Get().FileSize(*InPath));
 }
 
-FCorvaneFileResult FCorvaneJournalFile::Open(const FString& InPath)
+FCorvaneFileResult FCorvaneLineFile::Open(const FString& InPath, const TFunction<int64(const TArray<uint8>&)>& Read)
 {
 	Path = InPath;
 	Handle.Reset(FPlatformFileManager::Get().GetPlatformFile().OpenWrite(*Path, true, true));
@@ -32,13 +31,12 @@ FCorvaneFileResult FCorvaneJournalFile::Open(const FString& InPath)
 		return CorvaneFileFaults::OpenFailed(Path);
 	}
 	const int64 Size = Handle->Size();
-	Journal = CorvaneJournalFile::ReadFrom(Path, Size);
-	GoodBytes = Journal.ValidBytes;
+	GoodBytes = Read(CorvaneLineFile::ReadAll(Path, Size));
 	bIsEmpty = Size == 0;
 	return FCorvaneFileResult();
 }
 
-FCorvaneFileResult FCorvaneJournalFile::Append(const TArray<uint8>& Line)
+FCorvaneFileResult FCorvaneLineFile::Append(const TArray<uint8>& Line)
 {
 	const int64 GoodBefore = GoodBytes;
 	FCorvaneFileResult Fault = AppendWithoutWaiting(Line);
@@ -47,7 +45,7 @@ FCorvaneFileResult FCorvaneJournalFile::Append(const TArray<uint8>& Line)
 	return Fault;
 }
 
-FCorvaneFileResult FCorvaneJournalFile::AppendWithoutWaiting(const TArray<uint8>& Line)
+FCorvaneFileResult FCorvaneLineFile::AppendWithoutWaiting(const TArray<uint8>& Line)
 {
 	// What a line that failed, or was torn, has left must not stand before this one.
 	const bool bWritten = Handle->Truncate(GoodBytes) && Handle->Seek(GoodBytes) && Handle->Write(Line.GetData(), Line.Num());
@@ -60,12 +58,12 @@ FCorvaneFileResult FCorvaneJournalFile::AppendWithoutWaiting(const TArray<uint8>
 	return FCorvaneFileResult();
 }
 
-FCorvaneFileResult FCorvaneJournalFile::Flush()
+FCorvaneFileResult FCorvaneLineFile::Flush()
 {
 	return Handle->Flush(true) ? FCorvaneFileResult() : CorvaneFileFaults::WriteFailed(Path, 0);
 }
 
-void FCorvaneJournalFile::Delete()
+void FCorvaneLineFile::Delete()
 {
 	// Deleted first, so that nobody gets it in between; some systems want it closed before.
 	IPlatformFile& Files = FPlatformFileManager::Get().GetPlatformFile();
@@ -77,7 +75,7 @@ void FCorvaneJournalFile::Delete()
 	}
 }
 
-void FCorvaneJournalFile::Close()
+void FCorvaneLineFile::Close()
 {
 	if (Handle.IsValid() && bIsEmpty)
 	{

@@ -1,6 +1,6 @@
-#include "Events/Utf8Text.h"
+#include "Attempts/Utf8Text.h"
 
-#include "Events/ByteScan.h"
+#include "Attempts/ByteScan.h"
 
 namespace CorvaneUtf8
 {

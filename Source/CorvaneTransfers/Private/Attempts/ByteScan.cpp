@@ -1,4 +1,4 @@
-#include "Events/ByteScan.h"
+#include "Attempts/ByteScan.h"
 
 #include "HAL/UnrealMemory.h"
 

@@ -1,0 +1,11 @@
+#include "HAL/CriticalSection.h"
+
+void FCriticalSection::Lock()
+{
+	Mutex.lock();
+}
+
+void FCriticalSection::Unlock()
+{
+	Mutex.unlock();
+}

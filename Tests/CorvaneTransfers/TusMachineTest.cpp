@@ -1,0 +1,338 @@
+#include "Tus/TusMachine.h"
+#include "DownloadModel.h"
+#include "TextSupport.h"
+
+#include <gtest/gtest.h>
+#include <map>
+
+using Outcome = ECorvaneTransferOutcome;
+using Do = ECorvaneTusAction;
+
+namespace
+{
+	/** A server of one upload that does all that servers do, and the journal beside it: both outlive a run. */
+	struct UploadServer
+	{
+		int64 size = 0;
+		int64 offset = -1; // -1 = it has no upload
+		bool bNoted = false; // the journal tells of one
+		// How often, 0 to 1:
+		double drops = 0, loses = 0, busy = 0, locked = 0, forgets = 0, damaged = 0, partial = 0, silent = 0, otherPlace = 0, refuses = 0;
+
+		static UploadServer temper(Dice& dice)
+		{
+			UploadServer server;
+			server.size = dice.upTo(20'000);
+			for (double* each : {&server.drops, &server.loses, &server.busy, &server.locked, &server.forgets, &server.damaged,
+					 &server.partial, &server.silent, &server.otherPlace})
+			{
+				*each = dice.chance(0.5) ? dice.fraction() * 0.5 : 0;
+			}
+			server.refuses = dice.chance(0.2) ? 0.02 : 0;
+			return server;
+		}
+
+		static void set(FCorvaneTusEnd& end, int32 code, int64 told = -1)
+		{
+			end.Exchange.End = ECorvaneExchangeEnd::Done;
+			end.Exchange.bAnswerIsWhole = true;
+			end.Exchange.Answer.Code = code;
+			if (told >= 0)
+			{
+				end.Exchange.Answer.Kept.Add(TEXT("Upload-Offset"), FString::Printf(TEXT("%lld"), told));
+			}
+		}
+
+		FCorvaneTusEnd answer(const FCorvaneTusStep& step, Dice& dice)
+		{
+			FCorvaneTusEnd end;
+			end.Random = dice.fraction();
+			end.Exchange.End = dice.chance(0.5) ? ECorvaneExchangeEnd::Dropped : ECorvaneExchangeEnd::Stalled;
+			end.Exchange.SentBytes = step.Bytes;
+			if (dice.chance(drops)) // and nothing else happens
+			{
+				return end;
+			}
+			offset = dice.chance(forgets) ? -1 : offset;
+			take(step, dice, end);
+			if (dice.chance(loses)) // what it answered
+			{
+				end.Exchange.bAnswerIsWhole = false;
+				end.Exchange.Answer = FCorvaneAnswer();
+			}
+			return end;
+		}
+
+		void take(const FCorvaneTusStep& step, Dice& dice, FCorvaneTusEnd& end)
+		{
+			const int64 told = dice.chance(silent) ? -1 : 0; // or what it has, as soon as that is known
+			if (dice.chance(busy) || dice.chance(locked) || dice.chance(refuses))
+			{
+				return set(end, dice.chance(0.5) ? 503 : dice.chance(0.8) ? 423 : 413);
+			}
+			if (step.Action == Do::Create)
+			{
+				offset = dice.upTo(step.Bytes);
+				set(end, 201, step.Bytes > 0 && told == 0 ? offset : -1);
+				end.Exchange.Answer.Kept.Add(TEXT("Location"), dice.chance(silent) ? TEXT("") : TEXT("/files/1"));
+				return;
+			}
+			if (offset < 0)
+			{
+				return set(end, dice.chance(0.5) ? 404 : 410);
+			}
+			if (step.Action == Do::Ask)
+			{
+				return set(end, 200, told == 0 ? offset : -1);
+			}
+			if (step.Start != offset || dice.chance(otherPlace))
+			{
+				return set(end, 409);
+			}
+			if (dice.chance(damaged))
+			{
+				return set(end, 460);
+			}
+			offset += dice.chance(partial) ? dice.upTo(step.Bytes) : step.Bytes;
+			set(end, 204, told == 0 ? offset : -1);
+		}
+	};
+
+	struct UploadRun
+	{
+		UploadServer& server;
+		Dice& dice;
+		const FCorvaneResumableOptions options;
+		FCorvaneTusMachine machine{TEXT("http://host/files"), options, FCorvaneTusWishes()};
+		double now = 0, disturbs = 0;
+		int told = 0, exchanges = 0, takenOver = 0;
+
+		/** Somebody pauses, goes on, cancels, or ends the program. */
+		FCorvaneTusStep disturb()
+		{
+			switch (dice.upTo(5))
+			{
+			case 0:
+				return machine.Cancel(now);
+			case 1:
+				return machine.EndOfProgram(now);
+			case 2:
+				return machine.Continue(now);
+			default:
+				return machine.Pause(now);
+			}
+		}
+
+		FCorvaneTusStep send(const FCorvaneTusStep& step)
+		{
+			++exchanges;
+			EXPECT_LE(step.Start + step.Bytes, server.size);
+			EXPECT_LE(step.Bytes, options.PieceBytes);
+			EXPECT_TRUE(step.Action != Do::Send || step.Bytes > 0);
+			now += dice.fraction();
+			FCorvaneTusEnd end = server.answer(step, dice);
+			if (dice.chance(disturbs) && disturb().Action == Do::Stop && dice.chance(0.7))
+			{
+				end.Exchange.End = ECorvaneExchangeEnd::Cancelled;
+				end.Exchange.bAnswerIsWhole = false;
+				end.Exchange.Answer = FCorvaneAnswer();
+			}
+			return machine.OnExchangeEnded(now, end);
+		}
+
+		FCorvaneTusStep open()
+		{
+			FCorvaneTusOpened opened;
+			opened.Size = server.size;
+			opened.Upload.Address = server.bNoted ? TEXT("http://host/files/1") : TEXT("");
+			return machine.OnOpened(now, opened);
+		}
+
+		FCorvaneTusStep wait(double seconds)
+		{
+			EXPECT_LE(seconds, options.LongestWaitSeconds);
+			now += seconds;
+			const FCorvaneTusStep step = dice.chance(disturbs) ? disturb() : FCorvaneTusStep();
+			return step.Action == Do::None ? machine.OnWaitOver(now) : step;
+		}
+
+		FCorvaneTusStep follow(const FCorvaneTusStep& step)
+		{
+			switch (step.Action)
+			{
+			case Do::Open:
+				return open();
+			case Do::Begin:
+				server.bNoted = true;
+				return machine.OnBegun(now, Outcome::Running, FString());
+			case Do::Create:
+			case Do::Ask:
+			case Do::Send:
+				return send(step);
+			case Do::Wait:
+				return wait(step.WaitSeconds);
+			case Do::Discard:
+				server.bNoted = false;
+				return machine.OnClosed(now);
+			case Do::Close:
+				return machine.OnClosed(now);
+			case Do::None:
+				EXPECT_TRUE(machine.IsPaused());
+				return dice.chance(0.5) ? machine.Continue(now) : disturb();
+			default:
+				ADD_FAILURE() << "nobody has asked for this";
+				return {Do::Tell};
+			}
+		}
+
+		void run()
+		{
+			FCorvaneTusStep step = machine.Start(now);
+			for (int steps = 0; step.Action != Do::Tell; ++steps)
+			{
+				ASSERT_LT(steps, 10'000) << "it came to no end";
+				step = follow(step);
+			}
+			EXPECT_EQ(machine.Cancel(now).Action, Do::None) << "it is over";
+		}
+
+		void check() const
+		{
+			const FCorvaneTransferReport& report = machine.GetReport();
+			EXPECT_TRUE(machine.IsOver());
+			EXPECT_FALSE(report.Sentence.IsEmpty());
+			EXPECT_EQ(report.Attempts, exchanges);
+			EXPECT_EQ(report.Restarts, report.RestartReasons.Num());
+			EXPECT_LE(report.Restarts, 4);
+			EXPECT_NEAR(report.SecondsWaited + report.SecondsWorked, now, 1e-6);
+			EXPECT_NE(report.Outcome, Outcome::Running);
+			if (report.Outcome == Outcome::Succeeded)
+			{
+				EXPECT_EQ(server.offset, server.size);
+				EXPECT_FALSE(server.bNoted);
+				EXPECT_EQ(report.BytesLeft, 0);
+				EXPECT_EQ(report.TakenOverBytes + report.TransferredBytes - report.RepeatedBytes, server.size);
+			}
+		}
+	};
+
+	FCorvaneResumableOptions habits(Dice& dice)
+	{
+		FCorvaneResumableOptions options;
+		options.PieceBytes = 1024 + dice.upTo(8000);
+		options.Attempts = static_cast<int32>(1 + dice.upTo(8));
+		options.bFirstPieceAtOnce = dice.chance(0.5);
+		return options;
+	}
+} // namespace
+
+TEST(TusMachine, EndsOnceAndSucceedsOnlyWithTheWholeFileWhateverHappens)
+{
+	std::map<Outcome, int> outcomes;
+	int restarted = 0, tookOver = 0;
+	for (unsigned seed = 0; seed < 5000 && !testing::Test::HasFailure(); ++seed)
+	{
+		SCOPED_TRACE(seed);
+		Dice dice(seed);
+		UploadServer server = UploadServer::temper(dice);
+		const FCorvaneResumableOptions options = habits(dice);
+		for (bool ended = true; ended;)
+		{
+			UploadRun run{server, dice, options};
+			run.disturbs = dice.chance(0.5) ? 0.1 : 0;
+			run.run();
+			run.check();
+			const FCorvaneTransferReport& report = run.machine.GetReport();
+			++outcomes[report.Outcome];
+			restarted += report.Restarts > 0 ? 1 : 0;
+			tookOver += report.TakenOverBytes > 0 ? 1 : 0;
+			ended = report.Outcome == Outcome::Ended;
+		}
+	}
+	EXPECT_GT(outcomes[Outcome::Succeeded], 1500);
+	for (const Outcome each : {Outcome::Dropped, Outcome::Stalled, Outcome::ServerError, Outcome::Cancelled, Outcome::Ended})
+	{
+		EXPECT_GT(outcomes[each], 50) << static_cast<int>(each);
+	}
+	EXPECT_GT(restarted, 300);
+	EXPECT_GT(tookOver, 20);
+}
+
+TEST(TusMachine, TriesWithoutANewByteAreLimitedAndOthersAreNot)
+{
+	struct Case
+	{
+		const char* name;
+		int64 bytesOfTry; // that reach the server before the connection breaks
+		int tries; // before it gives up; 0 = it does not
+	};
+	for (const Case& tested : {Case{"no byte", 0, 3}, Case{"one byte each", 1, 0}})
+	{
+		SCOPED_TRACE(tested.name);
+		FCorvaneResumableOptions options;
+		options.Attempts = 3;
+		FCorvaneTusMachine machine(TEXT("http://host/files"), options, FCorvaneTusWishes());
+		machine.Start(0);
+		FCorvaneTusOpened opened;
+		opened.Size = 1000;
+		opened.Upload.Address = TEXT("http://host/files/1");
+		FCorvaneTusStep step = machine.OnOpened(0, opened);
+		int broken = 0;
+		for (int64 there = 0; broken < 50 && step.Action != Do::Close;)
+		{
+			FCorvaneTusEnd end;
+			if (step.Action == Do::Ask)
+			{
+				UploadServer::set(end, 200, there);
+			}
+			else
+			{
+				end.Exchange.End = ECorvaneExchangeEnd::Dropped;
+				there += tested.bytesOfTry;
+				++broken;
+			}
+			step = step.Action == Do::Wait ? machine.OnWaitOver(0) : machine.OnExchangeEnded(0, end);
+		}
+		EXPECT_EQ(broken, tested.tries == 0 ? 50 : tested.tries);
+	}
+}
+
+TEST(TusMachine, FindsTheUploadWhereTheServerSaysThatItIs)
+{
+	struct Case
+	{
+		const char* url;
+		const char* reached; // by redirects; empty = nobody knows
+		const char* location;
+		const char* address; // of the upload; empty = nothing is sent to it
+	};
+	const Case cases[] = {
+		{"http://me:pw@host/files?key", "", "/files/1", "http://host/files/1"},
+		{"http://host/files/", "", "1", "http://host/files/1"},
+		{"http://host/files", "http://other:81/begin", "/1", "http://other:81/1"},
+		{"http://host/files", "", "//other/1?sign=x", "http://other/1?sign=x"},
+		{"http://host/files", "", "https://other/1", "https://other/1"},
+		{"https://host/files", "", "https://you:pw@other/1", "https://other/1"},
+		{"https://host/files", "", "http://host/1", ""},
+		{"https://host/files", "http://host/files", "/1", ""},
+		{"http://host/files", "", "file:///etc/passwd", ""},
+		{"http://host/files", "", "http:\\\\other\\1", ""},
+	};
+	for (const Case& tested : cases)
+	{
+		SCOPED_TRACE(tested.location);
+		FCorvaneTusMachine machine(text(tested.url), FCorvaneResumableOptions(), FCorvaneTusWishes());
+		machine.Start(0);
+		FCorvaneTusOpened opened;
+		opened.Size = 1000;
+		EXPECT_EQ(machine.OnOpened(0, opened).Action, Do::Create);
+		FCorvaneTusEnd end;
+		UploadServer::set(end, 201);
+		end.Exchange.ReachedURL = text(tested.reached);
+		end.Exchange.Answer.Kept.Add(TEXT("Location"), text(tested.location));
+		const bool bFound = *tested.address != 0;
+		EXPECT_EQ(machine.OnExchangeEnded(0, end).Action, bFound ? Do::Begin : Do::Close);
+		EXPECT_EQ(utf8(machine.GetUpload().Address), tested.address);
+		EXPECT_EQ(machine.GetReport().Outcome, bFound ? Outcome::Running : Outcome::ServerError);
+	}
+}

@@ -1,0 +1,95 @@
+#include "Host/Log.h"
+#include "Scenarios.h"
+#include "Schedule.h"
+
+#include <CLI/CLI.hpp>
+#include <chrono>
+#include <cstdio>
+
+namespace
+{
+	struct Wishes
+	{
+		std::string scenario;
+		std::uint64_t seed = 0;
+		std::uint64_t runs = 0;
+		std::string path;
+		int preemptions = -1;
+		bool onlySmall = false;
+		bool printsTrace = false;
+	};
+
+	std::size_t playRandom(const Orders::Scenario& scenario, const Wishes& wishes, std::uint64_t runs)
+	{
+		std::size_t points = 0;
+		for (std::uint64_t run = 0; run < runs; ++run)
+		{
+			Orders::RandomChooser chooser(wishes.seed + run);
+			points += Orders::playOnce(scenario, chooser);
+		}
+		std::printf(
+			"%-26s %8llu random orders, %zu points each\n", scenario.name.c_str(), static_cast<unsigned long long>(runs), points / runs);
+		return points;
+	}
+
+	void playAll(const Orders::Scenario& scenario, int preemptions)
+	{
+		Orders::EveryOrder chooser(preemptions);
+		std::size_t runs = 0;
+		do
+		{
+			chooser.rewind();
+			Orders::playOnce(scenario, chooser);
+			++runs;
+		} while (chooser.advance());
+		std::printf("%-26s %8zu orders: all with %d preemptions\n", scenario.name.c_str(), runs, preemptions);
+	}
+
+	void play(const Orders::Scenario& scenario, const Wishes& wishes)
+	{
+		if (!wishes.path.empty())
+		{
+			Orders::EveryOrder chooser = Orders::EveryOrder::of(wishes.path);
+			Orders::playOnce(scenario, chooser);
+		}
+		else if (wishes.preemptions >= 0)
+		{
+			playAll(scenario, wishes.preemptions);
+		}
+		else
+		{
+			playRandom(scenario, wishes, std::max<std::uint64_t>(1, wishes.runs));
+		}
+		std::fflush(stdout);
+	}
+} // namespace
+
+int main(int count, char** arguments)
+{
+	Wishes wishes;
+	CLI::App program("Runs the modules in every order that a scheduler can think of: one thread at a time, changed at its points");
+	program.add_option("--scenario", wishes.scenario, "Only those whose names begin so");
+	program.add_option("--runs", wishes.runs, "Random orders of each scenario");
+	program.add_option("--seed", wishes.seed, "Of the first random order; the others follow")->capture_default_str();
+	program.add_option("--every", wishes.preemptions, "All orders in which a turn is taken away so often at most");
+	program.add_option("--path", wishes.path, "One order, as a failure has printed it");
+	program.add_flag("--small", wishes.onlySmall, "Only scenarios with few points");
+	program.add_flag("--trace", wishes.printsTrace, "Print how the last run went");
+	CLI11_PARSE(program, count, arguments);
+	HostLog::SetSink([](const char*, ELogVerbosity::Type, const FString&) {});
+	bool found = false;
+	for (const Orders::Scenario& scenario : Orders::scenarios())
+	{
+		if (scenario.name.starts_with(wishes.scenario) && (scenario.isSmall || !wishes.onlySmall))
+		{
+			found = true;
+			play(scenario, wishes);
+		}
+	}
+	if (wishes.printsTrace)
+	{
+		Orders::Schedule::the().printTrace();
+	}
+	std::fflush(stdout);
+	_exit(found ? 0 : 2); // the threads of the schedule wait for ever
+}

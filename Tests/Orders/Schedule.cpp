@@ -1,0 +1,216 @@
+#include "Schedule.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <unistd.h>
+
+namespace Orders
+{
+	namespace
+	{
+		thread_local void* current = nullptr; // the Schedule's Thread
+		constexpr std::size_t longestRun = 200'000; // points; a run that is longer goes in circles
+	} // namespace
+
+	Schedule& Schedule::the()
+	{
+		static Schedule& schedule = *new Schedule(); // its spare threads wait until the program ends
+		return schedule;
+	}
+
+	bool Schedule::isRunning()
+	{
+		return current != nullptr;
+	}
+
+	int Schedule::self()
+	{
+		return static_cast<Thread*>(current)->number;
+	}
+
+	void Schedule::begin(Chooser& inChooser)
+	{
+		chooser = &inChooser;
+		time = 0;
+		numThreads = 0;
+		trace.clear();
+		names = {{0, "game"}};
+		first.name = "game";
+		threads = {&first};
+		current = &first;
+	}
+
+	std::size_t Schedule::end()
+	{
+		if (threads.size() > 1)
+		{
+			fail("a thread has not come to its end: " + threads.back()->name);
+		}
+		current = nullptr;
+		return trace.size();
+	}
+
+	void Schedule::point(const char* what, const void* object)
+	{
+		if (!isRunning())
+		{
+			return;
+		}
+		note(what, object);
+		pass(pick(true));
+	}
+
+	bool Schedule::waitUntil(const char* what, const void* object, const std::function<bool()>& isReady, double seconds)
+	{
+		note(what, object);
+		Thread& own = *static_cast<Thread*>(current);
+		own.isReady = &isReady;
+		own.wakeAt = time + seconds;
+		pass(pick(canGoOn(own)));
+		own.isReady = nullptr;
+		own.wakeAt = forever;
+		return isReady();
+	}
+
+	void Schedule::spawn(const std::string& name, std::function<void()> body)
+	{
+		if (spare.empty())
+		{
+			all.push_back(std::make_unique<Thread>());
+			Thread& made = *all.back();
+			made.system = std::thread([this, &made] { live(made); });
+			made.system.detach();
+			spare.push_back(&made);
+		}
+		Thread& thread = *spare.back();
+		spare.pop_back();
+		thread.name = name;
+		thread.number = ++numThreads;
+		thread.body = std::move(body);
+		names[thread.number] = name;
+		threads.push_back(&thread);
+		point("starts a thread");
+	}
+
+	/** Of one system thread: body after body, each when it has its first turn. */
+	void Schedule::live(Thread& thread)
+	{
+		for (;;)
+		{
+			thread.turn.acquire();
+			current = &thread;
+			thread.body();
+			thread.body = nullptr;
+			note("ends", nullptr);
+			std::erase(threads, &thread);
+			spare.push_back(&thread);
+			pick(false).turn.release();
+		}
+	}
+
+	int Schedule::choose(const char* what, int options)
+	{
+		const int taken = options > 1 ? chooser->choose(Choice::Free, options) : 0;
+		note(what, reinterpret_cast<const void*>(static_cast<std::intptr_t>(taken)));
+		return taken;
+	}
+
+	bool Schedule::canGoOn(const Thread& thread) const
+	{
+		return !thread.isReady || time >= thread.wakeAt || (*thread.isReady)();
+	}
+
+	Schedule::Thread& Schedule::pick(bool selfCanGoOn)
+	{
+		if (trace.size() > longestRun)
+		{
+			fail("it goes on and on");
+		}
+		Thread* const own = static_cast<Thread*>(current);
+		for (;;)
+		{
+			std::vector<Thread*> ready;
+			if (selfCanGoOn)
+			{
+				ready.push_back(own);
+			}
+			bool somebodyWaitsForTime = false;
+			for (Thread* thread : threads)
+			{
+				const bool can = canGoOn(*thread);
+				somebodyWaitsForTime |= !can && thread->wakeAt < forever;
+				if (can && thread != own)
+				{
+					ready.push_back(thread);
+				}
+				else if (can && !selfCanGoOn)
+				{
+					ready.push_back(thread); // its time has come meanwhile
+				}
+			}
+			if (ready.empty() || (somebodyWaitsForTime && chooser->choose(Choice::Hurry, 2) == 1))
+			{
+				letTimePass();
+				continue;
+			}
+			const int number = static_cast<int>(ready.size());
+			const int taken = number > 1 ? chooser->choose(selfCanGoOn ? Choice::Preempt : Choice::Free, number) : 0;
+			return *ready[static_cast<std::size_t>(taken)];
+		}
+	}
+
+	void Schedule::letTimePass()
+	{
+		double next = forever;
+		for (const Thread* thread : threads)
+		{
+			next = !canGoOn(*thread) ? std::min(next, thread->wakeAt) : next;
+		}
+		if (next == forever)
+		{
+			fail("everybody waits for ever");
+		}
+		time = next;
+	}
+
+	void Schedule::pass(Thread& next)
+	{
+		Thread& own = *static_cast<Thread*>(current);
+		if (&next != &own)
+		{
+			next.turn.release();
+			own.turn.acquire();
+		}
+	}
+
+	void Schedule::fail(const std::string& what)
+	{
+		std::fprintf(stderr, "%s: %s\nRun it again with: %s --trace\n", title.c_str(), what.c_str(), chooser->inWords().c_str());
+		printTrace();
+		for (const Thread* thread : threads)
+		{
+			std::fprintf(stderr, "%s %s\n", thread->name.c_str(), thread->isReady ? "waits" : "could go on");
+		}
+		std::fflush(stderr);
+		_exit(1);
+	}
+
+	void Schedule::printTrace() const
+	{
+		std::map<const void*, int> objects;
+		int last = -1;
+		const std::size_t from = trace.size() > 400 ? trace.size() - 400 : 0;
+		for (std::size_t index = from; index < trace.size(); ++index)
+		{
+			const Step& step = trace[index];
+			const auto object = objects.try_emplace(step.object, static_cast<int>(objects.size())).first->second;
+			const std::string& name = names.at(step.thread);
+			std::fprintf(stderr, "%5zu %-12.12s %s", index, step.thread == last ? "" : name.c_str(), step.what);
+			const auto small = reinterpret_cast<std::uintptr_t>(step.object);
+			step.object ? std::fprintf(stderr, small < 64 ? " %d\n" : " #%d\n", small < 64 ? static_cast<int>(small) : object)
+						: std::fprintf(stderr, "\n");
+			last = step.thread;
+		}
+	}
+} // namespace Orders
