@@ -114,13 +114,13 @@ namespace
 
 		std::vector<std::string> peerCommand(const fs::path& folder, const std::string& file) const override
 		{
-			return {"split", "-n", std::to_string(parts), "-a", "1", "-d", "--additional-suffix=.bin", file, folder / "movie_"};
+			return {"split", "-n", std::to_string(parts), "-a", "1", "-d", "--additional-suffix=.bin", file, folder / "file_"};
 		}
 
 		/** Both sides name their parts alike, so one look serves for both. */
 		void check(const fs::path& folder, const std::string&) const override
 		{
-			ChildProcess::run({"sh", "-c", "cd \"$1\" && cat movie_?.bin | cmp - movie.bin && rm movie_?.bin", "sh", folder}, "/dev/null");
+			ChildProcess::run({"sh", "-c", "cd \"$1\" && cat file_?.bin | cmp - file.bin && rm file_?.bin", "sh", folder}, "/dev/null");
 		}
 
 		int32 parts = 8;

@@ -2,62 +2,16 @@
 
 #include "Kit/ChildProcess.h"
 #include "Kit/Options.h"
+#include "Kit/RandomFile.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <fstream>
 #include <iterator>
-#include <random>
-#include <stdexcept>
-#include <stdlib.h>
 
 namespace
 {
 	namespace fs = std::filesystem;
-
-	constexpr std::size_t mebibyte = 1024 * 1024;
-
-	/** A new folder that goes with this object. */
-	class TempFolder
-	{
-	public:
-		explicit TempFolder(const fs::path& root)
-			: name(root / "corvane-bench-XXXXXX")
-		{
-			if (!mkdtemp(name.data()))
-			{
-				throw std::runtime_error("no folder can be made in " + root.string());
-			}
-		}
-		~TempFolder()
-		{
-			std::error_code ignored;
-			fs::remove_all(name, ignored);
-		}
-		TempFolder(const TempFolder&) = delete;
-		TempFolder& operator=(const TempFolder&) = delete;
-
-		fs::path path() const { return name; }
-
-	private:
-		std::string name;
-	};
-
-	void writeRandomFile(const fs::path& path, int mebibytes)
-	{
-		std::mt19937_64 random(1);
-		std::vector<std::uint64_t> numbers(mebibyte / sizeof(std::uint64_t));
-		std::ofstream file(path, std::ios::binary);
-		for (int written = 0; written < mebibytes; ++written)
-		{
-			std::generate(numbers.begin(), numbers.end(), std::ref(random));
-			file.write(reinterpret_cast<const char*>(numbers.data()), mebibyte);
-		}
-		if (!file.flush())
-		{
-			throw std::runtime_error(path.string() + " cannot be written");
-		}
-	}
 
 	std::string readFile(const fs::path& path)
 	{
@@ -90,14 +44,13 @@ std::vector<Comparison> FileWorkload::run()
 		work(workOn);
 		return {};
 	}
-	const TempFolder folder(root);
-	writeRandomFile(folder.path() / fileName, description.mebibytes);
-	return {compare(folder.path())};
+	return {compare(RandomFile(description.mebibytes, root))};
 }
 
-Comparison FileWorkload::compare(const fs::path& folder) const
+Comparison FileWorkload::compare(const RandomFile& content) const
 {
-	const std::string file = folder / fileName;
+	const std::string file = content.path();
+	const fs::path folder = content.folder();
 	const auto measure = [&](const std::vector<std::string>& command)
 	{
 		const fs::path output = folder / "output";

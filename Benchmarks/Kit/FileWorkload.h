@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <string>
 
+class RandomFile;
+
 /**
  * A file function beside a program of the system that does the same to a file of random bytes. Every run of either side
  * is a process of its own: so memory can be compared, and both sides pay for their start.
@@ -36,10 +38,8 @@ protected:
 	/** Looks at what a run left behind, and clears it away. Throws when that is not as it should be. Not measured. */
 	virtual void check(const std::filesystem::path& folder, const std::string& output) const = 0;
 
-	static constexpr const char* fileName = "movie.bin";
-
 private:
-	Comparison compare(const std::filesystem::path& folder) const;
+	Comparison compare(const RandomFile& content) const;
 
 	Description description;
 	int pairs = 5;

@@ -1,6 +1,5 @@
 #include "DownloadFixture.h"
 #include "HttpModule.h"
-#include "RawServer.h"
 
 namespace
 {
@@ -56,7 +55,7 @@ namespace
 		{
 			const auto received = [this]
 			{ return downloads.empty() ? 0 : static_cast<size_t>(downloads.back().megaBytesReceived * (1 << 20) + 0.5f); };
-			ASSERT_TRUE(loop.WaitFor([&] { return received() >= number; }, patienceSeconds)) << number;
+			ASSERT_TRUE(until([&] { return received() >= number; })) << number;
 		}
 
 		void cancel()
@@ -134,7 +133,7 @@ TEST_F(DownloadCancel, MayBeFollowedByANewStartInItsOwnEvent)
 
 TEST_F(DownloadCancel, OfASteppedOneOutlivesASecondStartOfItsRecord)
 {
-	Gate held, goOn;
+	Lab::Gate held, goOn;
 	const FHttpRequestPtr other = FHttpModule::Get().CreateRequest(); // holds the HTTP thread, so that the cancel takes its time
 	other->SetURL(text(origin.url("/file")));
 	FHttpRequestStreamDelegateV2 bytes;
@@ -142,7 +141,7 @@ TEST_F(DownloadCancel, OfASteppedOneOutlivesASecondStartOfItsRecord)
 		[&](void*, int64&)
 		{
 			held.open();
-			goOn.wait({});
+			goOn.wait();
 		});
 	other->SetResponseBodyReceiveStreamDelegateV2(MoveTemp(bytes));
 	other->ProcessRequest();

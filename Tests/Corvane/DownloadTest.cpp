@@ -21,14 +21,8 @@ namespace
 	{
 	protected:
 		Download()
-			: DownloadFixture(settings())
+			: DownloadFixture(impatient(0.5))
 		{
-		}
-		static FGameLoopSettings settings()
-		{
-			FGameLoopSettings settings;
-			settings.http.activityTimeoutSeconds = 0.5;
-			return settings;
 		}
 
 		std::vector<Fault> faults() const;

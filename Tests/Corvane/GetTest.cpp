@@ -3,12 +3,9 @@
 #include "Lab/Origin.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"
-#include "RawServer.h"
 #include "Runs/Result.h"
 
 #include <gmock/gmock.h>
-
-using testing::ElementsAre;
 
 namespace
 {
@@ -19,26 +16,23 @@ namespace
 
 	std::string repeated(const std::string& piece, size_t times)
 	{
-		std::string all;
-		while (times-- > 0)
-		{
-			all += piece;
-		}
-		return all;
+		return wholeOf(*Lab::repeatedContent(piece, piece.size() * times));
 	}
 } // namespace
 
 TEST_F(Get, GoesOverTheWireAsDescribed)
 {
-	RawServer server(answering([](const std::string&) { return answer(200, ""); }));
+	Lab::Origin server;
+	server.at("*", "");
 	run(get(server.url("/a+b?x=1%20"), {{"X-First", "1"}, {"X-Second", u"zwei ü"}}));
 	run(get(server.url(), {{"content-type", "text/plain"}, {"USER-AGENT", "mine"}}));
 	const std::string first = " HTTP/1.1\r\n" + firstHeaders(server.authority());
-	EXPECT_THAT(server.requests(),
-		ElementsAre(
-			"GET /a+b?x=1%20" + first + "User-Agent: " + defaultUserAgent +
-				"\r\nContent-Type: application/x-www-form-urlencoded\r\nX-First: 1\r\nX-Second: zwei ü\r\nContent-Length: 0\r\n\r\n",
-			"GET /" + first + "USER-AGENT: mine\r\ncontent-type: text/plain\r\nContent-Length: 0\r\n\r\n"));
+	const std::vector<Lab::Exchange> log = server.log();
+	ASSERT_EQ(log.size(), 2u);
+	EXPECT_EQ(log[0].request->head,
+		"GET /a+b?x=1%20" + first + "User-Agent: " + defaultUserAgent +
+			"\r\nContent-Type: application/x-www-form-urlencoded\r\nX-First: 1\r\nX-Second: zwei ü\r\nContent-Length: 0\r\n\r\n");
+	EXPECT_EQ(log[1].request->head, "GET /" + first + "USER-AGENT: mine\r\ncontent-type: text/plain\r\nContent-Length: 0\r\n\r\n");
 }
 
 TEST_F(Get, BringsOneEventWithTheAnswerAsTextLinesAndBytes)

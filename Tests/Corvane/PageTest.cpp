@@ -114,7 +114,7 @@ TEST_F(Pages, ProgressOfADriveFileIsThatOfTheFileAgainstItsKnownSize)
 		Lab::Gate half;
 		origin.at("/uc", confirming(std::string(2000, 'x')), Lab::hold(half, {.byte = 1000}));
 		execute(drive(origin.url(), "file", given));
-		ASSERT_TRUE(loop.WaitFor([this] { return !downloads.empty(); }, patienceSeconds));
+		ASSERT_TRUE(until([this] { return !downloads.empty(); }));
 		EXPECT_FLOAT_EQ(downloads[0].size, expected * 9.536743e-7f);
 		EXPECT_FLOAT_EQ(downloads[0].percentDownload, 100 * (1000 / expected));
 		half.open();
@@ -202,7 +202,7 @@ TEST_F(Pages, ACancelBetweenTheStepsIsKeptForThisRunOnly)
 		Lab::Origin server;
 		server.at("/uc", confirming("the file"), Lab::hold(page, {.byte = 1}));
 		execute(drive(server.url()));
-		ASSERT_TRUE(loop.WaitFor([&] { return !server.log().empty(); }, patienceSeconds));
+		ASSERT_TRUE(until([&] { return !server.log().empty(); }));
 		UCorvaneBPLibrary::cancelRequest("id");
 		page.open();
 		drain();

@@ -124,7 +124,7 @@ TEST_F(PostAndIndividual, AFileIsTheBodyOrTheRequestIsRefused)
 		EXPECT_EQ(result.statusCode, path.ends_with("body.bin") ? 200 : 400) << path;
 		loop.CollectGarbage();
 	}
-	ASSERT_EQ(sink.received().size(), 1u);
+	ASSERT_EQ(sink.log().size(), 1u);
 	EXPECT_EQ(sink.last().body, bytes);
 }
 
@@ -180,7 +180,7 @@ TEST_F(PostAndIndividual, WhatTheLayerCannotSendIsRefusedInOneClearResult)
 	EXPECT_EQ(result("GET", "text/plain", "body"), 500);
 	EXPECT_EQ(result("POST", "", "a=1"), 400);
 	EXPECT_EQ(result("DELETE", "", "a=1"), 400);
-	EXPECT_EQ(sink.connectionCount(), 0);
+	EXPECT_EQ(sink.connections(), 0u);
 	for (const char* verb : {"get", "Post", "PUT", "DELETE", "TRACE", "OPTIONS", "CONNECT", "PATCH"}) // this layer sends them
 	{
 		EXPECT_EQ(result(verb, "x", ""), 200) << verb;

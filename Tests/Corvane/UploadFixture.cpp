@@ -14,35 +14,6 @@ namespace
 	}
 } // namespace
 
-UploadSink::UploadSink(Gate* gate)
-	: Server([this, gate](Connection& connection) { serve(connection, gate); })
-{
-}
-
-void UploadSink::serve(Connection& connection, Gate* gate)
-{
-	for (;;)
-	{
-		Received request{connection.readHead(), ""};
-		if (gate)
-		{
-			connection.waitFor(*gate);
-		}
-		request.body = connection.readBody(request.head);
-		{
-			const std::scoped_lock lock(Mutex);
-			Requests.push_back(std::move(request));
-		}
-		connection.send(answer(200, "thanks"));
-	}
-}
-
-std::vector<Received> UploadSink::received() const
-{
-	const std::scoped_lock lock(Mutex);
-	return Requests;
-}
-
 UploadTest::UploadTest(FGameLoopSettings settings)
 	: ModuleFixture(settings)
 {

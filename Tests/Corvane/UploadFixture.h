@@ -1,44 +1,23 @@
 #pragma once
 
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Origin.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"
-#include "RawServer.h"
 #include "TempDir.h"
 
 #include <gmock/gmock.h>
 
-/** One request as an UploadSink got it. */
-struct Received
-{
-	std::string head;
-	std::string body;
-
-	/** The value of a header; empty when absent. */
-	std::string header(const std::string& name) const { return headerOf(head, name); }
-};
-
-/** An origin that reads bodies of the announced length, keeps them and answers 200. */
-class UploadSink
+/** An origin that thanks for whatever comes. */
+class UploadSink : public Lab::Origin
 {
 public:
-	/** @param gate  held back until it opens, when given: the body is not read, the answer not sent. Outlives the sink. */
-	explicit UploadSink(Gate* gate = nullptr);
+	UploadSink() { at("*", "thanks"); }
+	/** @param gate  bodies are left unread until it opens. */
+	explicit UploadSink(const Lab::Gate& gate) { at("*", "thanks", Lab::holdBody(gate)); }
 
-	std::string url() const { return Server.url(); }
-	std::string authority() const { return Server.authority(); }
-	/** The requests read so far, in the order in which their bodies ended. */
-	std::vector<Received> received() const;
-	Received last() const { return received().back(); }
-	/** Requests whose head has arrived. */
-	size_t begun() const { return Server.requests().size(); }
-	int connectionCount() const { return Server.connectionCount(); }
-
-private:
-	void serve(Connection& connection, Gate* gate);
-
-	mutable std::mutex Mutex;
-	std::vector<Received> Requests;
-	RawServer Server; // last: its threads use all of the above
+	/** The request that was complete last. */
+	const Lab::Request& last() const { return *log().back().request; }
 };
 
 /** What the fixture's put() and post() are told, besides the file. */

@@ -186,8 +186,8 @@ TEST_F(UploadRepair, ARecordIsUploadedAgainAfterTheRepair)
 TEST_F(UploadRepair, TheEndOfTheProgramRepairsWhatIsQueuedAndWhatRuns)
 {
 	library().setUploadGracePeriod(3600);
-	Gate never;
-	UploadSink silent(&never), sink;
+	Lab::Gate never;
+	UploadSink silent(never), sink;
 	execute(put(sink.url(), dir.write("done.bin", thousand), Type::PUT_STREAM_MP));
 	execute(put(sink.url(), dir.write("copied.bin", thousand), Type::PUT_STREAM_COPY));
 	ASSERT_TRUE(waitForCompletions(2));
@@ -278,8 +278,8 @@ TEST_F(UploadRepair, LeftoversOfLargeFilesAreCutAtTheRightPlace)
 
 TEST_F(UploadRepair, CopiesThatWereLeftBehindAreTold)
 {
-	Gate gate;
-	UploadSink slow(&gate);
+	Lab::Gate gate;
+	UploadSink slow(gate);
 	const std::string path = dir.write("a.bin", thousand);
 	const std::string copy = dir.write("a_UEUploadCopy_0123.bin", thousand + tail(1000));
 	for (const char* other :

@@ -20,7 +20,7 @@ namespace
 		/** Compares the last form, whose boundary has a number of its own. @param parts  each without its delimiter. */
 		void expectForm(const char* verb, const std::vector<std::string>& parts, const std::string& own = "") const
 		{
-			const std::string type = sink.last().header("Content-Type");
+			const std::string type(sink.last().header("Content-Type"));
 			EXPECT_THAT(type, testing::MatchesRegex("multipart/form-data; boundary=----UE4CorvanePlugin_-?[0-9]+"));
 			const std::string token = type.substr(type.find("UE4"));
 			std::string body;
@@ -82,7 +82,7 @@ TEST_F(UploadWire, BlankStreamsDescribeTheFileInHeaders)
 		run(put(sink.url(), dir.write("a b.PNG", content), Type::PUT_STREAM_BLANK, {"my ü", {{"X-Own", "1"}}}));
 		expectSent("PUT", "X-Own: 1\r\nfileid: my ü\r\nfilename: a b.PNG\r\nfileformat: PNG\r\nmimetype: image/png\r\n", content);
 	}
-	EXPECT_EQ(sink.connectionCount(), 1) << "an ordinary request, whose connection is kept";
+	EXPECT_EQ(sink.connections(), 1u) << "an ordinary request, whose connection is kept";
 }
 
 TEST_F(UploadWire, StreamMultipartBeginsInItsHeader)
@@ -106,24 +106,15 @@ TEST_F(UploadWire, StreamMultipartBeginsInItsHeader)
 			EXPECT_THAT(files(), testing::Not(testing::Contains(testing::HasSubstr("_UEUploadCopy_"))));
 		}
 	}
-	EXPECT_EQ(sink.connectionCount(), 8) << "the announced length may be wrong";
+	EXPECT_EQ(sink.connections(), 8u) << "the announced length may be wrong";
 }
 
 TEST_F(UploadWire, StreamMultipartAnnouncesUnitsAndSendsBytes)
 {
-	std::string body;
-	RawServer server(
-		[&](Connection& connection)
-		{
-			connection.readHead();
-			body = connection.read(1141);
-			connection.send(answer(200, ""));
-			connection.waitForPeer();
-		});
 	UCorvaneBPLibrary::addPersistentHTTPRequestHeader("Content-Length", "5");
-	run(put(server.url(), dir.write("ü.png", thousand), Type::PUT_STREAM_MP, {"myFile"}));
-	EXPECT_THAT(server.requests().back(), testing::EndsWith("\r\nContent-Length: 1140\r\n\r\n"));
-	EXPECT_THAT(body, testing::EndsWith("x\r\n------UE4CorvanePlugin_1000--\r\n"));
+	run(put(sink.url(), dir.write("ü.png", thousand), Type::PUT_STREAM_MP, {"myFile"}));
+	EXPECT_THAT(sink.last().head, testing::EndsWith("\r\nContent-Length: 1140\r\n\r\n"));
+	EXPECT_THAT(sink.last().body, testing::EndsWith("x\r\n------UE4CorvanePlugin_1000--\r")) << "one byte is more than it said";
 }
 
 TEST_F(UploadWire, NamesBreakOutOfNothing)
@@ -133,7 +124,7 @@ TEST_F(UploadWire, NamesBreakOutOfNothing)
 	for (const Type type : everyType)
 	{
 		run(put(sink.url(), path, type, {"f\"\r\n\\"}));
-		const Received got = sink.last();
+		const Lab::Request& got = sink.last();
 		EXPECT_EQ((got.head + got.body).find("\nX-Evil"), std::string::npos);
 		if (type == Type::PUT_STREAM_BLANK)
 		{
@@ -179,11 +170,11 @@ TEST_F(UploadWire, ProgressIsTheShareOfTheBodyAndRisesWhileBytesAreSent)
 	for (FhttpRequest& record : all)
 	{
 		uploads.clear();
-		Gate read;
-		UploadSink slow(&read);
+		Lab::Gate read;
+		UploadSink slow(read);
 		record.url = text(slow.url());
 		execute({record});
-		ASSERT_TRUE(loop.WaitFor([this] { return !uploads.empty() && uploads.back().bytesSent > 0; }, patienceSeconds));
+		ASSERT_TRUE(until([this] { return !uploads.empty() && uploads.back().bytesSent > 0; }));
 		EXPECT_LT(uploads.back().percentUpload, 100);
 		read.open();
 		drain();

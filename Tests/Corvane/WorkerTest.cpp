@@ -1,7 +1,7 @@
 #include "CorvaneRequestCompleteObject.h"
 #include "Host/Log.h"
+#include "Lab/Plans/Gate.h"
 #include "ModuleFixture.h"
-#include "RawServer.h"
 #include "Runs/CorvThread.h"
 #include "Runs/Run.h"
 #include "UObject/UObjectGlobals.h"
@@ -13,14 +13,14 @@ TEST_F(Worker, ProgressThatFindsOtherWaitingTakesItsPlace)
 	// Without a library each job is a line in the log, where the worker can be held.
 	UCorvaneRequestCompleteObject* object = NewObject<UCorvaneRequestCompleteObject>();
 	object->AddToRoot();
-	Gate reached, goOn;
+	Lab::Gate reached, goOn;
 	std::vector<std::string> lines; // of the worker, read after its end
 	HostLog::SetSink(
 		[&](const char*, ELogVerbosity::Type, const FString& line)
 		{
 			lines.push_back(utf8(line));
 			reached.open();
-			goOn.wait({});
+			goOn.wait();
 			if (lines.back().find("(12)") != std::string::npos)
 			{
 				object->setRequestID("id", FhttpRequest(), UCorvaneBPLibrary::getCorvaneTarget()); // which hears of the end

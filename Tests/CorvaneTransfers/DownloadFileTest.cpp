@@ -1,60 +1,24 @@
 #include "CorvaneDownloadFile.h"
-#include "FileAnswers.h"
 #include "FileSizeLimit.h"
 #include "ForwardingFiles.h"
-#include "GameLoop.h"
 #include "LogCapture.h"
 #include "LoopbackListener.h"
 #include "RandomBytes.h"
-#include "RawServer.h"
 #include "RunningTransfers.h"
-#include "TempDir.h"
-#include "TextSupport.h"
 #include "Threads/ByteBuffer.h"
+#include "TransferFixture.h"
 #include "UObject/UObjectGlobals.h"
-#include "Waiting.h"
 
-#include <cstdlib>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <optional>
 
 namespace
 {
 	namespace fs = std::filesystem;
 
-	class DownloadFile : public ::testing::Test
+	class DownloadFile : public TransferFixture
 	{
 	protected:
-		/** Breaks the first answer off in its middle, then answers from the other version. */
-		RawServer changingServer(const Version& before, const Version& after, Ranges ranges)
-		{
-			return RawServer(
-				[=, this](Connection& connection)
-				{
-					for (;;)
-					{
-						const std::string head = connection.readHead();
-						if (requestsSeen++ == 0)
-						{
-							const std::string whole = answer(200, before.bytes, before.headers);
-							connection.send(whole.substr(0, whole.size() - before.bytes.size() / 2));
-							return;
-						}
-						connection.send(answerOf(after, ranges, head));
-					}
-				});
-		}
-
-		/** Those under which the tests run once more; see CMakeLists.txt. */
-		static FGameLoopSettings conditions()
-		{
-			FGameLoopSettings settings;
-			settings.bCollectAfterEveryTick = std::getenv("CORVANE_TEST_COLLECT") != nullptr;
-			settings.http.bForceGameThreadCallbacks = std::getenv("CORVANE_TEST_GAME_THREAD") != nullptr;
-			return settings;
-		}
-
 		static FCorvaneDownloadOptions patient()
 		{
 			FCorvaneDownloadOptions options;
@@ -66,30 +30,8 @@ namespace
 		UCorvaneDownloadFile* start(
 			const std::string& url, const FCorvaneDownloadOptions& options = patient(), std::string_view name = "file.bin")
 		{
-			++expected;
-			return UCorvaneDownloadFile::Start(
-				text(url), text(folder.path(name)), options, [this](const FCorvaneTransferReport& report) { reports.push_back(report); });
+			return UCorvaneDownloadFile::Start(text(url), text(folder.path(name)), options, note());
 		}
-
-		FCorvaneTransferReport finish()
-		{
-			EXPECT_TRUE(loop.WaitFor([this] { return reports.size() >= expected; }, patienceSeconds));
-			loop.RunUntilIdle(UCorvaneTransfer::HasPendingWork);
-			EXPECT_EQ(reports.size(), expected); // each start has one outcome
-			return reports.empty() ? FCorvaneTransferReport() : reports.back();
-		}
-
-		void expectNothingBeside(std::string_view name = "file.bin")
-		{
-			EXPECT_FALSE(folder.exists(std::string(name) + ".corvpart"));
-			EXPECT_FALSE(folder.exists(std::string(name) + ".corvjournal"));
-		}
-
-		const TempDir folder;
-		FGameLoop loop{conditions()};
-		std::atomic<int> requestsSeen{0};
-		size_t expected = 0;
-		std::vector<FCorvaneTransferReport> reports;
 	};
 
 	const std::string content = randomBytes(300'000);
@@ -98,41 +40,53 @@ namespace
 TEST_F(DownloadFile, OfAServerThatChangesItsMindIsRightOrFailsWithItsReason)
 {
 	using Outcome = ECorvaneTransferOutcome;
-	const std::string strong = "ETag: \"one\"\r\n", otherStrong = "ETag: \"two\"\r\n", weak = "ETag: W/\"one\"\r\n";
 	const std::string sameLength(content.rbegin(), content.rend());
 	const std::string shrunk = sameLength.substr(0, 100'000), grown = sameLength + randomBytes(50'000);
+	const Lab::FileOptions strong{.tellsTime = false}, unheeding{.tellsTime = false, .heedsIfRange = false};
+	const Lab::FileOptions weak{.validator = Lab::Validator::Weak, .tellsTime = false};
+	const Lab::FileOptions none{.validator = Lab::Validator::None, .tellsTime = false};
+	const auto with = [](Lab::FileOptions options, Lab::Ranges ranges)
+	{
+		options.ranges = ranges;
+		return options;
+	};
 	struct Case
 	{
 		const char* name;
-		std::string before, after;
 		std::string bytes;
-		Ranges ranges;
-		Outcome outcome;
+		Lab::FileOptions options;
 		int restarts;
+		Outcome outcome = Outcome::Succeeded;
 	};
 	const Case cases[] = {
-		{"the same file", strong, strong, content, Ranges::Honest, Outcome::Succeeded, 0},
-		{"the same file by a weak tag", weak, weak, content, Ranges::Honest, Outcome::Succeeded, 0},
-		{"the same file without validators", "", "", content, Ranges::Honest, Outcome::Succeeded, 0},
-		{"the same length, strong", strong, otherStrong, sameLength, Ranges::Honest, Outcome::Succeeded, 1},
-		{"the same length, strong, If-Range ignored", strong, otherStrong, sameLength, Ranges::WithoutIfRange, Outcome::Succeeded, 1},
-		{"the same length, weak", weak, weak, sameLength, Ranges::Honest, Outcome::Succeeded, 1},
-		{"the same length, no validators", "", "", sameLength, Ranges::Honest, Outcome::Succeeded, 1},
-		{"shrunk, strong", strong, otherStrong, shrunk, Ranges::WithoutIfRange, Outcome::Succeeded, 1},
-		{"shrunk, no validators", "", "", shrunk, Ranges::Honest, Outcome::Succeeded, 1},
-		{"grown, strong", strong, otherStrong, grown, Ranges::WithoutIfRange, Outcome::Succeeded, 1},
-		{"grown, no validators", "", "", grown, Ranges::Honest, Outcome::Succeeded, 1},
-		{"ranges ignored", strong, strong, content, Ranges::Ignored, Outcome::Succeeded, 1},
-		{"another part", strong, strong, content, Ranges::Shifted, Outcome::Succeeded, 1},
-		{"another part in secret, no validators", "", "", content, Ranges::ShiftedInSecret, Outcome::Succeeded, 1},
-		{"an error's page", strong, strong, content, Ranges::ErrorPage, Outcome::ServerError, 0},
+		{"the same file", content, strong, 0},
+		{"the same file by a weak tag", content, weak, 0},
+		{"the same file without validators", content, none, 0},
+		{"the same length, strong", sameLength, strong, 1},
+		{"the same length, strong, If-Range ignored", sameLength, unheeding, 1},
+		{"the same length, weak", sameLength, weak, 1},
+		{"the same length, no validators", sameLength, none, 1},
+		{"shrunk, strong", shrunk, unheeding, 1},
+		{"shrunk, no validators", shrunk, none, 1},
+		{"grown, strong", grown, unheeding, 1},
+		{"grown, no validators", grown, none, 1},
+		{"ranges ignored", content, with(strong, Lab::Ranges::Ignored), 1},
+		{"another part", content, with(strong, Lab::Ranges::WrongStart), 1},
+		{"another part in secret, no validators", content, with(none, Lab::Ranges::WrongBytes), 1},
+		{"an error's page", content, strong, 0, Outcome::ServerError},
 	};
+	const Lab::Behaviour asItIs(std::vector<Lab::Behaviour>{}), page = Lab::status({.code = 404, .text = std::string(100'000, 'x')});
 	for (const Case& each : cases)
 	{
 		SCOPED_TRACE(each.name);
-		requestsSeen = 0;
 		folder.write("file.bin", "old");
-		const RawServer server = changingServer({content, each.before}, {each.bytes, each.after}, each.ranges);
+		Lab::FileOptions options = each.options;
+		options.change = Lab::FileChange{Lab::bytesContent(each.bytes)};
+		const bool isWeak = options.validator == Lab::Validator::Weak; // such a tag may stay though the file does not
+		const bool isPage = each.outcome != Outcome::Succeeded;
+		Lab::Origin server;
+		server.at("/", Lab::file(content, options), isWeak ? Lab::headers({{"ETag", "W/\"one\""}}) : asItIs,
+			Lab::inTurn({Lab::drop({.at = {.share = 0.5}}), isPage ? page : asItIs}));
 		start(server.url());
 		const FCorvaneTransferReport report = finish();
 		EXPECT_EQ(report.Outcome, each.outcome) << utf8(report.Sentence);
@@ -148,30 +102,9 @@ TEST_F(DownloadFile, OfAServerThatChangesItsMindIsRightOrFailsWithItsReason)
 
 TEST_F(DownloadFile, GoesOnAfterAPauseAndInALaterStartWithoutAByteTwice)
 {
-	Gate rest;
-	std::atomic<std::int64_t> sent{0};
-	const Version version{randomBytes(3'000'000), "ETag: \"one\"\r\n"};
-	const RawServer server(
-		[&](Connection& connection)
-		{
-			for (;;)
-			{
-				const std::string head = connection.readHead();
-				const std::string whole = answerOf(version, Ranges::Honest, head);
-				const size_t begin = whole.find("\r\n\r\n") + 4;
-				if (requestsSeen++ < 2) // half of what is left, and then silence
-				{
-					const size_t half = (whole.size() - begin) / 2;
-					sent += static_cast<std::int64_t>(half);
-					connection.send(whole.substr(0, begin + half));
-					connection.waitForPeer();
-					return;
-				}
-				sent += static_cast<std::int64_t>(whole.size() - begin);
-				connection.send(whole);
-			}
-		});
-	UCorvaneDownloadFile* const first = start(server.url());
+	const std::string large = randomBytes(3'000'000);
+	origin.at("/", Lab::file(large), Lab::onlyFirst(2, Lab::stall({.at = {.share = 0.5}})));
+	UCorvaneDownloadFile* const first = start(origin.url());
 	ASSERT_TRUE(loop.WaitFor([&] { return first->GetReport().TransferredBytes == 1'500'000; }, patienceSeconds));
 	first->Pause();
 	ASSERT_TRUE(loop.WaitFor([&] { return first->IsPaused(); }, patienceSeconds));
@@ -185,21 +118,24 @@ TEST_F(DownloadFile, GoesOnAfterAPauseAndInALaterStartWithoutAByteTwice)
 
 	FCorvaneDownloadOptions options = patient();
 	options.Hash = text("sha256");
-	start(server.url(), options);
+	start(origin.url(), options);
 	report = finish();
 	EXPECT_EQ(report.Outcome, ECorvaneTransferOutcome::Succeeded) << utf8(report.Sentence);
 	EXPECT_EQ(report.TakenOverBytes, 2'250'000);
 	EXPECT_EQ(report.TransferredBytes, 750'000);
 	EXPECT_EQ(report.Hash.Len(), 64);
-	EXPECT_EQ(sent, 3'000'000);
-	EXPECT_TRUE(folder.read("file.bin") == version.bytes);
+	const std::vector<Lab::Exchange> log = origin.log();
+	ASSERT_EQ(log.size(), 3u);
+	EXPECT_EQ(log[1].request->header("Range"), "bytes=1500000-");
+	EXPECT_EQ(log[2].request->header("Range"), "bytes=2250000-");
+	EXPECT_TRUE(folder.read("file.bin") == large);
 	expectNothingBeside();
 }
 
 TEST_F(DownloadFile, EndsWithOneReasonAndTouchesNothing)
 {
 	using Outcome = ECorvaneTransferOutcome;
-	const RawServer server(answering([](const std::string&) { return answer(200, content); }));
+	origin.at("*", content);
 	const std::string dead = "http://" + LoopbackListener().authority() + "/";
 	struct Case
 	{
@@ -211,17 +147,17 @@ TEST_F(DownloadFile, EndsWithOneReasonAndTouchesNothing)
 	const Case cases[] = {
 		{"no address", "file", {}, Outcome::Refused},
 		{"another protocol", "ftp://host/file", {}, Outcome::Refused},
-		{"a hash that is none", server.url(), [](auto& o) { o.Hash = text("sha256:12"); }, Outcome::Refused},
-		{"no attempt", server.url(), [](auto& o) { o.Attempts = 0; }, Outcome::Refused},
-		{"a negative size", server.url(), [](auto& o) { o.ExpectedSize = -2; }, Outcome::Refused},
-		{"a negative limit", server.url(), [](auto& o) { o.BytesPerSecond = -1; }, Outcome::Refused},
-		{"its own header", server.url(), [](auto& o) { o.Headers.Add(text("range"), text("bytes=0-")); }, Outcome::Refused},
-		{"a file that may not be replaced", server.url(), [](auto& o) { o.IfTargetExists = ECorvaneIfTargetExists::Fail; },
+		{"a hash that is none", origin.url(), [](auto& o) { o.Hash = text("sha256:12"); }, Outcome::Refused},
+		{"no attempt", origin.url(), [](auto& o) { o.Attempts = 0; }, Outcome::Refused},
+		{"a negative size", origin.url(), [](auto& o) { o.ExpectedSize = -2; }, Outcome::Refused},
+		{"a negative limit", origin.url(), [](auto& o) { o.BytesPerSecond = -1; }, Outcome::Refused},
+		{"its own header", origin.url(), [](auto& o) { o.Headers.Add(text("range"), text("bytes=0-")); }, Outcome::Refused},
+		{"a file that may not be replaced", origin.url(), [](auto& o) { o.IfTargetExists = ECorvaneIfTargetExists::Fail; },
 			Outcome::Refused},
 		{"nobody there", dead, [](auto& o) { o.Attempts = 2; }, Outcome::NoConnection},
-		{"another size", server.url(), [](auto& o) { o.ExpectedSize = 5; }, Outcome::WrongSize},
-		{"another hash", server.url(), [](auto& o) { o.Hash = text("md5:00112233445566778899aabbccddeeff"); }, Outcome::WrongHash},
-		{"what is there is enough", server.url(), [](auto& o) { o.IfTargetExists = ECorvaneIfTargetExists::Keep; }, Outcome::Succeeded},
+		{"another size", origin.url(), [](auto& o) { o.ExpectedSize = 5; }, Outcome::WrongSize},
+		{"another hash", origin.url(), [](auto& o) { o.Hash = text("md5:00112233445566778899aabbccddeeff"); }, Outcome::WrongHash},
+		{"what is there is enough", origin.url(), [](auto& o) { o.IfTargetExists = ECorvaneIfTargetExists::Keep; }, Outcome::Succeeded},
 	};
 	folder.write("file.bin", "old");
 	for (const Case& each : cases)
@@ -233,7 +169,6 @@ TEST_F(DownloadFile, EndsWithOneReasonAndTouchesNothing)
 			each.change(options);
 		}
 		start(each.url, options);
-		EXPECT_EQ(reports.size() + 1, expected); // not inside the call
 		const FCorvaneTransferReport report = finish();
 		EXPECT_EQ(report.Outcome, each.outcome) << utf8(report.Sentence);
 		EXPECT_FALSE(report.Sentence.IsEmpty());
@@ -244,20 +179,14 @@ TEST_F(DownloadFile, EndsWithOneReasonAndTouchesNothing)
 
 TEST_F(DownloadFile, HasItsTargetForItselfAndEndsInOrderWithTheProgram)
 {
-	const RawServer server(
-		[](Connection& connection)
-		{
-			connection.readHead();
-			connection.send(answer(200, content, "ETag: \"one\"\r\n").substr(0, 200'000));
-			connection.waitForPeer();
-		});
-	UCorvaneDownloadFile* const first = start(server.url());
+	origin.at("/", Lab::file(content), Lab::stall({.at = {.byte = 200'000}}));
+	UCorvaneDownloadFile* const first = start(origin.url());
 	ASSERT_TRUE(loop.WaitFor([&] { return first->GetReport().TransferredBytes > 190'000; }, patienceSeconds));
-	start(server.url());
+	start(origin.url());
 	ASSERT_TRUE(loop.WaitFor([this] { return !reports.empty(); }, patienceSeconds));
 	EXPECT_EQ(reports.front().Outcome, ECorvaneTransferOutcome::Refused);
 
-	start(server.url(), patient(), "other.bin"); // these two have not begun yet
+	start(origin.url(), patient(), "other.bin"); // these two have not begun yet
 	start("no address");
 	loop.Shutdown();
 	ASSERT_EQ(reports.size(), 4u);
@@ -272,17 +201,8 @@ TEST_F(DownloadFile, HasItsTargetForItselfAndEndsInOrderWithTheProgram)
 TEST_F(DownloadFile, SaysWhatIsWrongWithTheDiskAndLeavesTheTarget)
 {
 	using Outcome = ECorvaneTransferOutcome;
-	const auto isToBe = [](const std::string& length)
-	{
-		return RawServer(
-			[=](Connection& connection)
-			{
-				connection.readHead();
-				connection.send("HTTP/1.1 200 OK\r\nContent-Length: " + length + "\r\n\r\n" + content);
-				connection.waitForPeer();
-			});
-	};
-	const RawServer server(answering([](const std::string&) { return answer(200, content); })), endless = isToBe("100000000000000");
+	origin.at("/", content);
+	origin.at("/huge", content, Lab::length({.says = 100'000'000'000'000}), Lab::stall({.at = {.byte = 300'000}}));
 	const auto makeFolder = [this](const char* name)
 	{
 		fs::remove(folder.path(name));
@@ -299,24 +219,24 @@ TEST_F(DownloadFile, SaysWhatIsWrongWithTheDiskAndLeavesTheTarget)
 		std::function<void()> make;
 	};
 	const Case cases[] = {
-		{"no room for the whole", "bytes left", Outcome::DiskFull, endless.url(), {}},
-		{"a write that fails", "does not take", Outcome::CannotWrite, server.url(), [&] { limit.emplace(100'000); }},
-		{"a folder for the target", "is a folder", Outcome::CannotWrite, server.url(), [&] { makeFolder("a/file.bin"); }},
-		{"a folder for the part file", "is a folder", Outcome::CannotWrite, server.url(), [&] { makeFolder("a/file.bin.corvpart"); }},
-		{"a folder for the journal", "is a folder", Outcome::CannotWrite, server.url(), [&] { makeFolder("a/file.bin.corvjournal"); }},
-		{"a file for the folder", "cannot be made", Outcome::CannotWrite, server.url(),
+		{"no room for the whole", "bytes left", Outcome::DiskFull, origin.url("/huge"), {}},
+		{"a write that fails", "does not take", Outcome::CannotWrite, origin.url(), [&] { limit.emplace(100'000); }},
+		{"a folder for the target", "is a folder", Outcome::CannotWrite, origin.url(), [&] { makeFolder("a/file.bin"); }},
+		{"a folder for the part file", "is a folder", Outcome::CannotWrite, origin.url(), [&] { makeFolder("a/file.bin.corvpart"); }},
+		{"a folder for the journal", "is a folder", Outcome::CannotWrite, origin.url(), [&] { makeFolder("a/file.bin.corvjournal"); }},
+		{"a file for the folder", "cannot be made", Outcome::CannotWrite, origin.url(),
 			[&]
 			{
 				fs::remove_all(folder.path("a"));
 				folder.write("a", "");
 			}},
-		{"a folder in a folder that takes none", "cannot be made", Outcome::CannotWrite, server.url(),
+		{"a folder in a folder that takes none", "cannot be made", Outcome::CannotWrite, origin.url(),
 			[&]
 			{
 				fs::remove_all(folder.path("a"));
 				fs::create_directory_symlink("/proc", folder.path("a"));
 			}},
-		{"another program", "in use", Outcome::Refused, server.url(),
+		{"another program", "in use", Outcome::Refused, origin.url(),
 			[&]
 			{
 				folder.write("a/file.bin.corvjournal", "");
@@ -345,12 +265,12 @@ TEST_F(DownloadFile, SaysWhatIsWrongWithTheDiskAndLeavesTheTarget)
 
 TEST_F(DownloadFile, TellsNoSecretsInItsReportAndOneLineOfTheLog)
 {
-	const RawServer server(answering([](const std::string&) { return answer(200, content); }));
+	origin.at("*", content);
 	LogCapture log;
-	start("http://someone:hush@" + server.authority() + "/file?token=hidden");
+	start("http://someone:hush@" + origin.authority() + "/file?token=hidden");
 	const FCorvaneTransferReport report = finish();
 	EXPECT_EQ(report.Outcome, ECorvaneTransferOutcome::Succeeded);
-	EXPECT_FALSE(headerOf(server.requests().front(), "Authorization").empty());
+	EXPECT_FALSE(origin.log().front().request->header("Authorization").empty());
 	std::string told = utf8(report.AskedAddress + report.ReachedAddress + report.Sentence);
 	int lines = 0;
 	for (const LogCapture::Line& line : log.lines())
@@ -368,28 +288,20 @@ TEST_F(DownloadFile, HoldsNobodyUpWhenTheDiskDoesNotAnswerAtTheEnd)
 {
 	struct StuckFiles final : ForwardingFiles
 	{
-		struct Handle final : IFileHandle
+		struct Handle final : ForwardingHandle
 		{
-			Handle(StuckFiles& inFiles, IFileHandle* inLower)
-				: files(inFiles)
-				, lower(inLower)
+			Handle(StuckFiles& inFiles, IFileHandle* lower)
+				: ForwardingHandle(lower)
+				, files(inFiles)
 			{
 			}
 			bool Write(const uint8* bytes, int64 number) override
 			{
 				files.answers.wait(false);
-				return lower->Write(bytes, number);
+				return Lower->Write(bytes, number);
 			}
-			int64 Tell() override { return lower->Tell(); }
-			bool Seek(int64 position) override { return lower->Seek(position); }
-			bool SeekFromEnd(int64 offset) override { return lower->SeekFromEnd(offset); }
-			bool Read(uint8* bytes, int64 number) override { return lower->Read(bytes, number); }
-			int64 Size() override { return lower->Size(); }
-			bool Truncate(int64 size) override { return lower->Truncate(size); }
-			bool Flush(bool isFull) override { return lower->Flush(isFull); }
 
 			StuckFiles& files;
-			const std::unique_ptr<IFileHandle> lower;
 		};
 
 		IFileHandle* OpenWrite(const TCHAR* name, bool bAppend, bool bAllowRead) override
@@ -402,12 +314,12 @@ TEST_F(DownloadFile, HoldsNobodyUpWhenTheDiskDoesNotAnswerAtTheEnd)
 	};
 	StuckFiles files;
 	const std::string large = randomBytes(3 * FCorvaneByteBuffer::Limit);
-	const RawServer server(answering([&](const std::string& head) { return answer(200, targetOf(head) == "/large" ? large : content); }));
-	UCorvaneDownloadFile* const stuck = start(server.url("/large"), patient(), "stuck.bin");
+	origin.at("/", content).at("/large", large);
+	UCorvaneDownloadFile* const stuck = start(origin.url("/large"), patient(), "stuck.bin");
 	ASSERT_TRUE(loop.WaitFor([&] { return stuck->GetReport().TransferredBytes >= FCorvaneByteBuffer::Limit; }, patienceSeconds));
 	CorvaneRunningTransfers::EndAll(0.01);
 	EXPECT_TRUE(reports.empty());
-	start(server.url());
+	start(origin.url());
 	ASSERT_TRUE(loop.WaitFor([this] { return reports.size() == 1; }, patienceSeconds)); // by the same HTTP thread
 	EXPECT_EQ(reports.back().Outcome, ECorvaneTransferOutcome::Succeeded);
 	files.answers = true;

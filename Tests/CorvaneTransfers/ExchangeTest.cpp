@@ -1,7 +1,10 @@
 #include "Attempts/Exchange.h"
 #include "Host/GameThreadTasks.h"
 #include "Host/HttpService.h"
-#include "RawServer.h"
+#include "Lab/Behaviours/Answers.h"
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Behaviours/Uploads.h"
+#include "Lab/Origin.h"
 #include "TextSupport.h"
 #include "Upload/BodyStream.h"
 #include "Waiting.h"
@@ -98,8 +101,9 @@ namespace
 
 TEST_F(Exchange, TellsTheAnswerOnceBeforeItsBytesAndWhereItCameFrom)
 {
-	RawServer server(answering([](const std::string& head)
-		{ return targetOf(head) == "/from" ? answer(302, "moved", "Location: /to\r\nETag: \"moved\"\r\n") : partHead + "0123456789"; }));
+	Lab::Origin server;
+	server.at("/from", "moved", Lab::redirect({.to = "/to"}), Lab::headers({{"ETag", "\"moved\""}}));
+	server.at("/to", Lab::raw(partHead + "0123456789"));
 	start("http://user:secret@" + server.authority() + "/from");
 	EXPECT_EQ(waitForEnd().End, End::Done);
 	ASSERT_EQ(receiver->answers.size(), 1u);
@@ -110,10 +114,10 @@ TEST_F(Exchange, TellsTheAnswerOnceBeforeItsBytesAndWhereItCameFrom)
 	EXPECT_EQ(receiver->result.BodyBytes, 10);
 	EXPECT_THAT(utf8(receiver->result.ReachedURL), testing::EndsWith("/to"));
 	EXPECT_NE(receiver->threads.front(), std::this_thread::get_id());
-	for (const std::string& head : server.requests())
+	for (const Lab::Exchange& each : server.log())
 	{
-		EXPECT_EQ(headerOf(head, "Accept-Encoding"), "identity");
-		EXPECT_EQ(headerOf(head, "Range"), "bytes=5-");
+		EXPECT_EQ(each.request->header("Accept-Encoding"), "identity");
+		EXPECT_EQ(each.request->header("Range"), "bytes=5-");
 	}
 }
 
@@ -142,12 +146,8 @@ TEST_F(Exchange, KnowsItsEnds)
 	for (const Case& each : cases)
 	{
 		SCOPED_TRACE(each.what);
-		RawServer server(
-			[&each](Connection& connection)
-			{
-				connection.readHead();
-				connection.send(each.sent);
-			});
+		Lab::Origin server;
+		server.at("/", Lab::raw(each.sent));
 		receiver->answers.clear();
 		receiver->body.clear();
 		start(server.url());
@@ -164,17 +164,11 @@ TEST_F(Exchange, KnowsItsEnds)
 TEST_F(Exchange, TellsSilenceFromNoConnectionAndNoRequest)
 {
 	constexpr float silence = 0.2f;
-	RawServer mute([](Connection& connection) { connection.waitForPeer(); });
-	RawServer stalls(
-		[](Connection& connection)
-		{
-			connection.readHead();
-			connection.send(partHead + "01234");
-			connection.waitForPeer();
-		});
-	start(mute.url(), silence);
+	Lab::Origin server;
+	server.at("/mute", Lab::stall()).at("/stalls", Lab::raw(partHead + "01234", Lab::RawEnd::Stall));
+	start(server.url("/mute"), silence);
 	EXPECT_EQ(waitForEnd().End, End::Stalled);
-	start(stalls.url(), silence);
+	start(server.url("/stalls"), silence);
 	EXPECT_EQ(waitForEnd().End, End::Stalled);
 	EXPECT_EQ(receiver->body, "01234");
 	start("http://127.0.0.1:1/");
@@ -185,13 +179,8 @@ TEST_F(Exchange, TellsSilenceFromNoConnectionAndNoRequest)
 
 TEST_F(Exchange, StopsWhenTheReceiverOrTheCallerWantsNoMore)
 {
-	RawServer server(
-		[](Connection& connection)
-		{
-			connection.readHead();
-			connection.send(partHead + "01234");
-			connection.waitForPeer();
-		});
+	Lab::Origin server;
+	server.at("/", Lab::raw(partHead + "01234", Lab::RawEnd::Stall));
 	receiver->takesAnswer = false;
 	start(server.url());
 	EXPECT_EQ(waitForEnd().End, End::StoppedByUs);
@@ -225,32 +214,16 @@ TEST_F(Exchange, TellsHowMuchOfABodyWasTakenWhateverTheEnd)
 		return TSharedPtr<FCorvaneBodyStream>(
 			MakeShared<FCorvaneBodyStream>(TArray<FCorvaneBodySegment>{FCorvaneBodySegment::OfBytes(bytes)}));
 	};
-	RawServer server(
-		[](Connection& connection)
-		{
-			const std::string head = connection.readHead();
-			EXPECT_EQ(headerOf(head, "Content-Length"), std::to_string(size));
-			EXPECT_EQ(headerOf(head, "Content-Type"), "text/plain");
-			if (targetOf(head) == "/early")
-			{
-				connection.send(answer(413, "too much"));
-			}
-			else if (targetOf(head) == "/whole")
-			{
-				connection.readBody(head);
-				connection.send(answer(201, "", "Location: /new\r\nConnection: close\r\n"));
-			}
-			else if (targetOf(head) == "/elsewhere")
-			{
-				connection.readBody(head);
-				connection.send(answer(307, "", "Location: /whole\r\nConnection: close\r\n"));
-			}
-			connection.waitForPeer();
-		});
+	Lab::Origin server;
+	server.at("/early", Lab::upload({.refusesAfter = 0}), "too much").at("/silent", Lab::holdBody(Lab::Gate()));
+	server.at("/whole", Lab::status({.code = 201}), Lab::headers({{"Location", "/new"}}));
+	server.at("/elsewhere", Lab::redirect({.to = "/whole", .code = 307}));
 	start(server.url("/whole"), 20, body());
 	EXPECT_EQ(waitForEnd().End, End::Done);
 	EXPECT_EQ(receiver->result.Answer.Code, 201);
 	EXPECT_EQ(receiver->result.SentBytes, size);
+	EXPECT_EQ(server.log().front().request->announced, uint64(size));
+	EXPECT_EQ(server.log().front().request->header("Content-Type"), "text/plain");
 	start(server.url("/early"), 20, body());
 	EXPECT_EQ(waitForEnd().Answer.Code, 413);
 	EXPECT_EQ(receiver->body, "too much");
@@ -263,7 +236,7 @@ TEST_F(Exchange, TellsHowMuchOfABodyWasTakenWhateverTheEnd)
 	EXPECT_EQ(waitForEnd().End, End::NoConnection);
 	EXPECT_EQ(receiver->result.SentBytes, 0);
 	const TSharedRef<FCorvaneExchange> silent = start(server.url("/silent"), 20, body());
-	waitFor([&] { return server.requests().size() == 4; });
+	waitFor([&] { return server.requests() == 4; });
 	silent->Cancel();
 	EXPECT_EQ(waitForEnd().End, End::Cancelled);
 	EXPECT_GT(receiver->result.SentBytes, 0);

@@ -3,6 +3,8 @@
 #include "GenericPlatform/GenericPlatformFile.h"
 #include "HAL/PlatformFileManager.h"
 
+#include <memory>
+
 /** Stands before the file system as long as it lives, and passes everything on. */
 class ForwardingFiles : public IPlatformFile
 {
@@ -33,4 +35,26 @@ public:
 
 protected:
 	IPlatformFile& Lower = FPlatformFileManager::Get().GetPlatformFile();
+};
+
+/** What asks the handle of such a layer for everything. */
+class ForwardingHandle : public IFileHandle
+{
+public:
+	explicit ForwardingHandle(IFileHandle* InLower)
+		: Lower(InLower)
+	{
+	}
+
+	int64 Tell() override { return Lower->Tell(); }
+	bool Seek(int64 NewPosition) override { return Lower->Seek(NewPosition); }
+	bool SeekFromEnd(int64 Offset) override { return Lower->SeekFromEnd(Offset); }
+	bool Read(uint8* To, int64 Number) override { return Lower->Read(To, Number); }
+	int64 Size() override { return Lower->Size(); }
+	bool Write(const uint8* From, int64 Number) override { return Lower->Write(From, Number); }
+	bool Truncate(int64 NewSize) override { return Lower->Truncate(NewSize); }
+	bool Flush(const bool bFullFlush) override { return Lower->Flush(bFullFlush); }
+
+protected:
+	const std::unique_ptr<IFileHandle> Lower;
 };

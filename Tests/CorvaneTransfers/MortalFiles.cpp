@@ -17,21 +17,16 @@ namespace
 		return std::string(std::istreambuf_iterator<char>(Stream), {});
 	}
 
-	class MortalHandle final : public IFileHandle
+	class MortalHandle final : public ForwardingHandle
 	{
 	public:
 		MortalHandle(MortalFiles& InFiles, std::string InPath, IFileHandle* InLower)
-			: Files(InFiles)
+			: ForwardingHandle(InLower)
+			, Files(InFiles)
 			, Path(std::move(InPath))
-			, Lower(InLower)
 		{
 		}
 
-		int64 Tell() override { return Lower->Tell(); }
-		bool Seek(int64 NewPosition) override { return Lower->Seek(NewPosition); }
-		bool SeekFromEnd(int64 Offset) override { return Lower->SeekFromEnd(Offset); }
-		bool Read(uint8* To, int64 Number) override { return Lower->Read(To, Number); }
-		int64 Size() override { return Lower->Size(); }
 		bool Write(const uint8* From, int64 Number) override
 		{
 			Files.step(Lower.get(), From, Number);
@@ -55,7 +50,6 @@ namespace
 	private:
 		MortalFiles& Files;
 		const std::string Path;
-		const std::unique_ptr<IFileHandle> Lower;
 	};
 } // namespace
 

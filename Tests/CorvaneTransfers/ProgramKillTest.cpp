@@ -1,101 +1,111 @@
 #include "ChildProgram.h"
-#include "FileAnswers.h"
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Behaviours/Files.h"
+#include "Lab/Origin.h"
 #include "MortalFiles.h"
 #include "QuickPlace.h"
 #include "RandomBytes.h"
-#include "RawServer.h"
 #include "TempDir.h"
 
+#include <condition_variable>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <mutex>
 #include <random>
+#include <thread>
 
 namespace
 {
-	void startDownload(ChildProgram& program, const std::string& url, const std::string& target, int diesAtStep, bool movesReplace)
-	{
-		program.start({DOWNLOAD_CHILD, url, target, std::to_string(diesAtStep), movesReplace ? "1" : "0"});
-	}
-
-	/** How an origin sends one file: in pieces, with the connection broken off behind each, so that every run resumes. */
-	class FrailServer
+	/** A program that downloads, and may be killed a while after something has happened. */
+	class Downloader : public ChildProgram
 	{
 	public:
-		/** @param bytesToLive  sent bytes after which the program is killed, and then so many microseconds; -1 = never. */
-		void expect(const Version& inVersion, std::int64_t bytesToLive, int inMicroseconds)
+		void start(const std::string& url, const std::string& target, int diesAtStep, bool movesReplace)
 		{
-			const std::scoped_lock lock(mutex);
-			version = inVersion;
-			left = bytesToLive;
-			microseconds = inMicroseconds;
+			stopKilling();
+			ChildProgram::start({DOWNLOAD_CHILD, url, target, std::to_string(diesAtStep), movesReplace ? "1" : "0"});
 		}
 
-		std::string url() const { return server.url(); }
-		ChildProgram program;
-		std::atomic<int> timesAsked{0};
-		std::atomic<int> partsSent{0};
+		void killIn(std::chrono::microseconds time)
+		{
+			const std::scoped_lock lock(killing);
+			killers.emplace_back(
+				[this, time](const std::stop_token& stop)
+				{
+					std::unique_lock lockOfWait(killing);
+					if (!std::condition_variable_any().wait_for(lockOfWait, stop, time, [&] { return stop.stop_requested(); }))
+					{
+						kill();
+					}
+				});
+		}
 
 	private:
-		static constexpr size_t mostOfOnePiece = 50'000;
-		static constexpr size_t mostAtOnce = 10'000;
-
-		void serve(Connection& connection)
+		/** Those of an earlier run are not meant for the next one. */
+		void stopKilling()
 		{
-			const std::string head = connection.readHead();
-			++timesAsked;
-			std::string whole;
-			{
-				const std::scoped_lock lock(mutex);
-				whole = answerOf(version, Ranges::Honest, head);
-			}
-			partsSent += whole.starts_with("HTTP/1.1 206") ? 1 : 0;
-			const size_t piece = std::min(whole.size(), whole.find("\r\n\r\n") + 4 + mostOfOnePiece);
-			for (size_t begin = 0; begin < piece; begin += mostAtOnce)
-			{
-				const size_t number = std::min(mostAtOnce, piece - begin);
-				killWhenDue(static_cast<std::int64_t>(number));
-				connection.send(std::string_view(whole).substr(begin, number));
-			}
-			killWhenDue(piece == whole.size() ? INT64_MAX : 0);
+			std::vector<std::jthread> late;
+			const std::scoped_lock lock(killing);
+			late.swap(killers);
 		}
 
-		void killWhenDue(std::int64_t bytes)
-		{
-			int wait = 0;
-			{
-				const std::scoped_lock lock(mutex);
-				const bool isDue = left >= 0 && left < bytes;
-				left = isDue ? -1 : left < 0 ? left : left - bytes;
-				if (!isDue)
-				{
-					return;
-				}
-				wait = microseconds;
-			}
-			std::this_thread::sleep_for(std::chrono::microseconds(wait)); // moments between two sendings, too
-			program.kill();
-		}
-
-		std::mutex mutex; // guards what follows
-		Version version;
-		std::int64_t left = -1;
-		int microseconds = 0;
-		const RawServer server{[this](Connection& connection) { serve(connection); }};
+		std::mutex killing; // guards what follows
+		std::vector<std::jthread> killers;
 	};
 
-	Version newVersion(int number)
+	/** Bytes whose reader is killed a while after so many of them were handed out, or the last one was. */
+	class DeadlyContent : public Lab::Content
 	{
-		return {randomBytes(120'000, static_cast<unsigned>(number)), fmt::format("ETag: \"{}\"\r\n", number)};
+	public:
+		DeadlyContent(const std::string& bytes, Downloader& inReader, std::uint64_t inBytesToLive, int inMicroseconds)
+			: content(Lab::bytesContent(bytes))
+			, reader(inReader)
+			, left(inBytesToLive)
+			, time(inMicroseconds)
+		{
+		}
+		std::uint64_t size() const override { return content->size(); }
+		std::uint64_t fingerprint() const override { return content->fingerprint(); }
+		std::string_view at(std::uint64_t place, std::size_t most) const override
+		{
+			const std::string_view piece = content->at(place, most);
+			const bool isLast = place + piece.size() == size();
+			if (!isKilled && (piece.size() > left || isLast))
+			{
+				isKilled = true;
+				reader.killIn(time);
+			}
+			left -= std::min<std::uint64_t>(left, piece.size());
+			return piece;
+		}
+
+	private:
+		const Lab::ContentPtr content;
+		Downloader& reader;
+		mutable std::uint64_t left;
+		mutable bool isKilled = false;
+		const std::chrono::microseconds time;
+	};
+
+	/** Serves a file whose connection breaks again and again, so that every run resumes. */
+	void serve(Lab::Origin& origin, Lab::ContentPtr content)
+	{
+		origin.at("/", Lab::file(std::move(content)), Lab::pieces({10'000}), Lab::dropAfter(50'000));
+	}
+
+	std::string newVersion(int number)
+	{
+		return randomBytes(120'000, static_cast<unsigned>(number));
 	}
 } // namespace
 
 TEST(KilledProgram, LeavesTheOldFileOrTheNewOneAtRandomMoments)
 {
 	const TempDir dir(quickPlace());
-	FrailServer server;
+	Downloader program;
+	Lab::Origin origin;
 	std::mt19937 random(17);
-	Version current = newVersion(0);
+	std::string current = newVersion(0);
 	std::string seen = "old";
 	int finished = 0;
 	for (int kills = 0; kills < 200;)
@@ -105,15 +115,15 @@ TEST(KilledProgram, LeavesTheOldFileOrTheNewOneAtRandomMoments)
 		{
 			dir.write("file", seen);
 		}
-		const int askedBefore = server.timesAsked;
-		server.expect(
-			current, static_cast<std::int64_t>(random() % 150'000), 1 << random() % 20); // from at once to long enough for a slow build
-		startDownload(server.program, server.url(), dir.path("file"), 0, true);
-		const int status = server.program.wait();
+		const auto askedBefore = origin.requests();
+		const std::uint64_t bytesToLive = random() % 150'000;
+		serve(origin, std::make_shared<DeadlyContent>(current, program, bytesToLive, 1 << random() % 20)); // long enough for a slow build
+		program.start(origin.url(), dir.path("file"), 0, true);
+		const int status = program.wait();
 		ASSERT_TRUE(status == 0 || status == -1) << status;
-		const bool wasWhole = server.timesAsked == askedBefore; // a run that was killed behind its last step but one
+		const bool wasWhole = origin.requests() == askedBefore; // a run that was killed behind its last step but one
 		const std::string now = dir.read("file");
-		ASSERT_TRUE(now == current.bytes || (now == seen && (status != 0 || wasWhole)));
+		ASSERT_TRUE(now == current || (now == seen && (status != 0 || wasWhole)));
 		seen = now;
 		kills += status == 0 ? 0 : 1;
 		finished += status == 0 ? 1 : 0;
@@ -122,19 +132,22 @@ TEST(KilledProgram, LeavesTheOldFileOrTheNewOneAtRandomMoments)
 			current = newVersion(kills + 1000 * finished);
 		}
 	}
-	server.expect(current, -1, 0);
-	startDownload(server.program, server.url(), dir.path("file"), 0, true);
-	ASSERT_EQ(server.program.wait(), 0);
-	EXPECT_TRUE(dir.read("file") == current.bytes);
+	serve(origin, Lab::bytesContent(current));
+	program.start(origin.url(), dir.path("file"), 0, true);
+	ASSERT_EQ(program.wait(), 0);
+	EXPECT_TRUE(dir.read("file") == current);
 	EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 1) << "nothing else is left";
 	EXPECT_GT(finished, 5);
-	EXPECT_GT(server.partsSent, 100);
+	const std::vector<Lab::Exchange> log = origin.log();
+	EXPECT_GT(std::count_if(log.begin(), log.end(), [](const Lab::Exchange& each) { return each.status == 206; }), 100);
 }
 
 TEST(KilledProgram, LeavesTheOldFileOrTheNewOneAtEachStepOfItsFiles)
 {
-	FrailServer server;
-	const Version version = newVersion(1);
+	Downloader program;
+	Lab::Origin origin;
+	const std::string version = newVersion(1);
+	serve(origin, Lab::bytesContent(version));
 	for (const bool movesReplace : {true, false})
 	{
 		int step = 0;
@@ -143,15 +156,14 @@ TEST(KilledProgram, LeavesTheOldFileOrTheNewOneAtEachStepOfItsFiles)
 			const TempDir dir(quickPlace());
 			dir.write("file", "old");
 			SCOPED_TRACE(fmt::format("killed at step {}", ++step));
-			server.expect(version, -1, 0);
-			startDownload(server.program, server.url(), dir.path("file"), step, movesReplace);
-			status = server.program.wait();
+			program.start(origin.url(), dir.path("file"), step, movesReplace);
+			status = program.wait();
 			ASSERT_TRUE(status == 0 || status == MortalFiles::exitCode) << status;
 			const std::string now = dir.read(movesReplace || dir.exists("file") ? "file" : "file.corvold");
-			ASSERT_TRUE(now == "old" || now == version.bytes);
-			startDownload(server.program, server.url(), dir.path("file"), 0, movesReplace);
-			ASSERT_EQ(server.program.wait(), 0);
-			ASSERT_TRUE(dir.read("file") == version.bytes);
+			ASSERT_TRUE(now == "old" || now == version);
+			program.start(origin.url(), dir.path("file"), 0, movesReplace);
+			ASSERT_EQ(program.wait(), 0);
+			ASSERT_TRUE(dir.read("file") == version);
 			ASSERT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 1) << "nothing else is left";
 		}
 		EXPECT_GT(step, 20);

@@ -1,7 +1,5 @@
 #include "HttpFixture.h"
-#include "Lab/Behaviours/Answers.h"
-#include "Lab/Behaviours/Faults.h"
-#include "Lab/Origin.h"
+#include "LoopbackListener.h"
 
 namespace
 {

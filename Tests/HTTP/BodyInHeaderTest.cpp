@@ -1,4 +1,5 @@
 #include "HttpFixture.h"
+#include "RawServer.h"
 
 namespace
 {

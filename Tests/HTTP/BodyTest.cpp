@@ -1,4 +1,5 @@
 #include "HttpFixture.h"
+#include "Lab/Behaviours/Uploads.h"
 #include "RandomBytes.h"
 #include "TempDir.h"
 
@@ -9,6 +10,8 @@ namespace
 	class Body : public HttpTest
 	{
 	protected:
+		Body() { sink.at("*", ""); }
+		const Lab::Request& last() const { return *sink.log().back().request; }
 		Exchange& makeFromFile(const std::string& name)
 		{
 			Exchange& exchange = make(sink.url(), "PUT");
@@ -17,7 +20,7 @@ namespace
 		}
 
 		TempDir Dir;
-		RawServer sink{answering([](const std::string&) { return answer(200, ""); })};
+		Lab::Origin sink;
 	};
 } // namespace
 
@@ -34,14 +37,14 @@ TEST_F(Body, TextGoesOutAsUtf8BehindItsLengthWithEveryVerbAndAGetHasNone)
 			EXPECT_EQ(run(exchange).succeeded(), !refused) << verb;
 			if (!refused)
 			{
-				EXPECT_EQ(sink.requests().back(),
+				EXPECT_EQ(last().head,
 					verb + " / HTTP/1.1\r\n" + firstHeaders(sink.authority()) +
 						"User-Agent: test\r\nContent-Type: text/plain\r\nContent-Length: " + std::to_string(content.size()) + "\r\n\r\n");
-				EXPECT_EQ(sink.bodies().back(), content) << verb;
+				EXPECT_EQ(last().body, content) << verb;
 			}
 		}
 	}
-	EXPECT_EQ(sink.connectionCount(), 1);
+	EXPECT_EQ(sink.connections(), 1u);
 }
 
 TEST_F(Body, OfAPostWithoutATypeEndsTheProcess)
@@ -54,7 +57,7 @@ TEST_F(Body, OfAPostWithoutATypeEndsTheProcess)
 		run(exchange);
 	};
 	send("only-safe_letters.~1");
-	EXPECT_EQ(sink.bodies().back(), "only-safe_letters.~1");
+	EXPECT_EQ(last().body, "only-safe_letters.~1");
 	EXPECT_DEATH(send("a=1"), "");
 }
 
@@ -66,8 +69,8 @@ TEST_F(Body, FilesAreOpenedByTheStartAndLargeOnesDoNotWaitForPermission)
 	uint64 sizeAtTheEnd = 1;
 	exchange.onProgress = [&](IHttpRequest& request) { sizeAtTheEnd = request.GetContentLength(); };
 	EXPECT_TRUE(run(exchange).succeeded());
-	EXPECT_EQ(headerOf(sink.requests().back(), "Expect"), "");
-	EXPECT_TRUE(sink.bodies().back() == content);
+	EXPECT_EQ(last().header("Expect"), "");
+	EXPECT_TRUE(last().body == content);
 	EXPECT_EQ(exchange.progress().back().sent, content.size());
 	EXPECT_EQ(sizeAtTheEnd, 0u) << "closed before the last progress";
 	for (const char* unreadable : {"missing", ""})
@@ -77,7 +80,7 @@ TEST_F(Body, FilesAreOpenedByTheStartAndLargeOnesDoNotWaitForPermission)
 		ASSERT_TRUE(waitFor([&] { return refused.completed(); }));
 		EXPECT_FALSE(refused.succeeded());
 	}
-	EXPECT_EQ(sink.requests().size(), 1u);
+	EXPECT_EQ(sink.requests(), 1u);
 }
 
 TEST_F(Body, SendingIsToldOnTheGameThreadOnly)
@@ -85,21 +88,15 @@ TEST_F(Body, SendingIsToldOnTheGameThreadOnly)
 	for (const Policy policy : {Policy::CompleteOnHttpThread, Policy::CompleteOnGameThread})
 	{
 		constexpr int size = 32 << 20;
-		Gate read, answered;
-		RawServer server(
-			[&](Connection& connection)
-			{
-				connection.readBody(connection.readHead());
-				read.open();
-				connection.waitFor(answered);
-				connection.send(answer(200, ""));
-			});
+		Lab::Gate answered;
+		Lab::Origin server;
+		server.at("/", Lab::hold(answered));
 		Exchange& exchange = make(server.url(), "PUT", policy);
 		TArray<uint8> content;
 		content.SetNumUninitialized(size);
 		exchange.request().SetContent(std::move(content));
 		ASSERT_TRUE(exchange.start());
-		ASSERT_TRUE(pumpUntil([&] { return read.isOpen(); }));
+		ASSERT_TRUE(pumpUntil([&] { return server.running() == 1; }));
 		EXPECT_EQ(exchange.progress().empty(), policy == Policy::CompleteOnHttpThread);
 		answered.open();
 		ASSERT_TRUE(pumpUntil([&] { return exchange.completed(); }));
@@ -118,46 +115,32 @@ TEST_F(Body, StreamsAreReadOnTheHttpThread)
 		EXPECT_EQ(run(exchange).succeeded(), breaksAt == content.npos);
 		EXPECT_TRUE(stream->askedOnlyElsewhere);
 	}
-	EXPECT_TRUE(sink.bodies().back() == content);
+	EXPECT_TRUE(sink.log().front().request->body == content);
 }
 
 TEST_F(Body, IsNotSentAgainOnceItMayHaveArrived)
 {
 	for (const std::string verb : {"GET", "POST"})
 	{
-		RawServer server(
-			[](Connection& connection)
-			{
-				connection.readBody(connection.readHead());
-				connection.send(answer(200, ""));
-				connection.readBody(connection.readHead());
-				if (connection.number() > 0)
-				{
-					connection.send(answer(200, ""));
-				} // else hangs up without an answer
-			});
+		Lab::Origin server; // the second request finds its connection broken
+		server.at("/", [](const Lab::Request& request) { return request.number == 2 ? Lab::drop() : Lab::Behaviour(""); });
 		ASSERT_TRUE(get(server.url()).succeeded());
 		Exchange& exchange = make(server.url(), verb.c_str());
 		exchange.request().SetContentAsString(verb == "POST" ? "x" : "");
 		EXPECT_EQ(run(exchange).succeeded(), verb == "GET");
-		EXPECT_EQ(server.requests().size(), verb == "GET" ? 3u : 2u);
+		EXPECT_EQ(server.requests(), verb == "GET" ? 3u : 2u);
 	}
 }
 
 TEST_F(Body, AnAnnouncedLengthThatIsWrongCostsTheConnection)
 {
-	RawServer server(
-		[](Connection& connection)
-		{
-			connection.readHead();
-			connection.send(answer(200, ""));
-			connection.waitForPeer();
-		});
-	for (int round = 1; round <= 4; ++round)
+	Lab::Origin server;
+	server.at("/", Lab::upload({.refusesAfter = 0}), Lab::raw("HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n", Lab::RawEnd::Stall));
+	for (uint64_t round = 1; round <= 4; ++round)
 	{
 		Exchange& exchange = make(server.url(), round % 2 ? "GET" : "HEAD"); // without the body that both announce
 		round % 2 ? exchange.request().SetHeader("Content-Length", "3") : exchange.request().SetContentAsString("abc");
 		EXPECT_TRUE(run(exchange).succeeded());
-		EXPECT_EQ(server.connectionCount(), round);
+		EXPECT_EQ(server.connections(), round);
 	}
 }

@@ -9,6 +9,11 @@ namespace
 	class Callbacks : public HttpTest, public testing::WithParamInterface<Policy>
 	{
 	protected:
+		Callbacks()
+		{
+			slow.at("/", "abcdefghi", Lab::hold(rest, {.byte = 3}));
+			quick.at("*", [](const Lab::Request& request) { return request.target; });
+		}
 		bool onGameThread() const { return GetParam() == Policy::CompleteOnGameThread; }
 		Exchange& make(const std::string& url) { return HttpTest::make(url, nullptr, GetParam()); }
 		/** Starts a request of which the first three bytes come, and waits for them. */
@@ -26,16 +31,8 @@ namespace
 			EXPECT_EQ(exchange.record().threads.contains(std::this_thread::get_id()), onGameThread());
 		}
 
-		Gate rest; // six bytes more
-		RawServer slow{[this](Connection& connection)
-			{
-				connection.readHead();
-				connection.send("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nabc");
-				connection.waitFor(rest);
-				connection.send("defghi");
-				connection.waitForPeer();
-			}};
-		RawServer quick{answering([](const std::string& head) { return answer(200, targetOf(head)); })};
+		Lab::Gate rest; // six bytes more
+		Lab::Origin slow, quick;
 	};
 } // namespace
 
@@ -67,22 +64,22 @@ TEST_P(Callbacks, OfARefusedRequestComeAtOnceOnTheGameThreadOnly)
 TEST_P(Callbacks, CancelWithinTheStartSendsNothing)
 {
 	// The HTTP thread stands still in a callback meanwhile, so that it finds start and cancel together.
-	Gate reached, busy;
+	Lab::Gate reached, busy;
 	Exchange& blocker = HttpTest::make(quick.url());
 	blocker.onProgress = [&](IHttpRequest&)
 	{
 		reached.open();
-		busy.wait({});
+		busy.wait();
 	};
 	blocker.start();
-	reached.wait({});
+	reached.wait();
 	Exchange& exchange = make(slow.url());
 	EXPECT_TRUE(exchange.start());
 	exchange.request().CancelRequest();
 	busy.open();
 	ASSERT_TRUE(pumpUntil([&] { return exchange.completed(); }));
 	EXPECT_FALSE(exchange.succeeded());
-	EXPECT_EQ(slow.connectionCount(), 0);
+	EXPECT_EQ(slow.connections(), 0u);
 }
 
 TEST_P(Callbacks, CancelKeepsWhatArrivedAndTellsNoCode)
@@ -153,7 +150,7 @@ TEST_P(Callbacks, NeedNoHolderOfTheRequestAndMayStartTheNext)
 	};
 	start(50);
 	EXPECT_TRUE(pumpUntil([&] { return done.load(); }));
-	EXPECT_EQ(quick.connectionCount(), 1);
+	EXPECT_EQ(quick.connections(), 1u);
 }
 
 namespace
@@ -161,7 +158,8 @@ namespace
 	class Service : public HttpTest
 	{
 	protected:
-		RawServer server{answering([](const std::string&) { return answer(200, "x"); })};
+		Service() { server.at("/", "x"); }
+		Lab::Origin server;
 	};
 } // namespace
 
@@ -184,5 +182,5 @@ TEST_F(Service, RefusesRequestsWhileStopped)
 	EXPECT_TRUE(get(server.url()).succeeded());
 	ASSERT_TRUE(pumpUntil([&] { return refused.completed(); }));
 	EXPECT_FALSE(refused.succeeded());
-	EXPECT_EQ(server.requests().size(), 1u);
+	EXPECT_EQ(server.requests(), 1u);
 }

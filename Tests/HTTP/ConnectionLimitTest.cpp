@@ -7,7 +7,8 @@ namespace
 
 TEST_F(ConnectionLimit, ThreeHundredAtOnceShareSixConnections)
 {
-	RawServer server(answering([](const std::string&) { return answer(200, "ok"); }));
+	Lab::Origin server;
+	server.at("/", "ok");
 	std::vector<Exchange*> all;
 	for (int number = 0; number < 300; ++number)
 	{
@@ -19,7 +20,7 @@ TEST_F(ConnectionLimit, ThreeHundredAtOnceShareSixConnections)
 		pumpUntil([&] { return exchange->completed(); });
 		EXPECT_TRUE(exchange->succeeded());
 	}
-	EXPECT_EQ(server.connectionCount(), 6);
+	EXPECT_EQ(server.connections(), 6u);
 }
 
 TEST_F(ConnectionLimit, WaitingIsOutsideTheTimeLimitsAndOtherHostsAreNotHeldUp)
@@ -28,16 +29,11 @@ TEST_F(ConnectionLimit, WaitingIsOutsideTheTimeLimitsAndOtherHostsAreNotHeldUp)
 	Settings.connectionsPerHost = 2;
 	Settings.connectTimeoutSeconds = limit;
 	restart();
-	Gate gate;
-	RawServer busy(
-		[&](Connection& connection)
-		{
-			const std::string head = connection.readHead();
-			connection.waitFor(gate);
-			connection.send(answer(200, targetOf(head), "Connection: close\r\n"));
-		});
-	RawServer silent([](Connection& connection) { connection.waitForPeer(); });
-
+	Lab::Gate gate;
+	Lab::Origin busy, silent;
+	busy.at(
+		"*", [](const Lab::Request& request) { return request.target; }, Lab::hold(gate), Lab::closing());
+	silent.at("/", Lab::stall());
 	std::vector<Exchange*> all;
 	for (const char* path : {"/first", "/second", "/third", "/fourth", "/fifth"})
 	{
@@ -56,7 +52,7 @@ TEST_F(ConnectionLimit, WaitingIsOutsideTheTimeLimitsAndOtherHostsAreNotHeldUp)
 	all[3]->request().CancelRequest();
 	pumpUntil([&] { return all[3]->completed(); });
 	EXPECT_EQ(all[3]->request().GetFailureReason(), EHttpFailureReason::Cancelled);
-	EXPECT_EQ(busy.connectionCount(), 2);
+	EXPECT_EQ(busy.connections(), 2u);
 	EXPECT_FALSE(all[2]->completed() || all[4]->completed());
 	gate.open();
 	for (Exchange* exchange : {all[0], all[1], all[2], all[4]})
@@ -64,7 +60,7 @@ TEST_F(ConnectionLimit, WaitingIsOutsideTheTimeLimitsAndOtherHostsAreNotHeldUp)
 		pumpUntil([&] { return exchange->completed(); });
 	}
 	EXPECT_EQ(all[2]->body() + all[4]->body(), "/third/fifth");
-	EXPECT_EQ(busy.connectionCount(), 4);
+	EXPECT_EQ(busy.connections(), 4u);
 
 	for (int number = 0; number < 3; ++number)
 	{

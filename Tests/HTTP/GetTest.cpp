@@ -7,20 +7,25 @@ namespace
 	class Get : public HttpTest
 	{
 	protected:
+		Get()
+		{
+			server.at("*", [](const Lab::Request& request) { return request.target.starts_with("/a") ? "x" : ""; });
+		}
+
 		/** Starts a request that is either refused, with one line in the log, or sent; @return its head, empty = refused. */
 		std::string headOf(Exchange& exchange)
 		{
-			const size_t before = server.requests().size();
+			const uint64_t before = server.requests();
 			const int errors = Log.count("LogHttp", ELogVerbosity::Error);
 			const bool sent = exchange.start();
 			EXPECT_EQ(Log.count("LogHttp", ELogVerbosity::Error) - errors, sent ? 0 : 1);
 			EXPECT_TRUE(pumpUntil([&] { return exchange.completed(); }));
 			EXPECT_EQ(exchange.succeeded(), sent);
-			EXPECT_EQ(server.requests().size() - before, sent ? 1u : 0u);
-			return sent ? server.requests().back() : "";
+			EXPECT_EQ(server.requests() - before, sent ? 1u : 0u);
+			return sent ? server.log().back().request->head : "";
 		}
 
-		RawServer server{answering([](const std::string& head) { return answer(200, head.starts_with("GET /a") ? "x" : ""); })};
+		Lab::Origin server;
 	};
 } // namespace
 
@@ -44,8 +49,10 @@ TEST_F(Get, PutsExactlyTheseBytesOnTheWire)
 
 TEST_F(Get, ReadsTheHeadersOfTheAnswer)
 {
-	RawServer origin(answering([](const std::string&)
-		{ return answer(200, "", "X-Twice: a\r\nEMPTY:\r\nx-twice:b\r\nX-Bad: \xFFz\r\nX-Blanks: \t in  side \t\r\n"); }));
+	Lab::Origin origin;
+	origin.at("/",
+		Lab::raw(
+			"HTTP/1.1 200 OK\r\nContent-Length: 0\r\nX-Twice: a\r\nEMPTY:\r\nx-twice:b\r\nX-Bad: \xFFz\r\nX-Blanks: \t in  side \t\r\n\r\n"));
 	const FHttpResponsePtr response = get(origin.url()).response();
 	EXPECT_EQ(utf8(response->GetHeader("x-TWICE")), "a, b");
 	EXPECT_EQ(utf8(response->GetHeader("X-Absent")), "");
@@ -82,8 +89,7 @@ TEST_F(Get, SendsOnlyCleanVerbsAndWebUrls)
 		{"http:/" + here + "/", ""}, {"http://", ""}, {"http://" + here + "9999/", ""}, {"http://[::1/", ""}, {"", ""}};
 	for (const auto& [url, target] : cases)
 	{
-		const std::string head = headOf(make(url));
-		EXPECT_EQ(head.empty() ? "" : targetOf(head), target) << url;
+		EXPECT_EQ(headOf(make(url)).empty() ? "" : server.log().back().request->target, target) << url;
 	}
 	for (const char* verb : {"GET / HTTP/1.1\r\nX: 1\r\n\r\nGET", "", "A B"})
 	{
@@ -93,13 +99,9 @@ TEST_F(Get, SendsOnlyCleanVerbsAndWebUrls)
 
 TEST_F(Get, StaysAsItIsWhileItRunsAndMayBeSentAgainLater)
 {
-	Gate gate;
-	RawServer origin(answering(
-		[&](const std::string&)
-		{
-			gate.wait({});
-			return answer(origin.requests().size() == 1 ? 200 : 404, "");
-		}));
+	Lab::Gate gate;
+	Lab::Origin origin;
+	origin.at("/", Lab::inTurn({Lab::hold(gate), Lab::status({.code = 404})}));
 	Exchange& exchange = make(origin.url());
 	exchange.request().CancelRequest(); // harmless: nothing runs yet
 	EXPECT_TRUE(exchange.start());
@@ -114,5 +116,5 @@ TEST_F(Get, StaysAsItIsWhileItRunsAndMayBeSentAgainLater)
 	EXPECT_TRUE(exchange.start());
 	ASSERT_TRUE(pumpUntil([&] { return exchange.record().completions == 2; }));
 	EXPECT_EQ(exchange.code(), 404);
-	EXPECT_EQ(headerOf(origin.requests()[1], "X-Late"), "");
+	EXPECT_EQ(origin.log()[1].request->header("X-Late"), "");
 }

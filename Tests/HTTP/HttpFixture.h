@@ -2,8 +2,10 @@
 
 #include "Host/HttpService.h"
 #include "HttpModule.h"
+#include "Lab/Behaviours/Answers.h"
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Origin.h"
 #include "LogCapture.h"
-#include "RawServer.h"
 #include "TextSupport.h"
 #include "Waiting.h"
 

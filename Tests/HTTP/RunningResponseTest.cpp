@@ -40,21 +40,13 @@ namespace
 		}
 		const std::thread::id home = std::this_thread::get_id();
 	};
-
-	const std::string nineBytes = "HTTP/1.1 200 OK\r\nX-A: 1\r\nContent-Length: 9\r\n\r\n";
 } // namespace
 
 TEST_F(RunningResponse, ShowsItsLengthAndItsBytesAndNothingElse)
 {
-	Gate second;
-	RawServer server(
-		[&](Connection& connection)
-		{
-			connection.readHead();
-			connection.send(nineBytes + "abc");
-			connection.waitFor(second);
-			connection.send("defghi");
-		});
+	Lab::Gate second;
+	Lab::Origin server;
+	server.at("/", "abcdefghi", Lab::headers({{"X-A", "1"}}), Lab::hold(second, {.byte = 3}));
 	Exchange& exchange = make(server.url());
 	std::vector<std::string> bodies;
 	exchange.onProgress = [&](IHttpRequest& request)
@@ -79,14 +71,10 @@ TEST_F(RunningResponse, ShowsItsLengthAndItsBytesAndNothingElse)
 
 TEST_F(RunningResponse, TellsItsLinesAsTheyComeButThoseOfRedirects)
 {
-	RawServer server(answering(
-		[](const std::string& head)
-		{
-			const std::string target = targetOf(head);
-			return target == "/"            ? answer(302, "moved", "Location: /there\r\nX-A: hidden\r\n")
-				   : target == "/unchanged" ? "HTTP/1.1 304 Same\r\nX-A: hidden\r\n\r\n"
-											: "HTTP/1.1 103 Early\r\nX-A: 1\r\n\r\n" + answer(404, "x", "x-a: 2\r\n");
-		}));
+	const Lab::Behaviour hidden = Lab::headers({{"X-A", "hidden"}});
+	Lab::Origin server;
+	server.at("/", "moved", Lab::redirect({.to = "/there"}), hidden).at("/unchanged", Lab::status({.code = 304}), hidden);
+	server.at("/there", Lab::raw("HTTP/1.1 103 Early\r\nX-A: 1\r\n\r\nHTTP/1.1 404 No\r\nContent-Length: 1\r\nx-a: 2\r\n\r\nx"));
 	listen(server.url());
 	EXPECT_THAT(seen, ElementsAre("103", "X-A=1", "404", "Content-Length=1", "x-a=2"));
 	Exchange& unchanged = listen(server.url("/unchanged"));
@@ -98,7 +86,8 @@ TEST_F(RunningResponse, TellsItsLinesAsTheyComeButThoseOfRedirects)
 TEST_F(RunningResponse, ReportsEachBlockOnceAndNeverTwiceTheSame)
 {
 	constexpr size_t size = 20 << 20;
-	RawServer server(answering([](const std::string&) { return answer(200, std::string(size, 'x')); }));
+	Lab::Origin server;
+	server.at("/", std::string(size, 'x'));
 	const std::vector<Exchange::Progress> progress = get(server.url()).progress();
 	EXPECT_GE(progress.size(), size / (64 << 10)) << "nothing is put together";
 	EXPECT_EQ(progress.back().received, size);
@@ -110,7 +99,8 @@ TEST_F(RunningResponse, ReportsEachBlockOnceAndNeverTwiceTheSame)
 
 TEST_F(RunningResponse, MayGoToAStreamInsteadOfTheResponse)
 {
-	RawServer server(answering([](const std::string&) { return answer(200, "abcdefghi"); }));
+	Lab::Origin server;
+	server.at("/", "abcdefghi");
 	for (const bool fits : {true, false})
 	{
 		const TSharedRef<BytesArchive> archive = MakeShared<BytesArchive>("", fits ? 9 : 0);
@@ -138,8 +128,8 @@ TEST_F(RunningResponse, MayGoToAStreamInsteadOfTheResponse)
 TEST_F(RunningResponse, PassesNothingOnBehindACancel)
 {
 	// Both chunks come in one piece, so the second, and the end, are at hand before the cancel is carried out.
-	RawServer server(answering(
-		[](const std::string&) { return "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n3\r\nabc\r\n6\r\ndefghi\r\n0\r\n\r\n"; }));
+	Lab::Origin server;
+	server.at("/", Lab::raw("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n3\r\nabc\r\n6\r\ndefghi\r\n0\r\n\r\n"));
 	Exchange& exchange = make(server.url());
 	std::string bytes;
 	stream(exchange,
@@ -154,13 +144,8 @@ TEST_F(RunningResponse, PassesNothingOnBehindACancel)
 
 TEST_F(RunningResponse, EndsAtALimitOfItsOwn)
 {
-	RawServer server(
-		[](Connection& connection)
-		{
-			connection.readHead();
-			connection.send(nineBytes + "abc");
-			connection.waitForPeer();
-		});
+	Lab::Origin server;
+	server.at("/", "abcdefghi", Lab::stall({.at = {.byte = 3}}));
 	for (const bool whole : {true, false})
 	{
 		Exchange& exchange = make(server.url());

@@ -1,14 +1,15 @@
 #include "HttpFixture.h"
-#include "TlsIdentity.h"
+#include "TempDir.h"
 
 TEST_F(HttpTest, TrustsOnlyKnownAuthorities)
 {
-	const TlsIdentity identity, stranger;
-	RawServer server(answering([](const std::string&) { return answer(200, "secret"); }), &identity);
-	const std::string otherName = "https://localhost:" + std::to_string(server.port()) + "/";
-	for (const auto& [certificates, url, trusted] :
-		{std::tuple(std::string(), server.url(), false), {stranger.certificateFile, server.url(), false},
-			{identity.certificateFile, otherName, false}, {identity.certificateFile, server.url(), true}})
+	Lab::Origin server({.usesTls = true}), other({.address = "127.0.0.2", .usesTls = true});
+	server.at("/", "secret");
+	const TempDir dir;
+	const std::string known = dir.write("known", server.certificate()), stranger = dir.write("stranger", other.certificate());
+	const std::string otherName = "https://127.0.0.2:" + std::to_string(other.port()) + "/"; // which its certificate does not say
+	for (const auto& [certificates, url, trusted] : {std::tuple(std::string(), server.url(), false), {stranger, server.url(), false},
+			 {stranger, otherName, false}, {known, server.url(), true}})
 	{
 		SCOPED_TRACE(certificates + " " + url);
 		Settings.certificateFile = certificates;
@@ -17,5 +18,7 @@ TEST_F(HttpTest, TrustsOnlyKnownAuthorities)
 		EXPECT_EQ(exchange.succeeded(), trusted);
 		EXPECT_EQ(exchange.body(), trusted ? "secret" : "");
 	}
-	EXPECT_EQ(server.requests().size(), 1u);
+	EXPECT_EQ(server.requests(), 1u);
+	EXPECT_EQ(other.requests(), 0u);
+	EXPECT_EQ(other.connections(), 1u);
 }

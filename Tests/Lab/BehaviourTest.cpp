@@ -44,6 +44,7 @@ namespace
 		{digits + "}", {{"If-None-Match: " + tagged.substr(10)}}, CURLE_OK, 304, ""},
 		{digits + ", ranges = 'ignored' }", {{"Range: bytes=8-"}}, CURLE_OK, 200, "0123456789", "Accept-Ranges: none"},
 		{digits + ", ranges = 'wrongStart' }", {{"Range: bytes=2-4"}}, CURLE_OK, 206, "34", "bytes 3-4/10"},
+		{digits + ", ranges = 'wrongBytes' }", {{"Range: bytes=2-4"}}, CURLE_OK, 206, "123", "bytes 2-4/10"},
 		{digits + ", ranges = 'wrongTotal' }", {{"Range: bytes=2-4"}}, CURLE_OK, 206, "234", "bytes 2-4/11"},
 		{digits + ", ranges = 'noTotal' }", {{"Range: bytes=2-4"}}, CURLE_OK, 206, "234", "bytes 2-4/*"},
 		{digits + ", ranges = 'otherValidator' }", {{"Range: bytes=2-4"}}, CURLE_OK, 206, "234", "ETag: \"another-file\""},
@@ -173,7 +174,7 @@ TEST(Behaviour, TakesItsTime)
 		lab.at("/pieces", "abcd", lab.pieces{ sizes = { 1 }, pause = 30 })
 		lab.at("/late", "abcd", lab.stall{ milliseconds = 80 })
 		lab.at("/events", lab.events{ number = 3, pause = 40 })
-		lab.at("/upload", lab.upload{ bytesPerSecond = 50000 })
+		lab.at("/upload", lab.upload{ bytesPerSecond = 100000, waits = 40 })
 	)lua");
 	for (const char* const path : {"/rate", "/pieces", "/late", "/events"})
 	{

@@ -76,18 +76,22 @@ TEST(LabOrigin, ServesManyAndKeepsNothing)
 	EXPECT_EQ(openDescriptors(), before);
 }
 
-TEST(LabOrigin, HoldsAnAnswerUntilTheGateOpens)
+TEST(LabOrigin, HoldsAnAnswerOrABodyUntilTheGateOpens)
 {
 	Lab::Origin origin;
 	Lab::Gate gate;
 	origin.at("/held", Lab::file("0123456789"), Lab::hold(gate, {.byte = 3}));
-	origin.at("/stalled", Lab::file("0123456789"), Lab::stall());
+	origin.at("/stalled", Lab::file("0123456789"), Lab::stall()).at("/unread", "read", Lab::holdBody(gate));
 	std::string held;
 	std::jthread client([&] { held = converse(origin.port(), "GET /held HTTP/1.1\r\nConnection: close\r\n\r\n"); });
 	std::jthread other([&] { EXPECT_EQ(converse(origin.port(), "GET /stalled HTTP/1.1\r\n\r\n"), ""); });
-	waitFor([&] { return origin.running() == 2; });
+	std::jthread sender([&] { EXPECT_EQ(ask(origin.url("/unread"), {.body = std::string(1 << 20, 'x')}).body, "read"); });
+	waitFor([&] { return origin.running() == 2 && origin.requests() == 3; });
+	EXPECT_EQ(origin.log().size(), 2u) << "a body is read that should be left";
+	EXPECT_FALSE(gate.isOpen());
 	gate.open();
 	client.join();
+	sender.join();
 	EXPECT_THAT(held, ::testing::EndsWith("0123456789"));
 	EXPECT_TRUE(waitFor([&] { return origin.running() == 1; }));
 	origin.dropConnections();

@@ -1,10 +1,10 @@
+#include "Lab/Behaviours/Files.h"
+#include "Lab/Origin.h"
 #include "ProcessRun.h"
 #include "RandomBytes.h"
-#include "RawServer.h"
 #include "TempDir.h"
 #include "Waiting.h"
 
-#include <atomic>
 #include <gtest/gtest.h>
 
 namespace
@@ -14,25 +14,6 @@ namespace
 			filePathWithFileName = arg[2], ActionIfFileExists = EHTTPCorvFileDownloadResumeType.E_RESUME, FileSizeStepsInBytes = 9999 }
 		CorvaneBPLibrary.executeHttpRequests{ httpRequests = call.httpRequests }
 	)lua";
-
-	/** Serves parts of a file, and counts them. */
-	RawServer::Script servingParts(const std::string& content, std::atomic<int>& served)
-	{
-		return [&](Connection& connection)
-		{
-			for (;;)
-			{
-				const std::string head = connection.readHead();
-				size_t first = 0;
-				size_t last = content.size() - 1;
-				std::sscanf(head.c_str() + head.find("Range:"), "Range: bytes=%zu-%zu", &first, &last);
-				last = std::min(last, content.size() - 1);
-				const std::string range = std::to_string(first) + "-" + std::to_string(last) + "/" + std::to_string(content.size());
-				connection.send(answer(206, content.substr(first, last + 1 - first), "Content-Range: bytes " + range + "\r\n"));
-				++served;
-			}
-		};
-	}
 } // namespace
 
 TEST(DownloadCrash, AProgramKilledAtAnyMomentLeavesATruePrefixThatAResumeFinishes)
@@ -40,14 +21,14 @@ TEST(DownloadCrash, AProgramKilledAtAnyMomentLeavesATruePrefixThatAResumeFinishe
 	const TempDir directory;
 	const std::string run = directory.write("download.lua", script);
 	const std::string content = randomBytes(1000000); // so many steps that none of these moments comes too late
-	std::atomic<int> served = 0;
-	RawServer server(servingParts(content, served));
-	for (int steps = 1; steps <= 19; steps += 3)
+	Lab::Origin server;
+	server.at("/", Lab::file(content));
+	for (unsigned steps = 1; steps <= 19; steps += 3)
 	{
-		served = 0;
+		const auto before = server.requests();
 		const std::string file = "file-" + std::to_string(steps);
 		RunningProcess program({CORVANE_PROGRAM, "run", run, server.url(), directory.path(file)});
-		ASSERT_TRUE(waitFor([&] { return served >= steps; }));
+		ASSERT_TRUE(waitFor([&] { return server.requests() > before + steps; }));
 		EXPECT_EQ(program.end().status, 128 + 9);
 		const std::string left = directory.exists(file) ? directory.read(file) : "";
 		EXPECT_TRUE(content.starts_with(left)) << "killed after step " << steps;

@@ -1,11 +1,13 @@
+#include "Lab/Behaviours/Answers.h"
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Behaviours/Files.h"
+#include "Lab/Origin.h"
 #include "ProcessRun.h"
 #include "RandomBytes.h"
-#include "RawServer.h"
 #include "TargetNames.h"
 #include "TempDir.h"
 #include "Waiting.h"
 
-#include <charconv>
 #include <csignal>
 #include <gmock/gmock.h>
 #include <sstream>
@@ -18,29 +20,6 @@ using ::testing::MatchesRegex;
 namespace
 {
 	const std::string content = randomBytes(3'000'000);
-
-	std::string partFrom(const std::string& head)
-	{
-		const size_t place = head.find("\r\nRange: bytes=");
-		size_t first = 0;
-		if (place == head.npos)
-		{
-			return answer(200, content, "ETag: \"one\"\r\n");
-		}
-		std::from_chars(head.data() + place + 15, head.data() + head.size(), first);
-		const std::string range =
-			"bytes " + std::to_string(first) + "-" + std::to_string(content.size() - 1) + "/" + std::to_string(content.size());
-		return answer(206, content.substr(first), "ETag: \"one\"\r\nContent-Range: " + range + "\r\n");
-	}
-
-	/** What stands under an address: its own path, or what the caller's header says. */
-	std::string respond(const std::string& head)
-	{
-		const size_t path = head.find(' ') + 1;
-		const std::string target = head.substr(path, head.find(' ', path) - path);
-		const bool isAllowed = head.find("\r\nX-Key: k\r\n") != head.npos;
-		return target == "/missing" || (target == "/locked" && !isAllowed) ? answer(404, "no") : answer(200, target);
-	}
 } // namespace
 
 TEST(Get, NamesFilesByTheirAddress)
@@ -91,7 +70,11 @@ TEST(Get, PutsFilesWhereTheyBelongAndTellsTheirEnd)
 		{"-i list -o x", 2, none, HasSubstr("-o names one file"), {}},
 		{"-i none", 2, none, HasSubstr("cannot read 'none'"), {}},
 	};
-	const RawServer server(answering(respond));
+	const Lab::Behaviour missing = Lab::status({.code = 404, .text = "no"});
+	Lab::Origin server;
+	server.at("*", [](const Lab::Request& request) { return request.target; }).at("/missing", missing);
+	server.at(
+		"/locked", [&](const Lab::Request& request) { return request.header("X-Key") == "k" ? Lab::Behaviour(request.target) : missing; });
 	for (const Case& tested : cases)
 	{
 		SCOPED_TRACE(tested.words);
@@ -116,18 +99,12 @@ TEST(Get, PutsFilesWhereTheyBelongAndTellsTheirEnd)
 	}
 }
 
-/** The first answer is sent by half and no more. */
 TEST(Get, GoesOnAfterItWasEnded)
 {
 	for (const int signal : {SIGINT, SIGKILL})
 	{
-		const RawServer server(
-			[](Connection& connection)
-			{
-				const std::string all = partFrom(connection.readHead());
-				connection.send(connection.number() == 0 ? all.substr(0, all.size() / 2) : all);
-				connection.waitForPeer();
-			});
+		Lab::Origin server;
+		server.at("/level.pak", Lab::file(content), Lab::onlyFirst(1, Lab::stall({.at = {.share = 0.5}})));
 		const TempDir directory;
 		const std::vector<std::string> words = {CORVANE_PROGRAM, "get", server.url("/level.pak"), "-d", directory.path(), "--json"};
 		RunningProcess process(words);

@@ -6,6 +6,15 @@
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 
+namespace
+{
+	const std::string getGreeting = R"lua(
+		local call = CorvaneBPLibrary.CreateHttpRequestGET{ url = arg[1] .. "/greeting", header = { Authorization = "5ecret" } }
+		local target = CorvaneBPLibrary.executeHttpRequests{ httpRequests = call.httpRequests }.CorvaneTarget
+		target.onhttpRequestCompleteDelegate:Add(function(e) print(e.statusCode, e.dataString) end)
+	)lua";
+} // namespace
+
 TEST(LabCommand, RunsAGameAgainstEachNetwork)
 {
 	const std::string examples = (Program::sharedFolder("examples") / "lab").string();
@@ -19,16 +28,22 @@ TEST(LabCommand, RunsAGameAgainstEachNetwork)
 	}
 }
 
+TEST(LabCommand, HasItsGameTrustItsCertificate)
+{
+	const TempDir directory;
+	const std::string game = directory.write("game.lua", "assert(arg[1]:find('^https://'))" + getGreeting);
+	const std::string origin = directory.write("origin.lua", "lab.at('/greeting', 'Hello!')");
+	const ProcessRun run = runProgram({"lab", origin, "--tls", directory.path("certificate"), "--run", game});
+	EXPECT_EQ(run.out, "200\tHello!\n") << run.err;
+	EXPECT_THAT(directory.read("certificate"), ::testing::StartsWith("-----BEGIN CERTIFICATE-----\n"));
+}
+
 TEST(LabCommand, ReplaysWhatItRecords)
 {
 	const TempDir directory;
 	const std::string cassette = directory.path("cassette");
 	const std::string origin = directory.write("origin.lua", "lab.at('/greeting', 'Hello!')");
-	const std::string game = directory.write("game.lua", R"lua(
-		local call = CorvaneBPLibrary.CreateHttpRequestGET{ url = arg[1] .. "/greeting", header = { Authorization = "5ecret" } }
-		local target = CorvaneBPLibrary.executeHttpRequests{ httpRequests = call.httpRequests }.CorvaneTarget
-		target.onhttpRequestCompleteDelegate:Add(function(e) print(e.statusCode, e.dataString) end)
-	)lua");
+	const std::string game = directory.write("game.lua", getGreeting);
 	const std::string outer = directory.write("outer.sh", R"sh(
 		"$1" lab "$2" --port 0 > "$5" & lab=$!
 		trap 'kill $lab' EXIT
@@ -51,6 +66,8 @@ TEST(LabCommand, SaysWhatItCannotDo)
 	} cases[] = {
 		{{"lab", "--record", "x"}, 2, "corvane: --record FILE and --to URL belong together\n"},
 		{{"lab", "a.lua", "--replay", "/dev/null"}, 2, "corvane: a lab runs a script, or records, or replays\n"},
+		{{"lab", "--record", "x", "--to", "http://127.0.0.1:1", "--tls", "y"}, 2,
+			"corvane: --tls does not go with --record: clients speak plain HTTP to a recorder\n"},
 		{{"lab", "/none.lua"}, 1, "corvane: cannot open /none.lua: No such file or directory\n"},
 		{{"lab", "--replay", "/dev/null"}, 1, "corvane: /dev/null: this is no cassette: its first line has to be 'corvane cassette 1'\n"},
 		{{"lab", "--record", "/none/x", "--to", "http://127.0.0.1:1"}, 1, "corvane: /none/x: No such file or directory\n"},

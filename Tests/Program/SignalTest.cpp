@@ -1,6 +1,7 @@
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Origin.h"
 #include "ProcessRun.h"
 #include "RandomBytes.h"
-#include "RawServer.h"
 #include "Waiting.h"
 
 #include <chrono>
@@ -57,20 +58,6 @@ namespace
 			"", "", {}, 130, ContainsRegex("received of 195.3 KiB.*\r\x1b\\[Kcorvane: interrupted; kept [0-9]* bytes"), IsEmpty()},
 	};
 
-	/** Sends half of a file, and never the rest; takes what it is sent. */
-	RawServer::Script sendingHalf(const std::string& content)
-	{
-		return [&content](Connection& connection)
-		{
-			const bool isGet = connection.readHead().starts_with("GET");
-			if (isGet)
-			{
-				connection.send("HTTP/1.1 200 OK\r\nContent-Length: 200000\r\n\r\n" + content);
-			}
-			connection.waitForPeer();
-		};
-	}
-
 	const std::string setUp = R"(cd "$0" && export c=$1 b=url=$2; )";
 	/** ThreadSanitizer may hold a signal back for good that comes between two calls that it watches: the next one frees it. */
 	void sendHeldBack([[maybe_unused]] RunningProcess& process, [[maybe_unused]] const std::vector<int>& signals)
@@ -92,7 +79,8 @@ namespace
 TEST(Signal, EndsEveryVerbInOrder)
 {
 	const std::string content = randomBytes(100000);
-	const RawServer server(sendingHalf(content));
+	Lab::Origin server; // sends half of a file, and never the rest; takes what it is sent
+	server.at("GET /", content, Lab::length({.says = 200000}), Lab::stall({.at = {.byte = 100000}})).at("/", Lab::stall());
 	for (const Case& tested : cases)
 	{
 		SCOPED_TRACE(tested.command);

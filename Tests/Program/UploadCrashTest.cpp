@@ -1,5 +1,6 @@
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Origin.h"
 #include "ProcessRun.h"
-#include "RawServer.h"
 #include "TempDir.h"
 #include "Waiting.h"
 
@@ -28,11 +29,11 @@ TEST(UploadCrash, LeavesATailThatTheNextStartCutsOffUnlessTheProgramEndsInOrder)
 	const TempDir directory;
 	const std::string content(100000, 'x');
 	const std::string file = directory.write("save.dat", content);
-	Gate never;
-	RawServer silent([&](Connection& connection) { connection.readHead(), connection.waitFor(never); });
+	Lab::Origin silent;
+	silent.at("/", Lab::stall());
 
 	RunningProcess program({CORVANE_PROGRAM, "run", directory.write("upload.lua", upload), silent.url(), file});
-	ASSERT_TRUE(waitFor([&] { return silent.requests().size() == 1; }));
+	ASSERT_TRUE(waitFor([&] { return silent.requests() == 1; }));
 	EXPECT_EQ(program.end().status, 128 + 9);
 	EXPECT_EQ(directory.read("save.dat"), content + "\r\n------UE4CorvanePlugin_100000--\r\n");
 

@@ -1,5 +1,7 @@
+#include "Lab/Behaviours/Answers.h"
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Origin.h"
 #include "ProcessRun.h"
-#include "RawServer.h"
 
 #include <gmock/gmock.h>
 
@@ -9,15 +11,6 @@ using ::testing::Not;
 
 namespace
 {
-	/** Leads elsewhere once. */
-	std::string leadOn(const std::string& head)
-	{
-		const std::string place = "http://s3cret:s3cret@" + headerOf(head, "Host") + "/next?x=1&access_token=s3cret&y=2#id_token=s3cret";
-		return targetOf(head).starts_with("/next")
-				   ? answer(401, "the body", "X-Bell: \x1b[2J\x07\r\nWWW-Authenticate: Basic realm=\"here\"\r\n")
-				   : answer(302, "", "Location: " + place + "\r\nSet-Cookie: id=s3cret\r\nLink: <" + place + ">; rel=next\r\n");
-	}
-
 	constexpr const char* onTerminal = R"sh(
 		cd "$0"; export c=$1 host=$2
 		script -qec '
@@ -33,7 +26,11 @@ namespace
 
 TEST(Verbose, TellsHeadsAsTheyTravelWithoutBodiesAndSecrets)
 {
-	const RawServer server(answering(leadOn));
+	Lab::Origin server;
+	const std::string next = "http://s3cret:s3cret@" + server.authority() + "/next?x=1&access_token=s3cret&y=2#id_token=s3cret";
+	server.at("/first", Lab::redirect({.to = next}), Lab::headers({{"Set-Cookie", "id=s3cret"}, {"Link", "<" + next + ">; rel=next"}}));
+	server.at("/next", Lab::status({.code = 401, .text = "the body"}),
+		Lab::headers({{"X-Bell", "\x1b[2J\x07"}, {"WWW-Authenticate", "Basic realm=\"here\""}}));
 	const TempDir directory;
 	directory.write("script.lua", script);
 	const std::string told = runProcess({"/bin/sh", "-c", onTerminal, directory.path(), CORVANE_PROGRAM, server.authority()}).out;

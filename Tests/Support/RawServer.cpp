@@ -1,11 +1,9 @@
 #include "RawServer.h"
 
-#include "TlsIdentity.h"
-
 #include <algorithm>
-#include <csignal>
+#include <array>
 #include <netinet/tcp.h>
-#include <openssl/ssl.h>
+#include <utility>
 
 namespace
 {
@@ -21,29 +19,7 @@ namespace
 			throw ConnectionOver();
 		}
 	}
-
-	std::shared_ptr<SSL_CTX> makeTls(const TlsIdentity& identity)
-	{
-		std::shared_ptr<SSL_CTX> context(SSL_CTX_new(TLS_server_method()), SSL_CTX_free);
-		SSL_CTX_use_certificate_file(context.get(), identity.certificateFile.c_str(), SSL_FILETYPE_PEM);
-		SSL_CTX_use_PrivateKey_file(context.get(), identity.keyFile.c_str(), SSL_FILETYPE_PEM);
-		return context;
-	}
-
-	BIO* makeStream(SSL_CTX* tls, int socket)
-	{
-		BIO* const plain = BIO_new_socket(socket, BIO_CLOSE);
-		return tls ? BIO_push(BIO_new_ssl(tls, 0), plain) : plain;
-	}
 } // namespace
-
-Connection::Connection(RawServer& server, int socket, int number)
-	: Server(server)
-	, Number(number)
-	, Socket(socket)
-	, Stream(makeStream(server.Tls.get(), socket), BIO_free_all)
-{
-}
 
 std::string Connection::readHead()
 {
@@ -52,7 +28,7 @@ std::string Connection::readHead()
 	{
 		need(fill());
 	}
-	const std::string head = take(end + 4);
+	const std::string head = read(end + 4);
 	const std::scoped_lock lock(Server.Mutex);
 	return Server.Heads.emplace_back(head);
 }
@@ -71,21 +47,16 @@ std::string Connection::read(size_t bytes)
 	{
 		need(fill());
 	}
-	return take(bytes);
-}
-
-std::string Connection::take(size_t bytes)
-{
-	std::string taken = Unread.substr(0, bytes);
-	Unread.erase(0, bytes);
-	return taken;
+	std::string rest = Unread.substr(bytes);
+	Unread.resize(bytes);
+	return std::exchange(Unread, std::move(rest));
 }
 
 bool Connection::fill()
 {
-	char bytes[16384];
-	const int number = BIO_read(Stream.get(), bytes, sizeof bytes);
-	Unread.append(bytes, static_cast<size_t>(std::max(number, 0)));
+	std::array<char, 16384> bytes;
+	const ssize_t number = ::recv(Socket, bytes.data(), bytes.size(), 0);
+	Unread.append(bytes.data(), static_cast<size_t>(std::max<ssize_t>(number, 0)));
 	return number > 0;
 }
 
@@ -93,22 +64,10 @@ void Connection::send(std::string_view bytes)
 {
 	while (!bytes.empty())
 	{
-		const int number = BIO_write(Stream.get(), bytes.data(), static_cast<int>(bytes.size()));
+		const ssize_t number = ::send(Socket, bytes.data(), bytes.size(), MSG_NOSIGNAL);
 		need(number > 0);
 		bytes.remove_prefix(static_cast<size_t>(number));
 	}
-}
-
-void Connection::reset()
-{
-	const linger hard{1, 0};
-	::setsockopt(Socket, SOL_SOCKET, SO_LINGER, &hard, sizeof hard);
-	throw ConnectionOver();
-}
-
-void Connection::waitFor(Gate& gate)
-{
-	need(gate.wait(Server.Stop.get_token()));
 }
 
 void Connection::waitForPeer()
@@ -119,24 +78,15 @@ void Connection::waitForPeer()
 	}
 }
 
-RawServer::RawServer(Script script, const TlsIdentity* identity)
-	: TheScript(std::move(script))
-	, Tls(identity ? makeTls(*identity) : nullptr)
-{
-	std::signal(SIGPIPE, SIG_IGN); // writing to a peer that hung up raises it
-	Acceptor = std::thread([this] { acceptAll(); });
-}
-
 RawServer::~RawServer()
 {
-	Stop.request_stop();
 	::shutdown(Listener.descriptor, SHUT_RDWR);
 	Acceptor.join();
 	{
 		const std::scoped_lock lock(Mutex);
 		for (const Connection& connection : Connections)
 		{
-			::shutdown(connection.Stream ? connection.Socket : -1, SHUT_RDWR);
+			::shutdown(connection.Socket, SHUT_RDWR);
 		}
 	}
 	Threads.clear();
@@ -149,7 +99,7 @@ void RawServer::acceptAll()
 		const int yes = 1;
 		::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
 		const std::scoped_lock lock(Mutex);
-		Connection& connection = Connections.emplace_back(*this, socket, static_cast<int>(Connections.size()));
+		Connection& connection = Connections.emplace_back(*this, socket);
 		Threads.emplace_back([this, &connection] { serve(connection); });
 	}
 }
@@ -164,12 +114,7 @@ void RawServer::serve(Connection& connection)
 	{
 	}
 	const std::scoped_lock lock(Mutex);
-	connection.Stream.reset();
-}
-
-std::string RawServer::url(std::string_view path) const
-{
-	return (Tls ? "https://" : "http://") + authority() + std::string(path);
+	::close(std::exchange(connection.Socket, -1));
 }
 
 RawServer::Script answering(std::function<std::string(const std::string& head)> respond)
@@ -202,9 +147,4 @@ std::string headerOf(std::string_view head, const std::string& name)
 	const size_t line = head.find("\r\n" + name + ": ");
 	const size_t begin = line + name.size() + 4;
 	return line == head.npos ? "" : std::string(head.substr(begin, head.find("\r\n", begin) - begin));
-}
-
-std::string firstHeaders(const std::string& authority)
-{
-	return "Host: " + authority + "\r\nAccept: */*\r\nAccept-Encoding: deflate, gzip, br, zstd\r\n";
 }

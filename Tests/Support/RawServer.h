@@ -2,47 +2,15 @@
 
 #include "LoopbackListener.h"
 
-#include <condition_variable>
 #include <functional>
 #include <list>
-#include <memory>
 #include <mutex>
-#include <stop_token>
 #include <string>
 #include <string_view>
 #include <thread>
 #include <vector>
 
 class RawServer;
-class TlsIdentity;
-
-/** Closed until a test opens it; scripts of servers wait for it. Thread: any. */
-class Gate
-{
-public:
-	void open()
-	{
-		const std::scoped_lock lock(Mutex);
-		Open = true;
-		Changed.notify_all();
-	}
-	/** @return false when stop was requested before the gate was opened. */
-	bool wait(std::stop_token stop)
-	{
-		std::unique_lock lock(Mutex);
-		return Changed.wait(lock, stop, [this] { return Open; });
-	}
-	bool isOpen() const
-	{
-		const std::scoped_lock lock(Mutex);
-		return Open;
-	}
-
-private:
-	mutable std::mutex Mutex; // guards what follows
-	std::condition_variable_any Changed;
-	bool Open = false;
-};
 
 /**
  * One accepted connection as the script of a RawServer sees it. A call that cannot go on, because the peer hung up or
@@ -51,10 +19,11 @@ private:
 class Connection
 {
 public:
-	Connection(RawServer& server, int socket, int number);
-
-	/** Connections of a server count from 0. */
-	int number() const { return Number; }
+	Connection(RawServer& server, int socket)
+		: Server(server)
+		, Socket(socket)
+	{
+	}
 
 	/** Reads a request up to and including its empty line; the server records it. */
 	std::string readHead();
@@ -62,12 +31,6 @@ public:
 	std::string readBody(std::string_view head);
 	std::string read(size_t bytes);
 	void send(std::string_view bytes);
-
-	/** Tells the peer that no more bytes come; reading goes on. */
-	void closeWrite() { ::shutdown(Socket, SHUT_WR); }
-	/** Ends the script so that the peer sees an error instead of an end. */
-	[[noreturn]] void reset();
-	void waitFor(Gate& gate);
 	/** Reads and drops what comes until the peer hangs up. */
 	void waitForPeer();
 
@@ -75,35 +38,33 @@ private:
 	friend class RawServer;
 
 	bool fill();
-	std::string take(size_t bytes);
 
 	RawServer& Server;
-	const int Number;
-	const int Socket;
-	std::shared_ptr<struct bio_st> Stream; // null = closed; guarded by the server against its destructor
+	int Socket; // -1 = closed; guarded by the server against its destructor
 	std::string Unread;
 };
 
 /**
- * An origin on a free port of 127.0.0.1 that speaks exactly the bytes its script sends, so that requests can be compared
- * byte for byte and faults be made at will. Each connection runs the script on a thread of its own and is closed when the
- * script ends. The destructor cuts what is still open.
+ * An origin on a free port of 127.0.0.1 for what no behaviour of the lab does: its script reads and sends exactly the bytes
+ * that it wants. Each connection runs the script on a thread of its own and is closed when the script ends. The destructor
+ * cuts what is still open.
  */
 class RawServer
 {
 public:
 	using Script = std::function<void(Connection&)>;
 
-	/** @param identity  speaks TLS with this certificate when given. */
-	explicit RawServer(Script script, const TlsIdentity* identity = nullptr);
+	explicit RawServer(Script script)
+		: TheScript(std::move(script))
+	{
+	}
 	~RawServer();
 	RawServer(const RawServer&) = delete;
 	RawServer& operator=(const RawServer&) = delete;
 
-	int port() const { return Listener.port; }
 	/** "127.0.0.1:port" */
 	std::string authority() const { return Listener.authority(); }
-	std::string url(std::string_view path = "/") const;
+	std::string url(std::string_view path = "/") const { return "http://" + authority() + std::string(path); }
 
 	/** The request heads, and the bodies, read so far, byte for byte, in the order in which they ended. Thread: any. */
 	std::vector<std::string> requests() const
@@ -129,15 +90,13 @@ private:
 	void serve(Connection& connection);
 
 	const Script TheScript;
-	const std::shared_ptr<struct ssl_ctx_st> Tls; // null = plain
 	const LoopbackListener Listener;
-	std::stop_source Stop;
 	mutable std::mutex Mutex; // guards what follows
 	std::vector<std::string> Heads;
 	std::vector<std::string> Bodies;
 	std::list<Connection> Connections;
 	std::vector<std::jthread> Threads;
-	std::thread Acceptor;
+	std::jthread Acceptor{[this] { acceptAll(); }}; // last: it uses all of the above
 };
 
 /** A script that reads every request of a connection with its body, and answers what respond makes of its head. */
@@ -145,9 +104,6 @@ RawServer::Script answering(std::function<std::string(const std::string& head)> 
 
 /** @return a whole answer with a Content-Length. @param headers  lines with their line ends. */
 std::string answer(int code, std::string_view body, std::string_view headers = "");
-
-/** What the HTTP layer puts in front of a program's own headers, after the request line. */
-std::string firstHeaders(const std::string& authority);
 
 /** @return the target in a request head: "/a?b" of "GET /a?b HTTP/1.1...". */
 std::string targetOf(std::string_view head);

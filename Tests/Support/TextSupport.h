@@ -20,6 +20,12 @@ inline FString text(std::string_view Utf8)
 	return FString::ConstructFromPtrSize(Units.Get(), Units.Length());
 }
 
+/** What the HTTP layer puts in front of a program's own headers, after the request line. */
+inline std::string firstHeaders(const std::string& authority)
+{
+	return "Host: " + authority + "\r\nAccept: */*\r\nAccept-Encoding: deflate, gzip, br, zstd\r\n";
+}
+
 inline std::string bytesOf(const TArray<uint8>& Array)
 {
 	return std::string(Array.begin(), Array.end());

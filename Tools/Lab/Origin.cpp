@@ -5,6 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <atomic>
 #include <sys/epoll.h>
 #include <sys/socket.h>
 #include <thread>
@@ -89,6 +90,8 @@ namespace Lab
 		const Descriptor listener;
 		const int port;
 		std::unordered_map<std::uint64_t, std::unique_ptr<Connection>> connections; // loop's thread only
+		std::atomic<std::uint64_t> lastConnection = listenerKey;
+		std::atomic<std::uint64_t> lastRequest = 0;
 		std::mutex mutex; // guards what follows
 		Places places;
 
@@ -97,8 +100,6 @@ namespace Lab
 		void acceptAll();
 		Behaviour ownLog();
 
-		std::uint64_t lastConnection = listenerKey;
-		std::uint64_t lastRequest = 0;
 		std::unordered_map<std::string, int> visits; // of "METHOD target"
 		std::thread thread; // last: it uses all of the above
 	};
@@ -234,6 +235,16 @@ namespace Lab
 	std::vector<Exchange> Origin::log() const
 	{
 		return server->log.exchanges();
+	}
+
+	std::uint64_t Origin::requests() const
+	{
+		return server->lastRequest;
+	}
+
+	std::uint64_t Origin::connections() const
+	{
+		return server->lastConnection;
 	}
 
 	int Origin::running() const

@@ -54,6 +54,9 @@ namespace Lab
 		std::string certificate() const;
 
 		std::vector<Exchange> log() const;
+		/** Requests so far whose head has come, and connections. Unlike the log, these are not forgotten. */
+		std::uint64_t requests() const;
+		std::uint64_t connections() const;
 		/** Answers under way, stalled ones too. */
 		int running() const;
 		/** Closes every connection, soon. */

@@ -84,7 +84,9 @@ namespace Program
 			{
 				Lab::makeReady(origin);
 			}
-			return serve(settings, options.game, origin.url(""));
+			Settings trusting = settings;
+			trusting.loop.http.certificateFile = options.certificateFile; // or the game would refuse the origin
+			return serve(trusting, options.game, origin.url(""));
 		}
 	} // namespace
 
@@ -93,6 +95,10 @@ namespace Program
 		if (options.recordFile.empty() != options.recordTo.empty())
 		{
 			throw Reflect::InputError("--record FILE and --to URL belong together");
+		}
+		if (!options.recordFile.empty() && !options.certificateFile.empty())
+		{
+			throw Reflect::InputError("--tls does not go with --record: clients speak plain HTTP to a recorder");
 		}
 		if (!options.script.empty() + !options.recordFile.empty() + !options.replayFile.empty() > 1)
 		{

@@ -65,6 +65,11 @@ namespace Lab
 		return happening({Event::Kind::Hold, at, {}, std::move(gate)});
 	}
 
+	Behaviour holdBody(Gate gate)
+	{
+		return Behaviour([](const Request&, Plan&) {}, [gate = std::move(gate)](const Request&, Intake& intake) { intake.gate = gate; });
+	}
+
 	Behaviour rate(double bytesPerSecond)
 	{
 		return Behaviour([bytesPerSecond](const Request&, Plan& plan) { plan.pacing.bytesPerSecond = bytesPerSecond; });

@@ -31,6 +31,8 @@ namespace Lab
 	Behaviour stall(StallOptions options = {});
 	/** The same until somebody opens the gate. */
 	Behaviour hold(Gate gate, Place at = {});
+	/** The body of the request is left unread until somebody opens the gate. */
+	Behaviour holdBody(Gate gate);
 
 	/** So many bytes of the body in each second. */
 	Behaviour rate(double bytesPerSecond);

@@ -100,7 +100,8 @@ namespace Lab
 			part.first = ranges == Ranges::WrongStart ? std::min(part.first + 1, part.last) : part.first;
 			plan.status = 206;
 			plan.setHeader("Content-Range", contentRange(part, size, ranges));
-			plan.content = partOf(content, part.first, part.last - part.first + 1);
+			const bool isMoved = ranges == Ranges::WrongBytes && part.first > 0;
+			plan.content = partOf(content, part.first - isMoved, part.last - part.first + 1);
 		}
 
 		void send(const Request& request, Plan& plan, const Version& version, const FileOptions& options)

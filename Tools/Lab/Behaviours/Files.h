@@ -13,6 +13,7 @@ namespace Lab
 		Honest,
 		Ignored, // the whole file comes, as 200
 		WrongStart, // the part begins one byte later than asked, and says so
+		WrongBytes, // the part begins one byte earlier than asked, if there is one, and does not say so
 		WrongTotal, // the part is right, the size of the whole is said to be one byte more
 		NoTotal, // the size of the whole is said to be unknown
 		OtherValidator, // the part is right, its entity tag is that of another file

@@ -101,6 +101,7 @@ namespace Lab
 			[options](const Request&, Intake& intake)
 			{
 				intake.bytesPerSecond = options.bytesPerSecond;
+				intake.pause = options.waits;
 				intake.answersAfter = options.refusesAfter;
 				intake.hangsUpAfter = options.hangsUpAfter;
 				intake.throwsAway = options.throwsAway;

@@ -11,6 +11,7 @@ namespace Lab
 	struct UploadOptions
 	{
 		double bytesPerSecond = 0; // 0 = as fast as it comes
+		std::optional<Milliseconds> waits = {}; // before the first one is read
 		std::optional<std::uint64_t> refusesAfter = {}; // bytes, with a status; the rest is not read
 		int code = 413; // of such a refusal
 		std::optional<std::uint64_t> hangsUpAfter = {}; // bytes, without an answer

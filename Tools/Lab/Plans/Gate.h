@@ -1,5 +1,6 @@
 #pragma once
 
+#include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -20,6 +21,7 @@ namespace Lab
 				state->isOpen = true;
 				waiting.swap(state->waiting);
 			}
+			state->opened.notify_all();
 			for (const std::function<void()>& goOn : waiting)
 			{
 				goOn();
@@ -39,9 +41,22 @@ namespace Lab
 			goOn();
 		}
 
+		/** Blocks the calling thread until it is open. */
+		void wait() const
+		{
+			std::unique_lock lock(state->mutex);
+			state->opened.wait(lock, [this] { return state->isOpen; });
+		}
+		bool isOpen() const
+		{
+			const std::scoped_lock lock(state->mutex);
+			return state->isOpen;
+		}
+
 	private:
 		struct State
 		{
+			std::condition_variable opened;
 			std::mutex mutex; // guards what follows
 			bool isOpen = false;
 			std::vector<std::function<void()>> waiting;

@@ -94,6 +94,8 @@ namespace Lab
 		std::optional<std::uint64_t> answersAfter; // so many bytes, without reading on
 		std::optional<std::uint64_t> hangsUpAfter; // so many bytes, without an answer
 		bool throwsAway = false; // nobody looks at the bytes
+		std::optional<Gate> gate; // nothing is read until it opens
+		std::optional<Milliseconds> pause; // nor before so much time has passed
 		std::uint64_t keeps = 64 << 20; // bytes at most
 
 		std::function<void(const Request&)> onBroken = {}; // hears of a request whose body ends too early, with what came of it

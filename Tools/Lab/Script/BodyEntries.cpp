@@ -28,8 +28,8 @@ namespace Lab
 			FileOptions made;
 			made.ranges = options.choice<Ranges>(
 				"ranges", {{"honest", Ranges::Honest}, {"ignored", Ranges::Ignored}, {"wrongStart", Ranges::WrongStart},
-							  {"wrongTotal", Ranges::WrongTotal}, {"noTotal", Ranges::NoTotal}, {"otherValidator", Ranges::OtherValidator},
-							  {"refused", Ranges::Refused}});
+							  {"wrongBytes", Ranges::WrongBytes}, {"wrongTotal", Ranges::WrongTotal}, {"noTotal", Ranges::NoTotal},
+							  {"otherValidator", Ranges::OtherValidator}, {"refused", Ranges::Refused}});
 			made.validator = options.choice<Validator>(
 				"validator", {{"strong", Validator::Strong}, {"weak", Validator::Weak}, {"none", Validator::None}});
 			made.tellsTime = options.flag("time", true);
@@ -94,7 +94,8 @@ namespace Lab
 
 		Behaviour makeUpload(const Options& options)
 		{
-			return upload({options.number("bytesPerSecond"), options.bytes("refusesAfter"), options.whole("code", 413),
+			const std::optional<Milliseconds> waits = options.has("waits") ? std::optional(options.milliseconds("waits")) : std::nullopt;
+			return upload({options.number("bytesPerSecond"), waits, options.bytes("refusesAfter"), options.whole("code", 413),
 				options.bytes("hangsUpAfter"), options.flag("throwsAway")});
 		}
 
@@ -118,7 +119,7 @@ namespace Lab
 			{"file", "a file that may be asked for in parts",
 				{{"bytes", "its content"}, {"path", "the file with its content", true},
 					{"size", "bytes of made-up content, 100000 unless told"}, {"bytesOf", "a number: other made-up content for each"},
-					{"ranges", "honest, ignored, wrongStart, wrongTotal, noTotal, otherValidator or refused"},
+					{"ranges", "honest, ignored, wrongStart, wrongBytes, wrongTotal, noTotal, otherValidator or refused"},
 					{"validator", "strong, weak or none"}, {"time", "false: no Last-Modified"},
 					{"ifRange", "false: a part comes even of another file than the client has"}, {"type", "its MIME type"},
 					{"changesAt", "the number of the request of the same target that finds another file"},
@@ -141,7 +142,8 @@ namespace Lab
 				makeEvents},
 			{"form", "what a posted form holds, as JSON", {}, [](const Options&) { return form(); }},
 			{"upload", "how many bytes a body has",
-				{{"bytesPerSecond", "how fast it is read"}, {"refusesAfter", "bytes, after which a status comes; the rest is not read"},
+				{{"bytesPerSecond", "how fast it is read"}, {"waits", "milliseconds before the first byte is read"},
+					{"refusesAfter", "bytes, after which a status comes; the rest is not read"},
 					{"code", "of the refusal, 413 unless told"}, {"hangsUpAfter", "bytes"}, {"throwsAway", "nobody looks at the bytes"}},
 				makeUpload},
 			{"tus", "a server of resumable uploads, for a path and all that begin with it",

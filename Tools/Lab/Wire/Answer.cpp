@@ -31,11 +31,6 @@ namespace Lab
 			return status < 200 || status == 204 || status == 304;
 		}
 
-		Clock::time_point later(Clock::time_point time, Milliseconds pause)
-		{
-			return time + std::chrono::duration_cast<Clock::duration>(pause);
-		}
-
 		void appendHex(std::string& text, std::size_t number)
 		{
 			std::array<char, 16> digits{};

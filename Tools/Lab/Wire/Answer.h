@@ -11,6 +11,11 @@ namespace Lab
 {
 	using Clock = std::chrono::steady_clock;
 
+	inline Clock::time_point later(Clock::time_point time, Milliseconds pause)
+	{
+		return time + std::chrono::duration_cast<Clock::duration>(pause);
+	}
+
 	/** What a connection has to do next for its answer. */
 	struct Step
 	{

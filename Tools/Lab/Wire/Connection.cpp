@@ -80,7 +80,7 @@ namespace Lab
 	bool Connection::mayGoOn()
 	{
 		const bool waits = wait == Wait::Gate || wait == Wait::Stall || (wait == Wait::Time && Clock::now() < waitEnd);
-		if (waits && hasPeerLeft && state == State::Answer)
+		if (waits && hasPeerLeft && (state == State::Answer || wait == Wait::Gate))
 		{
 			state = State::Over;
 		}
@@ -133,6 +133,20 @@ namespace Lab
 		wait = Wait::Time;
 		waitEnd = time;
 		timer = service.loop->setTimer(time, key);
+		return false;
+	}
+
+	bool Connection::waitFor(Gate gate)
+	{
+		wait = Wait::Gate;
+		gate.whenOpen(
+			[loop = std::weak_ptr<Loop>(service.loop), mine = key]
+			{
+				if (const std::shared_ptr<Loop> alive = loop.lock())
+				{
+					alive->release(mine);
+				}
+			});
 		return false;
 	}
 
@@ -205,6 +219,15 @@ namespace Lab
 
 	bool Connection::readBody()
 	{
+		if (const std::optional<Gate> gate = std::exchange(intake.gate, std::nullopt))
+		{
+			return waitFor(*gate);
+		}
+		if (const std::optional<Milliseconds> pause = std::exchange(intake.pause, std::nullopt))
+		{
+			bodyStart = later(Clock::now(), *pause);
+			return waitUntil(bodyStart);
+		}
 		try
 		{
 			return flush() && (takeBody() || receiveBody());
@@ -292,16 +315,7 @@ namespace Lab
 		case Step::Kind::WaitUntil:
 			return waitUntil(step.time);
 		case Step::Kind::WaitForGate:
-			wait = Wait::Gate;
-			step.gate->whenOpen(
-				[loop = std::weak_ptr<Loop>(service.loop), mine = key]
-				{
-					if (const std::shared_ptr<Loop> alive = loop.lock())
-					{
-						alive->release(mine);
-					}
-				});
-			return false;
+			return waitFor(*step.gate);
 		case Step::Kind::Stall:
 			wait = Wait::Stall;
 			return false;

@@ -73,6 +73,7 @@ namespace Lab
 		bool fill(std::size_t most);
 		bool flush();
 		bool waitUntil(Clock::time_point time);
+		bool waitFor(Gate gate);
 		void beginRequest();
 		void beginAnswer(bool isComplete);
 		void refuse(const char* why);

@@ -59,9 +59,11 @@ FCorvaneFileResult FCorvaneTusFiles::Find(const FWish& Wish, FCorvaneTusFound& F
 	{
 		Result = OpenJournal(Wish);
 	}
-	if (Result.IsOk() && Wish.Hash.Kind != ECorvaneHashKind::None && !CorvaneFileBlocks::HashAll(File.Path, Wish.Hash.Kind, Found.Hash))
+	if (Result.IsOk() && Wish.Hash.Kind != ECorvaneHashKind::None &&
+		!CorvaneFileBlocks::HashAll(File.Path, Wish.Hash.Kind, bStopReading, Found.Hash))
 	{
-		Result = CorvaneFileFaults::CannotRead(File.Path);
+		Result = bStopReading ? CorvaneFileFaults::Failed(ECorvaneTransferOutcome::Cancelled, TEXT("It was stopped."))
+							  : CorvaneFileFaults::CannotRead(File.Path);
 	}
 	if (Result.IsOk() && !Wish.Hash.Expected.IsEmpty() && !Found.Hash.Equals(Wish.Hash.Expected, ESearchCase::CaseSensitive))
 	{

@@ -10,6 +10,8 @@
 #include "Threads/Strand.h"
 #include "Tus/TusJournal.h"
 
+#include <atomic>
+
 /** What was found of the file and of its journal. */
 struct FCorvaneTusFound
 {
@@ -48,6 +50,8 @@ public:
 	void Keep(const FCorvaneTusUpload& Upload, int64 Offset);
 	/** Sums up a range of the file. Tells an empty text when it cannot be read. */
 	void Sum(int64 Start, int64 Bytes, ECorvaneHashKind Kind, TUniqueFunction<void(const FString&)> Tell);
+	/** An Open that reads the whole file ends with Cancelled, for good. */
+	void StopReading() { bStopReading = true; }
 	void Close(TUniqueFunction<void()> Tell);
 	void Discard(TUniqueFunction<void()> Tell);
 
@@ -58,6 +62,7 @@ private:
 	void Resume(FCorvaneTusFound& Found) const;
 
 	const TSharedRef<FCorvaneStrand> Strand = MakeShared<FCorvaneStrand>();
+	std::atomic<bool> bStopReading{false};
 
 	// On the strand:
 	FCorvaneSentFile File;

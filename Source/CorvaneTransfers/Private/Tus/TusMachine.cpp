@@ -52,6 +52,10 @@ FCorvaneTusStep FCorvaneTusMachine::OnOpened(double Now, const FCorvaneTusOpened
 	{
 		return {};
 	}
+	if (Opened.Failure == ECorvaneTransferOutcome::Cancelled && WantedEnd != ECorvaneTransferOutcome::Running)
+	{
+		return EndAsWanted(Now);
+	}
 	if (Opened.Failure != ECorvaneTransferOutcome::Running)
 	{
 		return Fail(Now, Opened.Failure, Opened.Sentence);

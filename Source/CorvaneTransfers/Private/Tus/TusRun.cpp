@@ -53,7 +53,15 @@ FCorvaneTusRun::FCorvaneTusRun(
 
 void FCorvaneTusRun::Post(TUniqueFunction<void(FCorvaneTusRun&)> Letter)
 {
-	Mailbox->Post([Self = AsShared(), Letter = MoveTemp(Letter)] { Letter(*Self); });
+	// A letter that nobody reads any more must not keep alive what holds the box.
+	Mailbox->Post(
+		[Weak = TWeakPtr<FCorvaneTusRun>(AsShared()), Letter = MoveTemp(Letter)]
+		{
+			if (const TSharedPtr<FCorvaneTusRun> Self = Weak.Pin())
+			{
+				Letter(*Self);
+			}
+		});
 }
 
 void FCorvaneTusRun::Start()
@@ -75,11 +83,13 @@ void FCorvaneTusRun::Continue()
 
 void FCorvaneTusRun::Cancel()
 {
+	Files->StopReading();
 	Follow(Machine.Cancel(CorvaneTusRun::Now()));
 }
 
 void FCorvaneTusRun::EndWithProgram()
 {
+	Files->StopReading();
 	Follow(Machine.EndOfProgram(CorvaneTusRun::Now()));
 }
 

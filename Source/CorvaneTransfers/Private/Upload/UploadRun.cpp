@@ -50,7 +50,15 @@ FCorvaneUploadRun::FCorvaneUploadRun(
 
 void FCorvaneUploadRun::Post(TUniqueFunction<void(FCorvaneUploadRun&)> Letter)
 {
-	Mailbox->Post([Self = AsShared(), Letter = MoveTemp(Letter)] { Letter(*Self); });
+	// A letter that nobody reads any more must not keep alive what holds the box.
+	Mailbox->Post(
+		[Weak = TWeakPtr<FCorvaneUploadRun>(AsShared()), Letter = MoveTemp(Letter)]
+		{
+			if (const TSharedPtr<FCorvaneUploadRun> Self = Weak.Pin())
+			{
+				Letter(*Self);
+			}
+		});
 }
 
 void FCorvaneUploadRun::Start()
