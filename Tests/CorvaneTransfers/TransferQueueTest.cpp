@@ -1,6 +1,5 @@
 #include "CorvaneDownloadFile.h"
 #include "CorvaneTransferQueue.h"
-#include "FileAnswers.h"
 #include "GameLoop.h"
 #include "Listen.h"
 #include "RandomBytes.h"
@@ -81,7 +80,7 @@ namespace
 		{
 			return answer(200, content, tag);
 		}
-		const auto first = static_cast<size_t>(firstByteOf(head));
+		const size_t first = std::stoul(range.substr(6));
 		const std::string until = range.substr(range.find('-') + 1);
 		const size_t last = std::min(until.empty() ? content.size() : std::stoul(until), content.size() - 1);
 		const std::string told =
