@@ -25,6 +25,8 @@ public:
 std::unique_ptr<Workload> makeSmallGets();
 std::unique_ptr<Workload> makeIdleRequests();
 std::unique_ptr<Workload> makeEventLatency();
+std::unique_ptr<Workload> makeFollowedEvents();
+std::unique_ptr<Workload> makeManyFiles();
 std::unique_ptr<Workload> makeIdleProgram();
 std::unique_ptr<Workload> makeFileMd5();
 std::unique_ptr<Workload> makeFileBase64();

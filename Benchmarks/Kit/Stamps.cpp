@@ -18,7 +18,7 @@ Lab::Behaviour stamps(double piecesPerSecond, int pieces)
 	const auto makeSource = [pieces](const Lab::Request&)
 	{
 		return [left = pieces]() mutable -> std::optional<std::string>
-		{ return left-- > 0 ? std::optional(fmt::format("data: {}\n", nanosecondsNow())) : std::nullopt; };
+		{ return left-- > 0 ? std::optional(fmt::format("data: {}\n\n", nanosecondsNow())) : std::nullopt; };
 	};
 	return Lab::stream(makeSource, Lab::Milliseconds(1000 / piecesPerSecond), "text/event-stream");
 }
@@ -26,12 +26,18 @@ Lab::Behaviour stamps(double piecesPerSecond, int pieces)
 void StampReader::take(std::string_view bytes)
 {
 	constexpr std::size_t prefixBytes = sizeof("data: ") - 1;
-	const std::int64_t now = nanosecondsNow();
 	unread += bytes;
 	for (std::size_t end = unread.find('\n'); end != std::string::npos; end = unread.find('\n'))
 	{
-		const std::int64_t sent = std::stoll(unread.substr(prefixBytes, end - prefixBytes));
-		microseconds.push_back(static_cast<double>(now - sent) * 1e-3);
+		if (end > 0) // the empty lines end events
+		{
+			takeStamp(std::stoll(unread.substr(prefixBytes, end - prefixBytes)));
+		}
 		unread.erase(0, end + 1);
 	}
+}
+
+void StampReader::takeStamp(std::int64_t sent)
+{
+	microseconds.push_back(static_cast<double>(nanosecondsNow() - sent) * 1e-3);
 }

@@ -72,3 +72,16 @@ lab.at("GET /page", lab.text{
 	text = ([[<html><a id="download-url" class="button" href="%s/hello"><img> Download</a></html>]]):format(lab.url),
 	type = "text/html",
 })
+
+-- Small files, as many as are asked for.
+lab.at("GET /small/*", lab.file{ bytes = ("level "):rep(5000) })
+
+-- Plays a service that answers a question word by word.
+local words = { "The", " key", " is", " under", " the", " mat." }
+lab.at("POST /chat", function(request)
+	local pieces = {}
+	for _, word in ipairs(request.body:find("key", 1, true) and words or {}) do
+		pieces[#pieces + 1] = ('data: {"choices":[{"delta":{"content":"%s"}}]}\n\n'):format(word)
+	end
+	return lab.text{ text = table.concat(pieces) .. "data: [DONE]\n\n", type = "text/event-stream" }, lab.pieces{ sizes = { 60 }, pause = 20 }
+end)

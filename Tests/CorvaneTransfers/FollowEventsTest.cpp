@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <gtest/gtest.h>
+#include <random>
 
 namespace
 {
@@ -129,6 +130,47 @@ TEST_F(FollowEvents, ComeOnceAndInOrderWhereverTheConnectionBreaks)
 		start(server.url());
 		EXPECT_EQ(finish().Outcome, Outcome::Ended);
 		EXPECT_EQ(texts, all);
+	}
+}
+
+/** Each connection breaks off after a number of bytes that is drawn anew, often inside an event. */
+TEST_F(FollowEvents, AreNeitherLostNorDoubledOverManyConnections)
+{
+	constexpr int last = 1000, mostBytes = 900;
+	const auto form = [](int id) -> std::string
+	{
+		const std::string number = std::to_string(id);
+		const std::string ends[] = {"\n", "\r\n", "\r"};
+		const std::string& end = ends[id % 3];
+		return ":" + end + "data:" + std::string(static_cast<size_t>(id % 50), 'x') + end + "id: " + number + end + "data:" + number + end +
+			   end;
+	};
+	std::atomic<int> connections{0};
+	const RawServer server(
+		[&](Connection& connection)
+		{
+			std::minstd_rand random(static_cast<unsigned>(++connections));
+			int id = lastIdOf(connection.readHead());
+			if (id == last)
+			{
+				return connection.send(noMore);
+			}
+			std::string bytes;
+			while (id < last && bytes.size() < mostBytes)
+			{
+				bytes += form(++id);
+			}
+			connection.send(head + bytes.substr(0, 100 + random() % mostBytes));
+		});
+	start(server.url());
+	EXPECT_EQ(finish().Outcome, Outcome::Ended);
+	EXPECT_GT(connections, 100);
+	ASSERT_EQ(texts.size(), static_cast<size_t>(last));
+	for (int id = 1; id <= last; ++id)
+	{
+		const std::string& data = texts[static_cast<size_t>(id - 1)];
+		EXPECT_EQ(data, std::string(static_cast<size_t>(id % 50), 'x') + "\n" + std::to_string(id));
+		EXPECT_EQ(ids[static_cast<size_t>(id - 1)], std::to_string(id));
 	}
 }
 

@@ -7,7 +7,7 @@ TEST(Completion, OffersWhatMayStandThere)
 {
 	using Words = std::vector<std::string>;
 	const std::pair<const char*, Words> cases[] = {
-		{"", {"run", "call", "get", "put", "nodes", "demo", "lab", "completion", "help", "--help", "--version"}},
+		{"", {"run", "call", "get", "put", "follow", "nodes", "demo", "lab", "completion", "help", "--help", "--version"}},
 		{"ca", {"call"}},
 		{"nodes onhttpfileu", {"onhttpFileUploadDelegate"}},
 		{"help c", {"call", "completion"}},

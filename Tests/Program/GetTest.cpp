@@ -10,6 +10,7 @@
 
 #include <csignal>
 #include <gmock/gmock.h>
+#include <sstream>
 
 using ::testing::ContainsRegex;
 using ::testing::HasSubstr;
@@ -62,6 +63,12 @@ TEST(Get, PutsFilesWhereTheyBelongAndTellsTheirEnd)
 		{"$u/a.bin $u/x/a.bin", 2, none, "corvane: two addresses lead to the file 'a.bin'\n", {}, {"a.bin"}},
 		{"$u/a.bin --limit-rate 2X", 2, none, HasSubstr("--limit-rate"), {}, {"a.bin"}},
 		{"", 2, none, HasSubstr("URL is required"), {}},
+		{"-i list -d new", 0, HasSubstr("new/b c.bin: The file is there: 6 bytes.\n"), none,
+			{{"new/a.bin", "/a.bin"}, {"new/b c.bin", "/b.bin"}, {"new/sub/d", "/d.bin"}}},
+		{"-q -i - $u/e.bin < list", 0, none, none, {{"e.bin", "/e.bin"}, {"b c.bin", "/b.bin"}}},
+		{"-i bad", 2, none, "corvane: bad:3: '../up' is no file below the folder\n", {}, {"one"}},
+		{"-i list -o x", 2, none, HasSubstr("-o names one file"), {}},
+		{"-i none", 2, none, HasSubstr("cannot read 'none'"), {}},
 	};
 	const Lab::Behaviour missing = Lab::status({.code = 404, .text = "no"});
 	Lab::Origin server;
@@ -73,8 +80,11 @@ TEST(Get, PutsFilesWhereTheyBelongAndTellsTheirEnd)
 		SCOPED_TRACE(tested.words);
 		const TempDir directory;
 		directory.write("old", "old");
-		const ProcessRun run = runProcess({"/bin/sh", "-c", std::string("cd $0; u=$2; exec $1 get ") + tested.words, directory.path(),
-			CORVANE_PROGRAM, "http://" + server.authority()});
+		directory.write("list", "# some files\n\n$u/a.bin\r\n  $u/b.bin\tb c.bin \n$u/d.bin sub/d");
+		directory.write("bad", "$u/a.bin one\n\n$u/b.bin ../up\n");
+		const ProcessRun run =
+			runProcess({"/bin/sh", "-c", std::string("cd $0; u=$2; sed -i \"s|\\$u|$u|\" list bad; exec $1 get ") + tested.words,
+				directory.path(), CORVANE_PROGRAM, "http://" + server.authority()});
 		EXPECT_EQ(run.status, tested.status);
 		EXPECT_THAT(run.out, tested.out);
 		EXPECT_THAT(run.err, tested.err);
@@ -120,5 +130,42 @@ TEST(Get, GoesOnAfterItWasEnded)
 		EXPECT_FALSE(directory.exists("level.pak.corvpart") || directory.exists("level.pak.corvjournal"));
 		const bool hasTakenOver = again.out.find(R"("TakenOverBytes":0,)") == std::string::npos;
 		EXPECT_TRUE(hasTakenOver || signal == SIGKILL) << again.out; // what a kill leaves may not be vouched for yet
+	}
+}
+
+/** With a terminal of its own; what it draws is taken apart into screens, which begin where the cursor goes up. */
+TEST(Get, TellsOfSeveralFilesOnATerminal)
+{
+	const std::string half = answer(200, content, "ETag: \"one\"\r\n");
+	Gate drawn;
+	const RawServer server(
+		[&](Connection& connection)
+		{
+			connection.readHead();
+			connection.send(half.substr(0, half.size() / 2));
+			connection.waitFor(drawn);
+			connection.send(half.substr(half.size() / 2));
+		});
+	const TempDir directory;
+	RunningProcess process({"/usr/bin/script", "-qec",
+		"stty cols 60 rows 5; cd " + directory.path() + "; " CORVANE_PROGRAM " get " +
+			server.url("/one-file-of-a-long-name-that-is-cut.bin ") + server.url("/two ") + server.url("/three ") + server.url("/four"),
+		"/dev/null"});
+	const auto isDrawn = [&](const char* text) { return process.out().find(text) != std::string::npos; };
+	EXPECT_TRUE(waitFor([&] { return isDrawn(" 0 of 4 files: 5.7 MiB of 11.4 MiB") && isDrawn(": 1.4 MiB of 2.9 MiB"); })) << process.out();
+	drawn.open();
+	EXPECT_TRUE(waitFor([&] { return process.hasEnded(); }));
+	const ProcessRun run = process.end(0);
+	EXPECT_EQ(run.status, 0);
+	EXPECT_THAT(run.out, ContainsRegex(" 50 % (two|three|four): 1\\.4 MiB of 2\\.9 MiB"));
+	EXPECT_THAT(run.out, HasSubstr("four: The file is there: 3000000 bytes."));
+	size_t lines = 0;
+	std::string line;
+	for (std::istringstream text(run.out); std::getline(text, line);)
+	{
+		line = line.substr(line.rfind('\x1b') == std::string::npos ? 0 : line.rfind('\x1b') + 3); // behind what takes a screen away
+		EXPECT_TRUE(line.size() < 61 || line.find(": The file is there") != std::string::npos) << line;
+		lines = line.find(" of 4 files") != std::string::npos ? 0 : lines + 1;
+		EXPECT_LE(line.find("MiB") == std::string::npos ? 0 : lines, 3u); // of five, one is for all and one for the shell
 	}
 }

@@ -2,6 +2,7 @@
 
 #include "GameLoop.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -57,11 +58,12 @@ namespace Program
 	struct GetOptions
 	{
 		std::vector<std::string> addresses;
+		std::string list; // a file with further addresses, "-" = standard input; empty = none
 		std::string file; // for a single address; empty = by the address
 		std::string folder; // empty = the current one
 		std::vector<std::string> headers; // each "Name: value"
 		std::string hash; // as the download takes it; empty = none
-		std::uint64_t bytesPerSecond = 0; // of each file; 0 = no limit
+		std::uint64_t bytesPerSecond = 0; // of all files together; 0 = no limit
 		std::string ifExists = "Replace"; // what becomes of a file that is there, as the download calls it
 		int atOnce = 4;
 		bool startsOver = false; // leaves what an earlier run has kept aside
@@ -88,6 +90,22 @@ namespace Program
 
 	/** Uploads files, and tells each one's end and what the server said. Throws InputError when the words do not fit together. */
 	int putFiles(const Settings& settings, const PutOptions& options);
+
+	struct FollowOptions
+	{
+		std::string address;
+		std::vector<std::string> headers; // each "Name: value"
+		std::optional<std::string> body; // asks with POST; "@path" = the content of a file
+		std::string lastId; // goes on behind this event; empty = with the first one
+		std::vector<std::string> types; // only events of these; empty = all
+		int most = 0; // events to tell; 0 = any number
+		bool json = false;
+		bool staysAway = false; // ends with the first connection
+		bool quiet = false; // tells failures only, besides events
+	};
+
+	/** Prints server-sent events as they come, over any number of connections. Throws InputError for what cannot be asked. */
+	int followEvents(const Settings& settings, const FollowOptions& options);
 
 	struct NodesOptions
 	{

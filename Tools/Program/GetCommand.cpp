@@ -1,12 +1,17 @@
+#include "AddressList.h"
 #include "Commands.h"
 #include "Console.h"
+#include "Containers/Ticker.h"
 #include "CorvaneDownloadFile.h"
+#include "CorvaneTransferQueue.h"
 #include "EndSignals.h"
+#include "FileContent.h"
 #include "HeaderLine.h"
 #include "InputError.h"
 #include "JsonValues.h"
 #include "PinOutput.h"
 #include "ProgressBar.h"
+#include "ProgressTable.h"
 #include "RequestChecks.h"
 #include "TargetNames.h"
 
@@ -14,6 +19,7 @@
 #include <filesystem>
 #include <fmt/format.h>
 #include <set>
+#include <utility>
 
 namespace Program
 {
@@ -21,38 +27,65 @@ namespace Program
 	{
 		namespace fs = std::filesystem;
 
+		const TCHAR* const queueName = TEXT("get");
+		constexpr float betweenDrawings = 0.1f; // seconds
+
 		struct File
 		{
 			std::string address;
 			std::string path; // as people know it
 			FCorvaneTransferReport report = {};
+			ProgressTable::Row* row = nullptr; // while its bytes move and several files are told of
 		};
 
-		std::string pathFor(const GetOptions& options, const std::string& address)
+		/** What shall be got, from the command line and the list. */
+		std::vector<ListedAddress> wantedBy(const GetOptions& options)
 		{
-			return (fs::path(options.folder) / (options.file.empty() ? fileNameOf(address) : options.file)).string();
-		}
-
-		/** Throws InputError when they cannot all be got. */
-		std::vector<File> filesOf(const GetOptions& options)
-		{
-			if (options.addresses.size() > 1 && !options.file.empty())
-			{
-				throw Reflect::InputError("-o names one file, but there are several addresses; -d names a folder for them");
-			}
-			if (options.addresses.size() > 1 && options.hash.find(':') != std::string::npos)
-			{
-				throw Reflect::InputError("--hash is that of one file, but there are several addresses");
-			}
-			std::vector<File> files;
-			std::set<std::string> paths;
+			std::vector<ListedAddress> wanted;
 			for (const std::string& address : options.addresses)
 			{
 				if (const std::string fault = addressFault(address); !fault.empty())
 				{
 					throw Reflect::InputError(fault);
 				}
-				files.push_back({address, pathFor(options, address)});
+				wanted.push_back({address, options.file});
+			}
+			if (!options.list.empty())
+			{
+				const std::vector<ListedAddress> listed = readAddressList(contentOf(options.list), options.list);
+				wanted.insert(wanted.end(), listed.begin(), listed.end());
+			}
+			return wanted;
+		}
+
+		/** Throws InputError when options that are about one file stand beside several. */
+		void checkSeveral(const GetOptions& options)
+		{
+			if (options.addresses.empty() && options.list.empty())
+			{
+				throw Reflect::InputError("URL is required, or -i and a list of them; 'corvane help get' tells more");
+			}
+			const bool areSeveral = options.addresses.size() > 1 || !options.list.empty();
+			if (areSeveral && !options.file.empty())
+			{
+				throw Reflect::InputError("-o names one file, but there are several addresses; -d names a folder for them");
+			}
+			if (areSeveral && options.hash.find(':') != std::string::npos)
+			{
+				throw Reflect::InputError("--hash is that of one file, but there are several addresses");
+			}
+		}
+
+		/** Throws InputError when they cannot all be got. */
+		std::vector<File> filesOf(const GetOptions& options)
+		{
+			checkSeveral(options);
+			std::vector<File> files;
+			std::set<std::string> paths;
+			for (const ListedAddress& wanted : wantedBy(options))
+			{
+				const std::string name = wanted.file.empty() ? fileNameOf(wanted.address) : wanted.file;
+				files.push_back({wanted.address, (fs::path(options.folder) / name).string()});
 				if (!paths.insert(files.back().path).second)
 				{
 					throw Reflect::InputError(fmt::format("two addresses lead to the file '{}'", files.back().path));
@@ -85,7 +118,7 @@ namespace Program
 				download.Headers.Add(name, value);
 			}
 			download.Hash = Reflect::toFString(options.hash);
-			download.BytesPerSecond = static_cast<int64>(options.bytesPerSecond);
+			download.Queue = queueName;
 			download.IfTargetExists = ifTargetExists(options.ifExists);
 			download.bResume = !options.startsOver;
 			return download;
@@ -100,13 +133,6 @@ namespace Program
 			return json;
 		}
 
-		/** Nothing is thrown from here into the event: what cannot be written is told at the end of the program. */
-		void writeLine(const std::string& line)
-		{
-			std::fwrite(line.data(), 1, line.size(), stdout);
-			std::fflush(stdout);
-		}
-
 		/** Some downloads from their start to the last report. */
 		class Get
 		{
@@ -117,41 +143,47 @@ namespace Program
 				, download(downloadOptions(getOptions))
 				, files(filesOf(getOptions))
 			{
-				if (!options.quiet)
+				if (!options.quiet && files.size() == 1)
 				{
-					progress.emplace(false);
+					bar.emplace(false);
+				}
+				else if (!options.quiet)
+				{
+					table.emplace();
+					drawing = FTSTicker::GetCoreTicker().AddTicker(
+						FTickerDelegate::CreateLambda([this](float) { return draw(); }), betweenDrawings);
 				}
 			}
+			~Get() { FTSTicker::RemoveTicker(drawing); }
+			Get(const Get&) = delete;
+			Get& operator=(const Get&) = delete;
 
 			/** @return the exit status. */
 			int run()
 			{
-				for (int running = 0; running < options.atOnce; ++running)
+				queue->SetLimits(options.atOnce, options.atOnce, static_cast<int64>(options.bytesPerSecond));
+				for (File& file : files)
 				{
-					startNext();
+					start(file);
 				}
 				loop.runToIdle({});
-				loop.end(); // what a signal has left running is told now
-				progress.reset();
+				loop.end(); // what a signal has left running or waiting is told now
+				bar.reset();
+				table.reset();
 				if (EndSignals::asked())
 				{
-					complain("corvane: the same 'corvane get' goes on");
+					tellHowToGoOn();
 				}
 				return succeeded == files.size() ? exitGood : exitFailed;
 			}
 
 		private:
-			void startNext()
+			void start(File& file)
 			{
-				if (started == files.size() || EndSignals::asked() || std::ferror(stdout))
-				{
-					return;
-				}
-				File& file = files[started++];
 				const auto note = [this, &file](const FCorvaneTransferReport& report)
 				{
 					file.report = report;
-					tellProgress();
+					tellProgress(file);
 				};
 				const auto end = [this, &file](const FCorvaneTransferReport& report)
 				{
@@ -162,58 +194,82 @@ namespace Program
 				UCorvaneDownloadFile::Start(Reflect::toFString(file.address), Reflect::toFString(target), download, end, note);
 			}
 
-			void finish(const File& file)
+			void finish(File& file)
 			{
 				const bool isThere = file.report.Outcome == ECorvaneTransferOutcome::Succeeded;
+				const bool hasBegun = file.report.Outcome != ECorvaneTransferOutcome::Ended || file.report.Attempts > 0;
 				succeeded += isThere ? 1 : 0;
-				if (!isThere)
+				++ended;
+				notBegun += hasBegun ? 0 : 1;
+				if (table && file.row)
 				{
-					const std::string way = Reflect::toUtf8(file.report.HowToGoOn);
-					complain(
-						fmt::format("corvane: {}: {}{}{}", file.path, Reflect::toUtf8(file.report.Sentence), way.empty() ? "" : " ", way));
+					table->drop(*std::exchange(file.row, nullptr));
+				}
+				if (!isThere && hasBegun)
+				{
+					tellFailure(file);
 				}
 				if (options.json)
 				{
-					writeLine(asJsonLine(toJson(file)));
+					printLine(asJsonText(toJson(file)));
 				}
 				else if (isThere && !options.quiet)
 				{
-					tellGood(file);
+					const std::string hash = Reflect::toUtf8(file.report.Hash);
+					printLine(fmt::format("{}: {}{}{}", file.path, Reflect::toUtf8(file.report.Sentence), hash.empty() ? "" : " ", hash));
 				}
-				startNext();
 			}
 
-			static void tellGood(const File& file)
+			static void tellFailure(const File& file)
 			{
-				const std::string hash = Reflect::toUtf8(file.report.Hash);
-				writeLine(fitFor(stdout,
-							  fmt::format("{}: {}{}{}", file.path, Reflect::toUtf8(file.report.Sentence), hash.empty() ? "" : " ", hash)) +
-						  "\n");
+				const std::string way = Reflect::toUtf8(file.report.HowToGoOn);
+				complain(fmt::format("corvane: {}: {}{}{}", file.path, Reflect::toUtf8(file.report.Sentence), way.empty() ? "" : " ", way));
 			}
 
-			/** Of all files together; nobody knows their size before each has told its own. */
-			void tellProgress()
+			void tellHowToGoOn() const
 			{
-				int64 size = 0;
-				int64 done = 0;
-				for (const File& file : files)
+				if (notBegun > 0)
 				{
-					size = size < 0 || file.report.TotalBytes < 0 ? -1 : size + file.report.TotalBytes;
-					done += file.report.TakenOverBytes + file.report.TransferredBytes;
+					complain(fmt::format("corvane: {} of {} files are there, {} were not begun", succeeded, files.size(), notBegun));
 				}
-				if (progress)
+				complain("corvane: the same 'corvane get' goes on");
+			}
+
+			void tellProgress(File& file)
+			{
+				const int64 done = file.report.TakenOverBytes + file.report.TransferredBytes;
+				if (bar)
 				{
-					progress->tell(ProgressBar::received(size, done));
+					bar->tell(ProgressBar::received(file.report.TotalBytes, done));
 				}
+				else if (table)
+				{
+					file.row = file.row ? file.row : &table->add(file.path);
+					file.row->size = static_cast<double>(file.report.TotalBytes);
+					file.row->done = static_cast<double>(done);
+					file.row->rate.note(file.row->done);
+				}
+			}
+
+			/** @return whether to draw once more. */
+			bool draw()
+			{
+				const FCorvaneQueueReport all = queue->GetReport();
+				table->tell({files.size(), ended, static_cast<double>(all.TotalBytes), static_cast<double>(all.Bytes)});
+				return true;
 			}
 
 			ProgramLoop& loop;
 			const GetOptions& options;
 			const FCorvaneDownloadOptions download;
 			std::vector<File> files;
-			std::optional<ProgressBar> progress;
-			size_t started = 0;
+			UCorvaneTransferQueue* const queue = UCorvaneTransferQueue::GetTransferQueue(queueName);
+			std::optional<ProgressBar> bar; // of a single file
+			std::optional<ProgressTable> table; // of several
+			FTSTicker::FDelegateHandle drawing; // of the table
 			size_t succeeded = 0;
+			size_t ended = 0;
+			size_t notBegun = 0; // of those, when a signal came
 		};
 	} // namespace
 

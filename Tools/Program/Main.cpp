@@ -29,6 +29,7 @@ namespace
 		Program::CallOptions call;
 		Program::GetOptions get;
 		Program::PutOptions put;
+		Program::FollowOptions followOptions;
 		Program::NodesOptions nodesOptions;
 		Program::LabOptions labOptions;
 		std::string completedLine;
@@ -40,6 +41,8 @@ namespace
 		CLI::App* getFiles =
 			app.add_subcommand("get", "Downloads files, each whole and checked or with a reason; what is there already is gone on with");
 		CLI::App* putFiles = app.add_subcommand("put", "Uploads files as they are or in a form; none is changed, copied or loaded");
+		CLI::App* follow =
+			app.add_subcommand("follow", "Prints server-sent events as they come, and connects again when the stream breaks off");
 		CLI::App* nodes = app.add_subcommand("nodes", "Lists script functions and events with their pins, or writes pages about them");
 		CLI::App* demo = app.add_subcommand("demo", "Runs the examples against a server of its own");
 		CLI::App* lab = app.add_subcommand("lab", "Runs an origin that misbehaves on command, or records or replays one");
@@ -68,6 +71,7 @@ namespace
 			addLab();
 			addGetOptions();
 			addPutOptions();
+			addFollowOptions();
 			callFunction->add_flag("--json", call.json, "Print one JSON object, and one for each server-sent event");
 			callFunction->add_flag("--body", call.bodyAlone, "Write the body alone, byte for byte unless to a terminal");
 			callFunction->add_option("-o,--output", call.bodyFile, "Write the body alone into this file");
@@ -102,12 +106,14 @@ namespace
 
 		void addGetOptions()
 		{
-			getFiles->add_option("URL", get.addresses, "What to download")->required();
+			getFiles->add_option("URL", get.addresses, "What to download");
+			getFiles->add_option(
+				"-i,--input", get.list, "A list: a URL a line, maybe with a file name behind it; # begins a comment, - is standard input");
 			getFiles->add_option("-o,--output", get.file, "The file to write; by the last part of the URL when it is not given");
 			getFiles->add_option("-d,--dir", get.folder, "The folder to put files into, made when it is missing");
 			getFiles->add_option("-H,--header", get.headers, "A header of the requests: -H 'Accept: text/plain'")->allow_extra_args(false);
 			getFiles->add_option("--hash", get.hash, "What the file must have: sha256:HEX, or sha1, md5; sha256 alone tells it");
-			getFiles->add_option("--limit-rate", get.bytesPerSecond, "Bytes per second of each file: 500k, 2M")
+			getFiles->add_option("--limit-rate", get.bytesPerSecond, "Bytes per second of all files together: 500k, 2M")
 				->transform(CLI::AsSizeValue(false));
 			getFiles->add_option(
 				"--if-exists", get.ifExists, "What becomes of a file that is there: Replace (the default), Keep, Fail, OnlyIfNewer");
@@ -137,6 +143,26 @@ namespace
 			addVerbose(*putFiles);
 			putFiles->footer("Exit status: 0 all is uploaded, 1 some is not, 2 the command line is wrong\n"
 							 "Notes of --tus stand in $XDG_STATE_HOME/corvane/uploads until an upload is through");
+		}
+
+		void addFollowOptions()
+		{
+			follow->add_option("URL", followOptions.address, "The stream of events (text/event-stream)")->required();
+			follow->add_option("-H,--header", followOptions.headers, "A header of the requests: -H 'Authorization: Bearer ...'")
+				->allow_extra_args(false);
+			follow->add_option("-d,--data", followOptions.body,
+				"Ask with POST and this body, JSON unless a Content-Type says otherwise; @FILE sends a file");
+			follow->add_option("--last-id", followOptions.lastId, "Go on behind the event of this ID");
+			follow->add_option("--event", followOptions.types, "Print events of this type only; may be given again")
+				->allow_extra_args(false);
+			follow->add_flag("--json", followOptions.json, "Print each event as a line of JSON, with its ID and type");
+			follow->add_flag("--no-reconnect", followOptions.staysAway, "End with the first connection");
+			follow->add_option("--max", followOptions.most, "End after so many events")->check(CLI::PositiveNumber);
+			follow->add_flag("-q,--quiet", followOptions.quiet, "Tell nothing but events and failures");
+			addVerbose(*follow);
+			follow->footer(
+				"Exit status: 0 as many events as --max wants, or the stream ended in order, 1 the stream could not be followed,\n"
+				"2 the command line is wrong, 130 Ctrl-C ended it, which tells how to go on");
 		}
 
 		void addDriveBase(CLI::App& verb)
@@ -203,6 +229,10 @@ namespace
 		if (*line.putFiles)
 		{
 			return Program::putFiles(line.settings, line.put);
+		}
+		if (*line.follow)
+		{
+			return Program::followEvents(line.settings, line.followOptions);
 		}
 		if (*line.completion)
 		{

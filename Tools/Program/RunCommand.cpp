@@ -13,17 +13,6 @@
 
 namespace Program
 {
-	namespace
-	{
-		void printLine(std::string_view line)
-		{
-			const std::string fit = fitFor(stdout, line);
-			std::fwrite(fit.data(), 1, fit.size(), stdout);
-			std::fputc('\n', stdout);
-			std::fflush(stdout);
-		}
-	} // namespace
-
 	int runToEnd(ProgramLoop& loop, const std::string& path, const std::vector<std::string>& arguments)
 	{
 		Script::ScriptState script({[&loop] { loop.Tick(); },

@@ -1,7 +1,7 @@
 #include "Misc/DateTime.h"
 
-#include "Host/Clock.h"
 #include "Containers/StringConv.h"
+#include "Host/Clock.h"
 
 #include <array>
 #include <chrono>

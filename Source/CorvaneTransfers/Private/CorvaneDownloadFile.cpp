@@ -1,5 +1,6 @@
 #include "CorvaneDownloadFile.h"
 
+#include "Attempts/Address.h"
 #include "CorvaneBPLibrary.h"
 #include "Download/DownloadRun.h"
 #include "Drive/DrivePage.h"
@@ -46,74 +47,25 @@ UCorvaneDownloadFile* UCorvaneDownloadFile::Begin(UCorvaneDownloadFile* Node, FT
 	return Node;
 }
 
-void UCorvaneDownloadFile::Activate()
+UCorvaneDownloadFile* UCorvaneDownloadFile::Resume(
+	const FString& InAddress, const FString& InFilePath, const FCorvaneDownloadOptions& InOptions)
 {
-	if (Run.IsValid())
-	{
-		return; // it was started once
-	}
-	AddToRoot(); // until its outcome: a graph that is gone does not end a download
-	Run = MakeShared<FCorvaneDownloadRun>(
-		Address, Path, Wishes, [this](const FCorvaneTransferReport& Report) { End(Report); }, [this] { TellProgress(); },
-		Route.ToSharedRef());
-	Run->Start();
+	const FString FileID = CorvaneDrive::FindID(UCorvaneBPLibrary::googleDriveBase(), InAddress);
+	return FileID.IsEmpty() ? Start(InAddress, InFilePath, InOptions, FTell()) : StartDriveFile(FileID, InFilePath, InOptions, FTell());
 }
 
-void UCorvaneDownloadFile::TellProgress()
+UCorvaneTransfer::FQueueWish UCorvaneDownloadFile::GetQueueWish() const
 {
-	if (!OnProgress.IsBound() && !NativeMove)
-	{
-		return; // a report for nobody costs as much as one for somebody
-	}
-	const FCorvaneTransferReport Report = Run->GetReport();
-	OnProgress.Broadcast(Report);
-	if (NativeMove)
-	{
-		NativeMove(Report);
-	}
+	return {Wishes.Queue, Wishes.Priority, CorvaneAddress::Origin(Address)};
 }
 
-void UCorvaneDownloadFile::End(const FCorvaneTransferReport& Report)
+TSharedPtr<FCorvaneTransferRun> UCorvaneDownloadFile::MakeRun(FTell InOnEnd, TFunction<void()> InOnMove)
 {
-	(Report.Outcome == ECorvaneTransferOutcome::Succeeded ? OnSuccess : OnFail).Broadcast(Report);
-	if (NativeEnd)
+	if (!Route.IsValid())
 	{
-		NativeEnd(Report);
+		return nullptr;
 	}
-	RemoveFromRoot();
-	SetReadyToDestroy();
-}
-
-void UCorvaneDownloadFile::Pause()
-{
-	if (Run.IsValid())
-	{
-		Run->Pause();
-	}
-}
-
-void UCorvaneDownloadFile::Continue()
-{
-	if (Run.IsValid())
-	{
-		Run->Continue();
-	}
-}
-
-void UCorvaneDownloadFile::Cancel()
-{
-	if (Run.IsValid())
-	{
-		Run->Cancel();
-	}
-}
-
-FCorvaneTransferReport UCorvaneDownloadFile::GetReport() const
-{
-	return Run.IsValid() ? Run->GetReport() : FCorvaneTransferReport();
-}
-
-bool UCorvaneDownloadFile::IsPaused() const
-{
-	return Run.IsValid() && Run->IsPaused();
+	const TSharedRef<FCorvaneRoute> Way = Route.ToSharedRef();
+	Route.Reset(); // or what it holds would outlive the run
+	return MakeShared<FCorvaneDownloadRun>(Address, Path, Wishes, MoveTemp(InOnEnd), MoveTemp(InOnMove), Way);
 }

@@ -1,8 +1,115 @@
 #include "CorvaneTransfer.h"
 
+#include "Queue/QueueRun.h"
+#include "Queue/Queues.h"
 #include "RunningTransfers.h"
+#include "TransferRun.h"
 
 bool UCorvaneTransfer::HasPendingWork()
 {
-	return !CorvaneRunningTransfers::IsEmpty();
+	return !CorvaneRunningTransfers::IsEmpty() || CorvaneQueues::HavePendingWork();
+}
+
+TSharedPtr<FCorvaneTransferRun> UCorvaneTransfer::MakeRun(FTell, TFunction<void()>)
+{
+	return nullptr; // of the class's default object only
+}
+
+void UCorvaneTransfer::Activate()
+{
+	if (bActivated)
+	{
+		return; // it was started once
+	}
+	bActivated = true;
+	Run = MakeRun([this](const FCorvaneTransferReport& Report) { End(Report); }, [this] { TellProgress(); });
+	if (!Run.IsValid())
+	{
+		return;
+	}
+	AddToRoot(); // until its outcome: a graph that is gone does not end a transfer
+	const FQueueWish Wish = GetQueueWish();
+	if (Wish.Queue.IsEmpty())
+	{
+		return Run->Start();
+	}
+	Queue = CorvaneQueues::Get(Wish.Queue);
+	Ticket = Queue->Enter(*this, Run.ToSharedRef(), Wish.Host, Wish.Priority);
+}
+
+void UCorvaneTransfer::TellProgress()
+{
+	if (!OnProgress.IsBound() && !NativeMove)
+	{
+		return; // a report for nobody costs as much as one for somebody
+	}
+	const FCorvaneTransferReport Report = GetReport();
+	OnProgress.Broadcast(Report);
+	if (NativeMove)
+	{
+		NativeMove(Report);
+	}
+}
+
+void UCorvaneTransfer::End(const FCorvaneTransferReport& Report)
+{
+	Outcome = Report;
+	Run.Reset();
+	(Outcome.Outcome == ECorvaneTransferOutcome::Succeeded ? OnSuccess : OnFail).Broadcast(Outcome);
+	if (NativeEnd)
+	{
+		NativeEnd(Outcome);
+	}
+	if (Queue.IsValid())
+	{
+		Queue->Leave(Ticket, Outcome);
+	}
+	RemoveFromRoot();
+	SetReadyToDestroy();
+}
+
+void UCorvaneTransfer::Pause()
+{
+	if (Queue.IsValid())
+	{
+		Queue->PauseOne(Ticket);
+	}
+	else if (Run.IsValid())
+	{
+		Run->Pause();
+	}
+}
+
+void UCorvaneTransfer::Continue()
+{
+	if (Queue.IsValid())
+	{
+		Queue->ContinueOne(Ticket);
+	}
+	else if (Run.IsValid())
+	{
+		Run->Continue();
+	}
+}
+
+void UCorvaneTransfer::Cancel()
+{
+	if (Queue.IsValid())
+	{
+		Queue->CancelOne(Ticket);
+	}
+	else if (Run.IsValid())
+	{
+		Run->Cancel();
+	}
+}
+
+FCorvaneTransferReport UCorvaneTransfer::GetReport() const
+{
+	return Run.IsValid() ? Run->GetReport() : Outcome;
+}
+
+bool UCorvaneTransfer::IsPaused() const
+{
+	return Run.IsValid() && (Run->IsPaused() || (Queue.IsValid() && Queue->IsHeld(Ticket)));
 }

@@ -2,6 +2,7 @@
 
 #include "Misc/CoreDelegates.h"
 #include "Modules/ModuleManager.h"
+#include "Queue/Queues.h"
 #include "RunningTransfers.h"
 #include "UObject/UObjectBase.h"
 
@@ -22,7 +23,9 @@ void FCorvaneTransfersModule::ShutdownModule()
 
 void FCorvaneTransfersModule::EndTransfers()
 {
+	CorvaneQueues::LetGoOfAll();
 	CorvaneRunningTransfers::EndAll();
+	CorvaneQueues::Clear();
 }
 
 IMPLEMENT_MODULE(FCorvaneTransfersModule, CorvaneTransfers)

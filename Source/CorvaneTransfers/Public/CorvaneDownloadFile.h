@@ -8,7 +8,6 @@
 
 #include "CorvaneDownloadFile.generated.h"
 
-class FCorvaneDownloadRun;
 class FCorvaneRoute;
 
 /**
@@ -23,8 +22,6 @@ class CORVANETRANSFERS_API UCorvaneDownloadFile : public UCorvaneTransfer
 	GENERATED_BODY()
 
 public:
-	using FTell = TFunction<void(const FCorvaneTransferReport&)>;
-
 	/**
 	 * Makes a node that downloads a file.
 	 * @param URL  http or https; a user and a password in it are sent, and never shown.
@@ -59,23 +56,18 @@ public:
 	static UCorvaneDownloadFile* StartDriveFile(
 		const FString& FileID, const FString& FilePath, const FCorvaneDownloadOptions& Options, FTell OnEnd, FTell OnMove = FTell());
 
-	virtual void Activate() override;
-	virtual void Pause() override;
-	virtual void Continue() override;
-	virtual void Cancel() override;
-	virtual FCorvaneTransferReport GetReport() const override;
-	virtual bool IsPaused() const override;
+	/** Goes on with a download of an earlier run. @param Address  as its journal has it; one of the Drive service is known for it. */
+	static UCorvaneDownloadFile* Resume(const FString& Address, const FString& FilePath, const FCorvaneDownloadOptions& Options);
+
+protected:
+	virtual FQueueWish GetQueueWish() const override;
+	virtual TSharedPtr<FCorvaneTransferRun> MakeRun(FTell OnEnd, TFunction<void()> OnMove) override;
 
 private:
 	static UCorvaneDownloadFile* Begin(UCorvaneDownloadFile* Node, FTell&& OnEnd, FTell&& OnMove);
-	void TellProgress();
-	void End(const FCorvaneTransferReport& Report);
 
-	TSharedPtr<FCorvaneRoute> Route; // null of the class's default object only
-	TSharedPtr<FCorvaneDownloadRun> Run; // null before Activate
+	TSharedPtr<FCorvaneRoute> Route; // until it is activated
 	FString Address;
 	FString Path;
 	FCorvaneDownloadOptions Wishes;
-	FTell NativeEnd;
-	FTell NativeMove;
 };

@@ -67,4 +67,12 @@ struct CORVANETRANSFERS_API FCorvaneDownloadOptions
 	/** Goes on with what an earlier start has left on disk. */
 	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Corvane|Transfers")
 	bool bResume = true;
+
+	/** Name of the queue that it waits in (Get Transfer Queue); empty = none, it starts at once. */
+	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Corvane|Transfers")
+	FString Queue;
+
+	/** In the queue those with a higher one start first. */
+	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Corvane|Transfers")
+	int32 Priority = 0;
 };

@@ -30,6 +30,13 @@ struct CORVANETRANSFERS_API FCorvaneFollowOptions
 	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Corvane|Transfers")
 	FString LastEventID;
 
+	/**
+	 * Connects again when a stream ends or breaks off; else that is its outcome: Ended, or why it broke off. Tries that did not get
+	 * at a stream are repeated all the same, and so is one that was paused.
+	 */
+	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Corvane|Transfers")
+	bool bReconnect = true;
+
 	/** Before it connects again; what the server asks for (retry) takes its place. */
 	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Corvane|Transfers")
 	double ReconnectSeconds = 3;

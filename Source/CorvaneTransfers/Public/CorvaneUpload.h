@@ -21,8 +21,6 @@ class CORVANETRANSFERS_API UCorvaneUpload : public UCorvaneTransfer
 	GENERATED_BODY()
 
 public:
-	using FTell = TFunction<void(const FCorvaneTransferReport&)>;
-
 	virtual void Activate() override;
 	virtual void Pause() override;
 	virtual void Continue() override;
@@ -42,6 +40,4 @@ private:
 	TSharedPtr<FCorvaneUploadContent> Content; // null before Prepare
 	TSharedPtr<FCorvaneUploadRun> Run; // null before Activate
 	FCorvaneUploadOptions Wishes;
-	FTell NativeEnd;
-	FTell NativeMove;
 };

@@ -21,8 +21,6 @@ class CORVANETRANSFERS_API UCorvaneUploadResumable : public UCorvaneTransfer
 	GENERATED_BODY()
 
 public:
-	using FTell = TFunction<void(const FCorvaneTransferReport&)>;
-
 	/**
 	 * Makes a node that uploads a file in a way that can go on.
 	 * @param URL  where uploads are begun, http or https; a user and a password in it are sent, and never shown.
@@ -57,6 +55,4 @@ private:
 	FString Address;
 	FString Path;
 	FCorvaneResumableOptions Wishes;
-	FTell NativeEnd;
-	FTell NativeMove;
 };

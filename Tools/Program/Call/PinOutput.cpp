@@ -61,7 +61,12 @@ namespace Program
 
 	std::string asJsonLine(const Json& value)
 	{
-		return fitFor(stdout, value.dump(-1, ' ', false, Json::error_handler_t::replace)) + "\n";
+		return fitFor(stdout, asJsonText(value)) + "\n";
+	}
+
+	std::string asJsonText(const Json& value)
+	{
+		return value.dump(-1, ' ', false, Json::error_handler_t::replace);
 	}
 
 	void printPins(const Json& pins, bool asJson)

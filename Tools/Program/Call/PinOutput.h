@@ -8,6 +8,8 @@ namespace Program
 	void printPins(const Json& pins, bool asJson);
 	/** @return a value as one line of JSON, its control characters spelt out on a terminal. */
 	std::string asJsonLine(const Json& value);
+	/** The same without an end of line, and as it is. */
+	std::string asJsonText(const Json& value);
 
 	/** @return whether pins report a failure: a statusCode of 0 or from 400 on, or a false success. */
 	bool isFailure(const Json& pins);

@@ -10,6 +10,7 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <mutex>
+#include <sys/ioctl.h>
 #include <unistd.h>
 #include <utility>
 
@@ -18,11 +19,18 @@ namespace Program
 	namespace
 	{
 		std::mutex errorMutex;
-		bool hasStatus = false; // guarded by errorMutex
+		size_t statusLines = 0; // guarded by errorMutex
 
 		void writeError(const std::string& text)
 		{
 			std::fwrite(text.data(), 1, text.size(), stderr);
+		}
+
+		/** @return what brings the cursor to where the status begins, and takes it away. Under errorMutex. */
+		std::string eraseStatus()
+		{
+			const size_t lines = std::exchange(statusLines, 0);
+			return lines == 0 ? "" : lines == 1 ? "\r\033[K" : fmt::format("\r\033[{}A\033[J", lines - 1);
 		}
 
 		void occupyClosedDescriptors()
@@ -122,15 +130,65 @@ namespace Program
 	void drawStatus(std::string_view line)
 	{
 		const std::scoped_lock lock(errorMutex);
-		hasStatus = !line.empty();
+		statusLines = line.empty() ? 0 : 1;
 		writeError(fmt::format("\r{}\033[K", line));
+	}
+
+	void drawStatus(const std::vector<std::string>& lines)
+	{
+		const size_t room = terminalSize().columns - 1; // terminals wrap at the last column
+		std::string text;
+		for (const std::string& line : lines)
+		{
+			text += fmt::format("{}{}", text.empty() ? "" : "\n", cutTo(line, room));
+		}
+		const std::scoped_lock lock(errorMutex);
+		writeError(eraseStatus() + text);
+		statusLines = lines.size();
+	}
+
+	void printLine(std::string_view line)
+	{
+		const std::string fit = fitFor(stdout, line);
+		const std::scoped_lock lock(errorMutex);
+		if (isTerminal(stdout))
+		{
+			writeError(eraseStatus());
+			std::fflush(stderr);
+		}
+		std::fwrite(fit.data(), 1, fit.size(), stdout);
+		std::fputc('\n', stdout);
+		std::fflush(stdout);
+	}
+
+	TerminalSize terminalSize()
+	{
+		winsize window{};
+		ioctl(STDERR_FILENO, TIOCGWINSZ, &window);
+		return {window.ws_col > 0 ? window.ws_col : size_t{80}, window.ws_row > 0 ? window.ws_row : size_t{24}};
+	}
+
+	std::string cutTo(std::string_view line, size_t columns)
+	{
+		size_t taken = 0;
+		for (size_t place = 0; place < line.size(); ++place)
+		{
+			const auto byte = static_cast<unsigned char>(line[place]);
+			const bool isContinued = (byte & 0xc0) == 0x80;
+			taken += isContinued ? 0 : byte < 0x80 ? 1 : 2;
+			if (taken > columns)
+			{
+				return std::string(line.substr(0, place));
+			}
+		}
+		return std::string(line);
 	}
 
 	void complain(std::string_view line)
 	{
 		const std::string fit = fitFor(stderr, line);
 		const std::scoped_lock lock(errorMutex);
-		writeError(fmt::format("{}{}\n", std::exchange(hasStatus, false) ? "\r\033[K" : "", fit));
+		writeError(fmt::format("{}{}\n", eraseStatus(), fit));
 	}
 
 	bool finishOutput()

@@ -21,8 +21,24 @@ namespace Program
 	/** The same where a stream is a terminal, which would obey them; elsewhere the text as it is. */
 	std::string fitFor(std::FILE* stream, std::string_view text);
 
+	/** Of the terminal behind standard error; 80 and 24 when nobody knows. */
+	struct TerminalSize
+	{
+		size_t columns;
+		size_t rows;
+	};
+	TerminalSize terminalSize();
+
+	/** @return what of a line fits into so many columns; what is no ASCII counts as two, as wide letters take. */
+	std::string cutTo(std::string_view line, size_t columns);
+
 	/** Draws a line on standard error that the next one replaces. @param line  empty = takes it away. */
 	void drawStatus(std::string_view line);
+	/** The same of several, each cut to the width of the terminal, which has to be high enough. */
+	void drawStatus(const std::vector<std::string>& lines);
+
+	/** Writes a line to standard output, in place of a status. What cannot be written is told by finishOutput. */
+	void printLine(std::string_view line);
 
 	/** Writes a line to standard error, in place of a status. Never throws, since nobody could be told. Thread: any. */
 	void complain(std::string_view line);

@@ -10,15 +10,12 @@
 #include <fmt/core.h>
 
 #include <algorithm>
-#include <sys/ioctl.h>
-#include <unistd.h>
 
 namespace Program
 {
 	namespace
 	{
 		constexpr double mebibyte = 1 << 20;
-		constexpr double shortestMeasurement = 0.25; // seconds; what is in buffers at the start says nothing about the line
 		constexpr auto betweenDrawings = std::chrono::milliseconds(50);
 
 		struct Source
@@ -39,30 +36,6 @@ namespace Program
 		bool isSizeKnown(double size)
 		{
 			return size > 1.5;
-		}
-
-		/** @return "12.3 MiB", or a smaller unit where that would tell nothing. */
-		std::string sizeInWords(double bytes)
-		{
-			constexpr double kibibyte = 1 << 10;
-			return bytes >= mebibyte   ? fmt::format("{:.1f} MiB", bytes / mebibyte)
-				   : bytes >= kibibyte ? fmt::format("{:.1f} KiB", bytes / kibibyte)
-									   : fmt::format("{:.0f} bytes", bytes);
-		}
-
-		/** @return the width of the terminal behind standard error. */
-		size_t columns()
-		{
-			winsize window{};
-			const bool isKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &window) == 0 && window.ws_col > 0;
-			return isKnown ? window.ws_col : 80;
-		}
-
-		/** @return "12 s" or "3 min 20 s". */
-		std::string inWords(double seconds)
-		{
-			const auto whole = static_cast<long>(std::min(seconds, 359999.0));
-			return whole < 60 ? fmt::format("{} s", whole) : fmt::format("{} min {} s", whole / 60, whole % 60);
 		}
 	} // namespace
 
@@ -138,13 +111,9 @@ namespace Program
 			return;
 		}
 		const Clock::time_point now = Clock::now();
-		if (!hasBegun || progress.done < firstDone)
-		{
-			hasBegun = true;
-			firstTime = now;
-			firstDone = progress.done;
-		}
-		const std::string text = amount(progress) + speedAndTimeLeft(progress, std::chrono::duration<double>(now - firstTime).count());
+		rate.note(progress.done);
+		const double left = isSizeKnown(progress.size) ? std::max(progress.size - progress.done, 0.0) : -1;
+		const std::string text = amount(progress) + rate.inWords(left);
 		if (asLines)
 		{
 			complain(text);
@@ -163,7 +132,7 @@ namespace Program
 		constexpr size_t widest = 30;
 		constexpr size_t narrowest = 5;
 		constexpr size_t frame = 3; // brackets and a space
-		const size_t room = columns() - 1; // terminals wrap at the last column
+		const size_t room = terminalSize().columns - 1; // terminals wrap at the last column
 		const size_t left = room > text.size() + frame ? room - text.size() - frame : 0;
 		std::string bar;
 		if (isSizeKnown(progress.size) && left >= narrowest)
@@ -173,17 +142,5 @@ namespace Program
 			bar = fmt::format("[{:<{}}] ", std::string(filled, '#'), width);
 		}
 		drawStatus((bar + text).substr(0, room));
-	}
-
-	std::string ProgressBar::speedAndTimeLeft(const Progress& progress, double seconds) const
-	{
-		const double speed = seconds >= shortestMeasurement ? (progress.done - firstDone) / seconds : 0;
-		if (speed <= 0)
-		{
-			return "";
-		}
-		const double left = std::max(progress.size - progress.done, 0.0);
-		return fmt::format(", {}/s", sizeInWords(speed)) +
-			   (isSizeKnown(progress.size) ? fmt::format(", {} left", inWords(left / speed)) : "");
 	}
 } // namespace Program

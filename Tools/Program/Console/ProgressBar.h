@@ -1,6 +1,7 @@
 #pragma once
 
 #include "EventTap.h"
+#include "TransferRate.h"
 
 #include <chrono>
 #include <list>
@@ -41,16 +42,12 @@ namespace Program
 		static Progress moved(const char* direction, int64 size, int64 done);
 		static void draw(const Progress& progress, const std::string& text);
 		static std::string amount(const Progress& progress);
-		/** @return the end of the line; empty while there is nothing to tell. */
-		std::string speedAndTimeLeft(const Progress& progress, double seconds) const;
 
 		const bool asLines;
 		const bool isShown;
 		std::list<EventTap> taps;
-		bool hasBegun = false;
+		TransferRate rate;
 		bool isDrawn = false;
 		Clock::time_point lastDrawn;
-		Clock::time_point firstTime; // where the speed is measured from
-		double firstDone = 0;
 	};
 } // namespace Program

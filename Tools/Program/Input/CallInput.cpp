@@ -1,5 +1,6 @@
 #include "CallInput.h"
 
+#include "FileContent.h"
 #include "HeaderLine.h"
 #include "InputError.h"
 #include "JsonValues.h"
@@ -7,12 +8,8 @@
 #include "RequestChecks.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 #include <fmt/format.h>
 #include <iterator>
-#include <memory>
 #include <set>
 
 namespace Program
@@ -40,29 +37,6 @@ namespace Program
 			return type.Kind == EPropertyKind::Array && holdsTexts(type) ? fmt::format(R"(; it is written {}='["one","two"]')", pin) : "";
 		}
 
-		/** Unlike a stream, this ends when a signal comes while nobody types anything. */
-		std::string contentOf(const std::string& path)
-		{
-			const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"), std::fclose);
-			std::string content;
-			char piece[64 << 10];
-			for (size_t number = 1; file && number > 0; content.append(piece, number))
-			{
-				number = std::fread(piece, 1, sizeof piece, file.get());
-			}
-			if (!file || std::ferror(file.get()))
-			{
-				throw InputError(fmt::format("cannot read '{}': {}", path, std::strerror(errno)));
-			}
-			return content;
-		}
-
-		bool isUtf8(const std::string& text)
-		{
-			const Json quoted = text;
-			return quoted == Json::parse(quoted.dump(-1, ' ', false, Json::error_handler_t::replace));
-		}
-
 		bool isBody(const FParameter& parameter)
 		{
 			constexpr std::string_view names[] = {"contentBody", "content", "data"};
@@ -78,16 +52,8 @@ namespace Program
 			{
 				return word;
 			}
-			if (word.starts_with("@@"))
-			{
-				return word.substr(1);
-			}
-			std::string content = contentOf(word.substr(1));
-			if (parameter.Type().Kind == EPropertyKind::String && !isUtf8(content))
-			{
-				throw InputError(fmt::format("'{}' is no UTF-8 text; a request sends any file as a stream, by its path", word.substr(1)));
-			}
-			return content;
+			const bool isText = parameter.Type().Kind == EPropertyKind::String || word.starts_with("@@");
+			return isText ? textMeantBy(word) : contentOf(word.substr(1));
 		}
 
 		class PinWords

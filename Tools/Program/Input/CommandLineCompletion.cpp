@@ -172,8 +172,13 @@ namespace Program
 			}
 			if (verb == "get")
 			{
-				return {"--output", "--dir", "--header", "--hash", "--limit-rate", "--if-exists", "--jobs", "--no-resume", "--json",
-					"--quiet", "--verbose", "--help"};
+				return {"--input", "--output", "--dir", "--header", "--hash", "--limit-rate", "--if-exists", "--jobs", "--no-resume",
+					"--json", "--quiet", "--verbose", "--help"};
+			}
+			if (verb == "follow")
+			{
+				return {
+					"--header", "--data", "--last-id", "--event", "--json", "--no-reconnect", "--max", "--quiet", "--verbose", "--help"};
 			}
 			if (verb == "put")
 			{
@@ -188,14 +193,15 @@ namespace Program
 		{
 			static const Words taking = {"--output", "-o", "--header", "-H", "--timeout", "--connections", "--project", "--base",
 				"--drive-base", "--html", "--dir", "-d", "--hash", "--limit-rate", "--if-exists", "--jobs", "-j", "--port", "--listen-on",
-				"--tls", "--run", "--record", "--to", "--replay", "--speed", "--form", "--field", "--request", "-X"};
+				"--tls", "--run", "--record", "--to", "--replay", "--speed", "--form", "--field", "--request", "-X", "--data", "--last-id",
+				"--event", "--max"};
 			return std::find(taking.begin(), taking.end(), option) != taking.end();
 		}
 	} // namespace
 
 	std::vector<std::string> completions(const std::string& line)
 	{
-		static const Words verbs = {"run", "call", "get", "put", "nodes", "demo", "lab", "completion", "help"};
+		static const Words verbs = {"run", "call", "get", "put", "follow", "nodes", "demo", "lab", "completion", "help"};
 		const Words words = split(line);
 		const std::string& word = words.back();
 		if (words.size() <= 2)

@@ -84,6 +84,13 @@ public:
 		RemoveAt(static_cast<int32>(Found - begin()));
 		return 1;
 	}
+	/** Puts an element before the one at an index, or at the end. @return the index. */
+	int32 Insert(const T& Item, int32 Index)
+	{
+		Emplace(Item);
+		std::rotate(Data + Index, Data + Count - 1, Data + Count);
+		return Index;
+	}
 	/** Removes one element; those after it move up. */
 	void RemoveAt(int32 Index)
 	{

@@ -13,8 +13,8 @@
 class HOST_LOCK_ATTRIBUTE(capability("lock")) FCriticalSection
 {
 public:
-	void Lock() HOST_LOCK_ATTRIBUTE(acquire_capability()) ;
-	void Unlock() HOST_LOCK_ATTRIBUTE(release_capability()) ;
+	void Lock() HOST_LOCK_ATTRIBUTE(acquire_capability());
+	void Unlock() HOST_LOCK_ATTRIBUTE(release_capability());
 
 private:
 	std::recursive_mutex Mutex;

@@ -104,7 +104,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::OnOpened(double Now, const FCorvan
 
 FCorvaneDownloadQuestion FCorvaneDownloadMachine::MakeQuestion() const
 {
-	const bool bLimited = Options.BytesPerSecond > 0 && !bNoRanges;
+	const int64 Part = bNoRanges ? 0 : PartBytes();
 	FCorvaneDownloadQuestion Next;
 	Next.ExpectedSize = Options.ExpectedSize;
 	if (!bFromStart && !bPacked && Length > 0)
@@ -118,9 +118,18 @@ FCorvaneDownloadQuestion FCorvaneDownloadMachine::MakeQuestion() const
 	{
 		Next.IfNewerThan = IfNewerThan;
 	}
-	Next.bRange = bLimited || Next.OnDisk > 0;
-	Next.Until = bLimited ? Next.OnDisk + CorvanePace::PartBytes(Options.BytesPerSecond) : -1;
+	Next.bRange = Part > 0 || Next.OnDisk > 0;
+	Next.Until = Part > 0 ? Next.OnDisk + Part : -1;
 	return Next;
+}
+
+/** @return bytes of the next part, by its own limit and that of its queue; 0 = all that there are. */
+int64 FCorvaneDownloadMachine::PartBytes() const
+{
+	const int64 Own = Options.BytesPerSecond > 0 ? CorvanePace::PartBytes(Options.BytesPerSecond) : MAX_int64;
+	const int64 Shared = MostOfPart > 0 ? MostOfPart : MAX_int64;
+	const int64 Part = FMath::Min(Own, Shared);
+	return Part < MAX_int64 ? Part : 0;
 }
 
 FCorvaneDownloadStep FCorvaneDownloadMachine::Ask(double Now)

@@ -119,6 +119,9 @@ public:
 	/** The program ends: as Cancel, with Ended. */
 	FCorvaneDownloadStep EndOfProgram(double Now) { return EndWith(Now, ECorvaneTransferOutcome::Ended); }
 
+	/** @param Bytes  that a try asks for at most, from the next one on; 0 = any number. */
+	void LimitParts(int64 Bytes) { MostOfPart = Bytes; }
+
 	bool IsPaused() const { return Phase == EPhase::Paused; }
 	bool IsOver() const { return Phase == EPhase::Over; }
 	/** Of what is on disk. */
@@ -167,6 +170,8 @@ private:
 	FCorvaneDownloadStep FollowBreak(double Now, const FCorvaneAttemptEnd& End);
 	bool IsWhole(const FCorvaneAttemptEnd& End) const;
 
+	int64 PartBytes() const;
+
 	const FString Target;
 	const FCorvaneDownloadOptions Options;
 	FCorvaneTransferReport Report;
@@ -190,5 +195,6 @@ private:
 	bool bThrewAway = false; // the last try began anew with bytes on disk, and nobody had told it to
 	bool bChangedLast = false; // what was sent instead of a rest was of another version, as far as that can be told
 	bool bGotNew = false; // the last try brought a new byte
+	int64 MostOfPart = 0; // 0 = any number
 	int32 FailuresInARow = 0; // tries without one
 };

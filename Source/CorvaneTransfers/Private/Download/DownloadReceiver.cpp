@@ -32,6 +32,7 @@ bool FCorvaneDownloadReceiver::OnAnswer(const FCorvaneAnswer& Answer)
 {
 	Judged = CorvaneDownload::JudgeAnswer(Plan.Question, Answer);
 	bTakesBody = Judged.TakesBody();
+	bTakesPart = Answer.Code == 206;
 	Total = Judged.Total;
 	BodyBegan = FPlatformTime::Seconds();
 	if (Judged.Verdict == ECorvaneDownloadVerdict::StartOverWithThis)
@@ -66,16 +67,20 @@ bool FCorvaneDownloadReceiver::TakeBody(const uint8* Bytes, int64 Number)
 	{
 		return false;
 	}
-	KeepPace();
+	KeepPace(Number);
 	return true;
 }
 
 /** Parts that were asked for are small, and waited between; here only a body that came whole is held up. */
-void FCorvaneDownloadReceiver::KeepPace()
+void FCorvaneDownloadReceiver::KeepPace(int64 Number)
 {
-	if (Plan.BytesPerSecond > 0 && Judged.Verdict == ECorvaneDownloadVerdict::StartOverWithThis)
+	double Held = Plan.Share.IsValid() ? CorvanePace::ShortOf(Plan.Share->Note(Number)) : 0.0;
+	if (Plan.BytesPerSecond > 0)
 	{
-		const double Held = CorvanePace::HoldAfter(Seen, FPlatformTime::Seconds() - BodyBegan, Plan.BytesPerSecond);
+		Held = FMath::Max(Held, CorvanePace::HoldAfter(Seen, FPlatformTime::Seconds() - BodyBegan, Plan.BytesPerSecond));
+	}
+	if (!bTakesPart && Held > 0)
+	{
 		FPlatformProcess::Sleep(static_cast<float>(Held));
 	}
 }

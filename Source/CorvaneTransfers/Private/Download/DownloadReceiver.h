@@ -7,6 +7,7 @@
 #include "Download/DownloadMachine.h"
 #include "Download/DownloadQuestion.h"
 #include "Download/TailCheck.h"
+#include "Pace/SharedPace.h"
 #include "Templates/Function.h"
 
 #include <atomic>
@@ -24,6 +25,8 @@ public:
 		/** The last bytes on disk, as many as the question compares. */
 		TArray<uint8> Tail;
 		int64 BytesPerSecond = 0;
+		/** Of a limit that it shares with others; null = none. */
+		TSharedPtr<FCorvanePaceShare> Share;
 	};
 	/** Told on a background thread, when the last byte is in the file; Random and NowUtc are still to be filled in. */
 	using FTell = TUniqueFunction<void(const FCorvaneAttemptEnd&)>;
@@ -39,7 +42,7 @@ public:
 
 private:
 	bool TakeBody(const uint8* Bytes, int64 Number);
-	void KeepPace();
+	void KeepPace(int64 Number);
 
 	const FPlan Plan;
 	const TSharedRef<FCorvaneDownloadFiles> Files;
@@ -48,6 +51,7 @@ private:
 	FCorvaneDownloadJudgement Judged;
 	FCorvaneAttemptEnd End;
 	bool bTakesBody = false;
+	bool bTakesPart = false;
 	int64 Seen = 0;
 	double BodyBegan = 0;
 	std::atomic<int64> Total{-1};

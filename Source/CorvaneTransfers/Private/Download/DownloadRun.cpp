@@ -74,6 +74,7 @@ void FCorvaneDownloadRun::Start()
 				Self->Post([](FCorvaneDownloadRun& Run) { Run.Stop(); });
 			}
 		});
+	Machine.LimitParts(Pace.IsValid() ? Pace->PartBytes(0) : 0);
 	const bool bHashIsReadable = FCorvaneHashWish::Parse(Options.Hash, Hash);
 	const FString WayFault = Route->FindFault();
 	const FCorvaneDownloadStep First = Machine.Start(
@@ -160,6 +161,22 @@ void FCorvaneDownloadRun::Open()
 void FCorvaneDownloadRun::Ask(const FCorvaneDownloadQuestion& Question)
 {
 	bStopWanted = false;
+	if (!Pace.IsValid())
+	{
+		return BeginTry(Question);
+	}
+	const int64 MostBytes = FMath::Max<int64>(Question.Until - Question.OnDisk, 0);
+	PaceNumber = Pace->Ask(MostBytes,
+		[Self = AsShared(), Question](const TSharedRef<FCorvanePaceShare>& Given)
+		{
+			Self->Share = Given;
+			Self->BeginTry(Question);
+		});
+}
+
+void FCorvaneDownloadRun::BeginTry(const FCorvaneDownloadQuestion& Question)
+{
+	TryBegan = CorvaneDownloadRun::Now();
 	Files->BeginAttempt(Question.Compare,
 		[Self = AsShared(), Question](TArray<uint8>&& Tail, const FCorvaneFileResult& TailRead)
 		{
@@ -184,6 +201,7 @@ void FCorvaneDownloadRun::Send(const FCorvaneDownloadQuestion& Question, TArray<
 	Plan.Address = CorvaneAddress::WithoutUser(URL);
 	Plan.Tail = MoveTemp(Tail);
 	Plan.BytesPerSecond = Options.BytesPerSecond;
+	Plan.Share = Share;
 	const TSharedRef<FCorvaneDownloadReceiver> Taker = MakeShared<FCorvaneDownloadReceiver>(MoveTemp(Plan), Files,
 		[Self = AsShared()](const FCorvaneAttemptEnd& End) { Self->Post([End](FCorvaneDownloadRun& Run) { Run.OnSent(End); }); });
 
@@ -204,6 +222,12 @@ void FCorvaneDownloadRun::Send(const FCorvaneDownloadQuestion& Question, TArray<
 void FCorvaneDownloadRun::OnSent(FCorvaneAttemptEnd End)
 {
 	Receiver.Reset();
+	if (Share.IsValid())
+	{
+		Share->Settle();
+		Share.Reset();
+		Machine.LimitParts(Pace->PartBytes(CorvaneDownloadRun::Now() - TryBegan));
+	}
 	End.Random = FMath::FRand();
 	End.NowUtc = FDateTime::UtcNow();
 	Follow(Machine.OnAttemptEnded(CorvaneDownloadRun::Now(), End));
@@ -212,6 +236,10 @@ void FCorvaneDownloadRun::OnSent(FCorvaneAttemptEnd End)
 void FCorvaneDownloadRun::Stop()
 {
 	bStopWanted = true;
+	if (Pace.IsValid())
+	{
+		Pace->Withdraw(PaceNumber);
+	}
 	Route->Cancel();
 }
 

@@ -8,10 +8,11 @@
 #include "Download/DownloadFiles.h"
 #include "Download/DownloadMachine.h"
 #include "Files/FileHash.h"
-#include "RunningTransfers.h"
+#include "Pace/SharedPace.h"
 #include "Templates/Function.h"
 #include "Templates/SharedPointer.h"
 #include "Threads/Mailbox.h"
+#include "TransferRun.h"
 
 class FCorvaneDownloadReceiver;
 
@@ -19,7 +20,7 @@ class FCorvaneDownloadReceiver;
  * A download from its start to its report: does what the machine says, and tells it what came of it. It is held by the list
  * of running transfers until it is over. Thread: game thread.
  */
-class FCorvaneDownloadRun : public FCorvaneRunningTransfer, public TSharedFromThis<FCorvaneDownloadRun>
+class FCorvaneDownloadRun : public FCorvaneTransferRun, public TSharedFromThis<FCorvaneDownloadRun>
 {
 public:
 	using FTell = TFunction<void(const FCorvaneTransferReport&)>;
@@ -32,13 +33,14 @@ public:
 	FCorvaneDownloadRun(const FString& InURL, const FString& InTarget, const FCorvaneDownloadOptions& InOptions, FTell InTellEnd,
 		TFunction<void()> InTellProgress, const TSharedRef<FCorvaneRoute>& InRoute = MakeShared<FCorvaneStraightRoute>());
 
-	void Start();
-	void Pause();
-	void Continue();
-	void Cancel();
-	bool IsPaused() const { return Machine.IsPaused(); }
+	virtual void SharePace(const TSharedRef<FCorvaneSharedPace>& InPace) override { Pace = InPace; }
+	virtual void Start() override;
+	virtual void Pause() override;
+	virtual void Continue() override;
+	virtual void Cancel() override;
+	virtual bool IsPaused() const override { return Machine.IsPaused(); }
 	/** @return how it stands, with the bytes of the try that runs. */
-	FCorvaneTransferReport GetReport() const;
+	virtual FCorvaneTransferReport GetReport() const override;
 
 	virtual void EndWithProgram() override;
 	virtual bool IsOver() const override { return bTold; }
@@ -53,6 +55,7 @@ private:
 	void Look();
 	void Open();
 	void Ask(const FCorvaneDownloadQuestion& Question);
+	void BeginTry(const FCorvaneDownloadQuestion& Question);
 	void Send(const FCorvaneDownloadQuestion& Question, TArray<uint8>&& Tail, const FCorvaneFileResult& TailRead);
 	void Stop();
 	void Wait(double Seconds);
@@ -74,6 +77,10 @@ private:
 	const TSharedRef<FCorvaneMailbox> Mailbox = MakeShared<FCorvaneMailbox>();
 	const TSharedRef<FCorvaneDownloadFiles> Files = MakeShared<FCorvaneDownloadFiles>();
 	const TSharedRef<FCorvaneRoute> Route;
+	TSharedPtr<FCorvaneSharedPace> Pace; // null = it has none to keep
+	int64 PaceNumber = 0; // with which it waits for its share
+	TSharedPtr<FCorvanePaceShare> Share; // of the try that runs
+	double TryBegan = 0;
 	TSharedPtr<FCorvaneDownloadReceiver> Receiver; // of the try that runs
 	bool bStopWanted = false; // before there was a try to stop
 	FTSTicker::FDelegateHandle WaitTicker;

@@ -13,6 +13,11 @@ double CorvanePace::WaitAfter(int64 Bytes, double Seconds, int64 BytesPerSecond)
 
 double CorvanePace::HoldAfter(int64 Bytes, double Seconds, int64 BytesPerSecond)
 {
+	return ShortOf(WaitAfter(Bytes, Seconds, BytesPerSecond));
+}
+
+double CorvanePace::ShortOf(double Seconds)
+{
 	constexpr double Longest = 0.02;
-	return FMath::Min(WaitAfter(Bytes, Seconds, BytesPerSecond), Longest);
+	return FMath::Min(Seconds, Longest);
 }

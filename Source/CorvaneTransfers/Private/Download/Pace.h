@@ -16,4 +16,6 @@ namespace CorvanePace
 	double WaitAfter(int64 Bytes, double Seconds, int64 BytesPerSecond);
 	/** The same for a thread that others wait for: at most 0.02. */
 	double HoldAfter(int64 Bytes, double Seconds, int64 BytesPerSecond);
+	/** @return what of a wait such a thread may be held up for. */
+	double ShortOf(double Seconds);
 } // namespace CorvanePace

@@ -182,6 +182,14 @@ FString CorvaneDrive::MakeAddress(const FString& Base, const FString& FileID)
 	return Base + TEXT("/uc?id=") + FGenericPlatformHttp::UrlEncode(FileID) + TEXT("&export=download");
 }
 
+FString CorvaneDrive::FindID(const FString& Base, const FString& Address)
+{
+	const FString Begin = Base + TEXT("/uc?id=");
+	const FString End = TEXT("&export=download");
+	const bool bOwn = Address.StartsWith(*Begin, ESearchCase::CaseSensitive) && Address.EndsWith(*End, ESearchCase::CaseSensitive);
+	return bOwn ? Address.LeftChop(End.Len()).RightChop(Begin.Len()) : FString();
+}
+
 bool CorvaneDrive::IsPage(const FCorvaneAnswer& Answer)
 {
 	const bool bHtml = Answer.ContentType.StartsWith(TEXT("text/html"), ESearchCase::IgnoreCase) ||

@@ -28,6 +28,9 @@ namespace CorvaneDrive
 	/** @return where a file is asked for. @param Base  scheme and host of the service. */
 	FString MakeAddress(const FString& Base, const FString& FileID);
 
+	/** @return the ID in such an address; empty when it is none. */
+	FString FindID(const FString& Base, const FString& Address);
+
 	/** Whether the body of an answer is a page of the service, which never is the file. */
 	bool IsPage(const FCorvaneAnswer& Answer);
 	/** @param PageAddress  where the page came from, behind all redirects. @param Code  it came with. */

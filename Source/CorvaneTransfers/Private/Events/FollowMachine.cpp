@@ -183,6 +183,13 @@ FCorvaneFollowStep FCorvaneFollowMachine::Retry(double Now, const FCorvaneFollow
 		return Close(Now, ECorvaneTransferOutcome::Ended, TEXT("The HTTP module has ended."));
 	}
 	const bool bOpened = OpenedAt >= 0;
+	if (bOpened && !Options.bReconnect)
+	{
+		const bool bDone = End.Exchange.End == ECorvaneExchangeEnd::Done;
+		return bDone ? Close(Now, ECorvaneTransferOutcome::Ended, TEXT("The stream came to its end."))
+					 : Close(Now, CorvaneTryEnd::OutcomeOf(End.Exchange.End),
+						   TEXT("The stream broke off: ") + CorvaneTryEnd::ReasonOf(End.Exchange.End) + TEXT("."));
+	}
 	const bool bGood = EventsOfTry > 0 || (bOpened && Now - OpenedAt >= CorvaneFollowMachine::SecondsOfGoodStream);
 	IdleInARow = bGood ? 0 : IdleInARow + 1;
 	ClosedInARow = bOpened ? 0 : ClosedInARow + 1;

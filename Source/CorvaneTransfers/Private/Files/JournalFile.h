@@ -19,6 +19,9 @@ public:
 		};
 		return FCorvaneLineFile::Open(InPath, Read);
 	}
+	/** @return what a journal tells that somebody else may have open; nothing when it cannot be read. */
+	static FCorvaneJournal Peek(const FString& InPath) { return FCorvaneJournal::Read(ReadLines(InPath)); }
+
 	/** What it told when it was opened. */
 	const FCorvaneJournal& Told() const { return Journal; }
 

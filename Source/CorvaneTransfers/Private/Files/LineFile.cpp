@@ -2,6 +2,7 @@
 
 #include "Files/FileBlocks.h"
 #include "Files/FileFaults.h"
+#include "HAL/FileManager.h"
 #include "HAL/PlatformFileManager.h"
 
 namespace CorvaneLineFile
@@ -12,9 +13,14 @@ namespace CorvaneLineFile
 	static TArray<uint8> ReadAll(const FString& Path, int64 Size)
 	{
 		TArray<uint8> Bytes;
-		return Size <= LongestJournal && CorvaneFileBlocks::Read(Path, 0, Size, Bytes) ? Bytes : TArray<uint8>();
+		return Size >= 0 && Size <= LongestJournal && CorvaneFileBlocks::Read(Path, 0, Size, Bytes) ? Bytes : TArray<uint8>();
 	}
 } // namespace CorvaneLineFile
+
+TArray<uint8> FCorvaneLineFile::ReadLines(const FString& InPath)
+{
+	return CorvaneLineFile::ReadAll(InPath, IFileManager::Get().FileSize(*InPath));
+}
 
 FCorvaneFileResult FCorvaneLineFile::Open(const FString& InPath, const TFunction<int64(const TArray<uint8>&)>& Read)
 {

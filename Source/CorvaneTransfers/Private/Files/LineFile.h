@@ -18,6 +18,9 @@ public:
 	 * @return a failure also when another program has it open.
 	 */
 	FCorvaneFileResult Open(const FString& InPath, const TFunction<int64(const TArray<uint8>&)>& Read);
+	/** @return what stands in one that may be open elsewhere; nothing when it cannot be read. */
+	static TArray<uint8> ReadLines(const FString& InPath);
+
 	bool IsOpen() const { return Handle.IsValid(); }
 
 	/** Adds a line behind the last good one; it has reached the disk when this returns. */

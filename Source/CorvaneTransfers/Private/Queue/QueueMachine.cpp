@@ -1,0 +1,154 @@
+#include "Queue/QueueMachine.h"
+
+void FCorvaneQueueMachine::SetLimits(int32 InMostAtOnce, int32 InMostPerHost)
+{
+	MostAtOnce = FMath::Max<int32>(InMostAtOnce, 1);
+	MostPerHost = FMath::Max<int32>(InMostPerHost, 1);
+}
+
+void FCorvaneQueueMachine::Add(int64 Ticket, const FString& Host, int32 Priority)
+{
+	FEntry Entry;
+	Entry.Host = Host;
+	Entry.Priority = Priority;
+	Enqueue(Ticket, Entry);
+	Entries.Add(Ticket, Entry);
+}
+
+void FCorvaneQueueMachine::Park(int64 Ticket)
+{
+	FEntry* Entry = Entries.Find(Ticket);
+	if (Entry && Entry->State != EState::Parked)
+	{
+		Leave(Ticket, *Entry);
+		Entry->State = EState::Parked;
+		++Parked;
+	}
+}
+
+void FCorvaneQueueMachine::Wake(int64 Ticket)
+{
+	FEntry* Entry = Entries.Find(Ticket);
+	if (Entry && Entry->State == EState::Parked)
+	{
+		--Parked;
+		Entry->State = EState::Waiting;
+		Enqueue(Ticket, *Entry);
+	}
+}
+
+void FCorvaneQueueMachine::Remove(int64 Ticket)
+{
+	if (const FEntry* Entry = Entries.Find(Ticket))
+	{
+		Leave(Ticket, *Entry);
+		Parked -= Entry->State == EState::Parked ? 1 : 0;
+		Entries.Remove(Ticket);
+	}
+}
+
+bool FCorvaneQueueMachine::Is(int64 Ticket, EState State) const
+{
+	const FEntry* Entry = Entries.Find(Ticket);
+	return Entry && Entry->State == State;
+}
+
+bool FCorvaneQueueMachine::StartNext(int64& OutTicket)
+{
+	FHost* Host = bPaused || Running >= MostAtOnce ? nullptr : ChooseHost();
+	if (!Host)
+	{
+		return false;
+	}
+	OutTicket = Host->Head().Ticket;
+	++Host->First;
+	++Host->Running;
+	Host->Turn = ++Turns;
+	Entries.Find(OutTicket)->State = EState::Running;
+	++Running;
+	return true;
+}
+
+/** @return the one with room whose first has the highest priority, and of several the one whose last turn is longest ago. */
+FCorvaneQueueMachine::FHost* FCorvaneQueueMachine::ChooseHost()
+{
+	FHost* Chosen = nullptr;
+	for (TPair<FString, FHost>& Pair : Hosts)
+	{
+		FHost& Host = Pair.Value;
+		if (!Host.HasWaiting() || Host.Running >= MostPerHost)
+		{
+			continue;
+		}
+		const int32 Priority = Host.Head().Priority;
+		const int32 Best = Chosen ? Chosen->Head().Priority : Priority;
+		if (!Chosen || Priority > Best || (Priority == Best && Host.Turn < Chosen->Turn))
+		{
+			Chosen = &Host;
+		}
+	}
+	return Chosen;
+}
+
+/** @return where a rank stands among those that wait, or would stand. */
+int32 FCorvaneQueueMachine::PlaceOf(const FHost& Host, const FRank& Rank)
+{
+	int32 Low = Host.First;
+	int32 High = Host.Line.Num();
+	while (Low < High)
+	{
+		const int32 Middle = Low + (High - Low) / 2;
+		const bool bBefore = Host.Line[Middle].IsBefore(Rank);
+		Low = bBefore ? Middle + 1 : Low;
+		High = bBefore ? High : Middle;
+	}
+	return Low;
+}
+
+void FCorvaneQueueMachine::Enqueue(int64 Ticket, const FEntry& Entry)
+{
+	if (!Hosts.Contains(Entry.Host))
+	{
+		Hosts.Add(Entry.Host, FHost()).Turn =
+			++Turns; // a host that is new stands behind the others, or one that comes and goes would pass them
+	}
+	FHost& Host = *Hosts.Find(Entry.Host);
+	const FRank Rank{Entry.Priority, Ticket};
+	Host.Line.Insert(Rank, PlaceOf(Host, Rank));
+}
+
+void FCorvaneQueueMachine::Dequeue(int64 Ticket, const FEntry& Entry)
+{
+	FHost& Host = *Hosts.Find(Entry.Host);
+	Host.Line.RemoveAt(PlaceOf(Host, FRank{Entry.Priority, Ticket}));
+}
+
+/** Takes it out of the line, or frees its place. */
+void FCorvaneQueueMachine::Leave(int64 Ticket, const FEntry& Entry)
+{
+	if (Entry.State == EState::Waiting)
+	{
+		Dequeue(Ticket, Entry);
+	}
+	else if (Entry.State == EState::Running)
+	{
+		--Hosts.Find(Entry.Host)->Running;
+		--Running;
+	}
+	ForgetIfIdle(Entry.Host);
+}
+
+void FCorvaneQueueMachine::ForgetIfIdle(const FString& Name)
+{
+	FHost* Host = Hosts.Find(Name);
+	if (!Host || Host->HasWaiting())
+	{
+		return;
+	}
+	Host->Line.Reset();
+	Host->First = 0;
+	if (Host->Running == 0)
+	{
+		Hosts.Remove(Name);
+	}
+}

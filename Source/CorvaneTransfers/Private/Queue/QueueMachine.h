@@ -1,0 +1,89 @@
+#pragma once
+
+#include "CoreMinimal.h"
+
+/**
+ * Who may start when, as a machine of values: it knows transfers by their tickets alone, which rise with their arrival. Those of
+ * higher priority come first, then hosts take turns, then those that came first. Thread: one at a time.
+ */
+class FCorvaneQueueMachine
+{
+public:
+	/** What runs goes on, also above a new limit. Less than 1 counts as 1. */
+	void SetLimits(int32 InMostAtOnce, int32 InMostPerHost);
+
+	/** It waits from now on. @param Ticket  higher than any before. */
+	void Add(int64 Ticket, const FString& Host, int32 Priority);
+	/** It neither waits nor runs until Wake; a place that it had is free. */
+	void Park(int64 Ticket);
+	/** It waits again, as one that came when it did. */
+	void Wake(int64 Ticket);
+	/** It is over, or needs no place any more. Harmless when it is not known. */
+	void Remove(int64 Ticket);
+
+	/** @return false when none may start now; else the one that does has a place from now on. */
+	bool StartNext(int64& OutTicket);
+
+	/** Nothing starts until Continue. */
+	void Pause() { bPaused = true; }
+	void Continue() { bPaused = false; }
+	bool IsPaused() const { return bPaused; }
+
+	bool IsParked(int64 Ticket) const { return Is(Ticket, EState::Parked); }
+	bool IsRunning(int64 Ticket) const { return Is(Ticket, EState::Running); }
+	int32 NumWaiting() const { return Entries.Num() - Running - Parked; }
+	int32 NumRunning() const { return Running; }
+	int32 NumParked() const { return Parked; }
+
+private:
+	enum class EState : uint8
+	{
+		Waiting,
+		Running,
+		Parked
+	};
+	struct FEntry
+	{
+		FString Host;
+		int32 Priority = 0;
+		EState State = EState::Waiting;
+	};
+	/** One that waits. The order of a list of them is that in which they start. */
+	struct FRank
+	{
+		int32 Priority = 0;
+		int64 Ticket = 0;
+
+		bool IsBefore(const FRank& Other) const
+		{
+			return Priority > Other.Priority || (Priority == Other.Priority && Ticket < Other.Ticket);
+		}
+	};
+	struct FHost
+	{
+		TArray<FRank> Line;
+		int32 First = 0; // of Line: those before it have started
+		int32 Running = 0;
+		int64 Turn = 0; // when it last had one
+
+		bool HasWaiting() const { return First < Line.Num(); }
+		const FRank& Head() const { return Line[First]; }
+	};
+
+	bool Is(int64 Ticket, EState State) const;
+	void Enqueue(int64 Ticket, const FEntry& Entry);
+	void Dequeue(int64 Ticket, const FEntry& Entry);
+	void Leave(int64 Ticket, const FEntry& Entry);
+	void ForgetIfIdle(const FString& Name);
+	static int32 PlaceOf(const FHost& Host, const FRank& Rank);
+	FHost* ChooseHost();
+
+	int32 MostAtOnce = 1;
+	int32 MostPerHost = 1;
+	bool bPaused = false;
+	TMap<int64, FEntry> Entries;
+	TMap<FString, FHost> Hosts;
+	int32 Running = 0;
+	int32 Parked = 0;
+	int64 Turns = 0;
+};

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "CoreMinimal.h"
+#include "CorvaneTransferReport.h"
+#include "RunningTransfers.h"
+
+class FCorvaneSharedPace;
+
+/** One transfer, as its node and a queue see it, whatever it moves. Thread: game thread. */
+class FCorvaneTransferRun : public FCorvaneRunningTransfer
+{
+public:
+	/** Comes before Start. A kind that cannot share is held to no limit. */
+	virtual void SharePace(const TSharedRef<FCorvaneSharedPace>&) {}
+	/** Begins, once. Nothing is told inside this call. */
+	virtual void Start() = 0;
+	virtual void Pause() = 0;
+	virtual void Continue() = 0;
+	/** Ends it soon; what has arrived is kept. */
+	virtual void Cancel() = 0;
+	virtual bool IsPaused() const = 0;
+	/** @return how it stands. */
+	virtual FCorvaneTransferReport GetReport() const = 0;
+};

@@ -1,0 +1,285 @@
+#include "CorvaneDownloadFile.h"
+#include "CorvaneTransferQueue.h"
+#include "GameLoop.h"
+#include "Listen.h"
+#include "RandomBytes.h"
+#include "RawServer.h"
+#include "TempDir.h"
+#include "TextSupport.h"
+#include "Waiting.h"
+
+#include <atomic>
+#include <chrono>
+#include <gtest/gtest.h>
+
+namespace
+{
+	using Outcome = ECorvaneTransferOutcome;
+
+	class TransferQueue : public ::testing::Test
+	{
+	protected:
+		/** What nobody holds is gone soon. */
+		static FGameLoopSettings collecting()
+		{
+			FGameLoopSettings settings;
+			settings.bCollectAfterEveryTick = true;
+			return settings;
+		}
+
+		FCorvaneDownloadOptions queued(int priority = 0) const
+		{
+			FCorvaneDownloadOptions options;
+			options.FirstWaitSeconds = 0.001;
+			options.LongestWaitSeconds = 0.01;
+			options.Queue = text("files");
+			options.Priority = priority;
+			return options;
+		}
+
+		UCorvaneDownloadFile* add(const std::string& url, const std::string& name, int priority = 0)
+		{
+			++expected;
+			return UCorvaneDownloadFile::Start(text(url), text(folder.path(name)), queued(priority),
+				[this, name](const FCorvaneTransferReport& report)
+				{
+					reports[name] = report;
+					order.push_back(name);
+				});
+		}
+
+		void finish()
+		{
+			EXPECT_TRUE(loop.WaitFor([this] { return order.size() >= expected; }, patienceSeconds));
+			loop.RunUntilIdle(UCorvaneTransfer::HasPendingWork);
+			EXPECT_EQ(order.size(), expected); // each start has one outcome
+			EXPECT_EQ(reports.size(), expected);
+		}
+
+		void waitForBytes(int64 bytes)
+		{
+			EXPECT_TRUE(loop.WaitFor([&] { return queue->GetReport().Bytes >= bytes; }, patienceSeconds));
+		}
+
+		const TempDir folder;
+		FGameLoop loop{collecting()};
+		UCorvaneTransferQueue* queue = UCorvaneTransferQueue::GetTransferQueue(text("Files"));
+		size_t expected = 0;
+		std::map<std::string, FCorvaneTransferReport> reports;
+		std::vector<std::string> order;
+	};
+
+	const std::string content = randomBytes(2'000'000);
+	const std::string tag = "ETag: \"one\"\r\n";
+
+	/** The part that a request asks for, or the whole. */
+	std::string partFor(const std::string& head)
+	{
+		const std::string range = headerOf(head, "Range"); // "bytes=N-" or "bytes=N-M"
+		if (range.empty())
+		{
+			return answer(200, content, tag);
+		}
+		const size_t first = std::stoul(range.substr(6));
+		const std::string until = range.substr(range.find('-') + 1);
+		const size_t last = std::min(until.empty() ? content.size() : std::stoul(until), content.size() - 1);
+		const std::string told =
+			"Content-Range: bytes " + std::to_string(first) + "-" + std::to_string(last) + "/" + std::to_string(content.size()) + "\r\n";
+		return answer(206, content.substr(first, last + 1 - first), told + tag);
+	}
+
+	/** Answers with parts of the content, and counts how many it does at the same time. */
+	class CountingServer
+	{
+	public:
+		RawServer::Script script()
+		{
+			return [this](Connection& connection)
+			{
+				for (;;)
+				{
+					const std::string head = connection.readHead();
+					const Turn turn(*this);
+					const std::string all = partFor(head);
+					for (size_t at = 0; at < all.size(); at += pieceBytes)
+					{
+						const std::string piece = all.substr(at, pieceBytes);
+						connection.send(piece);
+						std::this_thread::sleep_for(std::chrono::microseconds(200)); // so that they overlap
+					}
+				}
+			};
+		}
+
+		/** An answer under way; whoever asked may hang up in its middle. */
+		struct Turn
+		{
+			explicit Turn(CountingServer& counting)
+				: server(counting)
+			{
+				const int now = ++server.running;
+				server.most = std::max(server.most.load(), now);
+			}
+			~Turn() { --server.running; }
+			CountingServer& server;
+		};
+
+		static constexpr size_t pieceBytes = 50'000;
+		std::atomic<int> running{0}, most{0};
+	};
+} // namespace
+
+TEST_F(TransferQueue, KeepsItsLimitsAndEndsEachOnce)
+{
+	CountingServer one, other;
+	const RawServer server(one.script()), second(other.script());
+	queue->SetLimits(3, 2);
+	int ends = 0, idle = 0;
+	Listen(queue->OnTransferEnd, [&](UCorvaneTransfer*, const FCorvaneTransferReport&) { ++ends; });
+	Listen(queue->OnIdle, [&](const FCorvaneQueueReport&) { ++idle; });
+	for (int file = 0; file < 12; ++file)
+	{
+		add((file < 8 ? server : second).url(), "f" + std::to_string(file));
+	}
+	add("ftp://wrong", "wrong", 9);
+	UCorvaneDownloadFile* const cancelled = add(server.url(), "cancelled");
+	EXPECT_EQ(queue->GetReport().Waiting, 11);
+	cancelled->Cancel();
+	EXPECT_TRUE(order.empty()); // nothing is told inside these calls
+	finish();
+	EXPECT_LE(one.most, 2);
+	EXPECT_LE(other.most, 2);
+	EXPECT_EQ(reports["wrong"].Outcome, Outcome::Refused);
+	EXPECT_EQ(reports["cancelled"].Outcome, Outcome::Cancelled);
+	EXPECT_EQ(reports["cancelled"].Attempts, 0);
+	EXPECT_EQ(ends, 14);
+	EXPECT_EQ(idle, 1);
+	const FCorvaneQueueReport report = queue->GetReport();
+	EXPECT_EQ(report.Done, 12);
+	EXPECT_EQ(report.Failed, 2);
+	EXPECT_EQ(report.Bytes, 12 * 2'000'000);
+	EXPECT_EQ(report.TotalBytes, report.Bytes);
+	EXPECT_EQ(report.Waiting + report.Running + report.Paused, 0);
+	EXPECT_TRUE(folder.read("f11") == content);
+}
+
+TEST_F(TransferQueue, PausesWithoutMovingAByteTwice)
+{
+	CountingServer counting;
+	const RawServer server(counting.script());
+	queue->SetLimits(2, 2, 4'000'000);
+	for (const char* name : {"a", "b", "c", "d"})
+	{
+		add(server.url(), name);
+	}
+	UCorvaneDownloadFile* const held = add(server.url(), "held");
+	held->Pause();
+	EXPECT_TRUE(held->IsPaused());
+	for (const int64 bytes : {500'000, 1'500'000})
+	{
+		waitForBytes(bytes);
+		queue->Pause();
+		const auto stands = [&]
+		{
+			const int64 before = queue->GetReport().Bytes;
+			loop.RunUntilIdle([] { return false; });
+			return counting.running == 0 && queue->GetReport().Bytes == before;
+		};
+		EXPECT_TRUE(loop.WaitFor(stands, patienceSeconds));
+		queue->Continue();
+	}
+	EXPECT_TRUE(loop.WaitFor([this] { return order.size() == 4; }, patienceSeconds));
+	EXPECT_EQ(queue->GetReport().Paused, 1);
+	held->Continue();
+	finish();
+	for (const auto& [name, report] : reports)
+	{
+		EXPECT_EQ(report.Outcome, Outcome::Succeeded) << name;
+		EXPECT_EQ(report.TransferredBytes, 2'000'000) << name;
+		EXPECT_TRUE(folder.read(name) == content) << name;
+	}
+}
+
+TEST_F(TransferQueue, SharesBytesPerSecond)
+{
+	CountingServer counting;
+	const RawServer server(counting.script());
+	constexpr int64 limit = 8'000'000;
+	queue->SetLimits(4, 4, limit);
+	int64 told = 0;
+	Listen(queue->OnProgress, [&](const FCorvaneQueueReport& report) { told = report.Bytes; });
+	const auto begin = std::chrono::steady_clock::now();
+	std::vector<std::pair<double, int64>> seen; // seconds, bytes so far
+	for (int file = 0; file < 12; ++file)
+	{
+		add(server.url(), std::to_string(file));
+	}
+	EXPECT_TRUE(loop.WaitFor(
+		[&]
+		{
+			const int64 bytes = queue->GetReport().Bytes;
+			if (seen.empty() || bytes != seen.back().second)
+			{
+				seen.emplace_back(std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count(), bytes);
+			}
+			return order.size() == expected;
+		},
+		patienceSeconds));
+	finish();
+	for (size_t first = 0; first < seen.size(); ++first)
+	{
+		size_t last = first;
+		while (last + 1 < seen.size() && seen[last + 1].first < seen[first].first + 1)
+		{
+			++last;
+		}
+		EXPECT_LE(static_cast<double>(seen[last].second - seen[first].second), 1.1 * limit) << seen[first].first;
+	}
+	EXPECT_GT(told, 12'000'000);
+	EXPECT_LE(seen.back().first, 24.0 / 8 * 1.5); // on a machine that does other things, too
+	EXPECT_GE(seen.back().first, 24.0 / 8 * 0.9);
+}
+
+TEST_F(TransferQueue, TakesUpAFolderAfterARestart)
+{
+	CountingServer counting;
+	const RawServer server(counting.script());
+	queue->SetLimits(2, 8, 8'000'000);
+	for (const char* name : {"a", "b", "c"})
+	{
+		add(server.url(std::string("/") + name), name);
+	}
+	waitForBytes(2'000'000);
+	loop.Shutdown(); // all that run or wait are ended once
+	EXPECT_EQ(order.size(), 3u);
+	int64 kept = 0;
+	for (const auto& [name, report] : reports)
+	{
+		EXPECT_EQ(report.Outcome, Outcome::Ended);
+		EXPECT_EQ(report.Attempts == 0, name == "c"); // its turn has not come
+		kept += report.BytesLeft;
+	}
+	EXPECT_GE(kept, 2'000'000);
+	folder.write("torn.corvjournal", "source 1");
+
+	FGameLoop again;
+	queue = UCorvaneTransferQueue::GetTransferQueue(text("files"));
+	int64 takenOver = 0;
+	int idle = 0;
+	std::vector<Outcome> outcomes;
+	Listen(queue->OnTransferEnd,
+		[&](UCorvaneTransfer*, const FCorvaneTransferReport& report)
+		{
+			outcomes.push_back(report.Outcome);
+			takenOver += report.TakenOverBytes;
+		});
+	Listen(queue->OnIdle, [&](const FCorvaneQueueReport&) { ++idle; });
+	queue->ResumeFolder(text(folder.path()), queued(), text("http://elsewhere"));
+	EXPECT_TRUE(again.WaitFor([&] { return idle == 1; }, patienceSeconds));
+	EXPECT_TRUE(outcomes.empty());
+	queue->ResumeFolder(text(folder.path()), queued(), text(server.url("")));
+	EXPECT_TRUE(again.WaitFor([&] { return idle == 2; }, patienceSeconds));
+	EXPECT_EQ(outcomes, std::vector<Outcome>(2, Outcome::Succeeded));
+	EXPECT_EQ(takenOver, kept);
+	EXPECT_TRUE(folder.read("a") == content && folder.read("b") == content);
+}
