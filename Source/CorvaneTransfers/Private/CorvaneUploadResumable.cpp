@@ -1,5 +1,6 @@
 #include "CorvaneUploadResumable.h"
 
+#include "Attempts/Address.h"
 #include "Tus/TusRun.h"
 #include "UObject/UObjectGlobals.h"
 
@@ -23,67 +24,12 @@ UCorvaneUploadResumable* UCorvaneUploadResumable::Start(
 	return Node;
 }
 
-void UCorvaneUploadResumable::Activate()
+UCorvaneTransfer::FQueueWish UCorvaneUploadResumable::GetQueueWish() const
 {
-	if (Run.IsValid())
-	{
-		return; // it was started once
-	}
-	AddToRoot(); // until its outcome: a graph that is gone does not end an upload
-	const auto Move = [this](const FCorvaneTransferReport& Report)
-	{
-		OnProgress.Broadcast(Report);
-		if (NativeMove)
-		{
-			NativeMove(Report);
-		}
-	};
-	Run = MakeShared<FCorvaneTusRun>(
-		Address, Path, Wishes, [this](const FCorvaneTransferReport& Report) { End(Report); }, Move);
-	Run->Start();
+	return {Wishes.Queue, Wishes.Priority, CorvaneAddress::Origin(Address)};
 }
 
-void UCorvaneUploadResumable::End(const FCorvaneTransferReport& Report)
+TSharedPtr<FCorvaneTransferRun> UCorvaneUploadResumable::MakeRun(FTell OnEnd, TFunction<void()> OnMove)
 {
-	(Report.Outcome == ECorvaneTransferOutcome::Succeeded ? OnSuccess : OnFail).Broadcast(Report);
-	if (NativeEnd)
-	{
-		NativeEnd(Report);
-	}
-	RemoveFromRoot();
-	SetReadyToDestroy();
-}
-
-void UCorvaneUploadResumable::Pause()
-{
-	if (Run.IsValid())
-	{
-		Run->Pause();
-	}
-}
-
-void UCorvaneUploadResumable::Continue()
-{
-	if (Run.IsValid())
-	{
-		Run->Continue();
-	}
-}
-
-void UCorvaneUploadResumable::Cancel()
-{
-	if (Run.IsValid())
-	{
-		Run->Cancel();
-	}
-}
-
-FCorvaneTransferReport UCorvaneUploadResumable::GetReport() const
-{
-	return Run.IsValid() ? Run->GetReport() : FCorvaneTransferReport();
-}
-
-bool UCorvaneUploadResumable::IsPaused() const
-{
-	return Run.IsValid() && Run->IsPaused();
+	return MakeShared<FCorvaneTusRun>(Address, Path, Wishes, MoveTemp(OnEnd), MoveTemp(OnMove));
 }

@@ -67,4 +67,12 @@ struct CORVANETRANSFERS_API FCorvaneResumableOptions
 	/** Where notes of running uploads are kept; empty = "Corvane/Uploads" in the project's saved folder. */
 	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Corvane|Transfers")
 	FString JournalFolder;
+
+	/** Name of the queue that it waits in (Get Transfer Queue); empty = none, it starts at once. */
+	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Corvane|Transfers")
+	FString Queue;
+
+	/** In the queue those with a higher one start first. */
+	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Corvane|Transfers")
+	int32 Priority = 0;
 };

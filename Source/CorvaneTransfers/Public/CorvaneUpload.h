@@ -8,7 +8,6 @@
 
 #include "CorvaneUpload.generated.h"
 
-class FCorvaneUploadRun;
 struct FCorvaneUploadContent;
 
 /**
@@ -20,24 +19,17 @@ class CORVANETRANSFERS_API UCorvaneUpload : public UCorvaneTransfer
 {
 	GENERATED_BODY()
 
-public:
-	virtual void Activate() override;
-	virtual void Pause() override;
-	virtual void Continue() override;
-	virtual void Cancel() override;
-	virtual FCorvaneTransferReport GetReport() const override;
-	virtual bool IsPaused() const override;
-
 protected:
 	/** Says what is sent, before Activate. */
 	void Prepare(const TSharedRef<FCorvaneUploadContent>& InContent, const FCorvaneUploadOptions& InOptions);
 	/** Starts it for native code. */
 	void Begin(FTell&& OnEnd, FTell&& OnMove);
 
-private:
-	void End(const FCorvaneTransferReport& Report);
+	virtual FQueueWish GetQueueWish() const override;
+	virtual TSharedPtr<FCorvaneTransferRun> MakeRun(FTell OnEnd, TFunction<void()> OnMove) override;
 
-	TSharedPtr<FCorvaneUploadContent> Content; // null before Prepare
-	TSharedPtr<FCorvaneUploadRun> Run; // null before Activate
+private:
+	TSharedPtr<FCorvaneUploadContent> Content; // null before Prepare and from Activate on
+	FString Address;
 	FCorvaneUploadOptions Wishes;
 };

@@ -48,4 +48,12 @@ struct CORVANETRANSFERS_API FCorvaneUploadOptions
 	/** Of what the server says, how many bytes are kept for the report. */
 	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Corvane|Transfers")
 	int32 AnswerLimit = 64 * 1024;
+
+	/** Name of the queue that it waits in (Get Transfer Queue); empty = none, it starts at once. */
+	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Corvane|Transfers")
+	FString Queue;
+
+	/** In the queue those with a higher one start first. */
+	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Corvane|Transfers")
+	int32 Priority = 0;
 };

@@ -8,8 +8,6 @@
 
 #include "CorvaneUploadResumable.generated.h"
 
-class FCorvaneTusRun;
-
 /**
  * Uploads a file to a server of resumable uploads (tus 1.0.0), piece by piece, over drops, time limits and restarts of the
  * program: the server is asked how far it is, and gets the rest. The file is only read; notes of the upload stand in the
@@ -41,17 +39,11 @@ public:
 	static UCorvaneUploadResumable* Start(
 		const FString& URL, const FString& FilePath, const FCorvaneResumableOptions& Options, FTell OnEnd, FTell OnMove = FTell());
 
-	virtual void Activate() override;
-	virtual void Pause() override;
-	virtual void Continue() override;
-	virtual void Cancel() override;
-	virtual FCorvaneTransferReport GetReport() const override;
-	virtual bool IsPaused() const override;
+protected:
+	virtual FQueueWish GetQueueWish() const override;
+	virtual TSharedPtr<FCorvaneTransferRun> MakeRun(FTell OnEnd, TFunction<void()> OnMove) override;
 
 private:
-	void End(const FCorvaneTransferReport& Report);
-
-	TSharedPtr<FCorvaneTusRun> Run; // null before Activate
 	FString Address;
 	FString Path;
 	FCorvaneResumableOptions Wishes;

@@ -38,8 +38,8 @@ namespace CorvaneTusRun
 	}
 } // namespace CorvaneTusRun
 
-FCorvaneTusRun::FCorvaneTusRun(
-	const FString& InURL, const FString& InPath, const FCorvaneResumableOptions& InOptions, FTell InTellEnd, FTell InTellProgress)
+FCorvaneTusRun::FCorvaneTusRun(const FString& InURL, const FString& InPath, const FCorvaneResumableOptions& InOptions, FTell InTellEnd,
+	TFunction<void()> InTellProgress)
 	: URL(InURL)
 	, Path(InPath)
 	, Options(InOptions)
@@ -275,7 +275,7 @@ bool FCorvaneTusRun::OnProgressTick()
 	if (!IsOver() && Report.TransferredBytes != ToldBytes)
 	{
 		ToldBytes = Report.TransferredBytes;
-		ProgressTeller(Report);
+		ProgressTeller();
 	}
 	return !IsOver();
 }

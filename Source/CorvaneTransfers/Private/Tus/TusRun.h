@@ -5,10 +5,10 @@
 #include "CoreMinimal.h"
 #include "CorvaneResumableOptions.h"
 #include "CorvaneTransferReport.h"
-#include "RunningTransfers.h"
 #include "Templates/Function.h"
 #include "Templates/SharedPointer.h"
 #include "Threads/Mailbox.h"
+#include "TransferRun.h"
 #include "Tus/TusFiles.h"
 #include "Tus/TusMachine.h"
 #include "Tus/TusOptions.h"
@@ -19,25 +19,24 @@
  * A resumable upload from its start to its report: does what the machine says, and tells it what came of it. It is held by the
  * list of running transfers until it is over. Thread: game thread.
  */
-class FCorvaneTusRun : public FCorvaneRunningTransfer, public TSharedFromThis<FCorvaneTusRun>
+class FCorvaneTusRun : public FCorvaneTransferRun, public TSharedFromThis<FCorvaneTusRun>
 {
 public:
 	using FTell = TFunction<void(const FCorvaneTransferReport&)>;
 
 	/**
 	 * @param InTellEnd  is called once, later than Start.
-	 * @param InTellProgress  is called ten times a second at most while bytes move.
+	 * @param InTellProgress  is called ten times a second at most while bytes move; GetReport tells how it stands.
 	 */
-	FCorvaneTusRun(
-		const FString& InURL, const FString& InPath, const FCorvaneResumableOptions& InOptions, FTell InTellEnd, FTell InTellProgress);
+	FCorvaneTusRun(const FString& InURL, const FString& InPath, const FCorvaneResumableOptions& InOptions, FTell InTellEnd,
+		TFunction<void()> InTellProgress);
 
-	void Start();
-	void Pause();
-	void Continue();
-	void Cancel();
-	bool IsPaused() const { return Machine.IsPaused(); }
-	/** @return how it stands, with the bytes of the try that runs. */
-	FCorvaneTransferReport GetReport() const;
+	virtual void Start() override;
+	virtual void Pause() override;
+	virtual void Continue() override;
+	virtual void Cancel() override;
+	virtual bool IsPaused() const override { return Machine.IsPaused(); }
+	virtual FCorvaneTransferReport GetReport() const override;
 
 	virtual void EndWithProgram() override;
 	virtual bool IsOver() const override { return bTold; }
@@ -69,7 +68,7 @@ private:
 	const FCorvaneResumableOptions Options;
 	const FCorvaneTusWishes Wishes;
 	FTell EndTeller;
-	FTell ProgressTeller;
+	TFunction<void()> ProgressTeller;
 
 	FCorvaneTusMachine Machine;
 	const FCorvaneTusRequests Requests;

@@ -38,7 +38,7 @@ namespace CorvaneUploadRun
 } // namespace CorvaneUploadRun
 
 FCorvaneUploadRun::FCorvaneUploadRun(
-	const FCorvaneUploadContent& InContent, const FCorvaneUploadOptions& InOptions, FTell InTellEnd, FTell InTellProgress)
+	const FCorvaneUploadContent& InContent, const FCorvaneUploadOptions& InOptions, FTell InTellEnd, TFunction<void()> InTellProgress)
 	: Content(InContent)
 	, Options(InOptions)
 	, Verb(CorvaneUploadOptions::VerbOf(InContent, InOptions))
@@ -203,7 +203,7 @@ bool FCorvaneUploadRun::OnProgressTick()
 	if (!IsOver() && Report.TransferredBytes != ToldBytes)
 	{
 		ToldBytes = Report.TransferredBytes;
-		ProgressTeller(Report);
+		ProgressTeller();
 	}
 	return !IsOver();
 }

@@ -6,11 +6,11 @@
 #include "CorvaneTransferReport.h"
 #include "CorvaneUploadOptions.h"
 #include "Files/FileHash.h"
-#include "RunningTransfers.h"
 #include "Templates/Function.h"
 #include "Templates/SharedPointer.h"
 #include "Threads/Mailbox.h"
 #include "Threads/Strand.h"
+#include "TransferRun.h"
 #include "Upload/UploadContent.h"
 #include "Upload/UploadMachine.h"
 
@@ -18,25 +18,24 @@
  * An upload from its start to its report: does what the machine says, and tells it what came of it. It is held by the list of
  * running transfers until it is over. Thread: game thread.
  */
-class FCorvaneUploadRun : public FCorvaneRunningTransfer, public TSharedFromThis<FCorvaneUploadRun>
+class FCorvaneUploadRun : public FCorvaneTransferRun, public TSharedFromThis<FCorvaneUploadRun>
 {
 public:
 	using FTell = TFunction<void(const FCorvaneTransferReport&)>;
 
 	/**
 	 * @param InTellEnd  is called once, later than Start.
-	 * @param InTellProgress  is called ten times a second at most while bytes move.
+	 * @param InTellProgress  is called ten times a second at most while bytes move; GetReport tells how it stands.
 	 */
 	FCorvaneUploadRun(
-		const FCorvaneUploadContent& InContent, const FCorvaneUploadOptions& InOptions, FTell InTellEnd, FTell InTellProgress);
+		const FCorvaneUploadContent& InContent, const FCorvaneUploadOptions& InOptions, FTell InTellEnd, TFunction<void()> InTellProgress);
 
-	void Start();
-	void Pause();
-	void Continue();
-	void Cancel();
-	bool IsPaused() const { return Machine.IsPaused(); }
-	/** @return how it stands, with the bytes of the try that runs. */
-	FCorvaneTransferReport GetReport() const;
+	virtual void Start() override;
+	virtual void Pause() override;
+	virtual void Continue() override;
+	virtual void Cancel() override;
+	virtual bool IsPaused() const override { return Machine.IsPaused(); }
+	virtual FCorvaneTransferReport GetReport() const override;
 
 	virtual void EndWithProgram() override;
 	virtual bool IsOver() const override { return bTold; }
@@ -64,7 +63,7 @@ private:
 	const FString Verb;
 	FCorvaneHashWish Hash;
 	FTell EndTeller;
-	FTell ProgressTeller;
+	TFunction<void()> ProgressTeller;
 
 	FCorvaneUploadMachine Machine;
 	const TSharedRef<FCorvaneMailbox> Mailbox = MakeShared<FCorvaneMailbox>();
