@@ -136,16 +136,9 @@ TEST(Get, GoesOnAfterItWasEnded)
 /** With a terminal of its own; what it draws is taken apart into screens, which begin where the cursor goes up. */
 TEST(Get, TellsOfSeveralFilesOnATerminal)
 {
-	const std::string half = answer(200, content, "ETag: \"one\"\r\n");
-	Gate drawn;
-	const RawServer server(
-		[&](Connection& connection)
-		{
-			connection.readHead();
-			connection.send(half.substr(0, half.size() / 2));
-			connection.waitFor(drawn);
-			connection.send(half.substr(half.size() / 2));
-		});
+	Lab::Gate drawn;
+	Lab::Origin server;
+	server.at("/*", Lab::file(content), Lab::hold(drawn, {.byte = content.size() / 2}));
 	const TempDir directory;
 	RunningProcess process({"/usr/bin/script", "-qec",
 		"stty cols 60 rows 5; cd " + directory.path() + "; " CORVANE_PROGRAM " get " +
