@@ -166,6 +166,6 @@ TEST(KilledProgram, LeavesTheOldFileOrTheNewOneAtEachStepOfItsFiles)
 			ASSERT_TRUE(dir.read("file") == version);
 			ASSERT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 1) << "nothing else is left";
 		}
-		EXPECT_GT(step, 20);
+		EXPECT_GT(step, 15);
 	}
 }

@@ -55,16 +55,25 @@ void FCorvaneDownloadFiles::Discard(TUniqueFunction<void()> Tell)
 		});
 }
 
-void FCorvaneDownloadFiles::BeginAttempt(int64 Compare, TUniqueFunction<void(TArray<uint8>&&, const FCorvaneFileResult&)> Tell)
+void FCorvaneDownloadFiles::BeginAttempt()
 {
 	Brought = 0;
 	Do(
-		[Compare, Tell = MoveTemp(Tell)](FCorvaneDownloadFiles& Self)
+		[](FCorvaneDownloadFiles& Self)
 		{
 			Self.Attempt = FCorvaneAttemptFiles();
 			Self.Buffer.Reopen();
+		});
+}
+
+void FCorvaneDownloadFiles::BeginAttempt(int64 Compare, TUniqueFunction<void(TArray<uint8>&&, const FCorvaneFileResult&)> Tell)
+{
+	BeginAttempt();
+	Do(
+		[Compare, Tell = MoveTemp(Tell)](FCorvaneDownloadFiles& Self)
+		{
 			TArray<uint8> Tail;
-			const FCorvaneFileResult Read = Compare > 0 ? Self.Part.ReadTail(Compare, Tail) : FCorvaneFileResult();
+			const FCorvaneFileResult Read = Self.Part.ReadTail(Compare, Tail);
 			Tell(MoveTemp(Tail), Read);
 		});
 }

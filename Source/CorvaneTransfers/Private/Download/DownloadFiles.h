@@ -40,7 +40,9 @@ public:
 	void Close(TUniqueFunction<void()> Tell);
 	void Discard(TUniqueFunction<void()> Tell);
 
-	/** Begins a try. Tells the last bytes on disk. @param Compare  how many of them. */
+	/** Begins a try. */
+	void BeginAttempt();
+	/** The same, and tells the last bytes on disk. @param Compare  how many of them. */
 	void BeginAttempt(int64 Compare, TUniqueFunction<void(TArray<uint8>&&, const FCorvaneFileResult&)> Tell);
 	/** The bytes that follow are the file from its beginning. */
 	void StartOver(const FCorvaneSourceFacts& Source);

@@ -44,7 +44,8 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::Start(double Now, const FString& F
 	{
 		return Fail(Now, ECorvaneTransferOutcome::Refused, Fault);
 	}
-	return Do(EPhase::Looking, Now, ECorvaneDownloadAction::Look);
+	return Options.IfTargetExists == ECorvaneIfTargetExists::Replace ? Do(EPhase::Opening, Now, ECorvaneDownloadAction::Open)
+																	 : Do(EPhase::Looking, Now, ECorvaneDownloadAction::Look);
 }
 
 FCorvaneDownloadStep FCorvaneDownloadMachine::OnLooked(double Now, bool bTargetExists, const FDateTime& TargetTime)
@@ -179,6 +180,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::OnFinished(double Now, const FCorv
 	{
 		return {};
 	}
+	bOpen = false; // whatever came of it
 	Report.Hash = Finished.Hash;
 	if (Finished.Outcome == ECorvaneTransferOutcome::Cancelled)
 	{
@@ -211,17 +213,14 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::Fail(double Now, ECorvaneTransferO
 
 FCorvaneDownloadStep FCorvaneDownloadMachine::LetGo(double Now, bool bKeepBytes)
 {
+	const bool bSucceeded = Report.Outcome == ECorvaneTransferOutcome::Succeeded && !Report.bTargetKept;
+	const bool bDiscard = !bSucceeded && (!bKeepBytes || bPacked || Length == 0);
+	Length = bDiscard ? 0 : Length;
 	if (!bOpen)
 	{
 		return Tell(Now);
 	}
-	const bool bSucceeded = Report.Outcome == ECorvaneTransferOutcome::Succeeded && !Report.bTargetKept;
-	if (!bSucceeded && (!bKeepBytes || bPacked || Length == 0))
-	{
-		Length = 0;
-		return Do(EPhase::Closing, Now, ECorvaneDownloadAction::Discard);
-	}
-	return Do(EPhase::Closing, Now, ECorvaneDownloadAction::Close);
+	return Do(EPhase::Closing, Now, bDiscard ? ECorvaneDownloadAction::Discard : ECorvaneDownloadAction::Close);
 }
 
 FCorvaneDownloadStep FCorvaneDownloadMachine::OnClosed(double Now)

@@ -25,7 +25,7 @@ enum class ECorvaneDownloadAction : uint8
 	Wait,
 	/** Secure what is on disk: the download is paused, maybe for long. Nothing is told. */
 	Hold,
-	/** Check the part file, and put it in the target's place: OnFinished. */
+	/** Check the part file, put it in the target's place, and let go of it: OnFinished. */
 	Finish,
 	/** Finish reads the file no further; it ends through OnFinished. */
 	StopFinishing,

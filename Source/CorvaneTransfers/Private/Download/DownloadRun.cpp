@@ -177,6 +177,11 @@ void FCorvaneDownloadRun::Ask(const FCorvaneDownloadQuestion& Question)
 void FCorvaneDownloadRun::BeginTry(const FCorvaneDownloadQuestion& Question)
 {
 	TryBegan = CorvaneDownloadRun::Now();
+	if (Question.Compare == 0)
+	{
+		Files->BeginAttempt();
+		return Send(Question, {}, {});
+	}
 	Files->BeginAttempt(Question.Compare,
 		[Self = AsShared(), Question](TArray<uint8>&& Tail, const FCorvaneFileResult& TailRead)
 		{

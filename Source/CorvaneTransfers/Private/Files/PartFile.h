@@ -114,6 +114,7 @@ private:
 	FCorvaneFileResult CheckHash(const FString& File, const FCorvaneHashWish& Wish, FString& OutHash);
 	bool HashOf(const FString& File, ECorvaneHashKind Kind, FString& OutHash);
 	FCorvaneFileResult Replace(const FCorvaneFinishWish& Wish);
+	FCorvaneFileResult VouchForWhole();
 	FCorvaneFileResult PutInPlace(const FDateTime& FileTime);
 	void LetGo();
 

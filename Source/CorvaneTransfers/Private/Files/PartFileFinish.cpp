@@ -8,7 +8,7 @@
 
 namespace CorvanePartFile
 {
-	/** What is fetched again in a moment is not worth a wait for the disk. */
+	/** What is fetched again in a moment is not worth a look at its bytes and a wait for the disk. */
 	static constexpr int64 LongFile = 16 << 20;
 } // namespace CorvanePartFile
 
@@ -86,17 +86,22 @@ FCorvaneFileResult FCorvanePartFile::Replace(const FCorvaneFinishWish& Wish)
 		Fault = CorvaneFileFaults::Failed(
 			ECorvaneTransferOutcome::Refused, FString::Printf(TEXT("%s exists by now, and is not to be replaced."), *Target));
 	}
-	FCorvaneFileStart Whole;
-	if (Fault.IsOk() && !CorvaneFileBlocks::DescribeStart(PartName(), Length, Whole))
+	if (Fault.IsOk() && Length >= CorvanePartFile::LongFile)
 	{
-		Fault = CorvaneFileFaults::CannotRead(PartName());
-	}
-	if (Fault.IsOk())
-	{
-		const TArray<uint8> Line = FCorvaneJournal::WholeLine(Whole, !CorvaneFileBlocks::IsFile(Target, Whole));
-		Fault = Length >= CorvanePartFile::LongFile ? Journal.Append(Line) : Journal.AppendWithoutWaiting(Line);
+		Fault = VouchForWhole();
 	}
 	return Fault.IsOk() ? PutInPlace(Wish.FileTime) : Fault;
+}
+
+/** From here on the target is known for the whole file, should it be that. */
+FCorvaneFileResult FCorvanePartFile::VouchForWhole()
+{
+	FCorvaneFileStart Whole;
+	if (!CorvaneFileBlocks::DescribeStart(PartName(), Length, Whole))
+	{
+		return CorvaneFileFaults::CannotRead(PartName());
+	}
+	return Journal.Append(FCorvaneJournal::WholeLine(Whole, !CorvaneFileBlocks::IsFile(Target, Whole)));
 }
 
 FCorvaneFileResult FCorvanePartFile::PutInPlace(const FDateTime& FileTime)
@@ -106,7 +111,8 @@ FCorvaneFileResult FCorvanePartFile::PutInPlace(const FDateTime& FileTime)
 	{
 		FPlatformFileManager::Get().GetPlatformFile().SetTimeStamp(*PartName(), FileTime);
 	}
-	if (!CorvaneTargetReplacement::Replace(Target, PartName(), [this] { return Journal.Flush().IsOk(); }))
+	if (!CorvaneTargetReplacement::Replace(
+			Target, PartName(), [this] { return Length >= CorvanePartFile::LongFile || VouchForWhole().IsOk(); }))
 	{
 		return CorvaneFileFaults::Failed(
 			ECorvaneTransferOutcome::CannotWrite, FString::Printf(TEXT("The new file cannot take the place of %s."), *Target));

@@ -52,6 +52,5 @@ void FCorvaneByteBuffer::Close()
 void FCorvaneByteBuffer::Reopen()
 {
 	const FScopeLock Lock(&Guard);
-	bClosed = false;
-	Waiting.Reset();
+	bClosed = false; // what waits may have come before this
 }

@@ -30,7 +30,7 @@ public:
 
 	/** Nobody takes any more: wakes whoever waits. What is waiting is lost. */
 	void Close();
-	/** The opposite, while nobody brings or takes. */
+	/** The opposite, while nobody takes. */
 	void Reopen();
 
 private:
