@@ -52,15 +52,7 @@ FCorvaneDownloadRun::FCorvaneDownloadRun(const FString& InURL, const FString& In
 
 void FCorvaneDownloadRun::Post(TUniqueFunction<void(FCorvaneDownloadRun&)> Letter)
 {
-	// A letter that nobody reads any more must not keep alive what holds the box.
-	Mailbox->Post(
-		[Weak = TWeakPtr<FCorvaneDownloadRun>(AsShared()), Letter = MoveTemp(Letter)]
-		{
-			if (const TSharedPtr<FCorvaneDownloadRun> Self = Weak.Pin())
-			{
-				Letter(*Self);
-			}
-		});
+	Mailbox->PostTo(AsShared(), MoveTemp(Letter));
 }
 
 void FCorvaneDownloadRun::Start()

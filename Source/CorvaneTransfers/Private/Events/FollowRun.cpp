@@ -38,15 +38,7 @@ FCorvaneFollowRun::FCorvaneFollowRun(const FString& InURL, const FCorvaneFollowO
 
 void FCorvaneFollowRun::Post(TUniqueFunction<void(FCorvaneFollowRun&)> Letter)
 {
-	// A letter that nobody reads any more must not keep alive what holds the box.
-	Mailbox->Post(
-		[Weak = TWeakPtr<FCorvaneFollowRun>(AsShared()), Letter = MoveTemp(Letter)]
-		{
-			if (const TSharedPtr<FCorvaneFollowRun> Self = Weak.Pin())
-			{
-				Letter(*Self);
-			}
-		});
+	Mailbox->PostTo(AsShared(), MoveTemp(Letter));
 }
 
 void FCorvaneFollowRun::Start()

@@ -16,6 +16,23 @@ public:
 	/** Thread: any. */
 	void Post(TUniqueFunction<void()> Letter);
 
+	/**
+	 * The same with a letter to an object, which gets it if it lives by then: one that nobody reads any more must not keep alive
+	 * what holds the box. Thread: any.
+	 */
+	template <class Type>
+	void PostTo(const TSharedRef<Type>& Reader, TUniqueFunction<void(Type&)> Letter)
+	{
+		Post(
+			[Weak = TWeakPtr<Type>(Reader), Letter = MoveTemp(Letter)]
+			{
+				if (const TSharedPtr<Type> Alive = Weak.Pin())
+				{
+					Letter(*Alive);
+				}
+			});
+	}
+
 	/** Reads what is there. Thread: game thread. */
 	void Open();
 

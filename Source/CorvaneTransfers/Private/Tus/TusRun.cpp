@@ -53,15 +53,7 @@ FCorvaneTusRun::FCorvaneTusRun(const FString& InURL, const FString& InPath, cons
 
 void FCorvaneTusRun::Post(TUniqueFunction<void(FCorvaneTusRun&)> Letter)
 {
-	// A letter that nobody reads any more must not keep alive what holds the box.
-	Mailbox->Post(
-		[Weak = TWeakPtr<FCorvaneTusRun>(AsShared()), Letter = MoveTemp(Letter)]
-		{
-			if (const TSharedPtr<FCorvaneTusRun> Self = Weak.Pin())
-			{
-				Letter(*Self);
-			}
-		});
+	Mailbox->PostTo(AsShared(), MoveTemp(Letter));
 }
 
 void FCorvaneTusRun::Start()

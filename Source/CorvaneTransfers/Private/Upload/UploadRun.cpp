@@ -50,15 +50,7 @@ FCorvaneUploadRun::FCorvaneUploadRun(
 
 void FCorvaneUploadRun::Post(TUniqueFunction<void(FCorvaneUploadRun&)> Letter)
 {
-	// A letter that nobody reads any more must not keep alive what holds the box.
-	Mailbox->Post(
-		[Weak = TWeakPtr<FCorvaneUploadRun>(AsShared()), Letter = MoveTemp(Letter)]
-		{
-			if (const TSharedPtr<FCorvaneUploadRun> Self = Weak.Pin())
-			{
-				Letter(*Self);
-			}
-		});
+	Mailbox->PostTo(AsShared(), MoveTemp(Letter));
 }
 
 void FCorvaneUploadRun::Start()
