@@ -1,10 +1,36 @@
 #include "OtherServer.h"
 
+#include <cctype>
 #include <fcntl.h>
-#include <regex>
+#include <optional>
 #include <stdexcept>
 #include <system_error>
 #include <unistd.h>
+
+namespace
+{
+	/** The number behind "port " or the loopback address, once something stands behind the number. */
+	std::optional<std::string> portIn(const std::string& said)
+	{
+		for (const std::string sign : {"port ", "127.0.0.1:"})
+		{
+			for (size_t at = said.find(sign); at != std::string::npos; at = said.find(sign, at + 1))
+			{
+				const size_t start = at + sign.size();
+				size_t end = start;
+				while (end < said.size() && std::isdigit(static_cast<unsigned char>(said[end])))
+				{
+					++end;
+				}
+				if (end > start && end < said.size())
+				{
+					return said.substr(start, end - start);
+				}
+			}
+		}
+		return std::nullopt;
+	}
+} // namespace
 
 OtherServer::OtherServer(std::vector<std::string> words)
 {
@@ -28,9 +54,8 @@ OtherServer::~OtherServer()
 
 std::string OtherServer::readPort()
 {
-	static const std::regex told("(?:port |127\\.0\\.0\\.1:)([0-9]+)[^0-9]");
 	std::string said;
-	for (std::smatch found;;)
+	for (;;)
 	{
 		char bytes[1000];
 		const ssize_t number = read(output, bytes, sizeof bytes);
@@ -39,9 +64,9 @@ std::string OtherServer::readPort()
 			throw std::runtime_error("a server does not come up; Scripts/setup.sh --test installs what it needs. It says: " + said);
 		}
 		said.append(bytes, static_cast<size_t>(number));
-		if (std::regex_search(said, found, told))
+		if (const std::optional<std::string> told = portIn(said))
 		{
-			return found[1];
+			return *told;
 		}
 	}
 }

@@ -1,7 +1,7 @@
 #include "Download/DownloadOptions.h"
 
-#include "Attempts/Address.h"
 #include "Attempts/Headers.h"
+#include "Attempts/OptionFaults.h"
 
 namespace CorvaneDownloadOptions
 {
@@ -10,43 +10,8 @@ namespace CorvaneDownloadOptions
 		return Name == TEXT("Range") || Name == TEXT("If-Range") || Name == TEXT("If-Modified-Since") || Name == TEXT("Accept-Encoding");
 	}
 
-	static FString FindHeaderFault(const TMap<FString, FString>& Headers)
-	{
-		for (const TPair<FString, FString>& Header : Headers)
-		{
-			if (!CorvaneHeaders::IsName(Header.Key) || CorvaneHeaders::HasControl(Header.Value))
-			{
-				return TEXT("A header has a name or a value that cannot be sent: ") + Header.Key; // never the value, which may be a key
-			}
-			if (IsOwn(Header.Key))
-			{
-				return TEXT("This header is the download's own and cannot be set: ") + Header.Key;
-			}
-		}
-		return FString();
-	}
-
-	/** Written so that what is no number does not fit either. */
-	static bool IsTime(double Seconds)
-	{
-		constexpr double Longest = 1e9;
-		return Seconds >= 0 && Seconds <= Longest;
-	}
-
 	static FString FindNumberFault(const FCorvaneDownloadOptions& Options)
 	{
-		if (Options.Attempts < 1)
-		{
-			return TEXT("There has to be at least one attempt.");
-		}
-		if (!IsTime(Options.FirstWaitSeconds) || !IsTime(Options.LongestWaitSeconds))
-		{
-			return TEXT("The waits between attempts have to be 0 seconds or more.");
-		}
-		if (!IsTime(Options.SilenceSeconds) || Options.SilenceSeconds <= 0)
-		{
-			return TEXT("The limit of silence has to be more than 0 seconds.");
-		}
 		if (Options.ExpectedSize < -1)
 		{
 			return TEXT("The expected size has to be 0 bytes or more, or -1 for any.");
@@ -68,22 +33,11 @@ namespace CorvaneDownloadOptions
 
 FString CorvaneDownload::FindFault(const FString& URL, const FString& Target, const FCorvaneDownloadOptions& Options, bool bHashIsReadable)
 {
-	if (!CorvaneAddress::IsUsable(URL))
-	{
-		return TEXT("This is no http or https address: ") + CorvaneAddress::ForLog(URL);
-	}
-	if (!bHashIsReadable)
-	{
-		return TEXT("The expected hash cannot be read; it is written like sha256:0123456789abcdef... or, to be told it, sha256.");
-	}
-	const FString Faults[] = {CorvaneDownloadOptions::FindTargetFault(Target), CorvaneDownloadOptions::FindHeaderFault(Options.Headers),
-		CorvaneDownloadOptions::FindNumberFault(Options)};
-	for (const FString& Fault : Faults)
-	{
-		if (!Fault.IsEmpty())
-		{
-			return Fault;
-		}
-	}
-	return FString();
+	using namespace CorvaneDownloadOptions;
+	const FString HashFault =
+		TEXT("The expected hash cannot be read; it is written like sha256:0123456789abcdef... or, to be told it, sha256.");
+	return CorvaneOptionFaults::First({CorvaneOptionFaults::OfAddress(URL), bHashIsReadable ? FString() : HashFault,
+		FindTargetFault(Target), CorvaneOptionFaults::OfHeaders(Options.Headers, &IsOwn, TEXT("is the download's own and cannot be set")),
+		CorvaneOptionFaults::OfTries(Options.Attempts, Options.FirstWaitSeconds, Options.LongestWaitSeconds, Options.SilenceSeconds),
+		FindNumberFault(Options)});
 }

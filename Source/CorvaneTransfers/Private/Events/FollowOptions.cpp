@@ -1,17 +1,10 @@
 #include "Events/FollowOptions.h"
 
-#include "Attempts/Address.h"
 #include "Attempts/Headers.h"
+#include "Attempts/OptionFaults.h"
 
 namespace CorvaneFollowOptions
 {
-	/** Written so that what is no number does not fit either. */
-	static bool IsTime(double Seconds)
-	{
-		constexpr double Longest = 1e9;
-		return Seconds >= 0 && Seconds <= Longest;
-	}
-
 	static bool IsOwn(const FString& Name)
 	{
 		return Name == TEXT("Last-Event-ID") || Name == TEXT("Accept-Encoding") || Name == TEXT("Content-Type");
@@ -29,7 +22,8 @@ namespace CorvaneFollowOptions
 
 	static FString FindNumberFault(const FCorvaneFollowOptions& Options)
 	{
-		if (!IsTime(Options.ReconnectSeconds) || !IsTime(Options.LongestWaitSeconds) || !IsTime(Options.SilenceSeconds))
+		if (!CorvaneOptionFaults::IsTime(Options.ReconnectSeconds) || !CorvaneOptionFaults::IsTime(Options.LongestWaitSeconds) ||
+			!CorvaneOptionFaults::IsTime(Options.SilenceSeconds))
 		{
 			return TEXT("The waits and the limit of silence have to be 0 seconds or more.");
 		}
@@ -44,36 +38,14 @@ namespace CorvaneFollowOptions
 
 FString CorvaneFollow::FindHeaderFault(const TMap<FString, FString>& Headers)
 {
-	for (const TPair<FString, FString>& Header : Headers)
-	{
-		if (!CorvaneHeaders::IsName(Header.Key) || CorvaneHeaders::HasControl(Header.Value))
-		{
-			return TEXT("A header has a name or a value that cannot be sent: ") + Header.Key; // never the value, which may be a key
-		}
-		if (CorvaneFollowOptions::IsOwn(Header.Key))
-		{
-			return TEXT("This header has an option of its own, or none, and cannot be set: ") + Header.Key;
-		}
-	}
-	return FString();
+	return CorvaneOptionFaults::OfHeaders(
+		Headers, &CorvaneFollowOptions::IsOwn, TEXT("has an option of its own, or none, and cannot be set"));
 }
 
 FString CorvaneFollow::FindFault(const FString& URL, const FCorvaneFollowOptions& Options)
 {
-	if (!CorvaneAddress::IsUsable(URL))
-	{
-		return TEXT("This is no http or https address: ") + CorvaneAddress::ForLog(URL);
-	}
-	const FString Faults[] = {
-		FindHeaderFault(Options.Headers), CorvaneFollowOptions::FindBodyFault(Options), CorvaneFollowOptions::FindNumberFault(Options)};
-	for (const FString& Fault : Faults)
-	{
-		if (!Fault.IsEmpty())
-		{
-			return Fault;
-		}
-	}
-	return FString();
+	return CorvaneOptionFaults::First({CorvaneOptionFaults::OfAddress(URL), FindHeaderFault(Options.Headers),
+		CorvaneFollowOptions::FindBodyFault(Options), CorvaneFollowOptions::FindNumberFault(Options)});
 }
 
 FCorvaneExchangeRequest CorvaneFollow::MakeRequest(

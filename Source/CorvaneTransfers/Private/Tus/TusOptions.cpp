@@ -1,7 +1,7 @@
 #include "Tus/TusOptions.h"
 
-#include "Attempts/Address.h"
 #include "Attempts/Headers.h"
+#include "Attempts/OptionFaults.h"
 
 namespace CorvaneTusOptions
 {
@@ -14,22 +14,6 @@ namespace CorvaneTusOptions
 		return Name == TEXT("Tus-Resumable") || Name == TEXT("Content-Type") || Name == TEXT("Content-Length") ||
 			   Name == TEXT("Transfer-Encoding") || Name == TEXT("Accept-Encoding") ||
 			   Name.StartsWith(TEXT("Upload-"), ESearchCase::IgnoreCase);
-	}
-
-	static FString FindHeaderFault(const TMap<FString, FString>& Headers)
-	{
-		for (const TPair<FString, FString>& Header : Headers)
-		{
-			if (!CorvaneHeaders::IsName(Header.Key) || CorvaneHeaders::HasControl(Header.Value))
-			{
-				return TEXT("A header has a name or a value that cannot be sent: ") + Header.Key; // never the value, which may be a key
-			}
-			if (IsOwn(Header.Key))
-			{
-				return TEXT("This header is the upload's own and cannot be set: ") + Header.Key;
-			}
-		}
-		return FString();
 	}
 
 	/** The protocol cuts entries by commas, and a name from its value by a blank. */
@@ -45,29 +29,10 @@ namespace CorvaneTusOptions
 		return FString();
 	}
 
-	/** Written so that what is no number does not fit either. */
-	static bool IsTime(double Seconds)
+	static FString FindPieceFault(int64 PieceBytes)
 	{
-		constexpr double Longest = 1e9;
-		return Seconds >= 0 && Seconds <= Longest;
-	}
-
-	static FString FindNumberFault(const FCorvaneResumableOptions& Options)
-	{
-		if (Options.PieceBytes < LeastPiece || Options.PieceBytes > MostPiece)
-		{
-			return TEXT("The pieces have to be of 1024 bytes or more, and below 2 GiB.");
-		}
-		if (Options.Attempts < 1)
-		{
-			return TEXT("There has to be at least one attempt.");
-		}
-		if (!IsTime(Options.FirstWaitSeconds) || !IsTime(Options.LongestWaitSeconds))
-		{
-			return TEXT("The waits between attempts have to be 0 seconds or more.");
-		}
-		const bool bSilence = IsTime(Options.SilenceSeconds) && Options.SilenceSeconds > 0;
-		return bSilence ? FString() : FString(TEXT("The limit of silence has to be more than 0 seconds."));
+		const bool bFits = PieceBytes >= LeastPiece && PieceBytes <= MostPiece;
+		return bFits ? FString() : FString(TEXT("The pieces have to be of 1024 bytes or more, and below 2 GiB."));
 	}
 
 	static FString FindFileFault(const FString& FilePath)
@@ -96,15 +61,10 @@ FCorvaneTusWishes FCorvaneTusWishes::Read(const FString& URL, const FString& Fil
 {
 	using namespace CorvaneTusOptions;
 	FCorvaneTusWishes Wishes;
-	const FString AddressFault =
-		CorvaneAddress::IsUsable(URL) ? FString() : TEXT("This is no http or https address: ") + CorvaneAddress::ForLog(URL);
-	for (const FString& Found : {AddressFault, FindFileFault(FilePath), FindHeaderFault(Options.Headers),
-			 FindMetadataFault(Options.Metadata), FindNumberFault(Options), FindHashFault(Options, Wishes)})
-	{
-		if (Wishes.Fault.IsEmpty())
-		{
-			Wishes.Fault = Found;
-		}
-	}
+	Wishes.Fault = CorvaneOptionFaults::First({CorvaneOptionFaults::OfAddress(URL), FindFileFault(FilePath),
+		CorvaneOptionFaults::OfHeaders(Options.Headers, &IsOwn, TEXT("is the upload's own and cannot be set")),
+		FindMetadataFault(Options.Metadata), FindPieceFault(Options.PieceBytes),
+		CorvaneOptionFaults::OfTries(Options.Attempts, Options.FirstWaitSeconds, Options.LongestWaitSeconds, Options.SilenceSeconds),
+		FindHashFault(Options, Wishes)});
 	return Wishes;
 }
