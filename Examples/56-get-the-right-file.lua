@@ -42,6 +42,6 @@ download{
 finish()
 assert(report.Outcome == ECorvaneTransferOutcome.Succeeded, report.Sentence)
 assert(report.TakenOverBytes == kept and report.TransferredBytes == report.TotalBytes - kept, "a byte came twice")
-assert(report.Attempts == 2 and report.Restarts == 0)
+assert(report.Attempts > 1 and report.Restarts == 0)
 print(report.Attempts .. " requests, " .. report.Restarts .. " restarts, sha256 " .. report.Hash)
 os.remove(path)

@@ -31,8 +31,8 @@ local pieces = {}
 for piece = 0, 31 do pieces[#pieces + 1] = string.char(97 + piece % 26):rep(32768) end
 local file = lab.file{ bytes = table.concat(pieces) }
 lab.at("GET /file", file, lab.pieces{ sizes = { 32768 }, pause = 2 })
--- The same, whose first two answers break off in their middle.
-lab.at("GET /breaks-off", file, lab.drop{ after = "50%", requests = 2 })
+-- The same, whose first three answers break off in their middle.
+lab.at("GET /breaks-off", file, lab.drop{ after = "50%", requests = 3 })
 
 -- Tells what came: the parts of a form, or the one file that is the body.
 local function describe(request)

@@ -10,8 +10,8 @@ class FCorvaneSharedPace;
 class FCorvaneTransferRun : public FCorvaneRunningTransfer
 {
 public:
-	/** Comes before Start. A kind that cannot share is held to no limit. */
-	virtual void SharePace(const TSharedRef<FCorvaneSharedPace>&) {}
+	/** Comes before Start. */
+	virtual void SharePace(const TSharedRef<FCorvaneSharedPace>& Pace) = 0;
 	/** Begins, once. Nothing is told inside this call. */
 	virtual void Start() = 0;
 	virtual void Pause() = 0;

@@ -55,7 +55,8 @@ public:
 	 * Changes the limits. What runs goes on; new ones start, and bytes move, under the new limits.
 	 * @param MostAtOnce  transfers that run at the same time; at least 1.
 	 * @param MostPerHost  of those, to one scheme, host and port; at least 1. The engine limits connections, too.
-	 * @param BytesPerSecond  of all together; 0 = no limit. A server that sends no parts of a file is held to it only roughly.
+	 * @param BytesPerSecond  of all together; 0 = no limit. A server that sends no parts of a file is held to it only roughly, and
+	 *  so is an upload that goes out in a single request.
 	 */
 	UFUNCTION(BlueprintCallable, Category = "Corvane|Transfers")
 	void SetLimits(int32 MostAtOnce = 8, int32 MostPerHost = 6, int64 BytesPerSecond = 0);

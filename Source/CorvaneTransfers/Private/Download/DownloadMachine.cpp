@@ -1,7 +1,7 @@
 #include "Download/DownloadMachine.h"
 
 #include "Attempts/Address.h"
-#include "Download/Pace.h"
+#include "Pace/Holding.h"
 
 // The way of a download but for what follows an exchange, which stands in DownloadTries.cpp.
 

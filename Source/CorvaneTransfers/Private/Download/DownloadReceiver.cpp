@@ -1,8 +1,8 @@
 #include "Download/DownloadReceiver.h"
 
-#include "Download/Pace.h"
 #include "HAL/PlatformProcess.h"
 #include "HAL/PlatformTime.h"
+#include "Pace/Holding.h"
 
 namespace CorvaneDownloadReceiver
 {

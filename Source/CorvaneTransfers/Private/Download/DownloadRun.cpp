@@ -4,18 +4,10 @@
 #include "Attempts/HttpDate.h"
 #include "Download/DownloadOptions.h"
 #include "Download/DownloadReceiver.h"
-#include "HAL/PlatformTime.h"
 #include "Math/UnrealMathUtility.h"
 
 namespace CorvaneDownloadRun
 {
-	static constexpr float ProgressInterval = 0.1f;
-
-	static double Now()
-	{
-		return FPlatformTime::Seconds();
-	}
-
 	static FCorvaneDownloadOpened Translate(const FCorvaneOpenedPart& Part)
 	{
 		FCorvaneDownloadOpened Opened;
@@ -40,24 +32,16 @@ namespace CorvaneDownloadRun
 
 FCorvaneDownloadRun::FCorvaneDownloadRun(const FString& InURL, const FString& InTarget, const FCorvaneDownloadOptions& InOptions,
 	FTell InTellEnd, TFunction<void()> InTellProgress, const TSharedRef<FCorvaneRoute>& InRoute)
-	: URL(InURL)
+	: TCorvaneMachineRun(MoveTemp(InTellEnd), MoveTemp(InTellProgress), InURL, InTarget, InOptions)
+	, URL(InURL)
 	, Target(InTarget)
 	, Options(InOptions)
-	, EndTeller(MoveTemp(InTellEnd))
-	, ProgressTeller(MoveTemp(InTellProgress))
-	, Machine(InURL, InTarget, InOptions)
 	, Route(InRoute)
 {
 }
 
-void FCorvaneDownloadRun::Post(TUniqueFunction<void(FCorvaneDownloadRun&)> Letter)
-{
-	Mailbox->PostTo(AsShared(), MoveTemp(Letter));
-}
-
 void FCorvaneDownloadRun::Start()
 {
-	CorvaneRunningTransfers::Add(AsShared());
 	Files->WhenWritingFails(
 		[Weak = TWeakPtr<FCorvaneDownloadRun>(AsShared())]
 		{
@@ -66,32 +50,10 @@ void FCorvaneDownloadRun::Start()
 				Self->Post([](FCorvaneDownloadRun& Run) { Run.Stop(); });
 			}
 		});
-	Machine.LimitParts(Pace.IsValid() ? Pace->PartBytes(0) : 0);
+	Machine.LimitParts(Turn.PartBytes());
 	const bool bHashIsReadable = FCorvaneHashWish::Parse(Options.Hash, Hash);
 	const FString WayFault = Route->FindFault();
-	const FCorvaneDownloadStep First = Machine.Start(
-		CorvaneDownloadRun::Now(), WayFault.IsEmpty() ? CorvaneDownload::FindFault(URL, Target, Options, bHashIsReadable) : WayFault);
-	Post([First](FCorvaneDownloadRun& Self) { Self.Follow(First); }); // nothing is told inside this call
-}
-
-void FCorvaneDownloadRun::Pause()
-{
-	Follow(Machine.Pause(CorvaneDownloadRun::Now()));
-}
-
-void FCorvaneDownloadRun::Continue()
-{
-	Follow(Machine.Continue(CorvaneDownloadRun::Now()));
-}
-
-void FCorvaneDownloadRun::Cancel()
-{
-	Follow(Machine.Cancel(CorvaneDownloadRun::Now()));
-}
-
-void FCorvaneDownloadRun::EndWithProgram()
-{
-	Follow(Machine.EndOfProgram(CorvaneDownloadRun::Now()));
+	BeginWith(Machine.Start(Now(), WayFault.IsEmpty() ? CorvaneDownload::FindFault(URL, Target, Options, bHashIsReadable) : WayFault));
 }
 
 void FCorvaneDownloadRun::Follow(const FCorvaneDownloadStep& Step)
@@ -122,22 +84,19 @@ void FCorvaneDownloadRun::Follow(const FCorvaneDownloadStep& Step)
 	case ECorvaneDownloadAction::Discard:
 		return Files->Discard([Self = AsShared()] { Self->PostClosed(); });
 	case ECorvaneDownloadAction::Tell:
-		return Post([](FCorvaneDownloadRun& Self) { Self.TellEnd(); }); // a cancel of one that waits tells nothing inside its call either
+		return TellEnd();
 	}
 }
 
 void FCorvaneDownloadRun::PostClosed()
 {
-	Post([](FCorvaneDownloadRun& Self) { Self.Follow(Self.Machine.OnClosed(CorvaneDownloadRun::Now())); });
+	Post([](FCorvaneDownloadRun& Self) { Self.Follow(Self.Machine.OnClosed(Now())); });
 }
 
 void FCorvaneDownloadRun::Look()
 {
-	Files->Look(Target,
-		[Self = AsShared()](bool bExists, FDateTime Time) {
-			Self->Post(
-				[bExists, Time](FCorvaneDownloadRun& Run) { Run.Follow(Run.Machine.OnLooked(CorvaneDownloadRun::Now(), bExists, Time)); });
-		});
+	Files->Look(Target, [Self = AsShared()](bool bExists, FDateTime Time)
+		{ Self->Post([bExists, Time](FCorvaneDownloadRun& Run) { Run.Follow(Run.Machine.OnLooked(Now(), bExists, Time)); }); });
 }
 
 void FCorvaneDownloadRun::Open()
@@ -146,29 +105,19 @@ void FCorvaneDownloadRun::Open()
 		[Self = AsShared()](const FCorvaneOpenedPart& Part)
 		{
 			Self->Post([Opened = CorvaneDownloadRun::Translate(Part)](FCorvaneDownloadRun& Run)
-				{ Run.Follow(Run.Machine.OnOpened(CorvaneDownloadRun::Now(), Opened)); });
+				{ Run.Follow(Run.Machine.OnOpened(Now(), Opened)); });
 		});
 }
 
 void FCorvaneDownloadRun::Ask(const FCorvaneDownloadQuestion& Question)
 {
 	bStopWanted = false;
-	if (!Pace.IsValid())
-	{
-		return BeginTry(Question);
-	}
 	const int64 MostBytes = FMath::Max<int64>(Question.Until - Question.OnDisk, 0);
-	PaceNumber = Pace->Ask(MostBytes,
-		[Self = AsShared(), Question](const TSharedRef<FCorvanePaceShare>& Given)
-		{
-			Self->Share = Given;
-			Self->BeginTry(Question);
-		});
+	Turn.Ask(MostBytes, [Self = AsShared(), Question] { Self->BeginTry(Question); });
 }
 
 void FCorvaneDownloadRun::BeginTry(const FCorvaneDownloadQuestion& Question)
 {
-	TryBegan = CorvaneDownloadRun::Now();
 	if (Question.Compare == 0)
 	{
 		Files->BeginAttempt();
@@ -198,7 +147,7 @@ void FCorvaneDownloadRun::Send(const FCorvaneDownloadQuestion& Question, TArray<
 	Plan.Address = CorvaneAddress::WithoutUser(URL);
 	Plan.Tail = MoveTemp(Tail);
 	Plan.BytesPerSecond = Options.BytesPerSecond;
-	Plan.Share = Share;
+	Plan.Share = Turn.GetShare();
 	const TSharedRef<FCorvaneDownloadReceiver> Taker = MakeShared<FCorvaneDownloadReceiver>(MoveTemp(Plan), Files,
 		[Self = AsShared()](const FCorvaneAttemptEnd& End) { Self->Post([End](FCorvaneDownloadRun& Run) { Run.OnSent(End); }); });
 
@@ -208,48 +157,24 @@ void FCorvaneDownloadRun::Send(const FCorvaneDownloadQuestion& Question, TArray<
 	Asked.SilenceSeconds = static_cast<float>(Options.SilenceSeconds);
 	Receiver = Taker;
 	Route->Start(Asked, Taker);
-	if (ProgressTeller && !ProgressTicker.IsValid())
-	{
-		ProgressTicker = FTSTicker::GetCoreTicker().AddTicker(
-			FTickerDelegate::CreateLambda([Self = AsShared()](float) { return Self->OnProgressTick(); }),
-			CorvaneDownloadRun::ProgressInterval);
-	}
+	BeginProgress();
 }
 
 void FCorvaneDownloadRun::OnSent(FCorvaneAttemptEnd End)
 {
 	Receiver.Reset();
-	if (Share.IsValid())
-	{
-		Share->Settle();
-		Share.Reset();
-		Machine.LimitParts(Pace->PartBytes(CorvaneDownloadRun::Now() - TryBegan));
-	}
+	Turn.Settle();
+	Machine.LimitParts(Turn.PartBytes());
 	End.Random = FMath::FRand();
 	End.NowUtc = FDateTime::UtcNow();
-	Follow(Machine.OnAttemptEnded(CorvaneDownloadRun::Now(), End));
+	Follow(Machine.OnAttemptEnded(Now(), End));
 }
 
 void FCorvaneDownloadRun::Stop()
 {
 	bStopWanted = true;
-	if (Pace.IsValid())
-	{
-		Pace->Withdraw(PaceNumber);
-	}
+	Turn.Withdraw();
 	Route->Cancel();
-}
-
-void FCorvaneDownloadRun::Wait(double Seconds)
-{
-	FTSTicker::RemoveTicker(WaitTicker);
-	WaitTicker = FTSTicker::GetCoreTicker().AddTicker(FTickerDelegate::CreateLambda(
-														  [Self = AsShared()](float)
-														  {
-															  Self->Follow(Self->Machine.OnWaitOver(CorvaneDownloadRun::Now()));
-															  return false;
-														  }),
-		static_cast<float>(Seconds));
 }
 
 void FCorvaneDownloadRun::Finish()
@@ -263,44 +188,27 @@ void FCorvaneDownloadRun::Finish()
 		[Self = AsShared()](const FCorvaneFinished& Part)
 		{
 			Self->Post([Finished = CorvaneDownloadRun::Translate(Part)](FCorvaneDownloadRun& Run)
-				{ Run.Follow(Run.Machine.OnFinished(CorvaneDownloadRun::Now(), Finished)); });
+				{ Run.Follow(Run.Machine.OnFinished(Now(), Finished)); });
 		});
 }
 
 FCorvaneTransferReport FCorvaneDownloadRun::GetReport() const
 {
-	FCorvaneTransferReport Report = Machine.GetReport();
-	if (Receiver.IsValid())
+	FCorvaneTransferReport Report = TCorvaneMachineRun::GetReport();
+	if (Receiver.IsValid() && Report.TotalBytes < 0)
 	{
-		Report.TransferredBytes += Files->BytesOfAttempt();
-		Report.TotalBytes = Report.TotalBytes < 0 ? Receiver->ToldTotal() : Report.TotalBytes;
+		Report.TotalBytes = Receiver->ToldTotal();
 	}
 	return Report;
 }
 
-bool FCorvaneDownloadRun::OnProgressTick()
+int64 FCorvaneDownloadRun::BytesOfTry() const
 {
-	const int64 Bytes = Machine.GetReport().TransferredBytes + (Receiver.IsValid() ? Files->BytesOfAttempt() : 0);
-	if (!IsOver() && Bytes != ToldBytes)
-	{
-		ToldBytes = Bytes;
-		ProgressTeller();
-	}
-	return !IsOver();
+	return Receiver.IsValid() ? Files->BytesOfAttempt() : 0;
 }
 
-void FCorvaneDownloadRun::TellEnd()
+void FCorvaneDownloadRun::LogEnd(const FCorvaneTransferReport& Report) const
 {
-	const TSharedRef<FCorvaneDownloadRun> Self = AsShared(); // the list may hold it last
-	FTSTicker::RemoveTicker(WaitTicker);
-	FTSTicker::RemoveTicker(ProgressTicker);
-	CorvaneRunningTransfers::Remove(*this);
-	bTold = true;
-	const FCorvaneTransferReport& Report = Machine.GetReport();
 	UE_LOG(LogTemp, Display, TEXT("Transfer: %s %s, %lld bytes, %d attempts, %d restarts. %s"), *CorvaneAddress::ForLog(URL), *Target,
 		Report.TransferredBytes, Report.Attempts, Report.Restarts, *Report.Sentence);
-	if (EndTeller)
-	{
-		EndTeller(Report);
-	}
 }

@@ -2,7 +2,7 @@
 #include "Attempts/RetryPolicy.h"
 #include "Attempts/TryEnd.h"
 #include "Download/DownloadMachine.h"
-#include "Download/Pace.h"
+#include "Pace/Holding.h"
 
 // What follows an exchange.
 

@@ -163,14 +163,7 @@ void FCorvaneFollowRun::Stop()
 
 void FCorvaneFollowRun::Wait(double Seconds)
 {
-	FTSTicker::RemoveTicker(WaitTicker);
-	WaitTicker = FTSTicker::GetCoreTicker().AddTicker(FTickerDelegate::CreateLambda(
-														  [Self = AsShared()](float)
-														  {
-															  Self->Follow(Self->Machine.OnWaitOver(CorvaneFollowRun::Now()));
-															  return false;
-														  }),
-		static_cast<float>(Seconds));
+	WaitAlarm.Set(Seconds, [Self = AsShared()] { Self->Follow(Self->Machine.OnWaitOver(CorvaneFollowRun::Now())); });
 }
 
 void FCorvaneFollowRun::OnOpened(const FCorvaneAnswer& Answer)
@@ -266,13 +259,7 @@ void FCorvaneFollowRun::TellEvent()
 void FCorvaneFollowRun::GoOnInNextFrame()
 {
 	Buffer->KeepWaiting();
-	FTSTicker::RemoveTicker(FrameTicker);
-	FrameTicker = FTSTicker::GetCoreTicker().AddTicker(FTickerDelegate::CreateLambda(
-		[Self = AsShared()](float)
-		{
-			Self->TellEvents();
-			return false;
-		}));
+	FrameAlarm.Set(0, [Self = AsShared()] { Self->TellEvents(); });
 }
 
 void FCorvaneFollowRun::CloseTry()
@@ -294,8 +281,8 @@ void FCorvaneFollowRun::CloseTry()
 void FCorvaneFollowRun::TellEnd()
 {
 	const TSharedRef<FCorvaneFollowRun> Self = AsShared(); // the list may hold it last
-	FTSTicker::RemoveTicker(WaitTicker);
-	FTSTicker::RemoveTicker(FrameTicker);
+	WaitAlarm.Clear();
+	FrameAlarm.Clear();
 	CorvaneRunningTransfers::Remove(*this);
 	const FCorvaneTransferReport& Report = Machine.GetReport();
 	UE_LOG(LogTemp, Display, TEXT("Events: %s, %lld bytes, %d attempts. %s"), *CorvaneAddress::ForLog(URL), Report.TransferredBytes,

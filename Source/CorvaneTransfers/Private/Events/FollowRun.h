@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Attempts/Exchange.h"
-#include "Containers/Ticker.h"
 #include "CoreMinimal.h"
 #include "CorvaneFollowOptions.h"
 #include "CorvaneTransferReport.h"
@@ -10,6 +9,7 @@
 #include "RunningTransfers.h"
 #include "Templates/Function.h"
 #include "Templates/SharedPointer.h"
+#include "Threads/Alarm.h"
 #include "Threads/ByteBuffer.h"
 #include "Threads/Mailbox.h"
 
@@ -92,6 +92,6 @@ private:
 	bool bEnded = false; // with Result, but maybe events of it are still to be told
 
 	bool bTelling = false; // a handler is at work
-	FTSTicker::FDelegateHandle WaitTicker;
-	FTSTicker::FDelegateHandle FrameTicker;
+	FCorvaneAlarm WaitAlarm;
+	FCorvaneAlarm FrameAlarm;
 };

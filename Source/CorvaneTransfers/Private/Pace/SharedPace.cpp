@@ -1,7 +1,9 @@
 #include "Pace/SharedPace.h"
 
+#include "HAL/PlatformProcess.h"
 #include "HAL/PlatformTime.h"
 #include "Misc/ScopeLock.h"
+#include "Pace/Holding.h"
 
 void FCorvaneSharedPace::SetLimit(int64 BytesPerSecond)
 {
@@ -74,7 +76,7 @@ void FCorvaneSharedPace::LetGo()
 
 void FCorvaneSharedPace::LetGoLater()
 {
-	FTSTicker::RemoveTicker(Ticker);
+	Alarm.Clear();
 	if (Line.IsEmpty())
 	{
 		return;
@@ -84,16 +86,14 @@ void FCorvaneSharedPace::LetGoLater()
 		const FScopeLock Lock(&Guard);
 		Seconds = Ledger.SecondsUntilFree(FPlatformTime::Seconds());
 	}
-	Ticker = FTSTicker::GetCoreTicker().AddTicker(FTickerDelegate::CreateLambda(
-													  [Weak = TWeakPtr<FCorvaneSharedPace>(AsShared())](float)
-													  {
-														  if (const TSharedPtr<FCorvaneSharedPace> Self = Weak.Pin())
-														  {
-															  Self->LetGo();
-														  }
-														  return false;
-													  }),
-		static_cast<float>(Seconds));
+	Alarm.Set(Seconds,
+		[Weak = TWeakPtr<FCorvaneSharedPace>(AsShared())]
+		{
+			if (const TSharedPtr<FCorvaneSharedPace> Self = Weak.Pin())
+			{
+				Self->LetGo();
+			}
+		});
 }
 
 double FCorvaneSharedPace::Charge(int64 Bytes)
@@ -127,6 +127,15 @@ double FCorvanePaceShare::Note(int64 Bytes)
 	const int64 Before = FMath::Max(Moved, Booked);
 	Moved += Bytes;
 	return Pace->Charge(FMath::Max<int64>(Moved - Before, 0));
+}
+
+void FCorvanePaceShare::Hold(int64 Bytes)
+{
+	const double Seconds = CorvanePace::ShortOf(Note(Bytes));
+	if (Moved > Booked && Seconds > 0)
+	{
+		FPlatformProcess::Sleep(static_cast<float>(Seconds));
+	}
 }
 
 void FCorvanePaceShare::Settle()

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "Containers/Ticker.h"
 #include "CoreMinimal.h"
 #include "Corvane.h"
 #include "HAL/CriticalSection.h"
 #include "Pace/PaceLedger.h"
 #include "Templates/Function.h"
 #include "Templates/SharedPointer.h"
+#include "Threads/Alarm.h"
 
 class FCorvanePaceShare;
 
@@ -62,7 +62,7 @@ private:
 	TArray<FWaiting> Line;
 	int64 Numbers = 0;
 	bool bLettingGo = false;
-	FTSTicker::FDelegateHandle Ticker;
+	FCorvaneAlarm Alarm;
 };
 
 /** What one part may move. Thread: any, one at a time, but for Settle. */
@@ -73,6 +73,12 @@ public:
 
 	/** So many bytes have moved. @return seconds that whoever can hold them up should do so for. */
 	double Note(int64 Bytes);
+
+	/**
+	 * The same for a body that nothing else can hold up: what it has beyond the part that had its turn sleeps, but for 20 ms at
+	 * most, since others wait for its thread.
+	 */
+	void Hold(int64 Bytes);
 
 	/** No byte moves any more: others may have what is left. A second call does nothing. Thread: game thread. */
 	void Settle();

@@ -134,7 +134,8 @@ FCorvaneTusStep FCorvaneTusMachine::Send(double Now)
 void FCorvaneTusMachine::TakePiece(FCorvaneTusStep& Step)
 {
 	Step.Start = Offset;
-	Step.Bytes = FMath::Min<int64>(Options.PieceBytes, Size - Offset);
+	const int64 Most = MostOfPiece > 0 ? FMath::Min(MostOfPiece, Options.PieceBytes) : Options.PieceBytes;
+	Step.Bytes = FMath::Min(Most, Size - Offset);
 	Step.Checksum = Checksum;
 	Sent = Step;
 }

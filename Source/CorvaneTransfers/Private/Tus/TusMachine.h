@@ -110,8 +110,12 @@ public:
 	/** The program ends: as Cancel, with Ended, and the server keeps what it has in any case. */
 	FCorvaneTusStep EndOfProgram(double Now) { return EndWith(Now, ECorvaneTransferOutcome::Ended); }
 
+	/** @param Bytes  of the next pieces at most, besides what the options say; 0 = any number. */
+	void LimitPieces(int64 Bytes) { MostOfPiece = Bytes; }
+
 	bool IsPaused() const { return Phase == EPhase::Paused; }
 	bool IsOver() const { return Phase == EPhase::Over; }
+	const FCorvaneTusWishes& GetWishes() const { return Wishes; }
 	const FCorvaneTusUpload& GetUpload() const { return Upload; }
 	/** @return bytes that the server has for sure. */
 	int64 GetOffset() const { return Offset; }
@@ -186,6 +190,7 @@ private:
 
 	FCorvaneTusUpload Upload;
 	FCorvaneTusStep Sent; // the last step that may have bytes
+	int64 MostOfPiece = 0; // 0 = any number
 	int64 Size = 0;
 	int64 Offset = 0; // bytes that the server has
 	int64 Mark = 0; // the most that it has had since the upload was begun: what lies beyond is new

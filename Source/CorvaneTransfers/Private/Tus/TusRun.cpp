@@ -1,7 +1,6 @@
 #include "Tus/TusRun.h"
 
 #include "Attempts/Address.h"
-#include "HAL/PlatformTime.h"
 #include "Math/UnrealMathUtility.h"
 #include "Misc/Paths.h"
 #include "Tus/TusReceiver.h"
@@ -9,13 +8,6 @@
 
 namespace CorvaneTusRun
 {
-	static constexpr float ProgressInterval = 0.1f;
-
-	static double Now()
-	{
-		return FPlatformTime::Seconds();
-	}
-
 	static FCorvaneTusOpened Translate(const FCorvaneTusFound& Found)
 	{
 		FCorvaneTusOpened Opened;
@@ -40,49 +32,30 @@ namespace CorvaneTusRun
 
 FCorvaneTusRun::FCorvaneTusRun(const FString& InURL, const FString& InPath, const FCorvaneResumableOptions& InOptions, FTell InTellEnd,
 	TFunction<void()> InTellProgress)
-	: URL(InURL)
+	: TCorvaneMachineRun(MoveTemp(InTellEnd), MoveTemp(InTellProgress), InURL, InOptions, FCorvaneTusWishes::Read(InURL, InPath, InOptions))
+	, URL(InURL)
 	, Path(InPath)
 	, Options(InOptions)
-	, Wishes(FCorvaneTusWishes::Read(InURL, InPath, InOptions))
-	, EndTeller(MoveTemp(InTellEnd))
-	, ProgressTeller(MoveTemp(InTellProgress))
-	, Machine(InURL, InOptions, Wishes)
 	, Requests(InURL, InOptions)
 {
 }
 
-void FCorvaneTusRun::Post(TUniqueFunction<void(FCorvaneTusRun&)> Letter)
-{
-	Mailbox->PostTo(AsShared(), MoveTemp(Letter));
-}
-
 void FCorvaneTusRun::Start()
 {
-	CorvaneRunningTransfers::Add(AsShared());
-	const FCorvaneTusStep First = Machine.Start(CorvaneTusRun::Now());
-	Post([First](FCorvaneTusRun& Self) { Self.Follow(First); }); // nothing is told inside this call
-}
-
-void FCorvaneTusRun::Pause()
-{
-	Follow(Machine.Pause(CorvaneTusRun::Now()));
-}
-
-void FCorvaneTusRun::Continue()
-{
-	Follow(Machine.Continue(CorvaneTusRun::Now()));
+	Machine.LimitPieces(Turn.PartBytes());
+	BeginWith(Machine.Start(Now()));
 }
 
 void FCorvaneTusRun::Cancel()
 {
 	Files->StopReading();
-	Follow(Machine.Cancel(CorvaneTusRun::Now()));
+	TCorvaneMachineRun::Cancel();
 }
 
 void FCorvaneTusRun::EndWithProgram()
 {
 	Files->StopReading();
-	Follow(Machine.EndOfProgram(CorvaneTusRun::Now()));
+	TCorvaneMachineRun::EndWithProgram();
 }
 
 void FCorvaneTusRun::Follow(const FCorvaneTusStep& Step)
@@ -98,7 +71,7 @@ void FCorvaneTusRun::Follow(const FCorvaneTusStep& Step)
 		return Begin();
 	case ECorvaneTusAction::Create:
 	case ECorvaneTusAction::Send:
-		return SendBytes(Step);
+		return SendInTurn(Step);
 	case ECorvaneTusAction::Ask:
 		return Send(Requests.Ask(Machine.GetUpload().Address), nullptr);
 	case ECorvaneTusAction::Terminate:
@@ -112,13 +85,13 @@ void FCorvaneTusRun::Follow(const FCorvaneTusStep& Step)
 	case ECorvaneTusAction::Discard:
 		return Files->Discard([Self = AsShared()] { Self->PostClosed(); });
 	case ECorvaneTusAction::Tell:
-		return Post([](FCorvaneTusRun& Self) { Self.TellEnd(); }); // a cancel of one that waits tells nothing inside its call either
+		return TellEnd();
 	}
 }
 
 void FCorvaneTusRun::PostClosed()
 {
-	Post([](FCorvaneTusRun& Self) { Self.Follow(Self.Machine.OnClosed(CorvaneTusRun::Now())); });
+	Post([](FCorvaneTusRun& Self) { Self.Follow(Self.Machine.OnClosed(Now())); });
 }
 
 void FCorvaneTusRun::Open()
@@ -126,7 +99,7 @@ void FCorvaneTusRun::Open()
 	FCorvaneTusFiles::FWish Wish;
 	Wish.Address = URL;
 	Wish.Path = Path;
-	Wish.Hash = Wishes.Hash;
+	Wish.Hash = Machine.GetWishes().Hash;
 	Wish.Folder = Options.JournalFolder;
 	Wish.bResume = Options.bResume;
 	Files->Open(
@@ -139,17 +112,19 @@ void FCorvaneTusRun::OnFound(const FCorvaneTusFound& Found)
 	Facts.Size = File.Size;
 	Facts.Name = FPaths::GetCleanFilename(File.Path);
 	Facts.Type = CorvaneContentTypes::Of(File.Path);
-	Follow(Machine.OnOpened(CorvaneTusRun::Now(), CorvaneTusRun::Translate(Found)));
+	Follow(Machine.OnOpened(Now(), CorvaneTusRun::Translate(Found)));
 }
 
 void FCorvaneTusRun::Begin()
 {
 	NotedOffset = 0;
-	Files->Begin(Machine.GetUpload(),
-		[Self = AsShared()](const FCorvaneFileResult& Noted) {
-			Self->Post(
-				[Noted](FCorvaneTusRun& Run) { Run.Follow(Run.Machine.OnBegun(CorvaneTusRun::Now(), Noted.Failure, Noted.Sentence)); });
-		});
+	Files->Begin(Machine.GetUpload(), [Self = AsShared()](const FCorvaneFileResult& Noted)
+		{ Self->Post([Noted](FCorvaneTusRun& Run) { Run.Follow(Run.Machine.OnBegun(Now(), Noted.Failure, Noted.Sentence)); }); });
+}
+
+void FCorvaneTusRun::SendInTurn(const FCorvaneTusStep& Step)
+{
+	Turn.Ask(Step.Bytes, [Self = AsShared(), Step] { Self->SendBytes(Step); });
 }
 
 void FCorvaneTusRun::SendBytes(const FCorvaneTusStep& Step)
@@ -193,6 +168,7 @@ void FCorvaneTusRun::SendBody(FCorvaneExchangeRequest Asked, const FCorvaneTusSt
 		TArray<FCorvaneBodySegment> Piece;
 		Piece.Add(FCorvaneBodySegment::OfFile(File, Step.Start, Step.Bytes));
 		Body = MakeShared<FCorvaneBodyStream>(MoveTemp(Piece), FCorvaneHashWish(), Stopper);
+		Body->Share(Turn.GetShare());
 		Asked.Stream = Body;
 	}
 	Send(Asked, Body);
@@ -210,20 +186,18 @@ void FCorvaneTusRun::Send(const FCorvaneExchangeRequest& Asked, const TSharedPtr
 													  End.Text = Text;
 													  Self->Post([End](FCorvaneTusRun& Run) { Run.OnSent(End); });
 												  }));
-	if (ProgressTeller && !ProgressTicker.IsValid())
-	{
-		ProgressTicker = FTSTicker::GetCoreTicker().AddTicker(
-			FTickerDelegate::CreateLambda([Self = AsShared()](float) { return Self->OnProgressTick(); }), CorvaneTusRun::ProgressInterval);
-	}
+	BeginProgress();
 }
 
 void FCorvaneTusRun::OnSent(FCorvaneTusEnd End)
 {
 	Exchange.Reset();
 	Stream.Reset();
+	Turn.Settle();
+	Machine.LimitPieces(Turn.PartBytes());
 	End.Random = FMath::FRand();
 	End.NowUtc = FDateTime::UtcNow();
-	const FCorvaneTusStep Step = Machine.OnExchangeEnded(CorvaneTusRun::Now(), End);
+	const FCorvaneTusStep Step = Machine.OnExchangeEnded(Now(), End);
 	const bool bNoted = Step.Action == ECorvaneTusAction::Begin || Machine.GetUpload().Address.IsEmpty();
 	if (Machine.GetOffset() != NotedOffset && !bNoted)
 	{
@@ -236,54 +210,20 @@ void FCorvaneTusRun::OnSent(FCorvaneTusEnd End)
 void FCorvaneTusRun::Stop()
 {
 	bStopWanted = true;
+	Turn.Withdraw();
 	if (Exchange.IsValid())
 	{
 		Exchange->Cancel();
 	}
 }
 
-void FCorvaneTusRun::Wait(double Seconds)
+int64 FCorvaneTusRun::BytesOfTry() const
 {
-	FTSTicker::RemoveTicker(WaitTicker);
-	WaitTicker = FTSTicker::GetCoreTicker().AddTicker(FTickerDelegate::CreateLambda(
-														  [Self = AsShared()](float)
-														  {
-															  Self->Follow(Self->Machine.OnWaitOver(CorvaneTusRun::Now()));
-															  return false;
-														  }),
-		static_cast<float>(Seconds));
+	return Stream.IsValid() ? Stream->GetHandedOut() : 0;
 }
 
-FCorvaneTransferReport FCorvaneTusRun::GetReport() const
+void FCorvaneTusRun::LogEnd(const FCorvaneTransferReport& Report) const
 {
-	FCorvaneTransferReport Report = Machine.GetReport();
-	Report.TransferredBytes += Stream.IsValid() ? Stream->GetHandedOut() : 0;
-	return Report;
-}
-
-bool FCorvaneTusRun::OnProgressTick()
-{
-	const FCorvaneTransferReport Report = GetReport();
-	if (!IsOver() && Report.TransferredBytes != ToldBytes)
-	{
-		ToldBytes = Report.TransferredBytes;
-		ProgressTeller();
-	}
-	return !IsOver();
-}
-
-void FCorvaneTusRun::TellEnd()
-{
-	const TSharedRef<FCorvaneTusRun> Self = AsShared(); // the list may hold it last
-	FTSTicker::RemoveTicker(WaitTicker);
-	FTSTicker::RemoveTicker(ProgressTicker);
-	CorvaneRunningTransfers::Remove(*this);
-	bTold = true;
-	const FCorvaneTransferReport& Report = Machine.GetReport();
 	UE_LOG(LogTemp, Display, TEXT("Transfer: %s to %s, %lld bytes, %d attempts, %d restarts. %s"), *Path, *CorvaneAddress::ForLog(URL),
 		Report.TransferredBytes, Report.Attempts, Report.Restarts, *Report.Sentence);
-	if (EndTeller)
-	{
-		EndTeller(Report);
-	}
 }

@@ -70,6 +70,10 @@ void FCorvaneBodyStream::Serialize(void* Value, int64 Number)
 	const bool bHad = !IsError() && Number >= 0 && Number <= Total - Position && Read(static_cast<uint8*>(Value), Number);
 	if (bHad)
 	{
+		if (PartOfPace.IsValid())
+		{
+			PartOfPace->Hold(Number);
+		}
 		HandedOut += Number;
 		return;
 	}

@@ -6,6 +6,7 @@
 #include "Files/HashOnTheWay.h"
 #include "Files/SentFile.h"
 #include "GenericPlatform/GenericPlatformFile.h"
+#include "Pace/SharedPace.h"
 #include "Templates/Function.h"
 #include "Templates/UniquePtr.h"
 #include "Upload/BodyEnd.h"
@@ -49,6 +50,9 @@ public:
 	explicit FCorvaneBodyStream(TArray<FCorvaneBodySegment> InSegments, const FCorvaneHashWish& InHash = FCorvaneHashWish(),
 		TUniqueFunction<void()> InTellFault = TUniqueFunction<void()>());
 
+	/** @param InPart  of a pace that reading is held to, roughly; null = none. Comes before the first byte. */
+	void Share(const TSharedPtr<FCorvanePaceShare>& InPart) { PartOfPace = InPart; }
+
 	virtual int64 TotalSize() override { return Total; }
 	virtual int64 Tell() override { return Position; }
 	/** Goes back to the first byte, or stays: any other place is an error. */
@@ -73,6 +77,7 @@ private:
 	const TArray<FCorvaneBodySegment> Segments;
 	const FCorvaneHashWish Wish;
 	TUniqueFunction<void()> TellFault;
+	TSharedPtr<FCorvanePaceShare> PartOfPace;
 	int64 Total = 0; // as the next, never changed after construction
 	int64 BytesOfFiles = 0;
 	std::atomic<int64> HandedOut{0};

@@ -1,20 +1,12 @@
 #include "Upload/UploadRun.h"
 
 #include "Attempts/Address.h"
-#include "HAL/PlatformTime.h"
 #include "Math/UnrealMathUtility.h"
 #include "Upload/UploadOptions.h"
 #include "Upload/UploadReceiver.h"
 
 namespace CorvaneUploadRun
 {
-	static constexpr float ProgressInterval = 0.1f;
-
-	static double Now()
-	{
-		return FPlatformTime::Seconds();
-	}
-
 	/** Fills in what is known of the files once they are looked at. */
 	static FCorvaneUploadFound FindFiles(TArray<FCorvaneBodySegment>& Segments)
 	{
@@ -39,47 +31,18 @@ namespace CorvaneUploadRun
 
 FCorvaneUploadRun::FCorvaneUploadRun(
 	const FCorvaneUploadContent& InContent, const FCorvaneUploadOptions& InOptions, FTell InTellEnd, TFunction<void()> InTellProgress)
-	: Content(InContent)
+	: TCorvaneMachineRun(
+		  MoveTemp(InTellEnd), MoveTemp(InTellProgress), InContent.URL, CorvaneUploadOptions::VerbOf(InContent, InOptions), InOptions)
+	, Content(InContent)
 	, Options(InOptions)
 	, Verb(CorvaneUploadOptions::VerbOf(InContent, InOptions))
-	, EndTeller(MoveTemp(InTellEnd))
-	, ProgressTeller(MoveTemp(InTellProgress))
-	, Machine(InContent.URL, Verb, InOptions)
 {
-}
-
-void FCorvaneUploadRun::Post(TUniqueFunction<void(FCorvaneUploadRun&)> Letter)
-{
-	Mailbox->PostTo(AsShared(), MoveTemp(Letter));
 }
 
 void FCorvaneUploadRun::Start()
 {
-	CorvaneRunningTransfers::Add(AsShared());
 	const bool bHashIsReadable = FCorvaneHashWish::Parse(Options.Hash, Hash);
-	const FCorvaneUploadStep First =
-		Machine.Start(CorvaneUploadRun::Now(), CorvaneUploadOptions::FindFault(Content, Options, bHashIsReadable));
-	Post([First](FCorvaneUploadRun& Self) { Self.Follow(First); }); // nothing is told inside this call
-}
-
-void FCorvaneUploadRun::Pause()
-{
-	Follow(Machine.Pause(CorvaneUploadRun::Now()));
-}
-
-void FCorvaneUploadRun::Continue()
-{
-	Follow(Machine.Continue(CorvaneUploadRun::Now()));
-}
-
-void FCorvaneUploadRun::Cancel()
-{
-	Follow(Machine.Cancel(CorvaneUploadRun::Now()));
-}
-
-void FCorvaneUploadRun::EndWithProgram()
-{
-	Follow(Machine.EndOfProgram(CorvaneUploadRun::Now()));
+	BeginWith(Machine.Start(Now(), CorvaneUploadOptions::FindFault(Content, Options, bHashIsReadable)));
 }
 
 void FCorvaneUploadRun::Follow(const FCorvaneUploadStep& Step)
@@ -91,13 +54,13 @@ void FCorvaneUploadRun::Follow(const FCorvaneUploadStep& Step)
 	case ECorvaneUploadAction::Find:
 		return Find();
 	case ECorvaneUploadAction::Send:
-		return Send();
+		return SendInTurn();
 	case ECorvaneUploadAction::Stop:
 		return Stop();
 	case ECorvaneUploadAction::Wait:
 		return Wait(Step.WaitSeconds);
 	case ECorvaneUploadAction::Tell:
-		return Post([](FCorvaneUploadRun& Self) { Self.TellEnd(); }); // a cancel tells nothing inside its call
+		return TellEnd();
 	}
 }
 
@@ -111,15 +74,28 @@ void FCorvaneUploadRun::Find()
 				[Found, Segments = MoveTemp(Segments)](FCorvaneUploadRun& Run) mutable
 				{
 					Run.Content.Segments = MoveTemp(Segments);
-					Run.Follow(Run.Machine.OnFound(CorvaneUploadRun::Now(), Found));
+					Run.Follow(Run.Machine.OnFound(Now(), Found));
 				});
 		});
 }
 
+/** All of a body goes out in one request: the pace counts what is more than a part as it comes. */
+void FCorvaneUploadRun::SendInTurn()
+{
+	bStopWanted = false;
+	Turn.Ask(Turn.PartBytes(), [Self = AsShared()] { Self->Send(); });
+}
+
+/** One that was stopped before it was sent ends like one that was cancelled. */
 void FCorvaneUploadRun::Send()
 {
+	if (bStopWanted)
+	{
+		return OnSent(FCorvaneUploadTryEnd());
+	}
 	const TSharedRef<FCorvaneBodyStream> Sent = MakeShared<FCorvaneBodyStream>(
 		Content.Segments, Hash, [Self = AsShared()] { Self->Post([](FCorvaneUploadRun& Run) { Run.Stop(); }); });
+	Sent->Share(Turn.GetShare());
 	Body = Sent;
 	FCorvaneExchangeRequest Asked = MakeRequest();
 	Asked.Stream = Body;
@@ -147,71 +123,29 @@ void FCorvaneUploadRun::OnSent(FCorvaneUploadTryEnd End)
 {
 	Exchange.Reset();
 	Body.Reset();
+	Turn.Settle();
 	End.Random = FMath::FRand();
 	End.NowUtc = FDateTime::UtcNow();
-	Follow(Machine.OnTryEnded(CorvaneUploadRun::Now(), End));
+	Follow(Machine.OnTryEnded(Now(), End));
 }
 
 void FCorvaneUploadRun::Stop()
 {
+	bStopWanted = true;
+	Turn.Withdraw();
 	if (Exchange.IsValid())
 	{
 		Exchange->Cancel();
 	}
 }
 
-void FCorvaneUploadRun::Wait(double Seconds)
+int64 FCorvaneUploadRun::BytesOfTry() const
 {
-	FTSTicker::RemoveTicker(WaitTicker);
-	WaitTicker = FTSTicker::GetCoreTicker().AddTicker(FTickerDelegate::CreateLambda(
-														  [Self = AsShared()](float)
-														  {
-															  Self->Follow(Self->Machine.OnWaitOver(CorvaneUploadRun::Now()));
-															  return false;
-														  }),
-		static_cast<float>(Seconds));
+	return Body.IsValid() ? Body->GetHandedOut() : 0;
 }
 
-FCorvaneTransferReport FCorvaneUploadRun::GetReport() const
+void FCorvaneUploadRun::LogEnd(const FCorvaneTransferReport& Report) const
 {
-	FCorvaneTransferReport Report = Machine.GetReport();
-	Report.TransferredBytes += Body.IsValid() ? Body->GetHandedOut() : 0;
-	return Report;
-}
-
-void FCorvaneUploadRun::BeginProgress()
-{
-	if (ProgressTeller && !ProgressTicker.IsValid())
-	{
-		ProgressTicker = FTSTicker::GetCoreTicker().AddTicker(
-			FTickerDelegate::CreateLambda([Self = AsShared()](float) { return Self->OnProgressTick(); }),
-			CorvaneUploadRun::ProgressInterval);
-	}
-}
-
-bool FCorvaneUploadRun::OnProgressTick()
-{
-	const FCorvaneTransferReport Report = GetReport();
-	if (!IsOver() && Report.TransferredBytes != ToldBytes)
-	{
-		ToldBytes = Report.TransferredBytes;
-		ProgressTeller();
-	}
-	return !IsOver();
-}
-
-void FCorvaneUploadRun::TellEnd()
-{
-	const TSharedRef<FCorvaneUploadRun> Self = AsShared(); // the list may hold it last
-	FTSTicker::RemoveTicker(WaitTicker);
-	FTSTicker::RemoveTicker(ProgressTicker);
-	CorvaneRunningTransfers::Remove(*this);
-	bTold = true;
-	const FCorvaneTransferReport& Report = Machine.GetReport();
 	UE_LOG(LogTemp, Display, TEXT("Transfer: %s to %s, %lld bytes, %d attempts. %s"), *Verb, *CorvaneAddress::ForLog(Content.URL),
 		Report.TransferredBytes, Report.Attempts, *Report.Sentence);
-	if (EndTeller)
-	{
-		EndTeller(Report);
-	}
 }

@@ -1,4 +1,4 @@
-#include "Download/Pace.h"
+#include "Pace/Holding.h"
 
 int64 CorvanePace::PartBytes(int64 BytesPerSecond)
 {

@@ -1,0 +1,41 @@
+#include "Pace/PaceTurn.h"
+
+#include "HAL/PlatformTime.h"
+
+int64 FCorvanePaceTurn::PartBytes() const
+{
+	return Pace.IsValid() ? Pace->PartBytes(SecondsOfLast) : 0;
+}
+
+void FCorvanePaceTurn::Ask(int64 MostBytes, TFunction<void()> Go)
+{
+	if (!Pace.IsValid())
+	{
+		return Go();
+	}
+	Number = Pace->Ask(MostBytes,
+		[this, Go = MoveTemp(Go)](const TSharedRef<FCorvanePaceShare>& Given)
+		{
+			Moving = Given;
+			Began = FPlatformTime::Seconds();
+			Go();
+		});
+}
+
+void FCorvanePaceTurn::Withdraw()
+{
+	if (Pace.IsValid())
+	{
+		Pace->Withdraw(Number);
+	}
+}
+
+void FCorvanePaceTurn::Settle()
+{
+	if (Moving.IsValid())
+	{
+		Moving->Settle();
+		Moving.Reset();
+		SecondsOfLast = FPlatformTime::Seconds() - Began;
+	}
+}
