@@ -297,6 +297,7 @@ void FCorvaneFollowRun::TellEnd()
 	FTSTicker::RemoveTicker(WaitTicker);
 	FTSTicker::RemoveTicker(FrameTicker);
 	CorvaneRunningTransfers::Remove(*this);
+	bTold = true;
 	const FCorvaneTransferReport& Report = Machine.GetReport();
 	UE_LOG(LogTemp, Display, TEXT("Events: %s, %lld bytes, %d attempts. %s"), *CorvaneAddress::ForLog(URL), Report.TransferredBytes,
 		Report.Attempts, *Report.Sentence);
