@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Plants faults of order into the modules, one at a time, and tells which of them the scheduler finds.
 
-usage: Tests/Orders/planted.py [BUILD] [RUNS]   (default: build/default, 3000 random orders of each scenario)
+usage: Tests/Orders/planted.py [BUILD] [RUNS]   (default: build/default, 6000 random orders of each scenario)
 
 It changes the sources while it runs and restores them: use a checkout that nobody works in. Ends with 1 unless all are found.
 """
@@ -17,7 +17,7 @@ FAULTS = [
      "while (isPaused && isRunning && jobQueue.IsEmpty())", "while (isPaused && isRunning)", "get"),
     ("the end is read behind the work", "Source/Corvane/Private/Threads/QueueThread.h",
      "const bool bLastRound = bIsEnding; // read first: a job queued before the end is still found\n\t\t\tworkOff(pause);",
-     "workOff(pause);\n\t\t\tconst bool bLastRound = bIsEnding;", "upload"),
+     "workOff(pause);\n\t\t\tconst bool bLastRound = bIsEnding;", "upload/end"),
     ("a mark is set behind the post", "Source/Corvane/Private/Runs/Run.cpp",
      "completionPosted = true;\n\tCorvaneDelivery::completion(corvaneBPLibrary, node, InRequest, MoveTemp(InResult));",
      "CorvaneDelivery::completion(corvaneBPLibrary, node, InRequest, MoveTemp(InResult));\n\tcompletionPosted = true;", "get/again"),
@@ -69,7 +69,7 @@ def orders(build: Path, runs: str, scenario: str) -> str:
 
 def main() -> int:
     build = ROOT / (sys.argv[1] if len(sys.argv) > 1 else "build/default")
-    runs = sys.argv[2] if len(sys.argv) > 2 else "3000"
+    runs = sys.argv[2] if len(sys.argv) > 2 else "6000"
     missed = 0
     for what, name, text, planted, scenario in FAULTS:
         path = ROOT / name
