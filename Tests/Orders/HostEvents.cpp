@@ -63,6 +63,11 @@ int HostEvents::NumTaken()
 	return numTaken;
 }
 
+int HostEvents::NumHeld()
+{
+	return static_cast<int>(theHolders().size());
+}
+
 FEvent* FPlatformProcess::GetSynchEventFromPool()
 {
 	++numTaken;

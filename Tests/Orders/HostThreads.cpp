@@ -67,18 +67,26 @@ namespace
 	{
 		std::deque<TUniqueFunction<void()>> Queue;
 		int NumWorkers = 0;
+		int NumRunning = 0;
 		bool bClosed = true;
 
 		void WorkOff()
 		{
 			while (!Queue.empty())
 			{
-				const TUniqueFunction<void()> Task = std::move(Queue.front());
-				Queue.pop_front();
-				Task();
+				RunFirst();
 				Schedule::the().point("has done a background task");
 			}
 			--NumWorkers;
+		}
+
+		void RunFirst()
+		{
+			const TUniqueFunction<void()> Task = std::move(Queue.front());
+			Queue.pop_front();
+			++NumRunning;
+			Task();
+			--NumRunning;
 		}
 	};
 
@@ -87,6 +95,10 @@ namespace
 		static FBackground Background;
 		return Background;
 	}
+	bool isRefused()
+	{
+		return mayRefuse && Schedule::the().choose("wants a thread, and gets none", 2) == 1;
+	}
 } // namespace
 
 void HostThreads::MayRefuse(bool bMay)
@@ -94,9 +106,14 @@ void HostThreads::MayRefuse(bool bMay)
 	mayRefuse = bMay;
 }
 
+int HostThreads::NumInBackground()
+{
+	return static_cast<int>(theBackground().Queue.size()) + theBackground().NumRunning;
+}
+
 FRunnableThread* FRunnableThread::Create(FRunnable* Runnable, const TCHAR* Name)
 {
-	if (mayRefuse && Schedule::the().choose("wants a thread, and gets none", 2) == 1)
+	if (isRefused())
 	{
 		return nullptr;
 	}
@@ -117,7 +134,22 @@ void BackgroundTasks::Add(TUniqueFunction<void()> Task)
 		return;
 	}
 	Background.Queue.push_back(std::move(Task));
-	if (Background.NumWorkers < mostWorkers)
+	if (Background.NumWorkers == mostWorkers)
+	{
+		return;
+	}
+	if (isRefused())
+	{
+		AsyncTask(ENamedThreads::GameThread, // as the host does it
+			[&Background]
+			{
+				if (!Background.Queue.empty())
+				{
+					Background.RunFirst();
+				}
+			});
+	}
+	else
 	{
 		++Background.NumWorkers;
 		Schedule::the().spawn("background", [&Background] { Background.WorkOff(); });

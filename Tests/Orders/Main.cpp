@@ -16,20 +16,26 @@ namespace
 		std::string path;
 		int preemptions = -1;
 		bool onlySmall = false;
+		bool onlyLarge = false;
 		bool printsTrace = false;
 	};
 
-	std::size_t playRandom(const Orders::Scenario& scenario, const Wishes& wishes, std::uint64_t runs)
+	bool isWanted(const Orders::Scenario& scenario, const Wishes& wishes)
+	{
+		const bool fits = scenario.kind.isSmall ? !wishes.onlyLarge : !wishes.onlySmall;
+		return fits && scenario.name.starts_with(wishes.scenario);
+	}
+
+	void playRandom(const Orders::Scenario& scenario, const Wishes& wishes, std::uint64_t runs)
 	{
 		std::size_t points = 0;
 		for (std::uint64_t run = 0; run < runs; ++run)
 		{
 			Orders::RandomChooser chooser(wishes.seed + run);
-			points += Orders::playOnce(scenario, chooser);
+			points += Orders::playOnce(scenario, chooser, false);
 		}
 		std::printf(
-			"%-26s %8llu random orders, %zu points each\n", scenario.name.c_str(), static_cast<unsigned long long>(runs), points / runs);
-		return points;
+			"%-26s %8llu random orders, %4zu points each", scenario.name.c_str(), static_cast<unsigned long long>(runs), points / runs);
 	}
 
 	void playAll(const Orders::Scenario& scenario, int preemptions)
@@ -39,18 +45,19 @@ namespace
 		do
 		{
 			chooser.rewind();
-			Orders::playOnce(scenario, chooser);
+			Orders::playOnce(scenario, chooser, true);
 			++runs;
 		} while (chooser.advance());
-		std::printf("%-26s %8zu orders: all with %d preemptions\n", scenario.name.c_str(), runs, preemptions);
+		std::printf("%-26s %8zu orders, all with %d preemptions", scenario.name.c_str(), runs, preemptions);
 	}
 
 	void play(const Orders::Scenario& scenario, const Wishes& wishes)
 	{
+		const auto begin = std::chrono::steady_clock::now();
 		if (!wishes.path.empty())
 		{
 			Orders::EveryOrder chooser = Orders::EveryOrder::of(wishes.path);
-			Orders::playOnce(scenario, chooser);
+			Orders::playOnce(scenario, chooser, true);
 		}
 		else if (wishes.preemptions >= 0)
 		{
@@ -60,6 +67,7 @@ namespace
 		{
 			playRandom(scenario, wishes, std::max<std::uint64_t>(1, wishes.runs));
 		}
+		std::printf(", %.1f s\n", std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
 		std::fflush(stdout);
 	}
 } // namespace
@@ -73,6 +81,7 @@ int main(int count, char** arguments)
 	program.add_option("--seed", wishes.seed, "Of the first random order; the others follow")->capture_default_str();
 	program.add_option("--every", wishes.preemptions, "All orders in which a turn is taken away so often at most");
 	program.add_option("--path", wishes.path, "One order, as a failure has printed it");
+	program.add_flag("--large", wishes.onlyLarge, "Only the others");
 	program.add_flag("--small", wishes.onlySmall, "Only scenarios with few points");
 	program.add_flag("--trace", wishes.printsTrace, "Print how the last run went");
 	CLI11_PARSE(program, count, arguments);
@@ -80,7 +89,7 @@ int main(int count, char** arguments)
 	bool found = false;
 	for (const Orders::Scenario& scenario : Orders::scenarios())
 	{
-		if (scenario.name.starts_with(wishes.scenario) && (scenario.isSmall || !wishes.onlySmall))
+		if (isWanted(scenario, wishes))
 		{
 			found = true;
 			play(scenario, wishes);
@@ -90,6 +99,7 @@ int main(int count, char** arguments)
 	{
 		Orders::Schedule::the().printTrace();
 	}
+	Orders::removeFolder();
 	std::fflush(stdout);
 	_exit(found ? 0 : 2); // the threads of the schedule wait for ever
 }

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <unistd.h>
+#include <utility>
 
 namespace Orders
 {
@@ -32,7 +33,7 @@ namespace Orders
 	void Schedule::begin(Chooser& inChooser)
 	{
 		chooser = &inChooser;
-		time = 0;
+		time = hurriedTime = 0;
 		numThreads = 0;
 		trace.clear();
 		names = {{0, "game"}};
@@ -98,14 +99,14 @@ namespace Orders
 	{
 		for (;;)
 		{
-			thread.turn.acquire();
+			thread.turn.await();
 			current = &thread;
 			thread.body();
 			thread.body = nullptr;
 			note("ends", nullptr);
 			std::erase(threads, &thread);
 			spare.push_back(&thread);
-			pick(false).turn.release();
+			pick(false).turn.give();
 		}
 	}
 
@@ -149,9 +150,14 @@ namespace Orders
 					ready.push_back(thread); // its time has come meanwhile
 				}
 			}
-			if (ready.empty() || (somebodyWaitsForTime && chooser->choose(Choice::Hurry, 2) == 1))
+			if (ready.empty())
 			{
 				letTimePass();
+				continue;
+			}
+			if (somebodyWaitsForTime && chooser->choose(Choice::Hurry, 2) == 1)
+			{
+				hurriedTime += letTimePass();
 				continue;
 			}
 			const int number = static_cast<int>(ready.size());
@@ -160,7 +166,8 @@ namespace Orders
 		}
 	}
 
-	void Schedule::letTimePass()
+	/** @return the seconds that pass. */
+	double Schedule::letTimePass()
 	{
 		double next = forever;
 		for (const Thread* thread : threads)
@@ -171,7 +178,7 @@ namespace Orders
 		{
 			fail("everybody waits for ever");
 		}
-		time = next;
+		return next - std::exchange(time, next);
 	}
 
 	void Schedule::pass(Thread& next)
@@ -179,8 +186,8 @@ namespace Orders
 		Thread& own = *static_cast<Thread*>(current);
 		if (&next != &own)
 		{
-			next.turn.release();
-			own.turn.acquire();
+			next.turn.give();
+			own.turn.await();
 		}
 	}
 
@@ -199,18 +206,29 @@ namespace Orders
 	void Schedule::printTrace() const
 	{
 		std::map<const void*, int> objects;
+		std::vector<std::string> lines;
 		int last = -1;
-		const std::size_t from = trace.size() > 400 ? trace.size() - 400 : 0;
-		for (std::size_t index = from; index < trace.size(); ++index)
+		std::string lastText;
+		for (std::size_t index = 0; index < trace.size(); ++index)
 		{
 			const Step& step = trace[index];
-			const auto object = objects.try_emplace(step.object, static_cast<int>(objects.size())).first->second;
-			const std::string& name = names.at(step.thread);
-			std::fprintf(stderr, "%5zu %-12.12s %s", index, step.thread == last ? "" : name.c_str(), step.what);
 			const auto small = reinterpret_cast<std::uintptr_t>(step.object);
-			step.object ? std::fprintf(stderr, small < 64 ? " %d\n" : " #%d\n", small < 64 ? static_cast<int>(small) : object)
-						: std::fprintf(stderr, "\n");
+			const int object = objects.try_emplace(step.object, static_cast<int>(objects.size())).first->second;
+			const std::string named = small < 64 ? ' ' + std::to_string(small) : " #" + std::to_string(object);
+			const std::string text = step.what + (step.object ? named : std::string());
+			if (step.thread == last && text == lastText)
+			{
+				lines.back() += lines.back().ends_with('+') ? "" : " +"; // again and again
+				continue;
+			}
+			const std::string name = step.thread == last ? std::string() : names.at(step.thread);
+			lines.push_back(std::to_string(index) + '\t' + name + std::string(13 - std::min<std::size_t>(name.size(), 12), ' ') + text);
 			last = step.thread;
+			lastText = text;
+		}
+		for (std::size_t index = lines.size() - std::min<std::size_t>(lines.size(), 400); index < lines.size(); ++index)
+		{
+			std::fprintf(stderr, "%s\n", lines[index].c_str());
 		}
 	}
 } // namespace Orders

@@ -6,7 +6,7 @@
 #include <limits>
 #include <map>
 #include <memory>
-#include <semaphore>
+#include <semaphore.h>
 #include <string>
 #include <thread>
 #include <vector>
@@ -45,6 +45,8 @@ namespace Orders
 		int choose(const char* what, int options);
 		/** Seconds since the run began. */
 		double now() const { return time; }
+		/** Of those, the ones that passed while somebody could go on. */
+		double hurried() const { return hurriedTime; }
 
 		/** The calling thread, as a number; the one that began the run is 0. */
 		static int self();
@@ -57,11 +59,27 @@ namespace Orders
 		void printTrace() const;
 
 	private:
+		/** Not std's, which spins before it sleeps: here somebody else has always much to do. */
+		class Turn
+		{
+		public:
+			Turn() { sem_init(&semaphore, 0, 0); }
+			void give() { sem_post(&semaphore); }
+			void await()
+			{
+				while (sem_wait(&semaphore) != 0)
+				{
+				}
+			}
+
+		private:
+			sem_t semaphore;
+		};
 		struct Thread
 		{
 			std::string name;
 			int number = 0;
-			std::binary_semaphore turn{0};
+			Turn turn;
 			std::function<void()> body;
 			const std::function<bool()>* isReady = nullptr; // null = it can go on
 			double wakeAt = forever;
@@ -78,7 +96,7 @@ namespace Orders
 		bool canGoOn(const Thread& thread) const;
 		Thread& pick(bool selfCanGoOn);
 		void pass(Thread& next);
-		void letTimePass();
+		double letTimePass();
 		void live(Thread& thread);
 
 		Chooser* chooser = nullptr;
@@ -89,6 +107,7 @@ namespace Orders
 		std::vector<Step> trace;
 		std::map<int, std::string> names;
 		double time = 0;
+		double hurriedTime = 0;
 		int numThreads = 0;
 	};
 } // namespace Orders

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <deque>
+#include <optional>
 
 using Orders::Schedule;
 
@@ -18,8 +19,11 @@ namespace
 	struct FPlayed
 	{
 		std::shared_ptr<FHttpRequest> Request;
+		Orders::Asked Asked;
+		bool bAnswered = false; // which waits for the body
 		Orders::Answer Answer;
 		size_t At = 0; // of the steps: status, headers, blocks, end
+		double LatestEnd = Schedule::forever; // of one that has fallen silent
 	};
 
 	struct FScriptedService
@@ -28,6 +32,8 @@ namespace
 		std::vector<FPlayed> Running;
 		Orders::Server Server;
 		int NumTaken = 0;
+		int NumStarted = 0;
+		bool bMayBreak = false;
 		bool bAccepting = false;
 		bool bRuns = false;
 
@@ -36,7 +42,15 @@ namespace
 		void Begin(const std::shared_ptr<FHttpRequest>& Request);
 		void EndRequest(const std::shared_ptr<FHttpRequest>& Request, FHttpOutcome Outcome);
 		std::vector<size_t> WithSteps() const;
+		double EarliestEnd() const;
 		void Step(FPlayed& Played);
+		void TakePart(FPlayed& Played);
+		void Play(FPlayed& Played);
+		void AnswerIt(FPlayed& Played)
+		{
+			Played.Answer = Server(Played.Asked);
+			Played.bAnswered = true;
+		}
 		void StepBody(FPlayed& Played, size_t Block);
 		void StepEnd(const FPlayed& Played);
 	};
@@ -49,8 +63,8 @@ namespace
 
 	bool hasStep(const FPlayed& Played)
 	{
-		const size_t Steps = 1 + Played.Answer.headers.size() + Played.Answer.blocks.size();
-		return Played.Answer.end != Orders::Answer::End::Silent || Played.At < Steps;
+		return Schedule::the().now() >= Played.LatestEnd || !Played.bAnswered || Played.Answer.end != Orders::Answer::End::Silent ||
+			   Played.At < 1 + Played.Answer.headers.size() + Played.Answer.blocks.size();
 	}
 
 	std::string utf8(const FString& Text)
@@ -63,11 +77,15 @@ namespace
 		for (;;)
 		{
 			const auto HasWork = [this] { return !Commands.empty() || !bAccepting || !WithSteps().empty(); };
-			Schedule::the().waitUntil("looks for work", nullptr, HasWork);
+			Schedule::the().waitUntil("looks for work", nullptr, HasWork, EarliestEnd() - Schedule::the().now());
 			const std::vector<size_t> Ready = WithSteps();
 			if (Commands.empty() && !bAccepting)
 			{
 				break;
+			}
+			if (Commands.empty() && Ready.empty())
+			{
+				continue;
 			}
 			const int Options = static_cast<int>(Ready.size()) + !Commands.empty();
 			const int Taken = Schedule::the().choose("does work", Options);
@@ -112,7 +130,14 @@ namespace
 		++NumTaken;
 		const std::string Address = utf8(Request->GetEffectiveURL());
 		const std::string Path = Address.substr(std::min(Address.size(), Address.find('/', 8)));
-		Running.push_back({Request, Server(Request->Verb, Path, utf8(Request->GetHeader(TEXT("Range")))), 0});
+		const auto Header = [&](const TCHAR* Name) { return utf8(Request->GetHeader(Name)); };
+		FPlayed& Played = Running.emplace_back();
+		Played.Request = Request;
+		Played.Asked = {Request->Verb, Path, Header(TEXT("Range")), Header(TEXT("Upload-Offset"))};
+		if (!Request->Body)
+		{
+			AnswerIt(Played);
+		}
 	}
 
 	void FScriptedService::EndRequest(const std::shared_ptr<FHttpRequest>& Request, FHttpOutcome Outcome)
@@ -134,20 +159,65 @@ namespace
 		return Ready;
 	}
 
+	double FScriptedService::EarliestEnd() const
+	{
+		double Earliest = Schedule::forever;
+		for (const FPlayed& Played : Running)
+		{
+			Earliest = std::min(Earliest, Played.LatestEnd);
+		}
+		return Earliest;
+	}
+
 	void FScriptedService::Step(FPlayed& Played)
+	{
+		if (Schedule::the().now() >= Played.LatestEnd)
+		{
+			return EndRequest(FPlayed(Played).Request, {EHttpFailureReason::ConnectionError, 0});
+		}
+		Played.bAnswered ? Play(Played) : TakePart(Played);
+	}
+
+	/** A third of the body. */
+	void FScriptedService::TakePart(FPlayed& Played)
+	{
+		const std::shared_ptr<FHttpRequest> Request = Played.Request;
+		const bool bBreaks = bMayBreak && NumTaken <= 2 && Schedule::the().choose("the connection breaks", 4) == 1;
+		if (bBreaks && Played.Asked.body.empty())
+		{
+			return EndRequest(Request, {EHttpFailureReason::ConnectionError, 0});
+		}
+		std::string Part(Request->Body->GetSize() / 3 + 1, '\0');
+		const std::optional<size_t> Number = bBreaks ? std::nullopt : Request->Body->Read(Part.data(), Part.size());
+		Played.Asked.body.append(Part, 0, Number.value_or(0));
+		Played.Asked.isWhole = Played.Asked.body.size() == Request->Body->GetSize();
+		if (!Number)
+		{
+			Server(Played.Asked);
+			return EndRequest(Request, {EHttpFailureReason::Other, 0});
+		}
+		if (Played.Asked.isWhole || *Number == 0)
+		{
+			AnswerIt(Played);
+		}
+		Request->NoteSent(Played.Asked.body.size());
+	}
+
+	void FScriptedService::Play(FPlayed& Played)
 	{
 		const size_t Headers = Played.Answer.headers.size();
 		const size_t At = Played.At++;
+		if (!hasStep(Played))
+		{
+			const double Patience = Played.Request->ActivityTimeoutSeconds.value_or(FHttpSettings().activityTimeoutSeconds);
+			Played.LatestEnd = Schedule::the().now() + Patience;
+		}
 		if (Played.Answer.end == Orders::Answer::End::NoConnection || At > Headers + Played.Answer.blocks.size())
 		{
 			StepEnd(FPlayed(Played));
 		}
 		else if (At == 0)
 		{
-			char Byte = 0;
-			while (Played.Request->Body && Played.Request->Body->Read(&Byte, 1).value_or(0) > 0)
-			{
-			}
 			Played.Request->BeginResponse();
 			Played.Request->TakeStatus(Played.Answer.code);
 		}
@@ -191,15 +261,26 @@ namespace
 	}
 } // namespace
 
-void Orders::serveWith(Server server)
+void Orders::serveWith(Server server, bool mayBreak)
 {
 	theService().Server = std::move(server);
-	theService().NumTaken = 0;
+	theService().NumTaken = theService().NumStarted = 0;
+	theService().bMayBreak = mayBreak;
 }
 
 int Orders::requestsTaken()
 {
 	return theService().NumTaken;
+}
+
+int Orders::requestsStarted()
+{
+	return theService().NumStarted;
+}
+
+std::size_t Orders::requestsRunning()
+{
+	return theService().Running.size();
 }
 
 FHttpThread& FHttpThread::Get()
@@ -223,6 +304,7 @@ void FHttpThread::Shutdown()
 
 bool FHttpThread::Start(std::shared_ptr<FHttpRequest> Request)
 {
+	theService().NumStarted += Request->Verb != "DELETE";
 	Schedule::the().point("starts a request", Request.get());
 	if (!theService().bAccepting)
 	{

@@ -15,7 +15,7 @@ namespace Orders
 			Whole,
 			Dropped,
 			NoConnection, // nothing comes
-			Silent // until somebody cancels
+			Silent // until somebody cancels, or patience ends
 		};
 
 		int code = 200;
@@ -24,11 +24,27 @@ namespace Orders
 		End end = End::Whole;
 	};
 
-	/** Is asked for each request that is sent. @param verb, path  as sent. @param range  the value of that header. */
-	using Server = std::function<Answer(const std::string& verb, const std::string& path, const std::string& range)>;
+	/** What a request asks for. */
+	struct Asked
+	{
+		std::string verb;
+		std::string path;
+		std::string range; // as the next, the value of a header
+		std::string offset;
+		std::string body = {};
+		/** Of the body; where it breaks off nobody hears the answer. */
+		bool isWhole = true;
+	};
 
-	/** Who answers from now on. */
-	void serveWith(Server server);
+	/** Is asked for each request, behind its body. */
+	using Server = std::function<Answer(const Asked& asked)>;
+
+	/** Who answers from now on. @param mayBreak  the connections of the first two may break before or amid their bodies. */
+	void serveWith(Server server, bool mayBreak);
 	/** Requests that were taken since then. */
 	int requestsTaken();
+	/** Requests that somebody wanted to have sent since then, but for those that take something back (DELETE). */
+	int requestsStarted();
+	/** Of those that were taken, the ones that have not ended. */
+	std::size_t requestsRunning();
 } // namespace Orders

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Plants faults of order into the modules, one at a time, and tells which of them the scheduler finds.
 
-usage: Tests/Orders/planted.py [BUILD] [RUNS]   (default: build/default, 3000 random orders of each scenario)
+usage: Tests/Orders/planted.py [BUILD] [RUNS]   (default: build/default, 6000 random orders of each scenario)
 
 It changes the sources while it runs and restores them: use a checkout that nobody works in. Ends with 1 unless all are found.
 """
@@ -17,7 +17,7 @@ FAULTS = [
      "while (isPaused && isRunning && jobQueue.IsEmpty())", "while (isPaused && isRunning)", "get"),
     ("the end is read behind the work", "Source/Corvane/Private/Threads/QueueThread.h",
      "const bool bLastRound = bIsEnding; // read first: a job queued before the end is still found\n\t\t\tworkOff(pause);",
-     "workOff(pause);\n\t\t\tconst bool bLastRound = bIsEnding;", "upload"),
+     "workOff(pause);\n\t\t\tconst bool bLastRound = bIsEnding;", "upload/end"),
     ("a mark is set behind the post", "Source/Corvane/Private/Runs/Run.cpp",
      "completionPosted = true;\n\tCorvaneDelivery::completion(corvaneBPLibrary, node, InRequest, MoveTemp(InResult));",
      "CorvaneDelivery::completion(corvaneBPLibrary, node, InRequest, MoveTemp(InResult));\n\tcompletionPosted = true;", "get/again"),
@@ -39,6 +39,16 @@ FAULTS = [
      "const FString Path = InRecord.filePath;\n\taddJob(MoveTemp(InRecord));\n\tchangedFiles.waitForRepair(Path);", "upload"),
     ("an event is told behind the end", "Source/CorvaneTransfers/Private/Events/FollowRun.cpp",
      "while (Machine.MayTell() && HasBytes())", "while (HasBytes())", "follow"),
+    ("an end that is on its way counts as told", "Source/CorvaneTransfers/Private/Events/FollowRun.h",
+     "virtual bool IsOver() const override { return bTold; }", "virtual bool IsOver() const override { return Machine.IsOver(); }", "follow/end"),
+    ("a second step is forgotten when the module goes", "Source/Corvane/Private/Runs/FollowUp.cpp",
+     " || FollowUp.cancelState->programEnds)", ")", "drive/unload"),
+    ("a place in the queue is given back twice", "Source/CorvaneTransfers/Private/Queue/QueueMachine.cpp",
+     "else if (Entry.State == EState::Running)", "else", "queue/pause"),
+    ("an upload's end is told before its file is closed", "Source/CorvaneTransfers/Private/Upload/BodyStream.cpp",
+     "\tFile.Reset();\n\tFCorvaneBodyEnd End;", "\tFCorvaneBodyEnd End;", "upload-file"),
+    ("a stop before the request is lost", "Source/CorvaneTransfers/Private/Tus/TusRun.cpp",
+     "\tif (bStopWanted)\n\t{\n\t\treturn OnSent(FCorvaneTusEnd());\n\t}\n", "", "resumable/cancel"),
     ("a request is named for cancels when it has been sent", "Source/Corvane/Private/Runs/RunList.cpp",
      "if (FRun* Run = runs.Find(RunNumber))\n\t{\n\t\tRun->request = Request;", "if (FRun* Run = runs.Find(RunNumber - 1))\n\t{\n\t\tRun->request = Request;", "get/end"),
 ]
@@ -59,7 +69,7 @@ def orders(build: Path, runs: str, scenario: str) -> str:
 
 def main() -> int:
     build = ROOT / (sys.argv[1] if len(sys.argv) > 1 else "build/default")
-    runs = sys.argv[2] if len(sys.argv) > 2 else "3000"
+    runs = sys.argv[2] if len(sys.argv) > 2 else "6000"
     missed = 0
     for what, name, text, planted, scenario in FAULTS:
         path = ROOT / name

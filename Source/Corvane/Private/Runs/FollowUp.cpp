@@ -74,7 +74,7 @@ namespace CorvaneFollowUp
 
 	static void run(UCorvaneBPLibrary& Library, const FCorvFollowUp& FollowUp)
 	{
-		if (FollowUp.cancelState->isAsked(FollowUp.requestID))
+		if (FollowUp.cancelState->isAsked(FollowUp.requestID) || FollowUp.cancelState->programEnds)
 		{
 			Library.takeCancelMark(FollowUp.requestID);
 			fail(Library, FollowUp);

@@ -284,6 +284,7 @@ void FCorvaneFollowRun::TellEnd()
 	WaitAlarm.Clear();
 	FrameAlarm.Clear();
 	CorvaneRunningTransfers::Remove(*this);
+	bTold = true;
 	const FCorvaneTransferReport& Report = Machine.GetReport();
 	UE_LOG(LogTemp, Display, TEXT("Events: %s, %lld bytes, %d attempts. %s"), *CorvaneAddress::ForLog(URL), Report.TransferredBytes,
 		Report.Attempts, *Report.Sentence);

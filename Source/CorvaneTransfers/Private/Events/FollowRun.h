@@ -48,7 +48,7 @@ public:
 	FCorvaneTransferReport GetReport() const;
 
 	virtual void EndWithProgram() override;
-	virtual bool IsOver() const override { return Machine.IsOver(); }
+	virtual bool IsOver() const override { return bTold; }
 	virtual void Abandon() override;
 	virtual FCorvaneMailbox& GetMailbox() override { return *Mailbox; }
 
@@ -94,4 +94,5 @@ private:
 	bool bTelling = false; // a handler is at work
 	FCorvaneAlarm WaitAlarm;
 	FCorvaneAlarm FrameAlarm;
+	bool bTold = false; // later than the machine is over
 };
