@@ -1,4 +1,5 @@
 #include "Commands.h"
+#include "AddressFault.h"
 #include "Console.h"
 #include "CorvaneFollowEvents.h"
 #include "EndSignals.h"
@@ -6,7 +7,6 @@
 #include "HeaderLine.h"
 #include "InputError.h"
 #include "PinOutput.h"
-#include "RequestChecks.h"
 #include "ValueTransfer.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 #include "AddressList.h"
+#include "AddressFault.h"
 #include "Commands.h"
 #include "Console.h"
 #include "Containers/Ticker.h"
@@ -12,7 +13,6 @@
 #include "PinOutput.h"
 #include "ProgressBar.h"
 #include "ProgressTable.h"
-#include "RequestChecks.h"
 #include "TargetNames.h"
 
 #include <algorithm>

@@ -1,11 +1,11 @@
 #include "Commands.h"
+#include "AddressFault.h"
 #include "Console.h"
 #include "CorvaneBPLibrary.h"
 #include "CorvaneTransfer.h"
 #include "EndSignals.h"
 #include "ExchangeLines.h"
 #include "InputError.h"
-#include "RequestChecks.h"
 #include "UnfinishedFiles.h"
 
 #include <fmt/format.h>

@@ -1,4 +1,5 @@
 #include "Commands.h"
+#include "AddressFault.h"
 #include "Console.h"
 #include "CorvaneUploadFile.h"
 #include "CorvaneUploadForm.h"
@@ -9,7 +10,6 @@
 #include "JsonValues.h"
 #include "PinOutput.h"
 #include "ProgressBar.h"
-#include "RequestChecks.h"
 #include "TargetNames.h"
 
 #include <cstdlib>

@@ -41,6 +41,16 @@ namespace Lab
 			return line;
 		}
 
+		std::string escaped(std::string_view bytes)
+		{
+			std::string text;
+			for (const char byte : bytes)
+			{
+				text += escaped(static_cast<unsigned char>(byte));
+			}
+			return text;
+		}
+
 		void appendLines(std::string& text, char mark, std::string_view bytes)
 		{
 			std::string line;
@@ -166,7 +176,7 @@ namespace Lab
 
 	std::string print(const RecordedExchange& exchange)
 	{
-		std::string text = "\nrequest " + requestLineOf(exchange.request) + '\n';
+		std::string text = "\nrequest " + escaped(requestLineOf(exchange.request)) + '\n';
 		appendLines(text, '>', exchange.request);
 		for (const RawPiece& piece : exchange.answer.pieces)
 		{

@@ -19,6 +19,20 @@ namespace Lab
 		return made;
 	}();
 
+	namespace
+	{
+		/** The parser ends a head there, and takes what follows for a body or the next request. */
+		bool hasBareLineFeed(std::string_view head)
+		{
+			std::size_t place = head.find('\n');
+			while (place != head.npos && place > 0 && head[place - 1] == '\r')
+			{
+				place = head.find('\n', place + 1);
+			}
+			return place != head.npos;
+		}
+	} // namespace
+
 	RequestReader::RequestReader()
 		: parser()
 		, current(std::make_shared<Request>())
@@ -29,7 +43,12 @@ namespace Lab
 
 	bool RequestReader::readHead()
 	{
+		constexpr std::string_view lineEnd = "\r\n";
 		constexpr std::string_view emptyLine = "\r\n\r\n";
+		while (unread.starts_with(lineEnd))
+		{
+			unread.erase(0, lineEnd.size()); // some clients send one behind a body
+		}
 		const std::size_t end = unread.find(emptyLine);
 		if (end == unread.npos)
 		{
@@ -40,6 +59,10 @@ namespace Lab
 		isNameOpen = isMessageOver = false;
 		current->head = unread.substr(0, end + emptyLine.size());
 		unread.erase(0, current->head.size());
+		if (hasBareLineFeed(current->head))
+		{
+			throw std::invalid_argument("a line of the head ends without a carriage return");
+		}
 		http_parser_init(&parser, HTTP_REQUEST);
 		parser.data = this;
 		const std::size_t parsed = http_parser_execute(&parser, &settings, current->head.data(), current->head.size());

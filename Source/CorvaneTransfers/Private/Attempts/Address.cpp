@@ -17,7 +17,8 @@ namespace CorvaneAddressParts
 	static int32 AuthorityBegin(const FString& URL)
 	{
 		const int32 Scheme = URL.Find(TEXT("://"), ESearchCase::CaseSensitive, ESearchDir::FromStart);
-		return Scheme < 0 ? 0 : Scheme + 3;
+		const bool bBegins = Scheme >= 0 && FindAny(URL, 0, TEXT("/?#")) > Scheme; // else it stands in a path or a query
+		return bBegins ? Scheme + 3 : 0;
 	}
 
 	/** @return where the host begins: behind the last @ before the path. */
