@@ -2,6 +2,7 @@
 
 #include "Attempts/Address.h"
 
+#include "AddressFault.h"
 #include "AddressList.h"
 #include "Drive/DrivePage.h"
 #include "Fuzz.h"
@@ -49,7 +50,7 @@ namespace
 	{
 		const std::string Name = Program::fileNameOf(Address);
 		HOST_CHECK(!Name.empty() && Name != "." && Name != ".." && Name.find_first_of(std::string_view("/\\\0", 3)) == Name.npos);
-		HOST_CHECK(!Program::isFolder(Program::addressFor(Address, "a b")) || !Program::isFolder(Address));
+		HOST_CHECK(!Program::addressFault(Address).empty() || !Program::isFolder(Program::addressFor(Address, "a b")));
 		try
 		{
 			for (const Program::ListedAddress& Listed : Program::readAddressList(Address, "list"))

@@ -14,7 +14,7 @@ namespace
 	/** Part of an input may come again and again, for what stands deep in one another. */
 	std::string Unfold(FFuzzInput& Input)
 	{
-		const int64 Times = Input.Number(0, 2000);
+		const int64 Times = Input.Number(0, 100);
 		std::string Text, Again(Input.Field());
 		for (int64 Time = 0; Time < Times; ++Time)
 		{

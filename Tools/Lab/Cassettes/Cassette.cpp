@@ -10,6 +10,7 @@ namespace Lab
 	namespace
 	{
 		constexpr std::size_t widest = 110; // bytes of a line, escaped
+		constexpr Milliseconds longestPause = std::chrono::hours(24);
 
 		std::string escaped(unsigned char byte)
 		{
@@ -155,8 +156,8 @@ namespace Lab
 			{
 				double number = 0;
 				const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-				const bool isPause = error == std::errc() && end == text.data() + text.size() && number >= 0;
-				return isPause ? Milliseconds(number) : throw std::invalid_argument("after @ stands a number of milliseconds");
+				const bool isPause = error == std::errc() && end == text.data() + text.size() && number >= 0 && number <= longestPause.count();
+				return isPause ? Milliseconds(number) : throw std::invalid_argument("after @ stands a number of milliseconds, a day at most");
 			}
 		};
 
@@ -164,7 +165,7 @@ namespace Lab
 		{
 			std::array<char, 32> digits{};
 			return std::string(
-				digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), pause.count(), std::chars_format::fixed, 1).ptr);
+				digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), std::min(pause, longestPause).count(), std::chars_format::fixed, 1).ptr);
 		}
 	} // namespace
 

@@ -19,20 +19,6 @@ namespace Lab
 		return made;
 	}();
 
-	namespace
-	{
-		/** The parser ends a head there, and takes what follows for a body or the next request. */
-		bool hasBareLineFeed(std::string_view head)
-		{
-			std::size_t place = head.find('\n');
-			while (place != head.npos && place > 0 && head[place - 1] == '\r')
-			{
-				place = head.find('\n', place + 1);
-			}
-			return place != head.npos;
-		}
-	} // namespace
-
 	RequestReader::RequestReader()
 		: parser()
 		, current(std::make_shared<Request>())
@@ -43,12 +29,8 @@ namespace Lab
 
 	bool RequestReader::readHead()
 	{
-		constexpr std::string_view lineEnd = "\r\n";
 		constexpr std::string_view emptyLine = "\r\n\r\n";
-		while (unread.starts_with(lineEnd))
-		{
-			unread.erase(0, lineEnd.size()); // some clients send one behind a body
-		}
+		unread.erase(0, unread.find_first_not_of("\r\n")); // some clients send an empty line behind a body
 		const std::size_t end = unread.find(emptyLine);
 		if (end == unread.npos)
 		{
@@ -59,17 +41,19 @@ namespace Lab
 		isNameOpen = isMessageOver = false;
 		current->head = unread.substr(0, end + emptyLine.size());
 		unread.erase(0, current->head.size());
-		if (hasBareLineFeed(current->head))
-		{
-			throw std::invalid_argument("a line of the head ends without a carriage return");
-		}
 		http_parser_init(&parser, HTTP_REQUEST);
 		parser.data = this;
+		isInHead = true;
 		const std::size_t parsed = http_parser_execute(&parser, &settings, current->head.data(), current->head.size());
+		isInHead = false;
 		const auto error = static_cast<http_errno>(parser.http_errno);
-		if (error != HPE_OK || (parsed != current->head.size() && !parser.upgrade))
+		if (error != HPE_OK && error != HPE_CB_url && error != HPE_CB_body)
 		{
 			throw std::invalid_argument(http_errno_description(error));
+		}
+		if (error != HPE_OK || (parsed != current->head.size() && !parser.upgrade) || current->method.empty())
+		{
+			throw std::invalid_argument("the head has no request line, or ends before its empty line");
 		}
 		return true;
 	}
@@ -119,10 +103,12 @@ namespace Lab
 		digest.reset();
 	}
 
+	/** The parser is content with lines that end otherwise, and so may find the head's end too early, and another request in it. */
 	int RequestReader::takeTarget(http_parser* parser, const char* bytes, std::size_t size)
 	{
-		static_cast<RequestReader*>(parser->data)->current->target.append(bytes, size);
-		return 0;
+		Request& request = *static_cast<RequestReader*>(parser->data)->current;
+		request.target.append(bytes, size);
+		return request.method.empty() ? 0 : 1;
 	}
 
 	int RequestReader::takeName(http_parser* parser, const char* bytes, std::size_t size)
@@ -160,8 +146,9 @@ namespace Lab
 
 	int RequestReader::takeChunkedBody(http_parser* parser, const char* bytes, std::size_t size)
 	{
-		static_cast<RequestReader*>(parser->data)->takeBody({bytes, size});
-		return 0;
+		RequestReader& self = *static_cast<RequestReader*>(parser->data);
+		self.takeBody({bytes, size});
+		return self.isInHead ? 1 : 0;
 	}
 
 	/** Paused, so that the next request stays where it is. */

@@ -55,8 +55,7 @@ namespace CorvanePageReading
 		{
 			return MAX_int64;
 		}
-		const bool bIsNumber = Value == Value;
-		return bIsNumber ? static_cast<int64>(FMath::Max(Value, -beyondInt64)) : 0;
+		return Value > 0 ? static_cast<int64>(Value) : 0; // what is no number is not above it, either
 	}
 } // namespace CorvanePageReading
 
