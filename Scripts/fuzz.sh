@@ -20,6 +20,7 @@ if [ ${#targets[@]} -eq 0 ]; then
 	mapfile -t targets < <(basename -s .cpp Tests/Fuzz/*.cpp)
 fi
 
+Scripts/setup.sh --check
 [ -f build/fuzz/build.ninja ] || cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz --target "${targets[@]/#/Fuzz}"
 

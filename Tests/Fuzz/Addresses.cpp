@@ -79,5 +79,6 @@ FUZZ(Input)
 	CheckNames(std::string(Second));
 	const FString Asked = CorvaneDrive::MakeAddress(TEXT("https://drive.test"), Link);
 	HOST_CHECK(!CorvaneDrive::FindIDFault(Link).IsEmpty() || IsSame(CorvaneDrive::FindID(TEXT("https://drive.test"), Asked), Link));
-	HOST_CHECK(ToBytes(FGenericPlatformHttp::UrlEncode(Link)).find_first_not_of("%0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz-._~") == std::string::npos);
+	HOST_CHECK(ToBytes(FGenericPlatformHttp::UrlEncode(Link))
+				   .find_first_not_of("%0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz-._~") == std::string::npos);
 }

@@ -42,7 +42,8 @@ namespace
 		const Json First = Written(Type, Value);
 		if (Type.Kind == EPropertyKind::Enum || Type.Kind == EPropertyKind::DateTime)
 		{
-			HOST_CHECK(Parsed.is_number() || Parsed.get<std::string>().size() == First.get<std::string>().size()); // no byte of it is passed over
+			HOST_CHECK(
+				Parsed.is_number() || Parsed.get<std::string>().size() == First.get<std::string>().size()); // no byte of it is passed over
 		}
 		if (HasWord(First))
 		{
@@ -69,10 +70,11 @@ namespace
 FUZZ(Input)
 {
 	static const FPropertyType* const Types[] = {&PropertyTypeOf<bool>(), &PropertyTypeOf<uint8>(), &PropertyTypeOf<int32>(),
-		&PropertyTypeOf<int64>(), &PropertyTypeOf<float>(), &PropertyTypeOf<double>(), &PropertyTypeOf<FString>(), &PropertyTypeOf<FDateTime>(),
-		&PropertyTypeOf<ESampleColour>(), &PropertyTypeOf<TArray<uint8>>(), &PropertyTypeOf<TArray<FString>>(), &PropertyTypeOf<TArray<int32>>(),
-		&PropertyTypeOf<TMap<FString, FString>>(), &PropertyTypeOf<TMap<FString, int32>>(), &PropertyTypeOf<FSampleOptions>(),
-		&PropertyTypeOf<TArray<FSampleOptions>>(), &PropertyTypeOf<USampleLibrary*>()};
+		&PropertyTypeOf<int64>(), &PropertyTypeOf<float>(), &PropertyTypeOf<double>(), &PropertyTypeOf<FString>(),
+		&PropertyTypeOf<FDateTime>(), &PropertyTypeOf<ESampleColour>(), &PropertyTypeOf<TArray<uint8>>(),
+		&PropertyTypeOf<TArray<FString>>(), &PropertyTypeOf<TArray<int32>>(), &PropertyTypeOf<TMap<FString, FString>>(),
+		&PropertyTypeOf<TMap<FString, int32>>(), &PropertyTypeOf<FSampleOptions>(), &PropertyTypeOf<TArray<FSampleOptions>>(),
+		&PropertyTypeOf<USampleLibrary*>()};
 	const std::string_view Kind = Input.Field();
 	const std::string Word(Input.Rest());
 	if (!Kind.empty())

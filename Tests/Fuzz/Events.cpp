@@ -42,7 +42,8 @@ namespace
 					Read.bTooLong = Step == ECorvaneEventStep::TooLong;
 					if (Step == ECorvaneEventStep::Event)
 					{
-						Read.Events.push_back({std::string(ViewOf(Parser.GetData())), std::string(ViewOf(Parser.GetType())), std::string(ViewOf(Parser.GetLastID()))});
+						Read.Events.push_back({std::string(ViewOf(Parser.GetData())), std::string(ViewOf(Parser.GetType())),
+							std::string(ViewOf(Parser.GetLastID()))});
 						HOST_CHECK(Parser.GetData().Num() <= Most);
 					}
 				}

@@ -32,7 +32,8 @@ namespace
 	{
 		using enum ECorvaneTusVerdict;
 		const int64 Offset = FCorvaneTusHeaders::Read(Answer).Offset;
-		HOST_CHECK(CorvaneTus::JudgeCreation(Answer, End).Verdict != Created || (Answer.IsSuccess() && !Answer.Kept.FindRef(TEXT("Location")).IsEmpty()));
+		HOST_CHECK(CorvaneTus::JudgeCreation(Answer, End).Verdict != Created ||
+				   (Answer.IsSuccess() && !Answer.Kept.FindRef(TEXT("Location")).IsEmpty()));
 		HOST_CHECK(CorvaneTus::JudgeOffset(Answer, End).Verdict != Told || (Offset >= 0 && Offset <= End));
 		HOST_CHECK(CorvaneTus::JudgePiece(Answer, Start, End).Verdict != Told || (Offset >= Start && Offset <= End));
 	}

@@ -13,13 +13,16 @@ namespace
 	{
 		HOST_CHECK(A.ValidBytes == B.ValidBytes && A.bHasSource == B.bHasSource && A.bWhole == B.bWhole && A.bToldApart == B.bToldApart);
 		HOST_CHECK(IsSame(A.Source.Address, B.Source.Address) && IsSame(A.Source.ETag, B.Source.ETag) && A.Source.Total == B.Source.Total);
-		HOST_CHECK(IsSame(A.Source.LastModified, B.Source.LastModified) && A.Kept.Length == B.Kept.Length && IsSame(A.Kept.TailHash, B.Kept.TailHash));
+		HOST_CHECK(IsSame(A.Source.LastModified, B.Source.LastModified) && A.Kept.Length == B.Kept.Length &&
+				   IsSame(A.Kept.TailHash, B.Kept.TailHash));
 	}
 	void CheckSame(const FCorvaneTusJournal& A, const FCorvaneTusJournal& B)
 	{
 		HOST_CHECK(A.ValidBytes == B.ValidBytes && IsSame(A.Upload.Address, B.Upload.Address) && IsSame(A.Endpoint, B.Endpoint));
-		HOST_CHECK(A.Upload.Expires.GetTicks() == B.Upload.Expires.GetTicks() && IsSame(A.File.Path, B.File.Path) && A.File.Size == B.File.Size);
-		HOST_CHECK(A.File.ChangedAt.GetTicks() == B.File.ChangedAt.GetTicks() && A.Kept.Length == B.Kept.Length && IsSame(A.Kept.TailHash, B.Kept.TailHash));
+		HOST_CHECK(
+			A.Upload.Expires.GetTicks() == B.Upload.Expires.GetTicks() && IsSame(A.File.Path, B.File.Path) && A.File.Size == B.File.Size);
+		HOST_CHECK(A.File.ChangedAt.GetTicks() == B.File.ChangedAt.GetTicks() && A.Kept.Length == B.Kept.Length &&
+				   IsSame(A.Kept.TailHash, B.Kept.TailHash));
 	}
 
 	/** The bytes up to the last good line tell what all of them tell, and a line behind them is good, too. */

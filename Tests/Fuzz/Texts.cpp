@@ -25,7 +25,9 @@ FUZZ(Input)
 	FCorvaneHashWish Wish;
 	if (FCorvaneHashWish::Parse(Text, Wish) && !Text.IsEmpty())
 	{
-		const FString Name = Wish.Kind == ECorvaneHashKind::Md5 ? TEXT("md5") : Wish.Kind == ECorvaneHashKind::Sha1 ? TEXT("sha1") : TEXT("sha256");
+		const FString Name = Wish.Kind == ECorvaneHashKind::Md5    ? TEXT("md5")
+							 : Wish.Kind == ECorvaneHashKind::Sha1 ? TEXT("sha1")
+																   : TEXT("sha256");
 		HOST_CHECK((Wish.Expected.IsEmpty() ? Name : Name + TEXT(":") + Wish.Expected).Equals(Text, ESearchCase::IgnoreCase));
 	}
 

@@ -1,5 +1,5 @@
-#include "Commands.h"
 #include "AddressFault.h"
+#include "Commands.h"
 #include "Console.h"
 #include "CorvaneFollowEvents.h"
 #include "EndSignals.h"

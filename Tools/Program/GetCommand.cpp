@@ -1,5 +1,5 @@
-#include "AddressList.h"
 #include "AddressFault.h"
+#include "AddressList.h"
 #include "Commands.h"
 #include "Console.h"
 #include "Containers/Ticker.h"

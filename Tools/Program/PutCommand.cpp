@@ -1,5 +1,5 @@
-#include "Commands.h"
 #include "AddressFault.h"
+#include "Commands.h"
 #include "Console.h"
 #include "CorvaneUploadFile.h"
 #include "CorvaneUploadForm.h"

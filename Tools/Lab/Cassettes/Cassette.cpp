@@ -156,16 +156,19 @@ namespace Lab
 			{
 				double number = 0;
 				const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-				const bool isPause = error == std::errc() && end == text.data() + text.size() && number >= 0 && number <= longestPause.count();
-				return isPause ? Milliseconds(number) : throw std::invalid_argument("after @ stands a number of milliseconds, a day at most");
+				const bool isPause =
+					error == std::errc() && end == text.data() + text.size() && number >= 0 && number <= longestPause.count();
+				return isPause ? Milliseconds(number)
+							   : throw std::invalid_argument("after @ stands a number of milliseconds, a day at most");
 			}
 		};
 
 		std::string printed(Milliseconds pause)
 		{
 			std::array<char, 32> digits{};
-			return std::string(
-				digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), std::min(pause, longestPause).count(), std::chars_format::fixed, 1).ptr);
+			return std::string(digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(),
+												  std::min(pause, longestPause).count(), std::chars_format::fixed, 1)
+												  .ptr);
 		}
 	} // namespace
 

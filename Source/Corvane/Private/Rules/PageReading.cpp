@@ -55,7 +55,8 @@ namespace CorvanePageReading
 		{
 			return MAX_int64;
 		}
-		return Value > 0 ? static_cast<int64>(Value) : 0; // what is no number is not above it, either
+		const bool bIsNumber = Value == Value;
+		return bIsNumber ? static_cast<int64>(FMath::Max(Value, -beyondInt64)) : 0;
 	}
 } // namespace CorvanePageReading
 

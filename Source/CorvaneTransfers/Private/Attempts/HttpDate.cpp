@@ -54,7 +54,9 @@ namespace CorvaneHttpDateParts
 		const int64 Minute = CorvaneAnswer::ParseNumber(Text.Mid(3, 2));
 		const int64 Second = CorvaneAnswer::ParseNumber(Text.Mid(6));
 		const bool bInside = Hour >= 0 && Hour < 24 && Minute >= 0 && Minute < 60 && Second >= 0 && Second <= 60;
-		return Text.Len() == 8 && Text[2] == TEXT(':') && Text[5] == TEXT(':') && bInside ? (Hour * 60 + Minute) * 60 + FMath::Min<int64>(Second, 59) : -1;
+		return Text.Len() == 8 && Text[2] == TEXT(':') && Text[5] == TEXT(':') && bInside
+				   ? (Hour * 60 + Minute) * 60 + FMath::Min<int64>(Second, 59)
+				   : -1;
 	}
 
 	static FDateTime Make(int64 Year, int64 Month, int64 Day, int64 Time)
