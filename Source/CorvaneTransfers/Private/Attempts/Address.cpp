@@ -3,10 +3,19 @@
 namespace CorvaneAddressParts
 {
 	/** Where the first of some characters stands, from a place on; the end of the text when none does. */
-	static int32 FindAny(const FString& Text, int32 From, const FString& Wanted)
+	static int32 FindAny(const FString& Text, int32 From, const TCHAR* Wanted)
 	{
+		const auto IsWanted = [Wanted](TCHAR Unit)
+		{
+			const TCHAR* Each = Wanted;
+			while (*Each != 0 && *Each != Unit)
+			{
+				++Each;
+			}
+			return *Each != 0;
+		};
 		int32 At = From;
-		while (At < Text.Len() && !Wanted.Contains(Text.Mid(At, 1), ESearchCase::CaseSensitive))
+		while (At < Text.Len() && !IsWanted(Text[At]))
 		{
 			++At;
 		}
