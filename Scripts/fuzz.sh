@@ -27,7 +27,7 @@ cmake --build --preset fuzz --target "${targets[@]/#/Fuzz}"
 # One target, and one line of what came of it.
 fuzz() {
 	local target=$1 found=build/fuzz/Found/$1 findings=build/fuzz/Findings/$1 failed=
-	local options=("$2" -max_len=1024 -timeout=20 -rss_limit_mb=2048 -print_final_stats=1 "-artifact_prefix=$findings/")
+	local options=("$2" -max_len=1024 -timeout=60 -rss_limit_mb=2048 -print_final_stats=1 "-artifact_prefix=$findings/")
 	[ ! -f "Tests/Fuzz/$target.dict" ] || options+=("-dict=Tests/Fuzz/$target.dict")
 	mkdir -p "$found" "$findings"
 	"build/fuzz/Tests/Fuzz/$target" "${options[@]}" "$found" "Tests/Fuzz/Corpus/$target" >"$findings/log" 2>&1 || failed=1
