@@ -18,7 +18,7 @@ for option in "$@"; do
 		packages+=(python3-werkzeug python3-aiohttp php-cli)
 		;;
 	--check)
-		packages+=(clang clang-format python3-clang g++-mingw-w64-x86-64-posix dpkg-dev file man-db groff-base debootstrap chromium)
+		packages+=(clang libclang-rt-dev llvm clang-format python3-clang g++-mingw-w64-x86-64-posix dpkg-dev file man-db groff-base debootstrap chromium)
 		;;
 	--bench) packages+=(curl wget aria2) ;;
 	*)

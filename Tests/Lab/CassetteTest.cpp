@@ -143,7 +143,7 @@ TEST(Cassette, SaysWhichLineIsWrong)
 		{"", "this is no cassette: its first line has to be 'corvane cassette 1'"},
 		{"> a", "line 2: an exchange begins with 'request'"},
 		{"request\n\n# more\n> \\q", "line 5: a backslash stands before r, n, t, x with two digits, or another backslash"},
-		{"request\n@ soon", "line 3: after @ stands a number of milliseconds"},
+		{"request\n@ soon", "line 3: after @ stands a number of milliseconds, a day at most"},
 		{"request\nend", "line 3: a line begins with request, >, <, @, end close or end reset"},
 	};
 	for (const auto& [text, fault] : cases)

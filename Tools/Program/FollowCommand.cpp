@@ -1,3 +1,4 @@
+#include "AddressFault.h"
 #include "Commands.h"
 #include "Console.h"
 #include "CorvaneFollowEvents.h"
@@ -6,7 +7,6 @@
 #include "HeaderLine.h"
 #include "InputError.h"
 #include "PinOutput.h"
-#include "RequestChecks.h"
 #include "ValueTransfer.h"
 
 #include <algorithm>

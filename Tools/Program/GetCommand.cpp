@@ -1,3 +1,4 @@
+#include "AddressFault.h"
 #include "AddressList.h"
 #include "Commands.h"
 #include "Console.h"
@@ -12,7 +13,6 @@
 #include "PinOutput.h"
 #include "ProgressBar.h"
 #include "ProgressTable.h"
-#include "RequestChecks.h"
 #include "TargetNames.h"
 
 #include <algorithm>

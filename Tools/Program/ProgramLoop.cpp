@@ -1,3 +1,4 @@
+#include "AddressFault.h"
 #include "Commands.h"
 #include "Console.h"
 #include "CorvaneBPLibrary.h"
@@ -5,7 +6,6 @@
 #include "EndSignals.h"
 #include "ExchangeLines.h"
 #include "InputError.h"
-#include "RequestChecks.h"
 #include "UnfinishedFiles.h"
 
 #include <fmt/format.h>

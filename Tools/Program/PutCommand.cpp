@@ -1,3 +1,4 @@
+#include "AddressFault.h"
 #include "Commands.h"
 #include "Console.h"
 #include "CorvaneUploadFile.h"
@@ -9,7 +10,6 @@
 #include "JsonValues.h"
 #include "PinOutput.h"
 #include "ProgressBar.h"
-#include "RequestChecks.h"
 #include "TargetNames.h"
 
 #include <cstdlib>

@@ -57,9 +57,16 @@ namespace Reflect
 			return toFString(text);
 		}
 
+		/** Names and moments are looked at up to the first zero: what has one is neither. */
+		std::optional<std::string_view> textWithoutZero(const Source& source)
+		{
+			const std::optional<std::string_view> text = source.text();
+			return text && text->find('\0') == text->npos ? text : std::nullopt;
+		}
+
 		void readDateTime(const FPropertyType& type, const Source& source, void* value)
 		{
-			if (!FDateTime::ParseIso8601(*readText(type, source), *static_cast<FDateTime*>(value)))
+			if (!textWithoutZero(source) || !FDateTime::ParseIso8601(*readText(type, source), *static_cast<FDateTime*>(value)))
 			{
 				source.refuse(type);
 			}
@@ -68,7 +75,7 @@ namespace Reflect
 		/** Takes the number or the name. Numbers without a name are refused: native code relies on knowing every case. */
 		void readEnum(const FPropertyType& type, const Source& source, void* value)
 		{
-			const std::optional<std::string_view> name = source.text();
+			const std::optional<std::string_view> name = textWithoutZero(source);
 			const FEnumerator* const entry = name ? type.Enum()->FindByName(std::string(*name).c_str())
 												  : type.Enum()->FindByValue(needed(source.integer(), type, source));
 			if (!entry)

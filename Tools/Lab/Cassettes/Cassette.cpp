@@ -10,6 +10,7 @@ namespace Lab
 	namespace
 	{
 		constexpr std::size_t widest = 110; // bytes of a line, escaped
+		constexpr Milliseconds longestPause = std::chrono::hours(24);
 
 		std::string escaped(unsigned char byte)
 		{
@@ -39,6 +40,16 @@ namespace Lab
 				line.replace(line.size() - 1, 1, "\\x20");
 			}
 			return line;
+		}
+
+		std::string escaped(std::string_view bytes)
+		{
+			std::string text;
+			for (const char byte : bytes)
+			{
+				text += escaped(static_cast<unsigned char>(byte));
+			}
+			return text;
 		}
 
 		void appendLines(std::string& text, char mark, std::string_view bytes)
@@ -145,16 +156,19 @@ namespace Lab
 			{
 				double number = 0;
 				const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-				const bool isPause = error == std::errc() && end == text.data() + text.size() && number >= 0;
-				return isPause ? Milliseconds(number) : throw std::invalid_argument("after @ stands a number of milliseconds");
+				const bool isPause =
+					error == std::errc() && end == text.data() + text.size() && number >= 0 && number <= longestPause.count();
+				return isPause ? Milliseconds(number)
+							   : throw std::invalid_argument("after @ stands a number of milliseconds, a day at most");
 			}
 		};
 
 		std::string printed(Milliseconds pause)
 		{
 			std::array<char, 32> digits{};
-			return std::string(
-				digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), pause.count(), std::chars_format::fixed, 1).ptr);
+			return std::string(digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(),
+												  std::min(pause, longestPause).count(), std::chars_format::fixed, 1)
+												  .ptr);
 		}
 	} // namespace
 
@@ -166,7 +180,7 @@ namespace Lab
 
 	std::string print(const RecordedExchange& exchange)
 	{
-		std::string text = "\nrequest " + requestLineOf(exchange.request) + '\n';
+		std::string text = "\nrequest " + escaped(requestLineOf(exchange.request)) + '\n';
 		appendLines(text, '>', exchange.request);
 		for (const RawPiece& piece : exchange.answer.pieces)
 		{

@@ -30,6 +30,7 @@ namespace Lab
 	bool RequestReader::readHead()
 	{
 		constexpr std::string_view emptyLine = "\r\n\r\n";
+		unread.erase(0, unread.find_first_not_of("\r\n")); // some clients send an empty line behind a body
 		const std::size_t end = unread.find(emptyLine);
 		if (end == unread.npos)
 		{
@@ -42,11 +43,17 @@ namespace Lab
 		unread.erase(0, current->head.size());
 		http_parser_init(&parser, HTTP_REQUEST);
 		parser.data = this;
+		isInHead = true;
 		const std::size_t parsed = http_parser_execute(&parser, &settings, current->head.data(), current->head.size());
+		isInHead = false;
 		const auto error = static_cast<http_errno>(parser.http_errno);
-		if (error != HPE_OK || (parsed != current->head.size() && !parser.upgrade))
+		if (error != HPE_OK && error != HPE_CB_url && error != HPE_CB_body)
 		{
 			throw std::invalid_argument(http_errno_description(error));
+		}
+		if (error != HPE_OK || (parsed != current->head.size() && !parser.upgrade) || current->method.empty())
+		{
+			throw std::invalid_argument("the head has no request line, or ends before its empty line");
 		}
 		return true;
 	}
@@ -96,10 +103,12 @@ namespace Lab
 		digest.reset();
 	}
 
+	/** The parser is content with lines that end otherwise, and so may find the head's end too early, and another request in it. */
 	int RequestReader::takeTarget(http_parser* parser, const char* bytes, std::size_t size)
 	{
-		static_cast<RequestReader*>(parser->data)->current->target.append(bytes, size);
-		return 0;
+		Request& request = *static_cast<RequestReader*>(parser->data)->current;
+		request.target.append(bytes, size);
+		return request.method.empty() ? 0 : 1;
 	}
 
 	int RequestReader::takeName(http_parser* parser, const char* bytes, std::size_t size)
@@ -137,8 +146,9 @@ namespace Lab
 
 	int RequestReader::takeChunkedBody(http_parser* parser, const char* bytes, std::size_t size)
 	{
-		static_cast<RequestReader*>(parser->data)->takeBody({bytes, size});
-		return 0;
+		RequestReader& self = *static_cast<RequestReader*>(parser->data);
+		self.takeBody({bytes, size});
+		return self.isInHead ? 1 : 0;
 	}
 
 	/** Paused, so that the next request stays where it is. */

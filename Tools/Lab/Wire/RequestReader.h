@@ -60,6 +60,7 @@ namespace Lab
 		std::shared_ptr<Request> current;
 		std::unique_ptr<Md5> digest; // of the body; null = none yet
 		Intake taking;
+		bool isInHead = false; // it is being parsed
 		bool isNameOpen = false;
 		bool isMessageOver = false;
 	};

@@ -1,7 +1,7 @@
 #include "AddressList.h"
 
+#include "AddressFault.h"
 #include "InputError.h"
-#include "RequestChecks.h"
 
 #include <filesystem>
 #include <fmt/format.h>

@@ -2,8 +2,6 @@
 
 #include "CallFrame.h"
 
-#include <string>
-
 namespace Program
 {
 	/**
@@ -11,7 +9,4 @@ namespace Program
 	 * Functions that make no request pass. Throws InputError.
 	 */
 	void checkRequest(const Reflect::Function& function, const Reflect::CallFrame& frame);
-
-	/** @return what is wrong with a text that shall be an address; empty = nothing. */
-	std::string addressFault(const std::string& address);
 } // namespace Program

@@ -10,7 +10,8 @@ FString CorvaneRules::shownAddress(const FString& Url)
 	FString Shown = Url.Left(End);
 	FString Scheme;
 	FString Rest = Shown;
-	const bool bHasScheme = Shown.Split(TEXT("://"), &Scheme, &Rest);
+	const bool bHasScheme = Shown.Split(TEXT("://"), &Scheme, &Rest) && !Scheme.Contains(TEXT("/"));
+	Rest = bHasScheme ? Rest : Shown; // what stands in a path is no scheme
 	FString Host = Rest;
 	FString Path;
 	const bool bHasPath = Rest.Split(TEXT("/"), &Host, &Path);

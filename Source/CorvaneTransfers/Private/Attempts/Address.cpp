@@ -3,10 +3,19 @@
 namespace CorvaneAddressParts
 {
 	/** Where the first of some characters stands, from a place on; the end of the text when none does. */
-	static int32 FindAny(const FString& Text, int32 From, const FString& Wanted)
+	static int32 FindAny(const FString& Text, int32 From, const TCHAR* Wanted)
 	{
+		const auto IsWanted = [Wanted](TCHAR Unit)
+		{
+			const TCHAR* Each = Wanted;
+			while (*Each != 0 && *Each != Unit)
+			{
+				++Each;
+			}
+			return *Each != 0;
+		};
 		int32 At = From;
-		while (At < Text.Len() && !Wanted.Contains(Text.Mid(At, 1), ESearchCase::CaseSensitive))
+		while (At < Text.Len() && !IsWanted(Text[At]))
 		{
 			++At;
 		}
@@ -17,7 +26,8 @@ namespace CorvaneAddressParts
 	static int32 AuthorityBegin(const FString& URL)
 	{
 		const int32 Scheme = URL.Find(TEXT("://"), ESearchCase::CaseSensitive, ESearchDir::FromStart);
-		return Scheme < 0 ? 0 : Scheme + 3;
+		const bool bBegins = Scheme >= 0 && FindAny(URL, 0, TEXT("/?#")) > Scheme; // else it stands in a path or a query
+		return bBegins ? Scheme + 3 : 0;
 	}
 
 	/** @return where the host begins: behind the last @ before the path. */

@@ -21,7 +21,8 @@ namespace CorvaneAnswerParts
 	{
 		const int64 Changed = CorvaneHttpDate::Parse(LastModified).GetTicks();
 		const int64 Told = CorvaneHttpDate::Parse(Date).GetTicks();
-		return Changed > 0 && (Date.IsEmpty() || Told - Changed >= 60 * ETimespan::TicksPerSecond);
+		const bool bMarked = LastModified.StartsWith(WeakMark, ESearchCase::CaseSensitive); // as on disk, a weak one is
+		return Changed > 0 && !bMarked && (Date.IsEmpty() || Told - Changed >= 60 * ETimespan::TicksPerSecond);
 	}
 
 	static bool IsSame(const FString& A, const FString& B)

@@ -47,14 +47,16 @@ namespace CorvaneHttpDateParts
 		return Text.Len() == 4 && Year > 0 ? Year : -1;
 	}
 
-	/** @return seconds since midnight; -1 for no time of the day. */
+	/** @return seconds since midnight, a leap second's being those of the one before it; -1 for no time of the day. */
 	static int64 ReadTime(const FString& Text)
 	{
 		const int64 Hour = CorvaneAnswer::ParseNumber(Text.Left(2));
 		const int64 Minute = CorvaneAnswer::ParseNumber(Text.Mid(3, 2));
 		const int64 Second = CorvaneAnswer::ParseNumber(Text.Mid(6));
-		const bool bInside = Hour >= 0 && Hour < 24 && Minute >= 0 && Minute < 60 && Second >= 0 && Second <= 60; // 60: a leap second
-		return Text.Len() == 8 && Text[2] == TEXT(':') && Text[5] == TEXT(':') && bInside ? (Hour * 60 + Minute) * 60 + Second : -1;
+		const bool bInside = Hour >= 0 && Hour < 24 && Minute >= 0 && Minute < 60 && Second >= 0 && Second <= 60;
+		return Text.Len() == 8 && Text[2] == TEXT(':') && Text[5] == TEXT(':') && bInside
+				   ? (Hour * 60 + Minute) * 60 + FMath::Min<int64>(Second, 59)
+				   : -1;
 	}
 
 	static FDateTime Make(int64 Year, int64 Month, int64 Day, int64 Time)

@@ -86,7 +86,8 @@ namespace CorvaneDownloadAnswer
 		{
 			return TEXT("the server sent another part of the file than the one that was asked for");
 		}
-		if (IsOtherTotal(Question, Answer) || (Question.Total >= 0 && Answer.Range.Last >= Question.Total))
+		const bool bEndsBeforeDisk = Answer.Range.Total >= 0 && Answer.Range.Total < Question.OnDisk;
+		if (bEndsBeforeDisk || IsOtherTotal(Question, Answer) || (Question.Total >= 0 && Answer.Range.Last >= Question.Total))
 		{
 			return TEXT("the file has another size than before");
 		}

@@ -32,7 +32,7 @@ namespace CorvaneFileHash
 		FString Lower;
 		for (int32 Index = 0; Index < Text.Len(); ++Index)
 		{
-			const int32 Digit = FString(HexDigits).Find(*Text.Mid(Index, 1), ESearchCase::IgnoreCase, ESearchDir::FromStart);
+			const int32 Digit = FString(HexDigits).Find(Text.Mid(Index, 1), ESearchCase::IgnoreCase, ESearchDir::FromStart);
 			if (Digit == INDEX_NONE)
 			{
 				return FString();
