@@ -78,7 +78,6 @@ namespace Soak
 		Wish wish;
 		Dice dice{0};
 		Disturbance disturbance = Disturbance::None;
-		int slot = 0; // of those in flight; none has the same
 		int due = 1; // outcomes
 		bool isAgain = false;
 		bool isCancelled = false; // with others of its ID, maybe

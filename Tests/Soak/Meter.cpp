@@ -18,6 +18,9 @@ namespace Soak
 		/** A shorter run is still filling its pools at its tenth part. */
 		constexpr double judgedRequests = 100'000;
 
+		/** Besides workers: the main one, HTTP, the repair, the writer and those for file work of the second module. */
+		constexpr int ownThreads = 12;
+
 		double valueOf(const std::string& name)
 		{
 			std::ifstream status("/proc/self/status");
@@ -76,7 +79,7 @@ namespace Soak
 		std::fflush(stdout);
 	}
 
-	std::vector<std::string> Meter::findGrowth(int mostSockets) const
+	std::vector<std::string> Meter::findGrowth(int inFlight, int hosts) const
 	{
 		std::vector<Sample> rest;
 		std::copy_if(samples.begin(), samples.end(), std::back_inserter(rest),
@@ -93,11 +96,11 @@ namespace Soak
 		};
 		const auto largest = [&rest](int Sample::*figure) { return std::ranges::max(rest, {}, figure).*figure; };
 		atMost("descriptors without sockets", largest(&Sample::files), base.files);
-		atMost("sockets", largest(&Sample::sockets), mostSockets);
+		atMost("sockets", largest(&Sample::sockets), inFlight * hosts + 1);
+		atMost("threads", largest(&Sample::threads), inFlight + ownThreads);
 		const bool isSystemAllocator = base.heap > 1 << 20 || base.heap > base.resident / 20; // that of a sanitizer keeps what was freed
 		if (base.requests * 10 >= judgedRequests && isSystemAllocator)
 		{
-			atMost("threads", largest(&Sample::threads), base.threads);
 			atMost("growth of memory in use, bytes", fittedGrowth(rest, &Sample::heap), mostHeapGrowth);
 			atMost("growth of resident memory, bytes", fittedGrowth(rest, &Sample::resident), mostResidentGrowth);
 		}

@@ -24,10 +24,10 @@ namespace Soak
 		void add(const Sample& sample);
 		/**
 		 * Judges what has come from the tenth part of the run on.
-		 * @param mostSockets  that may be kept open for later requests.
+		 * @param inFlight  so many connections to each host, and workers, may be kept for later requests.
 		 * @return what grows; none = all is flat.
 		 */
-		std::vector<std::string> findGrowth(int mostSockets) const;
+		std::vector<std::string> findGrowth(int inFlight, int hosts) const;
 
 	private:
 		std::vector<Sample> samples;

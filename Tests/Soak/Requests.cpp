@@ -150,10 +150,9 @@ namespace Soak
 
 		void startRequest(Run& run, Errand& errand, const char* function, const Adjust& adjust)
 		{
-			// A node leaves its ID in the library's book, by contract: so nodes share some.
 			const bool isNode = std::string_view(function).starts_with("Async");
 			Pins pins;
-			pins.optionalRequestID = text(isNode ? "n" + std::to_string(errand.slot) : "r" + std::to_string(errand.wish.number));
+			pins.optionalRequestID = text(std::string(isNode ? "n" : "r") + std::to_string(errand.wish.number));
 			adjust(run, errand, pins);
 			const std::uint64_t number = errand.wish.number;
 			const int times = errand.due;
@@ -219,7 +218,7 @@ namespace Soak
 			kinds.push_back({std::move(name), weight, bytes, topic, disturbances, false,
 				[function, adjust](Run& run, Errand& errand) { startRequest(run, errand, function, adjust); }});
 		};
-		constexpr std::uint64_t small = 4000, file = 100'000;
+		constexpr std::uint64_t small = 4000, file = 40'000;
 		add("get", 460, small, Topic::Body, all, "CreateHttpRequestGET", ask("/get/"));
 		add("post", 300, small, Topic::Body, all, "CreateHttpRequestPOST", post);
 		add("individual", 50, small, Topic::Body, all, "CreateHttpRequestIndividual", individual);

@@ -21,7 +21,7 @@ namespace Soak
 		FGameLoopSettings loopSettings(const Settings& settings)
 		{
 			FGameLoopSettings wanted;
-			wanted.http.connectionsPerHost = settings.inFlight;
+			wanted.http.connectionsPerHost = static_cast<int>(settings.inFlight);
 			return wanted;
 		}
 
@@ -53,11 +53,8 @@ namespace Soak
 	{
 		for (const Kind& kind : kinds)
 		{
-			byWeight.insert(byWeight.end(), static_cast<std::size_t>(kind.weight), &kind);
-		}
-		for (int slot = 0; slot < settings.inFlight; ++slot)
-		{
-			slots.insert(slot);
+			const bool isWanted = kind.name.starts_with(settings.kind);
+			byWeight.insert(byWeight.end(), static_cast<std::size_t>(isWanted ? kind.weight : 0), &kind);
 		}
 		UCorvaneBPLibrary::getCorvaneTarget()->setUploadGracePeriod(0);
 		listenToLibrary();
@@ -80,7 +77,7 @@ namespace Soak
 				const bool isText = errand && errand->kind->name.starts_with("post");
 				const std::string got = bytesOf(bytes);
 				const bool isRight = errand && errand->isRight(got) && (!isText || utf8(body) == got);
-				end(numberOf(id), {code < 400, isRight, fmt::format("{} {:.40}", code, utf8(body))});
+				end(numberOf(id), {code < 400, isRight, fmt::format("{} {}", code, utf8(body.Left(40)))});
 			});
 		Listen(library.onhttpRequestCompleteGoogleInfoDelegate,
 			[this, numberOf](const FString& name, int64 size, int32 code, const FString&, const FString& id)
@@ -160,7 +157,6 @@ namespace Soak
 		errand.wish.number = number;
 		errand.dice = Dice(settings.seed * 1'000'003 + number);
 		draw(errand);
-		errand.slot = slots.extract(slots.begin()).value();
 		errand.due = errand.disturbance == Disturbance::Twin ? 2 : 1;
 		++counts[errand.kind->name].starts;
 		errand.kind->start(*this, errand);
@@ -274,7 +270,6 @@ namespace Soak
 				fs::remove(errand.file + ending);
 			}
 		}
-		slots.insert(errand.slot);
 		errands.erase(errand.wish.number);
 	}
 
@@ -302,7 +297,7 @@ namespace Soak
 		const auto isDone = [this, goal]
 		{
 			keepAppointments();
-			while (next < goal && !slots.empty())
+			while (next < goal && errands.size() < settings.inFlight)
 			{
 				start(next++);
 			}
@@ -396,12 +391,12 @@ namespace Soak
 			const Count& count = counts[kind.name];
 			fmt::print("{:24} {:7} starts, {:7} successes, {:6} failures, {:6} cancelled\n", kind.name, count.starts, count.successes,
 				count.failures, count.cancelled);
-			if (settings.requests >= enoughForAll && count.successes == 0)
+			if (settings.kind.empty() && settings.requests >= enoughForAll && count.successes == 0)
 			{
 				complain(settings.first, "nothing of this kind has succeeded: " + kind.name);
 			}
 		}
-		for (const std::string& growth : meter.findGrowth(settings.inFlight * static_cast<int>(SoakOrigin::number) + 1))
+		for (const std::string& growth : meter.findGrowth(static_cast<int>(settings.inFlight), SoakOrigin::number))
 		{
 			complain(next - 1, growth);
 		}

@@ -11,7 +11,6 @@
 #include <chrono>
 #include <map>
 #include <memory>
-#include <set>
 
 namespace Soak
 {
@@ -19,9 +18,10 @@ namespace Soak
 	{
 		std::uint64_t requests = 1'000'000;
 		std::uint64_t first = 0; // number of the first one
-		int inFlight = 64;
+		std::size_t inFlight = 64;
 		double faults = 5; // percent
 		std::uint64_t seed = 1;
+		std::string kind; // only those whose names begin so
 	};
 
 	/** A program that sends requests of all kinds and looks at what comes of each. Thread: game thread. */
@@ -86,7 +86,6 @@ namespace Soak
 		const std::vector<Kind> kinds;
 		std::vector<const Kind*> byWeight;
 		std::map<std::uint64_t, std::unique_ptr<Errand>> errands; // by number
-		std::set<int> slots; // free ones
 		std::vector<Appointment> appointments;
 		std::vector<std::pair<std::string, Wish>> sourceFiles; // that are compared when nothing runs
 		std::map<std::string, Count> counts;

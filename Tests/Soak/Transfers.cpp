@@ -164,7 +164,7 @@ namespace Soak
 		{
 			auto wanted = options<FCorvaneResumableOptions>(run, errand);
 			wanted.JournalFolder = text(run.journals.path());
-			wanted.PieceBytes = static_cast<int64>(1 + errand.wish.size / (1 + errand.dice.below(4)));
+			wanted.PieceBytes = static_cast<int64>(1024 + errand.wish.size / (1 + errand.dice.below(4)));
 			wanted.bFirstPieceAtOnce = errand.dice.hasLuck(0.3);
 			wanted.bTerminateOnCancel = errand.dice.hasLuck(0.3);
 			wanted.PieceChecksum = errand.dice.hasLuck(0.3) ? text("sha1") : FString();
@@ -228,7 +228,7 @@ namespace Soak
 	{
 		using enum Disturbance;
 		const std::vector<Disturbance> all{Cancel, CancelAndAgain, Pause};
-		constexpr std::uint64_t file = 100'000;
+		constexpr std::uint64_t file = 40'000;
 		return {{"whole file", 4, file, Topic::Download, all, true, downloadFile},
 			{"whole drive file", 4, file, Topic::Download, all, true, downloadDriveFile},
 			{"bare upload", 4, file, Topic::Upload, all, true, uploadFile}, {"form", 4, file, Topic::Upload, all, true, uploadForm},
