@@ -1,18 +1,20 @@
 #include "Meter.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <fmt/format.h>
 #include <fstream>
 #include <malloc.h>
+#include <numeric>
 #include <unistd.h>
 
 namespace Soak
 {
 	namespace
 	{
-		/** Below, growth is not told from a few buffers that happen to be free; a byte lost with each request is a MiB. */
-		constexpr double mostHeapGrowth = 128 << 10;
+		/** What the fit leaves open; a hundred bytes lost with each of a rare kind come to ten times as much in a million. */
+		constexpr double mostHeapGrowth = 32 << 10;
 		/** The allocator's pages come and go by more than what is in them. */
 		constexpr double mostResidentGrowth = 4 << 20;
 		/** A shorter run is still filling its pools at its tenth part. */
@@ -34,21 +36,42 @@ namespace Soak
 			return 0;
 		}
 
-		/** Growth from the first to the last sample by the line through all of them. */
+		using Column = std::vector<double>;
+
+		/** Takes out of a column what is proportional to another. @return the proportion. */
+		double takeOut(const Column& other, Column& column)
+		{
+			const double square = std::inner_product(other.begin(), other.end(), other.begin(), 0.0);
+			const double share = square > 0 ? std::inner_product(other.begin(), other.end(), column.begin(), 0.0) / square : 0;
+			std::ranges::transform(column, other, column.begin(), [share](double a, double b) { return a - share * b; });
+			return share;
+		}
+
+		/**
+		 * Growth from the first to the last sample, by least squares. Each socket and each thread that is kept for later has its
+		 * price: that is taken out, so that their coming and going does not hide what is lost.
+		 */
 		double fittedGrowth(const std::vector<Sample>& samples, double Sample::*figure)
 		{
-			double meanX = 0, meanY = 0, xx = 0, xy = 0;
+			std::array<Column, 5> columns; // a constant, sockets, threads, requests, and the figure
 			for (const Sample& sample : samples)
 			{
-				meanX += sample.requests / static_cast<double>(samples.size());
-				meanY += sample.*figure / static_cast<double>(samples.size());
+				const double values[] = {
+					1, static_cast<double>(sample.sockets), static_cast<double>(sample.threads), sample.requests, sample.*figure};
+				for (std::size_t index = 0; index < columns.size(); ++index)
+				{
+					columns[index].push_back(values[index]);
+				}
 			}
-			for (const Sample& sample : samples)
+			double perRequest = 0;
+			for (std::size_t index = 0; index + 1 < columns.size(); ++index)
 			{
-				xx += (sample.requests - meanX) * (sample.requests - meanX);
-				xy += (sample.requests - meanX) * (sample.*figure - meanY);
+				for (std::size_t later = index + 1; later < columns.size(); ++later)
+				{
+					perRequest = takeOut(columns[index], columns[later]); // at last that of the requests in the figure
+				}
 			}
-			return xx > 0 ? xy / xx * (samples.back().requests - samples.front().requests) : 0;
+			return perRequest * (samples.back().requests - samples.front().requests);
 		}
 	} // namespace
 
