@@ -72,6 +72,10 @@ namespace Soak
 				pins.filePathWithFileName = text(errand.file);
 				pins.actionIfFileExists = errand.isAgain ? Exists::E_RESUME : exists;
 				pins.fileSizeStepsInBytes = static_cast<int32>(1 + errand.wish.size / (2 + errand.dice.below(4)));
+				if (errand.isAgain && Run::hasAllOf(errand.file, errand.content()))
+				{
+					std::filesystem::remove(errand.file); // nothing would be left to ask for
+				}
 				if (!errand.isAgain && errand.dice.hasLuck(0.5))
 				{
 					errand.isRefused = exists == Exists::E_NOT_OVERWRITE;
