@@ -60,10 +60,10 @@ bool UCorvaneBPLibrary::takeCancelMark(const FString& InRequestID)
 void UCorvaneBPLibrary::releaseRunningRequest(const FString& InRequestID, const FHttpRequestPtr& InRequest)
 {
 	FScopeLock Lock(&mapLock);
-	FHttpRequestPtr* Running = runningRequests.Find(InRequestID);
-	if (Running && *Running == InRequest)
+	cancelledRequests.Remove(InRequestID);
+	if (runningRequests.FindRef(InRequestID) == InRequest)
 	{
-		Running->Reset();
+		runningRequests.Remove(InRequestID);
 	}
 }
 
