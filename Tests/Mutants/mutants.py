@@ -1,0 +1,276 @@
+#!/usr/bin/python3
+"""Plants faults into the modules and tells which of them the tests catch.
+
+All faults are compiled into one build, beside what they change; the environment says which of them shows (Mutant.h). A fault is
+tried by the tests that pass its place, first those of its room. Ends with 1 when fewer than 85 in 100 are caught; those that
+judged.txt calls the same program in other words do not count.
+"""
+import argparse
+import concurrent.futures
+import io
+import json
+import os
+import random
+import re
+import resource
+import shutil
+import signal
+import subprocess
+import sys
+import tarfile
+import tempfile
+import time
+from collections import namedtuple
+from pathlib import Path
+
+HERE = Path(__file__).resolve().parent
+ROOT = HERE.parents[1]
+WORK = ROOT / "build/mutants"
+TREE, CLEAN = WORK / "tree", WORK / "clean"
+BUILD = TREE / "build/default"
+MODULES = ("Corvane", "CorvaneTransfers")
+PROGRAMS = {"CorvaneTests": "Corvane", "EngineVerbTests": "Corvane", "CorvaneTransfersTests": "CorvaneTransfers", "Orders": "Orders", "ScriptTests": "Script", "ProgramTests": "Program"}
+CONDITIONS = ("", "CORVANE_TEST_COLLECT", "CORVANE_TEST_GAME_THREAD")
+WAITS_FOR_THE_END = re.compile(r"EndOfProgram|TheEndOfTheProgram|TheProgramMayEnd|WithoutATick|AtTheEnd|WithTheProgram")
+ORDERS = "300"
+ENOUGH = 0.85
+PLANTED = 60001 # the first of the planted ones
+
+Mutant = namedtuple("Mutant", "number site")
+Test = namedtuple("Test", "program name condition")
+
+
+def export(tree, mutants):
+    """The committed state with the mutants in it; files that stay the same are not touched, so that little is built again."""
+    archive = subprocess.run(["git", "-C", ROOT, "archive", "HEAD"], check=True, capture_output=True).stdout
+    with tarfile.open(fileobj=io.BytesIO(archive)) as packed:
+        files = {entry.name: (entry.mode, packed.extractfile(entry).read()) for entry in packed if entry.isfile()}
+    files["Host/Core/Public/Mutant.h"] = (0o644, (HERE / "Mutant.h").read_bytes())
+    for module, target in zip(MODULES, ("CorvaneModule", "CorvaneTransfersModule")):
+        name = f"Source/{module}/CMakeLists.txt"
+        files[name] = (0o644, files[name][1] + f"target_compile_options({target} PRIVATE -O0 -g0 -w)\n".encode())
+    changed = {}
+    for mutant in mutants:
+        changed.setdefault(mutant.site.file, []).extend((start, end, text.format(m=f"Mutant({mutant.number})")) for start, end, text in mutant.site.edits)
+    for name, edits in changed.items():
+        mode, text = files[name]
+        for start, end, other in sorted(edits, reverse=True):
+            text = text[:start] + other.encode() + text[end:]
+        files[name] = (mode, b'#include "Mutant.h"\n#line 1\n' + text)
+    for path in [path for path in tree.rglob("*") if path.is_file() and path.relative_to(tree).parts[0] != "build"]:
+        if path.relative_to(tree).as_posix() not in files:
+            path.unlink()
+    for name, (mode, text) in files.items():
+        path = tree / name
+        if not path.is_file() or path.read_bytes() != text:
+            path.parent.mkdir(parents=True, exist_ok=True)
+            path.write_bytes(text)
+        path.chmod(mode)
+
+
+def cmake(*arguments, **options):
+    environment = {**os.environ, "CCACHE_BASEDIR": str(TREE), "CCACHE_NOHASHDIR": "1"}
+    if shutil.which("ccache"):
+        environment["CMAKE_CXX_COMPILER_LAUNCHER"] = "ccache"
+    return subprocess.run(["nice", "-n", "5", "cmake", *arguments], cwd=TREE, env=environment, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, **options)
+
+
+def all_sites(modules):
+    """Of the clean sources; the headers that the build writes must be there."""
+    import sites # needs Debian's python3-clang
+
+    export(CLEAN, [])
+    if not (BUILD / "build.ninja").exists():
+        export(TREE, [])
+        cmake("--preset", "default", check=True)
+    cmake("--build", BUILD, "--target", "CorvaneModuleReflection", "CorvaneTransfersModuleReflection", check=True)
+    return [site for module in modules for site in sites.find(CLEAN, BUILD, module)], sites.planted(CLEAN, HERE / "planted.txt")
+
+
+def fits(site, others):
+    """Whether it can stand beside the others: one fault a line, and no text that is written twice has another one in it."""
+    for other in others:
+        if other.file != site.file:
+            continue
+        if other.line == site.line:
+            return False
+        for a, b, _ in site.edits:
+            for c, d, _ in other.edits:
+                if a == c or b == d or (a < d and c < b) or (a == b and c < a < d) or (c == d and a < c < b):
+                    return False
+    return True
+
+
+def draw(arguments):
+    """The mutants of a seed that compile, built. What does not is noted by its place, and the next one drawn instead."""
+    found, planted = all_sites([arguments.module] if arguments.module else MODULES)
+    random.Random(arguments.seed).shuffle(found)
+    refused_file = WORK / "refused.json"
+    refused = set(json.loads(refused_file.read_text())) if refused_file.exists() else set()
+    while True:
+        mutants, chosen = [], list(planted)
+        for number, site in enumerate(found, 1):
+            if len(mutants) < arguments.count and site.key not in refused and fits(site, chosen):
+                mutants.append(Mutant(number, site))
+                chosen.append(site)
+        mutants += [Mutant(PLANTED + number, site) for number, site in enumerate(planted)]
+        export(TREE, mutants)
+        built = cmake("--build", BUILD, "--target", *PROGRAMS, "--", "-k0", "-j", str(arguments.jobs))
+        if built.returncode == 0:
+            return mutants
+        faults = set(re.findall(r"(Source/[\w/.]+):(\d+):\d+: (?:fatal )?error", built.stdout))
+        guilty = {mutant.site.key for mutant in mutants for name, line in faults if mutant.site.file == name and mutant.site.line <= int(line) <= mutant.site.last}
+        if not guilty:
+            raise SystemExit(built.stdout[-4000:])
+        print(f"{len(guilty)} do not compile", file=sys.stderr)
+        refused |= guilty
+        refused_file.write_text(json.dumps(sorted(refused)))
+
+
+def all_tests():
+    tests = []
+    for program, room in PROGRAMS.items():
+        binary = BUILD / "Tests" / room / program
+        if program == "Orders":
+            said = subprocess.run([binary, "--runs", "1"], capture_output=True, text=True, check=True).stdout
+            tests += [Test(program, line.split()[0], "") for line in said.splitlines()]
+            continue
+        suite = ""
+        for line in subprocess.run([binary, "--gtest_list_tests"], capture_output=True, text=True, check=True).stdout.splitlines()[1:]:
+            name = line.split("#")[0].strip()
+            suite, tests = (suite, [*tests, Test(program, suite + name, "")]) if line.startswith(" ") else (name, tests)
+    return [test for test in tests if "DISABLED_" not in test.name]
+
+
+def play(tests, seconds, **environment):
+    """Runs tests of one program and condition. @return whether they passed, the test that failed, and what they said."""
+    program = tests[0].program
+    binary = BUILD / "Tests" / PROGRAMS[program] / program
+    arguments = ["--scenario", tests[0].name, "--runs", ORDERS] if program == "Orders" else ["--gtest_filter=" + ":".join(test.name for test in tests), "--gtest_fail_fast"]
+    room = tempfile.mkdtemp(dir=WORK, prefix="run-")
+    environment = {**os.environ, "TMPDIR": room, **({tests[0].condition: "1"} if tests[0].condition else {}), **environment}
+
+    def bounds():
+        os.nice(5)
+        resource.setrlimit(resource.RLIMIT_AS, (6 << 30, 6 << 30))
+        resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+
+    process = subprocess.Popen([binary, *arguments], env=environment, cwd=room, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, start_new_session=True, preexec_fn=bounds)
+    try:
+        said = process.communicate(timeout=seconds)[0].decode(errors="replace")
+    except subprocess.TimeoutExpired:
+        said = None
+    finally:
+        try:
+            os.killpg(process.pid, signal.SIGKILL)
+        except ProcessLookupError:
+            pass
+    if said is None:
+        said = process.communicate()[0].decode(errors="replace") + "\nit hangs"
+        passed = False
+    else:
+        passed = process.returncode == 0
+    shutil.rmtree(room, ignore_errors=True)
+    begun = re.findall(r"\[ RUN      \] (\S+)", said)
+    failed = next((test for test in tests if not passed and begun and test.name == begun[-1]), tests[0])
+    return passed, failed, said
+
+
+def reached(tests, jobs):
+    """Which mutants each test passes, and how long it takes."""
+    def one(test):
+        with tempfile.NamedTemporaryFile(dir=WORK, prefix="passed-") as file:
+            file.truncate(1 << 16)
+            for _ in range(3):
+                begin = time.monotonic()
+                if play([test], 120, CORVANE_MUTANTS_PASSED=file.name)[0]:
+                    return test, time.monotonic() - begin, {number for number, is_passed in enumerate(Path(file.name).read_bytes()) if is_passed}
+            return test, None, set()
+
+    with concurrent.futures.ThreadPoolExecutor(jobs) as pool:
+        results = list(pool.map(one, tests))
+    for test, seconds, _ in results:
+        if seconds is None:
+            print(f"left out, fails without a fault: {test.program} {test.name}", file=sys.stderr)
+    return {test: (seconds, passed) for test, seconds, passed in results if seconds is not None}
+
+
+def batches(mutant, reach):
+    """The tests that pass the place: those of its room first, the quick ones first; a few at a time while they are quick."""
+    home = mutant.site.file.split("/")[1]
+
+    def rank(test):
+        return PROGRAMS[test.program] != home, test.program == "ProgramTests", test.program != "Orders", reach[test][0]
+
+    tests = sorted((test for test in reach if mutant.number in reach[test][1]), key=rank)
+    for condition in CONDITIONS:
+        batch, seconds = [], 0.0
+        for test in tests if not condition else [test for test in tests if test.program == home + "Tests" and not WAITS_FOR_THE_END.search(test.name)]:
+            if batch and (test.program != batch[0].program or test.program == "Orders" or seconds + reach[test][0] > 1.5):
+                yield batch, seconds
+                batch, seconds = [], 0.0
+            batch.append(test._replace(condition=condition))
+            seconds += reach[test][0]
+        if batch:
+            yield batch, seconds
+
+
+def hunt(mutant, reach):
+    """What catches it, empty = nothing. A test that fails but once, perhaps because the machine is busy, has caught nothing."""
+    for batch, seconds in batches(mutant, reach):
+        limit = 20 + 6 * seconds
+        while batch:
+            passed, failed, said = play(batch, limit, CORVANE_MUTANT=str(mutant.number))
+            if passed:
+                break
+            if not play([failed], limit, CORVANE_MUTANT=str(mutant.number))[0]:
+                return " ".join(filter(None, (failed.condition[13:], failed.name, "(hangs)" if said.endswith("it hangs") else "")))
+            batch = [test for test in batch if test != failed]
+    return ""
+
+
+def judged():
+    """key -> why no test can tell it from the module as it is."""
+    entries = (HERE / "judged.txt").read_text().splitlines() if (HERE / "judged.txt").exists() else []
+    return dict(entry.rsplit(" => ", 1) for entry in entries if entry and not entry.startswith("#"))
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--seed", type=int, default=1)
+    parser.add_argument("--count", type=int, default=220)
+    parser.add_argument("--only", type=int, nargs="+", help="try these numbers of the draw")
+    parser.add_argument("--module", choices=MODULES)
+    parser.add_argument("--jobs", type=int, default=os.cpu_count())
+    parser.add_argument("--show", action="store_true", help="list the draw, with the keys that judged.txt takes, and try nothing")
+    arguments = parser.parse_args()
+    WORK.mkdir(parents=True, exist_ok=True)
+    begin = time.monotonic()
+    mutants = draw(arguments)
+    mutants = [mutant for mutant in mutants if not arguments.only or mutant.number in arguments.only]
+    if arguments.show:
+        print("\n".join(f"{mutant.number:5} {mutant.site.line:4} {mutant.site.key}" for mutant in mutants))
+        return 0
+    print(f"built after {time.monotonic() - begin:.0f} s", file=sys.stderr)
+    reach = reached(all_tests(), arguments.jobs)
+    print(f"{len(reach)} tests, reach known after {time.monotonic() - begin:.0f} s", file=sys.stderr)
+    reasons, survivors, same = judged(), [], 0
+
+    def one(mutant):
+        return (mutant, "") if mutant.site.key in reasons else (mutant, hunt(mutant, reach))
+
+    with concurrent.futures.ThreadPoolExecutor(arguments.jobs) as pool:
+        for mutant, catcher in pool.map(one, mutants):
+            same += mutant.site.key in reasons
+            passing = sum(mutant.number in passed for _, passed in reach.values())
+            verdict = f"same: {reasons[mutant.site.key]}" if mutant.site.key in reasons else f"caught by {catcher}" if catcher else f"SURVIVED {passing} tests"
+            survivors += [mutant] if verdict.startswith("SURVIVED") else []
+            print(f"{mutant.number:5} {mutant.site.file.removeprefix('Source/')}:{mutant.site.line}  {mutant.site.kind}: {mutant.site.what}  {verdict}", flush=True)
+    counted = len(mutants) - same
+    caught = counted - len(survivors)
+    print(f"{len(mutants)} mutants of seed {arguments.seed}: {caught} of {counted} caught ({100 * caught / max(1, counted):.1f} %), {same} the same program; {time.monotonic() - begin:.0f} s")
+    return caught < ENOUGH * counted
+
+
+if __name__ == "__main__":
+    sys.exit(main())
