@@ -29,7 +29,9 @@ WORK = ROOT / "build/mutants"
 TREE, CLEAN = WORK / "tree", WORK / "clean"
 BUILD = TREE / "build/default"
 MODULES = ("Corvane", "CorvaneTransfers")
-PROGRAMS = {"CorvaneTests": "Corvane", "EngineVerbTests": "Corvane", "CorvaneTransfersTests": "CorvaneTransfers", "Orders": "Orders", "ScriptTests": "Script", "ProgramTests": "Program"}
+PROGRAMS = {"CorvaneTests": "Corvane", "EngineVerbTests": "Corvane", "CorvaneTransfersTests": "CorvaneTransfers", "Orders": "Orders"}
+FRONT_ENDS = {"ScriptTests": "Script", "ProgramTests": "Program"} # asked about what the others leave
+ROOMS = PROGRAMS | FRONT_ENDS
 CONDITIONS = ("", "CORVANE_TEST_COLLECT", "CORVANE_TEST_GAME_THREAD")
 WAITS_FOR_THE_END = re.compile(r"EndOfProgram|TheEndOfTheProgram|TheProgramMayEnd|WithoutATick|AtTheEnd|WithTheProgram")
 ORDERS = "300"
@@ -40,18 +42,25 @@ Mutant = namedtuple("Mutant", "number site")
 Test = namedtuple("Test", "program name condition")
 
 
+def add(files, name, mark, text):
+    mode, old = files[name]
+    files[name] = (mode, old.replace(mark, text, 1) if mark else old + text)
+
+
 def export(tree, mutants):
     """The committed state with the mutants in it; files that stay the same are not touched, so that little is built again."""
     archive = subprocess.run(["git", "-C", ROOT, "archive", "HEAD"], check=True, capture_output=True).stdout
     with tarfile.open(fileobj=io.BytesIO(archive)) as packed:
         files = {entry.name: (entry.mode, packed.extractfile(entry).read()) for entry in packed if entry.isfile()}
     files["Host/Core/Public/Mutant.h"] = (0o644, (HERE / "Mutant.h").read_bytes())
+    add(files, "CMakeLists.txt", b"add_subdirectory(Source/Corvane)", b"add_compile_options(-O0 -g0 -w)\nadd_subdirectory(Source/Corvane)")
     for module, target in zip(MODULES, ("CorvaneModule", "CorvaneTransfersModule")):
-        name = f"Source/{module}/CMakeLists.txt"
-        files[name] = (0o644, files[name][1] + f"target_compile_options({target} PRIVATE -O0 -g0 -w)\n".encode())
+        add(files, f"Source/{module}/CMakeLists.txt", b"", b"""
+            set_target_properties(%s PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 10)
+            set_source_files_properties(Private/Requests/HttpLayer.cpp PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)""" % target.encode())
     changed = {}
     for mutant in mutants:
-        changed.setdefault(mutant.site.file, []).extend((start, end, text.format(m=f"Mutant({mutant.number})")) for start, end, text in mutant.site.edits)
+        changed.setdefault(mutant.site.file, []).extend((start, end, text.replace("{m}", f"Mutant({mutant.number})")) for start, end, text in mutant.site.edits)
     for name, edits in changed.items():
         mode, text = files[name]
         for start, end, other in sorted(edits, reverse=True):
@@ -127,9 +136,9 @@ def draw(arguments):
         refused_file.write_text(json.dumps(sorted(refused)))
 
 
-def all_tests():
+def all_tests(programs):
     tests = []
-    for program, room in PROGRAMS.items():
+    for program, room in programs.items():
         binary = BUILD / "Tests" / room / program
         if program == "Orders":
             said = subprocess.run([binary, "--runs", "1"], capture_output=True, text=True, check=True).stdout
@@ -145,7 +154,7 @@ def all_tests():
 def play(tests, seconds, **environment):
     """Runs tests of one program and condition. @return whether they passed, the test that failed, and what they said."""
     program = tests[0].program
-    binary = BUILD / "Tests" / PROGRAMS[program] / program
+    binary = BUILD / "Tests" / ROOMS[program] / program
     arguments = ["--scenario", tests[0].name, "--runs", ORDERS] if program == "Orders" else ["--gtest_filter=" + ":".join(test.name for test in tests), "--gtest_fail_fast"]
     room = tempfile.mkdtemp(dir=WORK, prefix="run-")
     environment = {**os.environ, "TMPDIR": room, **({tests[0].condition: "1"} if tests[0].condition else {}), **environment}
@@ -155,21 +164,19 @@ def play(tests, seconds, **environment):
         resource.setrlimit(resource.RLIMIT_AS, (6 << 30, 6 << 30))
         resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
 
-    process = subprocess.Popen([binary, *arguments], env=environment, cwd=room, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, start_new_session=True, preexec_fn=bounds)
-    try:
-        said = process.communicate(timeout=seconds)[0].decode(errors="replace")
-    except subprocess.TimeoutExpired:
-        said = None
-    finally:
+    with tempfile.TemporaryFile(dir=WORK) as output: # no pipe: what the program has started may outlive it
+        process = subprocess.Popen([binary, *arguments], env=environment, cwd=room, stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.STDOUT, start_new_session=True, preexec_fn=bounds)
+        try:
+            passed, ending = process.wait(timeout=seconds) == 0, ""
+        except subprocess.TimeoutExpired:
+            passed, ending = False, "\nit hangs"
         try:
             os.killpg(process.pid, signal.SIGKILL)
         except ProcessLookupError:
             pass
-    if said is None:
-        said = process.communicate()[0].decode(errors="replace") + "\nit hangs"
-        passed = False
-    else:
-        passed = process.returncode == 0
+        process.wait()
+        output.seek(0)
+        said = output.read().decode(errors="replace") + ending
     shutil.rmtree(room, ignore_errors=True)
     begun = re.findall(r"\[ RUN      \] (\S+)", said)
     failed = next((test for test in tests if not passed and begun and test.name == begun[-1]), tests[0])
@@ -195,15 +202,15 @@ def reached(tests, jobs):
     return {test: (seconds, passed) for test, seconds, passed in results if seconds is not None}
 
 
-def batches(mutant, reach):
+def batches(mutant, reach, conditions):
     """The tests that pass the place: those of its room first, the quick ones first; a few at a time while they are quick."""
     home = mutant.site.file.split("/")[1]
 
     def rank(test):
-        return PROGRAMS[test.program] != home, test.program == "ProgramTests", test.program != "Orders", reach[test][0]
+        return ROOMS[test.program] != home, test.program != "Orders", reach[test][0]
 
     tests = sorted((test for test in reach if mutant.number in reach[test][1]), key=rank)
-    for condition in CONDITIONS:
+    for condition in conditions:
         batch, seconds = [], 0.0
         for test in tests if not condition else [test for test in tests if test.program == home + "Tests" and not WAITS_FOR_THE_END.search(test.name)]:
             if batch and (test.program != batch[0].program or test.program == "Orders" or seconds + reach[test][0] > 1.5):
@@ -215,16 +222,17 @@ def batches(mutant, reach):
             yield batch, seconds
 
 
-def hunt(mutant, reach):
+def hunt(mutant, reach, conditions):
     """What catches it, empty = nothing. A test that fails but once, perhaps because the machine is busy, has caught nothing."""
-    for batch, seconds in batches(mutant, reach):
-        limit = 20 + 6 * seconds
+    for batch, seconds in batches(mutant, reach, conditions):
+        limit = 6 + 8 * seconds
         while batch:
             passed, failed, said = play(batch, limit, CORVANE_MUTANT=str(mutant.number))
             if passed:
                 break
+            hangs = said.endswith("it hangs")
             if not play([failed], limit, CORVANE_MUTANT=str(mutant.number))[0]:
-                return " ".join(filter(None, (failed.condition[13:], failed.name, "(hangs)" if said.endswith("it hangs") else "")))
+                return " ".join(filter(None, (failed.condition[13:], failed.name, "(hangs)" if hangs else "")))
             batch = [test for test in batch if test != failed]
     return ""
 
@@ -235,6 +243,10 @@ def judged():
     return dict(entry.rsplit(" => ", 1) for entry in entries if entry and not entry.startswith("#"))
 
 
+def tell(mutant, verdict):
+    print(f"{mutant.number:5} {mutant.site.file.removeprefix('Source/')}:{mutant.site.line}  {mutant.site.kind}: {mutant.site.what}  {verdict}", flush=True)
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--seed", type=int, default=1)
@@ -242,6 +254,7 @@ def main():
     parser.add_argument("--only", type=int, nargs="+", help="try these numbers of the draw")
     parser.add_argument("--module", choices=MODULES)
     parser.add_argument("--jobs", type=int, default=os.cpu_count())
+    parser.add_argument("--all", action="store_true", help="what is left meets the two test conditions and the tests of scripts and the command, too")
     parser.add_argument("--show", action="store_true", help="list the draw, with the keys that judged.txt takes, and try nothing")
     arguments = parser.parse_args()
     WORK.mkdir(parents=True, exist_ok=True)
@@ -252,22 +265,31 @@ def main():
         print("\n".join(f"{mutant.number:5} {mutant.site.line:4} {mutant.site.key}" for mutant in mutants))
         return 0
     print(f"built after {time.monotonic() - begin:.0f} s", file=sys.stderr)
-    reach = reached(all_tests(), arguments.jobs)
-    print(f"{len(reach)} tests, reach known after {time.monotonic() - begin:.0f} s", file=sys.stderr)
-    reasons, survivors, same = judged(), [], 0
-
-    def one(mutant):
-        return (mutant, "") if mutant.site.key in reasons else (mutant, hunt(mutant, reach))
-
-    with concurrent.futures.ThreadPoolExecutor(arguments.jobs) as pool:
-        for mutant, catcher in pool.map(one, mutants):
-            same += mutant.site.key in reasons
-            passing = sum(mutant.number in passed for _, passed in reach.values())
-            verdict = f"same: {reasons[mutant.site.key]}" if mutant.site.key in reasons else f"caught by {catcher}" if catcher else f"SURVIVED {passing} tests"
-            survivors += [mutant] if verdict.startswith("SURVIVED") else []
-            print(f"{mutant.number:5} {mutant.site.file.removeprefix('Source/')}:{mutant.site.line}  {mutant.site.kind}: {mutant.site.what}  {verdict}", flush=True)
+    reasons = judged()
+    left = [mutant for mutant in mutants if mutant.site.key not in reasons]
+    same = len(mutants) - len(left)
+    for mutant in [mutant for mutant in mutants if mutant not in left]:
+        tell(mutant, f"the same: {reasons[mutant.site.key]}")
+    passing = dict.fromkeys((mutant.number for mutant in left), 0)
+    for programs in (PROGRAMS, FRONT_ENDS):
+        if not left or programs is FRONT_ENDS and not arguments.all:
+            break
+        cmake("--build", BUILD, "--target", *programs, check=True)
+        conditions = CONDITIONS if arguments.all else CONDITIONS[:1]
+        reach = reached(all_tests(programs), arguments.jobs)
+        print(f"{len(reach)} tests, reach known after {time.monotonic() - begin:.0f} s", file=sys.stderr)
+        with concurrent.futures.ThreadPoolExecutor(arguments.jobs) as pool:
+            hunts = {pool.submit(hunt, mutant, reach, conditions): mutant for mutant in left}
+            for ended in concurrent.futures.as_completed(hunts):
+                mutant, catcher = hunts[ended], ended.result()
+                passing[mutant.number] += sum(mutant.number in passed for _, passed in reach.values())
+                if catcher:
+                    left.remove(mutant)
+                    tell(mutant, f"caught by {catcher}")
+    for mutant in left:
+        tell(mutant, f"SURVIVED {passing[mutant.number]} tests")
     counted = len(mutants) - same
-    caught = counted - len(survivors)
+    caught = counted - len(left)
     print(f"{len(mutants)} mutants of seed {arguments.seed}: {caught} of {counted} caught ({100 * caught / max(1, counted):.1f} %), {same} the same program; {time.monotonic() - begin:.0f} s")
     return caught < ENOUGH * counted
 
