@@ -1,4 +1,5 @@
 #include "Rules/DownloadRules.h"
+#include "Downloads/DownloadTargets.h"
 #include "ModuleFixture.h"
 #include "Rules/ShownAddress.h"
 #include "Rules/Speed.h"
@@ -25,6 +26,7 @@ TEST(DownloadRules, ReadContentRanges)
 	{
 		const FCorvContentRange range = CorvaneRules::contentRange(value);
 		EXPECT_EQ((std::vector<int64>{range.first, range.last, range.total}), numbers) << value;
+		EXPECT_EQ(CorvaneRules::toldSize({206, range, 0}), numbers[2] > 0 ? numbers[2] : numbers[1] + 1) << value;
 	}
 }
 
@@ -90,4 +92,25 @@ TEST(DownloadRules, KeepStepSizesUsable)
 	{
 		EXPECT_EQ(CorvaneRules::usableStepSize(given), usable);
 	}
+}
+
+TEST(DownloadTargets, AreWrittenByOneAtATimeAndByTheLatestOnly)
+{
+	FCorvDownloadTargets targets;
+	const auto granted = [&](int64 download) { return FCorvDownloadPermission(targets, "/d/a", download).isGranted(); };
+	targets.claim("/d/a", 1);
+	{
+		const FCorvDownloadPermission first(targets, "/d/../d/a", 1);
+		EXPECT_TRUE(first.isGranted());
+		EXPECT_FALSE(granted(1));
+		targets.release("/d/a", 1);
+		targets.claim("/d/a", 2);
+		EXPECT_FALSE(granted(2)) << "the first still writes";
+	}
+	EXPECT_FALSE(granted(1));
+	EXPECT_TRUE(granted(2));
+	targets.release("/d/a", 1);
+	EXPECT_EQ(targets.claimed().Num(), 1) << "the file is another's";
+	targets.release("/d/a", 2);
+	EXPECT_TRUE(targets.claimed().IsEmpty() && !granted(2));
 }
