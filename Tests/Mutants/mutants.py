@@ -93,7 +93,7 @@ def all_sites(modules):
     if not (BUILD / "build.ninja").exists():
         export(TREE, [])
         cmake("--preset", "default", check=True)
-    cmake("--build", BUILD, "--target", "CorvaneModuleReflection", "CorvaneTransfersModuleReflection", check=True)
+    cmake("--build", BUILD, "--target", "HostEngineReflection", "CorvaneModuleReflection", "CorvaneTransfersModuleReflection", check=True)
     return [site for module in modules for site in sites.find(CLEAN, BUILD, module)], sites.planted(CLEAN, HERE / "planted.txt")
 
 

@@ -135,7 +135,8 @@ class Finder:
         line = bisect_right(self.lines[path], start)
         last = bisect_right(self.lines[path], end - 1)
         shown = " ".join(text.decode().split())
-        key = f"{self.names[path]} | {kind} | {shown[:100]} | {what}"
+        whole = self.files[path][self.lines[path][line - 1]:].split(b"\n")[0].decode().strip()
+        key = f"{self.names[path]} | {whole[:120]} | {kind} `{shown[:60]}` {what}"
         self.sites.setdefault((path, start, end), Site(self.names[path], line, last, kind, f"`{shown[:60]}` {what}", edits, key))
 
 
