@@ -1,4 +1,5 @@
 #include "Rules/DownloadRules.h"
+#include "Downloads/DownloadTargets.h"
 #include "ModuleFixture.h"
 #include "Rules/ShownAddress.h"
 #include "Rules/Speed.h"
@@ -25,6 +26,43 @@ TEST(DownloadRules, ReadContentRanges)
 	{
 		const FCorvContentRange range = CorvaneRules::contentRange(value);
 		EXPECT_EQ((std::vector<int64>{range.first, range.last, range.total}), numbers) << value;
+		EXPECT_EQ(CorvaneRules::toldSize({206, range, 0}), numbers[2] > 0 ? numbers[2] : numbers[1] + 1) << value;
+	}
+}
+
+TEST(DownloadRules, TellWhatBecomesOfABody)
+{
+	using enum ECorvDownloadAction;
+	const std::tuple<FCorvDownloadAnswer, FCorvDownloadTarget, ECorvDownloadAction, bool, bool> cases[] = {
+		// answer (status, range, bytes), target (start, size, own range), what becomes of it, kept when broken, a step
+		{{200, {}, 5}, {0, 0}, Append, true, false},
+		{{200, {}, 5}, {0, 3}, Refuse, false, false}, // a file that has appeared meanwhile
+		{{200, {}, 5}, {3, 3}, Replace, false, false},
+		{{206, {3, 7, 8}, 5}, {3, 3}, Append, true, true},
+		{{206, {3, -1, 8}, 5}, {3, 3}, Append, true, true},
+		{{206, {3, 7, 0}, 5}, {3, 3}, Append, true, false}, // a step has to know where the end is
+		{{206, {4, 8, 9}, 5}, {3, 4}, Append, true, false}, // the file has grown since the step was asked for
+		{{206, {3, 7, 8}, 4}, {3, 4}, Refuse, false, false},
+		{{206, {3, 7, 9}, 6}, {3, 3}, Refuse, false, false}, // beyond its span
+		{{206, {3, 9, 8}, 6}, {3, 3}, Refuse, false, false}, // beyond the file
+		{{206, {3, 7, 8}, 0}, {3, 3}, Refuse, false, false},
+		{{206, {3, 7, 8}, 5}, {3, 8}, Complete, false, false},
+		{{206, {3, 7, 8}, 5}, {3, 9}, Refuse, false, false},
+		{{416, {-1, -1, 8}, 2}, {8, 8}, Complete, false, false},
+		{{404, {}, 5}, {0, 0}, Nothing, false, false},
+		{{200, {}, 0}, {0, 0}, Nothing, false, false},
+		{{206, {2, 6, 99}, 5}, {0, 0}, Refuse, false, false},
+		{{206, {10, 14, 99}, 5}, {0, 0, true}, Append, true, false}, // a part of the script's own choice
+		{{206, {10, 14, 99}, 5}, {0, 10, true}, Append, true, false},
+		{{206, {10, 14, 99}, 5}, {0, 9, true}, Refuse, false, false},
+		{{200, {}, 5}, {0, 9, true}, Refuse, false, false},
+		{{206, {10, 14, 99}, 0}, {0, 10, true}, Nothing, false, false},
+	};
+	for (const auto& [answer, target, action, isKept, isStep] : cases)
+	{
+		EXPECT_EQ(CorvaneRules::planDownload(answer, target), action) << answer.range.first << " " << target.size;
+		EXPECT_EQ(CorvaneRules::areReceivedBytesKept(answer, target), isKept) << answer.range.first << " " << target.size;
+		EXPECT_EQ(CorvaneRules::isStep(answer, target), isStep) << answer.range.first << " " << target.size;
 	}
 }
 
@@ -54,4 +92,25 @@ TEST(DownloadRules, KeepStepSizesUsable)
 	{
 		EXPECT_EQ(CorvaneRules::usableStepSize(given), usable);
 	}
+}
+
+TEST(DownloadTargets, AreWrittenByOneAtATimeAndByTheLatestOnly)
+{
+	FCorvDownloadTargets targets;
+	const auto granted = [&](int64 download) { return FCorvDownloadPermission(targets, "/d/a", download).isGranted(); };
+	targets.claim("/d/a", 1);
+	{
+		const FCorvDownloadPermission first(targets, "/d/../d/a", 1);
+		EXPECT_TRUE(first.isGranted());
+		EXPECT_FALSE(granted(1));
+		targets.release("/d/a", 1);
+		targets.claim("/d/a", 2);
+		EXPECT_FALSE(granted(2)) << "the first still writes";
+	}
+	EXPECT_FALSE(granted(1));
+	EXPECT_TRUE(granted(2));
+	targets.release("/d/a", 1);
+	EXPECT_EQ(targets.claimed().Num(), 1) << "the file is another's";
+	targets.release("/d/a", 2);
+	EXPECT_TRUE(targets.claimed().IsEmpty() && !granted(2));
 }

@@ -92,6 +92,7 @@ TEST(PageReading, FindsTokenLinkAndSize)
 		{size, shown("(-1M)"), "-1048576"},
 		{size, shown("(1e30G)"), "9223372036854775807"},
 		{size, shown("(nonsense)"), "0"},
+		{size, shown("(nanG)"), "0"},
 		{size, R"(<span class="uc-name-size">(2M))", "0"},
 		{size, "no size", "0"},
 	};

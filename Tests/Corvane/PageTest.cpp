@@ -1,8 +1,10 @@
+#include "CorvaneRequestCompleteObject.h"
 #include "Lab/Behaviours/Answers.h"
 #include "Lab/Behaviours/Faults.h"
 #include "Lab/Origin.h"
 #include "LogCapture.h"
 #include "ModuleFixture.h"
+#include "Runs/Run.h"
 
 #include <gmock/gmock.h>
 
@@ -139,8 +141,10 @@ TEST_F(Pages, FileInformationOrTheCodeForAPageThatCannotBeRead)
 		Lab::Origin server;
 		server.at("/file/d/file/view", page);
 		execute(driveInfo(server.url()));
+		const TWeakPtr<IHttpRequest> sent = requests[0].requestCompleteObject()->run().request();
 		drain();
 		EXPECT_THAT(infos, ElementsAre(info));
+		EXPECT_TRUE(waitFor([&] { return !sent.IsValid(); })) << "no later event lets go of it";
 		EXPECT_TRUE(completions.empty()) << "the other event stays silent";
 		EXPECT_EQ(server.log().size(), 1u);
 	}

@@ -1,4 +1,5 @@
 #include "DownloadFixture.h"
+#include "Downloads/DownloadTargets.h"
 
 #include <filesystem>
 #include <fstream>
@@ -103,7 +104,9 @@ TEST_F(SteppedDownload, LeavesTheWholeFileOrWholeSteps)
 		EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "Request my-id, http://127.0.0.1:"), fault.statusCode < 400 ? 0 : 1)
 			<< fault.name;
 		EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Error, "secret"), 0) << fault.name;
+		EXPECT_TRUE(library().downloadTargetList().claimed().IsEmpty()) << fault.name;
 	}
+	build({""}); // the last one's builder said nothing of its own; this one is nobody's next step and tells
 }
 
 TEST_F(SteppedDownload, AsksForStepsOfOneByteMoreThanTheirSize)
