@@ -144,7 +144,7 @@ TEST_F(Pages, FileInformationOrTheCodeForAPageThatCannotBeRead)
 		const TWeakPtr<IHttpRequest> sent = requests[0].requestCompleteObject()->run().request();
 		drain();
 		EXPECT_THAT(infos, ElementsAre(info));
-		EXPECT_TRUE(waitFor([&] { return !sent.IsValid(); })) << "no later event lets go of it";
+		ASSERT_TRUE(waitFor([&] { return !sent.IsValid(); })) << "no later event lets go of it";
 		EXPECT_TRUE(completions.empty()) << "the other event stays silent";
 		EXPECT_EQ(server.log().size(), 1u);
 	}

@@ -170,7 +170,9 @@ TEST(DownloadMachine, WaitsAsTheServerWishesButNoLongerThanTheCallerDoes)
 	options.LongestWaitSeconds = 3600;
 	options.Attempts = 4;
 	ByHand hand(options);
-	EXPECT_EQ(hand.begin(10, 100).Question.OnDisk, 10);
+	const FCorvaneDownloadQuestion first = hand.begin(10, 100).Question;
+	EXPECT_EQ(first.OnDisk, 10);
+	EXPECT_EQ(first.Total, 100) << "or an answer of another file would pass";
 	EXPECT_DOUBLE_EQ(hand.end(1, 503, "3599").WaitSeconds, 3600); // and 2 of its own, up to the longest
 	EXPECT_EQ(hand.machine.OnWaitOver(3601).Action, Action::Ask);
 	EXPECT_DOUBLE_EQ(hand.end(3602, 0, "", ECorvaneExchangeEnd::NoConnection).WaitSeconds, 4); // half of 4 * 2

@@ -51,7 +51,8 @@ TEST_F(DriveFile, ComesThroughThePageAndGoesOnWhereItBrokeOff)
 			const Lab::Behaviour noFile = later == Later::PlaceIsGone ? Lab::status({.code = 403, .text = "gone"}) : page("Hello");
 			std::atomic<int> pages{0}, files{0};
 			Lab::Origin server;
-			server.at("/uc", [&](const Lab::Request&) { return page(formTo("/download" + std::to_string(pages++))); });
+			server.at(
+				"/uc", [&](const Lab::Request&) { return page(std::string(1, '\0') + formTo("/download" + std::to_string(pages++))); });
 			server.at("/download*",
 				[&](const Lab::Request&)
 				{

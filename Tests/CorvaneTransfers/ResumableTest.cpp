@@ -208,6 +208,7 @@ TEST_F(Resumable, HasOneOutcomeForEachKindOfTrouble)
 		tested.prepare(fresh, server);
 		FCorvaneResumableOptions options = patient();
 		options.bResume = false;
+		options.Metadata.Add(TEXT("owner"), TEXT("me"));
 		tested.wish(options);
 		const FCorvaneTransferReport report = send(fresh.url("/files"), path, options);
 		EXPECT_EQ(report.Outcome, tested.outcome) << utf8(report.Sentence);
@@ -215,7 +216,9 @@ TEST_F(Resumable, HasOneOutcomeForEachKindOfTrouble)
 		EXPECT_THAT(utf8(report.Sentence), HasSubstr(tested.sentence));
 		if (tested.outcome == Outcome::Succeeded)
 		{
+			const std::string told(fresh.log().front().request->header("Upload-Metadata"));
 			const std::string last = fresh.log().back().request->target;
+			EXPECT_THAT(told, AllOf(HasSubstr("filename ZmlsZS5iaW4="), HasSubstr("owner bWU="))) << "base64 of file.bin, of me";
 			EXPECT_TRUE(stored(fresh.url(last)) == content);
 			EXPECT_TRUE(nothingIsNoted());
 		}

@@ -189,6 +189,7 @@ TEST_F(TransferQueue, KeepsItsLimitsAndEndsEachOnce)
 	add("ftp://wrong", "wrong", 9);
 	UCorvaneDownloadFile* const cancelled = add(server.url(), "cancelled");
 	EXPECT_EQ(queue->GetReport().Waiting, 11);
+	EXPECT_EQ(queue->GetReport().Running, 3);
 	cancelled->Cancel();
 	EXPECT_TRUE(order.empty()); // nothing is told inside these calls
 	finish();

@@ -20,6 +20,7 @@ namespace
 		std::function<FCorvaneUploadStep(Machine&, double)> happens;
 		Do action = Do::None;
 		double wait = 0;
+		int32 code = 0;
 	};
 
 	Step start(const char* fault = "")
@@ -54,7 +55,7 @@ namespace
 				end.Random = 0.5;
 				return m.OnTryEnded(now, end);
 			},
-			then, wait};
+			then, wait, code};
 	}
 	Step does(FCorvaneUploadStep (Machine::*call)(double), Do then, double wait = 0)
 	{
@@ -96,6 +97,8 @@ namespace
 			{ends(End::NoConnection, 0, 0, Do::Wait, 0.5), waitOver(), ends(End::NoConnection, 0, 0, Do::Wait, 1), waitOver(),
 				ends(End::Done, size, 200, Do::Tell)},
 			Outcome::Succeeded, 3},
+		{"nothing was sent: a busy server, and then none", any,
+			{ends(End::Done, 0, 503, Do::Wait, 0.5), waitOver(), ends(End::NoConnection, 0, 0, Do::Wait, 1)}, Outcome::Running, 2},
 		{"nothing was sent: the connection broke off", any, {ends(End::Dropped, 0, 0, Do::Wait, 0.5)}},
 		{"nothing was sent: the server was busy", any, {ends(End::Done, 0, 503, Do::Wait, 2.5, "2")}},
 		{"an empty body and no connection", any, {start(), found(Do::Send, 0), ends(End::NoConnection, 0, 0, Do::Wait, 0.5)}},
@@ -164,12 +167,13 @@ namespace
 		std::vector<Step> steps = beginsEarlier ? std::vector<Step>{} : std::vector<Step>{start(), found()};
 		steps.insert(steps.end(), each.steps.begin(), each.steps.end());
 		double now = 0;
-		int number = 0;
+		int number = 0, lastCode = 0;
 		for (const Step& step : steps)
 		{
 			SCOPED_TRACE("step " + std::to_string(number++));
 			now += secondsOfStep;
 			const FCorvaneUploadStep done = step.happens(machine, now);
+			lastCode = step.code != 0 ? step.code : lastCode; // a try without an answer leaves that of the one before
 			EXPECT_EQ(done.Action, step.action);
 			EXPECT_NEAR(done.WaitSeconds, step.wait, 1e-9);
 		}
@@ -182,6 +186,7 @@ namespace
 		EXPECT_EQ(report.RestartReasons.Num(), each.restarts);
 		EXPECT_LE(report.TransferredBytes - report.RepeatedBytes, size); // how far it is
 		EXPECT_EQ(utf8(report.AskedAddress), "http://host/");
+		EXPECT_EQ(report.Code, lastCode);
 	}
 } // namespace
 
