@@ -47,9 +47,9 @@ namespace Soak
 	Run::Run(const Settings& inSettings, const SoakOrigin& inOrigin)
 		: origin(inOrigin)
 		, settings(inSettings)
-		, loop(loopSettings(inSettings))
 		, kinds(allKinds())
 		, next(inSettings.first)
+		, loop(loopSettings(inSettings))
 	{
 		for (const Kind& kind : kinds)
 		{

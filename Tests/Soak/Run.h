@@ -82,7 +82,6 @@ namespace Soak
 		const Settings settings;
 		const TempDir targets;
 		const TempDir sources;
-		FGameLoop loop;
 		const std::vector<Kind> kinds;
 		std::vector<const Kind*> byWeight;
 		std::map<std::uint64_t, std::unique_ptr<Errand>> errands; // by number
@@ -94,5 +93,6 @@ namespace Soak
 		int queueEnds = 0;
 		int faultsFound = 0;
 		Meter meter;
+		FGameLoop loop; // last: at its end it tells of what still runs
 	};
 } // namespace Soak
