@@ -566,7 +566,7 @@ public:
 	/** @return whether a script asked to cancel this ID; the mark is taken away with the answer. Thread: any. */
 	bool takeCancelMark(const FString& requestID);
 
-	/** Forgets mark and running entry (if it is this request's) of a result that the library's own listener does not hear. */
+	/** Ends the running-request entry of an ID if it still is this request, so that nothing keeps its body in memory. */
 	void releaseRunningRequest(const FString& requestID, const FHttpRequestPtr& request);
 
 	/** Counts the requests that run; completion objects report to it. Thread: any. */

@@ -60,10 +60,10 @@ bool UCorvaneBPLibrary::takeCancelMark(const FString& InRequestID)
 void UCorvaneBPLibrary::releaseRunningRequest(const FString& InRequestID, const FHttpRequestPtr& InRequest)
 {
 	FScopeLock Lock(&mapLock);
-	cancelledRequests.Remove(InRequestID);
-	if (runningRequests.FindRef(InRequestID) == InRequest)
+	FHttpRequestPtr* Running = runningRequests.Find(InRequestID);
+	if (Running && *Running == InRequest)
 	{
-		runningRequests.Remove(InRequestID);
+		Running->Reset();
 	}
 }
 

@@ -59,7 +59,7 @@ namespace CorvaneDelivery
 			}
 			return; // a node of another class has no use for it
 		}
-		Library.releaseRunningRequest(Result.requestID, Request);
+		Library.releaseRunningRequest(Result.requestID, Request); // no listener of the library's own hears this event
 		Library.onhttpRequestCompleteGoogleInfoDelegate.Broadcast(
 			Result.fileName, Result.fileSizeInBytes, Result.statusCode, Result.downloadID, Result.requestID);
 	}
