@@ -76,6 +76,7 @@ namespace Soak
 		const Kind* kind = nullptr;
 		Topic topic = Topic::Body;
 		Wish wish;
+		std::size_t slot = 0; // no other that runs has it: for names that shall be used again
 		Dice dice{0};
 		Disturbance disturbance = Disturbance::None;
 		int due = 1; // outcomes

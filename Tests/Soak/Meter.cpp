@@ -102,7 +102,7 @@ namespace Soak
 		std::fflush(stdout);
 	}
 
-	std::vector<std::string> Meter::findGrowth(int inFlight, int hosts) const
+	std::vector<std::string> Meter::findGrowth(int inFlight, int hosts, double kept) const
 	{
 		std::vector<Sample> rest;
 		std::copy_if(samples.begin(), samples.end(), std::back_inserter(rest),
@@ -124,7 +124,7 @@ namespace Soak
 		const bool isSystemAllocator = base.heap > 1 << 20 || base.heap > base.resident / 20; // that of a sanitizer keeps what was freed
 		if (base.requests * 10 >= judgedRequests && isSystemAllocator)
 		{
-			atMost("growth of memory in use, bytes", fittedGrowth(rest, &Sample::heap), mostHeapGrowth);
+			atMost("growth of memory in use, bytes", fittedGrowth(rest, &Sample::heap), mostHeapGrowth + kept);
 			atMost("growth of resident memory, bytes", fittedGrowth(rest, &Sample::resident), mostResidentGrowth);
 		}
 		return found;

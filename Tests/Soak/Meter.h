@@ -25,9 +25,10 @@ namespace Soak
 		/**
 		 * Judges what has come from the tenth part of the run on.
 		 * @param inFlight  so many connections to each host, and workers, may be kept for later requests.
+		 * @param kept  bytes that are meant to stay.
 		 * @return what grows; none = all is flat.
 		 */
-		std::vector<std::string> findGrowth(int inFlight, int hosts) const;
+		std::vector<std::string> findGrowth(int inFlight, int hosts, double kept) const;
 
 	private:
 		std::vector<Sample> samples;

@@ -156,7 +156,9 @@ namespace Soak
 		{
 			const bool isNode = std::string_view(function).starts_with("Async");
 			Pins pins;
-			pins.optionalRequestID = text(std::string(isNode ? "n" : "r") + std::to_string(errand.wish.number));
+			const bool staysListed = isNode || errand.topic == Topic::Info; // the library's list keeps a row for each ID of those
+			pins.optionalRequestID =
+				text(staysListed ? (isNode ? "n" : "s") + std::to_string(errand.slot) : "r" + std::to_string(errand.wish.number));
 			adjust(run, errand, pins);
 			const std::uint64_t number = errand.wish.number;
 			const int times = errand.due;

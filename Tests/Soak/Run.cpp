@@ -56,6 +56,10 @@ namespace Soak
 			const bool isWanted = kind.name.starts_with(settings.kind);
 			byWeight.insert(byWeight.end(), static_cast<std::size_t>(isWanted ? kind.weight : 0), &kind);
 		}
+		for (std::size_t slot = settings.inFlight; slot > 0; --slot)
+		{
+			freeSlots.push_back(slot - 1);
+		}
 		UCorvaneBPLibrary::getCorvaneTarget()->setUploadGracePeriod(0);
 		listenToLibrary();
 		objectsBefore = HostObjects::NumObjects();
@@ -63,10 +67,11 @@ namespace Soak
 
 	void Run::listenToLibrary()
 	{
-		const auto numberOf = [](const FString& id)
+		const auto numberOf = [this](const FString& id)
 		{
 			const std::string text = utf8(id);
-			return text.starts_with('r') ? std::strtoull(text.c_str() + 1, nullptr, 10) : nobody;
+			const std::uint64_t number = text.empty() ? 0 : std::strtoull(text.c_str() + 1, nullptr, 10);
+			return text.starts_with('r') ? number : text.starts_with('s') ? inSlot(number) : nobody;
 		};
 		UCorvaneBPLibrary& library = *UCorvaneBPLibrary::getCorvaneTarget();
 		Listen(library.onhttpRequestCompleteDelegate,
@@ -96,6 +101,12 @@ namespace Soak
 			});
 		Listen(UCorvaneTransferQueue::GetTransferQueue(text("soak"))->OnTransferEnd,
 			[this](UCorvaneTransfer*, const FCorvaneTransferReport&) { ++queueEnds; });
+	}
+
+	std::uint64_t Run::inSlot(std::size_t slot) const
+	{
+		const auto found = std::ranges::find_if(errands, [slot](const auto& each) { return each.second->slot == slot; });
+		return found == errands.end() ? nobody : found->first;
 	}
 
 	Errand* Run::find(std::uint64_t number)
@@ -155,6 +166,8 @@ namespace Soak
 	{
 		Errand& errand = *(errands[number] = std::make_unique<Errand>());
 		errand.wish.number = number;
+		errand.slot = freeSlots.back();
+		freeSlots.pop_back();
 		errand.dice = Dice(settings.seed * 1'000'003 + number);
 		draw(errand);
 		errand.due = errand.disturbance == Disturbance::Twin ? 2 : 1;
@@ -270,6 +283,7 @@ namespace Soak
 				fs::remove(errand.file + ending);
 			}
 		}
+		freeSlots.push_back(errand.slot);
 		errands.erase(errand.wish.number);
 	}
 
@@ -344,7 +358,7 @@ namespace Soak
 		{
 			for (const auto& entry : fs::directory_iterator(folder->path()))
 			{
-				complain(std::strtoull(entry.path().filename().c_str(), nullptr, 10), "left behind: " + entry.path().filename().string());
+				complain(next - 1, "left behind by one of late: " + entry.path().filename().string());
 				fs::remove(entry);
 			}
 		}
@@ -396,7 +410,10 @@ namespace Soak
 				complain(settings.first, "nothing of this kind has succeeded: " + kind.name);
 			}
 		}
-		for (const std::string& growth : meter.findGrowth(static_cast<int>(settings.inFlight), SoakOrigin::number))
+		constexpr double bytesOfRow =
+			300; // that the library keeps of each ID whose result went to a node: this kind draws a new one each time
+		const double rows = bytesOfRow * static_cast<double>(counts["node drive information"].starts);
+		for (const std::string& growth : meter.findGrowth(static_cast<int>(settings.inFlight), SoakOrigin::number, rows))
 		{
 			complain(next - 1, growth);
 		}

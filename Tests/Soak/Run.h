@@ -44,7 +44,8 @@ namespace Soak
 		/** Does something later, if the request is not over by then. */
 		void later(const Errand& errand, double milliseconds, std::function<void(Errand&)> action);
 		void complain(std::uint64_t number, const std::string& what);
-		std::string target(const Errand& errand) const { return targets.path(std::to_string(errand.wish.number) + ".bin"); }
+		/** A program that downloads to the same places again and again: the module keeps something of each unfinished place. */
+		std::string target(const Errand& errand) const { return targets.path("slot" + std::to_string(errand.slot) + ".bin"); }
 		/** Whether the file is as long as the content, or shorter, and has its bytes. */
 		static bool hasBeginOf(const std::string& file, const std::string& content);
 		static bool hasAllOf(const std::string& file, const std::string& content);
@@ -71,6 +72,7 @@ namespace Soak
 		void judge(Errand& errand, const Outcome& outcome);
 		void startAgain(Errand& errand);
 		void leave(Errand& errand, bool isSuccess);
+		std::uint64_t inSlot(std::size_t slot) const;
 		void keepAppointments();
 		bool goOnUntil(std::uint64_t goal);
 		void comeToRest();
@@ -85,6 +87,7 @@ namespace Soak
 		const std::vector<Kind> kinds;
 		std::vector<const Kind*> byWeight;
 		std::map<std::uint64_t, std::unique_ptr<Errand>> errands; // by number
+		std::vector<std::size_t> freeSlots;
 		std::vector<Appointment> appointments;
 		std::vector<std::pair<std::string, Wish>> sourceFiles; // that are compared when nothing runs
 		std::map<std::string, Count> counts;

@@ -7,6 +7,7 @@
 #include "ExchangeLines.h"
 #include "InputError.h"
 #include "UnfinishedFiles.h"
+#include "ValueTransfer.h"
 
 #include <fmt/format.h>
 

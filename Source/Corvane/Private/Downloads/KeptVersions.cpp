@@ -14,8 +14,13 @@ void FCorvKeptVersions::remember(const FString& Path, int64 Size, const FString&
 			break;
 		}
 	}
+	constexpr int32 Most = 1000;
 	if (!Version.IsEmpty() && Size > 0) // no bytes are of no version
 	{
+		if (all.Num() == Most)
+		{
+			all.RemoveAt(0);
+		}
 		all.Add(FKept{Path, Size, Version});
 	}
 }

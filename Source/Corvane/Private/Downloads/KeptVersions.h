@@ -6,7 +6,7 @@
 
 /**
  * Which version of a file on a server the bytes belong to that an unfinished download has left on disk, for as long as the
- * program runs. Paths are full ones and compared as the file system compares them. Thread: any.
+ * program runs; the latest 1000, so that a program that never ends does not grow by them. Paths are full ones and compared as the file system compares them. Thread: any.
  */
 class FCorvKeptVersions
 {
