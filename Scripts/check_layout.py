@@ -23,6 +23,7 @@ MAY_INCLUDE = {
     "Tools/HeaderTool": [],
     "Tools/Reflect": ["Host/Core", "Host/CoreUObject", "Host/Engine"],
     "Tools/Lua": [],
+    "Tools/Mutants": [],
     "Tools/Script": ["Host/Core", "Host/CoreUObject", "Host/Engine", "Tools/Reflect", "Tools/Lua"],
     "Tools/Lab": ["Tools/Lua"],
     "Tools/Program": HOST_LIBRARIES + ["Host/Launch", "Tools/Reflect", "Tools/Script", "Tools/Lab", "Source/Corvane/Public",
