@@ -1,17 +1,20 @@
 #!/usr/bin/env bash
 # Builds the fuzz targets and runs them, as many at once as there are cores: first the inputs of Tests/Fuzz/Corpus, then new ones.
-# usage: Scripts/fuzz.sh [--runs N] [--seconds N] [TARGET...]   (default: all of them, 5 seconds each)
+# usage: Scripts/fuzz.sh [--runs N] [--seconds N] [--seed N] [TARGET...]   (default: all of them, 5 seconds each)
+# With --seed and --runs a round tries the same inputs each time, as long as build/fuzz/Found is empty.
 # Inputs that reach something new are kept in build/fuzz/Found, one that fails, and what it showed, in build/fuzz/Findings.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 limit=-max_total_time=5
+seed=-seed=0 # 0 = one of its own
 targets=()
 while [ $# -gt 0 ]; do
 	case "$1" in
 	--runs) limit=-runs=$2 && shift ;;
 	--seconds) limit=-max_total_time=$2 && shift ;;
-	-*) echo "usage: $0 [--runs N] [--seconds N] [TARGET...]" >&2 && exit 2 ;;
+	--seed) seed=-seed=$2 && shift ;;
+	-*) echo "usage: $0 [--runs N] [--seconds N] [--seed N] [TARGET...]" >&2 && exit 2 ;;
 	*) targets+=("$1") ;;
 	esac
 	shift
@@ -27,7 +30,7 @@ cmake --build --preset fuzz --target "${targets[@]/#/Fuzz}"
 # One target, and one line of what came of it.
 fuzz() {
 	local target=$1 found=build/fuzz/Found/$1 findings=build/fuzz/Findings/$1 failed=
-	local options=("$2" -max_len=1024 -timeout=60 -rss_limit_mb=2048 -print_final_stats=1 "-artifact_prefix=$findings/")
+	local options=("$2" "$3" -max_len=1024 -timeout=60 -rss_limit_mb=2048 -print_final_stats=1 "-artifact_prefix=$findings/")
 	[ ! -f "Tests/Fuzz/$target.dict" ] || options+=("-dict=Tests/Fuzz/$target.dict")
 	mkdir -p "$found" "$findings"
 	"build/fuzz/Tests/Fuzz/$target" "${options[@]}" "$found" "Tests/Fuzz/Corpus/$target" >"$findings/log" 2>&1 || failed=1
@@ -44,4 +47,4 @@ fuzz() {
 	[ -z "$failed" ]
 }
 export -f fuzz
-printf '%s\0' "${targets[@]}" | xargs -0 -P "$(nproc)" -I{} bash -c 'fuzz "$1" "$2"' _ {} "$limit"
+printf '%s\0' "${targets[@]}" | xargs -0 -P "$(nproc)" -I{} bash -c 'fuzz "$1" "$2" "$3"' _ {} "$limit" "$seed"
