@@ -3,6 +3,7 @@
 #include "Attempts/Address.h"
 #include "Math/UnrealMathUtility.h"
 #include "Misc/Paths.h"
+#include "Tus/TusOptions.h"
 #include "Tus/TusReceiver.h"
 #include "Upload/ContentTypes.h"
 

@@ -6,7 +6,6 @@
 #include "MachineRun.h"
 #include "Tus/TusFiles.h"
 #include "Tus/TusMachine.h"
-#include "Tus/TusOptions.h"
 #include "Tus/TusRequests.h"
 #include "Upload/BodyStream.h"
 
