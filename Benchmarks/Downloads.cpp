@@ -143,7 +143,8 @@ namespace
 	Figures gameThreadTimes(FGameLoop& loop, const Kind& kind, const std::string& path, double starts, const Ends& ends)
 	{
 		const double seconds = starts + tickUntil(
-											loop, [&] { return ends.completed == kind.files; }, longEnough);
+											loop, [&] { return ends.completed == kind.files; }, longEnough)
+											.all();
 		constexpr double stepBytes = 10485761;
 		const bool isStepped = kind.way == Way::Stepped;
 		const double steps = isStepped ? std::ceil(static_cast<double>(fs::file_size(path)) / stepBytes) : kind.files;
@@ -156,11 +157,12 @@ namespace
 		const auto isOver = [&] { return ends.completed > 0; };
 		const auto hasBytes = [&] { return isOver() || transfer.GetReport().TransferredBytes > 0; };
 		const auto hasAll = [&] { return isOver() || transfer.GetReport().TransferredBytes == transfer.GetReport().TotalBytes; };
-		const double before = starts + tickUntil(loop, hasBytes, longEnough);
+		const double before = starts + tickUntil(loop, hasBytes, longEnough).all();
 		const StopWatch moving;
-		const double meanwhile = tickUntil(loop, hasAll, longEnough) / moving.seconds();
-		const double behind = tickUntil(loop, isOver, longEnough);
-		return {{"game thread CPU while bytes move", "ms/s", meanwhile * 1e3},
+		const TickTimes meanwhile = tickUntil(loop, hasAll, longEnough); // the last one is told the end
+		const double perSecond = meanwhile.before / moving.seconds();
+		const double behind = meanwhile.last + tickUntil(loop, isOver, longEnough).all();
+		return {{"game thread CPU while bytes move", "ms/s", perSecond * 1e3},
 			{"game thread CPU for start and end", "ms", (before + behind) * 1e3}};
 	}
 

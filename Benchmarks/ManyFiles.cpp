@@ -111,7 +111,8 @@ namespace
 		}
 		const double starts = watch.threadCpuSeconds();
 		const double gameThread = starts + tickUntil(
-											   loop, [&] { return ended == number; }, longEnough);
+											   loop, [&] { return ended == number; }, longEnough)
+											   .all();
 		const double seconds = watch.seconds();
 		if (succeeded != number)
 		{

@@ -8,22 +8,23 @@
 #include <stdexcept>
 #include <thread>
 
-double tickUntil(FGameLoop& loop, const std::function<bool()>& condition, double mostSeconds)
+TickTimes tickUntil(FGameLoop& loop, const std::function<bool()>& condition, double mostSeconds)
 {
 	using Clock = std::chrono::steady_clock;
 	constexpr std::chrono::microseconds shortestTick(250); // results that come closely after each other share one, as in a game
 	const auto deadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(mostSeconds));
-	double seconds = 0;
+	TickTimes times;
 	for (;;)
 	{
 		const Clock::time_point began = Clock::now();
 		const StopWatch watch;
 		loop.Tick();
-		seconds += watch.threadCpuSeconds();
+		times.last = watch.threadCpuSeconds();
 		if (condition())
 		{
-			return seconds;
+			return times;
 		}
+		times.before += times.last;
 		if (began >= deadline)
 		{
 			throw std::runtime_error("the benchmark takes too long");
