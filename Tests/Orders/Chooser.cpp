@@ -2,34 +2,19 @@
 
 #include <sstream>
 
-RandomChooser::RandomChooser(std::uint64_t inSeed)
-	: seed(inSeed)
-	, state(inSeed)
-	, preemptsOf(std::uint64_t{1} << (next() % 6))
-{
-}
-
-std::uint64_t RandomChooser::next()
-{
-	state += 0x9E3779B97F4A7C15u;
-	std::uint64_t mixed = (state ^ (state >> 30)) * 0xBF58476D1CE4E5B9u;
-	mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EBu;
-	return mixed ^ (mixed >> 31);
-}
-
 int RandomChooser::choose(Choice kind, int options)
 {
 	if (kind == Choice::Hurry)
 	{
-		const bool hurries = hurriesLeft > 0 && next() % 64 == 0;
+		const bool hurries = hurriesLeft > 0 && dice.below(64) == 0;
 		hurriesLeft -= hurries;
 		return hurries;
 	}
-	if (kind == Choice::Preempt && next() % 64 >= preemptsOf)
+	if (kind == Choice::Preempt && dice.below(64) >= preemptsOf)
 	{
 		return 0;
 	}
-	return static_cast<int>(next() % static_cast<std::uint64_t>(options));
+	return static_cast<int>(dice.below(static_cast<std::uint64_t>(options)));
 }
 
 int EveryOrder::choose(Choice kind, int options)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Dice.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -30,16 +32,18 @@ public:
 class RandomChooser final : public Chooser
 {
 public:
-	explicit RandomChooser(std::uint64_t inSeed);
+	explicit RandomChooser(std::uint64_t inSeed)
+		: seed(inSeed)
+		, dice(inSeed)
+	{
+	}
 	int choose(Choice kind, int options) override;
 	std::string inWords() const override { return "--seed " + std::to_string(seed); }
 
 private:
-	std::uint64_t next();
-
 	const std::uint64_t seed;
-	std::uint64_t state;
-	std::uint64_t preemptsOf; // of 64 chances
+	Dice dice;
+	const std::uint64_t preemptsOf = std::uint64_t{1} << dice.below(6); // of 64 chances
 	int hurriesLeft = 4; // a clock that runs ahead for ever leaves nobody a chance
 };
 

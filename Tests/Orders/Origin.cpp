@@ -6,13 +6,8 @@
 
 namespace
 {
-	Answer make(int code, std::vector<std::pair<std::string, std::string>> headers, std::vector<std::string> blocks)
-	{
-		return {code, std::move(headers), std::move(blocks), Answer::End::Whole};
-	}
-
-	const Answer eventStream = make(200, {{"Content-Type", "text/event-stream"}}, {"id: 1\ndata: a\n\n", "data: b\n", "\n"});
-	const Answer page = make(200, {{"Content-Type", "text/html"}}, {"<a href=\"/uc?id=1&amp;", "x;confirm=t&amp;\">go on</a>"});
+	const Answer eventStream{200, {{"Content-Type", "text/event-stream"}}, {"id: 1\ndata: a\n\n", "data: b\n", "\n"}};
+	const Answer page{200, {{"Content-Type", "text/html"}}, {"<a href=\"/uc?id=1&amp;", "x;confirm=t&amp;\">go on</a>"}};
 	const Answer information = [] // the name is field 1 of a list, and the size field 27
 	{
 		std::string list = "itemJson:[0,\"name\"";
@@ -20,7 +15,7 @@ namespace
 		{
 			list += ",0";
 		}
-		return make(200, {}, {list, ",12]"});
+		return Answer{200, {}, {list, ",12]"}};
 	}();
 } // namespace
 
@@ -38,11 +33,11 @@ Answer Origin::answer(const Asked& asked)
 	}
 	const bool isLate = traffic.taken > 2;
 	const bool isPage = asked.path.starts_with("/uc") && asked.path.find("confirm=") == std::string::npos;
-	Answer answer = asked.path == "/events"            ? (isLate ? make(204, {}, {}) : eventStream)
+	Answer answer = asked.path == "/events"            ? (isLate ? Answer{204} : eventStream)
 					: asked.path.starts_with("/file/") ? information
 					: isPage                           ? page
 					: asked.verb == "GET"              ? file(asked)
-													   : make(200, {}, {"taken"});
+													   : Answer{200, {}, {"taken"}};
 	answer.end = chooseEnd(asked.verb != "GET");
 	if (answer.end == Answer::End::Dropped && !answer.blocks.empty())
 	{
@@ -72,9 +67,9 @@ Answer Origin::file(const Asked& asked) const
 	const std::size_t until = hasEnd ? std::min(fileContent.size(), std::stoul(range.substr(dash + 1)) + 1) : fileContent.size();
 	if (from >= fileContent.size())
 	{
-		return make(416, {}, {});
+		return {416};
 	}
-	Answer answer = make(range.empty() ? 200 : 206, {{"ETag", "\"one\""}, {"Content-Length", std::to_string(until - from)}}, {});
+	Answer answer{range.empty() ? 200 : 206, {{"ETag", "\"one\""}, {"Content-Length", std::to_string(until - from)}}};
 	if (!range.empty())
 	{
 		answer.headers.emplace_back(
@@ -91,7 +86,7 @@ Answer Origin::file(const Asked& asked) const
 /** Keeps what has come of a piece, also of one that breaks off. */
 Answer Origin::resumable(const Asked& asked)
 {
-	Answer answer = make(asked.verb == "HEAD" ? 200 : 204, {}, {});
+	Answer answer{asked.verb == "HEAD" ? 200 : 204};
 	if (asked.verb == "PATCH" && asked.offset != std::to_string(stored.size()))
 	{
 		answer.code = 409;

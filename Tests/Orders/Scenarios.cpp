@@ -26,54 +26,44 @@ namespace
 		{Disturbance::AgainInHandler, "again-in-handler", NoHandler},
 	};
 
-	std::vector<Scenario> makeAll()
-	{
-		std::vector<Scenario> made;
-		for (const auto& kindsOfRoom : {requestKinds(), nodeKinds(), transferKinds(), uploadKinds()})
-		{
-			for (const Kind& kind : kindsOfRoom)
-			{
-				for (const Named& each : disturbances)
-				{
-					if ((each.needs & kind.without) == 0)
-					{
-						made.push_back({std::string(kind.name) + '/' + each.name, each.disturbance, kind});
-					}
-				}
-			}
-		}
-		return made;
-	}
-
-	std::unique_ptr<TempDir>& theFolder()
-	{
-		static auto& folder = *new std::unique_ptr<TempDir>(); // it stays where a run fails
-		return folder;
-	}
+	std::unique_ptr<TempDir> theFolder; // it stays where a run fails
 
 	const TempDir& emptyFolder()
 	{
-		if (!theFolder())
+		if (!theFolder)
 		{
-			theFolder() = std::make_unique<TempDir>(std::filesystem::exists("/dev/shm") ? "/dev/shm" : "/tmp");
+			theFolder = std::make_unique<TempDir>(std::filesystem::exists("/dev/shm") ? "/dev/shm" : "/tmp");
 		}
-		for (const auto& entry : std::filesystem::directory_iterator(theFolder()->path()))
+		for (const auto& entry : std::filesystem::directory_iterator(theFolder->path()))
 		{
 			std::filesystem::remove_all(entry.path());
 		}
-		return *theFolder();
+		return *theFolder;
 	}
 } // namespace
 
-const std::vector<Scenario>& scenarios()
+std::vector<Scenario> scenarios()
 {
-	static const std::vector<Scenario> all = makeAll();
-	return all;
+	std::vector<Scenario> made;
+	for (const auto& kindsOfRoom : {requestKinds(), nodeKinds(), transferKinds(), uploadKinds()})
+	{
+		for (const Kind& kind : kindsOfRoom)
+		{
+			for (const Named& each : disturbances)
+			{
+				if ((each.needs & kind.without) == 0)
+				{
+					made.push_back({std::string(kind.name) + '/' + each.name, each.disturbance, kind});
+				}
+			}
+		}
+	}
+	return made;
 }
 
 void removeFolder()
 {
-	theFolder().reset();
+	theFolder.reset();
 }
 
 std::size_t playOnce(const Scenario& scenario, Chooser& chooser, bool isBrief)

@@ -43,7 +43,7 @@ struct Scenario
 	Kind kind;
 };
 
-const std::vector<Scenario>& scenarios();
+std::vector<Scenario> scenarios();
 
 /** The files of the last run go. */
 void removeFolder();

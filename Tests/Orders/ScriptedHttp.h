@@ -17,8 +17,8 @@ struct Answer
 	};
 
 	int code = 200;
-	std::vector<std::pair<std::string, std::string>> headers;
-	std::vector<std::string> blocks;
+	std::vector<std::pair<std::string, std::string>> headers = {};
+	std::vector<std::string> blocks = {};
 	End end = End::Whole;
 };
 

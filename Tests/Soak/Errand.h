@@ -1,15 +1,24 @@
 #pragma once
 
 #include "CoreMinimal.h"
+#include "Dice.h"
 #include "UObject/StrongObjectPtr.h"
 #include "Wish.h"
 
+#include <fstream>
 #include <functional>
 #include <string>
 #include <vector>
 
 class Run;
 struct Errand;
+
+/** @return nothing of a file that is not there. */
+inline std::string readFile(const std::string& path)
+{
+	std::ifstream stream(path, std::ios::binary);
+	return std::string(std::istreambuf_iterator<char>(stream), {});
+}
 
 /** What happens to a request beside its answer. */
 enum class Disturbance
@@ -55,20 +64,15 @@ struct Errand
 		return bytes;
 	}
 
+	/** Whether the file has all of them. */
+	bool isInFile() { return readFile(file) == content(); }
 	/** Whether that is the answer to a success. */
 	bool isRight(const std::string& answer) const
 	{
-		switch (topic)
-		{
-		case Topic::Body:
-			return answer == expected;
-		case Topic::Upload:
-			return answer == "whole";
-		case Topic::Events:
-			return answer == wish.events() && heard == answer;
-		default:
-			return topic == Topic::Download && answer.empty();
-		}
+		return topic == Topic::Body     ? answer == expected
+			   : topic == Topic::Upload ? answer == "whole"
+			   : topic == Topic::Events ? answer == wish.events() && heard == answer
+										: topic == Topic::Download && answer.empty();
 	}
 
 	const Kind* kind = nullptr;

@@ -21,19 +21,6 @@ namespace
 	/** Besides workers: the main one, HTTP, the repair, the writer and those for file work of the second module. */
 	constexpr int ownThreads = 12;
 
-	double valueOf(const std::string& name)
-	{
-		std::ifstream status("/proc/self/status");
-		for (std::string word; status >> word;)
-		{
-			if (double value = 0; word == name && status >> value)
-			{
-				return value;
-			}
-		}
-		return 0;
-	}
-
 	using Column = std::vector<double>;
 
 	/** Takes out of a column what is proportional to another. @return the proportion. */
@@ -80,31 +67,27 @@ Sample Sample::take(std::uint64_t requests, std::size_t objects)
 	sample.objects = objects;
 	const struct mallinfo2 heap = mallinfo2();
 	sample.heap = static_cast<double>(heap.uordblks + heap.hblkhd);
-	sample.resident = valueOf("VmRSS:") * 1024;
-	sample.threads = static_cast<int>(valueOf("Threads:"));
+	std::ifstream("/proc/self/statm") >> sample.resident >> sample.resident; // the first number is another one
+	sample.resident *= static_cast<double>(sysconf(_SC_PAGESIZE));
+	sample.threads = static_cast<int>(std::distance(std::filesystem::directory_iterator("/proc/self/task"), {}));
 	for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd"))
 	{
 		std::error_code ignored;
 		const bool isSocket = std::filesystem::read_symlink(entry, ignored).string().starts_with("socket:");
 		++(isSocket ? sample.sockets : sample.files);
 	}
-	return sample;
-}
-
-void Meter::add(const Sample& sample)
-{
-	samples.push_back(sample);
 	fmt::print(
 		"{:9.0f} requests: {:8.1f} KiB in use, {:8.0f} KiB resident, {:3} sockets, {:2} other descriptors, {:3} threads, {} objects\n",
 		sample.requests, sample.heap / 1024, sample.resident / 1024, sample.sockets, sample.files, sample.threads, sample.objects);
 	std::fflush(stdout);
+	return sample;
 }
 
-std::vector<std::string> Meter::findGrowth(int inFlight, int hosts, double kept) const
+std::vector<std::string> findGrowth(const std::vector<Sample>& samples, int inFlight, int hosts, double kept)
 {
 	std::vector<Sample> rest;
 	std::copy_if(samples.begin(), samples.end(), std::back_inserter(rest),
-		[this](const Sample& sample) { return sample.requests >= samples.back().requests / 10; });
+		[&](const Sample& sample) { return sample.requests >= samples.back().requests / 10; });
 	std::vector<std::string> found;
 	const Sample& base = rest.front();
 	const auto atMost = [&found](const char* what, double value, double most)

@@ -7,7 +7,7 @@
 /** What this process takes while nothing runs. */
 struct Sample
 {
-	/** Looks now. */
+	/** Looks now, and prints it. */
 	static Sample take(std::uint64_t requests, std::size_t objects);
 
 	double requests = 0; // so far
@@ -16,18 +16,10 @@ struct Sample
 	std::size_t objects = 0;
 };
 
-class Meter
-{
-public:
-	void add(const Sample& sample);
-	/**
-	 * Judges what has come from the tenth part of the run on.
-	 * @param inFlight  so many connections to each host, and workers, may be kept for later requests.
-	 * @param kept  bytes that are meant to stay.
-	 * @return what grows; none = all is flat.
-	 */
-	std::vector<std::string> findGrowth(int inFlight, int hosts, double kept) const;
-
-private:
-	std::vector<Sample> samples;
-};
+/**
+ * Judges what has come from the tenth part of the run on.
+ * @param inFlight  so many connections to each host, and workers, may be kept for later requests.
+ * @param kept  bytes that are meant to stay.
+ * @return what grows; none = all is flat.
+ */
+std::vector<std::string> findGrowth(const std::vector<Sample>& samples, int inFlight, int hosts, double kept);

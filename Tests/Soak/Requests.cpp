@@ -70,7 +70,7 @@ namespace
 			pins.filePathWithFileName = text(errand.file);
 			pins.actionIfFileExists = errand.isAgain ? Exists::E_RESUME : exists;
 			pins.fileSizeStepsInBytes = static_cast<int32>(1 + errand.wish.size / (2 + errand.dice.below(4)));
-			if (errand.isAgain && Run::hasAllOf(errand.file, errand.content()))
+			if (errand.isAgain && errand.isInFile())
 			{
 				std::filesystem::remove(errand.file); // nothing would be left to ask for
 			}
@@ -106,15 +106,8 @@ namespace
 	template <class T>
 	const T* pin(const UDelegateFunction& signature, void* const* arguments, std::string_view name)
 	{
-		for (const FParameter& parameter : signature.Parameters)
-		{
-			if (parameter.Name == name)
-			{
-				return static_cast<const T*>(*arguments);
-			}
-			++arguments;
-		}
-		return nullptr;
+		const auto found = std::ranges::find(signature.Parameters, name, &FParameter::Name);
+		return found == signature.Parameters.end() ? nullptr : static_cast<const T*>(arguments[found - signature.Parameters.begin()]);
 	}
 
 	void hear(Run& run, std::uint64_t number, const FMulticastDelegateProperty& output, void* const* arguments)
@@ -129,10 +122,7 @@ namespace
 		const bool isDownload = errand && errand->topic == Topic::Download; // its node tells the text as well
 		const bool isRight = errand && (size ? *size == static_cast<int64>(errand->wish.size) : isDownload || errand->isRight(answer));
 		const bool isSuccess = std::string_view(output.Name) == "OnSuccess";
-		if (isSuccess != (code < 400))
-		{
-			run.complain(number, "a node's output does not go with status " + std::to_string(code));
-		}
+		run.expect(number, isSuccess == (code < 400), "a node's output does not go with status " + std::to_string(code));
 		run.end(number, {isSuccess, isRight, output.Name + (' ' + std::to_string(code))});
 	}
 
@@ -195,7 +185,7 @@ namespace
 			Run& run;
 			void operator()(Errand& errand) const
 			{
-				if (!Run::hasAllOf(errand.file, errand.content()))
+				if (!errand.isInFile())
 				{
 					return run.later(errand, 1, *this);
 				}

@@ -5,7 +5,7 @@
 #include "Listen.h"
 
 #include <fmt/format.h>
-#include <fstream>
+#include <numeric>
 
 namespace fs = std::filesystem;
 
@@ -22,42 +22,23 @@ namespace
 		wanted.http.connectionsPerHost = static_cast<int>(settings.inFlight);
 		return wanted;
 	}
-
-	bool hasPendingWork()
-	{
-		return UCorvaneBPLibrary::hasPendingWork() || UCorvaneTransfer::HasPendingWork();
-	}
-
-	std::string readFile(const std::string& path)
-	{
-		std::ifstream stream(path, std::ios::binary);
-		return std::string(std::istreambuf_iterator<char>(stream), {});
-	}
-
-	std::vector<Kind> allKinds()
-	{
-		std::vector<Kind> kinds = requestKinds();
-		std::ranges::move(transferKinds(), std::back_inserter(kinds));
-		return kinds;
-	}
 } // namespace
 
 Run::Run(const Settings& inSettings, const SoakOrigin& inOrigin)
 	: origin(inOrigin)
 	, settings(inSettings)
-	, kinds(allKinds())
+	, kinds(requestKinds())
+	, freeSlots(inSettings.inFlight)
 	, next(inSettings.first)
 	, loop(loopSettings(inSettings))
 {
+	std::ranges::move(transferKinds(), std::back_inserter(kinds));
 	for (const Kind& kind : kinds)
 	{
 		const bool isWanted = kind.name.starts_with(settings.kind);
 		byWeight.insert(byWeight.end(), static_cast<std::size_t>(isWanted ? kind.weight : 0), &kind);
 	}
-	for (std::size_t slot = settings.inFlight; slot > 0; --slot)
-	{
-		freeSlots.push_back(slot - 1);
-	}
+	std::iota(freeSlots.rbegin(), freeSlots.rend(), 0);
 	UCorvaneBPLibrary::getCorvaneTarget()->setUploadGracePeriod(0);
 	listenToLibrary();
 	objectsBefore = HostObjects::NumObjects();
@@ -113,10 +94,10 @@ Errand* Run::find(std::uint64_t number)
 	return found == errands.end() ? nullptr : found->second.get();
 }
 
-void Run::complain(std::uint64_t number, const std::string& what)
+void Run::expect(std::uint64_t number, bool holds, const std::string& what)
 {
 	constexpr int mostLines = 20;
-	if (++faultsFound <= mostLines)
+	if (!holds && ++faultsFound <= mostLines)
 	{
 		const Errand* const errand = find(number);
 		fmt::print("FAULT: request {} ({}, fault {}, disturbance {}): {}\n", number, errand ? errand->kind->name : "over",
@@ -134,14 +115,15 @@ void Run::later(const Errand& errand, double milliseconds, std::function<void(Er
 void Run::keepAppointments()
 {
 	const auto now = std::chrono::steady_clock::now();
-	const auto due = std::ranges::partition(appointments, [now](const Appointment& each) { return each.time > now; });
-	std::vector<Appointment> kept(std::make_move_iterator(due.begin()), std::make_move_iterator(due.end()));
-	appointments.erase(due.begin(), due.end());
-	for (const Appointment& appointment : kept)
+	for (Appointment& each : std::exchange(appointments, {}))
 	{
-		if (Errand* const errand = find(appointment.number))
+		if (each.time > now)
 		{
-			appointment.action(*errand);
+			appointments.push_back(std::move(each));
+		}
+		else if (Errand* const errand = find(each.number))
+		{
+			each.action(*errand);
 		}
 	}
 }
@@ -185,26 +167,20 @@ void Run::disturb(Errand& errand)
 		running.isCancelled = true;
 		running.cancel();
 	};
-	switch (errand.disturbance)
+	using enum Disturbance;
+	const bool isCancelledTwin = errand.disturbance == Twin && !errand.dice.hasLuck(0.5);
+	if (isCancelledTwin || errand.disturbance == Cancel || errand.disturbance == CancelAndAgain)
 	{
-	case Disturbance::Twin:
-		if (errand.dice.hasLuck(0.5))
-		{
-			break;
-		}
-		[[fallthrough]];
-	case Disturbance::Cancel:
-	case Disturbance::CancelAndAgain:
-		return soon == 0 ? cancel(errand) : later(errand, soon, cancel);
-	case Disturbance::Pause:
-		return later(errand, soon,
+		soon == 0 ? cancel(errand) : later(errand, soon, cancel);
+	}
+	else if (errand.disturbance == Pause)
+	{
+		later(errand, soon,
 			[this](Errand& running)
 			{
 				running.pause();
 				later(running, 3, [](Errand& paused) { paused.goOn(); });
 			});
-	case Disturbance::None:
-		break;
 	}
 }
 
@@ -213,7 +189,7 @@ void Run::end(std::uint64_t number, const Outcome& outcome)
 	Errand* const errand = find(number);
 	if (!errand)
 	{
-		return complain(number, "an outcome that is not due: " + outcome.what);
+		return expect(number, false, "an outcome that is not due: " + outcome.what);
 	}
 	judge(*errand, outcome);
 	if (--errand->due > 0)
@@ -233,28 +209,17 @@ void Run::judge(Errand& errand, const Outcome& outcome)
 	const bool isHarmless = wish.fault == Fault::None || wish.fault == Fault::Stall || wish.isOnce;
 	const bool mustFail = errand.isRefused || (!errand.isCancelled && !isHarmless);
 	const bool mustSucceed = !errand.isCancelled && !mustFail;
-	if (outcome.isSuccess ? mustFail : mustSucceed)
-	{
-		complain(wish.number, "must not end so: " + outcome.what);
-	}
-	if (outcome.isSuccess && !outcome.isRight)
-	{
-		complain(wish.number, "not what was wanted: " + outcome.what);
-	}
+	expect(wish.number, outcome.isSuccess ? !mustFail : !mustSucceed, "must not end so: " + outcome.what);
+	expect(wish.number, !outcome.isSuccess || outcome.isRight, "not what was wanted: " + outcome.what);
 	if (errand.topic != Topic::Download)
 	{
 		return;
 	}
-	if (outcome.isSuccess ? !hasAllOf(errand.file, errand.content()) : !hasBeginOf(errand.file, errand.content()))
-	{
-		complain(wish.number, fmt::format("wrong bytes in the file: {}", outcome.what));
-	}
+	const bool hasRightBytes = outcome.isSuccess ? errand.isInFile() : errand.content().starts_with(readFile(errand.file));
+	expect(wish.number, hasRightBytes, "wrong bytes in the file: " + outcome.what);
 	for (const char* ending : partFiles)
 	{
-		if (outcome.isSuccess && fs::exists(errand.file + ending))
-		{
-			complain(wish.number, fmt::format("a success has left {}", ending));
-		}
+		expect(wish.number, !outcome.isSuccess || !fs::exists(errand.file + ending), fmt::format("a success has left {}", ending));
 	}
 }
 
@@ -294,16 +259,6 @@ void Run::makeSource(Errand& errand)
 	}
 }
 
-bool Run::hasBeginOf(const std::string& file, const std::string& content)
-{
-	return content.starts_with(readFile(file));
-}
-
-bool Run::hasAllOf(const std::string& file, const std::string& content)
-{
-	return fs::exists(file) && readFile(file) == content;
-}
-
 bool Run::goOnUntil(std::uint64_t goal)
 {
 	const auto isDone = [this, goal]
@@ -315,48 +270,41 @@ bool Run::goOnUntil(std::uint64_t goal)
 		}
 		return next == goal && errands.empty();
 	};
-	if (loop.WaitFor(isDone, patienceSeconds))
-	{
-		return true;
-	}
+	const bool isOver = loop.WaitFor(isDone, patienceSeconds);
 	for (const auto& [number, errand] : errands)
 	{
-		complain(number, fmt::format("{} outcomes never came", errand->due));
+		expect(number, false, fmt::format("{} outcomes never came", errand->due));
 	}
-	return false;
+	return isOver;
 }
 
 /** Nothing runs, and what is not held is gone. */
 void Run::comeToRest()
 {
-	loop.RunUntilIdle(hasPendingWork);
+	loop.RunUntilIdle([] { return UCorvaneBPLibrary::hasPendingWork() || UCorvaneTransfer::HasPendingWork(); });
 	const auto isCollected = [this]
 	{
 		loop.CollectGarbage();
 		return HostObjects::NumObjects() <= objectsBefore;
 	};
-	if (!loop.WaitFor(isCollected, 10))
-	{
-		complain(next - 1, fmt::format("{} objects are held, {} more than at the start", HostObjects::NumObjects(),
-							   HostObjects::NumObjects() - objectsBefore));
-	}
+	const bool isClean = loop.WaitFor(isCollected, 10);
+	expect(next - 1, isClean,
+		fmt::format(
+			"{} objects are held, {} more than at the start", HostObjects::NumObjects(), HostObjects::NumObjects() - objectsBefore));
 }
 
 void Run::checkFolders()
 {
 	for (const auto& [file, wish] : std::exchange(sourceFiles, {}))
 	{
-		if (!hasAllOf(file, wish.content()))
-		{
-			complain(wish.number, "the file that was sent is another one");
-		}
+		expect(wish.number, readFile(file) == wish.content(), "the file that was sent is another one");
 		fs::remove(file);
 	}
 	for (const TempDir* folder : {&targets, &sources})
 	{
 		for (const auto& entry : fs::directory_iterator(folder->path()))
 		{
-			complain(next - 1, "left behind by one of late: " + entry.path().filename().string());
+			expect(next - 1, false, "left behind by one of late: " + entry.path().filename().string());
 			fs::remove(entry);
 		}
 	}
@@ -369,11 +317,10 @@ void Run::checkFolders()
 void Run::checkQueue()
 {
 	const FCorvaneQueueReport report = UCorvaneTransferQueue::GetTransferQueue(text("soak"))->GetReport();
-	if (report.Done + report.Failed != queued || queueEnds != queued || report.Waiting + report.Running + report.Paused != 0)
-	{
-		complain(next - 1,
-			fmt::format("{} transfers went into the queue, {} ended in it, {} were told", queued, report.Done + report.Failed, queueEnds));
-	}
+	const bool isRight =
+		report.Done + report.Failed == queued && queueEnds == queued && report.Waiting + report.Running + report.Paused == 0;
+	expect(next - 1, isRight,
+		fmt::format("{} transfers went into the queue, {} ended in it, {} were told", queued, report.Done + report.Failed, queueEnds));
 }
 
 bool Run::play()
@@ -388,7 +335,7 @@ bool Run::play()
 		comeToRest();
 		checkFolders();
 		checkQueue();
-		meter.add(Sample::take(next - settings.first, HostObjects::NumObjects()));
+		samples.push_back(Sample::take(next - settings.first, HostObjects::NumObjects()));
 	}
 	const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
 	fmt::print("{} requests in {:.1f} s, seed {}\n", next - settings.first, seconds.count(), settings.seed);
@@ -403,16 +350,14 @@ bool Run::printVerdict()
 		const Count& count = counts[kind.name];
 		fmt::print("{:24} {:7} starts, {:7} successes, {:6} failures, {:6} cancelled\n", kind.name, count.starts, count.successes,
 			count.failures, count.cancelled);
-		if (settings.kind.empty() && settings.requests >= enoughForAll && count.successes == 0)
-		{
-			complain(settings.first, "nothing of this kind has succeeded: " + kind.name);
-		}
+		const bool mustSucceed = settings.kind.empty() && settings.requests >= enoughForAll;
+		expect(settings.first, !mustSucceed || count.successes > 0, "nothing of this kind has succeeded: " + kind.name);
 	}
 	constexpr double bytesOfRow = 300; // that the library keeps of each ID whose result went to a node: this kind draws a new one each time
 	const double rows = bytesOfRow * static_cast<double>(counts["node drive information"].starts);
-	for (const std::string& growth : meter.findGrowth(static_cast<int>(settings.inFlight), SoakOrigin::number, rows))
+	for (const std::string& growth : findGrowth(samples, static_cast<int>(settings.inFlight), SoakOrigin::number, rows))
 	{
-		complain(next - 1, growth);
+		expect(next - 1, false, growth);
 	}
 	fmt::print("{}\n", faultsFound == 0 ? "SOUND" : fmt::format("{} FAULTS", faultsFound));
 	return faultsFound == 0;

@@ -41,12 +41,10 @@ public:
 	void makeSource(Errand& errand);
 	/** Does something later, if the request is not over by then. */
 	void later(const Errand& errand, double milliseconds, std::function<void(Errand&)> action);
-	void complain(std::uint64_t number, const std::string& what);
+	/** What does not hold is a fault, and is told. */
+	void expect(std::uint64_t number, bool holds, const std::string& what);
 	/** A program that downloads to the same places again and again: the module keeps something of each unfinished place. */
 	std::string target(const Errand& errand) const { return targets.path("slot" + std::to_string(errand.slot) + ".bin"); }
-	/** Whether the file is as long as the content, or shorter, and has its bytes. */
-	static bool hasBeginOf(const std::string& file, const std::string& content);
-	static bool hasAllOf(const std::string& file, const std::string& content);
 
 	const SoakOrigin& origin;
 	const TempDir journals;
@@ -82,7 +80,7 @@ private:
 	const Settings settings;
 	const TempDir targets;
 	const TempDir sources;
-	const std::vector<Kind> kinds;
+	std::vector<Kind> kinds;
 	std::vector<const Kind*> byWeight;
 	std::map<std::uint64_t, std::unique_ptr<Errand>> errands; // by number
 	std::vector<std::size_t> freeSlots;
@@ -93,6 +91,6 @@ private:
 	std::size_t objectsBefore;
 	int queueEnds = 0;
 	int faultsFound = 0;
-	Meter meter;
+	std::vector<Sample> samples;
 	FGameLoop loop; // last: at its end it tells of what still runs
 };

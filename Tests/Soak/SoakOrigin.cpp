@@ -6,13 +6,12 @@
 #include "Lab/Behaviours/Tus.h"
 #include "Lab/Origin.h"
 
-#include <arpa/inet.h>
 #include <csignal>
 #include <fmt/format.h>
-#include <netinet/in.h>
+#include <list>
+#include <optional>
 #include <stdexcept>
 #include <sys/prctl.h>
-#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -36,14 +35,6 @@ namespace
 		return wish.isOnce && request.visit > 1 ? Fault::None : wish.fault;
 	}
 
-	void promiseMore(const Request&, Plan& plan)
-	{
-		if (plan.content)
-		{
-			plan.announced = plan.content->size() + 7;
-		}
-	}
-
 	Behaviour mishap(Fault fault)
 	{
 		switch (fault)
@@ -55,7 +46,8 @@ namespace
 		case Fault::Busy:
 			return Lab::status({.code = 503, .retryAfter = "0", .text = "busy"});
 		case Fault::WrongLength:
-			return Behaviour(promiseMore);
+			return Behaviour([](const Request&, Plan& plan)
+				{ plan.announced = plan.content ? std::optional(plan.content->size() + 7) : plan.announced; });
 		case Fault::Stall:
 			return Lab::stall({.at = {.share = 0.5}, .time = Lab::Milliseconds(20)});
 		default:
@@ -139,15 +131,12 @@ namespace
 	void serve(int told)
 	{
 		prctl(PR_SET_PDEATHSIG, SIGKILL);
-		std::array<Lab::OriginOptions, SoakOrigin::number> options;
-		std::array<std::unique_ptr<Lab::Origin>, SoakOrigin::number> origins;
+		std::list<Lab::Origin> origins;
 		std::array<int, SoakOrigin::number> ports{};
-		for (std::size_t index = 0; index < origins.size(); ++index)
+		for (int& port : ports)
 		{
-			options[index].keepsLog = false;
-			origins[index] = std::make_unique<Lab::Origin>(options[index]);
-			furnish(*origins[index]);
-			ports[index] = origins[index]->port();
+			furnish(origins.emplace_back(Lab::OriginOptions{.keepsLog = false}));
+			port = origins.back().port();
 		}
 		const bool isTold = ::write(told, ports.data(), sizeof ports) == sizeof ports;
 		while (isTold)
@@ -159,19 +148,12 @@ namespace
 } // namespace
 
 SoakOrigin::SoakOrigin()
-	: closed(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
 {
-	sockaddr_in address{};
-	address.sin_family = AF_INET;
-	address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-	socklen_t size = sizeof address;
-	sockaddr* const raw = reinterpret_cast<sockaddr*>(&address);
 	std::array<int, 2> channel{};
-	if (::bind(closed, raw, size) != 0 || ::getsockname(closed, raw, &size) != 0 || pipe(channel.data()) != 0 || (process = fork()) < 0)
+	if (pipe(channel.data()) != 0 || (process = fork()) < 0)
 	{
 		throw std::runtime_error("the origin cannot be started");
 	}
-	closedPort = ntohs(address.sin_port);
 	if (process == 0)
 	{
 		serve(channel[1]);
@@ -189,10 +171,9 @@ SoakOrigin::~SoakOrigin()
 {
 	::kill(process, SIGKILL);
 	::waitpid(process, nullptr, 0);
-	::close(closed);
 }
 
 std::string SoakOrigin::base(const Wish& wish) const
 {
-	return fmt::format("http://127.0.0.1:{}", wish.fault == Fault::Refused ? closedPort : ports[wish.number % number]);
+	return fmt::format("http://127.0.0.1:{}", wish.fault == Fault::Refused ? closed.port : ports[wish.number % number]);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LoopbackListener.h"
 #include "Wish.h"
 
 #include <array>
@@ -25,7 +26,6 @@ public:
 
 private:
 	std::array<int, number> ports{};
-	int closed; // a socket that has a port and does not listen
-	int closedPort = 0;
+	const LoopbackListener closed{-1};
 	pid_t process = 0;
 };

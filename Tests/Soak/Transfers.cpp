@@ -39,15 +39,7 @@ namespace
 	void setHandles(Errand& errand, Node* node)
 	{
 		const auto handle = [weak = TWeakObjectPtr<Node>(node)](void (Node::*function)())
-		{
-			return [weak, function]
-			{
-				if (Node* const alive = weak.Get())
-				{
-					(alive->*function)();
-				}
-			};
-		};
+		{ return [weak, function] { weak.IsValid() ? (weak.Get()->*function)() : void(); }; };
 		errand.cancel = handle(&Node::Cancel);
 		errand.pause = handle(&Node::Pause);
 		errand.goOn = handle(&Node::Continue);
@@ -69,10 +61,8 @@ namespace
 			Listen(output,
 				[&run, tell, isSuccess, number = errand.wish.number](const FCorvaneTransferReport& report)
 				{
-					if (isSuccess != (report.Outcome == Ended::Succeeded))
-					{
-						run.complain(number, "a node's output does not go with " + describe(report));
-					}
+					const bool goesWithIt = isSuccess == (report.Outcome == Ended::Succeeded);
+					run.expect(number, goesWithIt, "a node's output does not go with " + describe(report));
 					tell(report);
 				});
 		};
@@ -201,21 +191,17 @@ namespace
 		handlers.OnEvent = [&run, number](const FString& id, const FString&, const FString& data)
 		{
 			Errand* const running = run.find(number);
-			if (!running || running->wish.event(std::atoi(utf8(id).c_str())) != utf8(data))
-			{
-				return run.complain(number, "a wrong event: " + utf8(data));
-			}
-			running->heard += utf8(data) + ' ';
+			const bool isRight = running && running->wish.event(std::atoi(utf8(id).c_str())) == utf8(data);
+			run.expect(number, isRight, "a wrong event: " + utf8(data));
+			isRight ? void(running->heard += utf8(data) + ' ') : void();
 		};
 		handlers.OnClose = [&run, number](const FCorvaneTransferReport& report)
 		{
 			const Errand* const running = run.find(number);
 			const std::string all = running ? namesOfEvents(running->wish, running->wish.numEvents()) : "";
-			if (running && !all.starts_with(running->heard))
-			{
-				run.complain(number, "events out of order: " + running->heard);
-			}
-			run.end(number, {report.Outcome == Ended::Ended, running && running->heard == all, describe(report)});
+			const std::string heard = running ? running->heard : "";
+			run.expect(number, all.starts_with(heard), "events out of order: " + heard);
+			run.end(number, {report.Outcome == Ended::Ended, running && heard == all, describe(report)});
 		};
 		UCorvaneFollowEvents* const node = UCorvaneFollowEvents::Start(text(run.origin.url("/events/", errand.wish)), wanted, handlers);
 		setHandles<UCorvaneFollowEvents>(errand, node);

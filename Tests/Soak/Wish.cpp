@@ -1,15 +1,9 @@
 #include "Wish.h"
 
+#include "Dice.h"
+
 #include <cstdio>
 #include <cstring>
-
-std::uint64_t Dice::next()
-{
-	std::uint64_t mixed = state += 0x9E3779B97F4A7C15ULL;
-	mixed = (mixed ^ (mixed >> 30)) * 0xBF58476D1CE4E5B9ULL;
-	mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EBULL;
-	return mixed ^ (mixed >> 31);
-}
 
 std::string Wish::text() const
 {
@@ -18,7 +12,6 @@ std::string Wish::text() const
 
 Wish Wish::parse(std::string_view text)
 {
-	Wish wish;
 	unsigned long long number = 0, size = 0;
 	int fault = 0, once = 0;
 	std::sscanf(std::string(text).c_str(), "%llu-%llu-%d-%d", &number, &size, &fault, &once);

@@ -37,20 +37,3 @@ struct Wish
 	int numEvents() const { return 3 + static_cast<int>(number % 5); }
 	std::string event(int index) const { return std::to_string(number) + "." + std::to_string(index); }
 };
-
-/** Numbers without any order that the same start always gives. */
-class Dice
-{
-public:
-	explicit Dice(std::uint64_t start)
-		: state(start)
-	{
-	}
-	std::uint64_t next();
-	/** @return from 0 to below. */
-	std::uint64_t below(std::uint64_t number) { return next() % number; }
-	bool hasLuck(double share) { return static_cast<double>(below(1'000'000)) < share * 1e6; }
-
-private:
-	std::uint64_t state;
-};
