@@ -19,13 +19,8 @@ namespace
 	class FScheduledThread final : public FRunnableThread
 	{
 	public:
-		explicit FScheduledThread(FRunnable* InRunnable)
+		FScheduledThread(FRunnable* InRunnable, const std::string& Name)
 			: Runnable(InRunnable)
-		{
-		}
-		~FScheduledThread() override { Kill(true); }
-
-		void Start(const std::string& Name)
 		{
 			Schedule::the().spawn(Name,
 				[Runnable = Runnable, Ended = Ended]
@@ -34,6 +29,7 @@ namespace
 					*Ended = true;
 				});
 		}
+		~FScheduledThread() override { Kill(true); }
 
 		bool Kill(bool bShouldWait) override
 		{
@@ -93,9 +89,7 @@ FRunnableThread* FRunnableThread::Create(FRunnable* Runnable, const TCHAR* Name)
 	{
 		return nullptr;
 	}
-	auto Thread = std::make_unique<FScheduledThread>(Runnable);
-	Thread->Start(std::string(FTCHARToUTF8(Name).Get()).substr(0, 12));
-	return Thread.release();
+	return new FScheduledThread(Runnable, std::string(FTCHARToUTF8(Name).Get()).substr(0, 12));
 }
 
 void HostThreads::JoinIdle() {}

@@ -20,12 +20,6 @@ namespace
 		bool printsTrace = false;
 	};
 
-	bool isWanted(const Scenario& scenario, const Wishes& wishes)
-	{
-		const bool fits = scenario.kind.isSmall ? !wishes.onlyLarge : !wishes.onlySmall;
-		return fits && scenario.name.starts_with(wishes.scenario);
-	}
-
 	void playRandom(const Scenario& scenario, const Wishes& wishes, std::uint64_t runs)
 	{
 		std::size_t points = 0;
@@ -89,7 +83,8 @@ int main(int count, char** arguments)
 	bool found = false;
 	for (const Scenario& scenario : scenarios())
 	{
-		if (isWanted(scenario, wishes))
+		const bool fits = scenario.kind.isSmall ? !wishes.onlyLarge : !wishes.onlySmall;
+		if (fits && scenario.name.starts_with(wishes.scenario))
 		{
 			found = true;
 			play(scenario, wishes);

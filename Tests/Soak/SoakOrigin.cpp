@@ -37,22 +37,14 @@ namespace
 
 	Behaviour mishap(Fault fault)
 	{
-		switch (fault)
-		{
-		case Fault::Drop:
-			return Lab::drop();
-		case Fault::DropInBody:
-			return Lab::drop({.at = {.share = 0.5}});
-		case Fault::Busy:
-			return Lab::status({.code = 503, .retryAfter = "0", .text = "busy"});
-		case Fault::WrongLength:
-			return Behaviour([](const Request&, Plan& plan)
-				{ plan.announced = plan.content ? std::optional(plan.content->size() + 7) : plan.announced; });
-		case Fault::Stall:
-			return Lab::stall({.at = {.share = 0.5}, .time = Lab::Milliseconds(20)});
-		default:
-			return Lab::headers({});
-		}
+		const auto promiseMore = [](const Request&, Plan& plan)
+		{ plan.announced = plan.content ? std::optional(plan.content->size() + 7) : plan.announced; };
+		return fault == Fault::Drop          ? Lab::drop()
+			   : fault == Fault::DropInBody  ? Lab::drop({.at = {.share = 0.5}})
+			   : fault == Fault::Busy        ? Lab::status({.code = 503, .retryAfter = "0", .text = "busy"})
+			   : fault == Fault::WrongLength ? Behaviour(promiseMore)
+			   : fault == Fault::Stall       ? Lab::stall({.at = {.share = 0.5}, .time = Lab::Milliseconds(20)})
+											 : Lab::headers({});
 	}
 
 	const Behaviour fault([](const Request& request, Plan& plan) { mishap(faultOf(request)).answer(request, plan); },

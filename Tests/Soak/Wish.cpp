@@ -2,6 +2,7 @@
 
 #include "Dice.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
@@ -34,10 +35,7 @@ std::string Wish::content() const
 std::string Wish::letters() const
 {
 	std::string text = content();
-	for (char& each : text)
-	{
-		each = "0123456789abcdefghijklmnopqrstuv"[each & 31];
-	}
+	std::ranges::transform(text, text.begin(), [](char each) { return "0123456789abcdefghijklmnopqrstuv"[each & 31]; });
 	return text;
 }
 
