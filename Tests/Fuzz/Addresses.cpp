@@ -18,7 +18,7 @@ namespace
 	/** Whether a user, and maybe a password, stands in front of the host. */
 	bool HasUser(const FString& Shown)
 	{
-		const std::string Address = ToBytes(Shown);
+		const std::string Address = utf8(Shown);
 		const size_t Scheme = Address.find("://");
 		const size_t Begin = Scheme < Address.find_first_of("/?#") ? Scheme + 3 : 0;
 		return Address.find('@', Begin) < Address.find_first_of("/?#", Begin);
@@ -69,7 +69,7 @@ namespace
 FUZZ(Input)
 {
 	const std::string_view First = Input.Field(), Second = Input.Rest();
-	const FString Base = ToText(First), Link = ToText(Second);
+	const FString Base = text(First), Link = text(Second);
 	CheckOne(Base);
 	CheckOne(Link);
 	if (CorvaneAddress::IsUsable(Base))
@@ -79,6 +79,6 @@ FUZZ(Input)
 	CheckNames(std::string(Second));
 	const FString Asked = CorvaneDrive::MakeAddress(TEXT("https://drive.test"), Link);
 	HOST_CHECK(!CorvaneDrive::FindIDFault(Link).IsEmpty() || IsSame(CorvaneDrive::FindID(TEXT("https://drive.test"), Asked), Link));
-	HOST_CHECK(ToBytes(FGenericPlatformHttp::UrlEncode(Link))
+	HOST_CHECK(utf8(FGenericPlatformHttp::UrlEncode(Link))
 				   .find_first_not_of("%0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz-._~") == std::string::npos);
 }

@@ -107,7 +107,7 @@ namespace
 			{
 				FString Text;
 				HOST_CHECK(Body.append(Piece.data(), static_cast<int64>(Piece.size())) && Body.nextChunk(Text) && !Body.nextChunk(Text));
-				HOST_CHECK(IsSame(Text, ToText(Piece.substr(0, Piece.find('\0')))));
+				HOST_CHECK(IsSame(Text, text(Piece.substr(0, Piece.find('\0')))));
 			});
 		HOST_CHECK(ViewOf(Body.take()) == Bytes);
 	}

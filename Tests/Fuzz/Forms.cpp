@@ -64,7 +64,7 @@ namespace
 	}
 	std::string Quoted(const FString& Name)
 	{
-		return Quoted(ToBytes(Name));
+		return Quoted(utf8(Name));
 	}
 
 	/** The second module chooses a boundary that stands nowhere; its files are put in by the path, which is their content here. */
@@ -76,18 +76,18 @@ namespace
 		std::string Body;
 		for (const FCorvaneBodySegment& Segment : CorvaneForm::Compose(Files, Fields, Boundary))
 		{
-			Body += Segment.IsFile() ? ToBytes(Segment.File.Path) : std::string(ViewOf(Segment.Bytes));
+			Body += Segment.IsFile() ? utf8(Segment.File.Path) : std::string(ViewOf(Segment.Bytes));
 		}
 		std::vector<FPart> Expected;
 		for (const FCorvaneFormField& Field : Fields)
 		{
-			Expected.push_back({Quoted(Field.Name), "", "", ToBytes(Field.Value)});
+			Expected.push_back({Quoted(Field.Name), "", "", utf8(Field.Value)});
 		}
 		for (const FCorvaneFormFile& File : Files)
 		{
-			Expected.push_back({Quoted(File.FieldName), Quoted(File.FileName), ToBytes(File.ContentType), ToBytes(File.FilePath)});
+			Expected.push_back({Quoted(File.FieldName), Quoted(File.FileName), utf8(File.ContentType), utf8(File.FilePath)});
 		}
-		HOST_CHECK(ReadBody(Body, ToBytes(Boundary)) == Expected);
+		HOST_CHECK(ReadBody(Body, utf8(Boundary)) == Expected);
 	}
 
 	/** The first module has one boundary, which texts must not hold. */
@@ -98,15 +98,15 @@ namespace
 		std::vector<FPart> Expected;
 		for (const FCorvaneFormFile& File : Files)
 		{
-			Body += ToBytes(CorvaneRules::filePartHead(Token, File.FieldName, File.FileName, File.ContentType)) + ToBytes(File.FilePath);
-			Expected.push_back({Quoted(File.FieldName), Quoted(File.FileName), ToBytes(File.ContentType), ToBytes(File.FilePath)});
+			Body += utf8(CorvaneRules::filePartHead(Token, File.FieldName, File.FileName, File.ContentType)) + utf8(File.FilePath);
+			Expected.push_back({Quoted(File.FieldName), Quoted(File.FileName), utf8(File.ContentType), utf8(File.FilePath)});
 		}
 		for (const FCorvaneFormField& Field : Fields)
 		{
-			Body += ToBytes(CorvaneRules::textPart(Token, Field.Name, Field.Value));
-			Expected.push_back({Quoted(Field.Name), "", "", ToBytes(Field.Value)});
+			Body += utf8(CorvaneRules::textPart(Token, Field.Name, Field.Value));
+			Expected.push_back({Quoted(Field.Name), "", "", utf8(Field.Value)});
 		}
-		HOST_CHECK(ReadBody(Body + ToBytes(CorvaneRules::closingDelimiter(Token)), "----" + ToBytes(Token)) == Expected);
+		HOST_CHECK(ReadBody(Body + utf8(CorvaneRules::closingDelimiter(Token)), "----" + utf8(Token)) == Expected);
 	}
 } // namespace
 
@@ -125,7 +125,7 @@ FUZZ(Input)
 		File.FieldName = Name;
 		File.FileName = bFile ? Entry.Text(';') : FString();
 		File.ContentType = bFile ? Entry.Text(';') : FString();
-		File.FilePath = ToText(Entry.Rest());
+		File.FilePath = text(Entry.Rest());
 		bHoldsBoundary |= File.FilePath.Contains(TEXT("UE4CorvanePlugin_"));
 		bFile ? void(Files.Add(File)) : void(Fields.Add({Name, File.FilePath}));
 	}

@@ -1,24 +1,13 @@
 #pragma once
 
-#include "Containers/StringConv.h"
 #include "CoreMinimal.h"
+#include "TextSupport.h"
 
 #include <charconv>
 #include <string>
 #include <string_view>
 #include <utility>
 
-/** Bytes as the module's text, and back. */
-inline FString ToText(std::string_view Bytes)
-{
-	const FUTF8ToTCHAR Units(Bytes.data(), static_cast<int32>(Bytes.size()));
-	return FString::ConstructFromPtrSize(Units.Get(), Units.Length());
-}
-inline std::string ToBytes(const FString& Text)
-{
-	const FTCHARToUTF8 Utf8(*Text, Text.Len());
-	return {Utf8.Get(), static_cast<size_t>(Utf8.Length())};
-}
 inline TArray<uint8> ToArray(std::string_view Bytes)
 {
 	TArray<uint8> Array;
@@ -49,7 +38,7 @@ public:
 		Left.remove_prefix(std::min(Left.size(), Taken.size() + 1));
 		return Taken;
 	}
-	FString Text(char End = '\n') { return ToText(Field(End)); }
+	FString Text(char End = '\n') { return text(Field(End)); }
 	/** A decimal number in a field; what is none, or lies outside, becomes the nearest that may be. */
 	int64 Number(int64 Least, int64 Most, char End = '\n')
 	{

@@ -11,7 +11,7 @@ FUZZ(Input)
 	const int32 Code = static_cast<int32>(Input.Number(200, 403));
 	const FString From = Input.Text();
 	const FString PageAddress = CorvaneAddress::IsUsable(From) ? From : FString(TEXT("https://user:pw@drive.test/uc?id=1"));
-	const FString Page = ToText(Input.Rest());
+	const FString Page = text(Input.Rest());
 
 	const FCorvaneDrivePage Read = CorvaneDrive::ReadPage(Page, PageAddress, Code);
 	const FString& Found = Read.FileAddress;

@@ -25,7 +25,7 @@ namespace
 
 	std::string OwnTail(int64 Size)
 	{
-		return ToBytes(CorvaneRules::closingDelimiter(CorvaneRules::boundaryToken(Size)));
+		return utf8(CorvaneRules::closingDelimiter(CorvaneRules::boundaryToken(Size)));
 	}
 
 	/** What an upload appends is known again, and its size is told. */

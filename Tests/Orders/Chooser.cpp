@@ -2,89 +2,71 @@
 
 #include <sstream>
 
-namespace Orders
+int RandomChooser::choose(Choice kind, int options)
 {
-	RandomChooser::RandomChooser(std::uint64_t inSeed)
-		: seed(inSeed)
-		, state(inSeed)
-		, preemptsOf(std::uint64_t{1} << (next() % 6))
+	if (kind == Choice::Hurry)
 	{
+		const bool hurries = hurriesLeft > 0 && dice.below(64) == 0;
+		hurriesLeft -= hurries;
+		return hurries;
 	}
+	if (kind == Choice::Preempt && dice.below(64) >= preemptsOf)
+	{
+		return 0;
+	}
+	return static_cast<int>(dice.below(static_cast<std::uint64_t>(options)));
+}
 
-	std::uint64_t RandomChooser::next()
+int EveryOrder::choose(Choice kind, int options)
+{
+	if (kind == Choice::Hurry || (kind == Choice::Preempt && preemptions == mostPreemptions))
 	{
-		state += 0x9E3779B97F4A7C15u;
-		std::uint64_t mixed = (state ^ (state >> 30)) * 0xBF58476D1CE4E5B9u;
-		mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EBu;
-		return mixed ^ (mixed >> 31);
+		return 0;
 	}
+	if (at == path.size())
+	{
+		path.push_back({options, 0});
+	}
+	const int taken = path[at++].taken;
+	preemptions += kind == Choice::Preempt && taken > 0;
+	return taken;
+}
 
-	int RandomChooser::choose(Choice kind, int options)
+bool EveryOrder::advance()
+{
+	path.resize(at);
+	while (!path.empty() && path.back().taken + 1 >= path.back().options)
 	{
-		if (kind == Choice::Hurry)
-		{
-			const bool hurries = hurriesLeft > 0 && next() % 64 == 0;
-			hurriesLeft -= hurries;
-			return hurries;
-		}
-		if (kind == Choice::Preempt && next() % 64 >= preemptsOf)
-		{
-			return 0;
-		}
-		return static_cast<int>(next() % static_cast<std::uint64_t>(options));
+		path.pop_back();
 	}
+	if (path.empty())
+	{
+		return false;
+	}
+	++path.back().taken;
+	rewind();
+	return true;
+}
 
-	int EveryOrder::choose(Choice kind, int options)
+std::string EveryOrder::inWords() const
+{
+	std::string words = "--path " + std::to_string(mostPreemptions);
+	for (std::size_t index = 0; index < at; ++index)
 	{
-		if (kind == Choice::Hurry || (kind == Choice::Preempt && preemptions == mostPreemptions))
-		{
-			return 0;
-		}
-		if (at == path.size())
-		{
-			path.push_back({options, 0});
-		}
-		const int taken = path[at++].taken;
-		preemptions += kind == Choice::Preempt && taken > 0;
-		return taken;
+		words += '.' + std::to_string(path[index].taken);
 	}
+	return words;
+}
 
-	bool EveryOrder::advance()
+EveryOrder EveryOrder::of(const std::string& path)
+{
+	std::istringstream words(path);
+	std::string word;
+	std::getline(words, word, '.');
+	EveryOrder one(std::stoi(word));
+	while (std::getline(words, word, '.'))
 	{
-		path.resize(at);
-		while (!path.empty() && path.back().taken + 1 >= path.back().options)
-		{
-			path.pop_back();
-		}
-		if (path.empty())
-		{
-			return false;
-		}
-		++path.back().taken;
-		rewind();
-		return true;
+		one.path.push_back({0, std::stoi(word)});
 	}
-
-	std::string EveryOrder::inWords() const
-	{
-		std::string words = "--path " + std::to_string(mostPreemptions);
-		for (std::size_t index = 0; index < at; ++index)
-		{
-			words += '.' + std::to_string(path[index].taken);
-		}
-		return words;
-	}
-
-	EveryOrder EveryOrder::of(const std::string& path)
-	{
-		std::istringstream words(path);
-		std::string word;
-		std::getline(words, word, '.');
-		EveryOrder one(std::stoi(word));
-		while (std::getline(words, word, '.'))
-		{
-			one.path.push_back({0, std::stoi(word)});
-		}
-		return one;
-	}
-} // namespace Orders
+	return one;
+}

@@ -12,12 +12,8 @@
 #include <unordered_map>
 #include <utility>
 
-using Orders::Schedule;
-
 namespace
 {
-	int numTaken = 0;
-
 	class FScheduledEvent final : public FEvent
 	{
 	public:
@@ -27,11 +23,7 @@ namespace
 			bSet = true;
 			Schedule::the().point("has triggered an event", this);
 		}
-		bool Wait(uint32 Milliseconds) override
-		{
-			const double Seconds = Milliseconds == MAX_uint32 ? Schedule::forever : Milliseconds / 1000.0;
-			return WaitFor(Seconds);
-		}
+		bool Wait(uint32 Milliseconds) override { return WaitFor(Milliseconds == MAX_uint32 ? Schedule::forever : Milliseconds / 1000.0); }
 		void Wait() override { WaitFor(Schedule::forever); }
 
 	private:
@@ -51,32 +43,18 @@ namespace
 		int Depth = 0;
 	};
 
-	std::unordered_map<const FCriticalSection*, FHolder>& theHolders()
-	{
-		static auto& Holders = *new std::unordered_map<const FCriticalSection*, FHolder>();
-		return Holders;
-	}
+	std::unordered_map<const FCriticalSection*, FHolder> Holders;
 } // namespace
-
-int HostEvents::NumTaken()
-{
-	return numTaken;
-}
-
-int HostEvents::NumHeld()
-{
-	return static_cast<int>(theHolders().size());
-}
 
 FEvent* FPlatformProcess::GetSynchEventFromPool()
 {
-	++numTaken;
+	++HostEvents::NumTaken;
 	return new FScheduledEvent();
 }
 
 void FPlatformProcess::ReturnSynchEventToPool(FEvent* Event)
 {
-	--numTaken;
+	--HostEvents::NumTaken;
 	delete Event;
 }
 
@@ -96,25 +74,26 @@ void FCriticalSection::Lock()
 	const int Self = Schedule::self();
 	const auto IsFree = [this, Self]
 	{
-		const auto Found = theHolders().find(this);
-		return Found == theHolders().end() || Found->second.Thread == Self;
+		const auto Found = Holders.find(this);
+		return Found == Holders.end() || Found->second.Thread == Self;
 	};
 	if (!IsFree())
 	{
 		Schedule::the().waitUntil("waits for a lock", this, IsFree);
 	}
-	FHolder& Holder = theHolders()[this];
+	FHolder& Holder = Holders[this];
 	Holder.Thread = Self;
-	++Holder.Depth;
+	HostEvents::NumHeld += ++Holder.Depth == 1;
 }
 
 void FCriticalSection::Unlock()
 {
-	if (!Schedule::isRunning() || --theHolders()[this].Depth > 0)
+	if (!Schedule::isRunning() || --Holders[this].Depth > 0)
 	{
 		return;
 	}
-	theHolders().erase(this);
+	Holders.erase(this);
+	--HostEvents::NumHeld;
 	Schedule::the().point("has left a lock", this);
 }
 

@@ -10,21 +10,10 @@
 #include <deque>
 #include <utility>
 
-using Orders::Schedule;
-
 namespace
 {
-	struct FTasks
-	{
-		std::deque<TUniqueFunction<void()>> Queue;
-		bool bClosed = false;
-	};
-
-	FTasks& theTasks()
-	{
-		static FTasks Tasks;
-		return Tasks;
-	}
+	std::deque<TUniqueFunction<void()>> Queue;
+	bool bClosed = false;
 } // namespace
 
 bool IsInGameThread()
@@ -40,21 +29,21 @@ void AsyncTask(ENamedThreads::Type Thread, TUniqueFunction<void()> Function)
 		return;
 	}
 	Schedule::the().point("posts to the game thread");
-	if (!theTasks().bClosed)
+	if (!bClosed)
 	{
-		theTasks().Queue.push_back(std::move(Function));
+		Queue.push_back(std::move(Function));
 	}
 	Schedule::the().point("has posted");
 }
 
 void GameThreadTasks::BindToThisThread()
 {
-	theTasks().bClosed = false;
+	bClosed = false;
 }
 
 int GameThreadTasks::RunQueued()
 {
-	std::deque<TUniqueFunction<void()>> Taken = std::exchange(theTasks().Queue, {});
+	std::deque<TUniqueFunction<void()>> Taken = std::exchange(Queue, {});
 	int Number = 0;
 	for (; !Taken.empty(); ++Number)
 	{
@@ -71,11 +60,11 @@ bool GameThreadTasks::WaitUntil(std::chrono::steady_clock::time_point Deadline)
 	const bool bForever = Deadline == std::chrono::steady_clock::time_point::max();
 	const double Seconds = bForever ? Schedule::forever : std::chrono::duration<double>(Deadline - HostClock::Now()).count();
 	return Schedule::the().waitUntil(
-		"waits for tasks", nullptr, [] { return !theTasks().Queue.empty(); }, Seconds);
+		"waits for tasks", nullptr, [] { return !Queue.empty(); }, Seconds);
 }
 
 void GameThreadTasks::Drop(bool bForGood)
 {
-	theTasks().bClosed = bForGood;
-	std::exchange(theTasks().Queue, {}).clear();
+	bClosed = bForGood;
+	std::exchange(Queue, {}).clear();
 }

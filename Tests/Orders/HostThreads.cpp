@@ -14,22 +14,13 @@
 #include <memory>
 #include <utility>
 
-using Orders::Schedule;
-
 namespace
 {
-	bool mayRefuse = false;
-
 	class FScheduledThread final : public FRunnableThread
 	{
 	public:
-		explicit FScheduledThread(FRunnable* InRunnable)
+		FScheduledThread(FRunnable* InRunnable, const std::string& Name)
 			: Runnable(InRunnable)
-		{
-		}
-		~FScheduledThread() override { Kill(true); }
-
-		void Start(const std::string& Name)
 		{
 			Schedule::the().spawn(Name,
 				[Runnable = Runnable, Ended = Ended]
@@ -38,6 +29,7 @@ namespace
 					*Ended = true;
 				});
 		}
+		~FScheduledThread() override { Kill(true); }
 
 		bool Kill(bool bShouldWait) override
 		{
@@ -63,53 +55,33 @@ namespace
 		const std::shared_ptr<bool> Ended = std::make_shared<bool>(false);
 	};
 
-	struct FBackground
+	std::deque<TUniqueFunction<void()>> Background;
+	int NumWorkers = 0;
+	bool bClosed = true;
+
+	void RunFirst()
 	{
-		std::deque<TUniqueFunction<void()>> Queue;
-		int NumWorkers = 0;
-		int NumRunning = 0;
-		bool bClosed = true;
-
-		void WorkOff()
-		{
-			while (!Queue.empty())
-			{
-				RunFirst();
-				Schedule::the().point("has done a background task");
-			}
-			--NumWorkers;
-		}
-
-		void RunFirst()
-		{
-			const TUniqueFunction<void()> Task = std::move(Queue.front());
-			Queue.pop_front();
-			++NumRunning;
-			Task();
-			--NumRunning;
-		}
-	};
-
-	FBackground& theBackground()
-	{
-		static FBackground Background;
-		return Background;
+		const TUniqueFunction<void()> Task = std::move(Background.front());
+		Background.pop_front();
+		Task();
+		--HostThreads::NumInBackground;
 	}
+
+	void WorkOff()
+	{
+		while (!Background.empty())
+		{
+			RunFirst();
+			Schedule::the().point("has done a background task");
+		}
+		--NumWorkers;
+	}
+
 	bool isRefused()
 	{
-		return mayRefuse && Schedule::the().choose("wants a thread, and gets none", 2) == 1;
+		return HostThreads::bMayRefuse && Schedule::the().choose("wants a thread, and gets none", 2) == 1;
 	}
 } // namespace
-
-void HostThreads::MayRefuse(bool bMay)
-{
-	mayRefuse = bMay;
-}
-
-int HostThreads::NumInBackground()
-{
-	return static_cast<int>(theBackground().Queue.size()) + theBackground().NumRunning;
-}
 
 FRunnableThread* FRunnableThread::Create(FRunnable* Runnable, const TCHAR* Name)
 {
@@ -117,9 +89,7 @@ FRunnableThread* FRunnableThread::Create(FRunnable* Runnable, const TCHAR* Name)
 	{
 		return nullptr;
 	}
-	auto Thread = std::make_unique<FScheduledThread>(Runnable);
-	Thread->Start(std::string(FTCHARToUTF8(Name).Get()).substr(0, 12));
-	return Thread.release();
+	return new FScheduledThread(Runnable, std::string(FTCHARToUTF8(Name).Get()).substr(0, 12));
 }
 
 void HostThreads::JoinIdle() {}
@@ -127,44 +97,35 @@ void HostThreads::JoinIdle() {}
 void BackgroundTasks::Add(TUniqueFunction<void()> Task)
 {
 	constexpr int mostWorkers = 4;
-	FBackground& Background = theBackground();
 	Schedule::the().point("adds a background task");
-	if (Background.bClosed)
+	if (bClosed)
 	{
 		return;
 	}
-	Background.Queue.push_back(std::move(Task));
-	if (Background.NumWorkers == mostWorkers)
+	Background.push_back(std::move(Task));
+	++HostThreads::NumInBackground;
+	if (NumWorkers == mostWorkers)
 	{
 		return;
 	}
 	if (isRefused())
 	{
-		AsyncTask(ENamedThreads::GameThread, // as the host does it
-			[&Background]
-			{
-				if (!Background.Queue.empty())
-				{
-					Background.RunFirst();
-				}
-			});
+		AsyncTask(ENamedThreads::GameThread, [] { Background.empty() ? void() : RunFirst(); }); // as the host does it
+		return;
 	}
-	else
-	{
-		++Background.NumWorkers;
-		Schedule::the().spawn("background", [&Background] { Background.WorkOff(); });
-	}
+	++NumWorkers;
+	Schedule::the().spawn("background", &WorkOff);
 }
 
 void BackgroundTasks::Close()
 {
-	FBackground& Background = theBackground();
-	Background.bClosed = true;
-	std::exchange(Background.Queue, {}).clear();
-	Schedule::the().waitUntil("waits for background tasks", nullptr, [&Background] { return Background.NumWorkers == 0; });
+	bClosed = true;
+	HostThreads::NumInBackground -= static_cast<int>(Background.size());
+	std::exchange(Background, {}).clear();
+	Schedule::the().waitUntil("waits for background tasks", nullptr, [] { return NumWorkers == 0; });
 }
 
 void BackgroundTasks::Open()
 {
-	theBackground().bClosed = false;
+	bClosed = false;
 }

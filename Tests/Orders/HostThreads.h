@@ -3,15 +3,15 @@
 namespace HostThreads
 {
 	/** Whether the system may have no thread to give. */
-	void MayRefuse(bool bMay);
+	inline bool bMayRefuse = false;
 	/** Background tasks that wait or run. */
-	int NumInBackground();
+	inline int NumInBackground = 0;
 } // namespace HostThreads
 
 namespace HostEvents
 {
 	/** Events taken from the pool and not given back. */
-	int NumTaken();
+	inline int NumTaken = 0;
 	/** Locks that somebody holds. */
-	int NumHeld();
+	inline int NumHeld = 0;
 } // namespace HostEvents

@@ -20,44 +20,38 @@ namespace
 		bool printsTrace = false;
 	};
 
-	bool isWanted(const Orders::Scenario& scenario, const Wishes& wishes)
-	{
-		const bool fits = scenario.kind.isSmall ? !wishes.onlyLarge : !wishes.onlySmall;
-		return fits && scenario.name.starts_with(wishes.scenario);
-	}
-
-	void playRandom(const Orders::Scenario& scenario, const Wishes& wishes, std::uint64_t runs)
+	void playRandom(const Scenario& scenario, const Wishes& wishes, std::uint64_t runs)
 	{
 		std::size_t points = 0;
 		for (std::uint64_t run = 0; run < runs; ++run)
 		{
-			Orders::RandomChooser chooser(wishes.seed + run);
-			points += Orders::playOnce(scenario, chooser, false);
+			RandomChooser chooser(wishes.seed + run);
+			points += playOnce(scenario, chooser, false);
 		}
 		std::printf(
 			"%-26s %8llu random orders, %4zu points each", scenario.name.c_str(), static_cast<unsigned long long>(runs), points / runs);
 	}
 
-	void playAll(const Orders::Scenario& scenario, int preemptions)
+	void playAll(const Scenario& scenario, int preemptions)
 	{
-		Orders::EveryOrder chooser(preemptions);
+		EveryOrder chooser(preemptions);
 		std::size_t runs = 0;
 		do
 		{
 			chooser.rewind();
-			Orders::playOnce(scenario, chooser, true);
+			playOnce(scenario, chooser, true);
 			++runs;
 		} while (chooser.advance());
 		std::printf("%-26s %8zu orders, all with %d preemptions", scenario.name.c_str(), runs, preemptions);
 	}
 
-	void play(const Orders::Scenario& scenario, const Wishes& wishes)
+	void play(const Scenario& scenario, const Wishes& wishes)
 	{
 		const auto begin = std::chrono::steady_clock::now();
 		if (!wishes.path.empty())
 		{
-			Orders::EveryOrder chooser = Orders::EveryOrder::of(wishes.path);
-			Orders::playOnce(scenario, chooser, true);
+			EveryOrder chooser = EveryOrder::of(wishes.path);
+			playOnce(scenario, chooser, true);
 		}
 		else if (wishes.preemptions >= 0)
 		{
@@ -87,9 +81,10 @@ int main(int count, char** arguments)
 	CLI11_PARSE(program, count, arguments);
 	HostLog::SetSink([](const char*, ELogVerbosity::Type, const FString&) {});
 	bool found = false;
-	for (const Orders::Scenario& scenario : Orders::scenarios())
+	for (const Scenario& scenario : scenarios())
 	{
-		if (isWanted(scenario, wishes))
+		const bool fits = scenario.kind.isSmall ? !wishes.onlyLarge : !wishes.onlySmall;
+		if (fits && scenario.name.starts_with(wishes.scenario))
 		{
 			found = true;
 			play(scenario, wishes);
@@ -97,9 +92,9 @@ int main(int count, char** arguments)
 	}
 	if (wishes.printsTrace)
 	{
-		Orders::Schedule::the().printTrace();
+		Schedule::the().printTrace();
 	}
-	Orders::removeFolder();
+	removeFolder();
 	std::fflush(stdout);
 	_exit(found ? 0 : 2); // the threads of the schedule wait for ever
 }

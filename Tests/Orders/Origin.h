@@ -5,39 +5,36 @@
 #include <string>
 #include <vector>
 
-namespace Orders
+/** The bytes that servers have, and get. */
+inline const std::string fileContent = "abcdefghijkl";
+
+/** The server of one run; how its answers end is open, until it has been asked twice. */
+class Origin
 {
-	/** The bytes that servers have, and get. */
-	extern const std::string content;
-
-	/** The server of one run; how its answers end is open, until it has been asked twice. */
-	class Origin
+public:
+	/** @param inOther  how the first answer may end but for Whole, if inIsBrief; else all ends may be. */
+	Origin(bool inIsBrief, Answer::End inOther)
+		: isBrief(inIsBrief)
+		, other(inOther)
 	{
-	public:
-		/** @param inOther  how the first answer may end but for Whole, if inIsBrief; else all ends may be. */
-		Origin(bool inIsBrief, Answer::End inOther)
-			: isBrief(inIsBrief)
-			, other(inOther)
-		{
-		}
-		Answer answer(const Asked& asked);
+	}
+	Answer answer(const Asked& asked);
 
-		/** Whether a body that holds something has come whole. */
-		bool has(const std::string& bytes) const;
-		/** Of the resumable upload. */
-		std::string stored;
-		/** Asked for so far. */
-		std::vector<std::string> paths;
-		/** Requests that may run at the same time. */
-		std::size_t mostAtOnce = 2;
+	/** Whether a body that holds something has come whole. */
+	bool has(const std::string& bytes) const;
+	/** Of the resumable upload. */
+	std::string stored;
+	/** Asked for so far. */
+	std::vector<std::string> paths;
+	/** Requests that may run at the same time. */
+	std::size_t mostAtOnce = 2;
 
-	private:
-		Answer file(const Asked& asked) const;
-		Answer resumable(const Asked& asked);
-		Answer::End chooseEnd(bool hasBody) const;
+private:
+	Answer file(const Asked& asked) const;
+	Answer resumable(const Asked& asked);
+	Answer::End chooseEnd(bool hasBody) const;
 
-		const bool isBrief;
-		const Answer::End other;
-		std::vector<std::string> bodies;
-	};
-} // namespace Orders
+	const bool isBrief;
+	const Answer::End other;
+	std::vector<std::string> bodies;
+};

@@ -4,103 +4,90 @@
 
 #include <memory>
 
-namespace Orders
+namespace
 {
-	namespace
+	struct Named
 	{
-		struct Named
-		{
-			Disturbance disturbance;
-			const char* name;
-			unsigned needs = 0; // what a kind must not be without
-		};
+		Disturbance disturbance;
+		const char* name;
+		unsigned needs = 0; // what a kind must not be without
+	};
 
-		constexpr Named disturbances[] = {
-			{Disturbance::None, "alone"},
-			{Disturbance::Cancel, "cancel"},
-			{Disturbance::CancelAndAgain, "cancel-and-again"},
-			{Disturbance::Collection, "collection"},
-			{Disturbance::GraphGone, "graph-gone", NoGraph},
-			{Disturbance::NoThread, "no-thread"},
-			{Disturbance::Pause, "pause", NoPause},
-			{Disturbance::Unload, "unload"},
-			{Disturbance::EndOfProgram, "end-of-program"},
-			{Disturbance::AgainInHandler, "again-in-handler", NoHandler},
-		};
+	constexpr Named disturbances[] = {
+		{Disturbance::None, "alone"},
+		{Disturbance::Cancel, "cancel"},
+		{Disturbance::CancelAndAgain, "cancel-and-again"},
+		{Disturbance::Collection, "collection"},
+		{Disturbance::GraphGone, "graph-gone", NoGraph},
+		{Disturbance::NoThread, "no-thread"},
+		{Disturbance::Pause, "pause", NoPause},
+		{Disturbance::Unload, "unload"},
+		{Disturbance::EndOfProgram, "end-of-program"},
+		{Disturbance::AgainInHandler, "again-in-handler", NoHandler},
+	};
 
-		std::vector<Scenario> makeAll()
+	std::unique_ptr<TempDir> theFolder; // it stays where a run fails
+
+	const TempDir& emptyFolder()
+	{
+		if (!theFolder)
 		{
-			std::vector<Scenario> made;
-			for (const auto& kindsOfRoom : {requestKinds(), nodeKinds(), transferKinds(), uploadKinds()})
+			theFolder = std::make_unique<TempDir>(std::filesystem::exists("/dev/shm") ? "/dev/shm" : "/tmp");
+		}
+		for (const auto& entry : std::filesystem::directory_iterator(theFolder->path()))
+		{
+			std::filesystem::remove_all(entry.path());
+		}
+		return *theFolder;
+	}
+} // namespace
+
+std::vector<Scenario> scenarios()
+{
+	std::vector<Scenario> made;
+	for (const auto& kindsOfRoom : {requestKinds(), nodeKinds(), transferKinds(), uploadKinds()})
+	{
+		for (const Kind& kind : kindsOfRoom)
+		{
+			for (const Named& each : disturbances)
 			{
-				for (const Kind& kind : kindsOfRoom)
+				if ((each.needs & kind.without) == 0)
 				{
-					for (const Named& each : disturbances)
-					{
-						if ((each.needs & kind.without) == 0)
-						{
-							made.push_back({std::string(kind.name) + '/' + each.name, each.disturbance, kind});
-						}
-					}
+					made.push_back({std::string(kind.name) + '/' + each.name, each.disturbance, kind});
 				}
 			}
-			return made;
 		}
-
-		std::unique_ptr<TempDir>& theFolder()
-		{
-			static auto& folder = *new std::unique_ptr<TempDir>(); // it stays where a run fails
-			return folder;
-		}
-
-		const TempDir& emptyFolder()
-		{
-			if (!theFolder())
-			{
-				theFolder() = std::make_unique<TempDir>(std::filesystem::exists("/dev/shm") ? "/dev/shm" : "/tmp");
-			}
-			for (const auto& entry : std::filesystem::directory_iterator(theFolder()->path()))
-			{
-				std::filesystem::remove_all(entry.path());
-			}
-			return *theFolder();
-		}
-	} // namespace
-
-	const std::vector<Scenario>& scenarios()
-	{
-		static const std::vector<Scenario> all = makeAll();
-		return all;
 	}
+	return made;
+}
 
-	void removeFolder()
-	{
-		theFolder().reset();
-	}
+void removeFolder()
+{
+	theFolder.reset();
+}
 
-	std::size_t playOnce(const Scenario& scenario, Chooser& chooser, bool isBrief)
+std::size_t playOnce(const Scenario& scenario, Chooser& chooser, bool isBrief)
+{
+	Schedule& schedule = Schedule::the();
+	schedule.title = scenario.name;
+	schedule.begin(chooser);
+	bool hasGivenUp = false;
 	{
-		Schedule& schedule = Schedule::the();
-		schedule.title = scenario.name;
-		schedule.begin(chooser);
-		bool hasGivenUp = false;
+		World world(emptyFolder(), scenario.disturbance, isBrief);
+		scenario.kind.play(world);
+		world.expectNothingLeft();
+		world.shutDown();
+		const bool isTold = world.outcomes == world.starts || world.mayGiveUp() || (world.isEnding() && !scenario.kind.alwaysTells());
+		world.expect(isTold, "a start has no outcome");
+		if (scenario.kind.look)
 		{
-			World world(emptyFolder(), scenario.disturbance, isBrief);
-			scenario.kind.play(world);
-			world.expectNothingLeft();
-			world.shutDown();
-			const bool isTold = world.outcomes == world.starts || world.mayGiveUp() || (world.isEnding() && !scenario.kind.alwaysTells());
-			world.expect(isTold, "a start has no outcome");
-			if (scenario.kind.look)
-			{
-				scenario.kind.look(world);
-			}
-			hasGivenUp = world.mayGiveUp();
+			scenario.kind.look(world);
 		}
-		if (hasGivenUp)
-		{
-			removeFolder(); // what was given up may claim files in it for ever
-		}
-		return schedule.end();
+		hasGivenUp = world.mayGiveUp();
 	}
-} // namespace Orders
+	if (hasGivenUp)
+	{
+		removeFolder(); // what was given up may claim files in it for ever
+	}
+	return schedule.end();
+}

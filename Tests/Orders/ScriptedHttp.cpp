@@ -3,112 +3,72 @@
 
 #include "ScriptedHttp.h"
 
-#include "Containers/StringConv.h"
 #include "HttpRequest.h"
 #include "HttpThread.h"
 #include "Schedule.h"
+#include "TextSupport.h"
 
 #include <algorithm>
 #include <deque>
 #include <optional>
 
-using Orders::Schedule;
-
 namespace
 {
+	using FRequest = std::shared_ptr<FHttpRequest>;
+
 	struct FPlayed
 	{
-		std::shared_ptr<FHttpRequest> Request;
-		Orders::Asked Asked;
-		bool bAnswered = false; // which waits for the body
-		Orders::Answer Answer;
+		FRequest Request;
+		Asked Question;
+		std::optional<Answer> Told = {}; // which waits for the body
 		size_t At = 0; // of the steps: status, headers, blocks, end
 		double LatestEnd = Schedule::forever; // of one that has fallen silent
+
+		bool IsLate() const { return Schedule::the().now() >= LatestEnd; }
+		bool HasStep() const
+		{
+			return IsLate() || !Told || Told->end != Answer::End::Silent || At < 1 + Told->headers.size() + Told->blocks.size();
+		}
 	};
 
-	struct FScriptedService
+	struct FService
 	{
-		std::deque<std::pair<std::shared_ptr<FHttpRequest>, bool>> Commands; // true = cancel
-		std::vector<FPlayed> Running;
-		Orders::Server Server;
-		int NumTaken = 0;
-		int NumStarted = 0;
-		bool bMayBreak = false;
+		std::deque<std::pair<FRequest, bool>> Commands; // true = cancel
 		bool bAccepting = false;
 		bool bRuns = false;
+	} Service;
+	std::vector<FPlayed> Running;
 
-		void Run();
-		void TakeCommand();
-		void Begin(const std::shared_ptr<FHttpRequest>& Request);
-		void EndRequest(const std::shared_ptr<FHttpRequest>& Request, FHttpOutcome Outcome);
-		std::vector<size_t> WithSteps() const;
-		double EarliestEnd() const;
-		void Step(FPlayed& Played);
-		void TakePart(FPlayed& Played);
-		void Play(FPlayed& Played);
-		void AnswerIt(FPlayed& Played)
+	void EndRequest(FRequest Request, FHttpOutcome Outcome)
+	{
+		traffic.running -= std::erase_if(Running, [&](const FPlayed& Each) { return Each.Request == Request; });
+		Request->End(Outcome);
+	}
+
+	void Begin(const FRequest& Request)
+	{
+		Request->bEnded = false;
+		if (!Request->Url)
 		{
-			Played.Answer = Server(Played.Asked);
-			Played.bAnswered = true;
+			Request->End({});
+			return;
 		}
-		void StepBody(FPlayed& Played, size_t Block);
-		void StepEnd(const FPlayed& Played);
-	};
-
-	FScriptedService& theService()
-	{
-		static FScriptedService& Service = *new FScriptedService();
-		return Service;
-	}
-
-	bool hasStep(const FPlayed& Played)
-	{
-		return Schedule::the().now() >= Played.LatestEnd || !Played.bAnswered || Played.Answer.end != Orders::Answer::End::Silent ||
-			   Played.At < 1 + Played.Answer.headers.size() + Played.Answer.blocks.size();
-	}
-
-	std::string utf8(const FString& Text)
-	{
-		return FTCHARToUTF8(*Text).Get();
-	}
-
-	void FScriptedService::Run()
-	{
-		for (;;)
+		++traffic.taken;
+		++traffic.running;
+		const std::string Address = utf8(Request->GetEffectiveURL());
+		const std::string Path = Address.substr(std::min(Address.size(), Address.find('/', 8)));
+		const auto Header = [&](const TCHAR* Name) { return utf8(Request->GetHeader(Name)); };
+		FPlayed& Played = Running.emplace_back(Request, Asked{Request->Verb, Path, Header(TEXT("Range")), Header(TEXT("Upload-Offset"))});
+		if (!Request->Body)
 		{
-			const auto HasWork = [this] { return !Commands.empty() || !bAccepting || !WithSteps().empty(); };
-			Schedule::the().waitUntil("looks for work", nullptr, HasWork, EarliestEnd() - Schedule::the().now());
-			const std::vector<size_t> Ready = WithSteps();
-			if (Commands.empty() && !bAccepting)
-			{
-				break;
-			}
-			if (Commands.empty() && Ready.empty())
-			{
-				continue;
-			}
-			const int Options = static_cast<int>(Ready.size()) + !Commands.empty();
-			const int Taken = Schedule::the().choose("does work", Options);
-			if (!Commands.empty() && Taken == 0)
-			{
-				TakeCommand();
-			}
-			else
-			{
-				Step(Running[Ready[static_cast<size_t>(Taken) - !Commands.empty()]]);
-			}
+			Played.Told = traffic.server(Played.Question);
 		}
-		while (!Running.empty())
-		{
-			EndRequest(Running.back().Request, {EHttpFailureReason::Cancelled, 0});
-		}
-		bRuns = false;
 	}
 
-	void FScriptedService::TakeCommand()
+	void TakeCommand()
 	{
-		const auto [Request, bCancel] = Commands.front();
-		Commands.pop_front();
+		const auto [Request, bCancel] = Service.Commands.front();
+		Service.Commands.pop_front();
 		if (!bCancel)
 		{
 			Begin(Request);
@@ -119,47 +79,95 @@ namespace
 		}
 	}
 
-	void FScriptedService::Begin(const std::shared_ptr<FHttpRequest>& Request)
+	/** A third of the body. */
+	void TakePart(FPlayed& Played)
 	{
-		Request->bEnded = false;
-		if (!Request->Url)
+		FHttpRequest& Request = *Played.Request;
+		Asked& Question = Played.Question;
+		const bool bBreaks = traffic.mayBreak && traffic.taken <= 2 && Schedule::the().choose("the connection breaks", 4) == 1;
+		if (bBreaks && Question.body.empty())
 		{
-			Request->End({});
-			return;
+			return EndRequest(Played.Request, {EHttpFailureReason::ConnectionError, 0});
 		}
-		++NumTaken;
-		const std::string Address = utf8(Request->GetEffectiveURL());
-		const std::string Path = Address.substr(std::min(Address.size(), Address.find('/', 8)));
-		const auto Header = [&](const TCHAR* Name) { return utf8(Request->GetHeader(Name)); };
-		FPlayed& Played = Running.emplace_back();
-		Played.Request = Request;
-		Played.Asked = {Request->Verb, Path, Header(TEXT("Range")), Header(TEXT("Upload-Offset"))};
-		if (!Request->Body)
+		std::string Part(Request.Body->GetSize() / 3 + 1, '\0');
+		const std::optional<size_t> Number = bBreaks ? std::nullopt : Request.Body->Read(Part.data(), Part.size());
+		Question.body.append(Part, 0, Number.value_or(0));
+		Question.isWhole = Question.body.size() == Request.Body->GetSize();
+		if (!Number)
 		{
-			AnswerIt(Played);
+			traffic.server(Question);
+			return EndRequest(Played.Request, {EHttpFailureReason::Other, 0});
 		}
+		if (Question.isWhole || *Number == 0)
+		{
+			Played.Told = traffic.server(Question);
+		}
+		Request.NoteSent(Question.body.size());
 	}
 
-	void FScriptedService::EndRequest(const std::shared_ptr<FHttpRequest>& Request, FHttpOutcome Outcome)
+	void PlayEnd(const FPlayed& Played)
 	{
-		std::erase_if(Running, [&](const FPlayed& Each) { return Each.Request == Request; });
-		Request->End(Outcome);
+		using enum EHttpFailureReason;
+		const Answer::End End = Played.Told->end;
+		const auto Reason = End == Answer::End::NoConnection ? ConnectionError : End == Answer::End::Dropped ? Other : None;
+		EndRequest(Played.Request, {Reason, Reason == ConnectionError ? 0 : Played.Told->code});
 	}
 
-	std::vector<size_t> FScriptedService::WithSteps() const
+	void Play(FPlayed& Played)
 	{
-		std::vector<size_t> Ready;
-		for (size_t Index = 0; Index < Running.size(); ++Index)
+		const Answer& Told = *Played.Told;
+		FHttpRequest& Request = *Played.Request;
+		const size_t Headers = Told.headers.size();
+		const size_t At = Played.At++;
+		if (!Played.HasStep())
 		{
-			if (hasStep(Running[Index]))
+			const double Patience = Request.ActivityTimeoutSeconds.value_or(FHttpSettings().activityTimeoutSeconds);
+			Played.LatestEnd = Schedule::the().now() + Patience;
+		}
+		if (Told.end == Answer::End::NoConnection || At > Headers + Told.blocks.size())
+		{
+			PlayEnd(Played);
+		}
+		else if (At == 0)
+		{
+			Request.BeginResponse();
+			Request.TakeStatus(Told.code);
+		}
+		else if (At <= Headers)
+		{
+			const auto& [Name, Value] = Told.headers[At - 1];
+			if (Name == "Content-Length")
 			{
-				Ready.push_back(Index);
+				Request.TakeLength(std::stoull(Value));
 			}
+			Request.TakeHeader(FString(Name.c_str()), FString(Value.c_str()));
+		}
+		else if (std::string Bytes = Told.blocks[At - Headers - 1]; !Request.TakeBody(Bytes.data(), Bytes.size()))
+		{
+			EndRequest(Played.Request, {EHttpFailureReason::Other, Told.code});
+		}
+	}
+
+	void Step(FPlayed& Played)
+	{
+		if (Played.IsLate())
+		{
+			return EndRequest(Played.Request, {EHttpFailureReason::ConnectionError, 0});
+		}
+		Played.Told ? Play(Played) : TakePart(Played);
+	}
+
+	std::vector<FPlayed*> WithSteps()
+	{
+		std::vector<FPlayed*> Ready;
+		for (FPlayed& Played : Running)
+		{
+			Played.HasStep() ? Ready.push_back(&Played) : void();
 		}
 		return Ready;
 	}
 
-	double FScriptedService::EarliestEnd() const
+	double EarliestEnd()
 	{
 		double Earliest = Schedule::forever;
 		for (const FPlayed& Played : Running)
@@ -169,119 +177,31 @@ namespace
 		return Earliest;
 	}
 
-	void FScriptedService::Step(FPlayed& Played)
+	void ServeAll()
 	{
-		if (Schedule::the().now() >= Played.LatestEnd)
+		for (;;)
 		{
-			return EndRequest(FPlayed(Played).Request, {EHttpFailureReason::ConnectionError, 0});
-		}
-		Played.bAnswered ? Play(Played) : TakePart(Played);
-	}
-
-	/** A third of the body. */
-	void FScriptedService::TakePart(FPlayed& Played)
-	{
-		const std::shared_ptr<FHttpRequest> Request = Played.Request;
-		const bool bBreaks = bMayBreak && NumTaken <= 2 && Schedule::the().choose("the connection breaks", 4) == 1;
-		if (bBreaks && Played.Asked.body.empty())
-		{
-			return EndRequest(Request, {EHttpFailureReason::ConnectionError, 0});
-		}
-		std::string Part(Request->Body->GetSize() / 3 + 1, '\0');
-		const std::optional<size_t> Number = bBreaks ? std::nullopt : Request->Body->Read(Part.data(), Part.size());
-		Played.Asked.body.append(Part, 0, Number.value_or(0));
-		Played.Asked.isWhole = Played.Asked.body.size() == Request->Body->GetSize();
-		if (!Number)
-		{
-			Server(Played.Asked);
-			return EndRequest(Request, {EHttpFailureReason::Other, 0});
-		}
-		if (Played.Asked.isWhole || *Number == 0)
-		{
-			AnswerIt(Played);
-		}
-		Request->NoteSent(Played.Asked.body.size());
-	}
-
-	void FScriptedService::Play(FPlayed& Played)
-	{
-		const size_t Headers = Played.Answer.headers.size();
-		const size_t At = Played.At++;
-		if (!hasStep(Played))
-		{
-			const double Patience = Played.Request->ActivityTimeoutSeconds.value_or(FHttpSettings().activityTimeoutSeconds);
-			Played.LatestEnd = Schedule::the().now() + Patience;
-		}
-		if (Played.Answer.end == Orders::Answer::End::NoConnection || At > Headers + Played.Answer.blocks.size())
-		{
-			StepEnd(FPlayed(Played));
-		}
-		else if (At == 0)
-		{
-			Played.Request->BeginResponse();
-			Played.Request->TakeStatus(Played.Answer.code);
-		}
-		else if (At <= Headers)
-		{
-			const auto& [Name, Value] = Played.Answer.headers[At - 1];
-			if (Name == "Content-Length")
+			const auto HasWork = [] { return !Service.Commands.empty() || !Service.bAccepting || !WithSteps().empty(); };
+			Schedule::the().waitUntil("looks for work", nullptr, HasWork, EarliestEnd() - Schedule::the().now());
+			if (Service.Commands.empty() && !Service.bAccepting)
 			{
-				Played.Request->TakeLength(std::stoull(Value));
+				break;
 			}
-			Played.Request->TakeHeader(FString(Name.c_str()), FString(Value.c_str()));
+			const std::vector<FPlayed*> Ready = WithSteps();
+			const size_t First = !Service.Commands.empty(); // of the steps
+			if (First + Ready.size() > 0)
+			{
+				const auto Taken = static_cast<size_t>(Schedule::the().choose("does work", static_cast<int>(First + Ready.size())));
+				Taken < First ? TakeCommand() : Step(*Ready[Taken - First]);
+			}
 		}
-		else
+		while (!Running.empty())
 		{
-			StepBody(Played, At - Headers - 1);
+			EndRequest(Running.back().Request, {EHttpFailureReason::Cancelled, 0});
 		}
-	}
-
-	void FScriptedService::StepBody(FPlayed& Played, size_t Block)
-	{
-		std::string Bytes = Played.Answer.blocks[Block];
-		const int Code = Played.Answer.code;
-		const std::shared_ptr<FHttpRequest> Request = Played.Request;
-		if (!Request->TakeBody(Bytes.data(), Bytes.size()))
-		{
-			EndRequest(Request, {EHttpFailureReason::Other, Code});
-		}
-	}
-
-	void FScriptedService::StepEnd(const FPlayed& Played)
-	{
-		switch (Played.Answer.end)
-		{
-		case Orders::Answer::End::NoConnection:
-			return EndRequest(Played.Request, {EHttpFailureReason::ConnectionError, 0});
-		case Orders::Answer::End::Dropped:
-			return EndRequest(Played.Request, {EHttpFailureReason::Other, Played.Answer.code});
-		default:
-			return EndRequest(Played.Request, {EHttpFailureReason::None, Played.Answer.code});
-		}
+		Service.bRuns = false;
 	}
 } // namespace
-
-void Orders::serveWith(Server server, bool mayBreak)
-{
-	theService().Server = std::move(server);
-	theService().NumTaken = theService().NumStarted = 0;
-	theService().bMayBreak = mayBreak;
-}
-
-int Orders::requestsTaken()
-{
-	return theService().NumTaken;
-}
-
-int Orders::requestsStarted()
-{
-	return theService().NumStarted;
-}
-
-std::size_t Orders::requestsRunning()
-{
-	return theService().Running.size();
-}
 
 FHttpThread& FHttpThread::Get()
 {
@@ -292,26 +212,26 @@ FHttpThread& FHttpThread::Get()
 void FHttpThread::Launch(const FHttpSettings& InSettings)
 {
 	Settings = InSettings;
-	theService().bAccepting = theService().bRuns = true;
-	Schedule::the().spawn("http", [] { theService().Run(); });
+	Service.bAccepting = Service.bRuns = true;
+	Schedule::the().spawn("http", &ServeAll);
 }
 
 void FHttpThread::Shutdown()
 {
-	theService().bAccepting = false;
-	Schedule::the().waitUntil("waits for the HTTP thread", nullptr, [] { return !theService().bRuns; });
+	Service.bAccepting = false;
+	Schedule::the().waitUntil("waits for the HTTP thread", nullptr, [] { return !Service.bRuns; });
 }
 
 bool FHttpThread::Start(std::shared_ptr<FHttpRequest> Request)
 {
-	theService().NumStarted += Request->Verb != "DELETE";
+	traffic.started += Request->Verb != "DELETE";
 	Schedule::the().point("starts a request", Request.get());
-	if (!theService().bAccepting)
+	if (!Service.bAccepting)
 	{
 		Request->EndWithoutService();
 		return false;
 	}
-	theService().Commands.emplace_back(std::move(Request), false);
+	Service.Commands.emplace_back(std::move(Request), false);
 	Schedule::the().point("has started a request");
 	return true;
 }
@@ -319,8 +239,8 @@ bool FHttpThread::Start(std::shared_ptr<FHttpRequest> Request)
 void FHttpThread::Cancel(std::shared_ptr<FHttpRequest> Request)
 {
 	Schedule::the().point("cancels a request", Request.get());
-	if (theService().bAccepting)
+	if (Service.bAccepting)
 	{
-		theService().Commands.emplace_back(std::move(Request), true);
+		Service.Commands.emplace_back(std::move(Request), true);
 	}
 }

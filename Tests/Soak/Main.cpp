@@ -23,7 +23,7 @@ namespace
 
 int main(int count, char** arguments)
 {
-	Soak::Settings settings;
+	Settings settings;
 	CLI::App program("Sends requests of all kinds, many at a time, to servers that misbehave, and looks at what comes of each");
 	program.add_option("--requests", settings.requests, "How many")->capture_default_str();
 	program.add_option("--first", settings.first, "Number of the first one: the same seed and number are the same request");
@@ -34,6 +34,6 @@ int main(int count, char** arguments)
 	CLI11_PARSE(program, count, arguments);
 	useOneHeap(arguments);
 	HostLog::SetSink([](const char*, ELogVerbosity::Type, const FString&) {}); // failures are wanted
-	const Soak::SoakOrigin origin;
-	return Soak::Run(settings, origin).play() ? 0 : 1;
+	const SoakOrigin origin;
+	return Run(settings, origin).play() ? 0 : 1;
 }

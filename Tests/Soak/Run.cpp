@@ -5,419 +5,360 @@
 #include "Listen.h"
 
 #include <fmt/format.h>
-#include <fstream>
+#include <numeric>
 
 namespace fs = std::filesystem;
 
-namespace Soak
+namespace
 {
-	namespace
+	constexpr int rounds = 100; // parts of the run, between which nothing runs
+	constexpr double patienceSeconds = 180; // for one part
+	constexpr std::uint64_t nobody = std::numeric_limits<std::uint64_t>::max(); // the number of an ID that is no request's
+	constexpr const char* partFiles[] = {".corvpart", ".corvjournal"};
+
+	FGameLoopSettings loopSettings(const Settings& settings)
 	{
-		constexpr int rounds = 100; // parts of the run, between which nothing runs
-		constexpr double patienceSeconds = 180; // for one part
-		constexpr std::uint64_t nobody = std::numeric_limits<std::uint64_t>::max(); // the number of an ID that is no request's
-		constexpr const char* partFiles[] = {".corvpart", ".corvjournal"};
-
-		FGameLoopSettings loopSettings(const Settings& settings)
-		{
-			FGameLoopSettings wanted;
-			wanted.http.connectionsPerHost = static_cast<int>(settings.inFlight);
-			return wanted;
-		}
-
-		bool hasPendingWork()
-		{
-			return UCorvaneBPLibrary::hasPendingWork() || UCorvaneTransfer::HasPendingWork();
-		}
-
-		std::string readFile(const std::string& path)
-		{
-			std::ifstream stream(path, std::ios::binary);
-			return std::string(std::istreambuf_iterator<char>(stream), {});
-		}
-
-		std::vector<Kind> allKinds()
-		{
-			std::vector<Kind> kinds = requestKinds();
-			std::ranges::move(transferKinds(), std::back_inserter(kinds));
-			return kinds;
-		}
-	} // namespace
-
-	Run::Run(const Settings& inSettings, const SoakOrigin& inOrigin)
-		: origin(inOrigin)
-		, settings(inSettings)
-		, kinds(allKinds())
-		, next(inSettings.first)
-		, loop(loopSettings(inSettings))
-	{
-		for (const Kind& kind : kinds)
-		{
-			const bool isWanted = kind.name.starts_with(settings.kind);
-			byWeight.insert(byWeight.end(), static_cast<std::size_t>(isWanted ? kind.weight : 0), &kind);
-		}
-		for (std::size_t slot = settings.inFlight; slot > 0; --slot)
-		{
-			freeSlots.push_back(slot - 1);
-		}
-		UCorvaneBPLibrary::getCorvaneTarget()->setUploadGracePeriod(0);
-		listenToLibrary();
-		objectsBefore = HostObjects::NumObjects();
+		FGameLoopSettings wanted;
+		wanted.http.connectionsPerHost = static_cast<int>(settings.inFlight);
+		return wanted;
 	}
+} // namespace
 
-	void Run::listenToLibrary()
+Run::Run(const Settings& inSettings, const SoakOrigin& inOrigin)
+	: origin(inOrigin)
+	, settings(inSettings)
+	, kinds(requestKinds())
+	, freeSlots(inSettings.inFlight)
+	, next(inSettings.first)
+	, loop(loopSettings(inSettings))
+{
+	std::ranges::move(transferKinds(), std::back_inserter(kinds));
+	for (const Kind& kind : kinds)
 	{
-		const auto numberOf = [this](const FString& id)
+		const bool isWanted = kind.name.starts_with(settings.kind);
+		byWeight.insert(byWeight.end(), static_cast<std::size_t>(isWanted ? kind.weight : 0), &kind);
+	}
+	std::iota(freeSlots.rbegin(), freeSlots.rend(), 0);
+	UCorvaneBPLibrary::getCorvaneTarget()->setUploadGracePeriod(0);
+	listenToLibrary();
+	objectsBefore = HostObjects::NumObjects();
+}
+
+void Run::listenToLibrary()
+{
+	const auto numberOf = [this](const FString& id)
+	{
+		const std::string text = utf8(id);
+		const std::uint64_t number = text.empty() ? 0 : std::strtoull(text.c_str() + 1, nullptr, 10);
+		return text.starts_with('r') ? number : text.starts_with('s') ? inSlot(number) : nobody;
+	};
+	UCorvaneBPLibrary& library = *UCorvaneBPLibrary::getCorvaneTarget();
+	Listen(library.onhttpRequestCompleteDelegate,
+		[this, numberOf](
+			const FString& body, const TArray<FString>&, const TArray<FString>&, int32 code, const TArray<uint8>& bytes, const FString& id)
 		{
-			const std::string text = utf8(id);
-			const std::uint64_t number = text.empty() ? 0 : std::strtoull(text.c_str() + 1, nullptr, 10);
-			return text.starts_with('r') ? number : text.starts_with('s') ? inSlot(number) : nobody;
-		};
-		UCorvaneBPLibrary& library = *UCorvaneBPLibrary::getCorvaneTarget();
-		Listen(library.onhttpRequestCompleteDelegate,
-			[this, numberOf](const FString& body, const TArray<FString>&, const TArray<FString>&, int32 code, const TArray<uint8>& bytes,
-				const FString& id)
+			Errand* const errand = find(numberOf(id));
+			const bool isText = errand && errand->kind->name.starts_with("post");
+			const std::string got = bytesOf(bytes);
+			const bool isRight = errand && errand->isRight(got) && (!isText || utf8(body) == got);
+			end(numberOf(id), {code < 400, isRight, fmt::format("{} {}", code, utf8(body.Left(40)))});
+		});
+	Listen(library.onhttpRequestCompleteGoogleInfoDelegate,
+		[this, numberOf](const FString& name, int64 size, int32 code, const FString&, const FString& id)
+		{
+			const Errand* const errand = find(numberOf(id));
+			const bool isRight = errand && size == static_cast<int64>(errand->wish.size) && name == TEXT("level.pak");
+			end(numberOf(id), {code < 400, isRight, fmt::format("{} {}", code, size)});
+		});
+	Listen(library.onhttpServerSendEventDelegate,
+		[this, numberOf](const FString& piece, const FString& id)
+		{
+			if (Errand* const errand = find(numberOf(id)))
 			{
-				Errand* const errand = find(numberOf(id));
-				const bool isText = errand && errand->kind->name.starts_with("post");
-				const std::string got = bytesOf(bytes);
-				const bool isRight = errand && errand->isRight(got) && (!isText || utf8(body) == got);
-				end(numberOf(id), {code < 400, isRight, fmt::format("{} {}", code, utf8(body.Left(40)))});
-			});
-		Listen(library.onhttpRequestCompleteGoogleInfoDelegate,
-			[this, numberOf](const FString& name, int64 size, int32 code, const FString&, const FString& id)
-			{
-				const Errand* const errand = find(numberOf(id));
-				const bool isRight = errand && size == static_cast<int64>(errand->wish.size) && name == TEXT("level.pak");
-				end(numberOf(id), {code < 400, isRight, fmt::format("{} {}", code, size)});
-			});
-		Listen(library.onhttpServerSendEventDelegate,
-			[this, numberOf](const FString& piece, const FString& id)
-			{
-				if (Errand* const errand = find(numberOf(id)))
-				{
-					errand->heard += utf8(piece);
-				}
-			});
-		Listen(UCorvaneTransferQueue::GetTransferQueue(text("soak"))->OnTransferEnd,
-			[this](UCorvaneTransfer*, const FCorvaneTransferReport&) { ++queueEnds; });
-	}
-
-	std::uint64_t Run::inSlot(std::size_t slot) const
-	{
-		const auto found = std::ranges::find_if(errands, [slot](const auto& each) { return each.second->slot == slot; });
-		return found == errands.end() ? nobody : found->first;
-	}
-
-	Errand* Run::find(std::uint64_t number)
-	{
-		const auto found = errands.find(number);
-		return found == errands.end() ? nullptr : found->second.get();
-	}
-
-	void Run::complain(std::uint64_t number, const std::string& what)
-	{
-		constexpr int mostLines = 20;
-		if (++faultsFound <= mostLines)
-		{
-			const Errand* const errand = find(number);
-			fmt::print("FAULT: request {} ({}, fault {}, disturbance {}): {}\n", number, errand ? errand->kind->name : "over",
-				errand ? static_cast<int>(errand->wish.fault) : -1, errand ? static_cast<int>(errand->disturbance) : -1, what);
-		}
-	}
-
-	void Run::later(const Errand& errand, double milliseconds, std::function<void(Errand&)> action)
-	{
-		const std::chrono::duration<double, std::milli> wait(milliseconds);
-		const auto time = std::chrono::steady_clock::now() + std::chrono::duration_cast<std::chrono::steady_clock::duration>(wait);
-		appointments.push_back({time, errand.wish.number, std::move(action)});
-	}
-
-	void Run::keepAppointments()
-	{
-		const auto now = std::chrono::steady_clock::now();
-		const auto due = std::ranges::partition(appointments, [now](const Appointment& each) { return each.time > now; });
-		std::vector<Appointment> kept(std::make_move_iterator(due.begin()), std::make_move_iterator(due.end()));
-		appointments.erase(due.begin(), due.end());
-		for (const Appointment& appointment : kept)
-		{
-			if (Errand* const errand = find(appointment.number))
-			{
-				appointment.action(*errand);
+				errand->heard += utf8(piece);
 			}
+		});
+	Listen(UCorvaneTransferQueue::GetTransferQueue(text("soak"))->OnTransferEnd,
+		[this](UCorvaneTransfer*, const FCorvaneTransferReport&) { ++queueEnds; });
+}
+
+std::uint64_t Run::inSlot(std::size_t slot) const
+{
+	const auto found = std::ranges::find_if(errands, [slot](const auto& each) { return each.second->slot == slot; });
+	return found == errands.end() ? nobody : found->first;
+}
+
+Errand* Run::find(std::uint64_t number)
+{
+	const auto found = errands.find(number);
+	return found == errands.end() ? nullptr : found->second.get();
+}
+
+void Run::expect(std::uint64_t number, bool holds, const std::string& what)
+{
+	constexpr int mostLines = 20;
+	if (!holds && ++faultsFound <= mostLines)
+	{
+		const Errand* const errand = find(number);
+		fmt::print("FAULT: request {} ({}, fault {}, disturbance {}): {}\n", number, errand ? errand->kind->name : "over",
+			errand ? static_cast<int>(errand->wish.fault) : -1, errand ? static_cast<int>(errand->disturbance) : -1, what);
+	}
+}
+
+void Run::later(const Errand& errand, double milliseconds, std::function<void(Errand&)> action)
+{
+	const std::chrono::duration<double, std::milli> wait(milliseconds);
+	const auto time = std::chrono::steady_clock::now() + std::chrono::duration_cast<std::chrono::steady_clock::duration>(wait);
+	appointments.push_back({time, errand.wish.number, std::move(action)});
+}
+
+void Run::keepAppointments()
+{
+	const auto now = std::chrono::steady_clock::now();
+	for (Appointment& each : std::exchange(appointments, {}))
+	{
+		if (each.time > now)
+		{
+			appointments.push_back(std::move(each));
+		}
+		else if (Errand* const errand = find(each.number))
+		{
+			each.action(*errand);
 		}
 	}
+}
 
-	void Run::draw(Errand& errand)
+void Run::draw(Errand& errand)
+{
+	constexpr Fault all[] = {Fault::Drop, Fault::DropInBody, Fault::Busy, Fault::WrongLength, Fault::Stall, Fault::Refused};
+	Dice& dice = errand.dice;
+	errand.kind = byWeight[dice.below(byWeight.size())];
+	errand.topic = errand.kind->topic;
+	errand.wish.size = 2 + dice.below(errand.kind->mostBytes);
+	errand.wish.fault = dice.hasLuck(settings.faults / 100) ? all[dice.below(std::size(all))] : Fault::None;
+	errand.wish.isOnce = errand.kind->isTransfer && errand.wish.fault != Fault::Refused;
+	const double share = errand.kind->weight > 10 ? 0.04 : 0.3; // what is rare shall meet everything, too
+	const std::vector<Disturbance>& disturbances = errand.kind->disturbances;
+	errand.disturbance = dice.hasLuck(share) ? disturbances[dice.below(disturbances.size())] : Disturbance::None;
+}
+
+void Run::start(std::uint64_t number)
+{
+	Errand& errand = *(errands[number] = std::make_unique<Errand>());
+	errand.wish.number = number;
+	errand.slot = freeSlots.back();
+	freeSlots.pop_back();
+	errand.dice = Dice(settings.seed * 1'000'003 + number);
+	draw(errand);
+	errand.due = errand.disturbance == Disturbance::Twin ? 2 : 1;
+	++counts[errand.kind->name].starts;
+	errand.kind->start(*this, errand);
+	if (Errand* const running = find(number)) // what is refused is over
 	{
-		constexpr Fault all[] = {Fault::Drop, Fault::DropInBody, Fault::Busy, Fault::WrongLength, Fault::Stall, Fault::Refused};
-		Dice& dice = errand.dice;
-		errand.kind = byWeight[dice.below(byWeight.size())];
-		errand.topic = errand.kind->topic;
-		errand.wish.size = 2 + dice.below(errand.kind->mostBytes);
-		errand.wish.fault = dice.hasLuck(settings.faults / 100) ? all[dice.below(std::size(all))] : Fault::None;
-		errand.wish.isOnce = errand.kind->isTransfer && errand.wish.fault != Fault::Refused;
-		const double share = errand.kind->weight > 10 ? 0.04 : 0.3; // what is rare shall meet everything, too
-		const std::vector<Disturbance>& disturbances = errand.kind->disturbances;
-		errand.disturbance = dice.hasLuck(share) ? disturbances[dice.below(disturbances.size())] : Disturbance::None;
+		disturb(*running);
 	}
+}
 
-	void Run::start(std::uint64_t number)
+void Run::disturb(Errand& errand)
+{
+	const double soon = errand.dice.hasLuck(0.5) ? 0 : static_cast<double>(errand.dice.below(4000)) / 1000;
+	const auto cancel = [](Errand& running)
 	{
-		Errand& errand = *(errands[number] = std::make_unique<Errand>());
-		errand.wish.number = number;
-		errand.slot = freeSlots.back();
-		freeSlots.pop_back();
-		errand.dice = Dice(settings.seed * 1'000'003 + number);
-		draw(errand);
-		errand.due = errand.disturbance == Disturbance::Twin ? 2 : 1;
-		++counts[errand.kind->name].starts;
-		errand.kind->start(*this, errand);
-		if (Errand* const running = find(number)) // what is refused is over
-		{
-			disturb(*running);
-		}
+		running.isCancelled = true;
+		running.cancel();
+	};
+	using enum Disturbance;
+	const bool isCancelledTwin = errand.disturbance == Twin && !errand.dice.hasLuck(0.5);
+	if (isCancelledTwin || errand.disturbance == Cancel || errand.disturbance == CancelAndAgain)
+	{
+		soon == 0 ? cancel(errand) : later(errand, soon, cancel);
 	}
-
-	void Run::disturb(Errand& errand)
+	else if (errand.disturbance == Pause)
 	{
-		const double soon = errand.dice.hasLuck(0.5) ? 0 : static_cast<double>(errand.dice.below(4000)) / 1000;
-		const auto cancel = [](Errand& running)
-		{
-			running.isCancelled = true;
-			running.cancel();
-		};
-		switch (errand.disturbance)
-		{
-		case Disturbance::Twin:
-			if (errand.dice.hasLuck(0.5))
+		later(errand, soon,
+			[this](Errand& running)
 			{
-				break;
-			}
-			[[fallthrough]];
-		case Disturbance::Cancel:
-		case Disturbance::CancelAndAgain:
-			return soon == 0 ? cancel(errand) : later(errand, soon, cancel);
-		case Disturbance::Pause:
-			return later(errand, soon,
-				[this](Errand& running)
-				{
-					running.pause();
-					later(running, 3, [](Errand& paused) { paused.goOn(); });
-				});
-		case Disturbance::None:
-			break;
-		}
+				running.pause();
+				later(running, 3, [](Errand& paused) { paused.goOn(); });
+			});
 	}
+}
 
-	void Run::end(std::uint64_t number, const Outcome& outcome)
+void Run::end(std::uint64_t number, const Outcome& outcome)
+{
+	Errand* const errand = find(number);
+	if (!errand)
 	{
-		Errand* const errand = find(number);
-		if (!errand)
-		{
-			return complain(number, "an outcome that is not due: " + outcome.what);
-		}
-		judge(*errand, outcome);
-		if (--errand->due > 0)
-		{
-			return;
-		}
-		if (errand->isCancelled && !outcome.isSuccess && errand->disturbance == Disturbance::CancelAndAgain)
-		{
-			return startAgain(*errand);
-		}
-		leave(*errand, outcome.isSuccess);
+		return expect(number, false, "an outcome that is not due: " + outcome.what);
 	}
-
-	void Run::judge(Errand& errand, const Outcome& outcome)
+	judge(*errand, outcome);
+	if (--errand->due > 0)
 	{
-		const Wish& wish = errand.wish;
-		const bool isHarmless = wish.fault == Fault::None || wish.fault == Fault::Stall || wish.isOnce;
-		const bool mustFail = errand.isRefused || (!errand.isCancelled && !isHarmless);
-		const bool mustSucceed = !errand.isCancelled && !mustFail;
-		if (outcome.isSuccess ? mustFail : mustSucceed)
-		{
-			complain(wish.number, "must not end so: " + outcome.what);
-		}
-		if (outcome.isSuccess && !outcome.isRight)
-		{
-			complain(wish.number, "not what was wanted: " + outcome.what);
-		}
-		if (errand.topic != Topic::Download)
-		{
-			return;
-		}
-		if (outcome.isSuccess ? !hasAllOf(errand.file, errand.content()) : !hasBeginOf(errand.file, errand.content()))
-		{
-			complain(wish.number, fmt::format("wrong bytes in the file: {}", outcome.what));
-		}
+		return;
+	}
+	if (errand->isCancelled && !outcome.isSuccess && errand->disturbance == Disturbance::CancelAndAgain)
+	{
+		return startAgain(*errand);
+	}
+	leave(*errand, outcome.isSuccess);
+}
+
+void Run::judge(Errand& errand, const Outcome& outcome)
+{
+	const Wish& wish = errand.wish;
+	const bool isHarmless = wish.fault == Fault::None || wish.fault == Fault::Stall || wish.isOnce;
+	const bool mustFail = errand.isRefused || (!errand.isCancelled && !isHarmless);
+	const bool mustSucceed = !errand.isCancelled && !mustFail;
+	expect(wish.number, outcome.isSuccess ? !mustFail : !mustSucceed, "must not end so: " + outcome.what);
+	expect(wish.number, !outcome.isSuccess || outcome.isRight, "not what was wanted: " + outcome.what);
+	if (errand.topic != Topic::Download)
+	{
+		return;
+	}
+	const bool hasRightBytes = outcome.isSuccess ? errand.isInFile() : errand.content().starts_with(readFile(errand.file));
+	expect(wish.number, hasRightBytes, "wrong bytes in the file: " + outcome.what);
+	for (const char* ending : partFiles)
+	{
+		expect(wish.number, !outcome.isSuccess || !fs::exists(errand.file + ending), fmt::format("a success has left {}", ending));
+	}
+}
+
+void Run::startAgain(Errand& errand)
+{
+	errand.isAgain = true;
+	errand.isCancelled = false;
+	errand.disturbance = Disturbance::None;
+	errand.wish.fault = Fault::None;
+	errand.due = 1;
+	errand.heard.clear();
+	errand.kind->start(*this, errand);
+}
+
+void Run::leave(Errand& errand, bool isSuccess)
+{
+	Count& count = counts[errand.kind->name];
+	++(isSuccess ? count.successes : errand.isCancelled ? count.cancelled : count.failures);
+	if (errand.topic == Topic::Download)
+	{
+		fs::remove(errand.file);
 		for (const char* ending : partFiles)
 		{
-			if (outcome.isSuccess && fs::exists(errand.file + ending))
-			{
-				complain(wish.number, fmt::format("a success has left {}", ending));
-			}
+			fs::remove(errand.file + ending);
 		}
 	}
+	freeSlots.push_back(errand.slot);
+	errands.erase(errand.wish.number);
+}
 
-	void Run::startAgain(Errand& errand)
+void Run::makeSource(Errand& errand)
+{
+	if (!errand.isAgain)
 	{
-		errand.isAgain = true;
-		errand.isCancelled = false;
-		errand.disturbance = Disturbance::None;
-		errand.wish.fault = Fault::None;
-		errand.due = 1;
-		errand.heard.clear();
-		errand.kind->start(*this, errand);
+		errand.file = sources.write(std::to_string(errand.wish.number) + ".bin", errand.content());
+		sourceFiles.emplace_back(errand.file, errand.wish);
 	}
+}
 
-	void Run::leave(Errand& errand, bool isSuccess)
+bool Run::goOnUntil(std::uint64_t goal)
+{
+	const auto isDone = [this, goal]
 	{
-		Count& count = counts[errand.kind->name];
-		++(isSuccess ? count.successes : errand.isCancelled ? count.cancelled : count.failures);
-		if (errand.topic == Topic::Download)
+		keepAppointments();
+		while (next < goal && errands.size() < settings.inFlight)
 		{
-			fs::remove(errand.file);
-			for (const char* ending : partFiles)
-			{
-				fs::remove(errand.file + ending);
-			}
+			start(next++);
 		}
-		freeSlots.push_back(errand.slot);
-		errands.erase(errand.wish.number);
+		return next == goal && errands.empty();
+	};
+	const bool isOver = loop.WaitFor(isDone, patienceSeconds);
+	for (const auto& [number, errand] : errands)
+	{
+		expect(number, false, fmt::format("{} outcomes never came", errand->due));
 	}
+	return isOver;
+}
 
-	void Run::makeSource(Errand& errand)
+/** Nothing runs, and what is not held is gone. */
+void Run::comeToRest()
+{
+	loop.RunUntilIdle([] { return UCorvaneBPLibrary::hasPendingWork() || UCorvaneTransfer::HasPendingWork(); });
+	const auto isCollected = [this]
 	{
-		if (!errand.isAgain)
-		{
-			errand.file = sources.write(std::to_string(errand.wish.number) + ".bin", errand.content());
-			sourceFiles.emplace_back(errand.file, errand.wish);
-		}
+		loop.CollectGarbage();
+		return HostObjects::NumObjects() <= objectsBefore;
+	};
+	const bool isClean = loop.WaitFor(isCollected, 10);
+	expect(next - 1, isClean,
+		fmt::format(
+			"{} objects are held, {} more than at the start", HostObjects::NumObjects(), HostObjects::NumObjects() - objectsBefore));
+}
+
+void Run::checkFolders()
+{
+	for (const auto& [file, wish] : std::exchange(sourceFiles, {}))
+	{
+		expect(wish.number, readFile(file) == wish.content(), "the file that was sent is another one");
+		fs::remove(file);
 	}
-
-	bool Run::hasBeginOf(const std::string& file, const std::string& content)
+	for (const TempDir* folder : {&targets, &sources})
 	{
-		return content.starts_with(readFile(file));
-	}
-
-	bool Run::hasAllOf(const std::string& file, const std::string& content)
-	{
-		return fs::exists(file) && readFile(file) == content;
-	}
-
-	bool Run::goOnUntil(std::uint64_t goal)
-	{
-		const auto isDone = [this, goal]
+		for (const auto& entry : fs::directory_iterator(folder->path()))
 		{
-			keepAppointments();
-			while (next < goal && errands.size() < settings.inFlight)
-			{
-				start(next++);
-			}
-			return next == goal && errands.empty();
-		};
-		if (loop.WaitFor(isDone, patienceSeconds))
-		{
-			return true;
-		}
-		for (const auto& [number, errand] : errands)
-		{
-			complain(number, fmt::format("{} outcomes never came", errand->due));
-		}
-		return false;
-	}
-
-	/** Nothing runs, and what is not held is gone. */
-	void Run::comeToRest()
-	{
-		loop.RunUntilIdle(hasPendingWork);
-		const auto isCollected = [this]
-		{
-			loop.CollectGarbage();
-			return HostObjects::NumObjects() <= objectsBefore;
-		};
-		if (!loop.WaitFor(isCollected, 10))
-		{
-			complain(next - 1, fmt::format("{} objects are held, {} more than at the start", HostObjects::NumObjects(),
-								   HostObjects::NumObjects() - objectsBefore));
-		}
-	}
-
-	void Run::checkFolders()
-	{
-		for (const auto& [file, wish] : std::exchange(sourceFiles, {}))
-		{
-			if (!hasAllOf(file, wish.content()))
-			{
-				complain(wish.number, "the file that was sent is another one");
-			}
-			fs::remove(file);
-		}
-		for (const TempDir* folder : {&targets, &sources})
-		{
-			for (const auto& entry : fs::directory_iterator(folder->path()))
-			{
-				complain(next - 1, "left behind by one of late: " + entry.path().filename().string());
-				fs::remove(entry);
-			}
-		}
-		for (const auto& entry : fs::directory_iterator(journals.path())) // of uploads that were cancelled or failed
-		{
+			expect(next - 1, false, "left behind by one of late: " + entry.path().filename().string());
 			fs::remove(entry);
 		}
 	}
-
-	void Run::checkQueue()
+	for (const auto& entry : fs::directory_iterator(journals.path())) // of uploads that were cancelled or failed
 	{
-		const FCorvaneQueueReport report = UCorvaneTransferQueue::GetTransferQueue(text("soak"))->GetReport();
-		if (report.Done + report.Failed != queued || queueEnds != queued || report.Waiting + report.Running + report.Paused != 0)
-		{
-			complain(next - 1, fmt::format("{} transfers went into the queue, {} ended in it, {} were told", queued,
-								   report.Done + report.Failed, queueEnds));
-		}
+		fs::remove(entry);
 	}
+}
 
-	bool Run::play()
-	{
-		const auto begin = std::chrono::steady_clock::now();
-		for (std::uint64_t round = 1; round <= rounds; ++round)
-		{
-			if (!goOnUntil(settings.first + settings.requests * round / rounds))
-			{
-				break;
-			}
-			comeToRest();
-			checkFolders();
-			checkQueue();
-			meter.add(Sample::take(next - settings.first, HostObjects::NumObjects()));
-		}
-		const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
-		fmt::print("{} requests in {:.1f} s, seed {}\n", next - settings.first, seconds.count(), settings.seed);
-		return printVerdict();
-	}
+void Run::checkQueue()
+{
+	const FCorvaneQueueReport report = UCorvaneTransferQueue::GetTransferQueue(text("soak"))->GetReport();
+	const bool isRight =
+		report.Done + report.Failed == queued && queueEnds == queued && report.Waiting + report.Running + report.Paused == 0;
+	expect(next - 1, isRight,
+		fmt::format("{} transfers went into the queue, {} ended in it, {} were told", queued, report.Done + report.Failed, queueEnds));
+}
 
-	bool Run::printVerdict()
+bool Run::play()
+{
+	const auto begin = std::chrono::steady_clock::now();
+	for (std::uint64_t round = 1; round <= rounds; ++round)
 	{
-		constexpr std::uint64_t enoughForAll = 5000;
-		for (const Kind& kind : kinds)
+		if (!goOnUntil(settings.first + settings.requests * round / rounds))
 		{
-			const Count& count = counts[kind.name];
-			fmt::print("{:24} {:7} starts, {:7} successes, {:6} failures, {:6} cancelled\n", kind.name, count.starts, count.successes,
-				count.failures, count.cancelled);
-			if (settings.kind.empty() && settings.requests >= enoughForAll && count.successes == 0)
-			{
-				complain(settings.first, "nothing of this kind has succeeded: " + kind.name);
-			}
+			break;
 		}
-		constexpr double bytesOfRow =
-			300; // that the library keeps of each ID whose result went to a node: this kind draws a new one each time
-		const double rows = bytesOfRow * static_cast<double>(counts["node drive information"].starts);
-		for (const std::string& growth : meter.findGrowth(static_cast<int>(settings.inFlight), SoakOrigin::number, rows))
-		{
-			complain(next - 1, growth);
-		}
-		fmt::print("{}\n", faultsFound == 0 ? "SOUND" : fmt::format("{} FAULTS", faultsFound));
-		return faultsFound == 0;
+		comeToRest();
+		checkFolders();
+		checkQueue();
+		samples.push_back(Sample::take(next - settings.first, HostObjects::NumObjects()));
 	}
-} // namespace Soak
+	const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
+	fmt::print("{} requests in {:.1f} s, seed {}\n", next - settings.first, seconds.count(), settings.seed);
+	return printVerdict();
+}
+
+bool Run::printVerdict()
+{
+	constexpr std::uint64_t enoughForAll = 5000;
+	for (const Kind& kind : kinds)
+	{
+		const Count& count = counts[kind.name];
+		fmt::print("{:24} {:7} starts, {:7} successes, {:6} failures, {:6} cancelled\n", kind.name, count.starts, count.successes,
+			count.failures, count.cancelled);
+		const bool mustSucceed = settings.kind.empty() && settings.requests >= enoughForAll;
+		expect(settings.first, !mustSucceed || count.successes > 0, "nothing of this kind has succeeded: " + kind.name);
+	}
+	constexpr double bytesOfRow = 250; // that the library keeps of each ID whose result went to a node: this kind draws a new one each time
+	const double rows = bytesOfRow * static_cast<double>(counts["node drive information"].starts);
+	for (const std::string& growth : findGrowth(samples, static_cast<int>(settings.inFlight), SoakOrigin::number, rows))
+	{
+		expect(next - 1, false, growth);
+	}
+	fmt::print("{}\n", faultsFound == 0 ? "SOUND" : fmt::format("{} FAULTS", faultsFound));
+	return faultsFound == 0;
+}

@@ -12,6 +12,7 @@
 class LoopbackListener
 {
 public:
+	/** @param backlog  below 0 = it has the port and does not listen: whoever connects is refused. */
 	explicit LoopbackListener(int backlog = 1024)
 	{
 		sockaddr_in address{};
@@ -19,7 +20,8 @@ public:
 		address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
 		socklen_t size = sizeof address;
 		sockaddr* const raw = reinterpret_cast<sockaddr*>(&address);
-		if (::bind(descriptor, raw, size) != 0 || ::listen(descriptor, backlog) != 0 || ::getsockname(descriptor, raw, &size) != 0)
+		if (::bind(descriptor, raw, size) != 0 || (backlog >= 0 && ::listen(descriptor, backlog) != 0) ||
+			::getsockname(descriptor, raw, &size) != 0)
 		{
 			throw std::system_error(errno, std::generic_category(), "listen");
 		}
