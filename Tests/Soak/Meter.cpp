@@ -106,7 +106,7 @@ std::vector<std::string> findGrowth(const std::vector<Sample>& samples, int inFl
 	if (base.requests * 10 >= judgedRequests && isSystemAllocator)
 	{
 		atMost("growth of memory in use, bytes", fittedGrowth(rest, &Sample::heap), mostHeapGrowth + kept);
-		atMost("growth of resident memory, bytes", fittedGrowth(rest, &Sample::resident), mostResidentGrowth);
+		atMost("growth of resident memory, bytes", fittedGrowth(rest, &Sample::resident), mostResidentGrowth + kept);
 	}
 	return found;
 }
