@@ -16,7 +16,7 @@ namespace Program
 		for (size_t place = text.find(word); place != std::string_view::npos; place = text.find(word, place + 1))
 		{
 			const size_t end = place + word.size();
-			if ((place == 0 || !isWordCharacter(text[place - 1])) && (end == text.size() || !isWordCharacter(text[end])))
+			if ((place == 0 || !isWordCharacter(text[place - 1])) && (end >= text.size() || !isWordCharacter(text[end])))
 			{
 				return true;
 			}
