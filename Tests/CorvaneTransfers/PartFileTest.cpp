@@ -103,34 +103,64 @@ TEST_F(PartFile, WhatStandsInTheWayIsSaidAndNothingIsLeft)
 
 TEST_F(PartFile, ASecondTransferIsRefusedHereAndInAnotherProgram)
 {
-	int Ready[2];
-	ASSERT_EQ(pipe(Ready), 0);
-	const pid_t Child = fork();
-	if (Child == 0)
-	{
-		FCorvanePartFile File;
-		begin(File, 70'000);
-		File.Checkpoint();
-		write(Ready[1], "!", 1);
-		pause();
-	}
-	close(Ready[1]);
-	char Byte = 0;
-	ASSERT_EQ(read(Ready[0], &Byte, 1), 1);
-	close(Ready[0]);
 	FCorvanePartFile File;
-	const FCorvaneFileResult Refused = open(File).Result;
-	EXPECT_EQ(Refused.Failure, EOutcome::Refused);
-	EXPECT_NE(utf8(Refused.Sentence).find("another program"), std::string::npos) << utf8(Refused.Sentence);
-	kill(Child, SIGKILL);
-	waitpid(Child, nullptr, 0);
-	EXPECT_EQ(open(File).Length, 70'000);
+	for (const bool bVouchedFor : {false, true})
+	{
+		int Ready[2];
+		ASSERT_EQ(pipe(Ready), 0);
+		const pid_t Child = fork();
+		if (Child == 0)
+		{
+			begin(File, 70'000);
+			if (bVouchedFor)
+			{
+				File.Checkpoint();
+			}
+			write(Ready[1], "!", 1);
+			pause();
+		}
+		close(Ready[1]);
+		char Byte = 0;
+		ASSERT_EQ(read(Ready[0], &Byte, 1), 1);
+		close(Ready[0]);
+		const FCorvaneFileResult Refused = open(File).Result;
+		EXPECT_EQ(Refused.Failure, EOutcome::Refused);
+		EXPECT_NE(utf8(Refused.Sentence).find("another program"), std::string::npos) << utf8(Refused.Sentence);
+		EXPECT_EQ(Dir.read("file.corvpart").size(), 70'000u);
+		kill(Child, SIGKILL);
+		waitpid(Child, nullptr, 0);
+		EXPECT_EQ(open(File).Length, bVouchedFor ? 70'000 : 0);
+		if (!bVouchedFor)
+		{
+			File.Close();
+		}
+	}
 	FCorvanePartFile Second;
 	EXPECT_EQ(Second.Open(text(Dir.path("./x/../file")), sourceAddress, true).Result.Failure, EOutcome::Refused);
 	File.Discard();
 	Second.Discard(); // has nothing
 	EXPECT_TRUE(names().empty());
 	EXPECT_TRUE(open(Second).Result.IsOk());
+}
+
+TEST_F(PartFile, WhatAnotherProgramFinishesWhileItIsOpenedIsNotTouched)
+{
+	struct FilesOfTwo : ForwardingFiles
+	{
+		IFileHandle* OpenWrite(const TCHAR* Name, bool bAppend, bool bAllowRead) override
+		{
+			IFileHandle* const Handle = ForwardingFiles::OpenWrite(Name, bAppend, bAllowRead);
+			return MoveFile(*FString(Name).LeftChop(9), Name) ? Handle : nullptr;
+		}
+	};
+	Dir.write("file.corvpart", "whole");
+	FCorvanePartFile File;
+	{
+		const FilesOfTwo Files;
+		EXPECT_EQ(open(File).Result.Failure, EOutcome::Refused);
+	}
+	EXPECT_EQ(names(), std::set<std::string>{"file"});
+	EXPECT_EQ(Dir.read("file"), "whole");
 }
 
 TEST_F(PartFile, WhatTheJournalDoesNotVouchForIsFetchedAgain)

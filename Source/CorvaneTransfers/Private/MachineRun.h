@@ -65,12 +65,20 @@ protected:
 	/** Brings what another thread has to tell to this object, if it lives by then. Thread: any. */
 	void Post(TUniqueFunction<void(Type&)> Letter) { Mailbox->PostTo(this->AsShared(), MoveTemp(Letter)); }
 
-	/** Does the first step with the next letter: nothing is told inside Start. */
 	template <class StepType>
 	void BeginWith(const StepType& First)
 	{
 		CorvaneRunningTransfers::Add(this->AsShared());
-		Post([First](Type& Run) { Run.Follow(First); });
+		Self().Follow(First);
+	}
+
+	/** Follows what a letter has led to: no call of a user stands above it, so the end may be told at once. */
+	template <class StepType>
+	void FollowLetter(const StepType& Step)
+	{
+		bMayTell = true;
+		Self().Follow(Step);
+		bMayTell = false;
 	}
 
 	void Wait(double Seconds)
@@ -89,9 +97,13 @@ protected:
 		}
 	}
 
-	/** Posted, since a call that ends what waits tells nothing inside itself. */
+	/** Posted where a user's call may have led here: Start and what ends a transfer that waits tell nothing inside themselves. */
 	void TellEnd()
 	{
+		if (bMayTell)
+		{
+			return TellEndNow();
+		}
 		Post([](Type& Run) { Run.TellEndNow(); });
 	}
 
@@ -132,5 +144,6 @@ private:
 	FCorvaneAlarm WaitAlarm;
 	FTSTicker::FDelegateHandle ProgressTicker;
 	int64 ToldBytes = -1;
+	bool bMayTell = false;
 	bool bTold = false; // later than the machine is over
 };

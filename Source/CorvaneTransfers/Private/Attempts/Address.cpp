@@ -2,40 +2,46 @@
 
 namespace CorvaneAddressParts
 {
+	static bool IsAnyOf(TCHAR Unit, const TCHAR* Wanted)
+	{
+		while (*Wanted != 0 && *Wanted != Unit)
+		{
+			++Wanted;
+		}
+		return *Wanted != 0;
+	}
+
 	/** Where the first of some characters stands, from a place on; the end of the text when none does. */
 	static int32 FindAny(const FString& Text, int32 From, const TCHAR* Wanted)
 	{
-		const auto IsWanted = [Wanted](TCHAR Unit)
+		const TCHAR* const Units = *Text;
+		const int32 End = Text.Len();
+		while (From < End && !IsAnyOf(Units[From], Wanted))
 		{
-			const TCHAR* Each = Wanted;
-			while (*Each != 0 && *Each != Unit)
-			{
-				++Each;
-			}
-			return *Each != 0;
-		};
-		int32 At = From;
-		while (At < Text.Len() && !IsWanted(Text[At]))
-		{
-			++At;
+			++From;
 		}
-		return At;
+		return From;
 	}
 
 	/** @return where the host, with what stands before and behind it, begins. */
 	static int32 AuthorityBegin(const FString& URL)
 	{
-		const int32 Scheme = URL.Find(TEXT("://"), ESearchCase::CaseSensitive, ESearchDir::FromStart);
-		const bool bBegins = Scheme >= 0 && FindAny(URL, 0, TEXT("/?#")) > Scheme; // else it stands in a path or a query
-		return bBegins ? Scheme + 3 : 0;
+		const int32 Slash = FindAny(URL, 0, TEXT("/?#"));
+		const bool bBegins = Slash > 0 && Slash + 1 < URL.Len() && URL[Slash - 1] == TEXT(':') && URL[Slash] == TEXT('/') &&
+							 URL[Slash + 1] == TEXT('/'); // else it stands in a path or a query
+		return bBegins ? Slash + 2 : 0;
 	}
 
 	/** @return where the host begins: behind the last @ before the path. */
 	static int32 HostBegin(const FString& URL)
 	{
 		const int32 Begin = AuthorityBegin(URL);
-		const FString Authority = URL.Mid(Begin, FindAny(URL, Begin, TEXT("/?#")) - Begin);
-		return Begin + Authority.Find(TEXT("@"), ESearchCase::CaseSensitive, ESearchDir::FromEnd) + 1;
+		int32 Host = FindAny(URL, Begin, TEXT("/?#"));
+		while (Host > Begin && URL[Host - 1] != TEXT('@'))
+		{
+			--Host;
+		}
+		return Host;
 	}
 
 	/** @return where a scheme of a link ends, with its colon; 0 when it has none. */
@@ -99,7 +105,9 @@ bool CorvaneAddress::IsUsable(const FString& URL)
 
 FString CorvaneAddress::WithoutUser(const FString& URL)
 {
-	return URL.Left(CorvaneAddressParts::AuthorityBegin(URL)) + URL.Mid(CorvaneAddressParts::HostBegin(URL), MAX_int32);
+	const int32 Host = CorvaneAddressParts::HostBegin(URL);
+	const int32 Begin = CorvaneAddressParts::AuthorityBegin(URL);
+	return Host == Begin ? URL : URL.Left(Begin) + URL.Mid(Host, MAX_int32);
 }
 
 FString CorvaneAddress::ForLog(const FString& URL)

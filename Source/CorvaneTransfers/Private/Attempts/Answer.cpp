@@ -150,10 +150,12 @@ void FCorvaneAnswerReader::TakeHeader(const FString& Name, const FString& Value)
 	else if (Name == TEXT("Last-Modified"))
 	{
 		Answer.Version.LastModified = Value;
+		JudgeDate();
 	}
 	else if (Name == TEXT("Date"))
 	{
 		Answer.Date = Value;
+		JudgeDate();
 	}
 	else if (Name == TEXT("Retry-After"))
 	{
@@ -173,9 +175,13 @@ void FCorvaneAnswerReader::TakeHeader(const FString& Name, const FString& Value)
 		Value.Split(TEXT(";"), &Pair, nullptr);
 		Answer.Cookies.Add(Pair);
 	}
-	Answer.Version.bDateIsStrong = CorvaneAnswerParts::IsStrongDate(Answer.Version.LastModified, Answer.Date);
 	if (bChunked || Answer.bEncoded)
 	{
 		Answer.ContentLength = -1;
 	}
+}
+
+void FCorvaneAnswerReader::JudgeDate()
+{
+	Answer.Version.bDateIsStrong = CorvaneAnswerParts::IsStrongDate(Answer.Version.LastModified, Answer.Date);
 }

@@ -79,6 +79,8 @@ public:
 	void Keep(const TArray<FString>& Names) { NamesToKeep = Names; }
 
 private:
+	void JudgeDate();
+
 	TArray<FString> NamesToKeep;
 	FCorvaneAnswer Answer;
 	bool bChunked = false;

@@ -35,6 +35,10 @@ FString CorvaneTryEnd::ReasonOf(ECorvaneExchangeEnd End)
 
 double CorvaneTryEnd::WaitAskedFor(const FCorvaneAnswer& Answer, const FDateTime& NowUtc)
 {
+	if (Answer.IsSuccess())
+	{
+		return -1;
+	}
 	const FDateTime ServerTime = CorvaneHttpDate::Parse(Answer.Date);
-	return Answer.IsSuccess() ? -1 : CorvaneRetry::ParseRetryAfter(Answer.RetryAfter, ServerTime.GetTicks() > 0 ? ServerTime : NowUtc);
+	return CorvaneRetry::ParseRetryAfter(Answer.RetryAfter, ServerTime.GetTicks() > 0 ? ServerTime : NowUtc);
 }

@@ -44,8 +44,12 @@ namespace CorvaneDownloadAnswer
 	/** A server that knows no If-Modified-Since sends the old file. */
 	static bool IsNoNewer(const FCorvaneDownloadQuestion& Question, const FCorvaneAnswer& Answer)
 	{
+		if (Question.IfNewerThan.GetTicks() == 0)
+		{
+			return false;
+		}
 		const int64 Changed = CorvaneHttpDate::Parse(Answer.Version.LastModified).GetTicks();
-		return Question.IfNewerThan.GetTicks() > 0 && Changed > 0 && Changed <= Question.IfNewerThan.GetTicks();
+		return Changed > 0 && Changed <= Question.IfNewerThan.GetTicks();
 	}
 
 	static FCorvaneDownloadJudgement Begin(const FCorvaneDownloadQuestion& Question, const FCorvaneAnswer& Answer)

@@ -32,7 +32,12 @@ void FCorvaneDownloadFiles::Secure()
 
 void FCorvaneDownloadFiles::Finish(const FCorvaneFinishWish& Wish, TUniqueFunction<void(const FCorvaneFinished&)> Tell)
 {
-	Do([Wish, Tell = MoveTemp(Tell)](FCorvaneDownloadFiles& Self) { Tell(Self.Part.Finish(Wish)); });
+	Do(
+		[Wish, Tell = MoveTemp(Tell)](FCorvaneDownloadFiles& Self)
+		{
+			Self.GiveMemoryBack();
+			Tell(Self.Part.Finish(Wish));
+		});
 }
 
 void FCorvaneDownloadFiles::Close(TUniqueFunction<void()> Tell)
@@ -117,6 +122,13 @@ void FCorvaneDownloadFiles::WriteWaiting()
 		Note(Part.Append(Writing.GetData(), Writing.Num()));
 		Attempt.Written += Part.GetLength() - Before;
 	}
+}
+
+/** Here, where it keeps nobody waiting: this object may end on the game thread. */
+void FCorvaneDownloadFiles::GiveMemoryBack()
+{
+	Buffer.Close();
+	Writing.Empty();
 }
 
 /** After a failure nothing more is written, and whoever brings bytes hears it. */

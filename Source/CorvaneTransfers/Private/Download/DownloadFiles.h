@@ -63,6 +63,7 @@ public:
 private:
 	void Do(TUniqueFunction<void(FCorvaneDownloadFiles&)> Step);
 	void WriteWaiting();
+	void GiveMemoryBack();
 	void Note(const FCorvaneFileResult& Result);
 
 	const TSharedRef<FCorvaneStrand> Strand = MakeShared<FCorvaneStrand>();

@@ -90,7 +90,7 @@ void FCorvaneDownloadRun::Follow(const FCorvaneDownloadStep& Step)
 
 void FCorvaneDownloadRun::PostClosed()
 {
-	Post([](FCorvaneDownloadRun& Self) { Self.Follow(Self.Machine.OnClosed(Now())); });
+	Post([](FCorvaneDownloadRun& Self) { Self.FollowLetter(Self.Machine.OnClosed(Now())); });
 }
 
 void FCorvaneDownloadRun::Look()
@@ -188,7 +188,7 @@ void FCorvaneDownloadRun::Finish()
 		[Self = AsShared()](const FCorvaneFinished& Part)
 		{
 			Self->Post([Finished = CorvaneDownloadRun::Translate(Part)](FCorvaneDownloadRun& Run)
-				{ Run.Follow(Run.Machine.OnFinished(Now(), Finished)); });
+				{ Run.FollowLetter(Run.Machine.OnFinished(Now(), Finished)); });
 		});
 }
 

@@ -2,6 +2,7 @@
 
 #include "Files/FileBlocks.h"
 #include "Files/FileFaults.h"
+#include "Files/HeldFile.h"
 #include "HAL/FileManager.h"
 #include "HAL/PlatformFileManager.h"
 
@@ -65,14 +66,7 @@ FCorvaneFileResult FCorvaneLineFile::Flush()
 
 void FCorvaneLineFile::Delete()
 {
-	// Deleted first, so that nobody gets it in between; some systems want it closed before.
-	IPlatformFile& Files = FPlatformFileManager::Get().GetPlatformFile();
-	const bool bDeleted = Files.DeleteFile(*Path);
-	Handle.Reset();
-	if (!bDeleted)
-	{
-		Files.DeleteFile(*Path);
-	}
+	CorvaneHeldFile::Delete(Handle, Path);
 }
 
 void FCorvaneLineFile::Close()

@@ -2,6 +2,7 @@
 
 #include "Files/FileBlocks.h"
 #include "Files/FileFaults.h"
+#include "Files/HeldFile.h"
 #include "Files/TargetReplacement.h"
 #include "HAL/PlatformFileManager.h"
 #include "Misc/Paths.h"
@@ -17,17 +18,16 @@ namespace CorvanePartFile
 		return FPlatformFileManager::Get().GetPlatformFile();
 	}
 
-	static FString JournalName(const FString& Target)
-	{
-		return Target + TEXT(".corvjournal");
-	}
+	/** Up to here a file is soon there, and soon fetched again. */
+	static constexpr int64 ShortFile = 1 << 20;
 } // namespace CorvanePartFile
 
 FCorvaneOpenedPart FCorvanePartFile::Open(const FString& InTarget, const FString& Address, bool bResume, ECorvaneHashKind InHashKind)
 {
 	Close();
 	Hash = FCorvaneHashOnTheWay(InHashKind);
-	Total = -1;
+	Journal = FCorvaneJournalFile();
+	Source = FCorvaneSourceFacts();
 	Length = 0;
 	VouchedLength = 0;
 	FCorvaneOpenedPart Opened;
@@ -65,17 +65,50 @@ FCorvaneFileResult FCorvanePartFile::TakeTarget(const FString& InTarget)
 		return Failed(ECorvaneTransferOutcome::CannotWrite, FString::Printf(TEXT("The folder %s cannot be made."), *Folder));
 	}
 	FCorvaneFileResult Fault = CorvaneFileFaults::CannotBeReplaced(Target);
-	for (const FString& Own : {PartName(), CorvanePartFile::JournalName(Target)})
+	for (const FString& Own : {PartName(), JournalName()})
 	{
 		Fault = Fault.IsOk() ? FolderInTheWay(Own) : Fault;
 	}
-	return Fault.IsOk() ? Journal.Open(CorvanePartFile::JournalName(Target)) : Fault;
+	return Fault.IsOk() ? LockTarget() : Fault;
+}
+
+FCorvaneFileResult FCorvanePartFile::LockTarget()
+{
+	return CorvanePartFile::Files().FileExists(*JournalName()) ? Journal.Open(JournalName()) : LockByPart();
+}
+
+/** What was opened may have been moved, or deleted, by whoever had it until now: then it is not the part file, and is not touched. */
+FCorvaneFileResult FCorvanePartFile::LockByPart()
+{
+	IPlatformFile& Files = CorvanePartFile::Files();
+	Part.Reset(Files.OpenWrite(*PartName(), true, true));
+	if (!Part.IsValid())
+	{
+		return CorvaneFileFaults::OpenFailed(PartName());
+	}
+	if (Files.FileSize(*PartName()) == Part->Size() && !Files.FileExists(*JournalName()))
+	{
+		return FCorvaneFileResult();
+	}
+	Part.Reset();
+	return CorvaneFileFaults::Failed(ECorvaneTransferOutcome::Refused, FString::Printf(TEXT("Another program transfers to %s."), *Target));
+}
+
+/** From here on the journal is what keeps others away, and tells of the source. */
+FCorvaneFileResult FCorvanePartFile::NeedJournal(const FCorvaneSourceFacts& Facts)
+{
+	if (Journal.IsOpen())
+	{
+		return FCorvaneFileResult();
+	}
+	const FCorvaneFileResult Fault = Journal.Open(JournalName());
+	return Fault.IsOk() ? Journal.AppendWithoutWaiting(FCorvaneJournal::SourceLine(Facts)) : Fault;
 }
 
 void FCorvanePartFile::Resume(const FString& Address, FCorvaneOpenedPart& Opened)
 {
 	const FCorvaneJournal& Told = Journal.Told();
-	const bool bHasPart = CorvanePartFile::Files().FileExists(*PartName());
+	const bool bHasPart = Part.IsValid() ? Part->Size() > 0 : CorvanePartFile::Files().FileExists(*PartName());
 	const bool bHasWhole = !bHasPart && HasTakenPlace();
 	if (!bHasPart && !bHasWhole)
 	{
@@ -92,7 +125,7 @@ void FCorvanePartFile::Resume(const FString& Address, FCorvaneOpenedPart& Opened
 		return;
 	}
 	bWholeAlready = bHasWhole;
-	Total = Told.Source.Total;
+	Source = Told.Source;
 	Length = VouchedLength = Told.Kept.Length;
 	Opened.Length = Length;
 	Opened.Source = Told.Source;
@@ -153,25 +186,32 @@ bool FCorvanePartFile::Shorten(int64 NewLength)
 	return Part->Truncate(NewLength) && Part->Seek(NewLength);
 }
 
-FCorvaneFileResult FCorvanePartFile::StartOver(const FCorvaneSourceFacts& Source)
+FCorvaneFileResult FCorvanePartFile::StartOver(const FCorvaneSourceFacts& NewSource)
 {
 	const int64 RoomInPart = FMath::Max<int64>(CorvanePartFile::Files().FileSize(*PartName()), 0);
-	FCorvaneFileResult Fault = CorvaneFileFaults::NotEnoughRoom(FPaths::GetPath(Target), Source.Total - RoomInPart);
-	if (Fault.IsOk())
-	{
-		const TArray<uint8> Line = FCorvaneJournal::SourceLine(Source);
-		const bool bBytesAreVouchedFor = VouchedLength > 0 || Journal.Told().Kept.Length > 0;
-		Fault = bBytesAreVouchedFor ? Journal.Append(Line) : Journal.AppendWithoutWaiting(Line); // before these bytes go
-	}
+	FCorvaneFileResult Fault = CorvaneFileFaults::NotEnoughRoom(FPaths::GetPath(Target), NewSource.Total - RoomInPart);
+	Fault = Fault.IsOk() ? TellSource(NewSource) : Fault; // before these bytes go
 	if (Fault.IsOk())
 	{
 		bWholeAlready = false;
-		Total = Source.Total;
+		Source = NewSource;
 		VouchedLength = 0;
 		Fault = OpenPart(0);
 		Hash.Begin();
 	}
 	return Fault;
+}
+
+FCorvaneFileResult FCorvanePartFile::TellSource(const FCorvaneSourceFacts& NewSource)
+{
+	const bool bIsShort = NewSource.Total >= 0 && NewSource.Total <= CorvanePartFile::ShortFile;
+	if (!Journal.IsOpen())
+	{
+		return bIsShort ? FCorvaneFileResult() : NeedJournal(NewSource);
+	}
+	const TArray<uint8> Line = FCorvaneJournal::SourceLine(NewSource);
+	const bool bBytesAreVouchedFor = VouchedLength > 0 || Journal.Told().Kept.Length > 0;
+	return bBytesAreVouchedFor ? Journal.Append(Line) : Journal.AppendWithoutWaiting(Line);
 }
 
 FCorvaneFileResult FCorvanePartFile::Append(const uint8* Bytes, int64 Count)
@@ -207,6 +247,7 @@ FCorvaneFileResult FCorvanePartFile::Checkpoint()
 	{
 		Fault = CorvaneFileFaults::CannotRead(PartName());
 	}
+	Fault = Fault.IsOk() ? NeedJournal(Source) : Fault;
 	Fault = Fault.IsOk() ? Journal.Append(FCorvaneJournal::KeptLine(Kept)) : Fault;
 	VouchedLength = Fault.IsOk() ? Length : VouchedLength;
 	return Fault;
@@ -246,11 +287,16 @@ void FCorvanePartFile::Close()
 
 void FCorvanePartFile::Discard()
 {
-	ClosePart();
 	if (Journal.IsOpen())
 	{
+		ClosePart();
 		CorvanePartFile::Files().DeleteFile(*PartName());
 		Journal.Delete();
+	}
+	else if (Part.IsValid())
+	{
+		EarlyFlush.Stop();
+		CorvaneHeldFile::Delete(Part, PartName());
 	}
 	LetGo();
 }

@@ -50,6 +50,10 @@ struct FCorvaneFinished
  * what is on disk. The target itself is touched by Finish alone, which puts the whole file in its place. Ended at any moment,
  * also by a power cut, the next Open finds what was vouched for and drops the rest.
  *
+ * Whoever has the journal open has the target for itself, in all programs; where there is none, whoever has the part file open. A
+ * short file is there before there is anything to vouch for, and needs no journal: making and deleting a second file would take
+ * longer than the download.
+ *
  * A failed write takes nothing back that was vouched for. All file work happens inside the calls. Thread: one at a time.
  */
 class FCorvanePartFile
@@ -67,8 +71,8 @@ public:
 	FCorvaneOpenedPart Open(
 		const FString& InTarget, const FString& Address, bool bResume, ECorvaneHashKind InHashKind = ECorvaneHashKind::None);
 
-	/** Begins with the first byte of a file. @param Source  what its answer tells; a total that the disk has no room for is a failure, and then nothing is changed. */
-	FCorvaneFileResult StartOver(const FCorvaneSourceFacts& Source);
+	/** Begins with the first byte of a file. @param NewSource  what its answer tells; a total that the disk has no room for is a failure, and then nothing is changed. */
+	FCorvaneFileResult StartOver(const FCorvaneSourceFacts& NewSource);
 
 	/** Adds bytes at the end, and vouches for them now and then. */
 	FCorvaneFileResult Append(const uint8* Bytes, int64 Count);
@@ -99,7 +103,12 @@ public:
 
 private:
 	FString PartName() const { return Target + TEXT(".corvpart"); }
+	FString JournalName() const { return Target + TEXT(".corvjournal"); }
 	FCorvaneFileResult TakeTarget(const FString& InTarget);
+	FCorvaneFileResult LockTarget();
+	FCorvaneFileResult LockByPart();
+	FCorvaneFileResult NeedJournal(const FCorvaneSourceFacts& Facts);
+	FCorvaneFileResult TellSource(const FCorvaneSourceFacts& NewSource);
 	void Resume(const FString& Address, FCorvaneOpenedPart& Opened);
 	bool HasTakenPlace() const;
 	FString WhyUseless(const FString& Address, const FString& File) const;
@@ -116,6 +125,9 @@ private:
 	FCorvaneFileResult Replace(const FCorvaneFinishWish& Wish);
 	FCorvaneFileResult VouchForWhole();
 	FCorvaneFileResult PutInPlace(const FDateTime& FileTime);
+	bool MoveWhileOpen(const FDateTime& FileTime);
+	FCorvaneFileResult MoveClosed(const FDateTime& FileTime);
+	void SetTime(const FDateTime& FileTime) const;
 	void LetGo();
 
 	FString Target; // a full path
@@ -123,7 +135,7 @@ private:
 	FCorvaneJournalFile Journal;
 	TUniquePtr<IFileHandle> Part;
 	bool bWholeAlready = false;
-	int64 Total = -1;
+	FCorvaneSourceFacts Source; // of the bytes in the part file
 	int64 Length = 0;
 	int64 VouchedLength = 0;
 	FCorvaneHashOnTheWay Hash;

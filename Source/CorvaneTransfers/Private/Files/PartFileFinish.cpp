@@ -38,10 +38,10 @@ FCorvaneFinished FCorvanePartFile::Finish(const FCorvaneFinishWish& Wish)
 
 FCorvaneFileResult FCorvanePartFile::CheckSize()
 {
-	if (Total >= 0 && Length != Total)
+	if (Source.Total >= 0 && Length != Source.Total)
 	{
 		return CorvaneFileFaults::Failed(
-			ECorvaneTransferOutcome::WrongSize, FString::Printf(TEXT("%lld bytes came of %lld."), Length, Total));
+			ECorvaneTransferOutcome::WrongSize, FString::Printf(TEXT("%lld bytes came of %lld."), Length, Source.Total));
 	}
 	const bool bEndsThere = Part->Size() == Length || Shorten(Length);
 	return bEndsThere ? FCorvaneFileResult() : CorvaneFileFaults::WriteFailed(PartName(), 0);
@@ -101,16 +101,39 @@ FCorvaneFileResult FCorvanePartFile::VouchForWhole()
 	{
 		return CorvaneFileFaults::CannotRead(PartName());
 	}
-	return Journal.Append(FCorvaneJournal::WholeLine(Whole, !CorvaneFileBlocks::IsFile(Target, Whole)));
+	const FCorvaneFileResult Fault = NeedJournal(Source);
+	return Fault.IsOk() ? Journal.Append(FCorvaneJournal::WholeLine(Whole, !CorvaneFileBlocks::IsFile(Target, Whole))) : Fault;
 }
 
 FCorvaneFileResult FCorvanePartFile::PutInPlace(const FDateTime& FileTime)
 {
-	ClosePart(); // not every system moves what is open
-	if (FileTime.GetTicks() > FDateTime::MinValue().GetTicks())
+	if (!Journal.IsOpen() && MoveWhileOpen(FileTime))
 	{
-		FPlatformFileManager::Get().GetPlatformFile().SetTimeStamp(*PartName(), FileTime);
+		return FCorvaneFileResult();
 	}
+	const FCorvaneFileResult Fault = NeedJournal(Source);
+	return Fault.IsOk() ? MoveClosed(FileTime) : Fault;
+}
+
+/** Nobody can come in between, but not every system moves what is open. */
+bool FCorvanePartFile::MoveWhileOpen(const FDateTime& FileTime)
+{
+	EarlyFlush.Stop();
+	SetTime(FileTime);
+	IPlatformFile& Files = FPlatformFileManager::Get().GetPlatformFile();
+	const bool bIsStillThere = Length > 0 && Files.FileSize(*PartName()) == Length;
+	if (!bIsStillThere || !Files.MoveFile(*Target, *PartName()))
+	{
+		return false;
+	}
+	Part.Reset();
+	return true;
+}
+
+FCorvaneFileResult FCorvanePartFile::MoveClosed(const FDateTime& FileTime)
+{
+	ClosePart();
+	SetTime(FileTime);
 	if (!CorvaneTargetReplacement::Replace(
 			Target, PartName(), [this] { return Length >= CorvanePartFile::LongFile || VouchForWhole().IsOk(); }))
 	{
@@ -119,4 +142,12 @@ FCorvaneFileResult FCorvanePartFile::PutInPlace(const FDateTime& FileTime)
 	}
 	Journal.Delete();
 	return FCorvaneFileResult();
+}
+
+void FCorvanePartFile::SetTime(const FDateTime& FileTime) const
+{
+	if (FileTime.GetTicks() > FDateTime::MinValue().GetTicks())
+	{
+		FPlatformFileManager::Get().GetPlatformFile().SetTimeStamp(*PartName(), FileTime);
+	}
 }
