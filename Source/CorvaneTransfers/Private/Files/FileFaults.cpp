@@ -40,6 +40,11 @@ FCorvaneFileResult CorvaneFileFaults::ChangedWhileSent(const FString& File)
 FCorvaneFileResult CorvaneFileFaults::OpenFailed(const FString& File)
 {
 	IPlatformFile& Files = FPlatformFileManager::Get().GetPlatformFile();
+	const FCorvaneFileResult Folder = FolderInTheWay(File);
+	if (!Folder.IsOk())
+	{
+		return Folder;
+	}
 	if (!Files.FileExists(*File))
 	{
 		return Failed(ECorvaneTransferOutcome::CannotWrite, FString::Printf(TEXT("%s cannot be made."), *File));

@@ -65,10 +65,7 @@ FCorvaneFileResult FCorvanePartFile::TakeTarget(const FString& InTarget)
 		return Failed(ECorvaneTransferOutcome::CannotWrite, FString::Printf(TEXT("The folder %s cannot be made."), *Folder));
 	}
 	FCorvaneFileResult Fault = CorvaneFileFaults::CannotBeReplaced(Target);
-	for (const FString& Own : {PartName(), JournalName()})
-	{
-		Fault = Fault.IsOk() ? FolderInTheWay(Own) : Fault;
-	}
+	Fault = Fault.IsOk() ? FolderInTheWay(JournalName()) : Fault;
 	return Fault.IsOk() ? LockTarget() : Fault;
 }
 
@@ -188,8 +185,9 @@ bool FCorvanePartFile::Shorten(int64 NewLength)
 
 FCorvaneFileResult FCorvanePartFile::StartOver(const FCorvaneSourceFacts& NewSource)
 {
-	const int64 RoomInPart = FMath::Max<int64>(CorvanePartFile::Files().FileSize(*PartName()), 0);
-	FCorvaneFileResult Fault = CorvaneFileFaults::NotEnoughRoom(FPaths::GetPath(Target), NewSource.Total - RoomInPart);
+	const int64 RoomInPart = Part.IsValid() ? Part->Size() : CorvanePartFile::Files().FileSize(*PartName());
+	FCorvaneFileResult Fault =
+		CorvaneFileFaults::NotEnoughRoom(FPaths::GetPath(Target), NewSource.Total - FMath::Max<int64>(RoomInPart, 0));
 	Fault = Fault.IsOk() ? TellSource(NewSource) : Fault; // before these bytes go
 	if (Fault.IsOk())
 	{
