@@ -22,19 +22,28 @@ void UCorvaneTransfer::Activate()
 		return; // it was started once
 	}
 	bActivated = true;
-	Run = MakeRun([this](const FCorvaneTransferReport& Report) { End(Report); }, [this] { TellProgress(); });
-	if (!Run.IsValid())
+	const FQueueWish Wish = GetQueueWish();
+	if (!Wish.Queue.IsEmpty())
 	{
+		AddToRoot();
+		Queue = CorvaneQueues::Get(Wish.Queue);
+		Ticket = Queue->Enter(*this, Wish.Host, Wish.Priority);
 		return;
 	}
-	AddToRoot(); // until its outcome: a graph that is gone does not end a transfer
-	const FQueueWish Wish = GetQueueWish();
-	if (Wish.Queue.IsEmpty())
+	NeedRun();
+	if (Run.IsValid())
 	{
-		return Run->Start();
+		AddToRoot(); // until its outcome: a graph that is gone does not end a transfer
+		Run->Start();
 	}
-	Queue = CorvaneQueues::Get(Wish.Queue);
-	Ticket = Queue->Enter(*this, Run.ToSharedRef(), Wish.Host, Wish.Priority);
+}
+
+void UCorvaneTransfer::NeedRun()
+{
+	if (!Run.IsValid() && Outcome.Outcome == ECorvaneTransferOutcome::Running)
+	{
+		Run = MakeRun([this](const FCorvaneTransferReport& Report) { End(Report); }, [this] { TellProgress(); });
+	}
 }
 
 void UCorvaneTransfer::TellProgress()
@@ -106,10 +115,15 @@ void UCorvaneTransfer::Cancel()
 
 FCorvaneTransferReport UCorvaneTransfer::GetReport() const
 {
+	if (bActivated)
+	{
+		const_cast<UCorvaneTransfer*>(this)->NeedRun(); // of one that waits
+	}
 	return Run.IsValid() ? Run->GetReport() : Outcome;
 }
 
 bool UCorvaneTransfer::IsPaused() const
 {
-	return Run.IsValid() && (Run->IsPaused() || (Queue.IsValid() && Queue->IsHeld(Ticket)));
+	const bool bIsHeld = Queue.IsValid() && Outcome.Outcome == ECorvaneTransferOutcome::Running && Queue->IsHeld(Ticket);
+	return bIsHeld || (Run.IsValid() && Run->IsPaused());
 }

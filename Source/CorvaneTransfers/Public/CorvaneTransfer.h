@@ -91,10 +91,13 @@ protected:
 	FTell NativeMove;
 
 private:
+	friend class FCorvaneQueueRun;
+
+	void NeedRun();
 	void TellProgress();
 	void End(const FCorvaneTransferReport& Report);
 
-	TSharedPtr<FCorvaneTransferRun> Run; // from Activate to the outcome, for what it holds may be large
+	TSharedPtr<FCorvaneTransferRun> Run; // from its start, or the first look at it, to the outcome, for what it holds may be large
 	bool bActivated = false;
 	FCorvaneTransferReport Outcome;
 	TSharedPtr<FCorvaneQueueRun> Queue; // null when it waits in none

@@ -140,7 +140,7 @@ void FCorvaneDownloadRun::Send(const FCorvaneDownloadQuestion& Question, TArray<
 		End.Length = Question.OnDisk;
 		End.FileFailure = TailRead.Failure;
 		End.FileSentence = TailRead.Sentence;
-		return OnSent(End);
+		return OnSent(MoveTemp(End));
 	}
 	FCorvaneDownloadReceiver::FPlan Plan;
 	Plan.Question = Question;
@@ -149,7 +149,8 @@ void FCorvaneDownloadRun::Send(const FCorvaneDownloadQuestion& Question, TArray<
 	Plan.BytesPerSecond = Options.BytesPerSecond;
 	Plan.Share = Turn.GetShare();
 	const TSharedRef<FCorvaneDownloadReceiver> Taker = MakeShared<FCorvaneDownloadReceiver>(MoveTemp(Plan), Files,
-		[Self = AsShared()](const FCorvaneAttemptEnd& End) { Self->Post([End](FCorvaneDownloadRun& Run) { Run.OnSent(End); }); });
+		[Self = AsShared()](const FCorvaneAttemptEnd& End)
+		{ Self->Post([Own = FCorvaneAttemptEnd(End)](FCorvaneDownloadRun& Run) mutable { Run.OnSent(MoveTemp(Own)); }); });
 
 	FCorvaneExchangeRequest Asked;
 	Asked.URL = URL;
@@ -160,7 +161,7 @@ void FCorvaneDownloadRun::Send(const FCorvaneDownloadQuestion& Question, TArray<
 	BeginProgress();
 }
 
-void FCorvaneDownloadRun::OnSent(FCorvaneAttemptEnd End)
+void FCorvaneDownloadRun::OnSent(FCorvaneAttemptEnd&& End)
 {
 	Receiver.Reset();
 	Turn.Settle();

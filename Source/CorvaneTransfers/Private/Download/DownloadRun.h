@@ -47,7 +47,7 @@ private:
 	void Finish();
 	void PostClosed();
 
-	void OnSent(FCorvaneAttemptEnd End);
+	void OnSent(FCorvaneAttemptEnd&& End);
 
 	const FString URL;
 	const FString Target;

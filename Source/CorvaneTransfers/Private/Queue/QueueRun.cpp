@@ -34,14 +34,12 @@ void FCorvaneQueueRun::SetLimits(int32 MostAtOnce, int32 MostPerHost, int64 Byte
 	Fill();
 }
 
-int64 FCorvaneQueueRun::Enter(UCorvaneTransfer& Transfer, const TSharedRef<FCorvaneTransferRun>& Run, const FString& Host, int32 Priority)
+int64 FCorvaneQueueRun::Enter(UCorvaneTransfer& Transfer, const FString& Host, int32 Priority)
 {
 	const int64 Ticket = ++Tickets;
 	FEntry Entry;
 	Entry.Transfer = &Transfer;
-	Entry.Run = Run;
 	Entries.Add(Ticket, Entry);
-	Run->SharePace(Pace);
 	if (bLetGo)
 	{
 		Begin(Ticket);
@@ -66,13 +64,15 @@ void FCorvaneQueueRun::Fill()
 void FCorvaneQueueRun::Begin(int64 Ticket)
 {
 	FEntry& Entry = *Entries.Find(Ticket);
-	const TSharedRef<FCorvaneTransferRun> Run = Entry.Run.ToSharedRef();
-	if (Entry.bBegun)
+	if (Entry.HasBegun())
 	{
-		return Run->Continue();
+		return Entry.Run->Continue();
 	}
-	Entry.bBegun = true;
+	Entry.Transfer->NeedRun();
+	const TSharedRef<FCorvaneTransferRun> Run = Entry.Transfer->Run.ToSharedRef();
+	Entry.Run = Run;
 	Begun.Add(Ticket);
+	Run->SharePace(Pace);
 	Run->Start();
 }
 
@@ -120,7 +120,7 @@ void FCorvaneQueueRun::PauseOne(int64 Ticket)
 	}
 	const FEntry Paused = *Entry;
 	Machine.Park(Ticket);
-	if (Paused.bBegun)
+	if (Paused.HasBegun())
 	{
 		Paused.Run->Pause();
 	}
@@ -140,12 +140,12 @@ void FCorvaneQueueRun::CancelOne(int64 Ticket)
 	{
 		return;
 	}
-	const TSharedRef<FCorvaneTransferRun> Run = Entry->Run.ToSharedRef();
-	if (!Entry->bBegun)
+	if (!Entry->HasBegun())
 	{
 		Machine.Remove(Ticket);
 		Begin(Ticket);
 	}
+	const TSharedRef<FCorvaneTransferRun> Run = Entry->Run.ToSharedRef();
 	Run->Cancel();
 }
 
@@ -195,7 +195,7 @@ void FCorvaneQueueRun::LetGoOfAll()
 	for (const int64 Ticket : TicketsOfAll())
 	{
 		Machine.Remove(Ticket);
-		if (!Entries.Find(Ticket)->bBegun)
+		if (!Entries.Find(Ticket)->HasBegun())
 		{
 			Begin(Ticket);
 		}

@@ -35,7 +35,7 @@ public:
 	void SetLimits(int32 MostAtOnce, int32 MostPerHost, int64 BytesPerSecond);
 
 	/** Takes a transfer up, which starts now or when its turn has come. @return its ticket. */
-	int64 Enter(UCorvaneTransfer& Transfer, const TSharedRef<FCorvaneTransferRun>& Run, const FString& Host, int32 Priority);
+	int64 Enter(UCorvaneTransfer& Transfer, const FString& Host, int32 Priority);
 	/** A transfer has told its outcome. */
 	void Leave(int64 Ticket, const FCorvaneTransferReport& Report);
 
@@ -64,8 +64,9 @@ private:
 	struct FEntry
 	{
 		UCorvaneTransfer* Transfer = nullptr; // rooted until it has told its outcome
-		TSharedPtr<FCorvaneTransferRun> Run;
-		bool bBegun = false;
+		TSharedPtr<FCorvaneTransferRun> Run; // null until it begins
+
+		bool HasBegun() const { return Run.IsValid(); }
 	};
 
 	void Fill();
