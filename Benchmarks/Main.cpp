@@ -20,8 +20,9 @@ namespace
 	std::vector<Command> addCommands(CLI::App& program)
 	{
 		std::vector<Command> commands;
-		for (const auto make : {makeSmallGets, makeIdleRequests, makeEventLatency, makeFollowedEvents, makeIdleProgram, makeDownloads,
-				 makeManyFiles, makeUploads, makeNodeOverhead, makeNodeMemory, makeWorkerStart, makeFileMd5, makeFileBase64, makeFileSplit})
+		for (const auto make :
+			{makeSmallGets, makeIdleRequests, makeEventLatency, makeFollowedEvents, makeFrames, makeIdleProgram, makeDownloads,
+				makeManyFiles, makeUploads, makeNodeOverhead, makeNodeMemory, makeWorkerStart, makeFileMd5, makeFileBase64, makeFileSplit})
 		{
 			std::unique_ptr<Workload> workload = make();
 			CLI::App* app = workload->addTo(program);

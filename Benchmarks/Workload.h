@@ -28,6 +28,7 @@ std::unique_ptr<Workload> makeEventLatency();
 std::unique_ptr<Workload> makeFollowedEvents();
 std::unique_ptr<Workload> makeManyFiles();
 std::unique_ptr<Workload> makeIdleProgram();
+std::unique_ptr<Workload> makeFrames();
 std::unique_ptr<Workload> makeFileMd5();
 std::unique_ptr<Workload> makeFileBase64();
 std::unique_ptr<Workload> makeFileSplit();
