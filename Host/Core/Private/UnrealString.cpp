@@ -1,6 +1,7 @@
 #include "Containers/UnrealString.h"
 
 #include "Containers/StringConv.h"
+#include "Host/LargePages.h"
 
 #include <fmt/args.h>
 #include <fmt/printf.h>
@@ -33,6 +34,15 @@ namespace
 FString::FString(const ANSICHAR* AsciiText)
 {
 	AppendChars(AsciiText, static_cast<int32>(std::strlen(AsciiText)));
+}
+
+void FString::Reserve(int32 CharacterCount)
+{
+	if (CharacterCount > static_cast<int32>(Text.capacity()))
+	{
+		Text.reserve(static_cast<size_t>(CharacterCount));
+		preferLargePages(Text.data() + Text.size(), static_cast<int64>(CharacterCount - Len()) * static_cast<int64>(sizeof(TCHAR)));
+	}
 }
 
 void FString::AppendChars(const ANSICHAR* AsciiText, int32 Count)

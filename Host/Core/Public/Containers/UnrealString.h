@@ -96,8 +96,9 @@ public:
 	int32 ParseIntoArray(TArray<FString>& Parts, const TCHAR* Delimiter, bool bCullEmpty = true) const;
 
 	/** Makes room for so many units. */
-	void Reserve(int32 CharacterCount) { Text.reserve(static_cast<size_t>(CharacterCount)); }
+	void Reserve(int32 CharacterCount);
 	void AppendChar(TCHAR Unit) { Text.push_back(Unit); }
+	void AppendChars(const TCHAR* Units, int32 Count) { Text.append(Units, static_cast<size_t>(Count)); }
 	/** Each byte becomes one unit: for ASCII only. */
 	void AppendChars(const ANSICHAR* AsciiText, int32 Count);
 	FString& operator+=(const FString& Other)
