@@ -2,6 +2,7 @@
 
 #include "Containers/StringConv.h"
 #include "Host/LargePages.h"
+#include "Utf8Decoding.h"
 
 #include <fmt/args.h>
 #include <fmt/printf.h>
@@ -34,6 +35,13 @@ namespace
 FString::FString(const ANSICHAR* AsciiText)
 {
 	AppendChars(AsciiText, static_cast<int32>(std::strlen(AsciiText)));
+}
+
+FString FString::ConstructFromPtrSize(const UTF8CHAR* Bytes, int32 Size)
+{
+	FString Result;
+	Result.Text = utf16FromUtf8({reinterpret_cast<const char*>(Bytes), static_cast<size_t>(Size)});
+	return Result;
 }
 
 void FString::Reserve(int32 CharacterCount)

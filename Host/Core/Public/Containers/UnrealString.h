@@ -47,6 +47,9 @@ public:
 	}
 	static FString ConstructFromPtrSize(const TCHAR* Units, int32 Size) { return FString(FStringView(Units, static_cast<size_t>(Size))); }
 
+	/** Reads UTF-8; each byte that is no part of a well-formed character becomes U+FFFD. */
+	static FString ConstructFromPtrSize(const UTF8CHAR* Bytes, int32 Size);
+
 	int32 Len() const { return static_cast<int32>(Text.size()); }
 	bool IsEmpty() const { return Text.empty(); }
 	/** Zero-terminated units, never null; valid until the text changes. */

@@ -93,6 +93,5 @@ void UFileFunctionsCorv::base64StringToString(FString& OutString, const FString&
 {
 	TArray<uint8> Bytes;
 	CorvaneBase64::decode(InBase64String, Bytes);
-	const FUTF8ToTCHAR Text(reinterpret_cast<const ANSICHAR*>(Bytes.GetData()), Bytes.Num());
-	OutString = FString::ConstructFromPtrSize(Text.Get(), Text.Length());
+	OutString = FString::ConstructFromPtrSize(reinterpret_cast<const UTF8CHAR*>(Bytes.GetData()), Bytes.Num());
 }
