@@ -82,7 +82,8 @@ TEST(Utf8, ReadsWellFormedTextAndReplacesTheRest)
 	};
 	for (const auto& [Bytes, Units] : Cases)
 	{
-		for (const size_t Before : {0, 1, 2, 3, 4, 5, 6, 7, 8182, 8183, 8184, 8185, 8190, 8191}) // it is read in blocks, those in pieces
+		for (const uint32 Before :
+			{0u, 1u, 2u, 3u, 4u, 5u, 6u, 7u, 8182u, 8183u, 8184u, 8185u, 8190u, 8191u}) // it is read in blocks, those in pieces
 		{
 			for (const std::string_view After : {"", "0123456789"})
 			{
