@@ -82,8 +82,18 @@ TEST(Utf8, ReadsWellFormedTextAndReplacesTheRest)
 	};
 	for (const auto& [Bytes, Units] : Cases)
 	{
-		const FUTF8ToTCHAR Read(Bytes.data(), static_cast<int32>(Bytes.size()));
-		EXPECT_EQ(std::u16string(Read.Get(), static_cast<size_t>(Read.Length())), Units) << testing::PrintToString(Bytes);
+		for (const uint32 Before :
+			{0u, 1u, 2u, 3u, 4u, 5u, 6u, 7u, 8182u, 8183u, 8184u, 8185u, 8190u, 8191u}) // it is read in blocks, those in pieces
+		{
+			for (const std::string_view After : {"", "0123456789"})
+			{
+				const std::string All = std::string(Before, 'x').append(Bytes).append(After);
+				const FUTF8ToTCHAR Read(All.data(), static_cast<int32>(All.size()));
+				const std::u16string Expected = std::u16string(Before, u'x').append(Units).append(After.begin(), After.end());
+				EXPECT_TRUE(Expected == std::u16string_view(Read.Get(), static_cast<size_t>(Read.Length())))
+					<< testing::PrintToString(Bytes) << " behind " << Before;
+			}
+		}
 	}
 	const TCHAR Lone[] = {u'a', 0xDC00, 0xD83D, u'b', 0xD83D, 0};
 	EXPECT_EQ(utf8(FString(u"\U0001F600é") + FString(Lone)), "😀éa\uFFFD\uFFFDb\uFFFD");

@@ -44,11 +44,14 @@ TEST_F(Get, BringsOneEventWithTheAnswerAsTextLinesAndBytes)
 		std::string text;
 		std::vector<std::string> lines;
 	};
+	const std::string x31(31, 'x'), y64(64, 'y');
 	const Case cases[] = {
 		{200, "a\r\n\r\nb\nc\r\n", "a\r\n\r\nb\nc\r\n", {"a", "b\nc"}},
 		{200, "", "", {}},
 		{200, "z\xFF\xE2\x82", "z\uFFFD\uFFFD\uFFFD", {"z\uFFFD\uFFFD\uFFFD"}},
 		{200, std::string("a\0b", 3), std::string("a\0b", 3), {std::string("a\0b", 3)}},
+		{200, x31 + "\r\r\n" + y64 + "\r\n\r\n" + x31 + "\r", x31 + "\r\r\n" + y64 + "\r\n\r\n" + x31 + "\r",
+			{x31 + "\r", y64, x31 + "\r"}},
 		{404, "page", "page", {"page"}},
 		{503, "busy", "busy", {"busy"}},
 	};

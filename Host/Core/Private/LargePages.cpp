@@ -4,12 +4,14 @@
 
 void preferLargePages(void* Memory, int64 Number)
 {
-	constexpr uintptr_t pageSize = 2 << 20;
-	const uintptr_t Begin = reinterpret_cast<uintptr_t>(Memory);
-	const uintptr_t First = (Begin + pageSize - 1) / pageSize * pageSize;
-	const uintptr_t End = (Begin + static_cast<uintptr_t>(Number)) / pageSize * pageSize;
-	if (First < End)
+	constexpr int64 largePage = 2 << 20;
+	constexpr uintptr_t page = 4 << 10;
+	if (Number < largePage * 2)
 	{
-		madvise(reinterpret_cast<void*>(First), End - First, MADV_HUGEPAGE);
+		return; // a whole one may not lie in it
 	}
+	// All of the block: what is advised in part can no longer be moved by its page tables when it grows.
+	const uintptr_t First = reinterpret_cast<uintptr_t>(Memory) / page * page;
+	const uintptr_t End = (reinterpret_cast<uintptr_t>(Memory) + static_cast<uintptr_t>(Number) + page - 1) / page * page;
+	madvise(reinterpret_cast<void*>(First), End - First, MADV_HUGEPAGE);
 }

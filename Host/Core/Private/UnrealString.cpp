@@ -1,6 +1,8 @@
 #include "Containers/UnrealString.h"
 
 #include "Containers/StringConv.h"
+#include "Host/LargePages.h"
+#include "Utf8Decoding.h"
 
 #include <fmt/args.h>
 #include <fmt/printf.h>
@@ -33,6 +35,22 @@ namespace
 FString::FString(const ANSICHAR* AsciiText)
 {
 	AppendChars(AsciiText, static_cast<int32>(std::strlen(AsciiText)));
+}
+
+FString FString::ConstructFromPtrSize(const UTF8CHAR* Bytes, int32 Size)
+{
+	FString Result;
+	Result.Text = utf16FromUtf8({reinterpret_cast<const char*>(Bytes), static_cast<size_t>(Size)});
+	return Result;
+}
+
+void FString::Reserve(int32 CharacterCount)
+{
+	if (CharacterCount > static_cast<int32>(Text.capacity()))
+	{
+		Text.reserve(static_cast<size_t>(CharacterCount));
+		preferLargePages(Text.data() + Text.size(), static_cast<int64>(CharacterCount - Len()) * static_cast<int64>(sizeof(TCHAR)));
+	}
 }
 
 void FString::AppendChars(const ANSICHAR* AsciiText, int32 Count)

@@ -24,6 +24,10 @@ using TCHAR = char16_t;
 	#define TEXT_PASTE(x) u##x
 #endif
 using ANSICHAR = char;
+/** One byte of UTF-8. */
+enum UTF8CHAR : uint8
+{
+};
 
 #define TEXT(x) TEXT_PASTE(x)
 

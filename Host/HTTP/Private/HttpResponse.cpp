@@ -1,14 +1,13 @@
 #include "HttpResponse.h"
 
-#include "Containers/StringConv.h"
 #include "Host/LargePages.h"
 
 #include <algorithm>
 
 namespace
 {
-	/** A length is only a claim: more than this is not set aside before the bytes come. */
-	constexpr uint64 largestReserve = 64u << 20;
+	/** A length is only a claim: of more than this, no more is set aside than twice what has come. */
+	constexpr uint64 largestClaim = 64u << 20;
 } // namespace
 
 bool FHttpResponse::IsReady(const TCHAR* What) const
@@ -38,18 +37,24 @@ const TArray<uint8>& FHttpResponse::GetContent() const
 
 FString FHttpResponse::GetContentAsString() const
 {
-	const FUTF8ToTCHAR Units(reinterpret_cast<const ANSICHAR*>(Content.GetData()), Content.Num());
-	return FString::ConstructFromPtrSize(Units.Get(), Units.Length());
+	return FString::ConstructFromPtrSize(reinterpret_cast<const UTF8CHAR*>(Content.GetData()), Content.Num());
+}
+
+void FHttpResponse::SetAside(uint64 Needed)
+{
+	const uint64 Likely = std::min(ContentLength, static_cast<uint64>(MAX_int32));
+	if (Needed > BytesSetAside && Needed < Likely)
+	{
+		BytesSetAside = std::min(Likely, std::max(largestClaim, Needed * 2));
+		Content.Reserve(static_cast<int32>(BytesSetAside));
+		preferLargePages(Content.GetData(), static_cast<int64>(BytesSetAside));
+	}
 }
 
 bool FHttpResponse::Append(const char* Bytes, size_t Number)
 {
-	if (Content.IsEmpty() && ContentLength > Number)
-	{
-		Content.Reserve(static_cast<int32>(std::min(ContentLength, largestReserve)));
-		preferLargePages(Content.GetData(), static_cast<int64>(std::min(ContentLength, largestReserve)));
-	}
 	const size_t Fitting = std::min(Number, static_cast<size_t>(MAX_int32 - Content.Num()));
+	SetAside(static_cast<uint64>(Content.Num()) + Fitting);
 	Content.Append(reinterpret_cast<const uint8*>(Bytes), static_cast<int32>(Fitting));
 	return Fitting == Number;
 }

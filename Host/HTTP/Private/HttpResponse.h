@@ -34,12 +34,14 @@ public:
 
 private:
 	bool IsReady(const TCHAR* What) const;
+	void SetAside(uint64 Needed);
 
 	FString EffectiveURL;
 	EHttpFailureReason FailureReason = EHttpFailureReason::None;
 	FHeaderMap Headers;
 	uint64 ContentLength = 0;
 	TArray<uint8> Content;
+	uint64 BytesSetAside = 0; // of it
 	int32 Code = 0;
 	bool bReady = false;
 };

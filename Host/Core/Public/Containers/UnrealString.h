@@ -47,6 +47,9 @@ public:
 	}
 	static FString ConstructFromPtrSize(const TCHAR* Units, int32 Size) { return FString(FStringView(Units, static_cast<size_t>(Size))); }
 
+	/** Reads UTF-8; each byte that is no part of a well-formed character becomes U+FFFD. */
+	static FString ConstructFromPtrSize(const UTF8CHAR* Bytes, int32 Size);
+
 	int32 Len() const { return static_cast<int32>(Text.size()); }
 	bool IsEmpty() const { return Text.empty(); }
 	/** Zero-terminated units, never null; valid until the text changes. */
@@ -96,8 +99,9 @@ public:
 	int32 ParseIntoArray(TArray<FString>& Parts, const TCHAR* Delimiter, bool bCullEmpty = true) const;
 
 	/** Makes room for so many units. */
-	void Reserve(int32 CharacterCount) { Text.reserve(static_cast<size_t>(CharacterCount)); }
+	void Reserve(int32 CharacterCount);
 	void AppendChar(TCHAR Unit) { Text.push_back(Unit); }
+	void AppendChars(const TCHAR* Units, int32 Count) { Text.append(Units, static_cast<size_t>(Count)); }
 	/** Each byte becomes one unit: for ASCII only. */
 	void AppendChars(const ANSICHAR* AsciiText, int32 Count);
 	FString& operator+=(const FString& Other)

@@ -3,8 +3,9 @@
 #include "Containers/StringConv.h"
 #include "HAL/FileManager.h"
 #include "Misc/Base64.h"
-#include "Misc/FileHelper.h"
 #include "Misc/Paths.h"
+#include "Serialization/Archive.h"
+#include "Templates/UniquePtr.h"
 
 namespace CorvaneBase64
 {
@@ -12,6 +13,26 @@ namespace CorvaneBase64
 	constexpr int64 mostBytes = static_cast<int64>(MAX_int32 / 4) * 3;
 	/** A unit of a text becomes three bytes of UTF-8 at most. */
 	constexpr int64 mostUnits = mostBytes / 3;
+
+	/** Piece by piece: the bytes of the file are never all in memory beside their text. @return whether it could be read. */
+	static bool encodeFile(const FString& Path, FString& Base64)
+	{
+		constexpr int64 pieceBytes = 3 * (64 << 10); // no padding before the end
+		const TUniquePtr<FArchive> Reader(IFileManager::Get().CreateFileReader(*Path));
+		if (!Reader.IsValid() || Reader->TotalSize() > mostBytes)
+		{
+			return false;
+		}
+		Base64.Reserve(static_cast<int32>((Reader->TotalSize() + 2) / 3 * 4));
+		TArray<uint8> Piece;
+		for (int64 Left = Reader->TotalSize(); Left > 0 && !Reader->IsError(); Left -= Piece.Num())
+		{
+			Piece.SetNumUninitialized(static_cast<int32>(FMath::Min(Left, pieceBytes)));
+			Reader->Serialize(Piece.GetData(), Piece.Num());
+			Base64 += FBase64::Encode(Piece);
+		}
+		return Reader->Close();
+	}
 
 	static bool encode(const TArray<uint8>& Bytes, FString& Base64)
 	{
@@ -36,11 +57,11 @@ void UFileFunctionsCorv::fileToBase64String(
 {
 	OutBase64String = FString();
 	const FString Path = getCleanDirectory(InDirectoryType, InFilePath);
-	TArray<uint8> Bytes;
-	OutSuccess = IFileManager::Get().FileSize(*Path) <= CorvaneBase64::mostBytes // not read only to be thrown away
-				 && FFileHelper::LoadFileToArray(Bytes, *Path) && CorvaneBase64::encode(Bytes, OutBase64String);
+	FString Base64;
+	OutSuccess = CorvaneBase64::encodeFile(Path, Base64);
 	if (OutSuccess)
 	{
+		OutBase64String = MoveTemp(Base64);
 		OutFileName = FPaths::GetCleanFilename(Path);
 	}
 }
@@ -72,6 +93,5 @@ void UFileFunctionsCorv::base64StringToString(FString& OutString, const FString&
 {
 	TArray<uint8> Bytes;
 	CorvaneBase64::decode(InBase64String, Bytes);
-	const FUTF8ToTCHAR Text(reinterpret_cast<const ANSICHAR*>(Bytes.GetData()), Bytes.Num());
-	OutString = FString::ConstructFromPtrSize(Text.Get(), Text.Length());
+	OutString = FString::ConstructFromPtrSize(reinterpret_cast<const UTF8CHAR*>(Bytes.GetData()), Bytes.Num());
 }

@@ -1,7 +1,5 @@
 #include "Rules/EventChunk.h"
 
-#include "Containers/StringConv.h"
-
 FString CorvaneRules::eventChunkText(const uint8* Bytes, int32 Number)
 {
 	int32 End = 0;
@@ -9,6 +7,5 @@ FString CorvaneRules::eventChunkText(const uint8* Bytes, int32 Number)
 	{
 		++End;
 	}
-	const FUTF8ToTCHAR Units(reinterpret_cast<const ANSICHAR*>(Bytes), End);
-	return FString::ConstructFromPtrSize(Units.Get(), Units.Length());
+	return FString::ConstructFromPtrSize(reinterpret_cast<const UTF8CHAR*>(Bytes), End);
 }

@@ -1,6 +1,5 @@
 #include "Runs/Result.h"
 
-#include "Containers/StringConv.h"
 #include "Rules/StatusCodes.h"
 
 namespace CorvaneResult
@@ -10,19 +9,60 @@ namespace CorvaneResult
 	constexpr int32 mostTextAsLines = 64 << 20;
 	constexpr int32 mostLines = 1000000;
 
-	/** @return the number of lines that are not empty. */
-	static int32 countLines(const FString& Text)
+	/** @return false when there are too many. */
+	static bool addLine(const TCHAR* Units, int32 Number, TArray<FString>& Lines)
 	{
-		int32 Number = 0;
-		int32 Length = 0;
-		for (int32 Index = 0; Index < Text.Len(); ++Index)
+		const bool bFits = Number == 0 || Lines.Num() < mostLines;
+		if (bFits && Number > 0)
 		{
-			const bool bEnds = Text[Index] == TEXT('\r') && Index + 1 < Text.Len() && Text[Index + 1] == TEXT('\n');
-			Number += bEnds && Length > 0 ? 1 : 0;
-			Length = bEnds ? 0 : Length + 1;
-			Index += bEnds ? 1 : 0;
+			Lines.Add(FString::ConstructFromPtrSize(Units, Number));
 		}
-		return Number + (Length > 0 ? 1 : 0);
+		return bFits;
+	}
+
+	static bool hasReturn(const TCHAR* Units, int32 Number)
+	{
+		int32 Found = 0; // no branch for each unit: compilers then look at many at once
+		for (int32 Index = 0; Index < Number; ++Index)
+		{
+			Found |= Units[Index] == TEXT('\r') ? 1 : 0;
+		}
+		return Found != 0;
+	}
+
+	/** @return where the next carriage return stands, or Length. */
+	static int32 findReturn(const TCHAR* Units, int32 From, int32 Length)
+	{
+		constexpr int32 stride = 32;
+		while (Length - From >= stride && !hasReturn(Units + From, stride))
+		{
+			From += stride;
+		}
+		while (From < Length && Units[From] != TEXT('\r'))
+		{
+			++From;
+		}
+		return From;
+	}
+
+	/** In one pass: the text may be large. @return false when there are too many lines. */
+	static bool cutLines(const FString& Text, TArray<FString>& Lines)
+	{
+		const TCHAR* const Units = *Text;
+		const int32 Length = Text.Len();
+		int32 Begin = 0;
+		for (int32 Index = findReturn(Units, 0, Length); Index < Length; Index = findReturn(Units, Index + 1, Length))
+		{
+			if (Units[Index + 1] == TEXT('\n')) // a text ends with a zero
+			{
+				if (!addLine(Units + Begin, Index - Begin, Lines))
+				{
+					return false;
+				}
+				Begin = Index + 2;
+			}
+		}
+		return addLine(Units + Begin, Length - Begin, Lines);
 	}
 } // namespace CorvaneResult
 
@@ -33,8 +73,7 @@ FString CorvaneResult::toText(const TArray<uint8>& Utf8)
 		UE_LOG(LogTemp, Display, TEXT("%d bytes are too many for the text of a result, which stays empty."), Utf8.Num());
 		return FString();
 	}
-	const FUTF8ToTCHAR Units(reinterpret_cast<const ANSICHAR*>(Utf8.GetData()), Utf8.Num());
-	return FString::ConstructFromPtrSize(Units.Get(), Units.Length());
+	return FString::ConstructFromPtrSize(reinterpret_cast<const UTF8CHAR*>(Utf8.GetData()), Utf8.Num());
 }
 
 FCorvCompletion CorvaneResult::success(const IHttpResponse& Response, TArray<uint8> Body)
@@ -71,11 +110,10 @@ FCorvCompletion CorvaneResult::refusal(int32 StatusCode, FString Text)
 TArray<FString> CorvaneResult::toLines(const FString& Text)
 {
 	TArray<FString> Lines;
-	if (Text.Len() > mostTextAsLines || countLines(Text) > mostLines)
+	if (Text.Len() > mostTextAsLines || !cutLines(Text, Lines))
 	{
 		UE_LOG(LogTemp, Display, TEXT("A text of %d characters is too long for the lines of a result, which has none."), Text.Len());
-		return Lines;
+		Lines.Empty();
 	}
-	Text.ParseIntoArray(Lines, TEXT("\r\n"));
 	return Lines;
 }
