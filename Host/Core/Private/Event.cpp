@@ -1,6 +1,7 @@
 #include "HAL/Event.h"
 
 #include "HAL/PlatformProcess.h"
+#include "Host/SystemThreads.h"
 
 #include <atomic>
 #include <cerrno>
@@ -47,12 +48,14 @@ namespace
 
 		bool Wait(uint32 Milliseconds) override
 		{
+			HostThreads::FBurst::WakeNow();
 			const timespec End = monotonicDeadline(Milliseconds);
 			return Finish([&] { return sem_clockwait(&Semaphore, CLOCK_MONOTONIC, &End); });
 		}
 
 		void Wait() override
 		{
+			HostThreads::FBurst::WakeNow();
 			Finish([this] { return sem_wait(&Semaphore); });
 		}
 
@@ -92,6 +95,7 @@ namespace
 
 void FPlatformProcess::Sleep(float Seconds)
 {
+	HostThreads::FBurst::WakeNow();
 	std::this_thread::sleep_for(std::chrono::duration<float>(Seconds));
 }
 

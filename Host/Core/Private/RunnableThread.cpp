@@ -34,20 +34,23 @@ namespace
 	 * System threads that take job after job. A job waits in a queue until a thread looks there: one that has just finished
 	 * another, which costs nothing, or one that is woken. Only the first of a burst is woken by whoever brings the jobs; each
 	 * that comes wakes the next while jobs are left. For every waiting job there is a thread idle or on its way. A thread
-	 * that nobody wants for a while ends.
+	 * that nobody wants for a while ends. Nobody is woken under the lock, which the woken one needs first of all.
 	 */
 	class FThreadPool
 	{
 	public:
 		/** @return false when the system has no further thread. */
 		bool Run(FJob Job);
+		/** Sees to it that a thread comes for what waits. */
+		void WakeForWaiting();
 		/** Takes the next job; goes to sleep while there is none. @return a job without a body when the thread is to end. */
 		FJob Next(FSystemThread& Thread);
 		void JoinIdle();
 
 	private:
 		bool Grow();
-		void WakeOne();
+		FSystemThread* ForWaiting();
+		FSystemThread& TakeIdle();
 		bool SleepUntilWoken(std::unique_lock<std::mutex>& Lock, FSystemThread& Thread);
 		void Retire(std::unique_lock<std::mutex>& Lock, FSystemThread& Thread);
 
@@ -59,6 +62,22 @@ namespace
 		size_t OnTheirWay = 0; // threads that were woken or made and have not looked for a job yet
 		bool bClosing = false;
 	};
+
+	struct FHeldBack
+	{
+		bool bHolding = false;
+		int Number = 0;
+	};
+	thread_local FHeldBack heldBack; // what the calling thread has started in a burst, and woken nobody for
+
+	/** @return whether the wake-up for a job that the calling thread brings can wait for others. */
+	bool holdBack()
+	{
+		constexpr int mostHeldBack = 8; // so many are worth a wake-up, and none shall wait for long
+		const bool bHold = heldBack.bHolding && heldBack.Number + 1 < mostHeldBack;
+		heldBack.Number = bHold ? heldBack.Number + 1 : 0;
+		return bHold;
+	}
 
 	class FSystemThread
 	{
@@ -72,6 +91,7 @@ namespace
 		void Wake() { Woken->Trigger(); }
 		/** @return false when nobody woke the thread in time. */
 		bool Sleep(uint32 Milliseconds) { return Woken->Wait(Milliseconds); }
+		void Sleep() { Woken->Wait(); }
 		void Join() { Thread.join(); }
 
 		bool bOnItsWay = true; // guarded by the pool's lock
@@ -99,17 +119,34 @@ namespace
 
 	bool FThreadPool::Run(FJob Job)
 	{
-		const std::scoped_lock Lock(Mutex);
-		if (Idle.size() + OnTheirWay <= Waiting.size() && !Grow())
+		FSystemThread* Thread = nullptr;
 		{
-			return false;
+			const std::scoped_lock Lock(Mutex);
+			if (Idle.size() + OnTheirWay <= Waiting.size() && !Grow())
+			{
+				return false;
+			}
+			Waiting.push_back(std::move(Job));
+			Thread = holdBack() ? nullptr : ForWaiting();
 		}
-		Waiting.push_back(std::move(Job));
-		if (OnTheirWay == 0)
+		if (Thread)
 		{
-			WakeOne();
+			Thread->Wake();
 		}
 		return true;
+	}
+
+	void FThreadPool::WakeForWaiting()
+	{
+		FSystemThread* Thread = nullptr;
+		{
+			const std::scoped_lock Lock(Mutex);
+			Thread = ForWaiting();
+		}
+		if (Thread)
+		{
+			Thread->Wake();
+		}
 	}
 
 	FJob FThreadPool::Next(FSystemThread& Thread)
@@ -125,9 +162,11 @@ namespace
 			{
 				FJob Job = std::move(Waiting.front());
 				Waiting.pop_front();
-				if (!Waiting.empty() && OnTheirWay == 0)
+				FSystemThread* Another = ForWaiting();
+				Lock.unlock();
+				if (Another)
 				{
-					WakeOne();
+					Another->Wake();
 				}
 				return Job;
 			}
@@ -153,7 +192,9 @@ namespace
 		Lock.lock();
 		if (!bWoken && Thread.bOnItsWay)
 		{
-			Thread.Sleep(0); // woken in this moment: the wake-up must not be left for the next sleep
+			Lock.unlock();
+			Thread.Sleep(); // about to be woken: the wake-up must not be left for the next sleep
+			Lock.lock();
 		}
 		if (!Thread.bOnItsWay)
 		{
@@ -189,13 +230,20 @@ namespace
 		}
 	}
 
-	void FThreadPool::WakeOne()
+	/** @return an idle thread that is to be woken; null when nothing waits, or one is on its way. */
+	FSystemThread* FThreadPool::ForWaiting()
 	{
-		FSystemThread* Thread = Idle.back();
+		return !Waiting.empty() && OnTheirWay == 0 ? &TakeIdle() : nullptr;
+	}
+
+	/** The thread is on its way from here on: it is to be woken, once. */
+	FSystemThread& FThreadPool::TakeIdle()
+	{
+		FSystemThread& Thread = *Idle.back();
 		Idle.pop_back();
-		Thread->bOnItsWay = true;
+		Thread.bOnItsWay = true;
 		++OnTheirWay;
-		Thread->Wake();
+		return Thread;
 	}
 
 	void FThreadPool::JoinIdle()
@@ -211,7 +259,7 @@ namespace
 			}
 			while (!Idle.empty())
 			{
-				WakeOne();
+				TakeIdle().Wake();
 			}
 		}
 		for (const std::unique_ptr<FSystemThread>& Thread : Ended)
@@ -272,6 +320,7 @@ namespace
 
 		void WaitForCompletion() override
 		{
+			HostThreads::FBurst::WakeNow();
 			std::unique_lock Lock(End->Mutex);
 			End->Condition.wait(Lock, [this] { return End->bReached; });
 		}
@@ -306,6 +355,25 @@ FRunnableThread* FRunnableThread::Create(FRunnable* Runnable, const TCHAR* Name)
 bool runOnSystemThread(std::function<void()> Body, std::string Name)
 {
 	return thePool().Run({std::move(Body), std::move(Name)});
+}
+
+HostThreads::FBurst::FBurst()
+{
+	heldBack.bHolding = true;
+}
+
+HostThreads::FBurst::~FBurst()
+{
+	heldBack.bHolding = false;
+	WakeNow();
+}
+
+void HostThreads::FBurst::WakeNow()
+{
+	if (std::exchange(heldBack.Number, 0) > 0)
+	{
+		thePool().WakeForWaiting();
+	}
 }
 
 void HostThreads::JoinIdle()

@@ -70,6 +70,12 @@ bool FString::Equals(const FString& Other, ESearchCase::Type Case) const
 	return std::equal(Text.begin(), Text.end(), Other.Text.begin(), Other.Text.end(), equalUnits);
 }
 
+bool operator==(const FString& Left, const TCHAR* Right)
+{
+	const FStringView Other(Right);
+	return std::equal(Left.Text.begin(), Left.Text.end(), Other.begin(), Other.end(), equalUnits);
+}
+
 size_t GetTypeHash(const FString& Value)
 {
 	size_t Hash = 14695981039346656037ull; // FNV-1a over the lower-cased units

@@ -20,7 +20,7 @@ void FHeaderMap::Set(const FString& Name, const FString& Value)
 	}
 }
 
-void FHeaderMap::Append(const FString& Name, const FString& Value)
+void FHeaderMap::Append(FString Name, FString Value)
 {
 	if (FHeader* Known = const_cast<FHeader*>(Find(Name)))
 	{
@@ -29,7 +29,7 @@ void FHeaderMap::Append(const FString& Name, const FString& Value)
 	}
 	else
 	{
-		Headers.emplace_back(Name, Value);
+		Headers.emplace_back(std::move(Name), std::move(Value));
 	}
 }
 
@@ -42,9 +42,15 @@ FString FHeaderMap::Get(const FString& Name) const
 TArray<FString> FHeaderMap::GetAll() const
 {
 	TArray<FString> Lines;
+	Lines.Reserve(static_cast<int32>(Headers.size()));
 	for (const auto& [Name, Value] : Headers)
 	{
-		Lines.Add(Name + TEXT(": ") + Value);
+		FString Line;
+		Line.Reserve(Name.Len() + 2 + Value.Len());
+		Line += Name;
+		Line += TEXT(": ");
+		Line += Value;
+		Lines.Add(std::move(Line));
 	}
 	return Lines;
 }

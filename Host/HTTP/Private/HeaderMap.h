@@ -14,7 +14,7 @@ public:
 	/** Replaces the value in place when the header is there. */
 	void Set(const FString& Name, const FString& Value);
 	/** Puts the value after that of a header that is there, as a list. */
-	void Append(const FString& Name, const FString& Value);
+	void Append(FString Name, FString Value);
 	bool Contains(const FString& Name) const { return Find(Name) != nullptr; }
 	/** @return empty when absent. */
 	FString Get(const FString& Name) const;

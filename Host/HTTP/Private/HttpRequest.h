@@ -62,7 +62,7 @@ public:
 	// HTTP thread, while it runs:
 	void BeginResponse();
 	void TakeStatus(int32 Code);
-	void TakeHeader(const FString& Name, const FString& Value);
+	void TakeHeader(FString Name, FString Value);
 	void TakeLength(uint64 Length) { Response->SetContentLength(Length); }
 	/** @return false when nobody takes the bytes. */
 	bool TakeBody(char* Bytes, size_t Number);

@@ -17,10 +17,10 @@ void FHttpRequest::TakeStatus(int32 Code)
 	StatusDelegate.ExecuteIfBound(Self(), Code);
 }
 
-void FHttpRequest::TakeHeader(const FString& Name, const FString& Value)
+void FHttpRequest::TakeHeader(FString Name, FString Value)
 {
-	Response->AddHeader(Name, Value);
 	HeaderDelegate.ExecuteIfBound(Self(), Name, Value);
+	Response->AddHeader(std::move(Name), std::move(Value));
 }
 
 bool FHttpRequest::TakeBody(char* Bytes, size_t Number)

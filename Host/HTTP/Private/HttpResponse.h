@@ -24,7 +24,7 @@ public:
 	FString GetContentAsString() const override;
 
 	// HTTP thread:
-	void AddHeader(const FString& Name, const FString& Value) { Headers.Append(Name, Value); }
+	void AddHeader(FString Name, FString Value) { Headers.Append(std::move(Name), std::move(Value)); }
 	void SetContentLength(uint64 Length) { ContentLength = Length; }
 	/** @return false when the body would be longer than an array can be; the bytes that fit are kept. */
 	bool Append(const char* Bytes, size_t Number);

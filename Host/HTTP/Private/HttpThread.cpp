@@ -1,5 +1,7 @@
 #include "HttpThread.h"
 
+#include "Host/SystemThreads.h"
+
 #include <algorithm>
 #include <csignal>
 #include <pthread.h>
@@ -108,16 +110,22 @@ void FHttpThread::Run()
 		bGoOn = TakeCommands();
 		if (bGoOn)
 		{
-			AdmitWaiting();
-			int Number = 0;
-			curl_multi_perform(Multi.get(), &Number);
-			CollectDone();
-			EndSilent();
-			CompleteEnded();
+			DoRound();
 			Sleep();
 		}
 	}
 	CancelAll();
+	CompleteEnded();
+}
+
+void FHttpThread::DoRound()
+{
+	const HostThreads::FBurst Burst; // of the workers that callbacks start
+	AdmitWaiting();
+	int Number = 0;
+	curl_multi_perform(Multi.get(), &Number);
+	CollectDone();
+	EndSilent();
 	CompleteEnded();
 }
 

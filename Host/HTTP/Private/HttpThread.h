@@ -44,6 +44,7 @@ private:
 	bool Push(FCommand Command);
 
 	void Run();
+	void DoRound();
 	bool TakeCommands();
 	void Start(FHttpRequest& Request);
 	void Cancel(FHttpRequest& Request);

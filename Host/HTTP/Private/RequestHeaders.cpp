@@ -8,17 +8,27 @@
 
 namespace
 {
-	const TCHAR* const contentLength = TEXT("Content-Length");
+	const FString contentLength(TEXT("Content-Length"));
+	const FString expect(TEXT("Expect"));
+	const FString userAgent(TEXT("User-Agent"));
 
 	/** A line break or a zero would end the header early and let its value write headers of its own. */
-	bool isSafeValue(std::string_view Value)
+	bool isSafeValue(FStringView Value)
 	{
-		return std::none_of(Value.begin(), Value.end(),
-			[](char Byte)
-			{
-				const uint8 Code = static_cast<uint8>(Byte);
-				return (Code < 0x20 && Code != '\t') || Code == 0x7F;
-			});
+		return std::none_of(Value.begin(), Value.end(), [](TCHAR Unit) { return (Unit < 0x20 && Unit != '\t') || Unit == 0x7F; });
+	}
+
+	/** Whether a text in bytes or units is an RFC 9110 token. */
+	template <class View>
+	bool isToken(View Text)
+	{
+		constexpr std::string_view marks = "!#$%&'*+-.^_`|~";
+		const auto bTokenUnit = [marks](auto Unit)
+		{
+			return (Unit >= '0' && Unit <= '9') || (Unit >= 'A' && Unit <= 'Z') || (Unit >= 'a' && Unit <= 'z') ||
+				   std::find(marks.begin(), marks.end(), Unit) != marks.end();
+		};
+		return !Text.empty() && std::all_of(Text.begin(), Text.end(), bTokenUnit);
 	}
 
 	void addLine(FHeaderLines& Lines, const std::string& Line)
@@ -35,12 +45,7 @@ namespace
 
 bool RequestHeaders::IsToken(std::string_view Text)
 {
-	constexpr std::string_view marks = "!#$%&'*+-.^_`|~";
-	const auto bTokenByte = [marks](char Byte) {
-		return (Byte >= '0' && Byte <= '9') || (Byte >= 'A' && Byte <= 'Z') || (Byte >= 'a' && Byte <= 'z') ||
-			   marks.find(Byte) != marks.npos;
-	};
-	return !Text.empty() && std::all_of(Text.begin(), Text.end(), bTokenByte);
+	return isToken(Text);
 }
 
 bool RequestHeaders::HoldBeginningOfBody(const FHeaderMap& Headers)
@@ -57,11 +62,11 @@ FString RequestHeaders::FindFault(const FHeaderMap& Headers, bool bBodyIsStream)
 	const bool bLengthHoldsBody = bBodyIsStream && HoldBeginningOfBody(Headers);
 	for (const auto& [Name, Value] : Headers)
 	{
-		if (!IsToken(Text::ToUtf8(Name)))
+		if (!isToken(FStringView(Name)))
 		{
 			return TEXT("a header has a name that cannot be sent");
 		}
-		if (!isSafeValue(Text::ToUtf8(Value)) && !(bLengthHoldsBody && Name == contentLength))
+		if (!isSafeValue(Value) && !(bLengthHoldsBody && Name == contentLength))
 		{
 			return TEXT("header ") + Name + TEXT(" has control characters in its value");
 		}
@@ -76,7 +81,7 @@ FHeaderLines RequestHeaders::ToWire(const FHeaderMap& Headers, uint64 BodySize)
 	{
 		addLine(Lines, Text::ToUtf8(Name) + ": " + Text::ToUtf8(Value));
 	}
-	if (!Headers.Contains(TEXT("User-Agent")))
+	if (!Headers.Contains(userAgent))
 	{
 		addLine(Lines, "User-Agent: Host/5.5");
 	}
@@ -84,7 +89,7 @@ FHeaderLines RequestHeaders::ToWire(const FHeaderMap& Headers, uint64 BodySize)
 	{
 		addLine(Lines, "Content-Length: " + std::to_string(BodySize));
 	}
-	if (!Headers.Contains(TEXT("Expect")))
+	if (!Headers.Contains(expect))
 	{
 		addLine(Lines, "Expect:"); // bodies go out at once, whatever their size
 	}

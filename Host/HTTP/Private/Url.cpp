@@ -47,11 +47,15 @@ bool FUrl::HasSameHost(const char* Other) const
 		   Text::EqualNoCase(Part(CURLUPART_HOST), Url.Part(CURLUPART_HOST));
 }
 
-std::string FUrl::Authority() const
+const std::string& FUrl::Authority() const
 {
-	std::string Text = Part(CURLUPART_HOST) + ':' + Part(CURLUPART_PORT);
-	std::transform(Text.begin(), Text.end(), Text.begin(), [](char C) { return C >= 'A' && C <= 'Z' ? static_cast<char>(C | 0x20) : C; });
-	return Text;
+	if (HostAndPort.empty())
+	{
+		HostAndPort = Part(CURLUPART_HOST) + ':' + Part(CURLUPART_PORT);
+		std::transform(HostAndPort.begin(), HostAndPort.end(), HostAndPort.begin(),
+			[](char C) { return C >= 'A' && C <= 'Z' ? static_cast<char>(C | 0x20) : C; });
+	}
+	return HostAndPort;
 }
 
 std::string FUrl::Part(CURLUPart What) const

@@ -17,8 +17,8 @@ public:
 	/** @param Other  an absolute URL. @return whether it leads to the same host and port. */
 	bool HasSameHost(const char* Other) const;
 
-	/** @return host and port, such as "example.org:443", in lower case. */
-	std::string Authority() const;
+	/** @return host and port, such as "example.org:443", in lower case. Put together when it is asked for first: one thread at a time. */
+	const std::string& Authority() const;
 
 	/** For libcurl; owned by this object. */
 	CURLU* Get() const { return Handle.get(); }
@@ -33,4 +33,5 @@ private:
 	std::string Part(CURLUPart What) const;
 
 	std::unique_ptr<CURLU, FCleanup> Handle;
+	mutable std::string HostAndPort; // empty = not asked for yet
 };

@@ -109,7 +109,9 @@ void UCorvaneRequestCompleteObject::addCompletionJob(
 void UCorvaneRequestCompleteObject::addProgressJob(
 	ECorvJobType InType, const FHttpRequestPtr& InRequest, uint64 InBytesSent, uint64 InBytesReceived)
 {
-	parts->run.addJob(MakeUnique<FCorvTheadJob>(FCorvTheadJob{InType, InRequest, nullptr, false, InBytesSent, InBytesReceived}));
+	const bool bEndFollows = parts->run.isWholeBody(InBytesReceived);
+	parts->run.addJob(
+		MakeUnique<FCorvTheadJob>(FCorvTheadJob{InType, InRequest, nullptr, false, InBytesSent, InBytesReceived, bEndFollows}));
 }
 
 // Their other halves.

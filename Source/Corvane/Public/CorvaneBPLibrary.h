@@ -562,6 +562,8 @@ public:
 	UAsyncNodeCorv* getUAsyncNodeHttpRequest(FString requestID);
 	/** @return the same for a request that begins: its result goes to this node, whichever has the ID by then. */
 	TWeakObjectPtr<UAsyncNodeCorv> takeNode(const FString& requestID);
+	/** Forgets the node of an ID if it is gone. */
+	void forgetDeadNode(const FString& requestID);
 
 	/** @return whether a script asked to cancel this ID; the mark is taken away with the answer. Thread: any. */
 	bool takeCancelMark(const FString& requestID);
@@ -613,6 +615,9 @@ private:
 
 	/** @return the thread that writes byte arrays, made on the first call. Thread: any. */
 	TSharedPtr<FByteToFileThread> getByteToFileThread();
+
+	/** @return the node that waits for an ID, or null. */
+	UAsyncNodeCorv* nodeOf(const FString& requestID);
 
 	/** Starts a record that was built for this library. */
 	void startRequest(FhttpRequest& request);

@@ -59,7 +59,7 @@ public:
 
 	bool Equals(const FString& Other, ESearchCase::Type Case = ESearchCase::CaseSensitive) const;
 	friend bool operator==(const FString& Left, const FString& Right) { return Left.Equals(Right, ESearchCase::IgnoreCase); }
-	friend bool operator==(const FString& Left, const TCHAR* Right) { return Left == FString(Right); }
+	friend bool operator==(const FString& Left, const TCHAR* Right);
 	friend size_t GetTypeHash(const FString& Value);
 
 	/** @return the position of the first or last occurrence, or INDEX_NONE. */

@@ -5,17 +5,17 @@
 int32 UCorvaneBPLibrary::CreateHttpRequestGET(TArray<FhttpRequest> InOtherHttpRequests, FString InUrl, TMap<FString, FString> InHeader,
 	FString InOptionalRequestID, bool bInBindServerSendEvent, TArray<FhttpRequest>& OutHttpRequests, FString& OutRequestID)
 {
-	FhttpRequest Record = CorvaneBuilder::makeRecord(EHTTPCorvRequestType::GET, InUrl, InHeader);
+	FhttpRequest Record = CorvaneBuilder::makeRecord(EHTTPCorvRequestType::GET, MoveTemp(InUrl), MoveTemp(InHeader));
 	Record.bindServerSendEvent = bInBindServerSendEvent;
-	return CorvaneBuilder::checkAndAppend(Record, InOptionalRequestID, InOtherHttpRequests, OutHttpRequests, OutRequestID);
+	return CorvaneBuilder::checkAndAppend(MoveTemp(Record), InOptionalRequestID, InOtherHttpRequests, OutHttpRequests, OutRequestID);
 }
 
 int32 UCorvaneBPLibrary::CreateHttpRequestPOST(TArray<FhttpRequest> InOtherHttpRequests, FString InUrl, TMap<FString, FString> InHeader,
 	TMap<FString, FString> InPOSTData, FString InOptionalRequestID, bool bInBindServerSendEvent, TArray<FhttpRequest>& OutHttpRequests,
 	FString& OutRequestID)
 {
-	FhttpRequest Record = CorvaneBuilder::makeRecord(EHTTPCorvRequestType::POST, InUrl, InHeader);
-	Record.POSTData = InPOSTData;
+	FhttpRequest Record = CorvaneBuilder::makeRecord(EHTTPCorvRequestType::POST, MoveTemp(InUrl), MoveTemp(InHeader));
+	Record.POSTData = MoveTemp(InPOSTData);
 	Record.bindServerSendEvent = bInBindServerSendEvent;
-	return CorvaneBuilder::checkAndAppend(Record, InOptionalRequestID, InOtherHttpRequests, OutHttpRequests, OutRequestID);
+	return CorvaneBuilder::checkAndAppend(MoveTemp(Record), InOptionalRequestID, InOtherHttpRequests, OutHttpRequests, OutRequestID);
 }

@@ -37,13 +37,28 @@ void UCorvaneBPLibrary::unregisterUAsyncNodeHttpRequest(FString InRequestID)
 
 UAsyncNodeCorv* UCorvaneBPLibrary::getUAsyncNodeHttpRequest(FString InRequestID)
 {
+	return nodeOf(InRequestID);
+}
+
+UAsyncNodeCorv* UCorvaneBPLibrary::nodeOf(const FString& InRequestID)
+{
 	FScopeLock Lock(&mapLock);
 	return asyncNodes.FindRef(InRequestID).Get();
 }
 
+void UCorvaneBPLibrary::forgetDeadNode(const FString& InRequestID)
+{
+	FScopeLock Lock(&mapLock);
+	const TWeakObjectPtr<UAsyncNodeCorv>* Node = asyncNodes.Find(InRequestID);
+	if (Node && !Node->IsValid())
+	{
+		asyncNodes.Remove(InRequestID);
+	}
+}
+
 TWeakObjectPtr<UAsyncNodeCorv> UCorvaneBPLibrary::takeNode(const FString& InRequestID)
 {
-	UAsyncNodeCorv* Node = getUAsyncNodeHttpRequest(InRequestID);
+	UAsyncNodeCorv* Node = nodeOf(InRequestID);
 	if (Node)
 	{
 		Node->waitState = ECorvNodeWait::HasRequest;

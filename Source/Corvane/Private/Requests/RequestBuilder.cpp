@@ -21,12 +21,12 @@ bool CorvaneBuilder::isUrlLongEnough(const FString& Url)
 	return true;
 }
 
-FhttpRequest CorvaneBuilder::makeRecord(EHTTPCorvRequestType Type, const FString& Url, const TMap<FString, FString>& Header)
+FhttpRequest CorvaneBuilder::makeRecord(EHTTPCorvRequestType Type, FString Url, TMap<FString, FString> Header)
 {
 	FhttpRequest Record;
 	Record.requestType = Type;
-	Record.url = Url;
-	Record.header = Header;
+	Record.url = MoveTemp(Url);
+	Record.header = MoveTemp(Header);
 	return Record;
 }
 

@@ -12,7 +12,7 @@ namespace CorvaneBuilder
 	bool isUrlLongEnough(const FString& url);
 
 	/** @return a record without its completion object. */
-	FhttpRequest makeRecord(EHTTPCorvRequestType type, const FString& url, const TMap<FString, FString>& header = {});
+	FhttpRequest makeRecord(EHTTPCorvRequestType type, FString url, TMap<FString, FString> header = {});
 
 	/**
 	 * Gives a filled record its completion object and puts it after the other records.

@@ -35,4 +35,5 @@ struct FCorvTheadJob
 	// progress
 	uint64 bytesSent = 0;
 	uint64 bytesReceived = 0;
+	bool bEndFollows = false; // the body is complete: the completion is right behind, and the worker may wait for it
 };

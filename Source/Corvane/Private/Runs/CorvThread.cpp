@@ -19,11 +19,19 @@ FCorvThread::~FCorvThread()
 
 void FCorvThread::addJob(TUniquePtr<FCorvTheadJob> InJob)
 {
-	if (updateWaitingProgress(*InJob))
+	const bool bCanWait = InJob->bEndFollows;
+	if (!updateWaitingProgress(*InJob))
 	{
-		return;
+		jobQueue.Enqueue(MoveTemp(InJob));
 	}
-	jobQueue.Enqueue(MoveTemp(InJob));
+	if (!bCanWait)
+	{
+		startOrWake();
+	}
+}
+
+void FCorvThread::startOrWake()
+{
 	if (thread)
 	{
 		pauseThread(false);

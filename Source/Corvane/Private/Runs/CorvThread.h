@@ -15,7 +15,8 @@ class UCorvaneRequestCompleteObject;
 
 /**
  * The worker of one running request: it runs the jobs that the request's callbacks queue, in order, and ends after the
- * completion job. Its thread starts with the first job. Owned by the completion object and freed on the game thread.
+ * completion job. Its thread starts with the first job, or with the completion when all of a small answer comes at once.
+ * Owned by the completion object and freed on the game thread.
  *
  * The owner never lets addJob and stopThread run at the same time.
  */
@@ -31,8 +32,9 @@ public:
 	bool hasEnded() const { return ended; }
 
 	/**
-	 * Queues one job and starts or wakes the worker. Progress that finds earlier progress still waiting only brings that
-	 * up to date: no flood of callbacks makes a queue long.
+	 * Queues one job and starts or wakes the worker, but for progress that the completion follows at once: a small answer is
+	 * then one turn of the worker and not two. Progress that finds earlier progress still waiting only brings that up to date:
+	 * no flood of callbacks makes a queue long.
 	 * @param job  not null.
 	 * @note Thread: HTTP callback. Jobs run in call order; on the calling thread only when the system has no thread to give.
 	 */
@@ -50,6 +52,7 @@ public:
 private:
 	bool updateWaitingProgress(FCorvTheadJob& job);
 	bool takeJob(TUniquePtr<FCorvTheadJob>& job);
+	void startOrWake();
 	void startThread();
 	void runQueuedJobs();
 	void runJob(const FCorvTheadJob& job);
@@ -64,5 +67,5 @@ private:
 	FCriticalSection progressLock;
 	FCorvTheadJob* waitingProgress CORVANE_GUARDED_BY(progressLock) = nullptr; // in the queue; its numbers are guarded, too
 	FCorvPooledEvent wakeUp;
-	TUniquePtr<FRunnableThread> thread; // null until the first job
+	TUniquePtr<FRunnableThread> thread; // null until a job has to be run
 };

@@ -11,10 +11,7 @@ namespace CorvaneDelivery
 	static UAsyncNodeCorv* receiver(
 		UCorvaneBPLibrary& Library, UAsyncNodeCorv* Node, const FHttpRequestPtr& Request, const FString& RequestID)
 	{
-		if (!Library.getUAsyncNodeHttpRequest(RequestID))
-		{
-			Library.unregisterUAsyncNodeHttpRequest(RequestID); // what a node leaves that was collected while it waited
-		}
+		Library.forgetDeadNode(RequestID); // it was collected while it waited
 		if (!Node || Node->waitState == ECorvNodeWait::NotWaiting) // it gave up its ID meanwhile
 		{
 			return nullptr;

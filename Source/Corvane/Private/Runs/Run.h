@@ -54,6 +54,8 @@ public:
 	void setStatusCode(int32 code);
 	/** Keeps the length of the body. */
 	void setHeader(const FString& name, const FString& value);
+	/** @return whether so many bytes are the body that the answer announces; the completion is what comes next then. */
+	bool isWholeBody(uint64 bytes) const { return bytes > 0 && announcedSize == static_cast<int64>(bytes); }
 
 	// Request worker.
 	/** @return the library; it lives as long as a run. Null: there was none when the request was built. */
