@@ -131,6 +131,7 @@ namespace Lab
 			service.loop->cancel(*timer);
 		}
 		wait = Wait::Time;
+		wanted = 0; // bytes that are there already are no reason to wake up
 		waitEnd = time;
 		timer = service.loop->setTimer(time, key);
 		return false;
