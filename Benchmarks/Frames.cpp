@@ -111,14 +111,20 @@ namespace
 		FString target(int place) const { return FString(fmt::format("{}/{}", origins.file.folder(), place).c_str()); }
 		static FString idOf(int place) { return FString::Printf(TEXT("%d"), place); }
 
-		void execute(const TArray<FhttpRequest>& records) { UCorvaneBPLibrary::executeHttpRequests(records, library); }
-
-		void get(int place)
+		/** @param build  calls a builder with where its record and ID go. */
+		template <class Build>
+		void execute(Build build)
 		{
 			TArray<FhttpRequest> records;
 			FString id;
-			UCorvaneBPLibrary::CreateHttpRequestGET({}, pageUrl(), {}, idOf(place), false, records, id);
-			execute(records);
+			build(records, id);
+			UCorvaneBPLibrary::executeHttpRequests(records, library);
+		}
+
+		void get(int place)
+		{
+			execute([&](TArray<FhttpRequest>& records, FString& id)
+				{ UCorvaneBPLibrary::CreateHttpRequestGET({}, pageUrl(), {}, idOf(place), false, records, id); });
 		}
 		void node(int place)
 		{
@@ -131,50 +137,52 @@ namespace
 		}
 		void post(int place)
 		{
-			TArray<FhttpRequest> records;
-			FString id;
-			UCorvaneBPLibrary::CreateHttpRequestPOST({}, uploadUrl("late"), {}, {{"name", "value"}}, idOf(place), false, records, id);
-			execute(records);
+			execute(
+				[&](TArray<FhttpRequest>& records, FString& id) {
+					UCorvaneBPLibrary::CreateHttpRequestPOST(
+						{}, uploadUrl("late"), {}, {{"name", "value"}}, idOf(place), false, records, id);
+				});
 		}
 		void events(int place)
 		{
-			TArray<FhttpRequest> records;
-			FString id;
-			UCorvaneBPLibrary::CreateHttpRequestGET({}, uploadUrl("events"), {}, idOf(place), true, records, id);
-			execute(records);
+			execute([&](TArray<FhttpRequest>& records, FString& id)
+				{ UCorvaneBPLibrary::CreateHttpRequestGET({}, uploadUrl("events"), {}, idOf(place), true, records, id); });
 		}
 		void download(int place)
 		{
-			TArray<FhttpRequest> records;
-			FString id;
-			UCorvaneBPLibrary::CreateHttpRequestGETDownload(
-				{}, fileUrl(), {}, overwrite, absolute, target(place), idOf(place), records, id);
-			execute(records);
+			execute(
+				[&](TArray<FhttpRequest>& records, FString& id) {
+					UCorvaneBPLibrary::CreateHttpRequestGETDownload(
+						{}, fileUrl(), {}, overwrite, absolute, target(place), idOf(place), records, id);
+				});
 		}
 		void stepped(int place)
 		{
 			constexpr int32 stepBytes = 128 << 10;
-			TArray<FhttpRequest> records;
-			FString id;
-			UCorvaneBPLibrary::CreateHttpRequestGETLowRamDownload(
-				{}, fileUrl(), {}, overwrite, absolute, target(place), idOf(place), records, id, stepBytes);
-			execute(records);
+			execute(
+				[&](TArray<FhttpRequest>& records, FString& id)
+				{
+					UCorvaneBPLibrary::CreateHttpRequestGETLowRamDownload(
+						{}, fileUrl(), {}, overwrite, absolute, target(place), idOf(place), records, id, stepBytes);
+				});
 		}
 		void putStream(int place)
 		{
-			TArray<FhttpRequest> records;
-			FString id;
-			UCorvaneBPLibrary::CreateHttpRequestFileUploadPUT(
-				{}, uploadUrl(), {}, absolute, source(), "f", EHTTPCorvFileUploadType::PUT_STREAM_BLANK, idOf(place), records, id);
-			execute(records);
+			execute(
+				[&](TArray<FhttpRequest>& records, FString& id)
+				{
+					UCorvaneBPLibrary::CreateHttpRequestFileUploadPUT(
+						{}, uploadUrl(), {}, absolute, source(), "f", EHTTPCorvFileUploadType::PUT_STREAM_BLANK, idOf(place), records, id);
+				});
 		}
 		void postFile(int place)
 		{
-			TArray<FhttpRequest> records;
-			FString id;
-			UCorvaneBPLibrary::CreateHttpRequestFileUploadPOST(
-				{}, uploadUrl("page"), {}, absolute, FString(origins.page().c_str()), "f", {}, idOf(place), records, id);
-			execute(records);
+			execute(
+				[&](TArray<FhttpRequest>& records, FString& id)
+				{
+					UCorvaneBPLibrary::CreateHttpRequestFileUploadPOST(
+						{}, uploadUrl("page"), {}, absolute, FString(origins.page().c_str()), "f", {}, idOf(place), records, id);
+				});
 		}
 
 		UCorvaneTransfer::FTell endOf(int place)

@@ -65,6 +65,7 @@ protected:
 	/** Brings what another thread has to tell to this object, if it lives by then. Thread: any. */
 	void Post(TUniqueFunction<void(Type&)> Letter) { Mailbox->PostTo(this->AsShared(), MoveTemp(Letter)); }
 
+	/** Does the first step; an end that it brings is told later. */
 	template <class StepType>
 	void BeginWith(const StepType& First)
 	{
