@@ -4,9 +4,6 @@
 #include "Host/LargePages.h"
 #include "Utf8Decoding.h"
 
-#include <fmt/args.h>
-#include <fmt/printf.h>
-
 #include <cstring>
 
 namespace
@@ -198,31 +195,4 @@ int32 FString::ParseIntoArray(TArray<FString>& Parts, const TCHAR* Delimiter, bo
 		}
 	}
 	return Parts.Num();
-}
-
-FString FString::PrintfImpl(const TCHAR* Format, std::initializer_list<FArgument> Arguments)
-{
-	fmt::dynamic_format_arg_store<fmt::printf_context> Store;
-	for (const FArgument& Argument : Arguments)
-	{
-		if (const TCHAR* const* Units = std::get_if<const TCHAR*>(&Argument))
-		{
-			Store.push_back(std::string(FTCHARToUTF8(*Units).Get()));
-		}
-		else if (const int64* Signed = std::get_if<int64>(&Argument))
-		{
-			Store.push_back(*Signed);
-		}
-		else if (const uint64* Unsigned = std::get_if<uint64>(&Argument))
-		{
-			Store.push_back(*Unsigned);
-		}
-		else
-		{
-			Store.push_back(std::get<double>(Argument));
-		}
-	}
-	const std::string Result = fmt::vsprintf(FTCHARToUTF8(Format).Get(), Store);
-	const FUTF8ToTCHAR Units(Result.data(), static_cast<int32>(Result.size()));
-	return ConstructFromPtrSize(Units.Get(), Units.Length());
 }

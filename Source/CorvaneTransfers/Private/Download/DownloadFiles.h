@@ -42,6 +42,8 @@ public:
 
 	/** Begins a try. */
 	void BeginAttempt();
+	/** Does something else when the steps before it are done. */
+	void Then(TUniqueFunction<void()> Step) { Strand->Add(MoveTemp(Step)); }
 	/** The same, and tells the last bytes on disk. @param Compare  how many of them. */
 	void BeginAttempt(int64 Compare, TUniqueFunction<void(TArray<uint8>&&, const FCorvaneFileResult&)> Tell);
 	/** The bytes that follow are the file from its beginning. */

@@ -124,6 +124,8 @@ public:
 
 	bool IsPaused() const { return Phase == EPhase::Paused; }
 	bool IsOver() const { return Phase == EPhase::Over; }
+	const FString& GetTarget() const { return Target; }
+	const FCorvaneDownloadOptions& GetOptions() const { return Options; }
 	/** Of what is on disk. */
 	const FCorvaneVersion& GetVersion() const { return Version; }
 	/** -1 = unknown. */

@@ -19,6 +19,13 @@ namespace CorvaneDownloadOptions
 		return Options.BytesPerSecond < 0 ? FString(TEXT("The bytes per second have to be 0, for no limit, or more.")) : FString();
 	}
 
+	static FString FindHashFault(bool bIsReadable)
+	{
+		return bIsReadable
+				   ? FString()
+				   : TEXT("The expected hash cannot be read; it is written like sha256:0123456789abcdef... or, to be told it, sha256.");
+	}
+
 	static FString FindTargetFault(const FString& Target)
 	{
 		if (Target.IsEmpty() || CorvaneHeaders::HasControl(Target))
@@ -34,10 +41,8 @@ namespace CorvaneDownloadOptions
 FString CorvaneDownload::FindFault(const FString& URL, const FString& Target, const FCorvaneDownloadOptions& Options, bool bHashIsReadable)
 {
 	using namespace CorvaneDownloadOptions;
-	const FString HashFault =
-		TEXT("The expected hash cannot be read; it is written like sha256:0123456789abcdef... or, to be told it, sha256.");
-	return CorvaneOptionFaults::First({CorvaneOptionFaults::OfAddress(URL), bHashIsReadable ? FString() : HashFault,
-		FindTargetFault(Target), CorvaneOptionFaults::OfHeaders(Options.Headers, &IsOwn, TEXT("is the download's own and cannot be set")),
+	return CorvaneOptionFaults::First({CorvaneOptionFaults::OfAddress(URL), FindHashFault(bHashIsReadable), FindTargetFault(Target),
+		CorvaneOptionFaults::OfHeaders(Options.Headers, &IsOwn, TEXT("is the download's own and cannot be set")),
 		CorvaneOptionFaults::OfTries(Options.Attempts, Options.FirstWaitSeconds, Options.LongestWaitSeconds, Options.SilenceSeconds),
 		FindNumberFault(Options)});
 }

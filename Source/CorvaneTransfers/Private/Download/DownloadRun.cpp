@@ -34,8 +34,6 @@ FCorvaneDownloadRun::FCorvaneDownloadRun(const FString& InURL, const FString& In
 	FTell InTellEnd, TFunction<void()> InTellProgress, const TSharedRef<FCorvaneRoute>& InRoute)
 	: TCorvaneMachineRun(MoveTemp(InTellEnd), MoveTemp(InTellProgress), InURL, InTarget, InOptions)
 	, URL(InURL)
-	, Target(InTarget)
-	, Options(InOptions)
 	, Route(InRoute)
 {
 }
@@ -101,7 +99,7 @@ void FCorvaneDownloadRun::Look()
 
 void FCorvaneDownloadRun::Open()
 {
-	Files->Open(Target, CorvaneAddress::WithoutUser(URL), Options.bResume, Hash.Kind,
+	Files->Open(Target, Machine.GetReport().AskedAddress, Options.bResume, Hash.Kind,
 		[Self = AsShared()](const FCorvaneOpenedPart& Part)
 		{
 			Self->Post([Opened = CorvaneDownloadRun::Translate(Part)](FCorvaneDownloadRun& Run)
@@ -144,21 +142,27 @@ void FCorvaneDownloadRun::Send(const FCorvaneDownloadQuestion& Question, TArray<
 	}
 	FCorvaneDownloadReceiver::FPlan Plan;
 	Plan.Question = Question;
-	Plan.Address = CorvaneAddress::WithoutUser(URL);
+	Plan.Address = Machine.GetReport().AskedAddress;
 	Plan.Tail = MoveTemp(Tail);
 	Plan.BytesPerSecond = Options.BytesPerSecond;
 	Plan.Share = Turn.GetShare();
 	const TSharedRef<FCorvaneDownloadReceiver> Taker = MakeShared<FCorvaneDownloadReceiver>(MoveTemp(Plan), Files,
 		[Self = AsShared()](const FCorvaneAttemptEnd& End)
 		{ Self->Post([Own = FCorvaneAttemptEnd(End)](FCorvaneDownloadRun& Run) mutable { Run.OnSent(MoveTemp(Own)); }); });
+	Receiver = Taker;
+	Route->Prepare();
+	Files->Then([Self = AsShared(), Question, Taker] { Self->Launch(Question, Taker); });
+	BeginProgress();
+}
 
+/** To make a request costs more than all else that a small file needs of the game thread. Thread: that of the files. */
+void FCorvaneDownloadRun::Launch(const FCorvaneDownloadQuestion& Question, const TSharedRef<FCorvaneDownloadReceiver>& Taker) const
+{
 	FCorvaneExchangeRequest Asked;
 	Asked.URL = URL;
 	Asked.Headers = CorvaneDownload::MakeHeaders(Question, Options);
 	Asked.SilenceSeconds = static_cast<float>(Options.SilenceSeconds);
-	Receiver = Taker;
 	Route->Start(Asked, Taker);
-	BeginProgress();
 }
 
 void FCorvaneDownloadRun::OnSent(FCorvaneAttemptEnd&& End)
@@ -210,6 +214,7 @@ int64 FCorvaneDownloadRun::BytesOfTry() const
 
 void FCorvaneDownloadRun::LogEnd(const FCorvaneTransferReport& Report) const
 {
-	UE_LOG(LogTemp, Display, TEXT("Transfer: %s %s, %lld bytes, %d attempts, %d restarts. %s"), *CorvaneAddress::ForLog(URL), *Target,
-		Report.TransferredBytes, Report.Attempts, Report.Restarts, *Report.Sentence);
+	UE_LOG(LogTemp, Display, TEXT("Transfer: %s %s, %lld bytes, %d attempts, %d restarts. %s"),
+		*CorvaneAddress::WithoutQuery(Report.AskedAddress), *Target, Report.TransferredBytes, Report.Attempts, Report.Restarts,
+		*Report.Sentence);
 }

@@ -43,6 +43,7 @@ private:
 	void Ask(const FCorvaneDownloadQuestion& Question);
 	void BeginTry(const FCorvaneDownloadQuestion& Question);
 	void Send(const FCorvaneDownloadQuestion& Question, TArray<uint8>&& Tail, const FCorvaneFileResult& TailRead);
+	void Launch(const FCorvaneDownloadQuestion& Question, const TSharedRef<FCorvaneDownloadReceiver>& Taker) const;
 	void Stop();
 	void Finish();
 	void PostClosed();
@@ -50,8 +51,8 @@ private:
 	void OnSent(FCorvaneAttemptEnd&& End);
 
 	const FString URL;
-	const FString Target;
-	const FCorvaneDownloadOptions Options;
+	const FString& Target = Machine.GetTarget();
+	const FCorvaneDownloadOptions& Options = Machine.GetOptions();
 	FCorvaneHashWish Hash;
 
 	const TSharedRef<FCorvaneDownloadFiles> Files = MakeShared<FCorvaneDownloadFiles>();

@@ -4,7 +4,6 @@
 #include "Containers/StringConv.h"
 #include "Drive/DrivePage.h"
 #include "Drive/DriveReceiver.h"
-#include "Misc/ScopeLock.h"
 
 namespace CorvaneDriveRoute
 {
@@ -72,29 +71,11 @@ FString FCorvaneDriveRoute::FindFault() const
 
 void FCorvaneDriveRoute::Start(const FCorvaneExchangeRequest& InAsked, const TSharedRef<FCorvaneExchangeReceiver>& InReceiver)
 {
-	{
-		const FScopeLock Lock(&Guard);
-		bCancelled = false;
-	}
 	Asked = InAsked;
 	Receiver = InReceiver;
 	Place.bIsOld = !Place.Address.IsEmpty();
 	Exchanges = 0;
 	SendNext(FCorvaneExchangeResult());
-}
-
-void FCorvaneDriveRoute::Cancel()
-{
-	TSharedPtr<FCorvaneExchange> Running;
-	{
-		const FScopeLock Lock(&Guard);
-		bCancelled = true;
-		Running = Exchange;
-	}
-	if (Running.IsValid())
-	{
-		Running->Cancel();
-	}
 }
 
 /** @param Before  what the exchange before has brought. */
@@ -110,15 +91,10 @@ void FCorvaneDriveRoute::SendNext(const FCorvaneExchangeResult& Before)
 	How.bOnlyLooks = Place.Address.IsEmpty() && CorvaneDriveRoute::RemoveConditions(Next.Headers);
 	How.bPlaceIsOld = Place.bIsOld;
 	const TSharedRef<FCorvaneDriveReceiver> Taker = MakeShared<FCorvaneDriveReceiver>(AsShared(), Receiver.ToSharedRef(), How);
+	if (!Send(Next, Taker))
 	{
-		const FScopeLock Lock(&Guard); // a cancel comes before the next exchange or finds it
-		if (!bCancelled)
-		{
-			Exchange = FCorvaneExchange::Start(Next, Taker);
-			return;
-		}
+		End(FCorvaneExchangeResult());
 	}
-	End(FCorvaneExchangeResult());
 }
 
 FCorvaneExchangeRequest FCorvaneDriveRoute::MakeRequest() const

@@ -1,16 +1,14 @@
 #pragma once
 
 #include "Attempts/Route.h"
-#include "Corvane.h"
-#include "HAL/CriticalSection.h"
 
 /**
  * The way to a file of the Drive service: where it is asked for may stand a page, whose form leads to the file. The page is
  * asked without ranges; what the form names is remembered for later tries, and looked for anew when it is no more.
  *
  * A try is a chain of exchanges, one at a time, each begun at the end of the one before. Cookies of a page, and what tells who
- * asks, go no further than to the page's own host. Hold it by a shared pointer. Thread: game thread; the chain runs on the HTTP
- * thread.
+ * asks, go no further than to the page's own host. Hold it by a shared pointer. Behind its first exchange the chain runs on the
+ * HTTP thread.
  */
 class FCorvaneDriveRoute : public FCorvaneRoute, public TSharedFromThis<FCorvaneDriveRoute>
 {
@@ -19,7 +17,6 @@ public:
 
 	virtual FString FindFault() const override;
 	virtual void Start(const FCorvaneExchangeRequest& InAsked, const TSharedRef<FCorvaneExchangeReceiver>& InReceiver) override;
-	virtual void Cancel() override;
 
 private:
 	friend class FCorvaneDriveReceiver;
@@ -42,10 +39,6 @@ private:
 	void OnPage(const FCorvaneExchangeResult& Result, TArray<uint8>&& Bytes);
 
 	const FString FileID;
-
-	FCriticalSection Guard;
-	TSharedPtr<FCorvaneExchange> Exchange CORVANE_GUARDED_BY(Guard); // of the chain, the last
-	bool bCancelled CORVANE_GUARDED_BY(Guard) = false;
 
 	// On the threads of the chain, which come one after the other:
 	FCorvaneExchangeRequest Asked;
