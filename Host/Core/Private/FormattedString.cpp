@@ -1,5 +1,6 @@
 #include "Containers/UnrealString.h"
 
+#include <fmt/format.h>
 #include <fmt/printf.h>
 
 #include <cassert>
@@ -9,11 +10,20 @@ namespace
 {
 	using View = std::u16string_view;
 
+	bool isBeforeLetter(TCHAR unit)
+	{
+		return (unit >= u'0' && unit <= u'9') || unit == u'.' || unit == u'l';
+	}
+
 	/** @return the conversion at the beginning of a format, with its percent sign. */
 	View conversionOf(View format)
 	{
-		const std::size_t letter = format.find_first_of(u"%scdiuxXofFeEgG", 1);
-		assert(letter != View::npos && "a format ends inside a conversion");
+		std::size_t letter = 1;
+		while (letter < format.size() && isBeforeLetter(format[letter]))
+		{
+			++letter;
+		}
+		assert(letter < format.size() && "a format ends inside a conversion");
 		return format.substr(0, letter + 1);
 	}
 
@@ -27,6 +37,15 @@ namespace
 	template <class Number>
 	void append(std::u16string& result, View conversion, Number value)
 	{
+		if constexpr (std::is_integral_v<Number>)
+		{
+			if (conversion == u"%d" || conversion == u"%lld") // by far the most
+			{
+				const fmt::format_int plain(value);
+				result.append(plain.data(), plain.data() + plain.size());
+				return;
+			}
+		}
 		const std::string number = fmt::sprintf(std::string(conversion.begin(), conversion.end()), value);
 		result.append(number.begin(), number.end());
 	}
@@ -35,6 +54,7 @@ namespace
 FString FString::PrintfImpl(const TCHAR* Format, std::initializer_list<FArgument> Arguments)
 {
 	FString Result;
+	Result.Text.reserve(128); // of most lines
 	const FArgument* Next = Arguments.begin();
 	for (View Rest = Format; !Rest.empty();)
 	{

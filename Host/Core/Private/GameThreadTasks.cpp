@@ -7,9 +7,9 @@
 
 #include <atomic>
 #include <condition_variable>
-#include <deque>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 namespace
 {
@@ -19,16 +19,19 @@ namespace
 	{
 		std::mutex Mutex; // guards what follows
 		std::condition_variable Added;
-		std::deque<FTask> Queue;
+		std::vector<FTask> Queue;
 		bool bClosed = false;
 		bool bWaiting = false; // the game thread sleeps: only then is it worth waking
 		std::atomic<std::thread::id> GameThread = std::this_thread::get_id();
 
-		std::deque<FTask> TakeAll()
+		/** @param NextQueue  an empty one. */
+		std::vector<FTask> TakeAll(std::vector<FTask> NextQueue = {})
 		{
 			const std::scoped_lock Lock(Mutex);
-			return std::exchange(Queue, {});
+			return std::exchange(Queue, std::move(NextQueue));
 		}
+
+		std::vector<FTask> Spare; // empty, for the next tasks: its memory is kept from tick to tick. Thread: game thread
 	};
 
 	FTasks& theTasks()
@@ -76,14 +79,16 @@ void GameThreadTasks::BindToThisThread()
 
 int GameThreadTasks::RunQueued()
 {
-	std::deque<FTask> Taken = theTasks().TakeAll();
-	int Number = 0;
-	for (; !Taken.empty(); ++Number)
+	FTasks& Tasks = theTasks();
+	std::vector<FTask> Taken = Tasks.TakeAll(std::exchange(Tasks.Spare, {}));
+	for (FTask& Next : Taken)
 	{
-		const FTask Task = std::move(Taken.front());
-		Taken.pop_front();
+		const FTask Task = std::move(Next); // goes, with what it captured, before the next one runs
 		Task();
 	}
+	const int Number = static_cast<int>(Taken.size());
+	Taken.clear();
+	Tasks.Spare = std::move(Taken);
 	return Number;
 }
 

@@ -63,7 +63,11 @@ protected:
 	virtual void LogEnd(const FCorvaneTransferReport& Report) const = 0;
 
 	/** Brings what another thread has to tell to this object, if it lives by then. Thread: any. */
-	void Post(TUniqueFunction<void(Type&)> Letter) { Mailbox->PostTo(this->AsShared(), MoveTemp(Letter)); }
+	template <class LetterType>
+	void Post(LetterType Letter)
+	{
+		Mailbox->PostTo(this->AsShared(), MoveTemp(Letter));
+	}
 
 	/** Does the first step; an end that it brings is told later. */
 	template <class StepType>

@@ -3,7 +3,7 @@
 #include "CoreTypes.h"
 #include "Misc/ScopeLock.h"
 
-#include <deque>
+#include <list>
 #include <utility>
 
 enum class EQueueMode
@@ -46,5 +46,5 @@ public:
 
 private:
 	mutable FCriticalSection Lock; // guards what follows
-	std::deque<T> Items;
+	std::list<T> Items;
 };

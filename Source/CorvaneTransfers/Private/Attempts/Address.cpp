@@ -105,6 +105,10 @@ bool CorvaneAddress::IsUsable(const FString& URL)
 
 FString CorvaneAddress::WithoutUser(const FString& URL)
 {
+	if (!URL.Contains(TEXT("@"), ESearchCase::CaseSensitive))
+	{
+		return URL;
+	}
 	const int32 Host = CorvaneAddressParts::HostBegin(URL);
 	const int32 Begin = CorvaneAddressParts::AuthorityBegin(URL);
 	return Host == Begin ? URL : URL.Left(Begin) + URL.Mid(Host, MAX_int32);

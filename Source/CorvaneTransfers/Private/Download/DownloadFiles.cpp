@@ -2,11 +2,6 @@
 
 #include "HAL/PlatformFileManager.h"
 
-void FCorvaneDownloadFiles::Do(TUniqueFunction<void(FCorvaneDownloadFiles&)> Step)
-{
-	Strand->Add([Self = AsShared(), Step = MoveTemp(Step)] { Step(*Self); });
-}
-
 void FCorvaneDownloadFiles::Look(const FString& Target, TUniqueFunction<void(bool, FDateTime)> Tell)
 {
 	Do(

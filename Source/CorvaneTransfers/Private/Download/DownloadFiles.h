@@ -63,7 +63,12 @@ public:
 	int64 BytesOfAttempt() const { return Brought; }
 
 private:
-	void Do(TUniqueFunction<void(FCorvaneDownloadFiles&)> Step);
+	/** @tparam StepType  is called with this object, on the strand. */
+	template <class StepType>
+	void Do(StepType Step)
+	{
+		Strand->Add([Self = AsShared(), Step = MoveTemp(Step)]() mutable { Step(*Self); });
+	}
 	void WriteWaiting();
 	void GiveMemoryBack();
 	void Note(const FCorvaneFileResult& Result);

@@ -107,14 +107,14 @@ int32 FCorvaneQueueMachine::PlaceOf(const FHost& Host, const FRank& Rank)
 
 void FCorvaneQueueMachine::Enqueue(int64 Ticket, const FEntry& Entry)
 {
-	if (!Hosts.Contains(Entry.Host))
+	FHost* Host = Hosts.Find(Entry.Host);
+	if (!Host)
 	{
-		Hosts.Add(Entry.Host, FHost()).Turn =
-			++Turns; // a host that is new stands behind the others, or one that comes and goes would pass them
+		Host = &Hosts.Add(Entry.Host, FHost());
+		Host->Turn = ++Turns; // a host that is new stands behind the others, or one that comes and goes would pass them
 	}
-	FHost& Host = *Hosts.Find(Entry.Host);
 	const FRank Rank{Entry.Priority, Ticket};
-	Host.Line.Insert(Rank, PlaceOf(Host, Rank));
+	Host->Line.Insert(Rank, PlaceOf(*Host, Rank));
 }
 
 void FCorvaneQueueMachine::Dequeue(int64 Ticket, const FEntry& Entry)

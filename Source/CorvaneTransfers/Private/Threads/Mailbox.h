@@ -19,12 +19,13 @@ public:
 	/**
 	 * The same with a letter to an object, which gets it if it lives by then: one that nobody reads any more must not keep alive
 	 * what holds the box. Thread: any.
+	 * @tparam LetterType  is called with a Type&, once.
 	 */
-	template <class Type>
-	void PostTo(const TSharedRef<Type>& Reader, TUniqueFunction<void(Type&)> Letter)
+	template <class Type, class LetterType>
+	void PostTo(const TSharedRef<Type>& Reader, LetterType Letter)
 	{
 		Post(
-			[Weak = TWeakPtr<Type>(Reader), Letter = MoveTemp(Letter)]
+			[Weak = TWeakPtr<Type>(Reader), Letter = MoveTemp(Letter)]() mutable
 			{
 				if (const TSharedPtr<Type> Alive = Weak.Pin())
 				{
