@@ -22,6 +22,7 @@ namespace
 
 	private:
 		void WorkOff();
+		void EndWorker();
 		void RunOne();
 		void RunFirst(std::unique_lock<std::mutex>& Lock);
 
@@ -36,24 +37,31 @@ namespace
 
 	void FBackground::Add(FTask Task)
 	{
-		std::unique_lock Lock(Mutex);
-		if (bClosed)
 		{
-			return;
+			const std::scoped_lock Lock(Mutex);
+			if (bClosed)
+			{
+				return;
+			}
+			Queue.push_back(std::move(Task));
+			if (NumWorkers == mostWorkers)
+			{
+				return;
+			}
+			++NumWorkers;
 		}
-		Queue.push_back(std::move(Task));
-		if (NumWorkers == mostWorkers)
+		if (!runOnSystemThread([this] { WorkOff(); }, "Background")) // without the lock, which it begins with
 		{
-			return;
-		}
-		if (runOnSystemThread([this] { WorkOff(); }, "Background"))
-		{
-			++NumWorkers; // it waits for the lock that is held here
-		}
-		else
-		{
+			EndWorker();
 			AsyncTask(ENamedThreads::GameThread, [this] { RunOne(); }); // late is better than never
 		}
+	}
+
+	void FBackground::EndWorker()
+	{
+		const std::scoped_lock Lock(Mutex);
+		--NumWorkers;
+		WorkerEnded.notify_all();
 	}
 
 	void FBackground::WorkOff()

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Containers/Ticker.h"
 #include "CoreMinimal.h"
 #include "CorvaneTransferReport.h"
 #include "HAL/PlatformTime.h"
@@ -94,11 +93,10 @@ protected:
 	/** Tells of progress from now on, if anybody listens. */
 	void BeginProgress()
 	{
-		constexpr float Interval = 0.1f;
-		if (ProgressTeller && !ProgressTicker.IsValid())
+		bTellsProgress = true;
+		if (ProgressTeller)
 		{
-			ProgressTicker = FTSTicker::GetCoreTicker().AddTicker(
-				FTickerDelegate::CreateLambda([Run = this->AsShared()](float) { return Run->OnProgressTick(); }), Interval);
+			CorvaneRunningTransfers::KeepTicking();
 		}
 	}
 
@@ -118,22 +116,22 @@ protected:
 private:
 	Type& Self() { return static_cast<Type&>(*this); }
 
-	bool OnProgressTick()
+	virtual bool OnProgressTick() override
 	{
-		const int64 Bytes = Machine.GetReport().TransferredBytes + BytesOfTry();
-		if (!IsOver() && Bytes != ToldBytes)
+		const bool bWanted = bTellsProgress && ProgressTeller && !IsOver();
+		const int64 Bytes = bWanted ? Machine.GetReport().TransferredBytes + BytesOfTry() : ToldBytes;
+		if (Bytes != ToldBytes)
 		{
 			ToldBytes = Bytes;
 			ProgressTeller();
 		}
-		return !IsOver();
+		return bWanted;
 	}
 
 	void TellEndNow()
 	{
 		const TSharedRef<Type> Alive = this->AsShared(); // the list may hold it last
 		WaitAlarm.Clear();
-		FTSTicker::RemoveTicker(ProgressTicker);
 		CorvaneRunningTransfers::Remove(*this);
 		bTold = true;
 		LogEnd(Machine.GetReport());
@@ -147,7 +145,7 @@ private:
 	TFunction<void()> ProgressTeller;
 	const TSharedRef<FCorvaneMailbox> Mailbox = MakeShared<FCorvaneMailbox>();
 	FCorvaneAlarm WaitAlarm;
-	FTSTicker::FDelegateHandle ProgressTicker;
+	bool bTellsProgress = false;
 	int64 ToldBytes = -1;
 	bool bMayTell = false;
 	bool bTold = false; // later than the machine is over

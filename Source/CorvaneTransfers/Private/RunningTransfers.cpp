@@ -1,5 +1,6 @@
 #include "RunningTransfers.h"
 
+#include "Containers/Ticker.h"
 #include "HAL/PlatformTime.h"
 
 namespace CorvaneRunningTransfers
@@ -8,6 +9,33 @@ namespace CorvaneRunningTransfers
 	{
 		static TArray<TSharedRef<FCorvaneRunningTransfer>> Transfers;
 		return Transfers;
+	}
+
+	static FTSTicker::FDelegateHandle& Ticker()
+	{
+		static FTSTicker::FDelegateHandle Handle;
+		return Handle;
+	}
+
+	static void StopTicking()
+	{
+		FTSTicker::RemoveTicker(Ticker());
+		Ticker() = FTSTicker::FDelegateHandle();
+	}
+
+	static bool Tick()
+	{
+		bool bAgain = false;
+		for (int32 Index = 0; Index < List().Num(); ++Index) // those that are started meanwhile, too
+		{
+			const TSharedRef<FCorvaneRunningTransfer> Transfer = List()[Index];
+			bAgain |= Transfer->OnProgressTick();
+		}
+		if (!bAgain)
+		{
+			Ticker() = FTSTicker::FDelegateHandle();
+		}
+		return bAgain;
 	}
 
 	/** No task comes to the game thread any more, so it reads the mail itself. */
@@ -37,8 +65,21 @@ void CorvaneRunningTransfers::Remove(const FCorvaneRunningTransfer& Transfer)
 		if (&List()[Index].Get() == &Transfer)
 		{
 			List().RemoveAt(Index);
-			return;
+			break;
 		}
+	}
+	if (List().IsEmpty())
+	{
+		StopTicking();
+	}
+}
+
+void CorvaneRunningTransfers::KeepTicking()
+{
+	constexpr float Interval = 0.1f;
+	if (!Ticker().IsValid())
+	{
+		Ticker() = FTSTicker::GetCoreTicker().AddTicker(FTickerDelegate::CreateLambda([](float) { return Tick(); }), Interval);
 	}
 }
 
@@ -60,4 +101,5 @@ void CorvaneRunningTransfers::EndAll(double MostSeconds)
 		WaitFor(*Transfer, Deadline);
 	}
 	List().Empty();
+	StopTicking();
 }

@@ -15,6 +15,8 @@ public:
 	virtual bool IsOver() const = 0;
 	/** It did not end in time, such as for a disk that does not answer. Nothing may be held up by it from now on. */
 	virtual void Abandon() = 0;
+	/** Ten times a second, once somebody has asked for it. @return true when it is to come again. */
+	virtual bool OnProgressTick() { return false; }
 	/** Where the threads that work for it leave what they have to tell. */
 	virtual FCorvaneMailbox& GetMailbox() = 0;
 };
@@ -26,6 +28,9 @@ namespace CorvaneRunningTransfers
 	void Add(const TSharedRef<FCorvaneRunningTransfer>& Transfer);
 	void Remove(const FCorvaneRunningTransfer& Transfer);
 	bool IsEmpty();
+
+	/** Calls OnProgressTick of all, as long as one of them wants it: a ticker for each would cost every frame. */
+	void KeepTicking();
 
 	/** Ends all of them in order and waits until each has dealt with its bytes; those that take longer are abandoned. */
 	void EndAll(double MostSeconds = 5);
