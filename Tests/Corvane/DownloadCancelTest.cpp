@@ -3,19 +3,19 @@
 
 namespace
 {
-	const std::string content = randomBytes(60000);
+	const std::string wholeFile = randomBytes(60000);
 
 	class DownloadCancel : public DownloadFixture
 	{
 	protected:
-		DownloadCancel() { origin.at("/file", Lab::file(content)); }
+		DownloadCancel() { origin.at("/file", Lab::file(wholeFile)); }
 
 		/** Serves the file in twelve pieces; each waits until the test allows it. */
 		struct Pieces
 		{
 			explicit Pieces(size_t open = 0)
 			{
-				std::vector<Lab::Behaviour> serve{Lab::file(content), Lab::hold(gates[0])};
+				std::vector<Lab::Behaviour> serve{Lab::file(wholeFile), Lab::hold(gates[0])};
 				for (size_t piece = 1; piece < gates.size(); ++piece)
 				{
 					serve.push_back(Lab::hold(gates[piece], {.byte = 5000 * piece}));
@@ -75,7 +75,7 @@ namespace
 		{
 			const std::string kept = target().value_or("");
 			EXPECT_GE(kept.size(), atLeast);
-			EXPECT_TRUE(content.starts_with(kept)) << atLeast;
+			EXPECT_TRUE(wholeFile.starts_with(kept)) << atLeast;
 		}
 
 		LogCapture log;
@@ -93,7 +93,7 @@ TEST_F(DownloadCancel, KeepsWhatArrivedAtAnyMomentAndAResumeFinishes)
 		expectOneFailure();
 		expectStartOfFile(5000 * pieces);
 		EXPECT_EQ(fetch({origin.url("/file")}).statusCode, pieces == 0 ? 200 : 206);
-		EXPECT_TRUE(target() == content) << "pieces: " << pieces;
+		EXPECT_TRUE(target() == wholeFile) << "pieces: " << pieces;
 	}
 }
 
@@ -128,7 +128,7 @@ TEST_F(DownloadCancel, MayBeFollowedByANewStartInItsOwnEvent)
 	ASSERT_EQ(completions.size(), 2u);
 	EXPECT_EQ(completions[1].statusCode, 206);
 	EXPECT_EQ(ranges(origin), std::vector<std::string>{"bytes=5000-"});
-	EXPECT_TRUE(target() == content);
+	EXPECT_TRUE(target() == wholeFile);
 }
 
 TEST_F(DownloadCancel, OfASteppedOneOutlivesASecondStartOfItsRecord)
@@ -155,7 +155,7 @@ TEST_F(DownloadCancel, OfASteppedOneOutlivesASecondStartOfItsRecord)
 	expectOneFailure();
 	EXPECT_EQ(target(), std::nullopt);
 	EXPECT_EQ(run(requests).statusCode, 206) << "the cancel was not meant for this one";
-	EXPECT_TRUE(target() == content);
+	EXPECT_TRUE(target() == wholeFile);
 }
 
 TEST_F(DownloadCancel, FollowedByAnOverwriteAtOnceNeverMixesTheTwo)
@@ -171,7 +171,7 @@ TEST_F(DownloadCancel, FollowedByAnOverwriteAtOnceNeverMixesTheTwo)
 		ASSERT_EQ(completions.size(), 2u);
 		const Completion& second = completions[completions[0].requestID == "second" ? 0 : 1];
 		// The kept bytes of the first may have come in between the second's overwrite and its start, or its builder's look.
-		const std::string expected = second.statusCode >= 400 ? content.substr(0, 5000) : content;
+		const std::string expected = second.statusCode >= 400 ? wholeFile.substr(0, 5000) : wholeFile;
 		EXPECT_EQ(describe(target()), describe(expected)) << second.statusCode;
 	}
 }
@@ -192,7 +192,7 @@ TEST_F(DownloadCancel, TwoDownloadsOfOneTargetNeverMix)
 		drain();
 		ASSERT_EQ(completions.size(), 2u);
 		EXPECT_EQ(completions[1].statusCode, 200);
-		EXPECT_TRUE(target() == content);
+		EXPECT_TRUE(target() == wholeFile);
 	}
 }
 
@@ -203,8 +203,8 @@ TEST_F(DownloadCancel, OfASteppedDownloadKeepsWholeSteps)
 	{
 		reset();
 		const size_t sent = number == 0 ? 0 : step; // the probe asks for one byte
-		std::vector<Lab::Behaviour> serve(number + 1, Lab::file(content));
-		serve.back() = {{Lab::file(content), Lab::stall({.at = {.byte = sent}})}};
+		std::vector<Lab::Behaviour> serve(number + 1, Lab::file(wholeFile));
+		serve.back() = {{Lab::file(wholeFile), Lab::stall({.at = {.byte = sent}})}};
 		Lab::Origin server;
 		server.at("/file", Lab::inTurn(serve));
 		execute(build({server.url("/file"), DownloadKind::Stepped, Action::E_RESUME, "", "id", {}, step}));
@@ -213,9 +213,9 @@ TEST_F(DownloadCancel, OfASteppedDownloadKeepsWholeSteps)
 		cancel();
 		expectOneFailure();
 		const size_t steps = std::max<size_t>(number, 1) - 1;
-		EXPECT_TRUE(target().value_or("") == content.substr(0, steps * (step + 1))) << "step " << number;
+		EXPECT_TRUE(target().value_or("") == wholeFile.substr(0, steps * (step + 1))) << "step " << number;
 		fetch({origin.url("/file"), DownloadKind::Stepped, Action::E_RESUME, "", "id", {}, step});
-		EXPECT_TRUE(target() == content) << "step " << number;
+		EXPECT_TRUE(target() == wholeFile) << "step " << number;
 	}
 }
 
@@ -224,5 +224,5 @@ TEST_F(DownloadCancel, TheEndOfTheProgramKeepsWhatArrived)
 	Pieces server(2);
 	start(server, 2);
 	loop.Shutdown();
-	EXPECT_EQ(describe(target()), describe(content.substr(0, 10000)));
+	EXPECT_EQ(describe(target()), describe(wholeFile.substr(0, 10000)));
 }

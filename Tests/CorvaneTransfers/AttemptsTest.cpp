@@ -12,7 +12,7 @@ namespace
 {
 	constexpr int64 november1994 = 629197085770000000; // ticks of 1994-11-06 08:49:37
 
-	FCorvaneAnswer answer(int code, std::initializer_list<std::pair<const char*, const char*>> lines)
+	FCorvaneAnswer answerWith(int code, std::initializer_list<std::pair<const char*, const char*>> lines)
 	{
 		FCorvaneAnswerReader reader;
 		reader.TakeStatus(code);
@@ -60,13 +60,13 @@ TEST(Answer, ReadsRangesOfFriendAndFoe)
 
 TEST(Answer, KnowsTheLengthOnlyWhereItCanBeCompared)
 {
-	EXPECT_EQ(answer(200, {{"content-length", "5"}}).ToldTotal(), 5);
-	EXPECT_EQ(answer(206, {{"Content-Length", "5"}, {"Content-Range", "bytes 5-9/10"}}).ToldTotal(), 10);
+	EXPECT_EQ(answerWith(200, {{"content-length", "5"}}).ToldTotal(), 5);
+	EXPECT_EQ(answerWith(206, {{"Content-Length", "5"}, {"Content-Range", "bytes 5-9/10"}}).ToldTotal(), 10);
 	for (const auto& [name, value] :
 		{std::pair("Content-Encoding", "gzip"), {"Transfer-Encoding", "chunked"}, {"Content-Length", "-5"}, {"Content-Length", "5, 5"}})
 	{
-		EXPECT_EQ(answer(200, {{"Content-Length", "5"}, {name, value}}).ToldTotal(), -1) << name;
-		EXPECT_EQ(answer(200, {{name, value}, {"Content-Encoding", "identity"}}).bEncoded, std::string(value) == "gzip");
+		EXPECT_EQ(answerWith(200, {{"Content-Length", "5"}, {name, value}}).ToldTotal(), -1) << name;
+		EXPECT_EQ(answerWith(200, {{name, value}, {"Content-Encoding", "identity"}}).bEncoded, std::string(value) == "gzip");
 	}
 	FCorvaneAnswerReader reader;
 	reader.TakeStatus(100);
@@ -87,7 +87,7 @@ TEST(Version, NamesInIfRangeOnlyWhatIsStrong)
 			 {"W/\"a\"", old, secondsLater, ""}, {"a", "", "", ""}, {"\"", "", "", ""}, {"", old, "", old}, {"", old, "nonsense", ""},
 			 {"", "nonsense", "", ""}, {"", old, secondsLater, ""}})
 	{
-		const FCorvaneVersion version = answer(200, {{"ETag", tag}, {"Last-Modified", changed}, {"Date", told}}).Version;
+		const FCorvaneVersion version = answerWith(200, {{"ETag", tag}, {"Last-Modified", changed}, {"Date", told}}).Version;
 		EXPECT_EQ(utf8(version.ForIfRange()), named) << tag << changed << told;
 		const FCorvaneVersion later = FCorvaneVersion::FromDisk(version.ETag, version.DateForDisk());
 		EXPECT_EQ(utf8(later.ForIfRange()), named) << "a later run knows as much";

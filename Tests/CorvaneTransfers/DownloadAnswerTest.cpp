@@ -30,7 +30,7 @@ namespace
 	const FCorvaneVersion weak{TEXT("W/\"a\""), TEXT(""), false};
 	const FCorvaneVersion none;
 
-	FCorvaneAnswer answer(int code, const std::string& range, const FCorvaneVersion& version, int64 length = -1)
+	FCorvaneAnswer judgedAnswer(int code, const std::string& range, const FCorvaneVersion& version, int64 length = -1)
 	{
 		FCorvaneAnswer made;
 		made.Code = code;
@@ -89,39 +89,39 @@ TEST(DownloadAnswer, GoesBehindWhatIsOnDiskOnlyIfItFits)
 				range.replace(hole, 2, std::to_string(question.From()));
 			}
 			const bool speaks = !row.other.ETag.IsEmpty() || !row.other.LastModified.IsEmpty();
-			EXPECT_EQ(judge(question, answer(row.code, range, speaks ? row.other : version)), expected)
+			EXPECT_EQ(judge(question, judgedAnswer(row.code, range, speaks ? row.other : version)), expected)
 				<< row.code << ' ' << range << " of " << utf8(version.ETag) << utf8(version.LastModified);
 		}
 	}
 	for (const int code : {408, 425, 429, 500, 502, 503, 504, 520})
 	{
-		EXPECT_EQ(judge(rest(strong), answer(code, "", none)), waits) << code;
+		EXPECT_EQ(judge(rest(strong), judgedAnswer(code, "", none)), waits) << code;
 	}
 	for (const int code : {400, 401, 403, 404, 410, 451, 501, 505, 511, 201, 204, 300, 302, 0, 999})
 	{
-		EXPECT_EQ(judge(rest(strong), answer(code, "", none)), fails) << code;
-		EXPECT_EQ(CorvaneDownload::JudgeAnswer(rest(strong), answer(code, "", none)).Outcome, Outcome::ServerError);
+		EXPECT_EQ(judge(rest(strong), judgedAnswer(code, "", none)), fails) << code;
+		EXPECT_EQ(CorvaneDownload::JudgeAnswer(rest(strong), judgedAnswer(code, "", none)).Outcome, Outcome::ServerError);
 	}
 	FCorvaneDownloadQuestion all = rest(strong);
 	all.Total = all.OnDisk;
-	EXPECT_EQ(judge(all, answer(416, "bytes */100", strong)), there);
-	EXPECT_EQ(judge(all, answer(416, "bytes */100", none)), there);
-	EXPECT_EQ(judge(all, answer(416, "bytes */100", otherTag)), again);
-	EXPECT_EQ(judge(all, answer(416, "bytes */99", strong)), again);
+	EXPECT_EQ(judge(all, judgedAnswer(416, "bytes */100", strong)), there);
+	EXPECT_EQ(judge(all, judgedAnswer(416, "bytes */100", none)), there);
+	EXPECT_EQ(judge(all, judgedAnswer(416, "bytes */100", otherTag)), again);
+	EXPECT_EQ(judge(all, judgedAnswer(416, "bytes */99", strong)), again);
 }
 
 TEST(DownloadAnswer, BeginsAFileOnlyAtItsBeginning)
 {
 	FCorvaneDownloadQuestion question;
 	const auto judged = [&question](const FCorvaneAnswer& told) { return CorvaneDownload::JudgeAnswer(question, told); };
-	EXPECT_EQ(judged(answer(200, "", strong, 5)).Total, 5);
-	EXPECT_EQ(judged(answer(200, "", strong, 5)).MostBytes, 5);
-	EXPECT_EQ(judged(answer(206, "bytes 0-9/50", strong, 10)).Total, 50);
-	EXPECT_EQ(judged(answer(206, "bytes 0-9/50", strong, 10)).MostBytes, 10);
-	EXPECT_EQ(judged(answer(206, "bytes 1-9/50", strong)).Verdict, Verdict::StartOverAgain);
-	EXPECT_EQ(judged(answer(416, "bytes */0", none)).Verdict, Verdict::StartOverAgain);
+	EXPECT_EQ(judged(judgedAnswer(200, "", strong, 5)).Total, 5);
+	EXPECT_EQ(judged(judgedAnswer(200, "", strong, 5)).MostBytes, 5);
+	EXPECT_EQ(judged(judgedAnswer(206, "bytes 0-9/50", strong, 10)).Total, 50);
+	EXPECT_EQ(judged(judgedAnswer(206, "bytes 0-9/50", strong, 10)).MostBytes, 10);
+	EXPECT_EQ(judged(judgedAnswer(206, "bytes 1-9/50", strong)).Verdict, Verdict::StartOverAgain);
+	EXPECT_EQ(judged(judgedAnswer(416, "bytes */0", none)).Verdict, Verdict::StartOverAgain);
 
-	FCorvaneAnswer packed = answer(200, "", strong, 5);
+	FCorvaneAnswer packed = judgedAnswer(200, "", strong, 5);
 	packed.bEncoded = true;
 	EXPECT_TRUE(judged(packed).Version.ETag.IsEmpty()) << "nobody may go on in the middle of it";
 	packed.Code = 206;
@@ -129,15 +129,15 @@ TEST(DownloadAnswer, BeginsAFileOnlyAtItsBeginning)
 	EXPECT_EQ(judged(packed).Verdict, Verdict::StartOverAgain);
 
 	question.ExpectedSize = 6;
-	EXPECT_EQ(judged(answer(200, "", strong, 5)).Outcome, Outcome::WrongSize);
-	EXPECT_EQ(judged(answer(200, "", strong, 6)).Verdict, Verdict::StartOverWithThis);
-	EXPECT_EQ(judged(answer(200, "", strong, -1)).MostBytes, 6);
+	EXPECT_EQ(judged(judgedAnswer(200, "", strong, 5)).Outcome, Outcome::WrongSize);
+	EXPECT_EQ(judged(judgedAnswer(200, "", strong, 6)).Verdict, Verdict::StartOverWithThis);
+	EXPECT_EQ(judged(judgedAnswer(200, "", strong, -1)).MostBytes, 6);
 
 	question.IfNewerThan = FDateTime(629197085770000000);
-	EXPECT_EQ(judged(answer(200, "", dated, 6)).Verdict, Verdict::Unchanged) << "a server that knows no If-Modified-Since";
-	EXPECT_EQ(judged(answer(304, "", none)).Verdict, Verdict::Unchanged);
+	EXPECT_EQ(judged(judgedAnswer(200, "", dated, 6)).Verdict, Verdict::Unchanged) << "a server that knows no If-Modified-Since";
+	EXPECT_EQ(judged(judgedAnswer(304, "", none)).Verdict, Verdict::Unchanged);
 	question.IfNewerThan = FDateTime(629197085770000000 - 10'000'000);
-	EXPECT_EQ(judged(answer(200, "", dated, 6)).Verdict, Verdict::StartOverWithThis);
+	EXPECT_EQ(judged(judgedAnswer(200, "", dated, 6)).Verdict, Verdict::StartOverWithThis);
 }
 
 TEST(DownloadQuestion, SaysInItsHeadersWhatItIsAbout)

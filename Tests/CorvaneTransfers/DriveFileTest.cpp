@@ -3,11 +3,11 @@
 #include "RandomBytes.h"
 #include "TransferFixture.h"
 
+using Outcome = ECorvaneTransferOutcome;
+
 namespace
 {
-	using Outcome = ECorvaneTransferOutcome;
-
-	const std::string content = randomBytes(300'000);
+	const std::string driveFile = randomBytes(300'000);
 
 	std::string formTo(const std::string& action)
 	{
@@ -15,7 +15,7 @@ namespace
 			   "<input type=\"hidden\" name=\"confirm\" value=\"t\"></form>";
 	}
 
-	Lab::Behaviour page(const std::string& html, int code = 200)
+	Lab::Behaviour htmlPage(const std::string& html, int code = 200)
 	{
 		return std::vector{Lab::text(html, "text/html; charset=utf-8"), Lab::status({.code = code})};
 	}
@@ -47,12 +47,12 @@ TEST_F(DriveFile, ComesThroughThePageAndGoesOnWhereItBrokeOff)
 		{
 			SCOPED_TRACE(std::to_string(static_cast<int>(later)) + (tagged ? " tagged" : " compared"));
 			const auto validator = tagged ? Lab::Validator::Strong : Lab::Validator::None;
-			const Lab::Behaviour file = Lab::file(content, {.validator = validator, .tellsTime = false});
-			const Lab::Behaviour noFile = later == Later::PlaceIsGone ? Lab::status({.code = 403, .text = "gone"}) : page("Hello");
+			const Lab::Behaviour file = Lab::file(driveFile, {.validator = validator, .tellsTime = false});
+			const Lab::Behaviour noFile = later == Later::PlaceIsGone ? Lab::status({.code = 403, .text = "gone"}) : htmlPage("Hello");
 			std::atomic<int> pages{0}, files{0};
 			Lab::Origin server;
 			server.at(
-				"/uc", [&](const Lab::Request&) { return page(std::string(1, '\0') + formTo("/download" + std::to_string(pages++))); });
+				"/uc", [&](const Lab::Request&) { return htmlPage(std::string(1, '\0') + formTo("/download" + std::to_string(pages++))); });
 			server.at("/download*",
 				[&](const Lab::Request&)
 				{
@@ -64,8 +64,8 @@ TEST_F(DriveFile, ComesThroughThePageAndGoesOnWhereItBrokeOff)
 			start(server);
 			const FCorvaneTransferReport report = finish();
 			EXPECT_EQ(report.Outcome, Outcome::Succeeded) << utf8(report.Sentence);
-			EXPECT_TRUE(folder.read("file.bin") == content);
-			EXPECT_EQ(report.TransferredBytes, static_cast<int64>(content.size()));
+			EXPECT_TRUE(folder.read("file.bin") == driveFile);
+			EXPECT_EQ(report.TransferredBytes, static_cast<int64>(driveFile.size()));
 			EXPECT_EQ(report.Restarts, 0);
 			EXPECT_EQ(pages, later == Later::SamePlace ? 1 : 2);
 			expectNothingBeside();
@@ -78,9 +78,9 @@ TEST_F(DriveFile, GoesOnInALaterStartThroughThePageAgain)
 	for (const bool behindPage : {true, false})
 	{
 		SCOPED_TRACE(behindPage ? "behind a page" : "given at once");
-		const std::vector file{Lab::file(content), Lab::onlyFirst(1, Lab::stall({.at = {.byte = 200'000}}))};
+		const std::vector file{Lab::file(driveFile), Lab::onlyFirst(1, Lab::stall({.at = {.byte = 200'000}}))};
 		Lab::Origin server;
-		server.at("/uc", behindPage ? page(formTo("/download")) : file).at("/download", Lab::Behaviour(file));
+		server.at("/uc", behindPage ? htmlPage(formTo("/download")) : file).at("/download", Lab::Behaviour(file));
 		UCorvaneDownloadFile* const first = start(server);
 		ASSERT_TRUE(loop.WaitFor([&] { return first->GetReport().TransferredBytes > 190'000; }, patienceSeconds));
 		first->Cancel();
@@ -92,8 +92,8 @@ TEST_F(DriveFile, GoesOnInALaterStartThroughThePageAgain)
 		report = finish();
 		EXPECT_EQ(report.Outcome, Outcome::Succeeded) << utf8(report.Sentence);
 		EXPECT_GT(report.TakenOverBytes, 190'000);
-		EXPECT_EQ(report.TakenOverBytes + report.TransferredBytes, static_cast<int64>(content.size()));
-		EXPECT_TRUE(folder.read("file.bin") == content);
+		EXPECT_EQ(report.TakenOverBytes + report.TransferredBytes, static_cast<int64>(driveFile.size()));
+		EXPECT_TRUE(folder.read("file.bin") == driveFile);
 		for (const Lab::Exchange& each : server.log())
 		{
 			EXPECT_TRUE(!behindPage || each.request->path() != "/uc" || each.request->header("Range").empty()) << "a page has no parts";
@@ -106,7 +106,7 @@ TEST_F(DriveFile, GoesOnInALaterStartThroughThePageAgain)
 TEST_F(DriveFile, StopsWhileThePageIsOnItsWay)
 {
 	Lab::Origin server;
-	server.at("/uc", page(formTo("/download")), Lab::stall({.at = {.byte = 50}}));
+	server.at("/uc", htmlPage(formTo("/download")), Lab::stall({.at = {.byte = 50}}));
 	UCorvaneDownloadFile* const transfer = start(server);
 	ASSERT_TRUE(loop.WaitFor([&] { return server.requests() == 1; }, patienceSeconds));
 	transfer->Pause();
@@ -129,27 +129,27 @@ TEST_F(DriveFile, IsNeverAPage)
 		int attempts = 1;
 		std::string id = "one";
 	};
-	const Lab::Behaviour form = page(formTo("/download"));
-	const Lab::Behaviour pageAsFile({page(content), Lab::headers({{"Content-Disposition", "Attachment; filename=a.html"}})});
+	const Lab::Behaviour form = htmlPage(formTo("/download"));
+	const Lab::Behaviour pageAsFile({htmlPage(driveFile), Lab::headers({{"Content-Disposition", "Attachment; filename=a.html"}})});
 	const std::string quota = "<title>Quota exceeded</title>";
 	const Case cases[] = {
 		{"no ID", form, "", Outcome::Refused, 0, ""},
 		{"a link for an ID", form, "", Outcome::Refused, 0, "d/one/view?usp=sharing"},
 		{"a file that is a page", pageAsFile, "", Outcome::Succeeded},
 		{"the same behind a form", form, pageAsFile, Outcome::Succeeded},
-		{"a file of no type", Lab::raw("HTTP/1.1 200 OK\r\nContent-Length: 300000\r\n\r\n" + content), "", Outcome::Succeeded},
-		{"quota at once", page(quota), "", Outcome::QuotaReached},
-		{"quota behind the form", form, page(quota, 403), Outcome::QuotaReached},
-		{"a page to sign in", page("<title>Sign in</title>"), "", Outcome::NotPermitted},
+		{"a file of no type", Lab::raw("HTTP/1.1 200 OK\r\nContent-Length: 300000\r\n\r\n" + driveFile), "", Outcome::Succeeded},
+		{"quota at once", htmlPage(quota), "", Outcome::QuotaReached},
+		{"quota behind the form", form, htmlPage(quota, 403), Outcome::QuotaReached},
+		{"a page to sign in", htmlPage("<title>Sign in</title>"), "", Outcome::NotPermitted},
 		{"no permission, without a page", Lab::status({.code = 401}), "", Outcome::NotPermitted},
 		{"no permission behind the form", form, Lab::status({.code = 403, .text = "x"}), Outcome::NotPermitted},
-		{"no such file", page("<title>Not found</title>", 404), "", Outcome::ServerError},
-		{"another page", page("<p>Welcome"), "", Outcome::ServerError},
-		{"another page behind the form", form, page("<p>Welcome"), Outcome::ServerError},
+		{"no such file", htmlPage("<title>Not found</title>", 404), "", Outcome::ServerError},
+		{"another page", htmlPage("<p>Welcome"), "", Outcome::ServerError},
+		{"another page behind the form", form, htmlPage("<p>Welcome"), Outcome::ServerError},
 		{"forms in a circle", form, form, Outcome::ServerError},
-		{"a page that does not end", page(std::string(5'000'000, 'x')), "", Outcome::ServerError},
+		{"a page that does not end", htmlPage(std::string(5'000'000, 'x')), "", Outcome::ServerError},
 		{"a page that breaks off", {{form, Lab::drop({.at = {.share = 0.9}})}}, "", Outcome::Dropped, 2},
-		{"a server that cannot now", page("<title>Sorry</title>", 503), "", Outcome::ServerError, 2},
+		{"a server that cannot now", htmlPage("<title>Sorry</title>", 503), "", Outcome::ServerError, 2},
 	};
 	for (const Case& each : cases)
 	{
@@ -163,7 +163,7 @@ TEST_F(DriveFile, IsNeverAPage)
 		const FCorvaneTransferReport report = finish();
 		EXPECT_EQ(report.Outcome, each.outcome) << utf8(report.Sentence);
 		EXPECT_FALSE(report.Sentence.IsEmpty());
-		EXPECT_TRUE(folder.read("file.bin") == (each.outcome == Outcome::Succeeded ? content : "old"));
+		EXPECT_TRUE(folder.read("file.bin") == (each.outcome == Outcome::Succeeded ? driveFile : "old"));
 		expectNothingBeside();
 		EXPECT_EQ(report.Attempts, each.attempts);
 	}
@@ -178,11 +178,12 @@ TEST_F(DriveFile, TellsSecretsToThePagesOwnHostOnly)
 			plan.headers.push_back({"set-cookie", "NID=5"});
 		});
 	Lab::Origin other;
-	other.at("/download", Lab::file(content));
+	other.at("/download", Lab::file(driveFile));
 	for (const bool isElsewhere : {false, true})
 	{
 		Lab::Origin server;
-		server.at("/uc", page(formTo(isElsewhere ? other.url("/download") : "/download")), cookies).at("/download", Lab::file(content));
+		server.at("/uc", htmlPage(formTo(isElsewhere ? other.url("/download") : "/download")), cookies)
+			.at("/download", Lab::file(driveFile));
 		FCorvaneDownloadOptions options;
 		options.Headers.Add(text("Authorization"), text("Bearer key"));
 		options.Headers.Add(text("Cookie"), text("mine=1"));

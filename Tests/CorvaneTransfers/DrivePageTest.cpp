@@ -4,10 +4,10 @@
 #include <chrono>
 #include <gtest/gtest.h>
 
+using Outcome = ECorvaneTransferOutcome;
+
 namespace
 {
-	using Outcome = ECorvaneTransferOutcome;
-
 	const std::string origin = "https://drive.example/";
 	const std::string page = origin + "folder/uc?id=one&export=download";
 

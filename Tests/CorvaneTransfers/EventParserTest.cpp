@@ -37,7 +37,7 @@ namespace
 		bool tooLong = false;
 	};
 
-	struct Case
+	struct EventCase
 	{
 		const char* what;
 		std::string stream;
@@ -52,7 +52,7 @@ namespace
 
 	const std::string mark = "\xEF\xBB\xBF", zero(1, '\0');
 
-	const std::vector<Case> cases = {
+	const std::vector<EventCase> eventCases = {
 		{"a mark at the beginning is none of the text", mark + "data:1\n\n" + mark + "data:2\n\ndata:3\n\n", {plain("1"), plain("3")}},
 		{"of two marks the second is text", mark + mark + "data:1\n\ndata:2\n\n", {plain("2")}},
 		{"half a mark is text",
@@ -92,7 +92,7 @@ namespace
 
 TEST(EventParser, ReadsTheSameEventsHoweverTheStreamIsCut)
 {
-	for (const Case& each : cases)
+	for (const EventCase& each : eventCases)
 	{
 		SCOPED_TRACE(each.what);
 		Reader bytewise;
@@ -143,12 +143,12 @@ TEST(EventParser, StopsAboveItsLimitAndNotAtIt)
 
 TEST(Utf8Text, ReplacesTheLongestBeginningsOfWhatIsNoCharacter)
 {
-	struct Case
+	struct EventCase
 	{
 		std::string bytes, text;
 	};
 	const std::string r = "\xEF\xBF\xBD"; // what stands for it
-	const Case cases[] = {
+	const EventCase eventCases[] = {
 		{"", ""},
 		{"all of ASCII, and more than eight of it", "all of ASCII, and more than eight of it"},
 		{"\xC3\xA4 \xE2\x82\xAC \xF0\x9F\x98\x80 \xEF\xBF\xBF \xF4\x8F\xBF\xBF",
@@ -170,7 +170,7 @@ TEST(Utf8Text, ReplacesTheLongestBeginningsOfWhatIsNoCharacter)
 		{"\xF1\x80\x80\xC3", r + r},
 		{std::string("a\0b", 3), std::string("a\0b", 3)},
 	};
-	for (const Case& each : cases)
+	for (const EventCase& each : eventCases)
 	{
 		EXPECT_EQ(
 			utf8(CorvaneUtf8::Decode(reinterpret_cast<const uint8*>(each.bytes.data()), static_cast<int64>(each.bytes.size()))), each.text);

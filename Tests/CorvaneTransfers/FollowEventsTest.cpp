@@ -9,10 +9,10 @@
 #include <gtest/gtest.h>
 #include <random>
 
+using Outcome = ECorvaneTransferOutcome;
+
 namespace
 {
-	using Outcome = ECorvaneTransferOutcome;
-
 	const std::string head = "HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\n\r\n";
 	const std::string noMore = "HTTP/1.1 204 No Content\r\n\r\n";
 

@@ -94,7 +94,7 @@ namespace
 		return does(&Machine::EndOfProgram, then);
 	}
 
-	struct Case
+	struct FollowCase
 	{
 		const char* what;
 		std::vector<Step> steps;
@@ -103,9 +103,9 @@ namespace
 		bool reconnects = true;
 	};
 
-	const FCorvaneAnswer stream = answerOf(200), none;
+	const FCorvaneAnswer stream = answerOf(200), noAnswer;
 
-	const std::vector<Case> cases = {
+	const std::vector<FollowCase> followCases = {
 		{"an orderly end", {start(), prepared(), opens(2), ends(End::Done, stream, Do::Wait, 3), waitOver(), prepared()}, Outcome::Running,
 			2},
 		{"the server says how long, and that holds",
@@ -113,9 +113,9 @@ namespace
 				ends(End::Stalled, stream, Do::Wait, 0.5)},
 			Outcome::Running, 2},
 		{"tries that bring nothing are spread ever wider, until an event comes",
-			{start(), prepared(), ends(End::NoConnection, none, Do::Wait, 3 + 1.5), waitOver(), prepared(), opens(0),
-				ends(End::Dropped, stream, Do::Wait, 3 + 3), waitOver(), prepared(), ends(End::Dropped, none, Do::Wait, 3 + 6), waitOver(),
-				prepared(), opens(1), ends(End::Dropped, stream, Do::Wait, 3)},
+			{start(), prepared(), ends(End::NoConnection, noAnswer, Do::Wait, 3 + 1.5), waitOver(), prepared(), opens(0),
+				ends(End::Dropped, stream, Do::Wait, 3 + 3), waitOver(), prepared(), ends(End::Dropped, noAnswer, Do::Wait, 3 + 6),
+				waitOver(), prepared(), opens(1), ends(End::Dropped, stream, Do::Wait, 3)},
 			Outcome::Running, 4},
 		{"a server that wants no wait does not get all of it",
 			{start(), prepared(), opens(0), ends(End::Done, stream, Do::Wait, 1.5, 0), waitOver(), prepared(), opens(1),
@@ -131,14 +131,14 @@ namespace
 		{"a refusal", {start(), prepared(), ends(End::Done, answerOf(401), Do::Tell)}, Outcome::ServerError},
 		{"a part", {start(), prepared(), ends(End::Done, answerOf(206), Do::Tell)}, Outcome::ServerError},
 		{"a page", {start(), prepared(), ends(End::StoppedByUs, answerOf(200, "text/event-streams"), Do::Tell)}, Outcome::ServerError},
-		{"not sent", {start(), prepared(), ends(End::NotSent, none, Do::Tell)}, Outcome::Refused},
-		{"the end of the HTTP module", {start(), prepared(), ends(End::Cancelled, none, Do::Tell)}, Outcome::Ended},
+		{"not sent", {start(), prepared(), ends(End::NotSent, noAnswer, Do::Tell)}, Outcome::Refused},
+		{"the end of the HTTP module", {start(), prepared(), ends(End::Cancelled, noAnswer, Do::Tell)}, Outcome::Ended},
 		{"a fault", {start("no")}, Outcome::Refused, 0},
 		{"a fault in new headers", {start(), prepared(Do::Tell, "no")}, Outcome::Refused, 0},
 		{"tries are used up",
 			{start(), prepared(), opens(0), ends(End::Done, stream, Do::Wait, 4.5), waitOver(), prepared(),
-				ends(End::Done, answerOf(500), Do::Wait, 6), waitOver(), prepared(), ends(End::NoConnection, none, Do::Wait, 9), waitOver(),
-				prepared(), ends(End::NoConnection, none, Do::Tell)},
+				ends(End::Done, answerOf(500), Do::Wait, 6), waitOver(), prepared(), ends(End::NoConnection, noAnswer, Do::Wait, 9),
+				waitOver(), prepared(), ends(End::NoConnection, noAnswer, Do::Tell)},
 			Outcome::NoConnection, 4},
 		{"too long", {start(), prepared(), opens(1), does(&Machine::OnTooLong, Do::Stop), ends(End::Cancelled, stream, Do::Tell)},
 			Outcome::WrongSize},
@@ -155,7 +155,7 @@ namespace
 		{"a pause takes the place of a wait", {start(), prepared(), opens(1), ends(End::Done, stream, Do::Wait, 3), pause(Do::None),
 												  does(&Machine::OnWaitOver, Do::None), goOn(Do::Prepare)}},
 		{"once is enough, and it ended",
-			{start(), prepared(), ends(End::NoConnection, none, Do::Wait, 4.5), waitOver(), prepared(), opens(1),
+			{start(), prepared(), ends(End::NoConnection, noAnswer, Do::Wait, 4.5), waitOver(), prepared(), opens(1),
 				ends(End::Done, stream, Do::Tell)},
 			Outcome::Ended, 2, false},
 		{"once is enough, and it broke off", {start(), prepared(), opens(1), ends(End::Dropped, stream, Do::Tell)}, Outcome::Dropped, 1,
@@ -168,7 +168,7 @@ namespace
 				ends(End::Done, answerOf(204), Do::Tell), cancel(Do::None), goOn(Do::None), does(&Machine::OnWaitOver, Do::None)},
 			Outcome::Cancelled},
 		{"a cancel of a wait", {start(), prepared(), ends(End::Done, answerOf(500), Do::Wait, 4.5), cancel(Do::Tell)}, Outcome::Cancelled},
-		{"a cancel of a pause", {start(), prepared(), pause(Do::Stop), ends(End::Cancelled, none, Do::None), cancel(Do::Tell)},
+		{"a cancel of a pause", {start(), prepared(), pause(Do::Stop), ends(End::Cancelled, noAnswer, Do::None), cancel(Do::Tell)},
 			Outcome::Cancelled},
 		{"the end of the program", {start(), prepared(), opens(1), exits(Do::Stop), ends(End::Cancelled, stream, Do::Tell)},
 			Outcome::Ended},
@@ -177,7 +177,7 @@ namespace
 
 TEST(FollowMachine, SaysWhatToDo)
 {
-	for (const Case& each : cases)
+	for (const FollowCase& each : followCases)
 	{
 		SCOPED_TRACE(each.what);
 		FCorvaneFollowOptions options;

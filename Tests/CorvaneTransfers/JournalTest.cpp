@@ -22,7 +22,7 @@ namespace
 		return Start;
 	}
 
-	FCorvaneSourceFacts source(const char* Address)
+	FCorvaneSourceFacts factsOf(const char* Address)
 	{
 		FCorvaneSourceFacts Source;
 		Source.Address = text(Address);
@@ -31,9 +31,9 @@ namespace
 		return Source;
 	}
 
-	const std::vector<std::string> lines = {bytesOf(FCorvaneJournal::SourceLine(source("http://host/first?a=b c"))),
+	const std::vector<std::string> lines = {bytesOf(FCorvaneJournal::SourceLine(factsOf("http://host/first?a=b c"))),
 		bytesOf(FCorvaneJournal::KeptLine(start(100))), bytesOf(FCorvaneJournal::KeptLine(start(4'300'000'000))),
-		bytesOf(FCorvaneJournal::WholeLine(start(4'300'000'001), true)), bytesOf(FCorvaneJournal::SourceLine(source("http://host/2"))),
+		bytesOf(FCorvaneJournal::WholeLine(start(4'300'000'001), true)), bytesOf(FCorvaneJournal::SourceLine(factsOf("http://host/2"))),
 		bytesOf(FCorvaneJournal::KeptLine(start(7)))};
 
 	std::string joined(size_t Number)

@@ -19,7 +19,7 @@ namespace
 
 	const Source first = {randomBytes(120'000), "\"1\""};
 	/** As long as the first, and with the same end: only what stands before it tells them apart. */
-	const Source changed = {randomBytes(120'000 - tailSize, 1) + first.Bytes.substr(120'000 - tailSize), "\"2\""};
+	const Source laterSource = {randomBytes(120'000 - tailSize, 1) + first.Bytes.substr(120'000 - tailSize), "\"2\""};
 	const std::string oldBytes = randomBytes(1000);
 
 	/** What a run has promised, for whoever looks when it has died. */
@@ -151,7 +151,7 @@ TEST_P(KilledPartFile, LeavesTheOldFileOrTheNewOneAndGoesOn)
 	ASSERT_GT(NumSteps, PieceSize == pieceSize ? 25 : 3);
 	for (int Step = 1; Step <= NumSteps; ++Step)
 	{
-		const Source& Second = Step % 2 == 0 ? first : changed;
+		const Source& Second = Step % 2 == 0 ? first : laterSource;
 		const int SecondStep = 1 + Step * 7 % NumSteps;
 		dieTwice(Second, Step, SecondStep);
 		ASSERT_FALSE(HasFailure()) << "killed at step " << Step << " of " << NumSteps << ", then at " << SecondStep << ", source "

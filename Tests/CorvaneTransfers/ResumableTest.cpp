@@ -24,7 +24,7 @@ using testing::HasSubstr;
 
 namespace
 {
-	const std::string content = randomBytes(50'000);
+	const std::string uploadedFile = randomBytes(50'000);
 
 	class Resumable : public ::testing::Test
 	{
@@ -197,7 +197,7 @@ TEST_F(Resumable, HasOneOutcomeForEachKindOfTrouble)
 			Outcome::ServerError, 0, "does not tell how far"},
 		{"it takes nothing", always(patches, List{code(204), headers({{"Upload-Offset", "0"}})}), Outcome::ServerError, 0, "takes no more"},
 	};
-	const std::string path = folder.write("file.bin", content);
+	const std::string path = folder.write("file.bin", uploadedFile);
 	for (const Case& tested : cases)
 	{
 		SCOPED_TRACE(tested.name);
@@ -219,7 +219,7 @@ TEST_F(Resumable, HasOneOutcomeForEachKindOfTrouble)
 			const std::string told(fresh.log().front().request->header("Upload-Metadata"));
 			const std::string last = fresh.log().back().request->target;
 			EXPECT_THAT(told, AllOf(HasSubstr("filename ZmlsZS5iaW4="), HasSubstr("owner bWU="))) << "base64 of file.bin, of me";
-			EXPECT_TRUE(stored(fresh.url(last)) == content);
+			EXPECT_TRUE(stored(fresh.url(last)) == uploadedFile);
 			EXPECT_TRUE(nothingIsNoted());
 		}
 	}
@@ -243,7 +243,7 @@ TEST_F(Resumable, GoesOnWithWhatAnEarlierStartHasBroughtUnlessItIsNotTheSame)
 		rewrite(path, bytes);
 		fs::last_write_time(path, time);
 	};
-	const std::string other(content.rbegin(), content.rend());
+	const std::string other(uploadedFile.rbegin(), uploadedFile.rend());
 	const Case cases[] = {
 		{"the same", [](const std::string&, const fs::path&) {}, true, 0},
 		{"the end of the journal is torn",
@@ -252,7 +252,7 @@ TEST_F(Resumable, GoesOnWithWhatAnEarlierStartHasBroughtUnlessItIsNotTheSame)
 			0},
 		{"it is not wanted", [](const std::string&, const fs::path&) {}, false, 0,
 			[](FCorvaneResumableOptions& options) { options.bResume = false; }},
-		{"another size", [=](const std::string& file, const fs::path&) { rewrite(file, content + "x"); }, false, 1},
+		{"another size", [=](const std::string& file, const fs::path&) { rewrite(file, uploadedFile + "x"); }, false, 1},
 		{"another time",
 			[](const std::string& file, const fs::path&)
 			{ fs::last_write_time(file, fs::last_write_time(file) + std::chrono::seconds(2)); },
@@ -266,7 +266,7 @@ TEST_F(Resumable, GoesOnWithWhatAnEarlierStartHasBroughtUnlessItIsNotTheSame)
 		const Lab::Behaviour server = Lab::tus();
 		fresh.at("/files*", server);
 		fresh.at("PATCH /files*", Lab::inTurn({server, Lab::upload({.hangsUpAfter = 1000}), server}));
-		const std::string path = folder.write("file.bin", content);
+		const std::string path = folder.write("file.bin", uploadedFile);
 		FCorvaneResumableOptions options = patient();
 		options.Attempts = 1;
 		const FCorvaneTransferReport broken = send(fresh.url("/files"), path, options);
@@ -294,7 +294,7 @@ TEST_F(Resumable, StartsOverWhenTheServerHasLetTheUploadExpire)
 	origin.at("/files*", server);
 	FCorvaneResumableOptions options = patient();
 	options.Attempts = 1;
-	const std::string path = folder.write("file.bin", content);
+	const std::string path = folder.write("file.bin", uploadedFile);
 	EXPECT_EQ(send(origin.url("/files"), path, options).Outcome, Outcome::ServerError) << "each is gone at once";
 	origin.at("/files*", Lab::tus());
 	const FCorvaneTransferReport report = send(origin.url("/files"), path, options);
@@ -306,7 +306,7 @@ TEST_F(Resumable, StartsOverWhenTheServerHasLetTheUploadExpire)
 
 TEST_F(Resumable, EndsWhenTheFileChangesWhileItIsSent)
 {
-	const std::string path = folder.write("file.bin", content);
+	const std::string path = folder.write("file.bin", uploadedFile);
 	const Lab::Behaviour server = Lab::tus();
 	const auto change = [path](const Lab::Request&)
 	{
@@ -332,7 +332,7 @@ TEST_F(Resumable, KeepsSecretsFromOtherHostsAndFromWhatIsWritten)
 	};
 	const Case cases[] = {
 		{"the same host", "", false, true}, {"another host", "localhost", false, false}, {"another host by a redirect", "", true, false}};
-	const std::string path = folder.write("file.bin", content);
+	const std::string path = folder.write("file.bin", uploadedFile);
 	for (const Case& tested : cases)
 	{
 		SCOPED_TRACE(tested.name);
@@ -375,9 +375,9 @@ TEST_F(Resumable, LearnsFromAnswersAndUsesWhatTheServerOffers)
 	const Lab::Behaviour server = Lab::tus({.tells = true, .mostBytes = 60'000});
 	origin.at("/files*", server);
 	FCorvaneResumableOptions options = patient();
-	EXPECT_EQ(send(origin.url("/files"), folder.write("file.bin", content), options).Outcome, Outcome::Succeeded);
+	EXPECT_EQ(send(origin.url("/files"), folder.write("file.bin", uploadedFile), options).Outcome, Outcome::Succeeded);
 	EXPECT_EQ(count("PATCH", "Upload-Checksum", true), 3);
-	const FCorvaneTransferReport tooMuch = send(origin.url("/files"), folder.write("large.bin", content + content), options);
+	const FCorvaneTransferReport tooMuch = send(origin.url("/files"), folder.write("large.bin", uploadedFile + uploadedFile), options);
 	EXPECT_EQ(tooMuch.Outcome, Outcome::ServerError);
 	EXPECT_THAT(utf8(tooMuch.Sentence), HasSubstr("60000 bytes at most"));
 	EXPECT_EQ(utf8(tooMuch.Answer), "This is too much.");
@@ -385,7 +385,7 @@ TEST_F(Resumable, LearnsFromAnswersAndUsesWhatTheServerOffers)
 
 TEST_F(Resumable, IsRefusedWithAReason)
 {
-	const std::string path = folder.write("file.bin", content);
+	const std::string path = folder.write("file.bin", uploadedFile);
 	struct Case
 	{
 		const char* name;

@@ -18,10 +18,10 @@
 #include <functional>
 #include <gtest/gtest.h>
 
+using Outcome = ECorvaneTransferOutcome;
+
 namespace
 {
-	using Outcome = ECorvaneTransferOutcome;
-
 	class TransferQueue : public ::testing::Test
 	{
 	protected:
@@ -114,7 +114,7 @@ namespace
 		std::vector<std::string> order;
 	};
 
-	const std::string content = randomBytes(2'000'000);
+	const std::string queuedFile = randomBytes(2'000'000);
 	const std::string tag = "ETag: \"one\"\r\n";
 
 	/** The part that a request asks for, or the whole. */
@@ -123,14 +123,14 @@ namespace
 		const std::string range = headerOf(head, "Range"); // "bytes=N-" or "bytes=N-M"
 		if (range.empty())
 		{
-			return answer(200, content, tag);
+			return answer(200, queuedFile, tag);
 		}
 		const size_t first = std::stoul(range.substr(6));
 		const std::string until = range.substr(range.find('-') + 1);
-		const size_t last = std::min(until.empty() ? content.size() : std::stoul(until), content.size() - 1);
+		const size_t last = std::min(until.empty() ? queuedFile.size() : std::stoul(until), queuedFile.size() - 1);
 		const std::string told =
-			"Content-Range: bytes " + std::to_string(first) + "-" + std::to_string(last) + "/" + std::to_string(content.size()) + "\r\n";
-		return answer(206, content.substr(first, last + 1 - first), told + tag);
+			"Content-Range: bytes " + std::to_string(first) + "-" + std::to_string(last) + "/" + std::to_string(queuedFile.size()) + "\r\n";
+		return answer(206, queuedFile.substr(first, last + 1 - first), told + tag);
 	}
 
 	/** Answers with parts of the content, and counts how many it does at the same time. */
@@ -206,7 +206,7 @@ TEST_F(TransferQueue, KeepsItsLimitsAndEndsEachOnce)
 	EXPECT_EQ(report.Bytes, 12 * 2'000'000);
 	EXPECT_EQ(report.TotalBytes, report.Bytes);
 	EXPECT_EQ(report.Waiting + report.Running + report.Paused, 0);
-	EXPECT_TRUE(folder.read("f11") == content);
+	EXPECT_TRUE(folder.read("f11") == queuedFile);
 }
 
 TEST_F(TransferQueue, PausesWithoutMovingAByteTwice)
@@ -242,7 +242,7 @@ TEST_F(TransferQueue, PausesWithoutMovingAByteTwice)
 	{
 		EXPECT_EQ(report.Outcome, Outcome::Succeeded) << name;
 		EXPECT_EQ(report.TransferredBytes, 2'000'000) << name;
-		EXPECT_TRUE(folder.read(name) == content) << name;
+		EXPECT_TRUE(folder.read(name) == queuedFile) << name;
 	}
 }
 
@@ -266,7 +266,7 @@ TEST_F(TransferQueue, SharesBytesPerSecondAmongUploads)
 	Lab::Origin origin;
 	origin.at("/file", Lab::upload({}));
 	origin.at("/files*", Lab::tus({}));
-	folder.write("source", content);
+	folder.write("source", queuedFile);
 	queue->SetLimits(4, 4, sharedLimit);
 	for (const bool inPieces : {true, false})
 	{
@@ -334,5 +334,5 @@ TEST_F(TransferQueue, TakesUpAFolderAfterARestart)
 	EXPECT_TRUE(again.WaitFor([&] { return idle == 2; }, patienceSeconds));
 	EXPECT_EQ(outcomes, std::vector<Outcome>(2, Outcome::Succeeded));
 	EXPECT_EQ(takenOver, kept);
-	EXPECT_TRUE(folder.read("a") == content && folder.read("b") == content);
+	EXPECT_TRUE(folder.read("a") == queuedFile && folder.read("b") == queuedFile);
 }

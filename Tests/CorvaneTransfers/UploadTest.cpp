@@ -17,9 +17,10 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+using Outcome = ECorvaneTransferOutcome;
+
 namespace
 {
-	using Outcome = ECorvaneTransferOutcome;
 	using testing::HasSubstr;
 
 	class Upload : public ::testing::Test

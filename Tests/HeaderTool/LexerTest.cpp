@@ -8,7 +8,7 @@ using namespace HeaderTool;
 
 namespace
 {
-	struct Case
+	struct TokenCase
 	{
 		const char* name;
 		std::string_view text;
@@ -29,7 +29,7 @@ namespace
 		return result;
 	}
 
-	const Case cases[] = {
+	const TokenCase cases[] = {
 		{"Words", "a _b1 \xC3\xA4x\n::c:d", "1:I:a 1:I:_b1 1:I:\xC3\xA4x 2:Y::: 2:I:c 2:Y:: 2:I:d "},
 		{"Numbers", "1'000 0x1F 1.5f 2.", "1:N:1'000 1:N:0x1F 1:N:1.5f 1:N:2. "},
 		{"Strings", R"("\"a\\" u8"b" "")", R"(1:S:"\"a\\" 1:I:u8 1:S:"b" 1:S:"" )"},
@@ -50,7 +50,7 @@ namespace
 
 TEST(Lexer, GivesTheExpectedTokens)
 {
-	for (const Case& c : cases)
+	for (const TokenCase& c : cases)
 	{
 		EXPECT_EQ(describe(c.text), c.expected) << c.name;
 	}

@@ -13,7 +13,7 @@
 namespace
 {
 	std::deque<TUniqueFunction<void()>> Queue;
-	bool bClosed = false;
+	bool bQueueClosed = false;
 } // namespace
 
 bool IsInGameThread()
@@ -29,7 +29,7 @@ void AsyncTask(ENamedThreads::Type Thread, TUniqueFunction<void()> Function)
 		return;
 	}
 	Schedule::the().point("posts to the game thread");
-	if (!bClosed)
+	if (!bQueueClosed)
 	{
 		Queue.push_back(std::move(Function));
 	}
@@ -38,7 +38,7 @@ void AsyncTask(ENamedThreads::Type Thread, TUniqueFunction<void()> Function)
 
 void GameThreadTasks::BindToThisThread()
 {
-	bClosed = false;
+	bQueueClosed = false;
 }
 
 int GameThreadTasks::RunQueued()
@@ -65,6 +65,6 @@ bool GameThreadTasks::WaitUntil(std::chrono::steady_clock::time_point Deadline)
 
 void GameThreadTasks::Drop(bool bForGood)
 {
-	bClosed = bForGood;
+	bQueueClosed = bForGood;
 	std::exchange(Queue, {}).clear();
 }

@@ -57,7 +57,7 @@ namespace
 
 	std::deque<TUniqueFunction<void()>> Background;
 	int NumWorkers = 0;
-	bool bClosed = true;
+	bool bThreadsEnded = true;
 
 	void RunFirst()
 	{
@@ -98,7 +98,7 @@ void BackgroundTasks::Add(TUniqueFunction<void()> Task)
 {
 	constexpr int mostWorkers = 4;
 	Schedule::the().point("adds a background task");
-	if (bClosed)
+	if (bThreadsEnded)
 	{
 		return;
 	}
@@ -119,7 +119,7 @@ void BackgroundTasks::Add(TUniqueFunction<void()> Task)
 
 void BackgroundTasks::Close()
 {
-	bClosed = true;
+	bThreadsEnded = true;
 	HostThreads::NumInBackground -= static_cast<int>(Background.size());
 	std::exchange(Background, {}).clear();
 	Schedule::the().waitUntil("waits for background tasks", nullptr, [] { return NumWorkers == 0; });
@@ -127,5 +127,5 @@ void BackgroundTasks::Close()
 
 void BackgroundTasks::Open()
 {
-	bClosed = false;
+	bThreadsEnded = false;
 }

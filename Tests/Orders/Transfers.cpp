@@ -59,7 +59,7 @@ namespace
 		world.expectPrefix(name + ".corvpart");
 	}
 
-	void playDownload(World& world)
+	void playTransfer(World& world)
 	{
 		playTransfer(
 			world, [&world](UCorvaneTransfer::FTell tell) { return startDownload(world, "file", {}, 0, std::move(tell)); },
@@ -101,10 +101,10 @@ namespace
 	}
 
 	/** Several downloads of one queue with one place; the last one is the most urgent. */
-	class Queue
+	class QueuedDownloads
 	{
 	public:
-		explicit Queue(World& inWorld)
+		explicit QueuedDownloads(World& inWorld)
 			: world(inWorld)
 			, queue(UCorvaneTransferQueue::GetTransferQueue("one"))
 		{
@@ -165,7 +165,7 @@ namespace
 
 	void playQueue(World& world)
 	{
-		const auto queue = std::make_shared<Queue>(world);
+		const auto queue = std::make_shared<QueuedDownloads>(world);
 		const bool letsGo = world.isEnding() || world.disturbance == Disturbance::Unload; // of all at once
 		world.origin.mostAtOnce = letsGo ? perStart : 1;
 		world.play({.start = [&queue] { queue->start(); },
@@ -191,7 +191,7 @@ namespace
 std::vector<Kind> transferKinds()
 {
 	return {
-		{"transfer", &playDownload, [](const World& world) { lookAtFile(world, "file"); }, false, OfTransfer},
+		{"transfer", &playTransfer, [](const World& world) { lookAtFile(world, "file"); }, false, OfTransfer},
 		{"follow", &playFollow, nullptr, false, OfTransfer},
 		{"queue", &playQueue, &lookAtQueue, false, OfTransfer},
 	};

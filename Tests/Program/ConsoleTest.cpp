@@ -13,7 +13,7 @@ using ::testing::Not;
 
 namespace
 {
-	struct Case
+	struct ConsoleCase
 	{
 		const char* script; // $c is the command, $get a request to which a path is added, $tty gives a command a terminal
 		int status;
@@ -21,7 +21,7 @@ namespace
 		Matcher<const std::string&> err;
 	};
 
-	const Case cases[] = {
+	const ConsoleCase consoleCases[] = {
 		// What a call prints.
 		{"$c call CreateHttpRequestGETDownload url=$url/file filePathWithFileName=f; $c call getMD5FromFile filePath=f | tail -1", 0,
 			AllOf(MatchesRegex("path: /.*/f\nsize: 1048576\nseconds: [0-9.]+\nMD5: ([0-9a-f]{32})\nheader: .*"),
@@ -72,7 +72,7 @@ namespace
 TEST(Console, SuitsTerminalsPipesAndFullDisks)
 {
 	const Program::DemoOrigin origin;
-	for (const Case& tested : cases)
+	for (const ConsoleCase& tested : consoleCases)
 	{
 		SCOPED_TRACE(tested.script);
 		const TempDir directory;

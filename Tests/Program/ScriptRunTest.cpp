@@ -17,7 +17,7 @@ namespace
 		int status;
 		const char* out;
 		const char* err; // how it begins
-	} cases[] = {
+	} scriptCases[] = {
 		{"print(arg[0], #arg, select(2, ...)) print((FileFunctionsCorv.getCleanDirectory{ filePath = '/x' }).ReturnValue)", 0,
 			"script.lua\t5\t--project\t-x\t\ta=b\n/usr/x\n", ""},
 		{"CorvaneBPLibrary.CreateHttpRequestGET{ url = arg[1] }", 0, "",
@@ -60,7 +60,7 @@ TEST(ScriptRun, EndsWithStatusOutputAndError)
 {
 	const TempDir directory;
 	const Program::DemoOrigin origin;
-	for (const auto& tested : cases)
+	for (const auto& tested : scriptCases)
 	{
 		directory.write("script.lua", tested.script);
 		const char* const command = R"(cd "$0" && exec "$1" run --project /usr script.lua "$2" --project -x "" a=b)";

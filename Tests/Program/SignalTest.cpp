@@ -17,7 +17,7 @@ using ::testing::StartsWith;
 
 namespace
 {
-	struct Case
+	struct SignalCase
 	{
 		const char* command; // $c is the program, $b a pin with the address of a server
 		const char* script; // script.lua, where ready() tells that it is time
@@ -28,7 +28,7 @@ namespace
 		Matcher<const std::string&> err;
 	};
 
-	const Case cases[] = {
+	const SignalCase signalCases[] = {
 		{"exec $c call --progress CreateHttpRequestGETDownload $b filePathWithFileName=file", "", "received", {SIGINT}, 130, IsEmpty(),
 			MatchesRegex("(.* received.*\n)+corvane: interrupted; kept [1-9][0-9]* bytes in '.*/file'; the same download with "
 						 "ActionIfFileExists=E_RESUME goes on\n")},
@@ -81,7 +81,7 @@ TEST(Signal, EndsEveryVerbInOrder)
 	const std::string content = randomBytes(100000);
 	Lab::Origin server; // sends half of a file, and never the rest; takes what it is sent
 	server.at("GET /", content, Lab::length({.says = 200000}), Lab::stall({.at = {.byte = 100000}})).at("/", Lab::stall());
-	for (const Case& tested : cases)
+	for (const SignalCase& tested : signalCases)
 	{
 		SCOPED_TRACE(tested.command);
 		const TempDir directory;

@@ -8,7 +8,7 @@
 
 namespace
 {
-	const std::string upload = R"lua(
+	const std::string uploadScript = R"lua(
 		local call = CorvaneBPLibrary.CreateHttpRequestFileUploadPUT{ url = arg[1], directoryType = EHTTPCorvFileUpload.E_ad,
 			filePath = arg[2], fileID = "f", uploadType = EHTTPCorvFileUploadType.PUT_STREAM_MP }
 		CorvaneBPLibrary.executeHttpRequests{ httpRequests = call.httpRequests }
@@ -32,7 +32,7 @@ TEST(UploadCrash, LeavesATailThatTheNextStartCutsOffUnlessTheProgramEndsInOrder)
 	Lab::Origin silent;
 	silent.at("/", Lab::stall());
 
-	RunningProcess program({CORVANE_PROGRAM, "run", directory.write("upload.lua", upload), silent.url(), file});
+	RunningProcess program({CORVANE_PROGRAM, "run", directory.write("upload.lua", uploadScript), silent.url(), file});
 	ASSERT_TRUE(waitFor([&] { return silent.requests() == 1; }));
 	EXPECT_EQ(program.end().status, 128 + 9);
 	EXPECT_EQ(directory.read("save.dat"), content + "\r\n------UE4CorvanePlugin_100000--\r\n");
@@ -43,7 +43,7 @@ TEST(UploadCrash, LeavesATailThatTheNextStartCutsOffUnlessTheProgramEndsInOrder)
 	EXPECT_EQ(next.err, "LogTemp: Display: UCorvaneBPLibrary: truncate okay: " + file + "\n");
 	EXPECT_EQ(directory.read("save.dat"), content);
 
-	const ProcessRun orderly = runProgram({"run", directory.write("exit.lua", upload + "os.exit(7)"), silent.url(), file});
+	const ProcessRun orderly = runProgram({"run", directory.write("exit.lua", uploadScript + "os.exit(7)"), silent.url(), file});
 	EXPECT_EQ(orderly.status, 7) << orderly.err;
 	EXPECT_EQ(directory.read("save.dat"), content);
 }

@@ -19,7 +19,7 @@ namespace
 			$c run -v script.lua http://$host/next' /dev/null | tr -d '\r'
 	)sh";
 
-	constexpr const char* script = R"lua(
+	constexpr const char* verboseScript = R"lua(
 		CorvaneBPLibrary.executeHttpRequests{ httpRequests = CorvaneBPLibrary.CreateHttpRequestGET{ url = arg[1] }.httpRequests }
 	)lua";
 } // namespace
@@ -32,7 +32,7 @@ TEST(Verbose, TellsHeadsAsTheyTravelWithoutBodiesAndSecrets)
 	server.at("/next", Lab::status({.code = 401, .text = "the body"}),
 		Lab::headers({{"X-Bell", "\x1b[2J\x07"}, {"WWW-Authenticate", "Basic realm=\"here\""}}));
 	const TempDir directory;
-	directory.write("script.lua", script);
+	directory.write("script.lua", verboseScript);
 	const std::string told = runProcess({"/bin/sh", "-c", onTerminal, directory.path(), CORVANE_PROGRAM, server.authority()}).out;
 	const std::string place = "http://(hidden)@" + server.authority() + "/next?x=1&access_token=(hidden)&y=2#id_token=(hidden)";
 	EXPECT_THAT(told,

@@ -8,7 +8,7 @@
 
 namespace
 {
-	struct Case
+	struct WordCase
 	{
 		const FPropertyType& type;
 		std::string word;
@@ -21,7 +21,7 @@ namespace
 	const FPropertyType& enumType = PropertyTypeOf<EHTTPCorvFileDownloadResumeType>();
 	const std::string deep = std::string(60'000, '[') + "1" + std::string(60'000, ']');
 
-	const Case cases[] = {
+	const WordCase wordCases[] = {
 		{PropertyTypeOf<bool>(), "1", ""},
 		{PropertyTypeOf<int32>(), "1.0", ""},
 		{PropertyTypeOf<int64>(), "9223372036854775807", "9223372036854775807"},
@@ -47,7 +47,7 @@ namespace
 
 TEST(Word, BecomesAValueOrIsRefused)
 {
-	for (const Case& tested : cases)
+	for (const WordCase& tested : wordCases)
 	{
 		Reflect::Value value(tested.type);
 		const Program::Json json = Program::parseWord(tested.word, tested.type);

@@ -58,20 +58,20 @@ namespace
 		});
 
 	/** Of a file that arrives in whatever form. */
-	Behaviour upload(const Request& request)
+	Behaviour answerUpload(const Request& request)
 	{
 		const Wish wish = wishOf(request);
 		return request.body.find(wish.content()) != std::string::npos ? "whole" : fmt::format("wrong: {} bytes", request.body.size());
 	}
 
-	Behaviour events(const Request& request)
+	Behaviour answerEvents(const Request& request)
 	{
 		const Wish wish = wishOf(request);
 		const int last = std::atoi(std::string(request.header("Last-Event-ID")).c_str());
 		return last == wish.numEvents() ? Lab::status({.code = 204}) : Lab::text(wish.events(last), "text/event-stream");
 	}
 
-	Behaviour drive(const Request& request)
+	Behaviour answerDrive(const Request& request)
 	{
 		const Wish wish = wishOf(request);
 		constexpr const char* page =
@@ -110,9 +110,9 @@ namespace
 			"/file/*", [](const Request& request) { return Lab::file(wishOf(request).content()); }, fault);
 		origin.at("/file/d/*", view, fault);
 		origin.at("/echo/*", Lab::echo(), fault);
-		origin.at("/upload/*", upload, fault);
-		origin.at("/events/*", events, fault);
-		origin.at("/uc*", drive, fault);
+		origin.at("/upload/*", answerUpload, fault);
+		origin.at("/events/*", answerEvents, fault);
+		origin.at("/uc*", answerDrive, fault);
 		origin.at("/page/*", page, fault);
 		const Behaviour tus = Lab::tus();
 		origin.at("/tus/*", tus, fault);

@@ -61,7 +61,7 @@ namespace HeaderTool
 				wrapperHead(def), members, copies, def.name.substr(1));
 		}
 
-		std::string classBody(const ClassDef& def)
+		std::string engineClassBody(const ClassDef& def)
 		{
 			std::string text = fmt::format("private: \\\n"
 										   "\tstatic UClass* GetPrivateStaticClass(); \\\n"
@@ -98,7 +98,7 @@ namespace HeaderTool
 			return text + "private:\n";
 		}
 
-		std::string defineClass(const ClassDef& def)
+		std::string defineEngineClass(const ClassDef& def)
 		{
 			std::string text =
 				fmt::format("\nUClass* {0}::GetPrivateStaticClass()\n{{\n\treturn MakeStaticClass(&Super::StaticClass);\n}}\n"
@@ -135,7 +135,7 @@ namespace HeaderTool
 		}
 		for (const ClassDef& def : header.classes)
 		{
-			text += fmt::format("\n#define {}_{}_GENERATED_BODY \\\n{}", fileId, def.bodyLine, classBody(def));
+			text += fmt::format("\n#define {}_{}_GENERATED_BODY \\\n{}", fileId, def.bodyLine, engineClassBody(def));
 		}
 		return text;
 	}
@@ -159,7 +159,7 @@ namespace HeaderTool
 		}
 		for (const ClassDef& def : header.classes)
 		{
-			text += defineClass(def);
+			text += defineEngineClass(def);
 		}
 		return text;
 	}

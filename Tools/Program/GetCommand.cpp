@@ -28,7 +28,7 @@ namespace Program
 		namespace fs = std::filesystem;
 
 		const TCHAR* const queueName = TEXT("get");
-		constexpr float betweenDrawings = 0.1f; // seconds
+		constexpr float secondsBetweenDrawings = 0.1f;
 
 		struct File
 		{
@@ -151,7 +151,7 @@ namespace Program
 				{
 					table.emplace();
 					drawing = FTSTicker::GetCoreTicker().AddTicker(
-						FTickerDelegate::CreateLambda([this](float) { return draw(); }), betweenDrawings);
+						FTickerDelegate::CreateLambda([this](float) { return draw(); }), secondsBetweenDrawings);
 				}
 			}
 			~Get() { FTSTicker::RemoveTicker(drawing); }

@@ -106,9 +106,9 @@ namespace Program
 			const Reference reference = collectReference();
 			writeReference(reference, directory);
 			const std::vector<std::string> gaps = reference.gaps();
-			for (const std::string& gap : gaps)
+			for (const std::string& missing : gaps)
 			{
-				complain("corvane: " + gap);
+				complain("corvane: " + missing);
 			}
 			fmt::print("{} pages in {}\n", reference.nodes.size() + reference.examples.size() + reference.guides.size() + 2, directory);
 			return gaps.empty() ? exitGood : exitFailed;

@@ -172,7 +172,7 @@ namespace Program
 		}
 
 		/** Nothing is thrown from here into the event: what cannot be written is told at the end of the program. */
-		void writeLine(const std::string& line)
+		void writeUploadLine(const std::string& line)
 		{
 			std::fwrite(line.data(), 1, line.size(), stdout);
 			std::fflush(stdout);
@@ -274,7 +274,7 @@ namespace Program
 				}
 				if (options.json)
 				{
-					writeLine(asJsonLine(toJson(upload)));
+					writeUploadLine(asJsonLine(toJson(upload)));
 				}
 				else if (isThere && !options.quiet)
 				{
@@ -302,7 +302,7 @@ namespace Program
 				const std::string hash = Reflect::toUtf8(upload.report.Hash);
 				const std::string told =
 					fmt::format("{}: {}{}{}\n", upload.name(), Reflect::toUtf8(upload.report.Sentence), hash.empty() ? "" : " ", hash);
-				writeLine(fitFor(stdout, told + asLines(Reflect::toUtf8(upload.report.Answer))));
+				writeUploadLine(fitFor(stdout, told + asLines(Reflect::toUtf8(upload.report.Answer))));
 			}
 
 			void tellProgress(const FCorvaneTransferReport& report)

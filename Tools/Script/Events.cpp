@@ -49,7 +49,7 @@ namespace Script
 			return 0;
 		}
 
-		int describe(lua_State* lua)
+		int describeEvent(lua_State* lua)
 		{
 			const BoundEvent& bound = UserData<BoundEvent>::check(lua, 1);
 			lua_pushstring(lua, fmt::format("event {} of {}", bound.event->Name, bound.owner->GetClass()->GetName()).c_str());
@@ -110,7 +110,7 @@ namespace Script
 	void pushEvent(lua_State* lua, UObject& owner, const FMulticastDelegateProperty& event)
 	{
 		static constexpr luaL_Reg methods[] = {{"Add", guarded<addHandler>}, {"Remove", guarded<removeHandler>},
-			{"Clear", guarded<clearHandlers>}, {"__tostring", guarded<describe>}, {nullptr, nullptr}};
+			{"Clear", guarded<clearHandlers>}, {"__tostring", guarded<describeEvent>}, {nullptr, nullptr}};
 		UserData<BoundEvent>::push(lua, methods, {TStrongObjectPtr<UObject>(&owner), &event});
 	}
 } // namespace Script

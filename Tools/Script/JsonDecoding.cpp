@@ -16,7 +16,7 @@ namespace Script
 		using Json = nlohmann::json;
 		using Reflect::InputError;
 
-		constexpr int stackNeeded = 8;
+		constexpr int stackForDecoding = 8;
 
 		/** Builds on Lua's stack what the parser reads. Its functions return whether to go on; faults are thrown. */
 		class Builder : public nlohmann::json_sax<Json>
@@ -87,7 +87,7 @@ namespace Script
 				{
 					throw InputError(fmt::format("more than {} lists and objects in each other", deepestJson));
 				}
-				luaL_checkstack(lua, stackNeeded, nullptr);
+				luaL_checkstack(lua, stackForDecoding, nullptr);
 				lua_newtable(lua);
 				places.push_back(firstPlace);
 				return true;
@@ -117,7 +117,7 @@ namespace Script
 
 	void decodeJson(lua_State* lua, std::string_view text)
 	{
-		luaL_checkstack(lua, stackNeeded, nullptr);
+		luaL_checkstack(lua, stackForDecoding, nullptr);
 		Builder builder(lua);
 		Json::sax_parse(text, &builder);
 	}

@@ -18,7 +18,7 @@ namespace Script
 		using Json = nlohmann::json; // sorts the keys: a Lua table has no order, and the same table shall give the same text
 		using Reflect::InputError;
 
-		constexpr int stackNeeded = 8;
+		constexpr int stackForEncoding = 8;
 
 		class Encoder
 		{
@@ -98,7 +98,7 @@ namespace Script
 				{
 					throw std::runtime_error(fmt::format("json.encode: more than {} tables in each other", deepestJson));
 				}
-				luaL_checkstack(lua, stackNeeded, nullptr);
+				luaL_checkstack(lua, stackForEncoding, nullptr);
 				open.push_back(self);
 				const lua_Unsigned count = lua_rawlen(lua, index);
 				Json table = count > 0 || isMarkedAsJsonArray(lua, index) ? listAt(index, count) : objectAt(index);

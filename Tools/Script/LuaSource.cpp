@@ -15,7 +15,7 @@ namespace Script
 	{
 		using Reflect::InputError;
 
-		constexpr int stackNeeded = 8;
+		constexpr int stackForText = 8;
 
 		/** The value as an error message shows it: small values themselves, else their type. */
 		std::string describe(lua_State* lua, int index)
@@ -87,7 +87,7 @@ namespace Script
 		template <class Visit>
 		void visitElements(lua_State* lua, int index, const char* kind, Visit visit)
 		{
-			luaL_checkstack(lua, stackNeeded, nullptr);
+			luaL_checkstack(lua, stackForText, nullptr);
 			const lua_Unsigned count = lua_rawlen(lua, index);
 			if (count > static_cast<lua_Unsigned>(MAX_int32))
 			{
@@ -164,7 +164,7 @@ namespace Script
 
 	bool LuaSource::map(const Visitor& key, const Visitor& value) const
 	{
-		luaL_checkstack(lua, stackNeeded, nullptr);
+		luaL_checkstack(lua, stackForText, nullptr);
 		if (!lua_istable(lua, index))
 		{
 			return false;

@@ -58,13 +58,13 @@ namespace Script
 			return 1;
 		}
 
-		int refuseAssignment(lua_State* lua)
+		int refuseField(lua_State* lua)
 		{
 			const UObject* const object = UserData<ObjectReference>::check(lua, 1).Get();
 			throw Reflect::InputError(fmt::format("{} has no field that scripts may set", object->GetClass()->GetName()));
 		}
 
-		int describe(lua_State* lua)
+		int describeObject(lua_State* lua)
 		{
 			const UObject* const object = UserData<ObjectReference>::check(lua, 1).Get();
 			lua_pushstring(lua, fmt::format("{} object", object->GetClass()->GetName()).c_str());
@@ -85,8 +85,8 @@ namespace Script
 
 	void pushObject(lua_State* lua, UObject* object)
 	{
-		static constexpr luaL_Reg methods[] = {{"__index", guarded<findMember>}, {"__newindex", guarded<refuseAssignment>},
-			{"__tostring", guarded<describe>}, {nullptr, nullptr}};
+		static constexpr luaL_Reg methods[] = {{"__index", guarded<findMember>}, {"__newindex", guarded<refuseField>},
+			{"__tostring", guarded<describeObject>}, {nullptr, nullptr}};
 
 		ObjectReference reference(object);
 		if (!reference)

@@ -23,7 +23,7 @@ namespace Script
 			return 1;
 		}
 
-		int refuseAssignment(lua_State*)
+		int refuseElement(lua_State*)
 		{
 			throw Reflect::InputError("a list of records does not change; { table.unpack(list) } makes a table of them");
 		}
@@ -34,7 +34,7 @@ namespace Script
 			return 1;
 		}
 
-		int describe(lua_State* lua)
+		int describeList(lua_State* lua)
 		{
 			const RecordList& list = UserData<RecordList>::check(lua, 1);
 			lua_pushstring(lua, Reflect::typeName(list.type()).c_str());
@@ -110,8 +110,8 @@ namespace Script
 
 	void pushRecordList(lua_State* lua, RecordList list)
 	{
-		static constexpr luaL_Reg methods[] = {{"__index", guarded<getElement>}, {"__newindex", guarded<refuseAssignment>},
-			{"__len", guarded<getLength>}, {"__pairs", beginPairs}, {"__tostring", guarded<describe>}, {nullptr, nullptr}};
+		static constexpr luaL_Reg methods[] = {{"__index", guarded<getElement>}, {"__newindex", guarded<refuseElement>},
+			{"__len", guarded<getLength>}, {"__pairs", beginPairs}, {"__tostring", guarded<describeList>}, {nullptr, nullptr}};
 		UserData<RecordList>::push(lua, methods, std::move(list));
 	}
 

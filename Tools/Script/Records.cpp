@@ -23,7 +23,7 @@ namespace Script
 			throw Reflect::InputError(fmt::format("records of type {} have no fields that scripts may touch", typeOf(lua)));
 		}
 
-		int describe(lua_State* lua)
+		int describeRecord(lua_State* lua)
 		{
 			lua_pushstring(lua, fmt::format("{} record", typeOf(lua)).c_str());
 			return 1;
@@ -33,7 +33,7 @@ namespace Script
 	void pushRecord(lua_State* lua, RecordPointer record)
 	{
 		static constexpr luaL_Reg methods[] = {{"__index", guarded<refuseAccess>}, {"__newindex", guarded<refuseAccess>},
-			{"__tostring", guarded<describe>}, {nullptr, nullptr}};
+			{"__tostring", guarded<describeRecord>}, {nullptr, nullptr}};
 		UserData<RecordPointer>::push(lua, methods, std::move(record));
 	}
 

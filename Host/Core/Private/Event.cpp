@@ -86,7 +86,7 @@ namespace
 		std::vector<std::unique_ptr<FAutoResetEvent>> Idle;
 	};
 
-	FEventPool& thePool()
+	FEventPool& theEventPool()
 	{
 		static FEventPool& Pool = *new FEventPool(); // never destroyed: a late Trigger must find its event
 		return Pool;
@@ -101,13 +101,13 @@ void FPlatformProcess::Sleep(float Seconds)
 
 FEvent* FPlatformProcess::GetSynchEventFromPool()
 {
-	const std::scoped_lock Lock(thePool().Mutex);
-	if (thePool().Idle.empty())
+	const std::scoped_lock Lock(theEventPool().Mutex);
+	if (theEventPool().Idle.empty())
 	{
 		return new FAutoResetEvent();
 	}
-	FAutoResetEvent* Event = thePool().Idle.back().release();
-	thePool().Idle.pop_back();
+	FAutoResetEvent* Event = theEventPool().Idle.back().release();
+	theEventPool().Idle.pop_back();
 	return Event;
 }
 
@@ -115,6 +115,6 @@ void FPlatformProcess::ReturnSynchEventToPool(FEvent* Event)
 {
 	FAutoResetEvent* Returned = static_cast<FAutoResetEvent*>(Event);
 	Returned->Clear();
-	const std::scoped_lock Lock(thePool().Mutex);
-	thePool().Idle.emplace_back(Returned);
+	const std::scoped_lock Lock(theEventPool().Mutex);
+	theEventPool().Idle.emplace_back(Returned);
 }

@@ -270,7 +270,7 @@ namespace
 		bClosing = false;
 	}
 
-	FThreadPool& thePool()
+	FThreadPool& theThreadPool()
 	{
 		static FThreadPool& Pool = *new FThreadPool(); // never destroyed: a program that exits early leaves its threads alone
 		return Pool;
@@ -294,7 +294,7 @@ namespace
 		bool Start(std::string Name)
 		{
 			// The end is signalled through shared state: this object may be deleted the moment the wait is over.
-			bStarted = thePool().Run({[Runnable = Runnable, End = End]
+			bStarted = theThreadPool().Run({[Runnable = Runnable, End = End]
 				{
 					Runnable->Run();
 					const std::scoped_lock Lock(End->Mutex);
@@ -354,7 +354,7 @@ FRunnableThread* FRunnableThread::Create(FRunnable* Runnable, const TCHAR* Name)
 
 bool runOnSystemThread(std::function<void()> Body, std::string Name)
 {
-	return thePool().Run({std::move(Body), std::move(Name)});
+	return theThreadPool().Run({std::move(Body), std::move(Name)});
 }
 
 HostThreads::FBurst::FBurst()
@@ -372,11 +372,11 @@ void HostThreads::FBurst::WakeNow()
 {
 	if (std::exchange(heldBack.Number, 0) > 0)
 	{
-		thePool().WakeForWaiting();
+		theThreadPool().WakeForWaiting();
 	}
 }
 
 void HostThreads::JoinIdle()
 {
-	thePool().JoinIdle();
+	theThreadPool().JoinIdle();
 }

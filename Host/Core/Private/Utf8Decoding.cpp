@@ -8,7 +8,7 @@
 
 namespace
 {
-	constexpr TCHAR replacement = 0xFFFD;
+	constexpr TCHAR replacementUnit = 0xFFFD;
 	constexpr size_t blockSize = sizeof(uint64);
 	/** Decoded in pieces that stay in the processor's cache: memory for a large text is written once. */
 	constexpr size_t unitsPerPiece = 8 << 10;
@@ -42,7 +42,7 @@ namespace
 		const FForm Form = formOf(Lead);
 		if (Form.Length == 1 || Start + Form.Length > Bytes.size())
 		{
-			return replacement;
+			return replacementUnit;
 		}
 		char32_t Point = Lead & Form.LeadMask;
 		for (size_t At = Start + 1; At < Start + Form.Length; ++At)
@@ -50,13 +50,13 @@ namespace
 			const uint8 Byte = static_cast<uint8>(Bytes[At]);
 			if ((Byte & 0xC0) != 0x80)
 			{
-				return replacement;
+				return replacementUnit;
 			}
 			Point = Point << 6 | (Byte & 0x3F);
 		}
 		if (Point < Form.Smallest || Point > 0x10FFFF || (Point >= 0xD800 && Point < 0xE000))
 		{
-			return replacement;
+			return replacementUnit;
 		}
 		Position = Start + Form.Length;
 		return Point;
@@ -109,7 +109,7 @@ namespace
 		std::memcpy(&Block, Bytes, sizeof(Block));
 		const FUnits Units = __builtin_convertvector(Block, FUnits);
 		const FUnits Exchanged = reinterpret_cast<FUnits>(Units >= 0x80);
-		const FUnits Written = (Units & ~Exchanged) | (Exchanged & static_cast<uint16>(replacement));
+		const FUnits Written = (Units & ~Exchanged) | (Exchanged & static_cast<uint16>(replacementUnit));
 		std::memcpy(To, &Written, sizeof(Written));
 	}
 

@@ -8,7 +8,7 @@ namespace Lab
 {
 	namespace
 	{
-		int numberIn(std::string_view text, int otherwise)
+		int numberOr(std::string_view text, int otherwise)
 		{
 			int number = otherwise;
 			std::from_chars(text.data(), text.data() + text.size(), number);
@@ -41,7 +41,7 @@ namespace Lab
 			{
 				return request.target;
 			}
-			const int hops = numberIn(request.parameter("hops"), options.hops);
+			const int hops = numberOr(request.parameter("hops"), options.hops);
 			if (hops > 1)
 			{
 				return std::string(request.path()) + queryWithout(request.query(), "hops") + "hops=" + std::to_string(hops - 1);
@@ -55,7 +55,7 @@ namespace Lab
 		public:
 			EventSource(const EventsOptions& inOptions, const Request& request)
 				: options(inOptions)
-				, next(options.hasIds ? numberIn(request.header("Last-Event-ID"), 0) : 0)
+				, next(options.hasIds ? numberOr(request.header("Last-Event-ID"), 0) : 0)
 				, end(options.list.empty() ? options.number : static_cast<int>(options.list.size()))
 			{
 				end = options.cutsAfter && (end == 0 || next + options.cutsAfter < end) ? next + options.cutsAfter : end;

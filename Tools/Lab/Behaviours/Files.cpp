@@ -7,7 +7,7 @@ namespace Lab
 {
 	namespace
 	{
-		struct Part
+		struct ByteRange
 		{
 			std::uint64_t first = 0;
 			std::uint64_t last = 0;
@@ -23,7 +23,7 @@ namespace Lab
 		constexpr const char* firstTime = "Thu, 01 Jan 2026 08:00:00 GMT";
 		constexpr const char* changedTime = "Fri, 02 Jan 2026 08:00:00 GMT";
 
-		std::optional<std::uint64_t> numberIn(std::string_view text)
+		std::optional<std::uint64_t> wholeNumberIn(std::string_view text)
 		{
 			std::uint64_t number = 0;
 			const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -31,7 +31,7 @@ namespace Lab
 		}
 
 		/** @return nothing for what is no single range of bytes: it is as if nobody had asked. */
-		std::optional<Part> parseRange(std::string_view header, std::uint64_t size)
+		std::optional<ByteRange> parseRange(std::string_view header, std::uint64_t size)
 		{
 			constexpr std::string_view unit = "bytes=";
 			const std::size_t dash = header.find('-');
@@ -39,14 +39,14 @@ namespace Lab
 			{
 				return {};
 			}
-			const auto first = numberIn(header.substr(unit.size(), dash - unit.size()));
-			const auto last = numberIn(header.substr(dash + 1));
+			const auto first = wholeNumberIn(header.substr(unit.size(), dash - unit.size()));
+			const auto last = wholeNumberIn(header.substr(dash + 1));
 			const bool isOpen = dash + 1 == header.size();
 			if (dash == unit.size() && last)
 			{
-				return Part{size - std::min(*last, size), size - 1};
+				return ByteRange{size - std::min(*last, size), size - 1};
 			}
-			return first && (last || isOpen) ? std::optional(Part{*first, std::min(last.value_or(endless), size - 1)}) : std::nullopt;
+			return first && (last || isOpen) ? std::optional(ByteRange{*first, std::min(last.value_or(endless), size - 1)}) : std::nullopt;
 		}
 
 		Version versionFor(const Request& request, const ContentPtr& content, const FileOptions& options)
@@ -70,7 +70,7 @@ namespace Lab
 		}
 
 		/** @return the part to send; nothing = the whole. */
-		std::optional<Part> wantedPart(const Request& request, const Version& version, const FileOptions& options)
+		std::optional<ByteRange> wantedPart(const Request& request, const Version& version, const FileOptions& options)
 		{
 			const std::string_view condition = request.header("If-Range");
 			if (options.ranges == Ranges::Ignored ||
@@ -81,13 +81,13 @@ namespace Lab
 			return parseRange(request.header("Range"), version.content->size());
 		}
 
-		std::string contentRange(const Part& part, std::uint64_t size, Ranges ranges)
+		std::string contentRange(const ByteRange& part, std::uint64_t size, Ranges ranges)
 		{
 			const std::string total = ranges == Ranges::NoTotal ? "*" : std::to_string(ranges == Ranges::WrongTotal ? size + 1 : size);
 			return "bytes " + std::to_string(part.first) + '-' + std::to_string(part.last) + '/' + total;
 		}
 
-		void sendPart(Plan& plan, Part part, const ContentPtr& content, Ranges ranges)
+		void sendPart(Plan& plan, ByteRange part, const ContentPtr& content, Ranges ranges)
 		{
 			const std::uint64_t size = content->size();
 			if (part.first >= size || part.first > part.last || ranges == Ranges::Refused)
@@ -106,7 +106,7 @@ namespace Lab
 
 		void send(const Request& request, Plan& plan, const Version& version, const FileOptions& options)
 		{
-			const std::optional<Part> part = wantedPart(request, version, options);
+			const std::optional<ByteRange> part = wantedPart(request, version, options);
 			plan.content = version.content;
 			plan.setHeader("Content-Type", options.type);
 			plan.setHeader("Accept-Ranges", options.ranges == Ranges::Ignored ? "none" : "bytes");

@@ -12,18 +12,18 @@ namespace Lab
 {
 	namespace
 	{
-		using Clock = std::chrono::system_clock;
+		using Calendar = std::chrono::system_clock;
 
 		struct Upload
 		{
 			std::string length; // as it was announced
 			std::string bytes;
-			Clock::time_point begun = Clock::now();
+			Calendar::time_point begun = Calendar::now();
 		};
 
-		std::string dateOf(Clock::time_point moment)
+		std::string dateOf(Calendar::time_point moment)
 		{
-			const std::time_t seconds = Clock::to_time_t(moment);
+			const std::time_t seconds = Calendar::to_time_t(moment);
 			std::tm parts{};
 			gmtime_r(&seconds, &parts);
 			std::array<char, 64> text{};
@@ -80,7 +80,7 @@ namespace Lab
 					plan.status = 404;
 					return;
 				}
-				if (options.expiresAfter && Clock::now() >= expiryOf(found->second))
+				if (options.expiresAfter && Calendar::now() >= expiryOf(found->second))
 				{
 					plan.status = 410;
 					return;
@@ -118,9 +118,9 @@ namespace Lab
 				}
 			}
 
-			Clock::time_point expiryOf(const Upload& upload) const
+			Calendar::time_point expiryOf(const Upload& upload) const
 			{
-				return upload.begun + std::chrono::duration_cast<Clock::duration>(*options.expiresAfter);
+				return upload.begun + std::chrono::duration_cast<Calendar::duration>(*options.expiresAfter);
 			}
 
 			void tellExpiry(const Upload& upload, Plan& plan) const

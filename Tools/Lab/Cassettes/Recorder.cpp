@@ -18,7 +18,7 @@ namespace Lab
 {
 	namespace
 	{
-		constexpr std::size_t largestRead = 64 << 10;
+		constexpr std::size_t recordedPiece = 64 << 10;
 
 		bool sendAll(int socket, std::string_view bytes)
 		{
@@ -185,7 +185,7 @@ namespace Lab
 	/** @return the head and what came of the body with it; empty when none came. */
 	std::string Recorder::Relay::readHead(int client)
 	{
-		std::array<char, largestRead> room;
+		std::array<char, recordedPiece> room;
 		std::string bytes;
 		while (bytes.find("\r\n\r\n") == bytes.npos)
 		{
@@ -228,7 +228,7 @@ namespace Lab
 
 	bool Recorder::Relay::passRequest(int client, Upstream& server, RecordedExchange& exchange)
 	{
-		std::array<char, largestRead> room;
+		std::array<char, recordedPiece> room;
 		const ssize_t number = ::recv(client, room.data(), room.size(), 0);
 		const std::string_view bytes(room.data(), static_cast<std::size_t>(std::max<ssize_t>(0, number)));
 		exchange.request += bytes;
@@ -237,7 +237,7 @@ namespace Lab
 
 	int Recorder::Relay::passAnswer(int client, Upstream& server, RecordedExchange& exchange)
 	{
-		std::array<char, largestRead> room;
+		std::array<char, recordedPiece> room;
 		const int number = server.read(room.data(), static_cast<int>(room.size()));
 		if (number <= 0)
 		{

@@ -17,7 +17,7 @@ namespace Program
 			return text;
 		}
 
-		std::string asLine(const Json& value)
+		std::string asText(const Json& value)
 		{
 			if (value.is_binary())
 			{
@@ -43,7 +43,7 @@ namespace Program
 			return text.substr(0, end) + fmt::format("... ({} of {} bytes)", end, whole);
 		}
 
-		void printLine(const std::string& name, const std::string& text)
+		void printPin(const std::string& name, const std::string& text)
 		{
 			fmt::print("{}: {}\n", name, isTerminal(stdout) ? withoutControls(shortened(text)) : text);
 		}
@@ -84,7 +84,7 @@ namespace Program
 			}
 			else
 			{
-				printLine(name, asLine(value));
+				printPin(name, asText(value));
 			}
 		}
 		if (asJson)

@@ -11,12 +11,12 @@ namespace Program
 {
 	namespace
 	{
-		constexpr const char* blanks = " \t\r";
+		constexpr const char* blanksInLine = " \t\r";
 
-		std::string trimmed(const std::string& text)
+		std::string trimmedLine(const std::string& text)
 		{
-			const size_t first = text.find_first_not_of(blanks);
-			return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(blanks) + 1 - first);
+			const size_t first = text.find_first_not_of(blanksInLine);
+			return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(blanksInLine) + 1 - first);
 		}
 
 		/** @return what is wrong with a name; empty = nothing. */
@@ -35,13 +35,13 @@ namespace Program
 		std::string line;
 		for (int number = 1; std::getline(lines, line); ++number)
 		{
-			line = trimmed(line);
+			line = trimmedLine(line);
 			if (line.empty() || line.starts_with('#'))
 			{
 				continue;
 			}
-			const size_t end = std::min(line.find_first_of(blanks), line.size());
-			const ListedAddress listed = {line.substr(0, end), trimmed(line.substr(end))};
+			const size_t end = std::min(line.find_first_of(blanksInLine), line.size());
+			const ListedAddress listed = {line.substr(0, end), trimmedLine(line.substr(end))};
 			const std::string fault = addressFault(listed.address);
 			if (const std::string first = fault.empty() ? fileFault(listed.file) : fault; !first.empty())
 			{

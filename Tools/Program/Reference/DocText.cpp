@@ -9,12 +9,12 @@ namespace Program
 {
 	namespace
 	{
-		constexpr std::string_view blanks = " \t\n";
+		constexpr std::string_view whiteSpace = " \t\n";
 
-		std::string_view trimmed(std::string_view text)
+		std::string_view trimmedText(std::string_view text)
 		{
-			text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
-			return text.substr(0, text.find_last_not_of(blanks) + 1);
+			text.remove_prefix(std::min(text.find_first_not_of(whiteSpace), text.size()));
+			return text.substr(0, text.find_last_not_of(whiteSpace) + 1);
 		}
 
 		/** @return the place of the next tag, or the size of the text. */
@@ -31,8 +31,8 @@ namespace Program
 
 		std::string_view takeWord(std::string_view& text)
 		{
-			const std::string_view word = text.substr(0, text.find_first_of(blanks));
-			text = trimmed(text.substr(word.size()));
+			const std::string_view word = text.substr(0, text.find_first_of(whiteSpace));
+			text = trimmedText(text.substr(word.size()));
 			return word;
 		}
 
@@ -63,7 +63,7 @@ namespace Program
 			const std::string_view tag = takeWord(section);
 			const size_t thread = std::min(section.rfind("Thread: "), section.size());
 			addToText(doc, section.substr(thread));
-			section = trimmed(section.substr(0, thread));
+			section = trimmedText(section.substr(0, thread));
 			if (tag == "@param")
 			{
 				addPins(doc, section);
@@ -82,12 +82,12 @@ namespace Program
 		{
 			DocText doc;
 			size_t end = findTag(text);
-			doc.text = trimmed(text.substr(0, end));
+			doc.text = trimmedText(text.substr(0, end));
 			while (end < text.size())
 			{
 				text.remove_prefix(end);
 				end = 1 + findTag(text.substr(1));
-				addSection(doc, trimmed(text.substr(0, end)));
+				addSection(doc, trimmedText(text.substr(0, end)));
 			}
 			return doc;
 		}
@@ -102,7 +102,7 @@ namespace Program
 
 	DocText readTooltip(std::string_view text)
 	{
-		std::string clean(trimmed(text.substr(0, text.find_last_not_of(" *") + 1)));
+		std::string clean(trimmedText(text.substr(0, text.find_last_not_of(" *") + 1)));
 		if (const size_t slip = clean.find(":://"); slip != std::string::npos)
 		{
 			clean.erase(slip, 1);
