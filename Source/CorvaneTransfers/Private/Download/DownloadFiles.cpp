@@ -5,7 +5,7 @@
 void FCorvaneDownloadFiles::Look(const FString& Target, TUniqueFunction<void(bool, FDateTime)> Tell)
 {
 	Do(
-		[Target, Tell = MoveTemp(Tell)](FCorvaneDownloadFiles&)
+		[Target = FString(Target), Tell = MoveTemp(Tell)](FCorvaneDownloadFiles&)
 		{
 			IPlatformFile& Files = FPlatformFileManager::Get().GetPlatformFile();
 			const bool bExists = Files.FileExists(*Target);
@@ -16,7 +16,7 @@ void FCorvaneDownloadFiles::Look(const FString& Target, TUniqueFunction<void(boo
 void FCorvaneDownloadFiles::Open(const FString& Target, const FString& Address, bool bResume, ECorvaneHashKind HashKind,
 	TUniqueFunction<void(const FCorvaneOpenedPart&)> Tell)
 {
-	Do([Target, Address, bResume, HashKind, Tell = MoveTemp(Tell)](FCorvaneDownloadFiles& Self)
+	Do([Target = FString(Target), Address = FString(Address), bResume, HashKind, Tell = MoveTemp(Tell)](FCorvaneDownloadFiles& Self)
 		{ Tell(Self.Part.Open(Target, Address, bResume, HashKind)); });
 }
 
@@ -28,7 +28,7 @@ void FCorvaneDownloadFiles::Secure()
 void FCorvaneDownloadFiles::Finish(const FCorvaneFinishWish& Wish, TUniqueFunction<void(const FCorvaneFinished&)> Tell)
 {
 	Do(
-		[Wish, Tell = MoveTemp(Tell)](FCorvaneDownloadFiles& Self)
+		[Wish = FCorvaneFinishWish(Wish), Tell = MoveTemp(Tell)](FCorvaneDownloadFiles& Self)
 		{
 			Self.GiveMemoryBack();
 			Tell(Self.Part.Finish(Wish));
@@ -80,7 +80,7 @@ void FCorvaneDownloadFiles::BeginAttempt(int64 Compare, TUniqueFunction<void(TAr
 
 void FCorvaneDownloadFiles::StartOver(const FCorvaneSourceFacts& Source)
 {
-	Do([Source](FCorvaneDownloadFiles& Self) { Self.Note(Self.Part.StartOver(Source)); });
+	Do([Source = FCorvaneSourceFacts(Source)](FCorvaneDownloadFiles& Self) { Self.Note(Self.Part.StartOver(Source)); });
 }
 
 bool FCorvaneDownloadFiles::Put(const uint8* Bytes, int64 Number)

@@ -63,7 +63,10 @@ public:
 	int64 BytesOfAttempt() const { return Brought; }
 
 private:
-	/** @tparam StepType  is called with this object, on the strand. */
+	/**
+	 * @tparam StepType  is called with this object, on the strand. It is moved on the way, which what it captures by the name of a
+	 * constant is not.
+	 */
 	template <class StepType>
 	void Do(StepType Step)
 	{

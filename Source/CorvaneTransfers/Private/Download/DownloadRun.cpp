@@ -151,7 +151,7 @@ void FCorvaneDownloadRun::Send(const FCorvaneDownloadQuestion& Question, TArray<
 		{ Self->Post([Own = FCorvaneAttemptEnd(End)](FCorvaneDownloadRun& Run) mutable { Run.OnSent(MoveTemp(Own)); }); });
 	Receiver = Taker;
 	Route->Prepare();
-	Files->Then([Self = AsShared(), Question, Taker] { Self->Launch(Question, Taker); });
+	Files->Then([Self = AsShared(), Question = FCorvaneDownloadQuestion(Question), Taker] { Self->Launch(Question, Taker); });
 	BeginProgress();
 }
 

@@ -60,6 +60,10 @@ namespace CorvaneFileHash
 
 bool FCorvaneHashWish::Parse(const FString& Text, FCorvaneHashWish& Wish)
 {
+	if (Text.IsEmpty())
+	{
+		return true;
+	}
 	for (const CorvaneFileHash::FKind& Known : CorvaneFileHash::Kinds)
 	{
 		if (CorvaneFileHash::ParseAs(Known, Text, Wish))
@@ -67,7 +71,7 @@ bool FCorvaneHashWish::Parse(const FString& Text, FCorvaneHashWish& Wish)
 			return true;
 		}
 	}
-	return Text.IsEmpty();
+	return false;
 }
 
 void FCorvaneFileHash::Update(const uint8* Bytes, int64 Count)
