@@ -31,7 +31,7 @@ namespace
 	/** Collecting costs a walk over all objects, so it waits until a fair share of them is new. */
 	bool isCollectionDue()
 	{
-		constexpr size_t smallestHarvest = 256;
+		constexpr size_t smallestHarvest = 64; // one of hundreds would be felt in a frame
 		return HostObjects::NumCreatedSinceCollection() > std::max(smallestHarvest, HostObjects::NumObjects() / 2);
 	}
 } // namespace

@@ -94,6 +94,6 @@ void UAsyncNodeHttpDownloadUpload::httpRequestDownloadUploadComplete(
 {
 	CorvaneNode::giveUpID(*this, requestID);
 	const auto& Outcome = CorvaneNode::isSuccess(InStatusCode) ? OnSuccess : OnFail;
-	Outcome.Broadcast(InDataString, InDataArray, InHeader, InStatusCode, InRequestID);
+	Outcome.Broadcast(MoveTemp(InDataString), InDataArray, InHeader, InStatusCode, InRequestID);
 	CorvaneNode::release(*this);
 }

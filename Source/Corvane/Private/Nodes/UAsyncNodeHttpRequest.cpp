@@ -70,7 +70,7 @@ void UAsyncNodeHttpRequest::httpRequestComplete(FString InDataString, const TArr
 	int32 InStatusCode, const TArray<uint8>& InByteData, FString InRequestID)
 {
 	const auto& Outcome = CorvaneNode::isSuccess(InStatusCode) ? OnSuccess : OnFail;
-	Outcome.Broadcast(InDataString, InDataArray, InHeader, InStatusCode, InByteData, InRequestID);
+	Outcome.Broadcast(MoveTemp(InDataString), InDataArray, InHeader, InStatusCode, InByteData, InRequestID);
 	SetReadyToDestroy(); // or the graph that made it would hold it on
 	ConditionalBeginDestroy();
 }

@@ -36,6 +36,10 @@ UCorvaneRequestCompleteObject* CorvaneBuilder::append(
 	UCorvaneRequestCompleteObject* Object = NewObject<UCorvaneRequestCompleteObject>();
 	Object->setRequestID(RequestID, Record, UCorvaneBPLibrary::getCorvaneTarget());
 	Record.setRequestCompleteObject(Object);
+	if (OtherHttpRequests.IsEmpty())
+	{
+		OtherHttpRequests.Reserve(1); // as a rule it stays alone, and an array makes room for several
+	}
 	OtherHttpRequests.Add(MoveTemp(Record));
 	HttpRequests = MoveTemp(OtherHttpRequests);
 	return Object;

@@ -13,8 +13,12 @@
 namespace CorvaneDispatcher
 {
 	// A header of the script or a persistent one replaces it.
-	static const TCHAR* const defaultUserAgent =
-		TEXT("UE4 Mozilla/5.0 (Windows NT 10.0; Win64; x64) AppleWebKit/537.36 (KHTML, like Gecko) Chrome/69.0.3497.81 Safari/537.36");
+	static const FString& defaultUserAgent()
+	{
+		static const FString UserAgent(
+			TEXT("UE4 Mozilla/5.0 (Windows NT 10.0; Win64; x64) AppleWebKit/537.36 (KHTML, like Gecko) Chrome/69.0.3497.81 Safari/537.36"));
+		return UserAgent;
+	}
 
 	static bool isUpload(const FhttpRequest& Record)
 	{
@@ -153,7 +157,7 @@ void UCorvaneBPLibrary::startRequest(FhttpRequest& InRequest)
 
 	const FHttpRequestPtr HttpRequest = FHttpModule::Get().CreateRequest();
 	HttpRequest->SetDelegateThreadPolicy(EHttpRequestDelegateThreadPolicy::CompleteOnHttpThread);
-	HttpRequest->SetHeader(TEXT("User-Agent"), CorvaneDispatcher::defaultUserAgent);
+	HttpRequest->SetHeader(TEXT("User-Agent"), CorvaneDispatcher::defaultUserAgent());
 	if (!fillRequest(InRequest, *HttpRequest) || !CorvaneDispatcher::isTakenByLayer(InRequest, *HttpRequest))
 	{
 		CorvaneRefusal::ofRun(InRequest);

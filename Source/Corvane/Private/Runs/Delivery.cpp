@@ -7,47 +7,45 @@
 
 namespace CorvaneDelivery
 {
-	/** @return the node that takes the result, now that nothing keeps the request's body in memory; null = the event tells. */
-	static UAsyncNodeCorv* receiver(
-		UCorvaneBPLibrary& Library, UAsyncNodeCorv* Node, const FHttpRequestPtr& Request, const FString& RequestID)
+	/** Less than this is freed faster than handed to another thread. */
+	constexpr int64 largeResult = 512 << 10;
+
+	/** @return the node that takes the result; null = the event tells. */
+	static UAsyncNodeCorv* receiver(UCorvaneBPLibrary& Library, UAsyncNodeCorv* Node, const FString& RequestID)
 	{
 		Library.forgetDeadNode(RequestID); // it was collected while it waited
-		if (!Node || Node->waitState == ECorvNodeWait::NotWaiting) // it gave up its ID meanwhile
-		{
-			return nullptr;
-		}
-		Library.releaseRunningRequest(RequestID, Request);
-		return Node;
+		return Node && Node->waitState != ECorvNodeWait::NotWaiting ? Node : nullptr; // it may have given up its ID meanwhile
 	}
 
-	static void complete(UAsyncNodeCorv& Node, const FCorvCompletion& Result)
+	/** The text is moved: a copy of one of some mebibytes takes a good part of a frame. */
+	static void complete(UAsyncNodeCorv& Node, FCorvCompletion& Result)
 	{
 		if (UAsyncNodeHttpDownloadUpload* DownloadUpload = Cast<UAsyncNodeHttpDownloadUpload>(&Node))
 		{
 			DownloadUpload->httpRequestDownloadUploadComplete(
-				Result.dataString, Result.dataArray, Result.header, Result.statusCode, Result.requestID);
+				MoveTemp(Result.dataString), Result.dataArray, Result.header, Result.statusCode, Result.requestID);
 		}
 		else
 		{
 			Node.httpRequestComplete(
-				Result.dataString, Result.dataArray, Result.header, Result.statusCode, Result.byteData, Result.requestID);
+				MoveTemp(Result.dataString), Result.dataArray, Result.header, Result.statusCode, Result.byteData, Result.requestID);
 		}
 	}
 
-	static void route(UCorvaneBPLibrary& Library, UAsyncNodeCorv* Node, const FHttpRequestPtr& Request, const FCorvCompletion& Result)
+	static void route(UCorvaneBPLibrary& Library, UAsyncNodeCorv* Node, FCorvCompletion& Result)
 	{
-		if (UAsyncNodeCorv* Receiver = receiver(Library, Node, Request, Result.requestID))
+		if (UAsyncNodeCorv* Receiver = receiver(Library, Node, Result.requestID))
 		{
 			complete(*Receiver, Result);
 			return;
 		}
 		Library.onhttpRequestCompleteDelegate.Broadcast(
-			Result.dataString, Result.dataArray, Result.header, Result.statusCode, Result.byteData, Result.requestID);
+			MoveTemp(Result.dataString), Result.dataArray, Result.header, Result.statusCode, Result.byteData, Result.requestID);
 	}
 
-	static void route(UCorvaneBPLibrary& Library, UAsyncNodeCorv* Node, const FHttpRequestPtr& Request, const FCorvFileInfoResult& Result)
+	static void route(UCorvaneBPLibrary& Library, UAsyncNodeCorv* Node, const FCorvFileInfoResult& Result)
 	{
-		if (UAsyncNodeCorv* Receiver = receiver(Library, Node, Request, Result.requestID))
+		if (UAsyncNodeCorv* Receiver = receiver(Library, Node, Result.requestID))
 		{
 			if (UAsyncNodeHttpGoogleFileInfoRequest* FileInfo = Cast<UAsyncNodeHttpGoogleFileInfoRequest>(Receiver))
 			{
@@ -56,35 +54,47 @@ namespace CorvaneDelivery
 			}
 			return; // a node of another class has no use for it
 		}
-		Library.releaseRunningRequest(Result.requestID, Request); // no listener of the library's own hears this event
 		Library.onhttpRequestCompleteGoogleInfoDelegate.Broadcast(
 			Result.fileName, Result.fileSizeInBytes, Result.statusCode, Result.downloadID, Result.requestID);
 	}
 
-	template <class ResultType>
-	static void post(UCorvaneBPLibrary* InLibrary, TWeakObjectPtr<UAsyncNodeCorv> Node, FHttpRequestPtr Request, ResultType Result)
+	static bool isLarge(const FCorvCompletion& Result)
 	{
+		constexpr int64 bytesInTextAndLines = 2 * sizeof(TCHAR);
+		return Result.byteData.Num() + Result.dataString.Len() * bytesInTextAndLines >= largeResult;
+	}
+	static bool isLarge(const FCorvFileInfoResult&)
+	{
+		return false;
+	}
+
+	template <class ResultType>
+	static void post(UCorvaneBPLibrary* InLibrary, TWeakObjectPtr<UAsyncNodeCorv> Node, ResultType Result)
+	{
+		const bool bIsLarge = isLarge(Result);
 		AsyncTask(ENamedThreads::GameThread,
-			[Library = TWeakObjectPtr<UCorvaneBPLibrary>(InLibrary), Node, Request, Result = MoveTemp(Result)]
+			[Library = TWeakObjectPtr<UCorvaneBPLibrary>(InLibrary), Node, bIsLarge, Result = MoveTemp(Result)]() mutable
 			{
 				if (UCorvaneBPLibrary* Alive = Library.Get())
 				{
-					route(*Alive, Node.Get(), Request, Result);
+					route(*Alive, Node.Get(), Result);
+				}
+				if (bIsLarge) // the system takes long to take so much memory back
+				{
+					AsyncTask(ENamedThreads::AnyBackgroundThreadNormalTask, [Told = MoveTemp(Result)] {});
 				}
 			});
 	}
 } // namespace CorvaneDelivery
 
-void CorvaneDelivery::completion(
-	UCorvaneBPLibrary* InLibrary, TWeakObjectPtr<UAsyncNodeCorv> Node, FHttpRequestPtr Request, FCorvCompletion Result)
+void CorvaneDelivery::completion(UCorvaneBPLibrary* InLibrary, TWeakObjectPtr<UAsyncNodeCorv> Node, FCorvCompletion Result)
 {
-	post(InLibrary, Node, MoveTemp(Request), MoveTemp(Result));
+	post(InLibrary, Node, MoveTemp(Result));
 }
 
-void CorvaneDelivery::fileInfo(
-	UCorvaneBPLibrary* InLibrary, TWeakObjectPtr<UAsyncNodeCorv> Node, FHttpRequestPtr Request, FCorvFileInfoResult Result)
+void CorvaneDelivery::fileInfo(UCorvaneBPLibrary* InLibrary, TWeakObjectPtr<UAsyncNodeCorv> Node, FCorvFileInfoResult Result)
 {
-	post(InLibrary, Node, MoveTemp(Request), MoveTemp(Result));
+	post(InLibrary, Node, MoveTemp(Result));
 }
 
 void CorvaneDelivery::progress(UCorvaneBPLibrary* InLibrary, TSharedPtr<FCorvProgressMail> Mail, FCorvProgressMail::FBroadcast Broadcast)

@@ -34,12 +34,11 @@ namespace CorvaneDelivery
 	/**
 	 * Hands a result to its node, if that still waits, or else broadcasts it.
 	 * @param node  that of the request from its beginning on, whatever node has the ID by now.
-	 * @param request  the engine request that ended, null when none was started.
 	 */
-	void completion(UCorvaneBPLibrary* library, TWeakObjectPtr<UAsyncNodeCorv> node, FHttpRequestPtr request, FCorvCompletion result);
+	void completion(UCorvaneBPLibrary* library, TWeakObjectPtr<UAsyncNodeCorv> node, FCorvCompletion result);
 
 	/** The same for the information about a Drive file; a node of another kind gets nothing. */
-	void fileInfo(UCorvaneBPLibrary* library, TWeakObjectPtr<UAsyncNodeCorv> node, FHttpRequestPtr request, FCorvFileInfoResult result);
+	void fileInfo(UCorvaneBPLibrary* library, TWeakObjectPtr<UAsyncNodeCorv> node, FCorvFileInfoResult result);
 
 	/** @param broadcast  raises the event; it replaces one of the same mail that still waits for the game thread. */
 	void progress(UCorvaneBPLibrary* library, TSharedPtr<FCorvProgressMail> mail, FCorvProgressMail::FBroadcast broadcast);

@@ -46,7 +46,7 @@ namespace CorvaneFollowUp
 		}
 		FCorvCompletion Result = CorvaneResult::noResponse();
 		Result.requestID = FollowUp.requestID;
-		CorvaneDelivery::completion(&Library, FollowUp.node, nullptr, MoveTemp(Result));
+		CorvaneDelivery::completion(&Library, FollowUp.node, MoveTemp(Result));
 	}
 
 	/** A copy of all fields, those that are new tomorrow as well. */

@@ -199,18 +199,24 @@ void FCorvRun::report(FCorvProgressMail::FBroadcast InBroadcast)
 	CorvaneDelivery::progress(corvaneBPLibrary, progressMail, MoveTemp(InBroadcast));
 }
 
+void FCorvRun::beginEnd(const FHttpRequestPtr& InRequest)
+{
+	corvaneBPLibrary->releaseRunningRequest(requestID, InRequest); // here, so that the game thread need not free it
+	completionPosted = true;
+}
+
 void FCorvRun::deliver(const FHttpRequestPtr& InRequest, FCorvCompletion InResult)
 {
 	InResult.requestID = requestID;
-	completionPosted = true;
-	CorvaneDelivery::completion(corvaneBPLibrary, node, InRequest, MoveTemp(InResult));
+	beginEnd(InRequest);
+	CorvaneDelivery::completion(corvaneBPLibrary, node, MoveTemp(InResult));
 }
 
 void FCorvRun::deliver(const FHttpRequestPtr& InRequest, FCorvFileInfoResult InResult)
 {
 	InResult.requestID = requestID;
-	completionPosted = true;
-	CorvaneDelivery::fileInfo(corvaneBPLibrary, node, InRequest, MoveTemp(InResult));
+	beginEnd(InRequest);
+	CorvaneDelivery::fileInfo(corvaneBPLibrary, node, MoveTemp(InResult));
 }
 
 void FCorvRun::follow(TUniqueFunction<TArray<FhttpRequest>()> InBuild, TUniqueFunction<void(UCorvaneBPLibrary&)> InAbandon)

@@ -82,7 +82,10 @@ public:
 
 	/** Raises a progress event, or replaces one of this run that still waits for the game thread. */
 	void report(FCorvProgressMail::FBroadcast broadcast);
-	/** Ends this run with a result, its ID added. */
+	/**
+	 * Ends this run with a result, its ID added.
+	 * @param request  that ended; nothing keeps its body in memory from here on. Null = none was started.
+	 */
 	void deliver(const FHttpRequestPtr& request, FCorvCompletion result);
 	void deliver(const FHttpRequestPtr& request, FCorvFileInfoResult result);
 	/**
@@ -97,6 +100,7 @@ public:
 
 private:
 	void reset();
+	void beginEnd(const FHttpRequestPtr& request);
 	/** @return whether the run before has not brought its result yet. */
 	bool isBusy();
 

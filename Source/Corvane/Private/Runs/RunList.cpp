@@ -55,8 +55,13 @@ FHttpRequestPtr FCorvRunList::request(int64 RunNumber)
 
 void FCorvRunList::end(int64 RunNumber)
 {
+	FRun Ended; // freed outside the lock: it may be the last to hold its request
 	FScopeLock Lock(&lock);
-	runs.Remove(RunNumber);
+	if (FRun* Run = runs.Find(RunNumber))
+	{
+		Ended = MoveTemp(*Run);
+		runs.Remove(RunNumber);
+	}
 	runEnded->Trigger();
 }
 

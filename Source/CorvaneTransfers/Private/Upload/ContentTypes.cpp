@@ -5,7 +5,6 @@
 
 FString CorvaneContentTypes::Of(const FString& Path)
 {
-	const TMap<FString, FString> Types = UCorvaneBPLibrary::getMimeTypeMap();
-	const FString* Known = Types.Find(FPaths::GetExtension(Path, false));
-	return Known ? *Known : FString(TEXT("application/octet-stream"));
+	UCorvaneBPLibrary* Library = UCorvaneBPLibrary::getCorvaneTarget(); // a copy of its table would take longer than all the rest
+	return Library ? Library->getMimeTypeInternal(FPaths::GetExtension(Path, false)) : FString(TEXT("application/octet-stream"));
 }
