@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that the build and the tests need and that are not there yet.
-# --test adds the servers of other makers that the tests upload to (those for Node go to build/servers), --check the packages of
+# Installs the Debian packages that the build needs and that are not there yet.
+# --test adds the servers of other makers that the tests speak to (those for Node go to build/servers), --check the packages of
 # the checks, --bench those of the peers in the benchmarks.
 set -euo pipefail
 
@@ -8,19 +8,19 @@ packages=(
 	g++ cmake ninja-build pkg-config git python3
 	libcurl4-openssl-dev libssl-dev libfmt-dev libcli11-dev nlohmann-json3-dev liblua5.4-dev libcpp-httplib-dev libmd4c-html0-dev libmd4c-dev
 	libhttp-parser-dev zlib1g-dev
-	libgtest-dev libgmock-dev nginx-light openssl ca-certificates python3
+	libgtest-dev libgmock-dev ca-certificates
 )
 servers=
 for option in "$@"; do
 	case "$option" in
 	--test)
 		servers=build/servers
-		packages+=(python3-werkzeug python3-aiohttp php-cli)
+		packages+=(nginx-light python3-werkzeug python3-aiohttp php-cli)
 		;;
 	--check)
 		packages+=(clang libclang-rt-dev llvm clang-format python3-clang g++-mingw-w64-x86-64-posix dpkg-dev file man-db groff-base debootstrap chromium)
 		;;
-	--bench) packages+=(curl wget aria2) ;;
+	--bench) packages+=(nginx-light curl wget aria2) ;;
 	*)
 		echo "usage: $0 [--test] [--check] [--bench]" >&2
 		exit 2

@@ -2,7 +2,7 @@
 
 namespace
 {
-	const char* const cases[] = {
+	const char* const conversionCases[] = {
 		"for _, flag in ipairs{ true, false } do same(echo{ flag = flag }.flag, flag) end",
 		"for _, n in ipairs{ 0, 255 } do same(echo{ small = n }.small, n) end",
 		"for _, n in ipairs{ -2147483648, 2147483647 } do same(echo{ number = n }.number, n) end",
@@ -66,5 +66,5 @@ TEST_F(Conversion, KeepsTheValueBothWays)
 		end
 		local echo = SampleLibrary.echo
 	)lua";
-	runEach(cases, start);
+	runEach(conversionCases, start);
 }

@@ -8,7 +8,7 @@ namespace
 		const char* message; // without the place "script:1: "
 	};
 
-	const Case cases[] = {
+	const Case errorCases[] = {
 		{"SampleLibrary.raise{ txt = 'x' }", "SampleLibrary.raise: unknown pin 'txt' (it has: text, later)"},
 		{"SampleLibrary.raise{ 'x' }", "SampleLibrary.raise: pins are given by name: { name = value }"},
 		{"SampleLibrary.raise('x')", "SampleLibrary.raise: takes one table of pins: { name = value }"},
@@ -67,7 +67,7 @@ namespace
 
 TEST_F(ErrorText, NamesFunctionPinAndExpectedType)
 {
-	for (const Case& each : cases)
+	for (const Case& each : errorCases)
 	{
 		EXPECT_EQ(runBad(each.script), std::string("script:1: ") + each.message);
 	}

@@ -4,7 +4,7 @@ using ::testing::HasSubstr;
 
 namespace
 {
-	const char* const cases[] = {
+	const char* const eventCases[] = {
 		R"lua( -- handlers receive parameters by name
 			local got
 			SampleLibrary.getTarget().ReturnValue.ONSAMPLE:Add(function(e) got = e end)
@@ -41,7 +41,7 @@ namespace
 
 TEST_F(Event, RunsHandlers)
 {
-	runEach(cases);
+	runEach(eventCases);
 }
 
 TEST_F(Event, RemoveAndClearLeaveOtherHandlers)

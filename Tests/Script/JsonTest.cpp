@@ -2,7 +2,7 @@
 
 namespace
 {
-	const char* const cases[] = {
+	const char* const jsonCases[] = {
 		R"lua( -- what goes in comes out
 			local text = [=[{"big":9223372036854775807,"deep":[[],{},[{"a":null}]],"flag":false,"least":-9223372036854775808,"ratio":2.0,]=] ..
 				[["text":"\u0001\"h\u00e9\ud83d\ude00"}]]
@@ -43,7 +43,7 @@ namespace
 
 TEST_F(JsonFunctions, KeepValues)
 {
-	runEach(cases);
+	runEach(jsonCases);
 }
 
 TEST_F(JsonFunctions, SayWhatIsWrongAndWhere)

@@ -3,7 +3,7 @@
 
 namespace
 {
-	const char* const cases[] = {
+	const char* const nodeCases[] = {
 		R"lua( -- one outcome is raised, with its pins
 			local log = ""
 			local function note(pin) return function(e) log = log .. pin .. e.statusCode .. e.requestID end end
@@ -37,7 +37,7 @@ namespace
 
 TEST_F(Node, RaisesItsOutcome)
 {
-	runEach(cases);
+	runEach(nodeCases);
 }
 
 TEST_F(Node, IsHeldUntilItEnds)

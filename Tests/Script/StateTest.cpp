@@ -2,7 +2,7 @@
 
 namespace
 {
-	const char* const cases[] = {
+	const char* const stateCases[] = {
 		R"lua( -- wait and tick let tasks run
 			local calls = 0
 			event:Add(function() calls = calls + 1 end)
@@ -63,7 +63,7 @@ namespace
 
 TEST_F(State, ScriptsWaitForTasks)
 {
-	runEach(cases);
+	runEach(stateCases);
 }
 
 TEST_F(State, WarnsOfWhatTheScriptHasForgotten)
