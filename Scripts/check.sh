@@ -37,12 +37,18 @@ large_files() {
 	cmake --preset default && cmake --build --preset default --target ServersTests && ctest --test-dir build/default -L '^large$' --output-on-failure
 }
 
+# The other builds glue sources together, where one may use what another one includes.
+each_source() {
+	cmake --preset debug && cmake --build --preset debug
+}
+
 check "layout" python3 Scripts/check_layout.py
 check "guides" python3 Scripts/check_guides.py
 check "graphs and pages" Scripts/check_graphs.sh
 check "plug-in files" python3 Scripts/check_plugin.py
 check "package" package
 check "installed command" Scripts/check_install.sh
+check "each source by itself" each_source
 check "engine fit" engine_fit
 check "large files" large_files
 check "picture of the dependencies" python3 Scripts/dependencies.py --check
