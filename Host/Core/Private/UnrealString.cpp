@@ -4,6 +4,7 @@
 #include "Host/LargePages.h"
 #include "Utf8Decoding.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace
@@ -75,10 +76,16 @@ bool operator==(const FString& Left, const TCHAR* Right)
 
 size_t GetTypeHash(const FString& Value)
 {
-	size_t Hash = 14695981039346656037ull; // FNV-1a over the lower-cased units
-	for (const TCHAR Unit : Value.Text)
+	// As FNV-1a, four units at a time. One bit is the same for a letter in either case; what else it makes equal does no harm.
+	constexpr size_t atATime = 4;
+	constexpr uint64 anyCase = 0x0020002000200020ull;
+	uint64 Hash = 14695981039346656037ull;
+	for (size_t At = 0; At < Value.Text.size(); At += atATime)
 	{
-		Hash = (Hash ^ toLowerAscii(Unit)) * 1099511628211ull;
+		uint64 Units = 0;
+		std::memcpy(&Units, &Value.Text[At], std::min(atATime, Value.Text.size() - At) * sizeof(TCHAR));
+		Hash = (Hash ^ (Units | anyCase)) * 1099511628211ull;
+		Hash ^= Hash >> 32;
 	}
 	return Hash;
 }
