@@ -50,8 +50,12 @@ namespace
 	{
 		FTicks& Ticks = theTicks();
 		const std::scoped_lock Lock(Ticks.Mutex);
-		const auto FirstDue =
-			std::stable_partition(Ticks.Elements.begin(), Ticks.Elements.end(), [Now](const auto& Element) { return Element->Due > Now; });
+		const auto isLater = [Now](const TSharedPtr<FTSTicker::FElement>& Element) { return Element->Due > Now; };
+		if (std::all_of(Ticks.Elements.begin(), Ticks.Elements.end(), isLater))
+		{
+			return {}; // as in most frames
+		}
+		const auto FirstDue = std::stable_partition(Ticks.Elements.begin(), Ticks.Elements.end(), isLater);
 		FElements Due(FirstDue, Ticks.Elements.end());
 		Ticks.Elements.erase(FirstDue, Ticks.Elements.end());
 		return Due;
