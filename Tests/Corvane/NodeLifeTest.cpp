@@ -114,7 +114,7 @@ INSTANTIATE_TEST_SUITE_P(Kinds, NodeLife, testing::Values("Get", "Download", "Go
 
 TEST_F(Nodes, LeaveNoBodyBehind)
 {
-	constexpr size_t bodySize = 4 << 20;
+	constexpr size_t bodySize = 2 << 20;
 	Lab::Origin server;
 	server.at("/", std::string(bodySize, 'x'));
 	const auto inUse = [] { return mallinfo2().uordblks + mallinfo2().hblkhd; };
