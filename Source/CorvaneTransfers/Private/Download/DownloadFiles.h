@@ -42,10 +42,10 @@ public:
 
 	/** Begins a try. */
 	void BeginAttempt();
-	/** Does something else when the steps before it are done. */
-	void Then(TUniqueFunction<void()> Step) { Strand->Add(MoveTemp(Step)); }
 	/** The same, and tells the last bytes on disk. @param Compare  how many of them. */
 	void BeginAttempt(int64 Compare, TUniqueFunction<void(TArray<uint8>&&, const FCorvaneFileResult&)> Tell);
+	/** Does something else when the steps before it are done. */
+	void Then(TUniqueFunction<void()> Step) { Strand->Add(MoveTemp(Step)); }
 	/** The bytes that follow are the file from its beginning. */
 	void StartOver(const FCorvaneSourceFacts& Source);
 	/** Takes bytes of the body. A disk that is slow makes the caller wait. @return false when they cannot be written. */

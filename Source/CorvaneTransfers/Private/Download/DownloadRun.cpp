@@ -155,7 +155,7 @@ void FCorvaneDownloadRun::Send(const FCorvaneDownloadQuestion& Question, TArray<
 	BeginProgress();
 }
 
-/** To make a request costs more than all else that a small file needs of the game thread. Thread: that of the files. */
+/** Makes the request, which would cost the game thread more than any other step of a small file. Thread: that of the files. */
 void FCorvaneDownloadRun::Launch(const FCorvaneDownloadQuestion& Question, const TSharedRef<FCorvaneDownloadReceiver>& Taker) const
 {
 	FCorvaneExchangeRequest Asked;
