@@ -294,7 +294,7 @@ TEST(DownloadMachine, ObeysInEveryState)
 		ended.Exchange.bAnswerIsWhole = true;
 		EXPECT_EQ(hand.machine.OnAttemptEnded(1, ended).Action, Action::Finish);
 	};
-	for (const Case& each : {Case{"new", [](ByHand&) {}, Action::None, Action::None}, {"opening", opening, Action::None, Action::None},
+	for (const Case& each : {Case{"new", [](ByHand&) {}, Action::None, Action::None}, {"opening", opening, Action::Stop, Action::None},
 			 {"asking", asking, Action::Stop, Action::None}, {"waiting", waiting, Action::Hold, Action::Close},
 			 {"finishing", finishing, Action::None, Action::StopFinishing}})
 	{
@@ -303,6 +303,15 @@ TEST(DownloadMachine, ObeysInEveryState)
 		each.go(hand);
 		EXPECT_EQ(hand.machine.Pause(2).Action, each.pause);
 		EXPECT_EQ(hand.machine.Cancel(3).Action, each.cancel);
+	}
+	for (const bool asked : {false, true}) // a new part file's first try may have begun before its stop
+	{
+		ByHand hand;
+		EXPECT_TRUE(hand.machine.Start(0, FString()).bAskIfNew);
+		EXPECT_EQ(hand.machine.Cancel(1).Action, Action::Stop);
+		const auto cancelled = asked ? hand.end(2, 0, "", ECorvaneExchangeEnd::Cancelled) : hand.machine.OnOpened(2, {});
+		EXPECT_EQ(cancelled.Action, Action::Discard);
+		EXPECT_EQ(hand.machine.GetReport().Attempts, asked ? 1 : 0);
 	}
 	for (const Outcome late : {Outcome::Cancelled, Outcome::Succeeded}) // the whole file was being read, or was in its place already
 	{

@@ -199,7 +199,7 @@ FCorvaneDownloadStep ModelRun::follow(const FCorvaneDownloadStep& step)
 	case ECorvaneDownloadAction::Look:
 		return Machine.OnLooked(Now, Disk.hasTarget, FDateTime(year2000));
 	case ECorvaneDownloadAction::Open:
-		return open();
+		return open(step);
 	case ECorvaneDownloadAction::Ask:
 		return exchange(step.Question);
 	case ECorvaneDownloadAction::Wait:
@@ -217,8 +217,12 @@ FCorvaneDownloadStep ModelRun::follow(const FCorvaneDownloadStep& step)
 	}
 }
 
-FCorvaneDownloadStep ModelRun::open()
+FCorvaneDownloadStep ModelRun::open(const FCorvaneDownloadStep& step)
 {
+	if (step.bAskIfNew && Disk.part.empty() && Chances.chance(0.8))
+	{
+		return exchange(step.Question);
+	}
 	FCorvaneDownloadOpened opened;
 	opened.Length = static_cast<int64>(Disk.part.size());
 	opened.Version = FCorvaneVersion::FromDisk(Disk.version.ETag, Disk.version.DateForDisk());

@@ -98,7 +98,7 @@ public:
 
 private:
 	FCorvaneDownloadStep follow(const FCorvaneDownloadStep& step);
-	FCorvaneDownloadStep open();
+	FCorvaneDownloadStep open(const FCorvaneDownloadStep& step);
 	FCorvaneDownloadStep exchange(const FCorvaneDownloadQuestion& question);
 	void take(const FCorvaneDownloadQuestion& question, const std::string& body, FCorvaneAttemptEnd& end);
 	FCorvaneDownloadStep interrupt();

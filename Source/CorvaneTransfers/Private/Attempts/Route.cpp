@@ -23,6 +23,12 @@ void FCorvaneRoute::Cancel()
 	}
 }
 
+bool FCorvaneRoute::IsCancelled() const
+{
+	const FScopeLock Lock(&Guard);
+	return bCancelled;
+}
+
 bool FCorvaneRoute::Send(const FCorvaneExchangeRequest& Asked, const TSharedRef<FCorvaneExchangeReceiver>& Receiver)
 {
 	const FScopeLock Lock(&Guard);

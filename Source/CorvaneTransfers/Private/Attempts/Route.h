@@ -23,13 +23,15 @@ public:
 	virtual void Start(const FCorvaneExchangeRequest& Asked, const TSharedRef<FCorvaneExchangeReceiver>& Receiver) = 0;
 	/** Ends the try that runs, or that was prepared, soon, through OnEnd. Harmless when there is none. Thread: any. */
 	void Cancel();
+	/** @return whether the try that was prepared last was cancelled. Thread: any. */
+	bool IsCancelled() const;
 
 protected:
 	/** Starts the next exchange of the try. @return false when the try was cancelled: then nothing is sent. */
 	bool Send(const FCorvaneExchangeRequest& Asked, const TSharedRef<FCorvaneExchangeReceiver>& Receiver);
 
 private:
-	FCriticalSection Guard; // a cancel comes before the next exchange or finds it
+	mutable FCriticalSection Guard; // a cancel comes before the next exchange or finds it
 	TSharedPtr<FCorvaneExchange> Exchange CORVANE_GUARDED_BY(Guard); // of the try, the last
 	bool bCancelled CORVANE_GUARDED_BY(Guard) = false;
 };

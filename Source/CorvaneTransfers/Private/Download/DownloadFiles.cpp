@@ -57,18 +57,12 @@ void FCorvaneDownloadFiles::Discard(TUniqueFunction<void()> Tell)
 
 void FCorvaneDownloadFiles::BeginAttempt()
 {
-	Brought = 0;
-	Do(
-		[](FCorvaneDownloadFiles& Self)
-		{
-			Self.Attempt = FCorvaneAttemptFiles();
-			Self.Buffer.Reopen();
-		});
+	Attempt = FCorvaneAttemptFiles();
+	Buffer.Reopen();
 }
 
-void FCorvaneDownloadFiles::BeginAttempt(int64 Compare, TUniqueFunction<void(TArray<uint8>&&, const FCorvaneFileResult&)> Tell)
+void FCorvaneDownloadFiles::ReadTail(int64 Compare, TUniqueFunction<void(TArray<uint8>&&, const FCorvaneFileResult&)> Tell)
 {
-	BeginAttempt();
 	Do(
 		[Compare, Tell = MoveTemp(Tell)](FCorvaneDownloadFiles& Self)
 		{
@@ -90,7 +84,6 @@ bool FCorvaneDownloadFiles::Put(const uint8* Bytes, int64 Number)
 	{
 		return false;
 	}
-	Brought += Number;
 	if (bFirst)
 	{
 		Do([](FCorvaneDownloadFiles& Self) { Self.WriteWaiting(); });

@@ -8,8 +8,6 @@
 #include "Threads/ByteBuffer.h"
 #include "Threads/Strand.h"
 
-#include <atomic>
-
 /** What one try has done to the part file. */
 struct FCorvaneAttemptFiles
 {
@@ -40,12 +38,12 @@ public:
 	void Close(TUniqueFunction<void()> Tell);
 	void Discard(TUniqueFunction<void()> Tell);
 
-	/** Begins a try. */
-	void BeginAttempt();
-	/** The same, and tells the last bytes on disk. @param Compare  how many of them. */
-	void BeginAttempt(int64 Compare, TUniqueFunction<void(TArray<uint8>&&, const FCorvaneFileResult&)> Tell);
+	/** Tells the last bytes on disk. @param Compare  how many of them. */
+	void ReadTail(int64 Compare, TUniqueFunction<void(TArray<uint8>&&, const FCorvaneFileResult&)> Tell);
 	/** Does something else when the steps before it are done. */
 	void Then(TUniqueFunction<void()> Step) { Strand->Add(MoveTemp(Step)); }
+	/** Begins a try. Thread: that of the steps. */
+	void BeginAttempt();
 	/** The bytes that follow are the file from its beginning. */
 	void StartOver(const FCorvaneSourceFacts& Source);
 	/** Takes bytes of the body. A disk that is slow makes the caller wait. @return false when they cannot be written. */
@@ -58,9 +56,6 @@ public:
 
 	/** Whoever brings bytes waits for the disk no longer; bytes that have not reached it are lost. */
 	void Abandon() { Buffer.Close(); }
-
-	/** @return bytes that the running try has brought, on disk or on their way there. */
-	int64 BytesOfAttempt() const { return Brought; }
 
 private:
 	/**
@@ -79,7 +74,6 @@ private:
 	const TSharedRef<FCorvaneStrand> Strand = MakeShared<FCorvaneStrand>();
 	TUniqueFunction<void()> TellFailure;
 	FCorvaneByteBuffer Buffer;
-	std::atomic<int64> Brought{0};
 
 	// On the strand:
 	FCorvanePartFile Part;

@@ -44,8 +44,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::Start(double Now, const FString& F
 	{
 		return Fail(Now, ECorvaneTransferOutcome::Refused, Fault);
 	}
-	return Options.IfTargetExists == ECorvaneIfTargetExists::Replace ? Do(EPhase::Opening, Now, ECorvaneDownloadAction::Open)
-																	 : Do(EPhase::Looking, Now, ECorvaneDownloadAction::Look);
+	return Options.IfTargetExists == ECorvaneIfTargetExists::Replace ? Open(Now) : Do(EPhase::Looking, Now, ECorvaneDownloadAction::Look);
 }
 
 FCorvaneDownloadStep FCorvaneDownloadMachine::OnLooked(double Now, bool bTargetExists, const FDateTime& TargetTime)
@@ -70,7 +69,17 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::OnLooked(double Now, bool bTargetE
 	{
 		IfNewerThan = TargetTime;
 	}
-	return Do(EPhase::Opening, Now, ECorvaneDownloadAction::Open);
+	return Open(Now);
+}
+
+/** Most part files are new: their first try need not come back here, and wait for a frame, between the file and the request. */
+FCorvaneDownloadStep FCorvaneDownloadMachine::Open(double Now)
+{
+	FCorvaneDownloadStep Step = Do(EPhase::Opening, Now, ECorvaneDownloadAction::Open);
+	Step.bAskIfNew = !bWantsPause;
+	Step.Question = Question = MakeQuestion();
+	Report.Attempts = Step.bAskIfNew ? 1 : 0;
+	return Step;
 }
 
 FCorvaneDownloadStep FCorvaneDownloadMachine::OnOpened(double Now, const FCorvaneDownloadOpened& Opened)
@@ -79,6 +88,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::OnOpened(double Now, const FCorvan
 	{
 		return {};
 	}
+	Report.Attempts = 0;
 	if (Opened.Failure != ECorvaneTransferOutcome::Running)
 	{
 		return Fail(Now, Opened.Failure, Opened.Sentence);
@@ -251,9 +261,9 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::Pause(double Now)
 	switch (Phase)
 	{
 	case EPhase::Looking:
-	case EPhase::Opening:
 		bWantsPause = true;
 		return {};
+	case EPhase::Opening:
 	case EPhase::Asking:
 		bWantsPause = true;
 		return StopAsking();
@@ -279,7 +289,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::EndWith(double Now, ECorvaneTransf
 		return {};
 	}
 	WantedEnd = Outcome;
-	if (Phase == EPhase::Asking)
+	if (Phase == EPhase::Opening || Phase == EPhase::Asking)
 	{
 		return StopAsking();
 	}

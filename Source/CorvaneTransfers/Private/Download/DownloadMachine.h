@@ -15,7 +15,7 @@ enum class ECorvaneDownloadAction : uint8
 	None,
 	/** Look whether the target exists: OnLooked. */
 	Look,
-	/** Open the part file and lock the target: OnOpened. */
+	/** Open the part file and lock the target: OnOpened. With bAskIfNew, and nothing on disk, it may go on with an exchange at once. */
 	Open,
 	/** Start an exchange with Question: OnAttemptEnded, after the last byte of it is in the file. */
 	Ask,
@@ -41,6 +41,8 @@ struct FCorvaneDownloadStep
 {
 	ECorvaneDownloadAction Action = ECorvaneDownloadAction::None;
 	FCorvaneDownloadQuestion Question;
+	/** Of Open: if there is nothing on disk, Question is what Ask would bring; OnAttemptEnded then stands for OnOpened, too. */
+	bool bAskIfNew = false;
 	double WaitSeconds = 0;
 };
 
@@ -149,6 +151,7 @@ private:
 
 	void MoveTo(EPhase Next, double Now);
 	FCorvaneDownloadStep Do(EPhase Next, double Now, ECorvaneDownloadAction Action);
+	FCorvaneDownloadStep Open(double Now);
 	FCorvaneDownloadStep StopAsking();
 	FCorvaneDownloadStep EndWith(double Now, ECorvaneTransferOutcome Outcome);
 	FCorvaneDownloadStep EndAsWanted(double Now);

@@ -67,6 +67,7 @@ bool FCorvaneDownloadReceiver::TakeBody(const uint8* Bytes, int64 Number)
 	{
 		return false;
 	}
+	Brought += Number - Compared;
 	KeepPace(Number);
 	return true;
 }

@@ -39,6 +39,8 @@ public:
 
 	/** @return bytes of the whole file, as the answer told; -1 = not yet, or unknown. Thread: any. */
 	int64 ToldTotal() const { return Total; }
+	/** @return bytes for the file that came so far, on disk or on their way there. Thread: any. */
+	int64 BroughtBytes() const { return Brought; }
 
 private:
 	bool TakeBody(const uint8* Bytes, int64 Number);
@@ -55,4 +57,5 @@ private:
 	int64 Seen = 0;
 	double BodyBegan = 0;
 	std::atomic<int64> Total{-1};
+	std::atomic<int64> Brought{0};
 };

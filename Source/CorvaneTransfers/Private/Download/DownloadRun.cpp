@@ -63,7 +63,7 @@ void FCorvaneDownloadRun::Follow(const FCorvaneDownloadStep& Step)
 	case ECorvaneDownloadAction::Look:
 		return Look();
 	case ECorvaneDownloadAction::Open:
-		return Open();
+		return Open(Step);
 	case ECorvaneDownloadAction::Ask:
 		return Ask(Step.Question);
 	case ECorvaneDownloadAction::Stop:
@@ -97,31 +97,46 @@ void FCorvaneDownloadRun::Look()
 		{ Self->Post([bExists, Time](FCorvaneDownloadRun& Run) { Run.Follow(Run.Machine.OnLooked(Now(), bExists, Time)); }); });
 }
 
-void FCorvaneDownloadRun::Open()
+void FCorvaneDownloadRun::Open(const FCorvaneDownloadStep& Step)
 {
+	TSharedPtr<FCorvaneDownloadReceiver> First;
+	if (Step.bAskIfNew && Turn.TakeIfUnlimited())
+	{
+		Route->Prepare();
+		First = MakeReceiver(Step.Question, {});
+	}
 	Files->Open(Target, Machine.GetReport().AskedAddress, Options.bResume, Hash.Kind,
-		[Self = AsShared()](const FCorvaneOpenedPart& Part)
+		[Self = AsShared(), Question = FCorvaneDownloadQuestion(Step.Question), First = MoveTemp(First)](const FCorvaneOpenedPart& Part)
 		{
-			Self->Post([Opened = CorvaneDownloadRun::Translate(Part)](FCorvaneDownloadRun& Run)
-				{ Run.Follow(Run.Machine.OnOpened(Now(), Opened)); });
+			if (First.IsValid() && Part.IsNew() && !Self->Route->IsCancelled())
+			{
+				return Self->Launch(Question, First.ToSharedRef());
+			}
+			Self->Post([Opened = CorvaneDownloadRun::Translate(Part)](FCorvaneDownloadRun& Run) { Run.OnOpened(Opened); });
 		});
+}
+
+void FCorvaneDownloadRun::OnOpened(const FCorvaneDownloadOpened& Opened)
+{
+	Receiver.Reset(); // of a try that did not begin
+	Turn.Settle();
+	Follow(Machine.OnOpened(Now(), Opened));
 }
 
 void FCorvaneDownloadRun::Ask(const FCorvaneDownloadQuestion& Question)
 {
-	bStopWanted = false;
+	Route->Prepare();
 	const int64 MostBytes = FMath::Max<int64>(Question.Until - Question.OnDisk, 0);
-	Turn.Ask(MostBytes, [Self = AsShared(), Question] { Self->BeginTry(Question); });
+	Turn.Ask(MostBytes, [Self = AsShared(), Question] { Self->CompareAndSend(Question); });
 }
 
-void FCorvaneDownloadRun::BeginTry(const FCorvaneDownloadQuestion& Question)
+void FCorvaneDownloadRun::CompareAndSend(const FCorvaneDownloadQuestion& Question)
 {
 	if (Question.Compare == 0)
 	{
-		Files->BeginAttempt();
 		return Send(Question, {}, {});
 	}
-	Files->BeginAttempt(Question.Compare,
+	Files->ReadTail(Question.Compare,
 		[Self = AsShared(), Question](TArray<uint8>&& Tail, const FCorvaneFileResult& TailRead)
 		{
 			Self->Post([Question, Tail = MoveTemp(Tail), TailRead](FCorvaneDownloadRun& Run) mutable
@@ -129,10 +144,10 @@ void FCorvaneDownloadRun::BeginTry(const FCorvaneDownloadQuestion& Question)
 		});
 }
 
-/** A try that was stopped, or cannot be, before it was sent ends like one that was cancelled. */
+/** A try that cannot be ends like one that was cancelled. */
 void FCorvaneDownloadRun::Send(const FCorvaneDownloadQuestion& Question, TArray<uint8>&& Tail, const FCorvaneFileResult& TailRead)
 {
-	if (bStopWanted || !TailRead.IsOk())
+	if (!TailRead.IsOk())
 	{
 		FCorvaneAttemptEnd End;
 		End.Length = Question.OnDisk;
@@ -140,6 +155,13 @@ void FCorvaneDownloadRun::Send(const FCorvaneDownloadQuestion& Question, TArray<
 		End.FileSentence = TailRead.Sentence;
 		return OnSent(MoveTemp(End));
 	}
+	Files->Then([Self = AsShared(), Question = FCorvaneDownloadQuestion(Question), Taker = MakeReceiver(Question, MoveTemp(Tail))]
+		{ Self->Launch(Question, Taker); });
+}
+
+/** @return what takes the answer of the try that begins. */
+TSharedRef<FCorvaneDownloadReceiver> FCorvaneDownloadRun::MakeReceiver(const FCorvaneDownloadQuestion& Question, TArray<uint8>&& Tail)
+{
 	FCorvaneDownloadReceiver::FPlan Plan;
 	Plan.Question = Question;
 	Plan.Address = Machine.GetReport().AskedAddress;
@@ -150,9 +172,8 @@ void FCorvaneDownloadRun::Send(const FCorvaneDownloadQuestion& Question, TArray<
 		[Self = AsShared()](const FCorvaneAttemptEnd& End)
 		{ Self->Post([Own = FCorvaneAttemptEnd(End)](FCorvaneDownloadRun& Run) mutable { Run.OnSent(MoveTemp(Own)); }); });
 	Receiver = Taker;
-	Route->Prepare();
-	Files->Then([Self = AsShared(), Question = FCorvaneDownloadQuestion(Question), Taker] { Self->Launch(Question, Taker); });
 	BeginProgress();
+	return Taker;
 }
 
 /** Makes the request, which would cost the game thread more than any other step of a small file. Thread: that of the files. */
@@ -162,6 +183,7 @@ void FCorvaneDownloadRun::Launch(const FCorvaneDownloadQuestion& Question, const
 	Asked.URL = URL;
 	Asked.Headers = CorvaneDownload::MakeHeaders(Question, Options);
 	Asked.SilenceSeconds = static_cast<float>(Options.SilenceSeconds);
+	Files->BeginAttempt();
 	Route->Start(Asked, Taker);
 }
 
@@ -177,9 +199,8 @@ void FCorvaneDownloadRun::OnSent(FCorvaneAttemptEnd&& End)
 
 void FCorvaneDownloadRun::Stop()
 {
-	bStopWanted = true;
-	Turn.Withdraw();
 	Route->Cancel();
+	Turn.Withdraw();
 }
 
 void FCorvaneDownloadRun::Finish()
@@ -209,7 +230,7 @@ FCorvaneTransferReport FCorvaneDownloadRun::GetReport() const
 
 int64 FCorvaneDownloadRun::BytesOfTry() const
 {
-	return Receiver.IsValid() ? Files->BytesOfAttempt() : 0;
+	return Receiver.IsValid() ? Receiver->BroughtBytes() : 0;
 }
 
 void FCorvaneDownloadRun::LogEnd(const FCorvaneTransferReport& Report) const

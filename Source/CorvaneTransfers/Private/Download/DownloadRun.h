@@ -39,10 +39,12 @@ private:
 
 	void Follow(const FCorvaneDownloadStep& Step);
 	void Look();
-	void Open();
+	void Open(const FCorvaneDownloadStep& Step);
+	void OnOpened(const FCorvaneDownloadOpened& Opened);
 	void Ask(const FCorvaneDownloadQuestion& Question);
-	void BeginTry(const FCorvaneDownloadQuestion& Question);
+	void CompareAndSend(const FCorvaneDownloadQuestion& Question);
 	void Send(const FCorvaneDownloadQuestion& Question, TArray<uint8>&& Tail, const FCorvaneFileResult& TailRead);
+	TSharedRef<FCorvaneDownloadReceiver> MakeReceiver(const FCorvaneDownloadQuestion& Question, TArray<uint8>&& Tail);
 	void Launch(const FCorvaneDownloadQuestion& Question, const TSharedRef<FCorvaneDownloadReceiver>& Taker) const;
 	void Stop();
 	void Finish();
@@ -57,6 +59,5 @@ private:
 
 	const TSharedRef<FCorvaneDownloadFiles> Files = MakeShared<FCorvaneDownloadFiles>();
 	const TSharedRef<FCorvaneRoute> Route;
-	TSharedPtr<FCorvaneDownloadReceiver> Receiver; // of the try that runs
-	bool bStopWanted = false; // before there was a try to stop
+	TSharedPtr<FCorvaneDownloadReceiver> Receiver; // of the try that runs, or begins if the part file is new
 };

@@ -19,10 +19,11 @@ namespace CorvaneDownloadTries
 
 FCorvaneDownloadStep FCorvaneDownloadMachine::OnAttemptEnded(double Now, const FCorvaneAttemptEnd& End)
 {
-	if (Phase != EPhase::Asking)
+	if (Phase != EPhase::Opening && Phase != EPhase::Asking)
 	{
 		return {};
 	}
+	bOpen = true;
 	Count(End);
 	if (WantedEnd != ECorvaneTransferOutcome::Running)
 	{

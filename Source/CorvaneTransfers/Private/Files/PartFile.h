@@ -26,6 +26,9 @@ struct FCorvaneOpenedPart
 	bool bWholeAlready = false;
 	/** Why bytes on disk are of no use; empty when there are none, or they are. */
 	FString WhyFromStart;
+
+	/** @return whether it is open, and begins with its first byte. */
+	bool IsNew() const { return Result.IsOk() && Length == 0 && !bWholeAlready; }
 };
 
 /** What is wanted when all bytes are there. */

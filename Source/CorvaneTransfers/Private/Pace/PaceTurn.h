@@ -14,6 +14,8 @@ public:
 	/** @return bytes that the next part should have at most; 0 = any number. */
 	int64 PartBytes() const;
 
+	/** Takes the turn at once if there is no limit. @return whether it did. */
+	bool TakeIfUnlimited();
 	/**
 	 * Waits for the turn of a part.
 	 * @param MostBytes  that it may have.
@@ -29,6 +31,8 @@ public:
 	const TSharedPtr<FCorvanePaceShare>& GetShare() const { return Moving; }
 
 private:
+	void Take(const TSharedRef<FCorvanePaceShare>& Given);
+
 	TSharedPtr<FCorvaneSharedPace> Pace;
 	TSharedPtr<FCorvanePaceShare> Moving;
 	int64 Number = 0; // with which it waits

@@ -20,6 +20,15 @@ int64 FCorvaneSharedPace::PartBytes(double SecondsOfLast) const
 	return Ledger.PartBytes(SecondsOfLast);
 }
 
+TSharedPtr<FCorvanePaceShare> FCorvaneSharedPace::BookIfUnlimited()
+{
+	if (PartBytes(0) > 0)
+	{
+		return nullptr;
+	}
+	return Book(0);
+}
+
 int64 FCorvaneSharedPace::Ask(int64 MostBytes, FGo Go)
 {
 	FWaiting Asked;

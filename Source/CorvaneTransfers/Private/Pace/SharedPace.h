@@ -28,6 +28,9 @@ public:
 	 */
 	int64 PartBytes(double SecondsOfLast) const;
 
+	/** @return leave to move any number of bytes; null = there is a limit, so Ask. */
+	TSharedPtr<FCorvanePaceShare> BookIfUnlimited();
+
 	/**
 	 * Asks for leave to move a part.
 	 * @param MostBytes  that it may have.
