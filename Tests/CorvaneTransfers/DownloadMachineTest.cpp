@@ -294,8 +294,8 @@ TEST(DownloadMachine, ObeysInEveryState)
 		ended.Exchange.bAnswerIsWhole = true;
 		EXPECT_EQ(hand.machine.OnAttemptEnded(1, ended).Action, Action::Finish);
 	};
-	for (const Case& each : {Case{"new", [](ByHand&) {}, Action::None, Action::None}, {"opening", opening, Action::Stop, Action::None},
-			 {"asking", asking, Action::Stop, Action::None}, {"waiting", waiting, Action::Hold, Action::Close},
+	for (const Case& each : {Case{"new", [](ByHand&) {}, Action::None, Action::None}, {"opening", opening, Action::Stop, Action::Stop},
+			 {"asking", asking, Action::Stop, Action::Stop}, {"waiting", waiting, Action::Hold, Action::Close},
 			 {"finishing", finishing, Action::None, Action::StopFinishing}})
 	{
 		SCOPED_TRACE(each.state);

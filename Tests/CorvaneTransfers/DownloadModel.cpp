@@ -208,7 +208,8 @@ FCorvaneDownloadStep ModelRun::follow(const FCorvaneDownloadStep& step)
 		Now += 3600;
 		return Chances.chance(cancels) ? Machine.Cancel(Now) : Machine.Continue(Now);
 	case ECorvaneDownloadAction::Finish:
-		return finish();
+		replaceTarget();
+		return Machine.OnFinished(Now, {});
 	case ECorvaneDownloadAction::Discard:
 		Disk.part.clear();
 		return Machine.OnClosed(Now);
@@ -289,6 +290,12 @@ FCorvaneDownloadStep ModelRun::exchange(const FCorvaneDownloadQuestion& question
 		take(question, answer.body, end);
 	}
 	end.Length = static_cast<int64>(Disk.part.size());
+	const FCorvaneDownloadJudgement judged = CorvaneDownload::JudgeAnswer(question, end.Exchange.Answer);
+	end.bFinished = CorvaneDownload::BringsWholeFile(question, judged, end) && Chances.chance(0.8);
+	if (end.bFinished)
+	{
+		replaceTarget();
+	}
 	return Machine.OnAttemptEnded(Now, end);
 }
 
@@ -331,9 +338,8 @@ void ModelRun::take(const FCorvaneDownloadQuestion& question, const std::string&
 	end.Written = static_cast<int64>(bytes.size());
 }
 
-FCorvaneDownloadStep ModelRun::finish()
+void ModelRun::replaceTarget()
 {
 	Disk.target = std::exchange(Disk.part, "");
 	Disk.hasTarget = true;
-	return Machine.OnFinished(Now, {});
 }

@@ -103,7 +103,7 @@ private:
 	void take(const FCorvaneDownloadQuestion& question, const std::string& body, FCorvaneAttemptEnd& end);
 	FCorvaneDownloadStep interrupt();
 	FCorvaneDownloadStep wait(double seconds);
-	FCorvaneDownloadStep finish();
+	void replaceTarget();
 
 	ModelServer& Server;
 	ModelDisk& Disk;

@@ -27,12 +27,13 @@ void FCorvaneDownloadFiles::Secure()
 
 void FCorvaneDownloadFiles::Finish(const FCorvaneFinishWish& Wish, TUniqueFunction<void(const FCorvaneFinished&)> Tell)
 {
-	Do(
-		[Wish = FCorvaneFinishWish(Wish), Tell = MoveTemp(Tell)](FCorvaneDownloadFiles& Self)
-		{
-			Self.GiveMemoryBack();
-			Tell(Self.Part.Finish(Wish));
-		});
+	Do([Wish = FCorvaneFinishWish(Wish), Tell = MoveTemp(Tell)](FCorvaneDownloadFiles& Self) { Tell(Self.FinishNow(Wish)); });
+}
+
+FCorvaneFinished FCorvaneDownloadFiles::FinishNow(const FCorvaneFinishWish& Wish)
+{
+	GiveMemoryBack();
+	return Part.Finish(Wish);
 }
 
 void FCorvaneDownloadFiles::Close(TUniqueFunction<void()> Tell)

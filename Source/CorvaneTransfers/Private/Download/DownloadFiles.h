@@ -35,6 +35,8 @@ public:
 	/** Vouches for what is there. */
 	void Secure();
 	void Finish(const FCorvaneFinishWish& Wish, TUniqueFunction<void(const FCorvaneFinished&)> Tell);
+	/** The same inside this call. Thread: that of the steps. */
+	FCorvaneFinished FinishNow(const FCorvaneFinishWish& Wish);
 	void Close(TUniqueFunction<void()> Tell);
 	void Discard(TUniqueFunction<void()> Tell);
 

@@ -53,7 +53,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::OnLooked(double Now, bool bTargetE
 	{
 		return {};
 	}
-	if (WantedEnd != ECorvaneTransferOutcome::Running)
+	if (IsToEnd())
 	{
 		return EndAsWanted(Now);
 	}
@@ -101,7 +101,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::OnOpened(double Now, const FCorvan
 	{
 		return Finish(Now); // an earlier run got so far; its journal, and the hash, are still to be dealt with
 	}
-	if (WantedEnd != ECorvaneTransferOutcome::Running)
+	if (IsToEnd())
 	{
 		return EndAsWanted(Now);
 	}
@@ -251,7 +251,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::Tell(double Now)
 FCorvaneDownloadStep FCorvaneDownloadMachine::StopAsking()
 {
 	FCorvaneDownloadStep Step;
-	Step.Action = bStopping ? ECorvaneDownloadAction::None : ECorvaneDownloadAction::Stop;
+	Step.Action = ECorvaneDownloadAction::Stop;
 	bStopping = true;
 	return Step;
 }
@@ -284,7 +284,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::Continue(double Now)
 FCorvaneDownloadStep FCorvaneDownloadMachine::EndWith(double Now, ECorvaneTransferOutcome Outcome)
 {
 	const bool bTooLate = Phase == EPhase::New || Phase == EPhase::Closing || Phase == EPhase::Over;
-	if (bTooLate || WantedEnd != ECorvaneTransferOutcome::Running)
+	if (bTooLate || IsToEnd())
 	{
 		return {};
 	}

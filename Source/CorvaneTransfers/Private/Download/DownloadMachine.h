@@ -19,7 +19,7 @@ enum class ECorvaneDownloadAction : uint8
 	Open,
 	/** Start an exchange with Question: OnAttemptEnded, after the last byte of it is in the file. */
 	Ask,
-	/** Cancel the exchange that runs; it ends through OnAttemptEnded. */
+	/** Cancel the exchange that runs, if it runs; it ends through OnAttemptEnded. May come twice. */
 	Stop,
 	/** Wait for WaitSeconds: OnWaitOver. Other calls may end the wait earlier. */
 	Wait,
@@ -61,6 +61,15 @@ struct FCorvaneDownloadOpened
 	bool bWholeAlready = false;
 };
 
+/** What came of putting the file in its place. */
+struct FCorvaneDownloadFinished
+{
+	/** Succeeded, or why not. WrongHash means that the bytes are of no use, Cancelled that StopFinishing came in time. */
+	ECorvaneTransferOutcome Outcome = ECorvaneTransferOutcome::Succeeded;
+	FString Sentence;
+	FString Hash;
+};
+
 /** What came of one exchange, all of whose bytes are in the file. */
 struct FCorvaneAttemptEnd
 {
@@ -81,16 +90,16 @@ struct FCorvaneAttemptEnd
 	/** From 0 up to, but without, 1. */
 	double Random = 0;
 	FDateTime NowUtc = FDateTime::MinValue();
+	/** The driver has put the file in its place already, as it may when CorvaneDownload::BringsWholeFile. */
+	bool bFinished = false;
+	FCorvaneDownloadFinished Finished;
 };
 
-/** What came of putting the file in its place. */
-struct FCorvaneDownloadFinished
+namespace CorvaneDownload
 {
-	/** Succeeded, or why not. WrongHash means that the bytes are of no use, Cancelled that StopFinishing came in time. */
-	ECorvaneTransferOutcome Outcome = ECorvaneTransferOutcome::Succeeded;
-	FString Sentence;
-	FString Hash;
-};
+	/** @return whether the try has brought the last byte of the file, and nothing speaks against it but maybe its hash. Thread: any. */
+	bool BringsWholeFile(const FCorvaneDownloadQuestion& Question, const FCorvaneDownloadJudgement& Judged, const FCorvaneAttemptEnd& End);
+} // namespace CorvaneDownload
 
 /**
  * One download to a file, as a machine of values: it sees no file, no thread and no clock. It is told what happened and says
@@ -126,6 +135,8 @@ public:
 
 	bool IsPaused() const { return Phase == EPhase::Paused; }
 	bool IsOver() const { return Phase == EPhase::Over; }
+	/** Whether it was cancelled, or the program ends. */
+	bool IsToEnd() const { return WantedEnd != ECorvaneTransferOutcome::Running; }
 	const FString& GetTarget() const { return Target; }
 	const FCorvaneDownloadOptions& GetOptions() const { return Options; }
 	/** Of what is on disk. */
@@ -170,10 +181,10 @@ private:
 	void Count(const FCorvaneAttemptEnd& End);
 	void NoteRestart(const FString& Reason);
 	void TakeOver(const FCorvaneAttemptEnd& End, const FCorvaneDownloadJudgement& Judged);
+	FCorvaneDownloadStep FollowFinished(double Now, const FCorvaneAttemptEnd& End);
 	FCorvaneDownloadStep FollowAnswer(double Now, const FCorvaneAttemptEnd& End);
 	FCorvaneDownloadStep FollowBody(double Now, const FCorvaneAttemptEnd& End, const FCorvaneDownloadJudgement& Judged);
 	FCorvaneDownloadStep FollowBreak(double Now, const FCorvaneAttemptEnd& End);
-	bool IsWhole(const FCorvaneAttemptEnd& End) const;
 
 	int64 PartBytes() const;
 

@@ -96,6 +96,6 @@ void FCorvaneDownloadReceiver::OnEnd(const FCorvaneExchangeResult& Result)
 			End.Written = Done.Written;
 			End.FileFailure = Done.Result.Failure;
 			End.FileSentence = Done.Result.Sentence;
-			Tell(End);
+			Tell(MoveTemp(End));
 		});
 }

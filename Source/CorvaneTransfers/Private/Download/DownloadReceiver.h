@@ -29,7 +29,7 @@ public:
 		TSharedPtr<FCorvanePaceShare> Share;
 	};
 	/** Told on a background thread, when the last byte is in the file; Random and NowUtc are still to be filled in. */
-	using FTell = TUniqueFunction<void(const FCorvaneAttemptEnd&)>;
+	using FTell = TUniqueFunction<void(FCorvaneAttemptEnd&&)>;
 
 	FCorvaneDownloadReceiver(FPlan&& InPlan, const TSharedRef<FCorvaneDownloadFiles>& InFiles, FTell InTell);
 

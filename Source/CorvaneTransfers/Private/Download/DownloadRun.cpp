@@ -120,7 +120,7 @@ void FCorvaneDownloadRun::OnOpened(const FCorvaneDownloadOpened& Opened)
 {
 	Receiver.Reset(); // of a try that did not begin
 	Turn.Settle();
-	Follow(Machine.OnOpened(Now(), Opened));
+	FollowLetter(Machine.OnOpened(Now(), Opened));
 }
 
 void FCorvaneDownloadRun::Ask(const FCorvaneDownloadQuestion& Question)
@@ -168,9 +168,8 @@ TSharedRef<FCorvaneDownloadReceiver> FCorvaneDownloadRun::MakeReceiver(const FCo
 	Plan.Tail = MoveTemp(Tail);
 	Plan.BytesPerSecond = Options.BytesPerSecond;
 	Plan.Share = Turn.GetShare();
-	const TSharedRef<FCorvaneDownloadReceiver> Taker = MakeShared<FCorvaneDownloadReceiver>(MoveTemp(Plan), Files,
-		[Self = AsShared()](const FCorvaneAttemptEnd& End)
-		{ Self->Post([Own = FCorvaneAttemptEnd(End)](FCorvaneDownloadRun& Run) mutable { Run.OnSent(MoveTemp(Own)); }); });
+	const TSharedRef<FCorvaneDownloadReceiver> Taker = MakeShared<FCorvaneDownloadReceiver>(
+		MoveTemp(Plan), Files, [Self = AsShared(), Question](FCorvaneAttemptEnd&& End) { Self->OnTried(Question, MoveTemp(End)); });
 	Receiver = Taker;
 	BeginProgress();
 	return Taker;
@@ -187,6 +186,18 @@ void FCorvaneDownloadRun::Launch(const FCorvaneDownloadQuestion& Question, const
 	Route->Start(Asked, Taker);
 }
 
+/** What is all there goes to its place at once: the game thread has nothing to say to that. Thread: that of the files. */
+void FCorvaneDownloadRun::OnTried(const FCorvaneDownloadQuestion& Question, FCorvaneAttemptEnd&& End)
+{
+	const FCorvaneDownloadJudgement Judged = CorvaneDownload::JudgeAnswer(Question, End.Exchange.Answer);
+	End.bFinished = CorvaneDownload::BringsWholeFile(Question, Judged, End);
+	if (End.bFinished)
+	{
+		End.Finished = CorvaneDownloadRun::Translate(Files->FinishNow(MakeWish(Judged.Version)));
+	}
+	Post([Own = MoveTemp(End)](FCorvaneDownloadRun& Run) mutable { Run.OnSent(MoveTemp(Own)); });
+}
+
 void FCorvaneDownloadRun::OnSent(FCorvaneAttemptEnd&& End)
 {
 	Receiver.Reset();
@@ -194,23 +205,33 @@ void FCorvaneDownloadRun::OnSent(FCorvaneAttemptEnd&& End)
 	Machine.LimitParts(Turn.PartBytes());
 	End.Random = FMath::FRand();
 	End.NowUtc = FDateTime::UtcNow();
-	Follow(Machine.OnAttemptEnded(Now(), End));
+	FollowLetter(Machine.OnAttemptEnded(Now(), End));
 }
 
 void FCorvaneDownloadRun::Stop()
 {
+	if (Machine.IsToEnd())
+	{
+		Files->StopReading();
+	}
 	Route->Cancel();
 	Turn.Withdraw();
 }
 
-void FCorvaneDownloadRun::Finish()
+/** Thread: any. */
+FCorvaneFinishWish FCorvaneDownloadRun::MakeWish(const FCorvaneVersion& Version) const
 {
 	FCorvaneFinishWish Wish;
 	Wish.Hash = Hash;
-	Wish.FileTime = Options.bKeepServerTime ? CorvaneHttpDate::Parse(Machine.GetVersion().LastModified) : FDateTime::MinValue();
+	Wish.FileTime = Options.bKeepServerTime ? CorvaneHttpDate::Parse(Version.LastModified) : FDateTime::MinValue();
 	Wish.bMayReplace =
 		Options.IfTargetExists == ECorvaneIfTargetExists::Replace || Options.IfTargetExists == ECorvaneIfTargetExists::OnlyIfNewer;
-	Files->Finish(Wish,
+	return Wish;
+}
+
+void FCorvaneDownloadRun::Finish()
+{
+	Files->Finish(MakeWish(Machine.GetVersion()),
 		[Self = AsShared()](const FCorvaneFinished& Part)
 		{
 			Self->Post([Finished = CorvaneDownloadRun::Translate(Part)](FCorvaneDownloadRun& Run)

@@ -48,8 +48,10 @@ private:
 	void Launch(const FCorvaneDownloadQuestion& Question, const TSharedRef<FCorvaneDownloadReceiver>& Taker) const;
 	void Stop();
 	void Finish();
+	FCorvaneFinishWish MakeWish(const FCorvaneVersion& Version) const;
 	void PostClosed();
 
+	void OnTried(const FCorvaneDownloadQuestion& Question, FCorvaneAttemptEnd&& End);
 	void OnSent(FCorvaneAttemptEnd&& End);
 
 	const FString URL;

@@ -15,7 +15,27 @@ namespace CorvaneDownloadTries
 	{
 		return TEXT("Not downloaded: ") + Reason + TEXT(".");
 	}
+
+	static bool BodyIsMissing(const FCorvaneDownloadJudgement& Judged, const FCorvaneAttemptEnd& End)
+	{
+		return Judged.Verdict == ECorvaneDownloadVerdict::StartOverWithThis && !End.bStartedOver;
+	}
+
+	static bool IsWhole(const FCorvaneDownloadJudgement& Judged, const FCorvaneAttemptEnd& End)
+	{
+		const bool bAllOfUnknown = Judged.Total < 0 && End.Exchange.End == ECorvaneExchangeEnd::Done && End.Exchange.Answer.Code != 206;
+		return !BodyIsMissing(Judged, End) && (bAllOfUnknown || (Judged.Total >= 0 && End.Length == Judged.Total));
+	}
 } // namespace CorvaneDownloadTries
+
+bool CorvaneDownload::BringsWholeFile(
+	const FCorvaneDownloadQuestion& Question, const FCorvaneDownloadJudgement& Judged, const FCorvaneAttemptEnd& End)
+{
+	const bool bIsOfUse = End.FileFailure == ECorvaneTransferOutcome::Running && End.Exchange.Failure == ECorvaneTransferOutcome::Running &&
+						  End.Exchange.bAnswerIsWhole && !End.bTailDiffers && !End.bTooLong;
+	const bool bIsOfSize = Question.ExpectedSize < 0 || End.Length == Question.ExpectedSize;
+	return bIsOfUse && bIsOfSize && Judged.TakesBody() && CorvaneDownloadTries::IsWhole(Judged, End);
+}
 
 FCorvaneDownloadStep FCorvaneDownloadMachine::OnAttemptEnded(double Now, const FCorvaneAttemptEnd& End)
 {
@@ -25,7 +45,11 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::OnAttemptEnded(double Now, const F
 	}
 	bOpen = true;
 	Count(End);
-	if (WantedEnd != ECorvaneTransferOutcome::Running)
+	if (End.bFinished)
+	{
+		return FollowFinished(Now, End);
+	}
+	if (IsToEnd())
 	{
 		return EndAsWanted(Now);
 	}
@@ -64,6 +88,14 @@ void FCorvaneDownloadMachine::Count(const FCorvaneAttemptEnd& End)
 	FailuresInARow = bGotNew ? 0 : FailuresInARow;
 }
 
+/** Whatever was wanted meanwhile came too late. */
+FCorvaneDownloadStep FCorvaneDownloadMachine::FollowFinished(double Now, const FCorvaneAttemptEnd& End)
+{
+	TakeOver(End, CorvaneDownload::JudgeAnswer(Question, End.Exchange.Answer));
+	Finish(Now);
+	return OnFinished(Now, End.Finished);
+}
+
 FCorvaneDownloadStep FCorvaneDownloadMachine::FollowAnswer(double Now, const FCorvaneAttemptEnd& End)
 {
 	using namespace CorvaneDownloadTries;
@@ -90,8 +122,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::FollowAnswer(double Now, const FCo
 /** What the answer told of the file holds from now on, if its body has come to the disk. */
 void FCorvaneDownloadMachine::TakeOver(const FCorvaneAttemptEnd& End, const FCorvaneDownloadJudgement& Judged)
 {
-	const bool bBegins = Judged.Verdict == ECorvaneDownloadVerdict::StartOverWithThis;
-	if (bBegins && !End.bStartedOver)
+	if (CorvaneDownloadTries::BodyIsMissing(Judged, End))
 	{
 		return;
 	}
@@ -116,8 +147,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::FollowBody(double Now, const FCorv
 	{
 		return StartOver(Now, TEXT("the server sent more bytes than it had told"), ECorvaneTransferOutcome::WrongSize);
 	}
-	const bool bBodyIsMissing = Judged.Verdict == ECorvaneDownloadVerdict::StartOverWithThis && !End.bStartedOver;
-	if (!bBodyIsMissing && IsWhole(End))
+	if (IsWhole(Judged, End))
 	{
 		return Finish(Now);
 	}
@@ -127,7 +157,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::FollowBody(double Now, const FCorv
 			bChangedLast ? ECorvaneTransferOutcome::Changed : CorvaneTryEnd::OutcomeOf(End.Exchange.End);
 		return Fail(Now, Outcome, SentenceOf(Report.RestartReasons.Last()));
 	}
-	if (bBodyIsMissing || End.Exchange.End != ECorvaneExchangeEnd::Done)
+	if (BodyIsMissing(Judged, End) || End.Exchange.End != ECorvaneExchangeEnd::Done)
 	{
 		return FollowBreak(Now, End);
 	}
@@ -136,12 +166,6 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::FollowBody(double Now, const FCorv
 		return Retry(Now, End, ECorvaneTransferOutcome::Dropped, TEXT("the server sends no more of the file, although it is not whole"));
 	}
 	return GoOn(Now, CorvanePace::WaitAfter(End.Written, Now - PhaseBegan, Options.BytesPerSecond));
-}
-
-bool FCorvaneDownloadMachine::IsWhole(const FCorvaneAttemptEnd& End) const
-{
-	const bool bAllOfUnknown = Total < 0 && End.Exchange.End == ECorvaneExchangeEnd::Done && End.Exchange.Answer.Code != 206;
-	return bAllOfUnknown || (Total >= 0 && Length == Total);
 }
 
 FCorvaneDownloadStep FCorvaneDownloadMachine::FollowBreak(double Now, const FCorvaneAttemptEnd& End)
