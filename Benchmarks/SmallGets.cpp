@@ -5,11 +5,13 @@
 #include "Kit/ProcessFigures.h"
 #include "Kit/RequestFigures.h"
 #include "NginxServer.h"
+#include "RawServer.h"
 #include "Workload.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <fstream>
+#include <sstream>
 
 namespace
 {
@@ -22,6 +24,7 @@ namespace
 			command->add_option("--requests", requests, "Requests of one run")->capture_default_str()->check(CLI::PositiveNumber);
 			command->add_option("--in-flight", inFlight, "Requests at a time; each value is measured")->capture_default_str();
 			command->add_option("--bytes", bytes, "Bytes of each answer")->capture_default_str()->check(CLI::NonNegativeNumber);
+			command->add_flag("--same-headers", sameHeaders, "The peer sends the header lines that Corvane's requests have, too");
 			addPairs(*command, pairs, "Pairs of runs after one warm-up pair");
 			return command;
 		}
@@ -42,10 +45,29 @@ namespace
 		}
 
 	private:
+		/** @return lines that a GET of Corvane's has and a bare one has not, as an origin gets them. */
+		static std::vector<std::string> headersOf(FGameLoop& loop)
+		{
+			const RawServer origin(answering([](const std::string&) { return answer(200, "x"); }));
+			CorvaneClient(loop).fetch(origin.url(), 1, 1, "x");
+			std::istringstream head(origin.requests().front());
+			std::vector<std::string> lines;
+			for (std::string line; std::getline(head, line) && line != "\r";)
+			{
+				const bool isBare = line.starts_with("GET ") || line.starts_with("Host:") || line.starts_with("Accept:");
+				lines.insert(lines.end(), isBare ? 0 : 1, line.substr(0, line.size() - 1));
+			}
+			return lines;
+		}
+
 		Comparison compare(FGameLoop& loop, const std::string& url, const std::string& body, int atATime) const
 		{
 			CorvaneClient corvane(loop);
 			BareCurl bare(url, atATime);
+			if (sameHeaders)
+			{
+				bare.addHeaders(headersOf(loop));
+			}
 			const auto runCorvane = [&]
 			{
 				const StopWatch watch;
@@ -62,6 +84,7 @@ namespace
 			return alternate(std::move(empty), pairs, WarmUp::OnePair, runCorvane, runBare);
 		}
 
+		bool sameHeaders = false;
 		int requests = 20000;
 		std::vector<int> inFlight = {64, 1000};
 		std::size_t bytes = 100;

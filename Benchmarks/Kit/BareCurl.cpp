@@ -55,6 +55,19 @@ BareCurl::~BareCurl()
 	curl_multi_cleanup(multi);
 }
 
+void BareCurl::addHeaders(const std::vector<std::string>& lines)
+{
+	for (const std::string& line : lines)
+	{
+		curl_slist* const grown = curl_slist_append(headers.release(), line.c_str());
+		headers.reset(grown);
+	}
+	for (const std::unique_ptr<Handle>& handle : handles)
+	{
+		curl_easy_setopt(handle->easy, CURLOPT_HTTPHEADER, headers.get());
+	}
+}
+
 std::size_t BareCurl::onBytes(char* bytes, std::size_t, std::size_t number, void* data)
 {
 	Handle& handle = *static_cast<Handle*>(data);

@@ -23,6 +23,9 @@ public:
 	BareCurl(const BareCurl&) = delete;
 	BareCurl& operator=(const BareCurl&) = delete;
 
+	/** Each request has these header lines, too. Comes before the first. */
+	void addHeaders(const std::vector<std::string>& lines);
+
 	/** Fetches the URL so many times. Throws std::runtime_error unless every body is as expected. */
 	void fetch(int requests, std::string_view expectedBody);
 	/** Fetches it once; the body goes to sink alone. Throws std::runtime_error when that fails. */
@@ -47,6 +50,7 @@ private:
 	void turn(const std::function<void(Handle& handle, CURLcode result)>& ended);
 
 	CURLM* const multi;
+	std::unique_ptr<curl_slist, decltype(&curl_slist_free_all)> headers{nullptr, &curl_slist_free_all};
 	std::vector<std::unique_ptr<Handle>> handles;
 	int running = 0;
 };
