@@ -14,8 +14,10 @@ namespace
 	/** Part of an input may come again and again, for what stands deep in one another. */
 	std::string Unfold(FFuzzInput& Input)
 	{
-		const int64 Times = Input.Number(0, 100);
+		constexpr int64 Most = 1200; // bytes, enough for what is too deep
+		const int64 Wished = Input.Number(0, 100);
 		std::string Text, Again(Input.Field());
+		const int64 Times = std::min(Wished, 1 + Most / static_cast<int64>(1 + Again.size()));
 		for (int64 Time = 0; Time < Times; ++Time)
 		{
 			Text += Again;

@@ -10,7 +10,13 @@
 
 FUZZ(Input)
 {
-	const std::unique_ptr<lua_State, decltype(&lua_close)> Lua(luaL_newstate(), &lua_close);
+	static const std::unique_ptr<lua_State, decltype(&lua_close)> Kept(luaL_newstate(), &lua_close); // making one takes longer than a run
+	const auto Empty = [](lua_State* State)
+	{
+		lua_settop(State, 0);
+		lua_gc(State, LUA_GCCOLLECT);
+	};
+	const std::unique_ptr<lua_State, decltype(Empty)> Lua(Kept.get());
 	try
 	{
 		Script::decodeJson(Lua.get(), Input.Rest());

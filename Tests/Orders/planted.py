@@ -3,7 +3,8 @@
 
 usage: Tests/Orders/planted.py [BUILD] [RUNS]   (default: build/default, 6000 random orders of each scenario)
 
-It changes the sources while it runs and restores them: use a checkout that nobody works in. Ends with 1 unless all are found.
+It changes the sources while it runs, and restores them and the build: use a checkout that nobody works in. Ends with 1 unless all
+are found.
 """
 import subprocess
 import sys
@@ -19,8 +20,8 @@ FAULTS = [
      "const bool bLastRound = bIsEnding; // read first: a job queued before the end is still found\n\t\t\tworkOff(pause);",
      "workOff(pause);\n\t\t\tconst bool bLastRound = bIsEnding;", "upload/end"),
     ("a mark is set behind the post", "Source/Corvane/Private/Runs/Run.cpp",
-     "completionPosted = true;\n\tCorvaneDelivery::completion(corvaneBPLibrary, node, InRequest, MoveTemp(InResult));",
-     "CorvaneDelivery::completion(corvaneBPLibrary, node, InRequest, MoveTemp(InResult));\n\tcompletionPosted = true;", "get/again"),
+     "beginEnd(InRequest);\n\tCorvaneDelivery::completion(corvaneBPLibrary, node, MoveTemp(InResult));",
+     "CorvaneDelivery::completion(corvaneBPLibrary, node, MoveTemp(InResult));\n\tbeginEnd(InRequest);", "get/again"),
     ("a late unroot hits the next run", "Source/Corvane/Private/Runs/Run.cpp",
      "if (Alive && Alive->run().number() == InRunNumber)", "if (Alive)", "get/again"),
     ("a letter is announced before it is there", "Source/CorvaneTransfers/Private/Threads/Mailbox.cpp",
@@ -29,9 +30,6 @@ FAULTS = [
     ("a strand sleeps while a step comes", "Source/CorvaneTransfers/Private/Threads/Strand.cpp",
      "const FScopeLock Lock(&Guard);\n\tbWorking = Steps.Dequeue(Step);\n\treturn bWorking;",
      "const bool bTaken = Steps.Dequeue(Step);\n\tconst FScopeLock Lock(&Guard);\n\tbWorking = bTaken;\n\treturn bTaken;", "transfer"),
-    ("a letter keeps its box alive", "Source/CorvaneTransfers/Private/Threads/Mailbox.h",
-     "[Weak = TWeakPtr<Type>(Reader), Letter = MoveTemp(Letter)]",
-     "[Weak = TWeakPtr<Type>(Reader), Strong = Reader, Letter = MoveTemp(Letter)]", "follow/end"),
     ("an answer is judged before it is known that it was sent", "Source/CorvaneTransfers/Private/Attempts/Exchange.cpp",
      "const FScopeLock Lock(&Guard); // the end, on whatever thread it comes, waits until it is known whether there was a beginning\n", "", "transfer"),
     ("a file is marked as blocked behind the job that frees it", "Source/Corvane/Private/Uploads/TruncateUploadedFileThread.cpp",
@@ -50,13 +48,17 @@ FAULTS = [
     ("a stop before the request is lost", "Source/CorvaneTransfers/Private/Tus/TusRun.cpp",
      "\tif (bStopWanted)\n\t{\n\t\treturn OnSent(FCorvaneTusEnd());\n\t}\n", "", "resumable/cancel"),
     ("a request is named for cancels when it has been sent", "Source/Corvane/Private/Runs/RunList.cpp",
-     "if (FRun* Run = runs.Find(RunNumber))\n\t{\n\t\tRun->request = Request;", "if (FRun* Run = runs.Find(RunNumber - 1))\n\t{\n\t\tRun->request = Request;", "get/end"),
+     "if (FRun* Run = runs.Find(RunNumber))\n\t{\n\t\tRun->request = Request;", "if (FRun* Run = runs.Find(RunNumber - 1))\n\t{\n\t\tRun->request = Request;", "get/unload"),
 ]
+
+
+def make(build: Path) -> None:
+    subprocess.run(["ninja", "-C", str(build), "Orders"], check=True, stdout=subprocess.DEVNULL)
 
 
 def orders(build: Path, runs: str, scenario: str) -> str:
     """The first line of what it says against the planted fault; empty = nothing."""
-    subprocess.run(["ninja", "-C", str(build), "Orders"], check=True, stdout=subprocess.DEVNULL)
+    make(build)
     try:
         ended = subprocess.run([str(build / "Tests/Orders/Orders"), "--scenario", scenario, "--runs", runs], capture_output=True, text=True, timeout=600)
     except subprocess.TimeoutExpired:
@@ -67,9 +69,8 @@ def orders(build: Path, runs: str, scenario: str) -> str:
     return " | ".join(line.removeprefix("Run it again with: ") for line in lines[:2]) or f"ended with {ended.returncode}"
 
 
-def main() -> int:
-    build = ROOT / (sys.argv[1] if len(sys.argv) > 1 else "build/default")
-    runs = sys.argv[2] if len(sys.argv) > 2 else "6000"
+def plant_all(build: Path, runs: str) -> int:
+    """How many are not found."""
     missed = 0
     for what, name, text, planted, scenario in FAULTS:
         path = ROOT / name
@@ -85,6 +86,16 @@ def main() -> int:
             path.write_text(original)
         missed += not found
         print(f"{'found ' if found else 'MISSED'}  {what}: {found}", flush=True)
+    return missed
+
+
+def main() -> int:
+    build = ROOT / (sys.argv[1] if len(sys.argv) > 1 else "build/default")
+    runs = sys.argv[2] if len(sys.argv) > 2 else "6000"
+    try:
+        missed = plant_all(build, runs)
+    finally:
+        make(build)  # no program with a fault in it stays behind
     print(f"{len(FAULTS) - missed} of {len(FAULTS)} found")
     return 1 if missed else 0
 

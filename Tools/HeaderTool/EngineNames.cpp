@@ -8,7 +8,7 @@ namespace HeaderTool
 		 * What a plug-in's author might think of for a type of his own, by topic; far from everything that there is. Enumerations keep
 		 * their E. The bases that come in reference headers are not here.
 		 */
-		constexpr std::string_view names = R"(
+		constexpr std::string_view namesOfEngine = R"(
 ARFilter AssetBundleData AssetBundleEntry AssetData AutomationEvent BlueprintGeneratedClass Box Box2D Box2f Box3f BoxSphereBounds Class
 Color DateRange DateTime DateTimeRange DelegateFunction DirectoryPath EAppMsgCategory EAutomationEventType EAxis EDataValidationResult
 EInterpCurveMode ELifetimeCondition ELogTimes EMouseCursor Enum EPixelFormat ERangeBoundTypes ESearchCase ESearchDir Field FilePath
@@ -105,14 +105,14 @@ WindowsTargetSettings
 	bool isEngineName(std::string_view name)
 	{
 		constexpr std::string_view gaps = " \n";
-		for (size_t start = names.find_first_not_of(gaps); start != names.npos;)
+		for (size_t start = namesOfEngine.find_first_not_of(gaps); start != namesOfEngine.npos;)
 		{
-			const size_t end = names.find_first_of(gaps, start);
-			if (sameName(names.substr(start, end - start), name))
+			const size_t end = namesOfEngine.find_first_of(gaps, start);
+			if (sameName(namesOfEngine.substr(start, end - start), name))
 			{
 				return true;
 			}
-			start = names.find_first_not_of(gaps, end);
+			start = namesOfEngine.find_first_not_of(gaps, end);
 		}
 		return false;
 	}

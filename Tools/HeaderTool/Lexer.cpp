@@ -37,16 +37,19 @@ namespace HeaderTool
 				text.remove_prefix(byteOrderMark.size());
 			}
 			JoinedText joined;
+			joined.characters.reserve(text.size());
+			joined.lines.reserve(text.size() + 1);
 			int line = 1;
 			for (size_t i = 0; i < text.size(); ++i)
 			{
-				if (text.substr(i).starts_with("\\\n") || text.substr(i).starts_with("\\\r\n"))
+				const std::string_view next = text.substr(i + 1, 2);
+				if (text[i] == '\\' && (next.starts_with('\n') || next == "\r\n"))
 				{
 					i = text.find('\n', i);
 					++line;
 					continue;
 				}
-				if (text.substr(i).starts_with("\r\n"))
+				if (text[i] == '\r' && next.starts_with('\n'))
 				{
 					continue;
 				}
