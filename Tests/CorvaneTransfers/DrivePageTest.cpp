@@ -123,3 +123,16 @@ TEST(DrivePage, OfAnyLengthAndShapeIsReadInTimeThatGrowsWithItsLength)
 	}
 	EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(60)); // squares of such lengths take hours
 }
+
+TEST(DriveID, HasLettersDigitsAndTwoSignsOnly)
+{
+	for (const std::string& id : {std::string("azAZ09-_"), std::string(256, 'x')})
+	{
+		EXPECT_TRUE(CorvaneDrive::FindIDFault(text(id)).IsEmpty()) << id;
+	}
+	for (const std::string& id : {std::string(), std::string(257, 'x'), std::string("a`"), std::string("a{"), std::string("@"),
+			 std::string("["), std::string("/"), std::string(":"), std::string("\u00e4"), std::string("\u0141")})
+	{
+		EXPECT_FALSE(CorvaneDrive::FindIDFault(text(id)).IsEmpty()) << id;
+	}
+}

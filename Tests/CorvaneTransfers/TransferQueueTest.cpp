@@ -178,7 +178,7 @@ TEST_F(TransferQueue, KeepsItsLimitsAndEndsEachOnce)
 {
 	CountingServer one, other;
 	const RawServer server(one.script()), second(other.script());
-	queue->SetLimits(3, 2);
+	queue->SetLimits(1, 1);
 	int ends = 0, idle = 0;
 	Listen(queue->OnTransferEnd, [&](UCorvaneTransfer*, const FCorvaneTransferReport&) { ++ends; });
 	Listen(queue->OnIdle, [&](const FCorvaneQueueReport&) { ++idle; });
@@ -188,6 +188,9 @@ TEST_F(TransferQueue, KeepsItsLimitsAndEndsEachOnce)
 	}
 	add("ftp://wrong", "wrong", 9);
 	UCorvaneDownloadFile* const cancelled = add(server.url(), "cancelled");
+	const TStrongObjectPtr<UCorvaneDownloadFile> held(cancelled);
+	EXPECT_EQ(queue->GetReport().Waiting, 13);
+	queue->SetLimits(3, 2);
 	EXPECT_EQ(queue->GetReport().Waiting, 11);
 	EXPECT_EQ(queue->GetReport().Running, 3);
 	cancelled->Cancel();
@@ -207,6 +210,11 @@ TEST_F(TransferQueue, KeepsItsLimitsAndEndsEachOnce)
 	EXPECT_EQ(report.TotalBytes, report.Bytes);
 	EXPECT_EQ(report.Waiting + report.Running + report.Paused, 0);
 	EXPECT_TRUE(folder.read("f11") == queuedFile);
+	held->Pause(); // what is over stays over
+	held->Continue();
+	held->Cancel();
+	queue->CancelAll();
+	finish();
 }
 
 TEST_F(TransferQueue, PausesWithoutMovingAByteTwice)
@@ -314,6 +322,7 @@ TEST_F(TransferQueue, TakesUpAFolderAfterARestart)
 	}
 	EXPECT_GE(kept, 2'000'000);
 	folder.write("torn.corvjournal", "source 1");
+	folder.write("a.corvjournal.copy", folder.read("a.corvjournal"));
 
 	FGameLoop again;
 	queue = UCorvaneTransferQueue::GetTransferQueue(text("files"));

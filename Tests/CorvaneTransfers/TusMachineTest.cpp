@@ -444,6 +444,17 @@ TEST(TusMachine, DoesWhatFollows)
 	{
 		UploadByHand hand;
 		EXPECT_EQ(hand.play(each), each.does) << each.what;
+		EXPECT_EQ(hand.machine.GetReport().TransferredBytes, 0) << "no end has told of any";
 		EXPECT_NE(utf8(hand.machine.GetReport().Sentence).find(each.says), std::string::npos) << each.what;
+	}
+}
+
+TEST(TusOptions, PiecesHave1024BytesAtLeastAndLessThan2GiB)
+{
+	for (const auto& [bytes, fits] : {std::pair(int64(1023), false), {1024, true}, {(int64(1) << 31) - 1, true}, {int64(1) << 31, false}})
+	{
+		FCorvaneResumableOptions options;
+		options.PieceBytes = bytes;
+		EXPECT_EQ(FCorvaneTusWishes::Read(TEXT("http://host/"), TEXT("file"), options).Fault.IsEmpty(), fits) << bytes;
 	}
 }
