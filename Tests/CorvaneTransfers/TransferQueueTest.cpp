@@ -1,3 +1,4 @@
+#include "Containers/Ticker.h"
 #include "CorvaneDownloadFile.h"
 #include "CorvaneTransferQueue.h"
 #include "CorvaneUploadFile.h"
@@ -259,6 +260,9 @@ TEST_F(TransferQueue, SharesBytesPerSecond)
 	CountingServer counting;
 	const RawServer server(counting.script());
 	queue->SetLimits(4, 4, sharedLimit);
+	bool isLater = false; // a queue that was idle for a while watches anew
+	FTSTicker::GetCoreTicker().AddTicker(FTickerDelegate::CreateLambda([&isLater](float) { return !(isLater = true); }), 0.2f);
+	EXPECT_TRUE(loop.WaitFor([&isLater] { return isLater; }, patienceSeconds));
 	int64 told = 0;
 	Listen(queue->OnProgress, [&](const FCorvaneQueueReport& report) { told = report.Bytes; });
 	for (int file = 0; file < 12; ++file)
