@@ -206,3 +206,17 @@ TEST(PaceLedger, HoldsOverEverySecond)
 		EXPECT_LE(static_cast<double>(sum) / 10, 1.02 * static_cast<double>(each.limit));
 	}
 }
+
+TEST(PaceLedger, KeepsWhatIsBookedWhenItsLimitChanges)
+{
+	FCorvanePaceLedger ledger;
+	ledger.SetLimit(5, 1000);
+	const auto booked = static_cast<double>(ledger.Book(5, 4000));
+	for (const int64 limit : {1000, 2000, 1, 500})
+	{
+		ledger.SetLimit(5, limit);
+		EXPECT_DOUBLE_EQ(ledger.SecondsUntilFree(5), booked / static_cast<double>(limit));
+	}
+	ledger.SetLimit(5, 0);
+	EXPECT_EQ(ledger.SecondsUntilFree(5), 0);
+}
