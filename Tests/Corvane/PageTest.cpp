@@ -33,20 +33,23 @@ namespace
 		TArray<FhttpRequest> drive(const std::string& base, const char* downloadID = "file", int64 size = 0)
 		{
 			UCorvaneBPLibrary::setGoogleDriveBase(text(base));
-			UCorvaneBPLibrary::CreateHttpRequestGoogleDrive({}, downloadID, "id", size, requests, requestID);
+			const int32 code = UCorvaneBPLibrary::CreateHttpRequestGoogleDrive({}, downloadID, "id", size, requests, requestID);
+			EXPECT_EQ(code, requests.IsEmpty() ? 400 : 0);
 			return requests;
 		}
 
 		TArray<FhttpRequest> driveInfo(const std::string& base, const char* downloadID = "file")
 		{
 			UCorvaneBPLibrary::setGoogleDriveBase(text(base));
-			UCorvaneBPLibrary::CreateHttpRequestGoogleDriveFileInfo({}, downloadID, "id", requests, requestID);
+			const int32 code = UCorvaneBPLibrary::CreateHttpRequestGoogleDriveFileInfo({}, downloadID, "id", requests, requestID);
+			EXPECT_EQ(code, requests.IsEmpty() ? 400 : 0);
 			return requests;
 		}
 
 		TArray<FhttpRequest> filePage(const std::string& url)
 		{
-			UCorvaneBPLibrary::CreateHttpRequestAnonfiles({}, text(url), "id", requests, requestID);
+			const int32 code = UCorvaneBPLibrary::CreateHttpRequestAnonfiles({}, text(url), "id", requests, requestID);
+			EXPECT_EQ(code, requests.IsEmpty() ? 400 : 0);
 			return requests;
 		}
 

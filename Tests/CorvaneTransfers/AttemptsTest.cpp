@@ -38,7 +38,7 @@ TEST(HttpDate, ReadsTheThreeFormsAndNothingElse)
 		EXPECT_EQ(CorvaneHttpDate::Parse(text(none)).GetTicks(), 0) << none;
 	}
 	for (const char* date : {"Sun, 06 Nov 1994 08:49:37 GMT", "Mon, 01 Jan 0001 00:00:00 GMT", "Tue, 29 Feb 2000 23:59:59 GMT",
-			 "Sat, 31 Dec 2016 00:00:00 GMT", "Fri, 31 Dec 9999 23:59:59 GMT"})
+			 "Sun, 01 Jan 2017 00:00:00 GMT", "Sat, 31 Dec 2016 00:00:00 GMT", "Fri, 31 Dec 9999 23:59:59 GMT"})
 	{
 		EXPECT_EQ(utf8(CorvaneHttpDate::ToText(CorvaneHttpDate::Parse(text(date)))), date);
 	}
@@ -89,6 +89,8 @@ TEST(Version, NamesInIfRangeOnlyWhatIsStrong)
 	{
 		const FCorvaneVersion version = answerWith(200, {{"ETag", tag}, {"Last-Modified", changed}, {"Date", told}}).Version;
 		EXPECT_EQ(utf8(version.ForIfRange()), named) << tag << changed << told;
+		const FCorvaneVersion turned = answerWith(200, {{"Date", told}, {"Last-Modified", changed}, {"ETag", tag}}).Version;
+		EXPECT_EQ(utf8(turned.ForIfRange()), named) << "in another order";
 		const FCorvaneVersion later = FCorvaneVersion::FromDisk(version.ETag, version.DateForDisk());
 		EXPECT_EQ(utf8(later.ForIfRange()), named) << "a later run knows as much";
 		EXPECT_EQ(utf8(later.LastModified), changed);

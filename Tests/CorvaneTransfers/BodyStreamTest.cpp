@@ -177,9 +177,11 @@ TEST_F(BodyStream, LooksAtFilesWithoutAByteToo)
 	FCorvaneBodyStream stream({FCorvaneBodySegment::OfFile(file(path))}, {ECorvaneHashKind::Md5, FString()});
 	EXPECT_EQ(stream.TotalSize(), 0);
 	EXPECT_EQ(utf8(stream.Finish().Hash), "d41d8cd98f00b204e9800998ecf8427e");
-	FCorvaneBodyStream grown({FCorvaneBodySegment::OfFile(file(path))});
+	int told = 0;
+	FCorvaneBodyStream grown({FCorvaneBodySegment::OfFile(file(path))}, {}, [&told] { ++told; });
 	Dir.write("empty", "not any more");
 	EXPECT_EQ(grown.Finish().Result.Failure, ECorvaneTransferOutcome::CannotRead);
+	EXPECT_EQ(told, 0) << "nobody reads any more";
 	FCorvaneSentFile none;
 	EXPECT_EQ(FCorvaneSentFile::Find(text(Dir.path()), none).Failure, ECorvaneTransferOutcome::CannotRead) << "a folder";
 	std::string beyond(1, 'x');

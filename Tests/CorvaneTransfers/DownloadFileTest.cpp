@@ -132,6 +132,29 @@ TEST_F(DownloadFile, GoesOnAfterAPauseAndInALaterStartWithoutAByteTwice)
 	expectNothingBeside();
 }
 
+TEST_F(DownloadFile, TakesNoByteBeyondWhatWasTold)
+{
+	origin.at("/", content,
+		Lab::onlyFirst(1, std::vector{Lab::status({.code = 206}), Lab::headers({{"Content-Range", "bytes 0-99999/300000"}})}));
+	start(origin.url());
+	const FCorvaneTransferReport report = finish();
+	EXPECT_EQ(report.Outcome, ECorvaneTransferOutcome::Succeeded) << utf8(report.Sentence);
+	ASSERT_EQ(report.RestartReasons.Num(), 1);
+	EXPECT_THAT(utf8(report.RestartReasons[0]), testing::HasSubstr("more bytes than it had told"));
+	EXPECT_TRUE(folder.read("file.bin") == content);
+}
+
+TEST_F(DownloadFile, KeepsItsPaceAlsoWhereNoPartsAreSent)
+{
+	origin.at("/", Lab::file(content, {.ranges = Lab::Ranges::Ignored}));
+	FCorvaneDownloadOptions options = patient();
+	options.BytesPerSecond = 1'000'000;
+	start(origin.url(), options);
+	const FCorvaneTransferReport report = finish();
+	EXPECT_EQ(report.Outcome, ECorvaneTransferOutcome::Succeeded) << utf8(report.Sentence);
+	EXPECT_GE(report.SecondsWorked, 0.15) << "of 0.3";
+}
+
 TEST_F(DownloadFile, EndsWithOneReasonAndTouchesNothing)
 {
 	using Outcome = ECorvaneTransferOutcome;

@@ -263,6 +263,14 @@ TEST(DownloadMachine, LeavesTheTargetAloneWhereItShall)
 			EXPECT_TRUE(hand.machine.GetReport().bTargetKept);
 		}
 	}
+	FCorvaneDownloadOptions newer;
+	newer.IfTargetExists = If::OnlyIfNewer;
+	ByHand begun(newer); // what is on disk is of no use, and the target is new enough
+	begun.machine.Start(0, FString());
+	begun.machine.OnLooked(0, true, FDateTime(700000000000000000));
+	begun.begin(10, 100);
+	EXPECT_EQ(begun.end(1, 412).Question.OnDisk, 0);
+	EXPECT_EQ(begun.end(2, 304).Action, Action::Discard);
 	ByHand refused;
 	EXPECT_EQ(refused.machine.Start(0, TEXT("No.")).Action, Action::Tell);
 	EXPECT_EQ(refused.machine.GetReport().Outcome, Outcome::Refused);

@@ -1,5 +1,6 @@
 #include "CorvaneBPLibrary.h"
 #include "CorvaneDownloadFile.h"
+#include "Drive/DriveRoute.h"
 #include "RandomBytes.h"
 #include "TransferFixture.h"
 
@@ -116,6 +117,26 @@ TEST_F(DriveFile, StopsWhileThePageIsOnItsWay)
 	transfer->Cancel();
 	EXPECT_EQ(finish().Outcome, Outcome::Cancelled);
 	expectNothingBeside();
+}
+
+TEST(Route, OfATryThatIsCancelledAlreadyTellsItsEndAtOnce)
+{
+	struct Ears : FCorvaneExchangeReceiver
+	{
+		bool OnAnswer(const FCorvaneAnswer&) override { return true; }
+		bool OnBytes(const uint8*, int64) override { return true; }
+		void OnEnd(const FCorvaneExchangeResult& Result) override { Ends.push_back(Result.End); }
+		std::vector<ECorvaneExchangeEnd> Ends;
+	};
+	for (const TSharedRef<FCorvaneRoute>& Route : {TSharedRef<FCorvaneRoute>(MakeShared<FCorvaneDriveRoute>(TEXT("one"))),
+			 TSharedRef<FCorvaneRoute>(MakeShared<FCorvaneStraightRoute>())})
+	{
+		const TSharedRef<Ears> Told = MakeShared<Ears>();
+		Route->Prepare();
+		Route->Cancel();
+		Route->Start(FCorvaneExchangeRequest(), Told);
+		EXPECT_EQ(Told->Ends, std::vector{ECorvaneExchangeEnd::Cancelled});
+	}
 }
 
 TEST_F(DriveFile, IsNeverAPage)

@@ -41,9 +41,9 @@ TEST(DrivePage, LeadsToTheFileHoweverItIsWritten)
 		{"shuffled, unquoted, other case", "<FORM METHOD=GET ACTION=/d ><INPUT VALUE=t NAME='confirm' TYPE=\"HIDDEN\"/></FORM>",
 			origin + "d?confirm=t"},
 		{"entities",
-			"<form action='/d&#47;&#x1F600;e?old=1#f'><input type=hidden name=confirm value='a&amp;b&quot;&lt;&bogus;&#0;&amp'></form>",
+			"<form action='/d&#47;&#x1F600;e?old=1#f'><input type=hidden name=confirm value='a&amp;b&quot;&lt;&bogus;&#0;&#x10FFFF;&#1114112;&amp'></form>",
 			origin + "d/\xF0\x9F\x98\x80"
-					 "e?confirm=a%26b%22%3C%26bogus%3B%26%230%3B%26amp"},
+					 "e?confirm=a%26b%22%3C%26bogus%3B%26%230%3B%F4%8F%BF%BF%EF%BF%BD%26amp"},
 		{"an action beside the page", "<form action=d>" + hidden, origin + "folder/d?confirm=t"},
 		{"an action without a scheme", "<form action=//other.example/d>" + hidden, "https://other.example/d?confirm=t"},
 		{"no action", "<form>" + hidden, origin + "folder/uc?confirm=t"},
@@ -122,4 +122,17 @@ TEST(DrivePage, OfAnyLengthAndShapeIsReadInTimeThatGrowsWithItsLength)
 		EXPECT_TRUE(read(html).FileAddress.IsEmpty()) << part;
 	}
 	EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(60)); // squares of such lengths take hours
+}
+
+TEST(DriveID, HasLettersDigitsAndTwoSignsOnly)
+{
+	for (const std::string& id : {std::string("azAZ09-_"), std::string(256, 'x')})
+	{
+		EXPECT_TRUE(CorvaneDrive::FindIDFault(text(id)).IsEmpty()) << id;
+	}
+	for (const std::string& id : {std::string(), std::string(257, 'x'), std::string("a`"), std::string("a{"), std::string("@"),
+			 std::string("["), std::string("/"), std::string(":"), std::string("\u00e4"), std::string("\u0141")})
+	{
+		EXPECT_FALSE(CorvaneDrive::FindIDFault(text(id)).IsEmpty()) << id;
+	}
 }

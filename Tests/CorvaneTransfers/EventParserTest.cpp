@@ -73,6 +73,8 @@ namespace
 			{{"1", "", "a"}, {"1", "", "b"}, plain("c"), {"2", "", "d"}}},
 		{"an ID with a zero byte is none", "id:1\nid:2" + zero + "3\ndata:a\n\nid:" + zero + "\ndata:b\n\n",
 			{{"1", "", "a"}, {"1", "", "b"}}},
+		{"a long ID, and one with a zero byte far behind", "id:0123456789abcdef\ndata:a\n\nid:0123456789abcde" + zero + "\ndata:b\n\n",
+			{{"0123456789abcdef", "", "a"}, {"0123456789abcdef", "", "b"}}},
 		{"names are told apart to the letter",
 			"data:" + zero + "\ndata" + zero + ":no\n data:no\nDATA:no\ndata :no\ndatadata:no\ndat:no\ndata:  2\rData:1\ndata" + zero +
 				":2\ndata:1\r" + zero + "data:4\nda-ta:3\rdata_5\ndata:3\rdata:\r\n data:32\ndata:4\n\n",

@@ -1,6 +1,7 @@
 #include "CorvaneFollowEvents.h"
 #include "CorvaneTransfer.h"
 #include "GameLoop.h"
+#include "Listen.h"
 #include "RawServer.h"
 #include "TextSupport.h"
 #include "Waiting.h"
@@ -271,6 +272,26 @@ TEST_F(FollowEvents, GoOnWithATokenThatIsNewEachTime)
 	EXPECT_EQ(ids, (std::vector<std::string>{"4", "5", "6", "7"}));
 	EXPECT_EQ(tokens, 5);
 	EXPECT_EQ(waits, 3);
+}
+
+TEST_F(FollowEvents, TakeHeadersBeforeTheirStartAndStartOnce)
+{
+	const RawServer server(answering([](const std::string&) { return noMore; }));
+	FCorvaneFollowOptions options = patient();
+	options.Headers.Add(text("Old"), text("1"));
+	options.LastEventID = text("3");
+	node = UCorvaneFollowEvents::FollowEvents(text(server.url()), options);
+	node->SetHeader(text("Old"), FString());
+	node->SetHeader(text("New"), text("2"));
+	EXPECT_EQ(utf8(node->GetLastEventID()), "3");
+	Listen(node->OnClose,
+		[this](const FString&, const FString&, const FString&, const FCorvaneTransferReport& report) { reports.push_back(report); });
+	expected = 1;
+	node->Activate();
+	node->Activate();
+	EXPECT_EQ(finish().Outcome, Outcome::Ended);
+	ASSERT_EQ(server.requests().size(), 1u);
+	EXPECT_EQ(headerOf(server.requests()[0], "Old") + headerOf(server.requests()[0], "New"), "2");
 }
 
 TEST_F(FollowEvents, AreNotToldInAPauseAndNotLostByIt)

@@ -1,5 +1,7 @@
+#include "Files/FileBlocks.h"
 #include "Files/FileHash.h"
 #include "RandomBytes.h"
+#include "TempDir.h"
 #include "TextSupport.h"
 
 #include <algorithm>
@@ -47,6 +49,18 @@ TEST(FileHash, IsThatOfOthersForEveryLengthAndCut)
 	EXPECT_EQ(inPieces(ECorvaneHashKind::Sha256, Many, 1'000), opensslHash(EVP_sha256(), Many));
 	EXPECT_EQ(inPieces(ECorvaneHashKind::Sha1, Many, 1'000), opensslHash(EVP_sha1(), Many));
 	EXPECT_EQ(inPieces(ECorvaneHashKind::Md5, Many, 1'000), opensslHash(EVP_md5(), Many));
+}
+
+TEST(FileHash, OfAFileIsThatOfAllItsBytes)
+{
+	const TempDir Dir;
+	for (const size_t Length : {size_t(0), size_t(1), size_t(1) << 20, (size_t(2) << 20) + 1})
+	{
+		const std::string Bytes = randomBytes(Length);
+		FString Hash;
+		ASSERT_TRUE(CorvaneFileBlocks::HashAll(text(Dir.write("file", Bytes)), ECorvaneHashKind::Md5, false, Hash));
+		EXPECT_EQ(utf8(Hash), opensslHash(EVP_md5(), Bytes)) << Length;
+	}
 }
 
 TEST(FileHash, WishesAreReadAndBadOnesRefused)

@@ -32,7 +32,7 @@ namespace
 	}
 
 	const std::vector<std::string> lines = {bytesOf(FCorvaneJournal::SourceLine(factsOf("http://host/first?a=b c"))),
-		bytesOf(FCorvaneJournal::KeptLine(start(100))), bytesOf(FCorvaneJournal::KeptLine(start(4'300'000'000))),
+		bytesOf(FCorvaneJournal::KeptLine(start(0))), bytesOf(FCorvaneJournal::KeptLine(start(4'300'000'000))),
 		bytesOf(FCorvaneJournal::WholeLine(start(4'300'000'001), true)), bytesOf(FCorvaneJournal::SourceLine(factsOf("http://host/2"))),
 		bytesOf(FCorvaneJournal::KeptLine(start(7)))};
 
@@ -58,7 +58,7 @@ namespace
 TEST(TransferJournal, TellsWhatWasWrittenLast)
 {
 	const std::string First = "http://host/first?a=b c|\"a b%\u00fc\"||5000000000|";
-	const std::string Expected[] = {"|||-1|0", First + "0|source", First + "100abcdef|source", First + "4300000000abcdef|source",
+	const std::string Expected[] = {"|||-1|0", First + "0|source", First + "0abcdef|source", First + "4300000000abcdef|source",
 		First + "4300000001abcdef|source|whole|apart", "http://host/2|\"a b%\u00fc\"||5000000000|0|source",
 		"http://host/2|\"a b%\u00fc\"||5000000000|7abcdef|source"};
 	for (size_t Number = 0; Number <= lines.size(); ++Number)

@@ -59,6 +59,13 @@ namespace
 			return File.Finish(Wish);
 		}
 
+		FCorvaneJournal journal() const
+		{
+			TArray<uint8> Journal;
+			const auto Size = static_cast<int64>(fs::file_size(Dir.path("file.corvjournal")));
+			return CorvaneFileBlocks::Read(Target + ".corvjournal", 0, Size, Journal) ? FCorvaneJournal::Read(Journal) : FCorvaneJournal();
+		}
+
 		std::set<std::string> names() const
 		{
 			std::set<std::string> Names;
@@ -288,6 +295,36 @@ TEST_F(PartFile, FinishChecksBeforeItReplaces)
 	}
 }
 
+TEST_F(PartFile, TheHashIsMadeWhileTheBytesCome)
+{
+	struct FilesThatCount : ForwardingFiles
+	{
+		IFileHandle* OpenRead(const TCHAR* Name, bool bAllowWrite) override
+		{
+			++Reads;
+			return Lower.OpenRead(Name, bAllowWrite);
+		}
+		int Reads = 0;
+	};
+	FCorvaneFileHash Hash(ECorvaneHashKind::Sha1);
+	Hash.Update(reinterpret_cast<const uint8*>(source.Bytes.data()), static_cast<int64>(source.Bytes.size()));
+	FCorvaneFinishWish Wish;
+	ASSERT_TRUE(FCorvaneHashWish::Parse("sha1:" + Hash.Final(), Wish.Hash));
+	FilesThatCount Files;
+	FCorvanePartFile File;
+	ASSERT_TRUE(File.Open(Target, sourceAddress, true, ECorvaneHashKind::Sha1).Result.IsOk());
+	for (const size_t Length : {100'000u, 200'000u}) // it is begun anew
+	{
+		ASSERT_TRUE(File.StartOver(factsOf(source)).IsOk());
+		ASSERT_TRUE(append(File, source.Bytes.substr(0, 1000)));
+		ASSERT_TRUE(append(File, source.Bytes.substr(1000, Length - 1000)));
+	}
+	const FCorvaneFinished Done = File.Finish(Wish);
+	EXPECT_TRUE(Done.Result.IsOk()) << utf8(Done.Result.Sentence);
+	EXPECT_EQ(Done.Hash, Wish.Hash.Expected);
+	EXPECT_EQ(Files.Reads, 0);
+}
+
 TEST_F(PartFile, ATargetThatLooksLikeTheNewFileIsNotTakenForIt)
 {
 	struct FilesThatStay : ForwardingFiles
@@ -326,6 +363,29 @@ TEST_F(PartFile, ATargetThatLooksLikeTheNewFileIsNotTakenForIt)
 	}
 }
 
+TEST_F(PartFile, ALongOneIsVouchedForBeforeItTakesItsPlace)
+{
+	struct FilesThatLook : ForwardingFiles
+	{
+		bool MoveFile(const TCHAR* To, const TCHAR* From) override
+		{
+			OnMove();
+			return Lower.MoveFile(To, From);
+		}
+		std::function<void()> OnMove;
+	};
+	const std::string Long = randomBytes(16 << 20);
+	bool bIsKnown = false;
+	FilesThatLook Files;
+	Files.OnMove = [&] { bIsKnown = journal().bWhole; };
+	FCorvanePartFile File;
+	begin(File, 0, factsOf({Long, ""}));
+	ASSERT_TRUE(append(File, Long));
+	EXPECT_TRUE(File.Finish({}).Result.IsOk());
+	EXPECT_TRUE(bIsKnown) << "a kill may follow the move";
+	EXPECT_TRUE(Dir.read("file") == Long);
+}
+
 TEST_F(PartFile, VouchesForBytesWhileTheyCome)
 {
 	FCorvanePartFile File;
@@ -333,16 +393,10 @@ TEST_F(PartFile, VouchesForBytesWhileTheyCome)
 	Facts.Total = 40 << 20;
 	begin(File, 0, Facts);
 	const std::string Piece = randomBytes(1000);
-	const auto Vouched = [this]
-	{
-		TArray<uint8> Journal;
-		const auto Size = static_cast<int64>(fs::file_size(Dir.path("file.corvjournal")));
-		return CorvaneFileBlocks::Read(Target + ".corvjournal", 0, Size, Journal) ? FCorvaneJournal::Read(Journal).Kept.Length : 0;
-	};
 	const auto End = std::chrono::steady_clock::now() + std::chrono::duration<double>(patienceSeconds);
-	while (Vouched() == 0 && std::chrono::steady_clock::now() < End)
+	while (journal().Kept.Length == 0 && std::chrono::steady_clock::now() < End)
 	{
 		ASSERT_TRUE(append(File, Piece));
 	}
-	EXPECT_GT(Vouched(), 0);
+	EXPECT_GT(journal().Kept.Length, 0);
 }

@@ -80,6 +80,7 @@ TEST(QueueMachine, StartsWhoeverIsNext)
 		{"a pause starts nothing", 1, 6, "|| a a > || -1 >", "/ 1 / / / 2 / "},
 		{"whoever is parked gives its place up and gets it back in its turn", 1, 6, "a a a > p1 w1 -2 -1", "1 / 2 / / 1 / 3 / "},
 		{"whoever is parked before its turn is passed", 1, 6, "a a a > p2 -1 w2 -3", "1 / / 3 / / 2 / "},
+		{"whoever goes before its turn leaves the others theirs", 1, 6, "a a5 a a > -1 -4 -2 -3", "2 / / / 3 / / "},
 		{"one that is not known changes nothing", 1, 1, "-4 p4 w4 a > -2 w1 -1 -1", "/ / / 1 / / / / / "},
 		{"limits that change", 1, 1, "a a b c > =3 h2 =0 -1 -3 -4", "1 / 3 4 / / / / / 2 / "},
 	};
@@ -204,4 +205,18 @@ TEST(PaceLedger, HoldsOverEverySecond)
 		EXPECT_GE(static_cast<double>(sum) / 10, each.leastShare * static_cast<double>(each.limit));
 		EXPECT_LE(static_cast<double>(sum) / 10, 1.02 * static_cast<double>(each.limit));
 	}
+}
+
+TEST(PaceLedger, KeepsWhatIsBookedWhenItsLimitChanges)
+{
+	FCorvanePaceLedger ledger;
+	ledger.SetLimit(5, 1000);
+	const auto booked = static_cast<double>(ledger.Book(5, 4000));
+	for (const int64 limit : {1000, 2000, 1, 500})
+	{
+		ledger.SetLimit(5, limit);
+		EXPECT_DOUBLE_EQ(ledger.SecondsUntilFree(5), booked / static_cast<double>(limit));
+	}
+	ledger.SetLimit(5, 0);
+	EXPECT_EQ(ledger.SecondsUntilFree(5), 0);
 }

@@ -123,6 +123,9 @@ TEST_F(Resumable, HasOneOutcomeForEachKindOfTrouble)
 	};
 	const auto always = [](const char* place, const Behaviour& trouble)
 	{ return [=](Origin& where, const Behaviour&) { where.at(place, trouble); }; };
+	const auto tells = [](const char* name, const char* value) {
+		return [=](Origin& where, const Behaviour& server) { where.at("POST /files", std::vector{server, headers({{name, value}})}); };
+	};
 	const auto silence = [](FCorvaneResumableOptions& options) { options.SilenceSeconds = 1; };
 	const auto sums = [](FCorvaneResumableOptions& options) { options.PieceChecksum = TEXT("sha256"); };
 	const auto atOnce = [](FCorvaneResumableOptions& options) { options.bFirstPieceAtOnce = true; };
@@ -157,6 +160,9 @@ TEST_F(Resumable, HasOneOutcomeForEachKindOfTrouble)
 		{"forbidden (403)", first(patches, code(403)), Outcome::Succeeded, 1},
 		{"forgotten each time", always(patches, code(410)), Outcome::ServerError, 4, "no more (410)"},
 		{"another version", always(posts, code(412)), Outcome::Refused, 0, "another version"},
+		{"another version in its answers", tells("Tus-Resumable", "0.2.2"), Outcome::Refused, 0, "another version"},
+		{"only other versions", tells("Tus-Version", "0.2.2"), Outcome::Refused, 0, "another version"},
+		{"this version among others", tells("Tus-Version", "0.2.2, 1.0.0")},
 		{"too much, at once", always(posts, code(413)), Outcome::ServerError, 0, "does not take so much"},
 		{"too much, in its middle", always(patches, upload({.refusesAfter = 1000, .code = 413})), Outcome::ServerError, 0,
 			"does not take so much"},
@@ -265,14 +271,19 @@ TEST_F(Resumable, GoesOnWithWhatAnEarlierStartHasBroughtUnlessItIsNotTheSame)
 		Lab::Origin fresh;
 		const Lab::Behaviour server = Lab::tus();
 		fresh.at("/files*", server);
-		fresh.at("PATCH /files*", Lab::inTurn({server, Lab::upload({.hangsUpAfter = 1000}), server}));
+		fresh.at("PATCH /files*", Lab::inTurn({server, Lab::upload({.hangsUpAfter = 1000})}));
 		const std::string path = folder.write("file.bin", uploadedFile);
 		FCorvaneResumableOptions options = patient();
 		options.Attempts = 1;
-		const FCorvaneTransferReport broken = send(fresh.url("/files"), path, options);
-		ASSERT_EQ(broken.Outcome, Outcome::Dropped);
-		EXPECT_EQ(broken.BytesLeft, 20'000);
-		EXPECT_THAT(utf8(broken.HowToGoOn), HasSubstr("goes on behind them"));
+		for (const int64 before : {0, 20'000})
+		{
+			const FCorvaneTransferReport broken = send(fresh.url("/files"), path, options);
+			ASSERT_EQ(broken.Outcome, Outcome::Dropped);
+			EXPECT_EQ(broken.TakenOverBytes, before);
+			EXPECT_EQ(broken.BytesLeft, 20'000);
+			EXPECT_THAT(utf8(broken.HowToGoOn), HasSubstr("goes on behind them"));
+			fresh.at("PATCH /files*", Lab::upload({.hangsUpAfter = 1000}));
+		}
 
 		const fs::path journal = *fs::directory_iterator(folder.path("notes"));
 		fresh.at("PATCH /files*", server);

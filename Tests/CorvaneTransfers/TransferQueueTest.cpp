@@ -1,3 +1,4 @@
+#include "Containers/Ticker.h"
 #include "CorvaneDownloadFile.h"
 #include "CorvaneTransferQueue.h"
 #include "CorvaneUploadFile.h"
@@ -178,7 +179,7 @@ TEST_F(TransferQueue, KeepsItsLimitsAndEndsEachOnce)
 {
 	CountingServer one, other;
 	const RawServer server(one.script()), second(other.script());
-	queue->SetLimits(3, 2);
+	queue->SetLimits(1, 1);
 	int ends = 0, idle = 0;
 	Listen(queue->OnTransferEnd, [&](UCorvaneTransfer*, const FCorvaneTransferReport&) { ++ends; });
 	Listen(queue->OnIdle, [&](const FCorvaneQueueReport&) { ++idle; });
@@ -188,6 +189,9 @@ TEST_F(TransferQueue, KeepsItsLimitsAndEndsEachOnce)
 	}
 	add("ftp://wrong", "wrong", 9);
 	UCorvaneDownloadFile* const cancelled = add(server.url(), "cancelled");
+	const TStrongObjectPtr<UCorvaneDownloadFile> held(cancelled);
+	EXPECT_EQ(queue->GetReport().Waiting, 13);
+	queue->SetLimits(3, 2);
 	EXPECT_EQ(queue->GetReport().Waiting, 11);
 	EXPECT_EQ(queue->GetReport().Running, 3);
 	cancelled->Cancel();
@@ -207,6 +211,11 @@ TEST_F(TransferQueue, KeepsItsLimitsAndEndsEachOnce)
 	EXPECT_EQ(report.TotalBytes, report.Bytes);
 	EXPECT_EQ(report.Waiting + report.Running + report.Paused, 0);
 	EXPECT_TRUE(folder.read("f11") == queuedFile);
+	held->Pause(); // what is over stays over
+	held->Continue();
+	held->Cancel();
+	queue->CancelAll();
+	finish();
 }
 
 TEST_F(TransferQueue, PausesWithoutMovingAByteTwice)
@@ -251,6 +260,9 @@ TEST_F(TransferQueue, SharesBytesPerSecond)
 	CountingServer counting;
 	const RawServer server(counting.script());
 	queue->SetLimits(4, 4, sharedLimit);
+	bool isLater = false; // a queue that was idle for a while watches anew
+	FTSTicker::GetCoreTicker().AddTicker(FTickerDelegate::CreateLambda([&isLater](float) { return !(isLater = true); }), 0.2f);
+	EXPECT_TRUE(loop.WaitFor([&isLater] { return isLater; }, patienceSeconds));
 	int64 told = 0;
 	Listen(queue->OnProgress, [&](const FCorvaneQueueReport& report) { told = report.Bytes; });
 	for (int file = 0; file < 12; ++file)
@@ -314,6 +326,7 @@ TEST_F(TransferQueue, TakesUpAFolderAfterARestart)
 	}
 	EXPECT_GE(kept, 2'000'000);
 	folder.write("torn.corvjournal", "source 1");
+	folder.write("a.corvjournal.copy", folder.read("a.corvjournal"));
 
 	FGameLoop again;
 	queue = UCorvaneTransferQueue::GetTransferQueue(text("files"));

@@ -2,8 +2,10 @@
 #include "DownloadModel.h"
 #include "TextSupport.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
+#include <sstream>
 
 using Outcome = ECorvaneTransferOutcome;
 using Do = ECorvaneTusAction;
@@ -334,5 +336,129 @@ TEST(TusMachine, FindsTheUploadWhereTheServerSaysThatItIs)
 		EXPECT_EQ(machine.OnExchangeEnded(0, end).Action, bFound ? Do::Begin : Do::Close);
 		EXPECT_EQ(utf8(machine.GetUpload().Address), tested.address);
 		EXPECT_EQ(machine.GetReport().Outcome, bFound ? Outcome::Running : Outcome::ServerError);
+	}
+}
+
+namespace
+{
+	struct TusCase
+	{
+		const char* what;
+		/**
+		 * "open" begins with a file of 1000 bytes, "noted" with one of which an earlier run has begun an upload. "204@400+checksum" is an
+		 * answer with an offset and the extensions of the server, the two others are ends without one.
+		 */
+		const char* happens;
+		const char* does; // "send@400" begins with that byte
+		const char* says = ""; // the report
+	};
+
+	/** Tells a machine by hand what happens. */
+	struct UploadByHand
+	{
+		static FCorvaneResumableOptions options()
+		{
+			FCorvaneResumableOptions made;
+			made.PieceBytes = 400;
+			made.bTerminateOnCancel = true;
+			return made;
+		}
+
+		FCorvaneTusStep begin(bool isNoted)
+		{
+			machine.Start(0);
+			FCorvaneTusOpened opened;
+			opened.Size = 1000;
+			opened.Upload.Address = isNoted ? TEXT("http://host/files/0") : TEXT("");
+			return machine.OnOpened(0, opened);
+		}
+
+		FCorvaneTusStep end(const std::string& word)
+		{
+			FCorvaneTusEnd ended;
+			ended.Random = 0.5;
+			ended.Exchange.End = word == "stopped" ? ECorvaneExchangeEnd::Cancelled : ECorvaneExchangeEnd::Dropped;
+			if (std::isdigit(word[0]) != 0)
+			{
+				const size_t offset = word.find('@'), extensions = word.find('+');
+				UploadServer::set(ended, std::stoi(word), offset == word.npos ? -1 : std::stoi(word.substr(offset + 1)));
+				ended.Exchange.Answer.Kept.Add(TEXT("Location"), TEXT("1"));
+				ended.Exchange.Answer.Kept.Add(TEXT("Tus-Extension"), text(extensions == word.npos ? "" : word.substr(extensions + 1)));
+			}
+			return machine.OnExchangeEnded(0, ended);
+		}
+
+		FCorvaneTusStep follow(const std::string& word)
+		{
+			return word == "open" || word == "noted" ? begin(word == "noted")
+				   : word == "begun"                 ? machine.OnBegun(0, Outcome::Running, FString())
+				   : word == "waited"                ? machine.OnWaitOver(0)
+				   : word == "closed"                ? machine.OnClosed(0)
+				   : word == "pause"                 ? machine.Pause(0)
+				   : word == "on"                    ? machine.Continue(0)
+				   : word == "cancel"                ? machine.Cancel(0)
+				   : word == "end"                   ? machine.EndOfProgram(0)
+													 : end(word);
+		}
+
+		std::string play(const TusCase& each)
+		{
+			const char* const names[] = {
+				"-", "open", "create", "begin", "ask", "send@", "stop", "wait", "terminate", "close", "discard", "tell"};
+			std::istringstream words(each.happens);
+			std::string word, told;
+			while (words >> word)
+			{
+				const FCorvaneTusStep step = follow(word);
+				told += (told.empty() ? "" : " ") + std::string(names[static_cast<int>(step.Action)]);
+				told += step.Action == Do::Create && step.Bytes > 0 ? "@" : "";
+				told += told.back() == '@' ? std::to_string(step.Start) : "";
+			}
+			return told;
+		}
+
+		FCorvaneTusMachine machine{TEXT("http://host/files/"), options(), FCorvaneTusWishes()};
+	};
+} // namespace
+
+TEST(TusMachine, DoesWhatFollows)
+{
+	const TusCase cases[] = {
+		{"a whole upload", "open 201 begun 204@400 204@800 204@1000 closed", "create begin send@0 send@400 send@800 discard tell",
+			"The server has the file"},
+		{"an upload begun anew begins with the first byte", "noted 200@400 204@800 404 201 begun",
+			"ask send@400 send@800 create begin send@0"},
+		{"one that is begun anew, by a server that takes bytes at once", "open 201+creation-with-upload begun 204@400 404 201@300 begun",
+			"create begin send@0 send@400 create@0 begin send@300"},
+		{"a cancel throws away what was begun", "open 201 begun cancel stopped 204 closed",
+			"create begin send@0 stop terminate discard tell", "has thrown it away"},
+		{"the same while it is begun", "open 201 cancel begun 404", "create begin - terminate discard", "has thrown it away"},
+		{"the server has lost it before", "noted cancel stopped 410", "ask stop terminate discard", "has thrown it away"},
+		{"the server does not say that it has", "noted cancel stopped 500", "ask stop terminate close", "did not say"},
+		{"nor does it answer", "noted cancel stopped broken", "ask stop terminate close", "did not say"},
+		{"nothing was begun", "open cancel stopped", "create stop close", "The upload was cancelled."},
+		{"a server that throws nothing away", "noted 200@400+creation cancel stopped", "ask send@400 stop close", "was cancelled."},
+		{"a server that says that it does", "noted 200@400+creation,termination cancel stopped", "ask send@400 stop terminate"},
+		{"the program ends", "noted 200@400 end stopped", "ask send@400 stop close", "The program"},
+		{"a pause", "noted 200@400 pause stopped on 200@500", "ask send@400 stop - ask send@500"},
+		{"a pause while it is begun", "open pause 201 begun on 200@0", "create - begin - ask send@0"},
+		{"a pause between two tries", "noted broken pause on 200@0 broken waited", "ask wait - ask send@0 wait ask"},
+	};
+	for (const TusCase& each : cases)
+	{
+		UploadByHand hand;
+		EXPECT_EQ(hand.play(each), each.does) << each.what;
+		EXPECT_EQ(hand.machine.GetReport().TransferredBytes, 0) << "no end has told of any";
+		EXPECT_THAT(utf8(hand.machine.GetReport().Sentence), testing::HasSubstr(each.says)) << each.what;
+	}
+}
+
+TEST(TusOptions, PiecesHave1024BytesAtLeastAndLessThan2GiB)
+{
+	for (const auto& [bytes, fits] : {std::pair(int64(1023), false), {1024, true}, {(int64(1) << 31) - 1, true}, {int64(1) << 31, false}})
+	{
+		FCorvaneResumableOptions options;
+		options.PieceBytes = bytes;
+		EXPECT_EQ(FCorvaneTusWishes::Read(TEXT("http://host/"), TEXT("file"), options).Fault.IsEmpty(), fits) << bytes;
 	}
 }

@@ -289,8 +289,8 @@ def main():
                 if catcher:
                     left.remove(mutant)
                     tell(mutant, f"caught by {catcher}")
-    for mutant in left:
-        tell(mutant, f"SURVIVED {passing[mutant.number]} tests")
+                elif programs is FRONT_ENDS or not arguments.all:
+                    tell(mutant, f"SURVIVED {passing[mutant.number]} tests")
     counted = len(mutants) - same
     caught = counted - len(left)
     print(f"{len(mutants)} mutants of seed {arguments.seed}: {caught} of {counted} caught ({100 * caught / max(1, counted):.1f} %), {same} the same program; {time.monotonic() - begin:.0f} s")

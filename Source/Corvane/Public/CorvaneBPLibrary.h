@@ -565,8 +565,8 @@ public:
 	/** Forgets the node of an ID if it is gone. */
 	void forgetDeadNode(const FString& requestID);
 
-	/** @return whether a script asked to cancel this ID; the mark is taken away with the answer. Thread: any. */
-	bool takeCancelMark(const FString& requestID);
+	/** Forgets that a script asked to cancel this ID. Thread: any. */
+	void dropCancelMark(const FString& requestID);
 
 	/** Ends the running-request entry of an ID if it still is this request, so that nothing keeps its body in memory. */
 	void releaseRunningRequest(const FString& requestID, const FHttpRequestPtr& request);

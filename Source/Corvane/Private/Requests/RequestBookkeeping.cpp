@@ -66,10 +66,10 @@ TWeakObjectPtr<UAsyncNodeCorv> UCorvaneBPLibrary::takeNode(const FString& InRequ
 	return Node;
 }
 
-bool UCorvaneBPLibrary::takeCancelMark(const FString& InRequestID)
+void UCorvaneBPLibrary::dropCancelMark(const FString& InRequestID)
 {
 	FScopeLock Lock(&mapLock);
-	return cancelledRequests.Remove(InRequestID) > 0;
+	cancelledRequests.Remove(InRequestID);
 }
 
 void UCorvaneBPLibrary::releaseRunningRequest(const FString& InRequestID, const FHttpRequestPtr& InRequest)

@@ -153,7 +153,7 @@ void UCorvaneBPLibrary::startRequest(FhttpRequest& InRequest)
 		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: The request is still running and was not started again. %s"), *ID);
 		return;
 	}
-	takeCancelMark(ID); // an old mark is not meant for this request; one for a run that goes on is
+	dropCancelMark(ID); // an old mark is not meant for this request; one for a run that goes on is
 
 	const FHttpRequestPtr HttpRequest = FHttpModule::Get().CreateRequest();
 	HttpRequest->SetDelegateThreadPolicy(EHttpRequestDelegateThreadPolicy::CompleteOnHttpThread);

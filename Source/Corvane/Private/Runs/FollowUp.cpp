@@ -76,7 +76,7 @@ namespace CorvaneFollowUp
 	{
 		if (FollowUp.cancelState->isAsked(FollowUp.requestID) || FollowUp.cancelState->programEnds)
 		{
-			Library.takeCancelMark(FollowUp.requestID);
+			Library.dropCancelMark(FollowUp.requestID);
 			fail(Library, FollowUp);
 			return;
 		}

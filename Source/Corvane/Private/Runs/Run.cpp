@@ -149,7 +149,7 @@ bool FCorvRun::cancelIfAsked()
 	{
 		return false;
 	}
-	corvaneBPLibrary->takeCancelMark(requestID);
+	corvaneBPLibrary->dropCancelMark(requestID);
 	return true;
 }
 
