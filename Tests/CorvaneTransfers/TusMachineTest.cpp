@@ -260,45 +260,6 @@ TEST(TusMachine, EndsOnceAndSucceedsOnlyWithTheWholeFileWhateverHappens)
 	EXPECT_GT(tookOver, 20);
 }
 
-TEST(TusMachine, TriesWithoutANewByteAreLimitedAndOthersAreNot)
-{
-	struct Case
-	{
-		const char* name;
-		int64 bytesOfTry; // that reach the server before the connection breaks
-		int tries; // before it gives up; 0 = it does not
-	};
-	for (const Case& tested : {Case{"no byte", 0, 3}, Case{"one byte each", 1, 0}})
-	{
-		SCOPED_TRACE(tested.name);
-		FCorvaneResumableOptions options;
-		options.Attempts = 3;
-		FCorvaneTusMachine machine(TEXT("http://host/files"), options, FCorvaneTusWishes());
-		machine.Start(0);
-		FCorvaneTusOpened opened;
-		opened.Size = 1000;
-		opened.Upload.Address = TEXT("http://host/files/1");
-		FCorvaneTusStep step = machine.OnOpened(0, opened);
-		int broken = 0;
-		for (int64 there = 0; broken < 50 && step.Action != Do::Close;)
-		{
-			FCorvaneTusEnd end;
-			if (step.Action == Do::Ask)
-			{
-				UploadServer::set(end, 200, there);
-			}
-			else
-			{
-				end.Exchange.End = ECorvaneExchangeEnd::Dropped;
-				there += tested.bytesOfTry;
-				++broken;
-			}
-			step = step.Action == Do::Wait ? machine.OnWaitOver(0) : machine.OnExchangeEnded(0, end);
-		}
-		EXPECT_EQ(broken, tested.tries == 0 ? 50 : tested.tries);
-	}
-}
-
 TEST(TusMachine, FindsTheUploadWhereTheServerSaysThatItIs)
 {
 	struct Case
@@ -360,6 +321,7 @@ namespace
 		{
 			FCorvaneResumableOptions made;
 			made.PieceBytes = 400;
+			made.Attempts = 3;
 			made.bTerminateOnCancel = true;
 			return made;
 		}
@@ -430,6 +392,10 @@ TEST(TusMachine, DoesWhatFollows)
 			"ask send@400 send@800 create begin send@0"},
 		{"one that is begun anew, by a server that takes bytes at once", "open 201+creation-with-upload begun 204@400 404 201@300 begun",
 			"create begin send@0 send@400 create@0 begin send@300"},
+		{"tries without a new byte are limited", "noted 200@0 broken waited 200@0 broken waited 200@0 broken",
+			"ask send@0 wait ask send@0 wait ask send@0 close", "broke off"},
+		{"and others are not", "noted 200@0 broken waited 200@1 broken waited 200@2 broken waited 200@3 broken waited",
+			"ask send@0 wait ask send@1 wait ask send@2 wait ask send@3 wait ask"},
 		{"a cancel throws away what was begun", "open 201 begun cancel stopped 204 closed",
 			"create begin send@0 stop terminate discard tell", "has thrown it away"},
 		{"the same while it is begun", "open 201 cancel begun 404", "create begin - terminate discard", "has thrown it away"},
