@@ -173,7 +173,7 @@ TEST_F(Exchange, TellsSilenceFromNoConnectionAndNoRequest)
 	EXPECT_EQ(receiver->body, "01234");
 	start("http://127.0.0.1:1/");
 	EXPECT_EQ(waitForEnd().End, End::NoConnection);
-	start("ftp://127.0.0.1/");
+	start("");
 	EXPECT_EQ(waitForEnd().End, End::NotSent);
 }
 

@@ -51,7 +51,7 @@ TEST_P(Callbacks, RunWhereTheRequestAsked)
 
 TEST_P(Callbacks, OfARefusedRequestComeAtOnceOnTheGameThreadOnly)
 {
-	Exchange& exchange = make("ftp://refused/");
+	Exchange& exchange = make("");
 	EXPECT_FALSE(exchange.start());
 	EXPECT_TRUE(exchange.completed() || !onGameThread());
 	ASSERT_TRUE(waitFor([&] { return exchange.completed(); }));

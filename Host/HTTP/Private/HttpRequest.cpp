@@ -21,12 +21,12 @@ bool FHttpRequest::ProcessRequest()
 	bOnGameThread = Policy == EHttpRequestDelegateThreadPolicy::CompleteOnGameThread || FHttpThread::Get().ForcesGameThread();
 	bProcessing = true;
 	const FString Fault = Prepare();
-	if (Fault.IsEmpty())
+	bRefused = !Fault.IsEmpty();
+	if (!bRefused)
 	{
 		return FHttpThread::Get().Start(shared_from_this());
 	}
 	UE_LOG(LogHttp, Error, TEXT("Request refused: %s"), *Fault);
-	Url.reset();
 	if (bOnGameThread)
 	{
 		End({});
@@ -40,10 +40,9 @@ bool FHttpRequest::ProcessRequest()
 
 FString FHttpRequest::Prepare()
 {
-	Url = FUrl::Parse(UrlText);
-	if (!Url)
+	if (UrlText.IsEmpty())
 	{
-		return TEXT("not a valid http or https URL");
+		return TEXT("it has no URL");
 	}
 	if (!RequestHeaders::IsToken(Verb))
 	{

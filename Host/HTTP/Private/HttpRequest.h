@@ -60,6 +60,8 @@ public:
 	void EndWithoutService();
 
 	// HTTP thread, while it runs:
+	/** Comes first: whoever starts a request is not kept waiting for it. @return whether the URL may be asked for. */
+	bool ParseUrl();
 	void BeginResponse();
 	void TakeStatus(int32 Code);
 	void TakeHeader(FString Name, FString Value);
@@ -69,13 +71,14 @@ public:
 	void NoteSent(uint64 Bytes);
 	std::optional<double> TimeoutSeconds, ActivityTimeoutSeconds; // none = the service's
 	std::string Verb = "GET"; // upper case
-	std::optional<FUrl> Url; // nothing when the request was refused
+	std::optional<FUrl> Url; // from ParseUrl on
 	FString EffectiveURL;
 	FHeaderMap Headers;
 	std::unique_ptr<FRequestBody> Body; // open; null = none
 	FTransfer* RunningTransfer = nullptr;
 	bool bBytesDropped = false; // after a cancel: whatever comes of the transfer, it is not whole
 	bool bEnded = false;
+	bool bRefused = false; // before it came to the HTTP thread
 
 private:
 	bool MayChange() const;

@@ -4,6 +4,16 @@
 
 // What a request does from its start to its completion.
 
+bool FHttpRequest::ParseUrl()
+{
+	Url = FUrl::Parse(UrlText);
+	if (!Url)
+	{
+		UE_LOG(LogHttp, Error, TEXT("Request failed: not a valid http or https URL"));
+	}
+	return Url.has_value();
+}
+
 void FHttpRequest::BeginResponse()
 {
 	if (!Response.IsValid())

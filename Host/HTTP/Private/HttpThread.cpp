@@ -156,7 +156,7 @@ bool FHttpThread::TakeCommands()
 void FHttpThread::Start(FHttpRequest& Request)
 {
 	Request.bEnded = false;
-	if (Request.Url)
+	if (!Request.bRefused && Request.ParseUrl())
 	{
 		Queue->Add(Request.shared_from_this());
 	}
