@@ -48,7 +48,7 @@ namespace
 	void Begin(const FRequest& Request)
 	{
 		Request->bEnded = false;
-		if (!Request->Url)
+		if (Request->bRefused || !Request->ParseUrl())
 		{
 			Request->End({});
 			return;
