@@ -321,6 +321,10 @@ TEST(DownloadMachine, ObeysInEveryState)
 		EXPECT_EQ(cancelled.Action, Action::Discard);
 		EXPECT_EQ(hand.machine.GetReport().Attempts, asked ? 1 : 0);
 	}
+	ByHand early; // a queue ends so what waits
+	early.machine.Cancel(0);
+	EXPECT_FALSE(early.machine.Start(0, FString()).bAskIfNew);
+	EXPECT_EQ(early.machine.OnOpened(1, {}).Action, Action::Discard);
 	for (const Outcome late : {Outcome::Cancelled, Outcome::Succeeded}) // the whole file was being read, or was in its place already
 	{
 		ByHand cancelled;

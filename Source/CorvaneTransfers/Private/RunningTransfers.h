@@ -9,7 +9,7 @@ class FCorvaneRunningTransfer
 {
 public:
 	virtual ~FCorvaneRunningTransfer() = default;
-	/** Ends it soon, with Ended; its bytes stay. */
+	/** Ends it soon, with Ended; its bytes stay. May come before its start. */
 	virtual void EndWithProgram() = 0;
 	/** It is over, and has told so. */
 	virtual bool IsOver() const = 0;

@@ -16,7 +16,7 @@ public:
 	virtual void Start() = 0;
 	virtual void Pause() = 0;
 	virtual void Continue() = 0;
-	/** Ends it soon; what has arrived is kept. */
+	/** Ends it soon; what has arrived is kept. One that comes before Start is kept for it, and nothing is sent. */
 	virtual void Cancel() = 0;
 	virtual bool IsPaused() const = 0;
 	/** @return how it stands. */

@@ -76,7 +76,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::OnLooked(double Now, bool bTargetE
 FCorvaneDownloadStep FCorvaneDownloadMachine::Open(double Now)
 {
 	FCorvaneDownloadStep Step = Do(EPhase::Opening, Now, ECorvaneDownloadAction::Open);
-	Step.bAskIfNew = !bWantsPause;
+	Step.bAskIfNew = !bWantsPause && !IsToEnd();
 	Step.Question = Question = MakeQuestion();
 	Report.Attempts = Step.bAskIfNew ? 1 : 0;
 	return Step;
@@ -283,7 +283,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::Continue(double Now)
 
 FCorvaneDownloadStep FCorvaneDownloadMachine::EndWith(double Now, ECorvaneTransferOutcome Outcome)
 {
-	const bool bTooLate = Phase == EPhase::New || Phase == EPhase::Closing || Phase == EPhase::Over;
+	const bool bTooLate = Phase == EPhase::Closing || Phase == EPhase::Over;
 	if (bTooLate || IsToEnd())
 	{
 		return {};

@@ -63,17 +63,25 @@ void FCorvaneQueueRun::Fill()
 
 void FCorvaneQueueRun::Begin(int64 Ticket)
 {
+	const bool bHasBegun = Entries.Find(Ticket)->HasBegun();
+	const TSharedRef<FCorvaneTransferRun> Run = NeedRun(Ticket);
+	bHasBegun ? Run->Continue() : Run->Start();
+}
+
+/** @return what moves the transfer; it may not have begun yet. */
+TSharedRef<FCorvaneTransferRun> FCorvaneQueueRun::NeedRun(int64 Ticket)
+{
 	FEntry& Entry = *Entries.Find(Ticket);
 	if (Entry.HasBegun())
 	{
-		return Entry.Run->Continue();
+		return Entry.Run.ToSharedRef();
 	}
 	Entry.Transfer->NeedRun();
 	const TSharedRef<FCorvaneTransferRun> Run = Entry.Transfer->Run.ToSharedRef();
 	Entry.Run = Run;
 	Begun.Add(Ticket);
 	Run->SharePace(Pace);
-	Run->Start();
+	return Run;
 }
 
 void FCorvaneQueueRun::Leave(int64 Ticket, const FCorvaneTransferReport& Report)
@@ -140,13 +148,14 @@ void FCorvaneQueueRun::CancelOne(int64 Ticket)
 	{
 		return;
 	}
-	if (!Entry->HasBegun())
+	const bool bHasBegun = Entry->HasBegun();
+	const TSharedRef<FCorvaneTransferRun> Run = NeedRun(Ticket);
+	Run->Cancel();
+	if (!bHasBegun) // so it tells its outcome, and sends nothing
 	{
 		Machine.Remove(Ticket);
-		Begin(Ticket);
+		Run->Start();
 	}
-	const TSharedRef<FCorvaneTransferRun> Run = Entry->Run.ToSharedRef();
-	Run->Cancel();
 }
 
 TArray<int64> FCorvaneQueueRun::TicketsOfAll() const
@@ -197,7 +206,9 @@ void FCorvaneQueueRun::LetGoOfAll()
 		Machine.Remove(Ticket);
 		if (!Entries.Find(Ticket)->HasBegun())
 		{
-			Begin(Ticket);
+			const TSharedRef<FCorvaneTransferRun> Run = NeedRun(Ticket);
+			Run->EndWithProgram();
+			Run->Start();
 		}
 	}
 }

@@ -71,6 +71,7 @@ private:
 
 	void Fill();
 	void Begin(int64 Ticket);
+	TSharedRef<FCorvaneTransferRun> NeedRun(int64 Ticket);
 	void TellIfIdle();
 	TArray<int64> TicketsOfAll() const;
 	void Count(const FCorvaneTransferReport& Report, FCorvaneQueueReport& Sum) const;

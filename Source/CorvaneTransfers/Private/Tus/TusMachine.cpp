@@ -238,7 +238,7 @@ FCorvaneTusStep FCorvaneTusMachine::Continue(double Now)
 
 FCorvaneTusStep FCorvaneTusMachine::EndWith(double Now, ECorvaneTransferOutcome Outcome)
 {
-	const bool bTooLate = Phase == EPhase::New || Phase == EPhase::Terminating || Phase == EPhase::Closing || Phase == EPhase::Over;
+	const bool bTooLate = Phase == EPhase::Terminating || Phase == EPhase::Closing || Phase == EPhase::Over;
 	if (bTooLate || WantedEnd != ECorvaneTransferOutcome::Running)
 	{
 		return {};

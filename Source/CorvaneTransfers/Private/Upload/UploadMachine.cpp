@@ -248,7 +248,7 @@ FCorvaneUploadStep FCorvaneUploadMachine::Continue(double Now)
 
 FCorvaneUploadStep FCorvaneUploadMachine::EndWith(double Now, ECorvaneTransferOutcome Outcome)
 {
-	if (Phase == EPhase::New || IsOver() || WantedEnd != ECorvaneTransferOutcome::Running)
+	if (IsOver() || WantedEnd != ECorvaneTransferOutcome::Running)
 	{
 		return {};
 	}
