@@ -363,7 +363,7 @@ TEST_F(FollowEvents, HoldTheConnectionBackWhenNobodyTakesThemAndCanBeEndedThen)
 			EXPECT_EQ(ids.back(), std::to_string(ids.size()));
 		};
 		start(server.url());
-		EXPECT_TRUE(loop.WaitFor([&] { return ids.size() > 3000; }, patienceSeconds)); // 30 MB
+		EXPECT_TRUE(loop.WaitFor([&] { return ids.size() > 1200; }, patienceSeconds)); // 12 MB
 		isFull = false;
 		EXPECT_TRUE(loop.WaitFor([&] { return isFull; }, patienceSeconds));
 		if (exits)

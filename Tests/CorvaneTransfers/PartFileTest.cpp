@@ -1,6 +1,7 @@
 #include "FileSizeLimit.h"
 #include "Files/FileBlocks.h"
 #include "ForwardingFiles.h"
+#include "GameLoop.h"
 #include "PartFileKit.h"
 #include "RandomBytes.h"
 #include "TempDir.h"
@@ -374,6 +375,7 @@ TEST_F(PartFile, ALongOneIsVouchedForBeforeItTakesItsPlace)
 		}
 		std::function<void()> OnMove;
 	};
+	const FGameLoop Loop; // whose end waits for the thread that flushes early
 	const std::string Long = randomBytes(16 << 20);
 	bool bIsKnown = false;
 	FilesThatLook Files;
