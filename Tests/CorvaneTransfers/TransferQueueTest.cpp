@@ -12,6 +12,7 @@
 #include "RawServer.h"
 #include "TempDir.h"
 #include "TextSupport.h"
+#include "UObject/StrongObjectPtr.h"
 #include "Waiting.h"
 
 #include <atomic>
