@@ -25,7 +25,10 @@ public:
 
 	/** Whether all callbacks belong to the game thread. */
 	bool ForcesGameThread() const { return Settings.bForceGameThreadCallbacks; }
-	/** Takes a request; one that is refused, or has no URL that may be asked for, completes as failed. @return false when none is taken now. Thread: any. */
+	/**
+	 * Takes a request; one that is refused, or has no URL that may be asked for, completes as failed. Thread: any.
+	 * @return false when none is taken now.
+	 */
 	bool Start(std::shared_ptr<FHttpRequest> Request);
 	/** Ends a request that was handed to Start, unless it is over. Thread: any. */
 	void Cancel(std::shared_ptr<FHttpRequest> Request);
