@@ -19,7 +19,9 @@ TickTimes tickUntil(FGameLoop& loop, const std::function<bool()>& condition, dou
 		const Clock::time_point began = Clock::now();
 		const double before = ProcessFigures::threadCpuSeconds();
 		loop.Tick();
-		times.last = ProcessFigures::threadCpuSeconds() - before;
+		const double behind = ProcessFigures::threadCpuSeconds();
+		const double ofTheClock = ProcessFigures::threadCpuSeconds() - behind;
+		times.last = std::max(0.0, behind - before - ofTheClock);
 		if (condition())
 		{
 			return times;

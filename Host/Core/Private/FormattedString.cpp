@@ -42,7 +42,10 @@ namespace
 			if (conversion == u"%d" || conversion == u"%lld") // by far the most
 			{
 				const fmt::format_int plain(value);
-				result.append(plain.data(), plain.data() + plain.size());
+				for (const char digit : std::string_view(plain.data(), plain.size()))
+				{
+					result.push_back(static_cast<TCHAR>(digit));
+				}
 				return;
 			}
 		}
@@ -54,7 +57,7 @@ namespace
 FString FString::PrintfImpl(const TCHAR* Format, std::initializer_list<FArgument> Arguments)
 {
 	FString Result;
-	Result.Text.reserve(128); // of most lines
+	Result.Text.reserve(256); // of most lines
 	const FArgument* Next = Arguments.begin();
 	for (View Rest = Format; !Rest.empty();)
 	{

@@ -104,12 +104,12 @@ int32 FString::Find(const FString& Part, ESearchCase::Type Case, ESearchDir::Typ
 
 bool FString::StartsWith(const FString& Prefix, ESearchCase::Type Case) const
 {
-	return Prefix.Len() <= Len() && Left(Prefix.Len()).Equals(Prefix, Case);
+	return Prefix.Len() <= Len() && std::equal(Prefix.Text.begin(), Prefix.Text.end(), Text.begin(), sameUnits(Case));
 }
 
 bool FString::EndsWith(const FString& Suffix, ESearchCase::Type Case) const
 {
-	return Suffix.Len() <= Len() && Right(Suffix.Len()).Equals(Suffix, Case);
+	return Suffix.Len() <= Len() && std::equal(Suffix.Text.begin(), Suffix.Text.end(), Text.end() - Suffix.Len(), sameUnits(Case));
 }
 
 bool FString::IsNumeric() const

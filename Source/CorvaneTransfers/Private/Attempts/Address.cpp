@@ -2,31 +2,29 @@
 
 namespace CorvaneAddressParts
 {
-	static bool IsAnyOf(TCHAR Unit, const TCHAR* Wanted)
-	{
-		while (*Wanted != 0 && *Wanted != Unit)
-		{
-			++Wanted;
-		}
-		return *Wanted != 0;
-	}
-
 	/** Where the first of some characters stands, from a place on; the end of the text when none does. */
-	static int32 FindAny(const FString& Text, int32 From, const TCHAR* Wanted)
+	template <typename... CharTypes>
+	static int32 FindAny(const FString& Text, int32 From, CharTypes... Wanted)
 	{
 		const TCHAR* const Units = *Text;
 		const int32 End = Text.Len();
-		while (From < End && !IsAnyOf(Units[From], Wanted))
+		while (From < End && ((Units[From] != Wanted) && ...))
 		{
 			++From;
 		}
 		return From;
 	}
 
+	/** Where the path, the query or the fragment begins, whichever is first. */
+	static int32 FindRest(const FString& URL, int32 From)
+	{
+		return FindAny(URL, From, TEXT('/'), TEXT('?'), TEXT('#'));
+	}
+
 	/** @return where the host, with what stands before and behind it, begins. */
 	static int32 AuthorityBegin(const FString& URL)
 	{
-		const int32 Slash = FindAny(URL, 0, TEXT("/?#"));
+		const int32 Slash = FindRest(URL, 0);
 		const bool bBegins = Slash > 0 && Slash + 1 < URL.Len() && URL[Slash - 1] == TEXT(':') && URL[Slash] == TEXT('/') &&
 							 URL[Slash + 1] == TEXT('/'); // else it stands in a path or a query
 		return bBegins ? Slash + 2 : 0;
@@ -36,7 +34,7 @@ namespace CorvaneAddressParts
 	static int32 HostBegin(const FString& URL)
 	{
 		const int32 Begin = AuthorityBegin(URL);
-		int32 Host = FindAny(URL, Begin, TEXT("/?#"));
+		int32 Host = FindRest(URL, Begin);
 		while (Host > Begin && URL[Host - 1] != TEXT('@'))
 		{
 			--Host;
@@ -47,7 +45,7 @@ namespace CorvaneAddressParts
 	/** @return where a scheme of a link ends, with its colon; 0 when it has none. */
 	static int32 SchemeEnd(const FString& Link)
 	{
-		const int32 End = FindAny(Link, 0, TEXT(":/?#"));
+		const int32 End = FindAny(Link, 0, TEXT(':'), TEXT('/'), TEXT('?'), TEXT('#'));
 		return End < Link.Len() && Link[End] == TEXT(':') ? End + 1 : 0;
 	}
 
@@ -100,12 +98,13 @@ bool CorvaneAddress::IsUsable(const FString& URL)
 {
 	const bool bWeb = URL.StartsWith(TEXT("http://"), ESearchCase::IgnoreCase) || URL.StartsWith(TEXT("https://"), ESearchCase::IgnoreCase);
 	const int32 Host = CorvaneAddressParts::HostBegin(URL);
-	return bWeb && !CorvaneAddressParts::HasBlankOrControl(URL) && CorvaneAddressParts::FindAny(URL, Host, TEXT(":/?#")) > Host;
+	return bWeb && !CorvaneAddressParts::HasBlankOrControl(URL) &&
+		   CorvaneAddressParts::FindAny(URL, Host, TEXT(':'), TEXT('/'), TEXT('?'), TEXT('#')) > Host;
 }
 
 FString CorvaneAddress::WithoutUser(const FString& URL)
 {
-	if (!URL.Contains(TEXT("@"), ESearchCase::CaseSensitive))
+	if (CorvaneAddressParts::FindAny(URL, 0, TEXT('@')) == URL.Len())
 	{
 		return URL;
 	}
@@ -122,7 +121,7 @@ FString CorvaneAddress::ForLog(const FString& URL)
 FString CorvaneAddress::Origin(const FString& URL)
 {
 	const FString Shown = WithoutUser(URL);
-	return Shown.Left(CorvaneAddressParts::FindAny(Shown, CorvaneAddressParts::AuthorityBegin(Shown), TEXT("/?#")));
+	return Shown.Left(CorvaneAddressParts::FindRest(Shown, CorvaneAddressParts::AuthorityBegin(Shown)));
 }
 
 bool CorvaneAddress::IsSameOrigin(const FString& A, const FString& B)
@@ -144,7 +143,7 @@ FString CorvaneAddress::WithUserOf(const FString& URL, const FString& Other)
 
 FString CorvaneAddress::WithoutQuery(const FString& URL)
 {
-	return URL.Left(CorvaneAddressParts::FindAny(URL, 0, TEXT("?#")));
+	return URL.Left(CorvaneAddressParts::FindAny(URL, 0, TEXT('?'), TEXT('#')));
 }
 
 FString CorvaneAddress::Resolve(const FString& Base, const FString& Link)

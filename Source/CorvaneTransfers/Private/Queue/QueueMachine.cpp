@@ -9,10 +9,17 @@ void FCorvaneQueueMachine::SetLimits(int32 InMostAtOnce, int32 InMostPerHost)
 void FCorvaneQueueMachine::Add(int64 Ticket, const FString& Host, int32 Priority)
 {
 	FEntry Entry;
-	Entry.Host = Host;
+	Entry.Host = NeedHost(Host);
 	Entry.Priority = Priority;
+	++Entry.Host->Known;
 	Enqueue(Ticket, Entry);
 	Entries.Add(Ticket, Entry);
+}
+
+TSharedPtr<FCorvaneQueueMachine::FHost> FCorvaneQueueMachine::NeedHost(const FString& Name)
+{
+	const TSharedPtr<FHost>* const Known = Hosts.Find(Name);
+	return Known ? *Known : Hosts.Add(Name, MakeShared<FHost>(Name));
 }
 
 void FCorvaneQueueMachine::Park(int64 Ticket)
@@ -43,6 +50,10 @@ void FCorvaneQueueMachine::Remove(int64 Ticket)
 	{
 		Leave(Ticket, *Entry);
 		Parked -= Entry->State == EState::Parked ? 1 : 0;
+		if (--Entry->Host->Known == 0)
+		{
+			Hosts.Remove(Entry->Host->Name);
+		}
 		Entries.Remove(Ticket);
 	}
 }
@@ -73,9 +84,9 @@ bool FCorvaneQueueMachine::StartNext(int64& OutTicket)
 FCorvaneQueueMachine::FHost* FCorvaneQueueMachine::ChooseHost()
 {
 	FHost* Chosen = nullptr;
-	for (TPair<FString, FHost>& Pair : Hosts)
+	for (const TPair<FString, TSharedPtr<FHost>>& Pair : Hosts)
 	{
-		FHost& Host = Pair.Value;
+		FHost& Host = *Pair.Value;
 		if (!Host.HasWaiting() || Host.Running >= MostPerHost)
 		{
 			continue;
@@ -107,48 +118,37 @@ int32 FCorvaneQueueMachine::PlaceOf(const FHost& Host, const FRank& Rank)
 
 void FCorvaneQueueMachine::Enqueue(int64 Ticket, const FEntry& Entry)
 {
-	FHost* Host = Hosts.Find(Entry.Host);
-	if (!Host)
+	FHost& Host = *Entry.Host;
+	if (Host.IsIdle())
 	{
-		Host = &Hosts.Add(Entry.Host, FHost());
-		Host->Turn = ++Turns; // a host that is new stands behind the others, or one that comes and goes would pass them
+		Host.Turn = ++Turns; // a host that is new stands behind the others, or one that comes and goes would pass them
 	}
 	const FRank Rank{Entry.Priority, Ticket};
-	Host->Line.Insert(Rank, PlaceOf(*Host, Rank));
+	Host.Line.Insert(Rank, PlaceOf(Host, Rank));
 }
 
 void FCorvaneQueueMachine::Dequeue(int64 Ticket, const FEntry& Entry)
 {
-	FHost& Host = *Hosts.Find(Entry.Host);
+	FHost& Host = *Entry.Host;
 	Host.Line.RemoveAt(PlaceOf(Host, FRank{Entry.Priority, Ticket}));
 }
 
 /** Takes it out of the line, or frees its place. */
 void FCorvaneQueueMachine::Leave(int64 Ticket, const FEntry& Entry)
 {
+	FHost& Host = *Entry.Host;
 	if (Entry.State == EState::Waiting)
 	{
 		Dequeue(Ticket, Entry);
 	}
 	else if (Entry.State == EState::Running)
 	{
-		--Hosts.Find(Entry.Host)->Running;
+		--Host.Running;
 		--Running;
 	}
-	ForgetIfIdle(Entry.Host);
-}
-
-void FCorvaneQueueMachine::ForgetIfIdle(const FString& Name)
-{
-	FHost* Host = Hosts.Find(Name);
-	if (!Host || Host->HasWaiting())
+	if (!Host.HasWaiting()) // else those that have started stay before the others
 	{
-		return;
-	}
-	Host->Line.Reset();
-	Host->First = 0;
-	if (Host->Running == 0)
-	{
-		Hosts.Remove(Name);
+		Host.Line.Reset();
+		Host.First = 0;
 	}
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CoreMinimal.h"
+#include "Templates/SharedPointer.h"
 
 /**
  * Who may start when, as a machine of values: it knows transfers by their tickets alone, which rise with their arrival. Those of
@@ -42,12 +43,6 @@ private:
 		Running,
 		Parked
 	};
-	struct FEntry
-	{
-		FString Host;
-		int32 Priority = 0;
-		EState State = EState::Waiting;
-	};
 	/** One that waits. The order of a list of them is that in which they start. */
 	struct FRank
 	{
@@ -61,20 +56,34 @@ private:
 	};
 	struct FHost
 	{
+		explicit FHost(const FString& InName)
+			: Name(InName)
+		{
+		}
+
+		FString Name;
+		int32 Known = 0; // how many are not over
 		TArray<FRank> Line;
 		int32 First = 0; // of Line: those before it have started
 		int32 Running = 0;
 		int64 Turn = 0; // when it last had one
 
 		bool HasWaiting() const { return First < Line.Num(); }
+		bool IsIdle() const { return !HasWaiting() && Running == 0; }
 		const FRank& Head() const { return Line[First]; }
+	};
+	struct FEntry
+	{
+		TSharedPtr<FHost> Host;
+		int32 Priority = 0;
+		EState State = EState::Waiting;
 	};
 
 	bool Is(int64 Ticket, EState State) const;
 	void Enqueue(int64 Ticket, const FEntry& Entry);
 	void Dequeue(int64 Ticket, const FEntry& Entry);
 	void Leave(int64 Ticket, const FEntry& Entry);
-	void ForgetIfIdle(const FString& Name);
+	TSharedPtr<FHost> NeedHost(const FString& Name);
 	static int32 PlaceOf(const FHost& Host, const FRank& Rank);
 	FHost* ChooseHost();
 
@@ -82,7 +91,7 @@ private:
 	int32 MostPerHost = 1;
 	bool bPaused = false;
 	TMap<int64, FEntry> Entries;
-	TMap<FString, FHost> Hosts;
+	TMap<FString, TSharedPtr<FHost>> Hosts; // those with one that is not over
 	int32 Running = 0;
 	int32 Parked = 0;
 	int64 Turns = 0;
