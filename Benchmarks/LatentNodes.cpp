@@ -10,7 +10,7 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <fstream>
-#include <gperftools/malloc_extension.h>
+#include <mimalloc.h>
 
 namespace
 {
@@ -83,7 +83,7 @@ namespace
 			const int before = client.completed();
 			client.fetch(file.url(), goal - before, inFlight, file.body);
 			loop.CollectGarbage();
-			MallocExtension::instance()->ReleaseFreeMemory(); // what the allocator keeps for the next request is no growth
+			mi_collect(true); // what the allocator keeps for the next request is no growth
 			const std::int64_t resident = ProcessFigures::residentBytes();
 			taken.push_back({fmt::format("resident after {}", goal), "MiB", static_cast<double>(resident) / (1 << 20)});
 			if (before > 0)

@@ -7,7 +7,7 @@ set -euo pipefail
 packages=(
 	g++ cmake ninja-build pkg-config git python3
 	libcurl4-openssl-dev libssl-dev libfmt-dev libcli11-dev nlohmann-json3-dev liblua5.4-dev libcpp-httplib-dev libmd4c-html0-dev libmd4c-dev
-	libhttp-parser-dev libgoogle-perftools-dev zlib1g-dev
+	libhttp-parser-dev libmimalloc-dev zlib1g-dev
 	libgtest-dev libgmock-dev ca-certificates
 )
 servers=
