@@ -30,7 +30,7 @@ namespace
 	{
 	protected:
 		BadPeers()
-			: ModuleFixture(impatient(0.3))
+			: ModuleFixture(impatient(1))
 		{
 		}
 
