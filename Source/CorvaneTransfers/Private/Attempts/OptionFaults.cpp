@@ -46,7 +46,7 @@ FString CorvaneOptionFaults::OfTries(int32 Attempts, double FirstWaitSeconds, do
 	return bSilence ? FString() : FString(TEXT("The limit of silence has to be more than 0 seconds."));
 }
 
-FString CorvaneOptionFaults::First(std::initializer_list<FString> Faults)
+FString CorvaneOptionFaults::First(const TArray<FString>& Faults)
 {
 	for (const FString& Fault : Faults)
 	{

@@ -3,8 +3,6 @@
 #include "CoreMinimal.h"
 #include "Templates/Function.h"
 
-#include <initializer_list>
-
 /** What the options of all kinds of transfers may hold. Each function gives a sentence, empty = nothing is wrong. Thread: any. */
 namespace CorvaneOptionFaults
 {
@@ -23,5 +21,5 @@ namespace CorvaneOptionFaults
 	FString OfTries(int32 Attempts, double FirstWaitSeconds, double LongestWaitSeconds, double SilenceSeconds);
 
 	/** @return the first that is one. */
-	FString First(std::initializer_list<FString> Faults);
+	FString First(const TArray<FString>& Faults);
 } // namespace CorvaneOptionFaults
