@@ -36,8 +36,8 @@ namespace
 
 Figures ChildProcess::run(const std::vector<std::string>& words, const std::string& outputFile)
 {
-	ProcessFigures::
-		forgetPeak(); // what this process had at its peak would count as the child's, which is in its memory until it is another program
+	// Until it is another program a child lives in this one's memory, whose peak would count as its own.
+	ProcessFigures::forgetPeak();
 	const StopWatch watch;
 	const pid_t child = start(words, outputFile);
 	int status = 0;

@@ -15,6 +15,6 @@ struct TickTimes
 
 /**
  * Ticks until a condition holds, which only the loop's tasks and tickers can bring about.
- * @return what these took; waiting and waking up is a game's own affair and does not count.
+ * @return what these took; waiting and waking up is a game's own affair and does not count, nor does reading the clock.
  */
 TickTimes tickUntil(FGameLoop& loop, const std::function<bool()>& condition, double mostSeconds);
