@@ -34,6 +34,7 @@ fuzz() {
 	case $target in
 	Headers | HeaderText | Json) longest=520 ;; # 32 cookies, a small class, 500 lists in each other
 	Addresses | Pages | Requests) longest=300 ;;
+	Journals) longest=100 ;; # thirty records, each with its checksum
 	esac
 	local options=("$2" "$3" "-max_len=$longest" -timeout=60 -rss_limit_mb=2048 -print_final_stats=1 "-artifact_prefix=$findings/")
 	[ ! -f "Tests/Fuzz/$target.dict" ] || options+=("-dict=Tests/Fuzz/$target.dict")
