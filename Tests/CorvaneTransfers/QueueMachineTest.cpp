@@ -77,6 +77,8 @@ TEST(QueueMachine, StartsWhoeverIsNext)
 		{"a full host does not hold others up", 8, 1, "a9 a9 b1 > -1", "1 3 / 2 / "},
 		{"hosts take turns", 1, 6, "a a a b b c > -1 -4 -6 -2 -5", "1 / 4 / 6 / 2 / 5 / 3 / "},
 		{"a host that comes and goes does not pass", 1, 6, "b a a > b -1 -2 -4", "1 / 2 / 4 / 3 / "},
+		{"nor one with nothing but a parked one", 1, 6, "a > p1 b b > a -2 -3 -4", "1 / / 2 / 3 / 4 / / "},
+		{"more of a host do not cost it its turn", 1, 6, "c > a b a -1 -2 -3", "1 / 2 / 3 / 4 / "},
 		{"a pause starts nothing", 1, 6, "|| a a > || -1 >", "/ 1 / / / 2 / "},
 		{"whoever is parked gives its place up and gets it back in its turn", 1, 6, "a a a > p1 w1 -2 -1", "1 / 2 / / 1 / 3 / "},
 		{"whoever is parked before its turn is passed", 1, 6, "a a a > p2 -1 w2 -3", "1 / / 3 / / 2 / "},
