@@ -38,7 +38,7 @@ TEST(PageReading, ReadsNameAndSizeOfADriveFile)
 		{"a size that is no number", itemJson(30, "\"a\"", "null"), "a", 0},
 		{"quotes as entities stay", itemJson(28, "&quot;a&quot;", "1"), "&quot;a&quot;", 1},
 		{"another case of the mark", "ITEMJSON:" + itemJson(28, "a", "3").substr(20), "a", 3},
-		{"a size below nothing", itemJson(28, "\"a\"", "\"-1\""), nullptr, 0},
+		{"a size below nothing", itemJson(28, "\"a\"", "\"-1\""), "a", -1},
 		{"no mark", "<html>,,,,,,</html>", nullptr, 0},
 		{"nothing", "", nullptr, 0},
 	};

@@ -344,7 +344,7 @@ TEST_F(TransferQueue, TakesUpAFolderAfterARestart)
 	queue->ResumeFolder(text(folder.path()), queued(), text("http://elsewhere"));
 	EXPECT_TRUE(again.WaitFor([&] { return idle == 1; }, patienceSeconds));
 	EXPECT_TRUE(outcomes.empty());
-	queue->ResumeFolder(text(folder.path()), queued(), text(server.url("")));
+	queue->ResumeFolder(text(folder.path()), queued(), text(server.url("/"))); // the slash says nothing
 	EXPECT_TRUE(again.WaitFor([&] { return idle == 2; }, patienceSeconds));
 	EXPECT_EQ(outcomes, std::vector<Outcome>(2, Outcome::Succeeded));
 	EXPECT_EQ(takenOver, kept);

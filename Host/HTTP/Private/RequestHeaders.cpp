@@ -101,15 +101,14 @@ FHeaderLines RequestHeaders::ToWire(const FHeaderMap& Headers, uint64 BodySize)
 	return Lines;
 }
 
-void RequestHeaders::DropForRedirect(curl_slist* Lines, bool bOtherHost, bool bNoBody)
+void RequestHeaders::DropForOtherHost(curl_slist* Lines)
 {
 	for (; Lines; Lines = Lines->next)
 	{
 		const std::string_view Line = Lines->data;
 		const std::string_view Name = Line.substr(0, Line.find(':'));
 		// The others that are meant for one host are libcurl's care.
-		const bool bForOneHost = Text::EqualNoCase(Name, "Proxy-Authorization") || Text::EqualNoCase(Name, "Host");
-		if ((bOtherHost && bForOneHost) || (bNoBody && Text::StartsWithNoCase(Name, "Content-")))
+		if (Text::EqualNoCase(Name, "Proxy-Authorization") || Text::EqualNoCase(Name, "Host"))
 		{
 			*Lines->data = '\0'; // libcurl passes over an empty line
 		}

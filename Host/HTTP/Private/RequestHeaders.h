@@ -28,10 +28,6 @@ namespace RequestHeaders
 	/** @param BodySize  announced where the headers announce none. */
 	FHeaderLines ToWire(const FHeaderMap& Headers, uint64 BodySize);
 
-	/**
-	 * Takes out what must not go to the place that a redirect led to.
-	 * @param bOtherHost  what is meant for one host stays behind.
-	 * @param bNoBody  what describes the body goes with it.
-	 */
-	void DropForRedirect(curl_slist* Lines, bool bOtherHost, bool bNoBody);
+	/** A redirect leads to another host: what is meant for the first one stays behind. */
+	void DropForOtherHost(curl_slist* Lines);
 } // namespace RequestHeaders

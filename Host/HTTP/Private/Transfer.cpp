@@ -208,11 +208,11 @@ void FTransfer::OnRequestDue()
 	if (Hops > 0)
 	{
 		const char* Where = "";
-		const char* Verb = "";
 		curl_easy_getinfo(Easy, CURLINFO_EFFECTIVE_URL, &Where);
-		curl_easy_getinfo(Easy, CURLINFO_EFFECTIVE_METHOD, &Verb);
-		const bool bBecameGet = Request->Verb != "GET" && Text::EqualNoCase(Verb, "GET");
-		RequestHeaders::DropForRedirect(Lines.get(), !Request->Url->HasSameHost(Where), bBecameGet);
+		if (!Request->Url->HasSameHost(Where))
+		{
+			RequestHeaders::DropForOtherHost(Lines.get());
+		}
 	}
 }
 

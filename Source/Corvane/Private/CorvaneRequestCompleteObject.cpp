@@ -34,7 +34,7 @@ bool UCorvaneRequestCompleteObject::initCorv()
 
 void UCorvaneRequestCompleteObject::requestComplete(FHttpRequestPtr InRequest, FHttpResponsePtr InResponse, bool bInWasSuccessful)
 {
-	addCompletionJob(ECorvJobType::Complete, InRequest, InResponse, bInWasSuccessful);
+	addCompletionJob(ECorvJobType::Complete, InRequest, InResponse, bInWasSuccessful && !parts->upload.isBroken());
 }
 
 void UCorvaneRequestCompleteObject::requestCompleteLowRam(FHttpRequestPtr InRequest, FHttpResponsePtr InResponse, bool bInWasSuccessful)
@@ -98,6 +98,15 @@ void UCorvaneRequestCompleteObject::takeEventBytes(void* InBytes, int64& InOutNu
 void UCorvaneRequestCompleteObject::requestBodyHandedOut(FHttpRequestPtr, uint64 InBytesSent, uint64)
 {
 	requestProgressUpload(parts->run.request(), InBytesSent, 0);
+}
+
+void UCorvaneRequestCompleteObject::requestBodyBroken(FHttpRequestPtr, uint64, uint64)
+{
+	parts->upload.setBroken();
+	if (const FHttpRequestPtr Request = parts->run.request())
+	{
+		Request->CancelRequest();
+	}
 }
 
 void UCorvaneRequestCompleteObject::addCompletionJob(

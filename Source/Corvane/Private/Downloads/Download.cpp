@@ -87,7 +87,7 @@ FCorvCompletion FCorvDownload::writeBody(const FHttpRequestPtr& InRequest, const
 	{
 		return file.failure(TEXT("another download has taken the file over"));
 	}
-	if (Action == ECorvDownloadAction::Append && plan.start > 0 && !file.isOfKeptVersion(*InResponse))
+	if (Action == ECorvDownloadAction::Append && plan.start > 0 && file.isOfOtherVersion(*InResponse))
 	{
 		return file.failure(TEXT("the answer is of another version than the bytes on disk"));
 	}
@@ -133,7 +133,7 @@ void FCorvDownload::keepReceivedBytes(const FHttpRequestPtr& InRequest, const FH
 	const FCorvDownloadPermission Permission = file.askToWrite();
 	FCorvDownloadAnswer Answer = readAnswer(*InResponse);
 	Answer.statusCode = run.codeOf(InResponse);
-	const bool bKept = CorvaneRules::areReceivedBytesKept(Answer, targetOf(InRequest)) && file.isOfKeptVersion(*InResponse);
+	const bool bKept = CorvaneRules::areReceivedBytesKept(Answer, targetOf(InRequest)) && !file.isOfOtherVersion(*InResponse);
 	if (Permission.isGranted() && bKept)
 	{
 		file.write(*InResponse, false);

@@ -69,6 +69,7 @@ int64 FCorvTargetFile::size() const
 bool FCorvTargetFile::write(const IHttpResponse& InResponse, bool bInReplace)
 {
 	const int64 Before = size();
+	const FString Kept = bInReplace ? FString() : targets().keptVersions.find(path, Before);
 	const bool bWritten = CorvaneTargetFile::tryWrite(path, InResponse.GetContent(), bInReplace);
 	if (!bWritten)
 	{
@@ -77,7 +78,7 @@ bool FCorvTargetFile::write(const IHttpResponse& InResponse, bool bInReplace)
 	const int64 After = size();
 	if (bWritten || After != Before) // also when only some of it was written
 	{
-		targets().keptVersions.remember(path, After, CorvaneTargetFile::versionOf(InResponse));
+		targets().keptVersions.remember(path, After, Kept.IsEmpty() ? CorvaneTargetFile::versionOf(InResponse) : Kept);
 	}
 	return bWritten;
 }
@@ -86,6 +87,11 @@ bool FCorvTargetFile::isOfKeptVersion(const IHttpResponse& InResponse) const
 {
 	const FString Version = targets().keptVersions.find(path, size());
 	return Version.IsEmpty() || Version.Equals(CorvaneTargetFile::versionOf(InResponse));
+}
+
+bool FCorvTargetFile::isOfOtherVersion(const IHttpResponse& InResponse) const
+{
+	return CorvaneRules::areOtherVersions(targets().keptVersions.find(path, size()), CorvaneTargetFile::versionOf(InResponse));
 }
 
 void FCorvTargetFile::forgetVersion()

@@ -39,6 +39,8 @@ public:
 
 	/** Whether an answer is of the version that the bytes on disk were taken from, as far as this program has seen that. */
 	bool isOfKeptVersion(const IHttpResponse& response) const;
+	/** Whether an answer names another version: the milder question, for one that was asked for by its version. */
+	bool isOfOtherVersion(const IHttpResponse& response) const;
 	/** The file is complete. */
 	void forgetVersion();
 

@@ -32,7 +32,8 @@ namespace CorvaneSplitFile
 		constexpr bool bRequireExists = false;
 		constexpr bool bEvenReadOnly = false;
 		constexpr bool bQuiet = true;
-		return IFileManager::Get().Delete(*Path, bRequireExists, bEvenReadOnly, bQuiet);
+		IFileManager::Get().Delete(*Path, bRequireExists, bEvenReadOnly, bQuiet); // what it says of a file that is not there, nobody tells
+		return !FPaths::FileExists(Path);
 	}
 
 	/**

@@ -92,6 +92,13 @@ FString CorvaneRules::versionOf(const FString& ETag, const FString& LastModified
 	return ETag.IsEmpty() || ETag.StartsWith(TEXT("W/")) ? LastModified : ETag;
 }
 
+bool CorvaneRules::areOtherVersions(const FString& One, const FString& Other)
+{
+	const FString Quote = TEXT("\""); // of a tag; a date has none
+	const bool bBothTold = !One.IsEmpty() && !Other.IsEmpty();
+	return bBothTold && One.StartsWith(Quote) == Other.StartsWith(Quote) && !One.Equals(Other);
+}
+
 bool CorvaneRules::isAsTold(const FCorvDownloadAnswer& Answer, int64 SizeOnDisk)
 {
 	if (Answer.statusCode != CorvaneStatus::partialContent)

@@ -52,6 +52,11 @@ namespace CorvaneRules
 
 	/** @return what tells one version of a file from the next: the entity tag unless it is weak, else the date. */
 	FString versionOf(const FString& eTag, const FString& lastModified);
+	/**
+	 * Whether two of these name different versions. What is not told, or is told in another way, contradicts nothing: an answer to
+	 * If-Range need not repeat what it was asked about.
+	 */
+	bool areOtherVersions(const FString& one, const FString& other);
 
 	/** Whether a part of a file, of so many bytes, follows the bytes that are on disk and does not pass its own bounds. */
 	bool followsOnDisk(const FCorvContentRange& range, int64 sizeOnDisk, int64 bodyBytes);

@@ -73,13 +73,9 @@ FCorvFileInfo CorvaneRules::readFileInfo(const FString& Page)
 	{
 		return Info;
 	}
-	const int64 Size = FCString::Atoi64(*without(withoutQuotes(Fields[sizeField]), TEXT("]")));
-	if (Size >= 0) // no file has fewer bytes than none
-	{
-		Info.bReadable = true;
-		Info.name = withoutQuotes(Fields[nameField]);
-		Info.size = Size;
-	}
+	Info.bReadable = true;
+	Info.name = withoutQuotes(Fields[nameField]);
+	Info.size = FCString::Atoi64(*without(withoutQuotes(Fields[sizeField]), TEXT("]")));
 	return Info;
 }
 

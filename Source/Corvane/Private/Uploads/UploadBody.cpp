@@ -39,36 +39,70 @@ namespace CorvaneUploadBody
 		int64 position = 0;
 	};
 
-	/** Tells how far another archive has been read. Thread: HTTP thread. */
-	class FCounted : public FArchive
+	/**
+	 * Tells how far another archive has been read, and when it can be read no further: the HTTP layer takes what it finds in its
+	 * buffer, and does not ask whether that was read. Thread: HTTP thread.
+	 */
+	class FWatched : public FArchive
 	{
 	public:
-		FCounted(TUniquePtr<FArchive> InSource, UCorvaneRequestCompleteObject* Object)
+		/** @param path  of what is read; empty = it lies in memory. */
+		FWatched(TUniquePtr<FArchive> InSource, const FString& InPath, UCorvaneRequestCompleteObject* Object, bool bReports)
 			: source(MoveTemp(InSource))
+			, path(InPath)
 		{
 			SetIsLoading(true);
-			handedOut.BindUObject(Object, &UCorvaneRequestCompleteObject::requestBodyHandedOut);
+			broken.BindUObject(Object, &UCorvaneRequestCompleteObject::requestBodyBroken);
+			if (bReports)
+			{
+				handedOut.BindUObject(Object, &UCorvaneRequestCompleteObject::requestBodyHandedOut);
+			}
 		}
 
 		virtual int64 TotalSize() override { return source->TotalSize(); }
-		virtual int64 Tell() override { return source->Tell(); }
-		virtual void Seek(int64 InPosition) override { source->Seek(InPosition); }
+		virtual int64 Tell() override { return position; }
+		virtual void Seek(int64 InPosition) override
+		{
+			source->Seek(InPosition);
+			position = InPosition;
+		}
 		virtual void Serialize(void* Out, int64 Number) override
 		{
-			source->Serialize(Out, Number);
+			if (!IsError())
+			{
+				source->Serialize(Out, Number);
+			}
+			position += Number;
 			if (source->IsError())
 			{
-				SetError();
+				fail(Out, Number);
 			}
 			else if (Number > 0)
 			{
-				handedOut.ExecuteIfBound(nullptr, static_cast<uint64>(source->Tell()), 0);
+				handedOut.ExecuteIfBound(nullptr, static_cast<uint64>(position), 0);
 			}
 		}
 
 	private:
+		void fail(void* Out, int64 Number)
+		{
+			if (Number > 0)
+			{
+				FMemory::Memzero(Out, static_cast<SIZE_T>(Number)); // what was there is nobody else's business
+			}
+			if (!IsError())
+			{
+				SetError();
+				UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: Can't read File: %s"), *path);
+				broken.ExecuteIfBound(nullptr, static_cast<uint64>(position), 0);
+			}
+		}
+
 		const TUniquePtr<FArchive> source;
+		const FString path;
+		int64 position = 0;
 		FHttpRequestProgressDelegate64 handedOut; // holds the object weakly, like every callback
+		FHttpRequestProgressDelegate64 broken;
 	};
 
 	static bool reportsUpload(const FhttpRequest& Record)
@@ -77,18 +111,18 @@ namespace CorvaneUploadBody
 		return !Record.bindServerSendEvent && (!bIndividual || Record.bindUploadProgressEvent);
 	}
 
-	static void send(const FhttpRequest& Record, TUniquePtr<FArchive> Source, IHttpRequest& HttpRequest)
+	static void send(const FhttpRequest& Record, TUniquePtr<FArchive> Source, const FString& Path, IHttpRequest& HttpRequest)
 	{
 		UCorvaneRequestCompleteObject* Object = Record.requestCompleteObject();
 		Object->setUploadSize(static_cast<uint64>(Source->TotalSize()));
-		FArchive* Body = reportsUpload(Record) ? new FCounted(MoveTemp(Source), Object) : Source.Release();
+		FArchive* Body = new FWatched(MoveTemp(Source), Path, Object, reportsUpload(Record));
 		HttpRequest.SetContentFromStream(TSharedPtr<FArchive, ESPMode::ThreadSafe>(Body).ToSharedRef());
 	}
 } // namespace CorvaneUploadBody
 
 void CorvaneUpload::sendBytes(const FhttpRequest& Record, TArray<uint8> Bytes, IHttpRequest& HttpRequest)
 {
-	CorvaneUploadBody::send(Record, TUniquePtr<FArchive>(new CorvaneUploadBody::FBytes(MoveTemp(Bytes))), HttpRequest);
+	CorvaneUploadBody::send(Record, TUniquePtr<FArchive>(new CorvaneUploadBody::FBytes(MoveTemp(Bytes))), FString(), HttpRequest);
 }
 
 bool CorvaneUpload::sendFile(const FhttpRequest& Record, const FString& Path, IHttpRequest& HttpRequest)
@@ -100,6 +134,6 @@ bool CorvaneUpload::sendFile(const FhttpRequest& Record, const FString& Path, IH
 		UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: Can't read File: %s"), *Path);
 		return false;
 	}
-	CorvaneUploadBody::send(Record, MoveTemp(Reader), HttpRequest);
+	CorvaneUploadBody::send(Record, MoveTemp(Reader), Path, HttpRequest);
 	return true;
 }

@@ -17,7 +17,14 @@ public:
 	uint64 uploadSize = 0;
 
 	/** A run begins. Thread: game thread. */
-	void begin() { uploadSent = 0; }
+	void begin()
+	{
+		uploadSent = 0;
+		bBroken = false;
+	}
+	/** The body could not be read to its end: what was sent is not it. Thread: HTTP callback. */
+	void setBroken() { bBroken = true; }
+	bool isBroken() const { return bBroken; }
 	/** @param bytesSent  as the body or the HTTP layer tells it, in any order. Thread: request worker. */
 	void report(uint64 bytesSent);
 	/** Tells the log when an answer asks for the body once more, elsewhere. Thread: request worker. */
@@ -26,4 +33,5 @@ public:
 private:
 	FCorvRun& run;
 	uint64 uploadSent = 0;
+	bool bBroken = false; // of the thread of the HTTP callbacks while the run goes on
 };

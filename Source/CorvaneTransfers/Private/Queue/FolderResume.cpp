@@ -30,7 +30,7 @@ namespace CorvaneFolderResume
 				continue;
 			}
 			const FCorvaneJournal Journal = FCorvaneJournalFile::Peek(Path);
-			const bool bWanted = OnlyOrigin.IsEmpty() || CorvaneAddress::Origin(Journal.Source.Address) == OnlyOrigin;
+			const bool bWanted = OnlyOrigin.IsEmpty() || CorvaneAddress::IsSameOrigin(Journal.Source.Address, OnlyOrigin);
 			if (Journal.bHasSource && bWanted)
 			{
 				All.Add(FFound{Journal.Source.Address, Path.LeftChop(Ending.Len())});
