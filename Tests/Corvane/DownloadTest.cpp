@@ -180,6 +180,20 @@ TEST_F(Download, ThatIsResumedNeverMixesTwoVersions)
 				EXPECT_EQ(describe(target()), describe(result));
 			}
 		}
+		// Who answers to If-Range need not repeat what he was asked about, and what was kept stays of the version that it was.
+		const LogCapture log;
+		const Lab::Behaviour silent =
+			Lab::file(content, {.validator = Lab::Validator::None, .tellsTime = false, .heedsIfRange = false});
+		origin.at("/silent", silent).at("/silent-drops", silent, Lab::dropAfter(1000));
+		for (const auto& [next, code, result] : {std::tuple("/silent", 206, content), {"/changed", 200, second}})
+		{
+			setTarget(absent);
+			fetch({origin.url("/first")});
+			EXPECT_EQ(fetch({origin.url("/silent-drops"), DownloadKind::Whole, Action::E_RESUME}).statusCode, 500);
+			EXPECT_EQ(describe(target()), describe(content.substr(0, 3000)));
+			EXPECT_EQ(fetch({origin.url(next), DownloadKind::Whole, Action::E_RESUME}).statusCode, code);
+			EXPECT_EQ(describe(target()), describe(result));
+		}
 	}
 }
 
