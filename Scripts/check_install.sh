@@ -21,7 +21,7 @@ expect() {
 
 # The manual: what the help names stands there, and it is set without a complaint.
 expect "" "$(man --warnings --local-file "$shared/man/man1/corvane.1.gz" 2>&1 >"$work/manual.txt")"
-for verb in "" run call get nodes demo completion help; do
+for verb in "" $("$command" --help | sed -n '/^Subcommands:/,$s/^  \([a-z]*\) .*/\1/p'); do
 	for word in $("$command" help $verb | grep -o -- '--[a-z-]*'); do
 		grep -q -e "$word" "$work/manual.txt" || expect "$word in the manual" "nothing"
 	done

@@ -75,7 +75,7 @@ int main(int count, char** arguments)
 	program.add_option("--seed", wishes.seed, "Of the first random order; the others follow")->capture_default_str();
 	program.add_option("--every", wishes.preemptions, "All orders in which a turn is taken away so often at most");
 	program.add_option("--path", wishes.path, "One order, as a failure has printed it");
-	program.add_flag("--large", wishes.onlyLarge, "Only the others");
+	program.add_flag("--large", wishes.onlyLarge, "Only scenarios with many points");
 	program.add_flag("--small", wishes.onlySmall, "Only scenarios with few points");
 	program.add_flag("--trace", wishes.printsTrace, "Print how the last run went");
 	CLI11_PARSE(program, count, arguments);

@@ -62,7 +62,6 @@ namespace
 				->check(CLI::Range(1, 4096));
 			run->prefix_command(); // everything from SCRIPT on belongs to the script, options too
 			addDirectories(*callFunction);
-			addDriveBase(*nodes);
 			nodes->add_flag("--json", nodesOptions.json, "Print a JSON list");
 			nodes->add_option("--html", nodesOptions.htmlDirectory, "Write a page for each function into this folder");
 			nodes->add_option("NAME", nodesOptions.name, "Only this function, node or event");
@@ -142,7 +141,7 @@ namespace
 			putFiles->add_flag("-q,--quiet", put.quiet, "Tell failures only");
 			addVerbose(*putFiles);
 			putFiles->footer("Exit status: 0 all is uploaded, 1 some is not, 2 the command line is wrong\n"
-							 "Notes of --tus stand in $XDG_STATE_HOME/corvane/uploads until an upload is through");
+							 "Notes of --tus stand in ~/.local/state/corvane/uploads ($XDG_STATE_HOME counts) until an upload is through");
 		}
 
 		void addFollowOptions()

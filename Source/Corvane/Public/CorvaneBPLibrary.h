@@ -493,7 +493,10 @@ public:
 	/** Sends later Drive requests elsewhere. */
 	static void setGoogleDriveBase(FString base);
 
-	/** Adds a header to every later request, of every kind, until it is removed; replaces one of the same name. */
+	/**
+	 * Adds a header to every later request, of every kind, until it is removed; replaces one of the same name. An empty id or value adds
+	 * nothing, which the log says.
+	 */
 	UFUNCTION(BlueprintCallable, Category = "Corvane|Header",
 		meta = (ToolTip = "Adds a header to all further HTTP requests.\n@param id Name of the header\n@param value Value of the header"))
 	static void addPersistentHTTPRequestHeader(FString id, FString value);

@@ -47,6 +47,8 @@ public:
 	 * becomes the file: it ends with QuotaReached, NotPermitted or ServerError.
 	 * @param FileID  of the shared file, as it stands in its link.
 	 * @param FilePath  where the file is to stand; missing folders are made.
+	 * @param Options  what may be set, each with a default that suits most.
+	 * @return the node, which begins when it is activated, as a graph does at once.
 	 */
 	UFUNCTION(BlueprintCallable, Category = "Corvane|Transfers",
 		meta = (BlueprintInternalUseOnly = "true", AutoCreateRefTerm = "Options", DisplayName = "Download Drive File (whole or a reason)"))
@@ -56,7 +58,13 @@ public:
 	static UCorvaneDownloadFile* StartDriveFile(
 		const FString& FileID, const FString& FilePath, const FCorvaneDownloadOptions& Options, FTell OnEnd, FTell OnMove = FTell());
 
-	/** Goes on with a download of an earlier run. @param Address  as its journal has it; one of the Drive service is known for it. */
+	/**
+	 * Starts a download that an earlier run began; it tells by its events alone.
+	 * @param Address  as its journal has it; one of the Drive service is known for it.
+	 * @param FilePath  its target.
+	 * @param Options  their Queue, too.
+	 * @return the transfer, which is held until its outcome.
+	 */
 	static UCorvaneDownloadFile* Resume(const FString& Address, const FString& FilePath, const FCorvaneDownloadOptions& Options);
 
 protected:

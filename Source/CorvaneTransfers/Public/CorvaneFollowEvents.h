@@ -65,6 +65,8 @@ public:
 	/**
 	 * Makes a node that follows a stream of events.
 	 * @param URL  http or https; a user and a password in it are sent, and never shown.
+	 * @param Options  what may be set, each with a default that suits most.
+	 * @return the node, which begins when it is activated, as a graph does at once.
 	 */
 	UFUNCTION(BlueprintCallable, Category = "Corvane|Transfers",
 		meta = (BlueprintInternalUseOnly = "true", AutoCreateRefTerm = "Options", DisplayName = "Follow Events"))

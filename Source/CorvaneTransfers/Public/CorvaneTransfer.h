@@ -52,7 +52,10 @@ public:
 	UFUNCTION(BlueprintCallable, Category = "Corvane|Transfers")
 	virtual void Continue();
 
-	/** Ends the transfer soon, through OnFail with Cancelled. What has arrived stays on disk for a later start. */
+	/**
+	 * Ends the transfer soon, through OnFail with Cancelled. What a later start can go on with is kept: of a download on disk, of a
+	 * resumable upload at the server, unless bTerminateOnCancel; other uploads begin anew.
+	 */
 	UFUNCTION(BlueprintCallable, Category = "Corvane|Transfers")
 	virtual void Cancel();
 

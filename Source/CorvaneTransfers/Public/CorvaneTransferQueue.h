@@ -46,7 +46,8 @@ public:
 
 	/**
 	 * Finds a queue, or makes it: 8 transfers at once, 6 to a host, and no limit of bytes per second.
-	 * @param Name  as the options of transfers have it; letters of another case are the same.
+	 * @param Name  as the options of transfers have it; letters of another case are the same. Not empty: a transfer without a
+	 *   queue's name waits in none.
 	 */
 	UFUNCTION(BlueprintCallable, Category = "Corvane|Transfers")
 	static UCorvaneTransferQueue* GetTransferQueue(const FString& Name);

@@ -75,11 +75,11 @@ struct CORVANETRANSFERS_API FCorvaneTransferReport
 	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
 	bool bTargetKept = false;
 
-	/** Bytes on disk that a later start can go on with. */
+	/** Bytes that a later start can go on with: on disk, or, of a resumable upload, at the server. */
 	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
 	int64 BytesLeft = 0;
 
-	/** What is left on disk and how to go on, for people; empty = nothing. */
+	/** What is left and how to go on, or what to look at first, for people; empty = nothing. */
 	UPROPERTY(BlueprintReadOnly, Category = "Corvane|Transfers")
 	FString HowToGoOn;
 

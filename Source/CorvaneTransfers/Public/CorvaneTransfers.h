@@ -17,7 +17,7 @@ enum class ECorvaneTransferOutcome : uint8
 	Refused = 2,
 	/** The server could not be found or reached, or its certificate is not trusted. */
 	NoConnection = 3,
-	/** It took longer than the limit for the whole transfer. */
+	/** A request took longer than the HTTP layer allows. */
 	TimedOut = 4,
 	/** The server fell silent for longer than the limit. */
 	Stalled = 5,
