@@ -124,6 +124,8 @@ namespace
 		{"a stream that was silent for long was a good one",
 			{start(), prepared(), opens(0), later(10), ends(End::Stalled, stream, Do::Wait, 3)}},
 		{"a busy server says when", {start(), prepared(), ends(End::Done, answerOf(503, "", "120"), Do::Wait, 120)}},
+		{"also in the lines of a long page",
+			{start(), prepared(), ends(End::StoppedByUs, answerOf(503, "text/html", "120"), Do::Wait, 120)}},
 		{"and not later than in an hour", {start(), prepared(), ends(End::Done, answerOf(429, "", "99999"), Do::Wait, 3600)}},
 		{"parameters of the type do not matter",
 			{start(), prepared(), opens(1), ends(End::Done, answerOf(200, "Text/Event-Stream ; charset=latin1"), Do::Wait, 3)}},
@@ -160,6 +162,8 @@ namespace
 			Outcome::Ended, 2, false},
 		{"once is enough, and it broke off", {start(), prepared(), opens(1), ends(End::Dropped, stream, Do::Tell)}, Outcome::Dropped, 1,
 			false},
+		{"once is enough, and nobody took its events", {start(), prepared(), opens(1), ends(End::StoppedByUs, stream, Do::Tell)},
+			Outcome::Dropped, 1, false},
 		{"no more events, in a pause", {start(), prepared(), pause(Do::Stop), ends(End::Done, answerOf(204), Do::Tell)}, Outcome::Ended},
 
 		{"a cancel before the first try", {start(), cancel(Do::None), prepared(Do::Tell)}, Outcome::Cancelled, 0},

@@ -31,8 +31,8 @@ struct CORVANETRANSFERS_API FCorvaneFollowOptions
 	FString LastEventID;
 
 	/**
-	 * Connects again when a stream ends or breaks off; else that is its outcome: Ended, or why it broke off. Tries that did not get
-	 * at a stream are repeated all the same, and so is one that was paused.
+	 * Connects again when a stream ends or breaks off, or its events are not taken for 10 seconds; else that is its outcome: Ended,
+	 * or why it broke off. Tries that did not get at a stream are repeated all the same, and so is one that was paused.
 	 */
 	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Corvane|Transfers")
 	bool bReconnect = true;

@@ -21,7 +21,7 @@ enum class ECorvaneTransferOutcome : uint8
 	TimedOut = 4,
 	/** The server fell silent for longer than the limit. */
 	Stalled = 5,
-	/** The connection broke off. */
+	/** The connection broke off, or had to be given up since nobody took its events. */
 	Dropped = 6,
 	/** The server answered with a status that is no success. */
 	ServerError = 7,

@@ -167,14 +167,16 @@ FCorvaneFollowStep FCorvaneFollowMachine::CloseForAnswer(double Now, const FCorv
 	return Close(Now, ECorvaneTransferOutcome::ServerError, Sentence);
 }
 
-/** One that was stopped for a pause, or because the owner did not keep up, was no failure of the server. */
+/** One that was stopped for a pause, or because the owner did not keep up with its events, was no failure of the server. */
 FCorvaneFollowStep FCorvaneFollowMachine::Retry(double Now, const FCorvaneFollowTryEnd& End)
 {
 	if (bWantsPause)
 	{
 		return Do(EPhase::Paused, Now, ECorvaneFollowAction::None);
 	}
-	if (bStopping || End.Exchange.End == ECorvaneExchangeEnd::StoppedByUs)
+	const bool bOpened = OpenedAt >= 0;
+	const bool bBehind = bOpened && End.Exchange.End == ECorvaneExchangeEnd::StoppedByUs; // else it was a page's body
+	if (bStopping || (bBehind && Options.bReconnect))
 	{
 		return Do(EPhase::Preparing, Now, ECorvaneFollowAction::Prepare);
 	}
@@ -182,13 +184,9 @@ FCorvaneFollowStep FCorvaneFollowMachine::Retry(double Now, const FCorvaneFollow
 	{
 		return Close(Now, ECorvaneTransferOutcome::Ended, TEXT("The HTTP module has ended."));
 	}
-	const bool bOpened = OpenedAt >= 0;
 	if (bOpened && !Options.bReconnect)
 	{
-		const bool bDone = End.Exchange.End == ECorvaneExchangeEnd::Done;
-		return bDone ? Close(Now, ECorvaneTransferOutcome::Ended, TEXT("The stream came to its end."))
-					 : Close(Now, CorvaneTryEnd::OutcomeOf(End.Exchange.End),
-						   TEXT("The stream broke off: ") + CorvaneTryEnd::ReasonOf(End.Exchange.End) + TEXT("."));
+		return CloseForGood(Now, End.Exchange.End);
 	}
 	const bool bGood = EventsOfTry > 0 || (bOpened && Now - OpenedAt >= CorvaneFollowMachine::SecondsOfGoodStream);
 	IdleInARow = bGood ? 0 : IdleInARow + 1;
@@ -202,6 +200,18 @@ FCorvaneFollowStep FCorvaneFollowMachine::Retry(double Now, const FCorvaneFollow
 	FCorvaneFollowStep Step = Do(EPhase::Waiting, Now, ECorvaneFollowAction::Wait);
 	Step.WaitSeconds = WaitAfter(End);
 	return Step;
+}
+
+FCorvaneFollowStep FCorvaneFollowMachine::CloseForGood(double Now, ECorvaneExchangeEnd End)
+{
+	if (End == ECorvaneExchangeEnd::Done)
+	{
+		return Close(Now, ECorvaneTransferOutcome::Ended, TEXT("The stream came to its end."));
+	}
+	const FString Reason = End == ECorvaneExchangeEnd::StoppedByUs
+							   ? FString::Printf(TEXT("its events were not taken for %d seconds"), CorvaneFollow::PatienceSeconds)
+							   : CorvaneTryEnd::ReasonOf(End);
+	return Close(Now, CorvaneTryEnd::OutcomeOf(End), TEXT("The stream broke off: ") + Reason + TEXT("."));
 }
 
 FString FCorvaneFollowMachine::ReasonOf(const FCorvaneFollowTryEnd& End) const

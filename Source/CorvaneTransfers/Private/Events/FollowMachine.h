@@ -21,6 +21,9 @@ namespace CorvaneFollow
 		NotForUs
 	};
 
+	/** Events that nobody takes hold their connection up for so long at most. */
+	inline constexpr int32 PatienceSeconds = 10;
+
 	EVerdict JudgeAnswer(const FCorvaneAnswer& Answer);
 } // namespace CorvaneFollow
 
@@ -121,6 +124,7 @@ private:
 	FCorvaneFollowStep FollowAnswer(double Now, const FCorvaneFollowTryEnd& End);
 	FCorvaneFollowStep CloseForAnswer(double Now, const FCorvaneAnswer& Answer);
 	FCorvaneFollowStep Retry(double Now, const FCorvaneFollowTryEnd& End);
+	FCorvaneFollowStep CloseForGood(double Now, ECorvaneExchangeEnd End);
 	FString ReasonOf(const FCorvaneFollowTryEnd& End) const;
 	double WaitAfter(const FCorvaneFollowTryEnd& End) const;
 

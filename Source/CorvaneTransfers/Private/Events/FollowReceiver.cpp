@@ -6,12 +6,6 @@ namespace CorvaneFollowReceiver
 {
 	/** Of a body that nobody wants, such as an error's page, so many bytes are let pass to keep the connection. */
 	static constexpr int64 MostUnwanted = 4 * 1024;
-
-	/**
-	 * All exchanges are held up as long as there is no room. As long as events are being told that is what keeps them from
-	 * filling memory; but a game thread that has stopped to tell them may itself be waiting for another exchange.
-	 */
-	static constexpr uint32 PatienceMilliseconds = 10'000;
 } // namespace CorvaneFollowReceiver
 
 FCorvaneFollowReceiver::FCorvaneFollowReceiver(const TSharedRef<FCorvaneByteBuffer>& InBuffer, FTold InTold)
@@ -37,8 +31,11 @@ bool FCorvaneFollowReceiver::OnBytes(const uint8* Bytes, int64 Number)
 		Unwanted += Number;
 		return Unwanted <= CorvaneFollowReceiver::MostUnwanted;
 	}
+	// All exchanges are held up as long as there is no room. As long as events are being told that is what keeps them from
+	// filling memory; but a game thread that has stopped to tell them may itself be waiting for another exchange.
+	constexpr uint32 Milliseconds = CorvaneFollow::PatienceSeconds * 1000;
 	bool bFirst = false;
-	const bool bTaken = Buffer->Put(Bytes, Number, bFirst, CorvaneFollowReceiver::PatienceMilliseconds);
+	const bool bTaken = Buffer->Put(Bytes, Number, bFirst, Milliseconds);
 	if (bTaken && bFirst)
 	{
 		Told.Ready();
