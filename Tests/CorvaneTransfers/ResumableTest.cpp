@@ -1,3 +1,4 @@
+#include "CorvaneTransferQueue.h"
 #include "CorvaneUploadResumable.h"
 #include "GameLoop.h"
 #include "HttpModule.h"
@@ -329,6 +330,26 @@ TEST_F(Resumable, EndsWhenTheFileChangesWhileItIsSent)
 	const FCorvaneTransferReport report = send(origin.url("/files"), path, patient());
 	EXPECT_EQ(report.Outcome, Outcome::CannotRead);
 	EXPECT_THAT(utf8(report.Sentence), HasSubstr("changed while it was sent"));
+	EXPECT_TRUE(nothingIsNoted());
+}
+
+TEST_F(Resumable, ThrowsAwayWhatIsCancelledWhileItWaitsForItsTurn)
+{
+	origin.at("/files*", Lab::tus());
+	UCorvaneTransferQueue::GetTransferQueue(text("slow"))->SetLimits(1, 1, 100);
+	FCorvaneResumableOptions options = patient();
+	options.PieceBytes = 1024;
+	options.Queue = text("slow");
+	options.bTerminateOnCancel = true;
+	FCorvaneTransferReport report;
+	UCorvaneUploadResumable* const upload = UCorvaneUploadResumable::Start(text(origin.url("/files")),
+		text(folder.write("file.bin", uploadedFile)), options, [&](const FCorvaneTransferReport& told) { report = told; });
+	ASSERT_TRUE(loop.WaitFor([&] { return upload->GetReport().Attempts == 3; }, patienceSeconds)); // its second piece, in ten seconds
+	upload->Cancel();
+	loop.RunUntilIdle(UCorvaneTransfer::HasPendingWork);
+	EXPECT_EQ(report.Outcome, Outcome::Cancelled);
+	EXPECT_THAT(utf8(report.Sentence), HasSubstr("has thrown it away"));
+	EXPECT_EQ(count("DELETE", "Tus-Resumable", true), 1);
 	EXPECT_TRUE(nothingIsNoted());
 }
 

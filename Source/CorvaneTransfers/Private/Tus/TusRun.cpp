@@ -211,11 +211,11 @@ void FCorvaneTusRun::OnSent(FCorvaneTusEnd End)
 void FCorvaneTusRun::Stop()
 {
 	bStopWanted = true;
-	Turn.Withdraw();
 	if (Exchange.IsValid())
 	{
 		Exchange->Cancel();
 	}
+	Turn.Withdraw(); // last: it may send what asks the server to throw the upload away
 }
 
 int64 FCorvaneTusRun::BytesOfTry() const
