@@ -14,7 +14,7 @@ namespace
 		int atOnce, perHost;
 		/**
 		 * "a" or "a5" adds one for host a, of priority 5; what starts is told by its number, in brackets. "-1" ends number 1, "p1"
-		 * parks and "w1" wakes it, "||" pauses all, ">" goes on, "=3" and "h3" change the two limits.
+		 * parks it, "s1" says that it stands still and "w1" wakes it, "||" pauses all, ">" goes on, "=3" and "h3" change the two limits.
 		 */
 		const char* happens;
 		const char* starts;
@@ -38,6 +38,9 @@ namespace
 				break;
 			case 'p':
 				machine.Park(number);
+				break;
+			case 's':
+				machine.OnStopped(number);
 				break;
 			case 'w':
 				machine.Wake(number);
@@ -77,10 +80,11 @@ TEST(QueueMachine, StartsWhoeverIsNext)
 		{"a full host does not hold others up", 8, 1, "a9 a9 b1 > -1", "1 3 / 2 / "},
 		{"hosts take turns", 1, 6, "a a a b b c > -1 -4 -6 -2 -5", "1 / 4 / 6 / 2 / 5 / 3 / "},
 		{"a host that comes and goes does not pass", 1, 6, "b a a > b -1 -2 -4", "1 / 2 / 4 / 3 / "},
-		{"nor one with nothing but a parked one", 1, 6, "a > p1 b b > a -2 -3 -4", "1 / / 2 / 3 / 4 / / "},
+		{"nor one with nothing but a parked one", 1, 6, "a > p1 s1 b b > a -2 -3 -4", "1 / / / 2 / 3 / 4 / / "},
 		{"more of a host do not cost it its turn", 1, 6, "c > a b a -1 -2 -3", "1 / 2 / 3 / 4 / "},
 		{"a pause starts nothing", 1, 6, "|| a a > || -1 >", "/ 1 / / / 2 / "},
-		{"whoever is parked gives its place up and gets it back in its turn", 1, 6, "a a a > p1 w1 -2 -1", "1 / 2 / / 1 / 3 / "},
+		{"whoever is parked gives its place up and gets it back in its turn", 1, 6, "a a a > p1 s1 w1 -2 -1", "1 / / 2 / / 1 / 3 / "},
+		{"whoever goes on before it stands still has kept its place", 1, 6, "a a > p1 w1 s1 p1 p1 -1", "1 / / / / / / 2 / "},
 		{"whoever is parked before its turn is passed", 1, 6, "a a a > p2 -1 w2 -3", "1 / / 3 / / 2 / "},
 		{"whoever goes before its turn leaves the others theirs", 1, 6, "a a5 a a > -1 -4 -2 -3", "2 / / / 3 / / "},
 		{"one that is not known changes nothing", 1, 1, "-4 p4 w4 a > -2 w1 -1 -1", "/ / / 1 / / / / / "},
@@ -105,6 +109,8 @@ TEST(QueueMachine, CountsAndForgetsWhatLeaves)
 	{
 	}
 	machine.Park(1);
+	EXPECT_TRUE(machine.IsStopping(1) && machine.NumRunning() == 2 && machine.NumParked() == 0);
+	machine.OnStopped(1);
 	machine.Park(6);
 	EXPECT_EQ(machine.NumWaiting(), 3);
 	EXPECT_EQ(machine.NumRunning(), 1);

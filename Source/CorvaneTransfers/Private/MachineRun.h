@@ -24,11 +24,16 @@ public:
 	using FTell = TFunction<void(const FCorvaneTransferReport&)>;
 
 	virtual void SharePace(const TSharedRef<FCorvaneSharedPace>& InPace) override { Turn.Share(InPace); }
-	virtual void Pause() override { Self().Follow(Machine.Pause(Now())); }
+	virtual void Pause() override
+	{
+		Self().Follow(Machine.Pause(Now()));
+		TellIfPaused();
+	}
 	virtual void Continue() override { Self().Follow(Machine.Continue(Now())); }
 	virtual void Cancel() override { Self().Follow(Machine.Cancel(Now())); }
 	virtual void EndWithProgram() override { Self().Follow(Machine.EndOfProgram(Now())); }
 	virtual bool IsPaused() const override { return Machine.IsPaused(); }
+	virtual void WhenPaused(TFunction<void()> Tell) override { PauseTeller = MoveTemp(Tell); }
 	virtual bool IsOver() const override { return bTold; }
 	virtual FCorvaneMailbox& GetMailbox() override { return *Mailbox; }
 
@@ -65,7 +70,12 @@ protected:
 	template <class LetterType>
 	void Post(LetterType Letter)
 	{
-		Mailbox->PostTo(this->AsShared(), MoveTemp(Letter));
+		Mailbox->PostTo(this->AsShared(),
+			[Letter = MoveTemp(Letter)](Type& Run) mutable
+			{
+				Letter(Run);
+				Run.TellIfPaused();
+			});
 	}
 
 	/** Does the first step; an end that it brings is told later. */
@@ -116,6 +126,14 @@ protected:
 private:
 	Type& Self() { return static_cast<Type&>(*this); }
 
+	void TellIfPaused()
+	{
+		if (PauseTeller && Machine.IsPaused())
+		{
+			PauseTeller();
+		}
+	}
+
 	virtual bool OnProgressTick() override
 	{
 		const bool bWanted = bTellsProgress && ProgressTeller && !IsOver();
@@ -143,6 +161,7 @@ private:
 
 	FTell EndTeller;
 	TFunction<void()> ProgressTeller;
+	TFunction<void()> PauseTeller;
 	const TSharedRef<FCorvaneMailbox> Mailbox = MakeShared<FCorvaneMailbox>();
 	FCorvaneAlarm WaitAlarm;
 	bool bTellsProgress = false;

@@ -3,6 +3,7 @@
 #include "CoreMinimal.h"
 #include "CorvaneTransferReport.h"
 #include "RunningTransfers.h"
+#include "Templates/Function.h"
 
 class FCorvaneSharedPace;
 
@@ -19,6 +20,8 @@ public:
 	/** Ends it soon; what has arrived is kept. One that comes before Start is kept for it, and nothing is sent. */
 	virtual void Cancel() = 0;
 	virtual bool IsPaused() const = 0;
+	/** @param Tell  is called when a pause has stopped all, maybe inside Pause, and maybe several times. */
+	virtual void WhenPaused(TFunction<void()> Tell) = 0;
 	/** @return how it stands. */
 	virtual FCorvaneTransferReport GetReport() const = 0;
 };

@@ -42,8 +42,8 @@ public:
 	virtual void Activate() override;
 
 	/**
-	 * Stops the transfer until Continue; what has arrived is kept. Its place in a queue is free for others. Harmless when it is
-	 * paused or over.
+	 * Stops the transfer until Continue; what has arrived is kept. Its place in a queue is free for others as soon as it stands
+	 * still. Harmless when it is paused or over.
 	 */
 	UFUNCTION(BlueprintCallable, Category = "Corvane|Transfers")
 	virtual void Pause();

@@ -25,12 +25,30 @@ TSharedPtr<FCorvaneQueueMachine::FHost> FCorvaneQueueMachine::NeedHost(const FSt
 void FCorvaneQueueMachine::Park(int64 Ticket)
 {
 	FEntry* Entry = Entries.Find(Ticket);
-	if (Entry && Entry->State != EState::Parked)
+	if (Entry && Entry->State == EState::Waiting)
 	{
-		Leave(Ticket, *Entry);
-		Entry->State = EState::Parked;
-		++Parked;
+		PutAside(Ticket, *Entry);
 	}
+	else if (Entry && Entry->State == EState::Running)
+	{
+		Entry->State = EState::Stopping;
+	}
+}
+
+void FCorvaneQueueMachine::OnStopped(int64 Ticket)
+{
+	FEntry* Entry = Entries.Find(Ticket);
+	if (Entry && Entry->State == EState::Stopping)
+	{
+		PutAside(Ticket, *Entry);
+	}
+}
+
+void FCorvaneQueueMachine::PutAside(int64 Ticket, FEntry& Entry)
+{
+	Leave(Ticket, Entry);
+	Entry.State = EState::Parked;
+	++Parked;
 }
 
 void FCorvaneQueueMachine::Wake(int64 Ticket)
@@ -41,6 +59,10 @@ void FCorvaneQueueMachine::Wake(int64 Ticket)
 		--Parked;
 		Entry->State = EState::Waiting;
 		Enqueue(Ticket, *Entry);
+	}
+	else if (Entry && Entry->State == EState::Stopping)
+	{
+		Entry->State = EState::Running;
 	}
 }
 
@@ -141,7 +163,7 @@ void FCorvaneQueueMachine::Leave(int64 Ticket, const FEntry& Entry)
 	{
 		Dequeue(Ticket, Entry);
 	}
-	else if (Entry.State == EState::Running)
+	else if (Entry.HasPlace())
 	{
 		--Host.Running;
 		--Running;

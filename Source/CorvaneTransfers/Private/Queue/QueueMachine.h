@@ -15,9 +15,11 @@ public:
 
 	/** It waits from now on. @param Ticket  higher than any before. */
 	void Add(int64 Ticket, const FString& Host, int32 Priority);
-	/** It neither waits nor runs until Wake; a place that it had is free. */
+	/** It neither waits nor runs until Wake; one that has a place keeps it until OnStopped. */
 	void Park(int64 Ticket);
-	/** It waits again, as one that came when it did. */
+	/** Nothing of it moves any more: if it is parked, its place is free. Harmless otherwise. */
+	void OnStopped(int64 Ticket);
+	/** It waits again, as one that came when it did, or goes on in the place that it still has. */
 	void Wake(int64 Ticket);
 	/** It is over, or needs no place any more. Harmless when it is not known. */
 	void Remove(int64 Ticket);
@@ -31,6 +33,8 @@ public:
 	bool IsPaused() const { return bPaused; }
 
 	bool IsParked(int64 Ticket) const { return Is(Ticket, EState::Parked); }
+	/** Whether it is to be parked, and has its place still. */
+	bool IsStopping(int64 Ticket) const { return Is(Ticket, EState::Stopping); }
 	bool IsRunning(int64 Ticket) const { return Is(Ticket, EState::Running); }
 	int32 NumWaiting() const { return Entries.Num() - Running - Parked; }
 	int32 NumRunning() const { return Running; }
@@ -41,6 +45,7 @@ private:
 	{
 		Waiting,
 		Running,
+		Stopping,
 		Parked
 	};
 	/** One that waits. The order of a list of them is that in which they start. */
@@ -77,12 +82,15 @@ private:
 		TSharedPtr<FHost> Host;
 		int32 Priority = 0;
 		EState State = EState::Waiting;
+
+		bool HasPlace() const { return State == EState::Running || State == EState::Stopping; }
 	};
 
 	bool Is(int64 Ticket, EState State) const;
 	void Enqueue(int64 Ticket, const FEntry& Entry);
 	void Dequeue(int64 Ticket, const FEntry& Entry);
 	void Leave(int64 Ticket, const FEntry& Entry);
+	void PutAside(int64 Ticket, FEntry& Entry);
 	TSharedPtr<FHost> NeedHost(const FString& Name);
 	static int32 PlaceOf(const FHost& Host, const FRank& Rank);
 	FHost* ChooseHost();

@@ -81,6 +81,14 @@ TSharedRef<FCorvaneTransferRun> FCorvaneQueueRun::NeedRun(int64 Ticket)
 	Entry.Run = Run;
 	Begun.Add(Ticket);
 	Run->SharePace(Pace);
+	Run->WhenPaused(
+		[Weak = TWeakPtr<FCorvaneQueueRun>(AsShared()), Ticket]
+		{
+			if (const TSharedPtr<FCorvaneQueueRun> Self = Weak.Pin())
+			{
+				Self->OnStopped(Ticket);
+			}
+		});
 	return Run;
 }
 
@@ -126,18 +134,29 @@ void FCorvaneQueueRun::PauseOne(int64 Ticket)
 	{
 		return;
 	}
-	const FEntry Paused = *Entry;
+	const TSharedPtr<FCorvaneTransferRun> Run = Entry->Run;
 	Machine.Park(Ticket);
-	if (Paused.HasBegun())
+	if (Run.IsValid())
 	{
-		Paused.Run->Pause();
+		Run->Pause();
 	}
+}
+
+/** A request that a pause lets end counts as running until then: the next one would be one too many. */
+void FCorvaneQueueRun::OnStopped(int64 Ticket)
+{
+	Machine.OnStopped(Ticket);
 	Fill();
 }
 
 void FCorvaneQueueRun::ContinueOne(int64 Ticket)
 {
+	const bool bGoesOn = Machine.IsStopping(Ticket) && !Machine.IsPaused();
 	Machine.Wake(Ticket);
+	if (bGoesOn)
+	{
+		Begin(Ticket);
+	}
 	Fill();
 }
 

@@ -43,7 +43,7 @@ public:
 	void ContinueOne(int64 Ticket);
 	/** One that waits is started and ended at once: so it tells its outcome as every other does. */
 	void CancelOne(int64 Ticket);
-	/** Whether it was paused by itself. */
+	/** Whether it was paused by itself, and stands still. */
 	bool IsHeld(int64 Ticket) const { return Machine.IsParked(Ticket); }
 
 	void Pause();
@@ -71,6 +71,7 @@ private:
 
 	void Fill();
 	void Begin(int64 Ticket);
+	void OnStopped(int64 Ticket);
 	TSharedRef<FCorvaneTransferRun> NeedRun(int64 Ticket);
 	void TellIfIdle();
 	TArray<int64> TicketsOfAll() const;
