@@ -104,7 +104,7 @@ namespace
 TEST(DownloadMachine, EndsOnceAndNeverWithOtherBytesWhateverHappens)
 {
 	Tally tally;
-	for (unsigned seed = 0; seed < 10'000 && !testing::Test::HasFailure(); ++seed)
+	for (unsigned seed = 0; seed < 12'000 && !testing::Test::HasFailure(); ++seed)
 	{
 		SCOPED_TRACE(seed);
 		simulate(seed, tally);
@@ -321,10 +321,16 @@ TEST(DownloadMachine, ObeysInEveryState)
 		EXPECT_EQ(cancelled.Action, Action::Discard);
 		EXPECT_EQ(hand.machine.GetReport().Attempts, asked ? 1 : 0);
 	}
-	ByHand early; // a queue ends so what waits
-	early.machine.Cancel(0);
-	EXPECT_FALSE(early.machine.Start(0, FString()).bAskIfNew);
-	EXPECT_EQ(early.machine.OnOpened(1, {}).Action, Action::Discard);
+	for (const bool resumes : {false, true}) // a queue ends so what waits: nothing is opened, or thousands would be
+	{
+		FCorvaneDownloadOptions options;
+		options.bResume = resumes;
+		ByHand early(options);
+		early.machine.Cancel(0);
+		EXPECT_EQ(early.machine.Start(0, FString()).Action, resumes ? Action::LookForRest : Action::Tell);
+		EXPECT_EQ(early.machine.OnRestFound(1, 10, 100).Action, resumes ? Action::Tell : Action::None);
+		EXPECT_EQ(early.machine.GetReport().BytesLeft, resumes ? 10 : 0);
+	}
 	for (const Outcome late : {Outcome::Cancelled, Outcome::Succeeded}) // the whole file was being read, or was in its place already
 	{
 		ByHand cancelled;

@@ -173,6 +173,7 @@ ModelRun::ModelRun(ModelServer& server, ModelDisk& disk, Dice& dice, const FCorv
 
 bool ModelRun::run()
 {
+	interrupt(); // while it waits in a queue
 	FCorvaneDownloadStep step = Machine.Start(Now, FString());
 	for (int turns = 0; step.Action != ECorvaneDownloadAction::Tell; ++turns)
 	{
@@ -198,6 +199,8 @@ FCorvaneDownloadStep ModelRun::follow(const FCorvaneDownloadStep& step)
 	{
 	case ECorvaneDownloadAction::Look:
 		return Machine.OnLooked(Now, Disk.hasTarget, FDateTime(year2000));
+	case ECorvaneDownloadAction::LookForRest:
+		return Machine.OnRestFound(Now, static_cast<int64>(Disk.part.size()), Disk.total);
 	case ECorvaneDownloadAction::Open:
 		return open(step);
 	case ECorvaneDownloadAction::Ask:

@@ -306,7 +306,7 @@ namespace
 	{
 		const char* what;
 		/**
-		 * "open" begins with a file of 1000 bytes, "noted" with one of which an earlier run has begun an upload. "204@400+checksum" is an
+		 * "open" begins with a file of 1000 bytes, "noted" with one of which an earlier run has begun an upload; "start" does no more than that. "204@400+checksum" is an
 		 * answer with an offset and the extensions of the server, the two others are ends without one.
 		 */
 		const char* happens;
@@ -353,6 +353,7 @@ namespace
 		FCorvaneTusStep follow(const std::string& word)
 		{
 			return word == "open" || word == "noted" ? begin(word == "noted")
+				   : word == "start"                 ? machine.Start(0)
 				   : word == "begun"                 ? machine.OnBegun(0, Outcome::Running, FString())
 				   : word == "waited"                ? machine.OnWaitOver(0)
 				   : word == "closed"                ? machine.OnClosed(0)
@@ -402,6 +403,7 @@ TEST(TusMachine, DoesWhatFollows)
 		{"the server has lost it before", "noted cancel stopped 410", "ask stop terminate discard", "has thrown it away"},
 		{"the server does not say that it has", "noted cancel stopped 500", "ask stop terminate close", "did not say"},
 		{"nor does it answer", "noted cancel stopped broken", "ask stop terminate close", "did not say"},
+		{"a cancel of one that waits in a queue", "cancel start", "- tell", "was cancelled."},
 		{"nothing was begun", "open cancel stopped", "create stop close", "The upload was cancelled."},
 		{"a server that throws nothing away", "noted 200@400+creation cancel stopped", "ask send@400 stop close", "was cancelled."},
 		{"a server that says that it does", "noted 200@400+creation,termination cancel stopped", "ask send@400 stop terminate"},

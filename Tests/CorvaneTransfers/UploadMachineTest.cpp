@@ -23,9 +23,9 @@ namespace
 		int32 code = 0;
 	};
 
-	Step start(const char* fault = "")
+	Step start(Do then = Do::Find, const char* fault = "")
 	{
-		return {[=](Machine& m, double now) { return m.Start(now, text(fault)); }, *fault != 0 ? Do::Tell : Do::Find};
+		return {[=](Machine& m, double now) { return m.Start(now, text(fault)); }, then};
 	}
 	Step found(Do then = Do::Send, int64 bytes = size, Outcome failure = Outcome::Running)
 	{
@@ -129,7 +129,7 @@ namespace
 		{"the file changed, whatever the server says", any, {ends(End::Done, size, 200, Do::Tell, 0, "", Outcome::CannotRead)},
 			Outcome::CannotRead},
 		{"another hash", any, {ends(End::Cancelled, 10, 0, Do::Tell, 0, "", Outcome::WrongHash)}, Outcome::WrongHash},
-		{"a fault", any, {start("no")}, Outcome::Refused, 0},
+		{"a fault", any, {start(Do::Tell, "no")}, Outcome::Refused, 0},
 		{"no file", any, {start(), found(Do::Tell, 0, Outcome::CannotRead)}, Outcome::CannotRead, 0},
 		{"too large", any, {start(), found(Do::Tell, MAX_int32 + int64(1))}, Outcome::Refused, 0},
 		{"just not too large", any, {start(), found(Do::Send, MAX_int32)}},
@@ -144,6 +144,7 @@ namespace
 				does(&Machine::Continue, Do::Wait, 0.2), waitOver(), does(&Machine::Pause, Do::None), does(&Machine::Continue, Do::None)},
 			Outcome::Running, 2},
 
+		{"a cancel of one that waits in a queue", any, {does(&Machine::Cancel, Do::None), start(Do::Tell)}, Outcome::Cancelled, 0},
 		{"a cancel before the files are found", any, {start(), does(&Machine::Cancel, Do::None), found(Do::Tell)}, Outcome::Cancelled, 0},
 		{"a cancel of a try, and what comes too late", any,
 			{does(&Machine::Cancel, Do::Stop), does(&Machine::Cancel, Do::None), does(&Machine::Pause, Do::None),

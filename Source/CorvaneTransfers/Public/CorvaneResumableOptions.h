@@ -56,7 +56,10 @@ struct CORVANETRANSFERS_API FCorvaneResumableOptions
 	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Corvane|Transfers")
 	bool bFirstPieceAtOnce = false;
 
-	/** Cancel asks the server to throw away what it has; else it is kept, and a later start goes on with it. */
+	/**
+	 * Cancel asks the server to throw away what it has; else it is kept, and a later start goes on with it. Of one that still waits
+	 * in a queue nothing is sent, and what an earlier start has brought is kept.
+	 */
 	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Corvane|Transfers")
 	bool bTerminateOnCancel = false;
 

@@ -13,6 +13,22 @@ void FCorvaneDownloadFiles::Look(const FString& Target, TUniqueFunction<void(boo
 		});
 }
 
+void FCorvaneDownloadFiles::LookForRest(const FString& Target, const FString& Address, TUniqueFunction<void(int64, int64)> Tell)
+{
+	Do(
+		[Target = FString(Target), Address = FString(Address), Tell = MoveTemp(Tell)](FCorvaneDownloadFiles& Self)
+		{
+			FCorvaneOpenedPart Found;
+			if (FCorvanePartFile::MayHaveBytes(Target))
+			{
+				Found = Self.Part.Open(Target, Address, true);
+				Self.Part.Close();
+			}
+			const bool bBeside = Found.Result.IsOk() && Found.Length > 0 && !Found.bWholeAlready;
+			Tell(bBeside ? Found.Length : 0, bBeside ? Found.Source.Total : -1);
+		});
+}
+
 void FCorvaneDownloadFiles::Open(const FString& Target, const FString& Address, bool bResume, ECorvaneHashKind HashKind,
 	TUniqueFunction<void(const FCorvaneOpenedPart&)> Tell)
 {

@@ -30,6 +30,8 @@ public:
 
 	/** Tells whether a file stands there, and when it was changed (UTC). */
 	void Look(const FString& Target, TUniqueFunction<void(bool, FDateTime)> Tell);
+	/** Tells how many bytes an open would find, and of how many (-1 = unknown). Nothing is open behind it. */
+	void LookForRest(const FString& Target, const FString& Address, TUniqueFunction<void(int64, int64)> Tell);
 	void Open(const FString& Target, const FString& Address, bool bResume, ECorvaneHashKind HashKind,
 		TUniqueFunction<void(const FCorvaneOpenedPart&)> Tell);
 	/** Vouches for what is there. */

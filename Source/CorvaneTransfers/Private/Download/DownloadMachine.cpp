@@ -44,6 +44,10 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::Start(double Now, const FString& F
 	{
 		return Fail(Now, ECorvaneTransferOutcome::Refused, Fault);
 	}
+	if (IsToEnd())
+	{
+		return Options.bResume ? Do(EPhase::Looking, Now, ECorvaneDownloadAction::LookForRest) : EndAsWanted(Now);
+	}
 	return Options.IfTargetExists == ECorvaneIfTargetExists::Replace ? Open(Now) : Do(EPhase::Looking, Now, ECorvaneDownloadAction::Look);
 }
 
@@ -70,6 +74,17 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::OnLooked(double Now, bool bTargetE
 		IfNewerThan = TargetTime;
 	}
 	return Open(Now);
+}
+
+FCorvaneDownloadStep FCorvaneDownloadMachine::OnRestFound(double Now, int64 Bytes, int64 InTotal)
+{
+	if (Phase != EPhase::Looking)
+	{
+		return {};
+	}
+	Length = Report.TakenOverBytes = Bytes;
+	Report.TotalBytes = InTotal;
+	return EndAsWanted(Now);
 }
 
 /** Most part files are new: their first try need not come back here, and wait for a frame, between the file and the request. */

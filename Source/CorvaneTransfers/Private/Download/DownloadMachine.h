@@ -15,6 +15,11 @@ enum class ECorvaneDownloadAction : uint8
 	None,
 	/** Look whether the target exists: OnLooked. */
 	Look,
+	/**
+	 * Look what an earlier run has left, and keep nothing open: OnRestFound. It was ended before its start, and so may be thousands
+	 * that wait beside it.
+	 */
+	LookForRest,
 	/** Open the part file and lock the target: OnOpened. With bAskIfNew, and nothing on disk, it may go on with an exchange at once. */
 	Open,
 	/** Start an exchange with Question: OnAttemptEnded, after the last byte of it is in the file. */
@@ -116,6 +121,8 @@ public:
 	FCorvaneDownloadStep Start(double Now, const FString& Fault);
 	/** @param TargetTime  UTC; of a target that exists. */
 	FCorvaneDownloadStep OnLooked(double Now, bool bTargetExists, const FDateTime& TargetTime);
+	/** @param Bytes  that the journal vouches for. @param InTotal  -1 = unknown. */
+	FCorvaneDownloadStep OnRestFound(double Now, int64 Bytes, int64 InTotal);
 	FCorvaneDownloadStep OnOpened(double Now, const FCorvaneDownloadOpened& Opened);
 	FCorvaneDownloadStep OnAttemptEnded(double Now, const FCorvaneAttemptEnd& End);
 	FCorvaneDownloadStep OnWaitOver(double Now);

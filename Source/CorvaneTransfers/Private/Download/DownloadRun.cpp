@@ -62,6 +62,8 @@ void FCorvaneDownloadRun::Follow(const FCorvaneDownloadStep& Step)
 		return;
 	case ECorvaneDownloadAction::Look:
 		return Look();
+	case ECorvaneDownloadAction::LookForRest:
+		return LookForRest();
 	case ECorvaneDownloadAction::Open:
 		return Open(Step);
 	case ECorvaneDownloadAction::Ask:
@@ -95,6 +97,13 @@ void FCorvaneDownloadRun::Look()
 {
 	Files->Look(Target, [Self = AsShared()](bool bExists, FDateTime Time)
 		{ Self->Post([bExists, Time](FCorvaneDownloadRun& Run) { Run.Follow(Run.Machine.OnLooked(Now(), bExists, Time)); }); });
+}
+
+void FCorvaneDownloadRun::LookForRest()
+{
+	Files->LookForRest(Target, Machine.GetReport().AskedAddress,
+		[Self = AsShared()](int64 Bytes, int64 Total)
+		{ Self->Post([Bytes, Total](FCorvaneDownloadRun& Run) { Run.FollowLetter(Run.Machine.OnRestFound(Now(), Bytes, Total)); }); });
 }
 
 void FCorvaneDownloadRun::Open(const FCorvaneDownloadStep& Step)

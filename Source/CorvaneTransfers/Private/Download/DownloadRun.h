@@ -39,6 +39,7 @@ private:
 
 	void Follow(const FCorvaneDownloadStep& Step);
 	void Look();
+	void LookForRest();
 	void Open(const FCorvaneDownloadStep& Step);
 	void OnOpened(const FCorvaneDownloadOpened& Opened);
 	void Ask(const FCorvaneDownloadQuestion& Question);

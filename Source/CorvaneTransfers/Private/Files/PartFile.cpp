@@ -47,6 +47,11 @@ FCorvaneOpenedPart FCorvanePartFile::Open(const FString& InTarget, const FString
 	return Opened;
 }
 
+bool FCorvanePartFile::MayHaveBytes(const FString& InTarget)
+{
+	return CorvanePartFile::Files().FileExists(*JournalOf(FPaths::ConvertRelativePathToFull(InTarget)));
+}
+
 FCorvaneFileResult FCorvanePartFile::TakeTarget(const FString& InTarget)
 {
 	using namespace CorvaneFileFaults;

@@ -74,6 +74,9 @@ public:
 	FCorvaneOpenedPart Open(
 		const FString& InTarget, const FString& Address, bool bResume, ECorvaneHashKind InHashKind = ECorvaneHashKind::None);
 
+	/** @return false when an Open would find no byte of a file, whatever its address. */
+	static bool MayHaveBytes(const FString& InTarget);
+
 	/** Begins with the first byte of a file. @param NewSource  what its answer tells; a total that the disk has no room for is a failure, and then nothing is changed. */
 	FCorvaneFileResult StartOver(const FCorvaneSourceFacts& NewSource);
 
@@ -106,7 +109,8 @@ public:
 
 private:
 	FString PartName() const { return Target + TEXT(".corvpart"); }
-	FString JournalName() const { return Target + TEXT(".corvjournal"); }
+	static FString JournalOf(const FString& File) { return File + TEXT(".corvjournal"); }
+	FString JournalName() const { return JournalOf(Target); }
 	FCorvaneFileResult TakeTarget(const FString& InTarget);
 	FCorvaneFileResult LockTarget();
 	FCorvaneFileResult LockByPart();

@@ -42,8 +42,12 @@ FCorvaneTusStep FCorvaneTusMachine::Start(double Now)
 	{
 		return {};
 	}
-	return Wishes.Fault.IsEmpty() ? Do(EPhase::Opening, Now, ECorvaneTusAction::Open)
-								  : Fail(Now, ECorvaneTransferOutcome::Refused, Wishes.Fault);
+	if (!Wishes.Fault.IsEmpty())
+	{
+		return Fail(Now, ECorvaneTransferOutcome::Refused, Wishes.Fault);
+	}
+	const bool bOver = WantedEnd != ECorvaneTransferOutcome::Running;
+	return bOver ? EndAsWanted(Now) : Do(EPhase::Opening, Now, ECorvaneTusAction::Open);
 }
 
 FCorvaneTusStep FCorvaneTusMachine::OnOpened(double Now, const FCorvaneTusOpened& Opened)

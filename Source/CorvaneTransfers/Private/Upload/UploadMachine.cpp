@@ -53,7 +53,12 @@ FCorvaneUploadStep FCorvaneUploadMachine::Start(double Now, const FString& Fault
 	{
 		return {};
 	}
-	return Fault.IsEmpty() ? Do(EPhase::Finding, Now, ECorvaneUploadAction::Find) : Close(Now, ECorvaneTransferOutcome::Refused, Fault);
+	if (!Fault.IsEmpty())
+	{
+		return Close(Now, ECorvaneTransferOutcome::Refused, Fault);
+	}
+	const bool bOver = WantedEnd != ECorvaneTransferOutcome::Running;
+	return bOver ? EndAsWanted(Now) : Do(EPhase::Finding, Now, ECorvaneUploadAction::Find);
 }
 
 FCorvaneUploadStep FCorvaneUploadMachine::OnFound(double Now, const FCorvaneUploadFound& Found)
