@@ -1,5 +1,6 @@
 #include "Containers/Ticker.h"
 #include "CorvaneDownloadFile.h"
+#include "CorvaneFollowEvents.h"
 #include "CorvaneTransferQueue.h"
 #include "CorvaneUploadFile.h"
 #include "CorvaneUploadResumable.h"
@@ -19,6 +20,7 @@
 #include <chrono>
 #include <functional>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 using Outcome = ECorvaneTransferOutcome;
 
@@ -174,6 +176,26 @@ namespace
 		static constexpr size_t pieceBytes = 50'000;
 		std::atomic<int> running{0}, most{0};
 	};
+
+	/** As long as it lives, this program may open so many more files. */
+	class FewFiles
+	{
+	public:
+		explicit FewFiles(int more)
+		{
+			const int next = ::dup(0);
+			::close(next);
+			::getrlimit(RLIMIT_NOFILE, &before);
+			const rlimit few{static_cast<rlim_t>(next + more), before.rlim_max};
+			::setrlimit(RLIMIT_NOFILE, &few);
+		}
+		~FewFiles() { ::setrlimit(RLIMIT_NOFILE, &before); }
+		FewFiles(const FewFiles&) = delete;
+		FewFiles& operator=(const FewFiles&) = delete;
+
+	private:
+		rlimit before{};
+	};
 } // namespace
 
 TEST_F(TransferQueue, KeepsItsLimitsAndEndsEachOnce)
@@ -256,6 +278,119 @@ TEST_F(TransferQueue, PausesWithoutMovingAByteTwice)
 	}
 }
 
+TEST_F(TransferQueue, GivesThePlaceOfAPausedOneAwayWhenItStandsStill)
+{
+	CountingServer counting;
+	std::atomic<bool> answers{false};
+	const RawServer server(
+		[&](Connection& connection)
+		{
+			connection.readBody(connection.readHead());
+			const CountingServer::Turn turn(counting);
+			answers.wait(false);
+			connection.send(answer(200, "well"));
+		});
+	folder.write("source", "bytes");
+	queue->SetLimits(1, 1);
+	FCorvaneUploadOptions options;
+	options.Queue = text("files");
+	UCorvaneUploadFile* uploads[3];
+	for (UCorvaneUploadFile*& each : uploads)
+	{
+		each = UCorvaneUploadFile::Start(
+			text(server.url()), text(folder.path("source")), options, expectOne("upload" + std::to_string(expected)));
+	}
+	EXPECT_TRUE(loop.WaitFor([&] { return counting.running == 1; }, patienceSeconds));
+	for (const bool goesOn : {true, false})
+	{
+		uploads[0]->Pause(); // which lets its request end
+		EXPECT_EQ(queue->GetReport().Running, 1);
+		EXPECT_EQ(queue->GetReport().Waiting, 2);
+		goesOn ? uploads[0]->Continue() : void();
+	}
+	answers = true;
+	answers.notify_all();
+	finish();
+	EXPECT_EQ(counting.most, 1);
+
+	CountingServer files;
+	const RawServer other(files.script());
+	queue->SetLimits(1, 1, 4'000'000);
+	UCorvaneDownloadFile* const held = add(other.url(), "held");
+	add(other.url(), "next");
+	EXPECT_TRUE(loop.WaitFor([&] { return held->GetReport().TransferredBytes > 0; }, patienceSeconds));
+	held->Pause();
+	EXPECT_TRUE(loop.WaitFor([this] { return order.size() == 4; }, patienceSeconds));
+	EXPECT_EQ(order.back(), "next");
+	EXPECT_TRUE(held->IsPaused());
+	held->Continue();
+	finish();
+	EXPECT_EQ(files.most, 1);
+	for (const auto& [name, report] : reports)
+	{
+		EXPECT_EQ(report.Outcome, Outcome::Succeeded) << name;
+	}
+}
+
+TEST_F(TransferQueue, OpensNothingForThoseThatAreEndedWhileTheyWait)
+{
+	queue->Pause();
+	for (const Outcome wanted : {Outcome::Cancelled, Outcome::Ended})
+	{
+		for (int file = 0; file < 300; ++file)
+		{
+			add("http://host/", std::to_string(expected));
+		}
+		const FewFiles few(50);
+		wanted == Outcome::Ended ? loop.Shutdown() : queue->CancelAll();
+		EXPECT_TRUE(loop.WaitFor([this] { return order.size() >= expected; }, patienceSeconds));
+		EXPECT_EQ(std::count_if(reports.begin(), reports.end(), [=](const auto& each) { return each.second.Outcome == wanted; }), 300);
+	}
+	EXPECT_EQ(order.size(), expected);
+	EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+}
+
+TEST_F(TransferQueue, TellsOfWhatIsStartedAtTheEndOfTheProgram)
+{
+	const LoopbackListener silent;
+	const FString url = text("http://" + silent.authority() + "/");
+	size_t started = 0, told = 0, most = 12;
+	std::function<void(const std::string&)> start = [&](const std::string& name)
+	{
+		FCorvaneDownloadOptions options = queued();
+		options.Queue = text(name);
+		UCorvaneDownloadFile::Start(url, text(folder.path(std::to_string(++started))), options,
+			[&, name](const FCorvaneTransferReport& report)
+			{
+				++told;
+				EXPECT_EQ(report.Outcome, Outcome::Ended);
+				started < most ? start(name.empty() ? name : name + "later") : void(); // in a queue that nobody knew of
+			});
+	};
+	start("");
+	start("files");
+	UCorvaneFollowEvents::FHandlers handlers;
+	handlers.OnClose = [&](const FCorvaneTransferReport&)
+	{
+		++told;
+		handlers.OnClose = [&](const FCorvaneTransferReport&) { ++told; };
+		UCorvaneFollowEvents::Start(url, FCorvaneFollowOptions(), handlers);
+		++started;
+	};
+	UCorvaneFollowEvents::Start(url, FCorvaneFollowOptions(), handlers);
+	++started;
+	EXPECT_TRUE(loop.WaitFor([&] { return folder.exists("1.corvpart"); }, patienceSeconds));
+	loop.Shutdown();
+	EXPECT_GE(started, most);
+	EXPECT_EQ(told, started);
+
+	FGameLoop again;
+	most = SIZE_MAX;
+	start("");
+	again.Shutdown();
+	EXPECT_LT(started, 40u) << "it goes on until the time is over";
+}
+
 TEST_F(TransferQueue, SharesBytesPerSecond)
 {
 	CountingServer counting;
@@ -331,6 +466,14 @@ TEST_F(TransferQueue, TakesUpAFolderAfterARestart)
 
 	FGameLoop again;
 	queue = UCorvaneTransferQueue::GetTransferQueue(text("files"));
+	queue->Pause();
+	add(server.url("/a"), "a")->Cancel(); // also of one that has not begun its report tells what is on disk
+	const int64 left = reports["a"].BytesLeft;
+	EXPECT_TRUE(again.WaitFor([this] { return order.size() == expected; }, patienceSeconds));
+	EXPECT_EQ(reports["a"].Outcome, Outcome::Cancelled);
+	EXPECT_EQ(reports["a"].Attempts, 0);
+	EXPECT_EQ(reports["a"].BytesLeft, left);
+	queue->Continue();
 	int64 takenOver = 0;
 	int idle = 0;
 	std::vector<Outcome> outcomes;

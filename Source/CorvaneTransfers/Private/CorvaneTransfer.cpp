@@ -34,6 +34,10 @@ void UCorvaneTransfer::Activate()
 	if (Run.IsValid())
 	{
 		AddToRoot(); // until its outcome: a graph that is gone does not end a transfer
+		if (CorvaneRunningTransfers::AreEnding())
+		{
+			Run->EndWithProgram(); // so it tells its outcome, and begins nothing
+		}
 		Run->Start();
 	}
 }

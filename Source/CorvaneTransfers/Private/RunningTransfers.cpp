@@ -17,6 +17,12 @@ namespace CorvaneRunningTransfers
 		return Handle;
 	}
 
+	static bool& Ending()
+	{
+		static bool bEnding = false;
+		return bEnding;
+	}
+
 	static void StopTicking()
 	{
 		FTSTicker::RemoveTicker(Ticker());
@@ -46,9 +52,19 @@ namespace CorvaneRunningTransfers
 			Transfer.GetMailbox().WaitForPost(10);
 			Transfer.GetMailbox().Open();
 		}
-		if (!Transfer.IsOver())
+	}
+
+	/** Ends those that run now; their handlers may start others. */
+	static void EndRound(double Deadline)
+	{
+		const TArray<TSharedRef<FCorvaneRunningTransfer>> Running = List(); // each leaves the list at its end
+		for (const TSharedRef<FCorvaneRunningTransfer>& Transfer : Running)
 		{
-			Transfer.Abandon();
+			Transfer->EndWithProgram();
+		}
+		for (const TSharedRef<FCorvaneRunningTransfer>& Transfer : Running)
+		{
+			WaitFor(*Transfer, Deadline);
 		}
 	}
 } // namespace CorvaneRunningTransfers
@@ -88,17 +104,24 @@ bool CorvaneRunningTransfers::IsEmpty()
 	return List().IsEmpty();
 }
 
+bool CorvaneRunningTransfers::AreEnding()
+{
+	return Ending();
+}
+
 void CorvaneRunningTransfers::EndAll(double MostSeconds)
 {
-	const TArray<TSharedRef<FCorvaneRunningTransfer>> Running = List(); // each leaves the list at its end
+	constexpr int32 MostRounds = 10; // a handler that always starts again would use up all the time
 	const double Deadline = FPlatformTime::Seconds() + MostSeconds;
-	for (const TSharedRef<FCorvaneRunningTransfer>& Transfer : Running)
+	Ending() = true;
+	for (int32 Round = 0; Round < MostRounds && !List().IsEmpty() && FPlatformTime::Seconds() < Deadline; ++Round)
 	{
-		Transfer->EndWithProgram();
+		EndRound(Deadline);
 	}
-	for (const TSharedRef<FCorvaneRunningTransfer>& Transfer : Running)
+	Ending() = false;
+	for (const TSharedRef<FCorvaneRunningTransfer>& Transfer : List())
 	{
-		WaitFor(*Transfer, Deadline);
+		Transfer->Abandon();
 	}
 	List().Empty();
 	StopTicking();

@@ -32,6 +32,11 @@ namespace CorvaneRunningTransfers
 	/** Calls OnProgressTick of all, as long as one of them wants it: a ticker for each would cost every frame. */
 	void KeepTicking();
 
-	/** Ends all of them in order and waits until each has dealt with its bytes; those that take longer are abandoned. */
+	/**
+	 * Ends all of them in order and waits until each has dealt with its bytes; those that take longer are abandoned. So are, after a
+	 * few rounds, those that are started again and again as soon as they end.
+	 */
 	void EndAll(double MostSeconds = 5);
+	/** @return whether EndAll is under way: what starts now has to be told of the end first. */
+	bool AreEnding();
 } // namespace CorvaneRunningTransfers

@@ -40,9 +40,9 @@ int64 FCorvaneQueueRun::Enter(UCorvaneTransfer& Transfer, const FString& Host, i
 	FEntry Entry;
 	Entry.Transfer = &Transfer;
 	Entries.Add(Ticket, Entry);
-	if (bLetGo)
+	if (bLetGo || CorvaneRunningTransfers::AreEnding())
 	{
-		Begin(Ticket);
+		EndBeforeItsStart(Ticket);
 		return Ticket;
 	}
 	Machine.Add(Ticket, Host, Priority);
@@ -225,11 +225,17 @@ void FCorvaneQueueRun::LetGoOfAll()
 		Machine.Remove(Ticket);
 		if (!Entries.Find(Ticket)->HasBegun())
 		{
-			const TSharedRef<FCorvaneTransferRun> Run = NeedRun(Ticket);
-			Run->EndWithProgram();
-			Run->Start();
+			EndBeforeItsStart(Ticket);
 		}
 	}
+}
+
+/** So it tells its outcome, and begins nothing. */
+void FCorvaneQueueRun::EndBeforeItsStart(int64 Ticket)
+{
+	const TSharedRef<FCorvaneTransferRun> Run = NeedRun(Ticket);
+	Run->EndWithProgram();
+	Run->Start();
 }
 
 void FCorvaneQueueRun::Count(const FCorvaneTransferReport& Report, FCorvaneQueueReport& Sum) const

@@ -72,6 +72,7 @@ private:
 	void Fill();
 	void Begin(int64 Ticket);
 	void OnStopped(int64 Ticket);
+	void EndBeforeItsStart(int64 Ticket);
 	TSharedRef<FCorvaneTransferRun> NeedRun(int64 Ticket);
 	void TellIfIdle();
 	TArray<int64> TicketsOfAll() const;
