@@ -42,7 +42,7 @@ FAULTS = [
     ("a second step is forgotten when the module goes", "Source/Corvane/Private/Runs/FollowUp.cpp",
      " || FollowUp.cancelState->programEnds)", ")", "drive/unload"),
     ("a place in the queue is given back twice", "Source/CorvaneTransfers/Private/Queue/QueueMachine.cpp",
-     "else if (Entry.State == EState::Running)", "else", "queue/pause"),
+     "else if (Entry.HasPlace())", "else", "queue/pause"),
     ("what waits in a queue begins before it is cancelled", "Source/CorvaneTransfers/Private/Queue/QueueRun.cpp",
      "\tRun->Cancel();\n\tif (!bHasBegun) // so it tells its outcome, and sends nothing\n\t{\n\t\tMachine.Remove(Ticket);\n\t\tRun->Start();\n\t}\n",
      "\tif (!bHasBegun)\n\t{\n\t\tMachine.Remove(Ticket);\n\t\tRun->Start();\n\t}\n\tRun->Cancel();\n", "queue/cancel"),
