@@ -293,6 +293,58 @@ TEST_F(DownloadFile, SaysWhatIsWrongWithTheDiskAndLeavesTheTarget)
 	}
 }
 
+TEST_F(DownloadFile, FetchesAgainWhatTheDiskHasLost)
+{
+	struct LosingFiles final : ForwardingFiles
+	{
+		struct Handle final : ForwardingHandle
+		{
+			Handle(LosingFiles& inFiles, IFileHandle* lower)
+				: ForwardingHandle(lower)
+				, files(inFiles)
+			{
+			}
+			bool Flush(const bool bFull) override { return --files.losses < 0 && Lower->Flush(bFull); }
+
+			LosingFiles& files;
+		};
+
+		IFileHandle* OpenWrite(const TCHAR* name, bool bAppend, bool bAllowRead) override
+		{
+			IFileHandle* const handle = Lower.OpenWrite(name, bAppend, bAllowRead);
+			return utf8(name).ends_with(".corvpart") ? new Handle(*this, handle) : handle;
+		}
+
+		std::atomic<int> losses{0};
+	};
+	LosingFiles files;
+	const Lab::Behaviour file = Lab::file(content), stall = Lab::stall({.at = {.share = 0.5}});
+	origin.at("/drop", file, Lab::onlyFirst(1, Lab::drop({.at = {.share = 0.5}}))).at("/whole", file);
+	origin.at("/pause", file, Lab::onlyFirst(1, stall)).at("/cancel", file, stall);
+	for (const auto& [path, outcome] :
+		{std::pair("/drop", ECorvaneTransferOutcome::Succeeded), {"/pause", ECorvaneTransferOutcome::Succeeded},
+			{"/cancel", ECorvaneTransferOutcome::Cancelled}, {"/whole", ECorvaneTransferOutcome::CannotWrite}})
+	{
+		SCOPED_TRACE(path);
+		fs::remove(folder.path("file.bin"));
+		files.losses = 1;
+		UCorvaneDownloadFile* const transfer = start(origin.url(path));
+		if (path == std::string_view("/pause") || outcome == ECorvaneTransferOutcome::Cancelled)
+		{
+			ASSERT_TRUE(loop.WaitFor([&] { return transfer->GetReport().TransferredBytes >= 150'000; }, patienceSeconds));
+			transfer->Pause();
+			ASSERT_TRUE(loop.WaitFor([&] { return transfer->IsPaused(); }, patienceSeconds));
+			outcome == ECorvaneTransferOutcome::Cancelled ? transfer->Cancel() : transfer->Continue();
+		}
+		const FCorvaneTransferReport report = finish();
+		EXPECT_EQ(report.Outcome, outcome) << utf8(report.Sentence);
+		EXPECT_LT(files.losses, 1);
+		EXPECT_EQ(report.BytesLeft, 0);
+		EXPECT_TRUE(!folder.exists("file.bin") || folder.read("file.bin") == content);
+		expectNothingBeside();
+	}
+}
+
 TEST_F(DownloadFile, TellsNoSecretsInItsReportAndOneLineOfTheLog)
 {
 	origin.at("*", content);

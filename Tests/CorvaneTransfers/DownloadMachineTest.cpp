@@ -47,7 +47,7 @@ namespace
 	struct Tally
 	{
 		std::map<Outcome, int> outcomes;
-		int appended = 0, compared = 0, restarts = 0, takenOver = 0;
+		int appended = 0, compared = 0, restarts = 0, takenOver = 0, lost = 0;
 	};
 
 	void check(const ModelRun& run, const ModelServer& server, const ModelDisk& disk, const FCorvaneDownloadOptions& options)
@@ -87,11 +87,13 @@ namespace
 			ModelRun run(server, disk, dice, options);
 			run.pauses = run.cancels = run.ends = dice.chance(0.5) ? 0.05 : 0;
 			run.diskFull = dice.chance(0.1) ? 0.05 : 0;
+			run.losses = dice.chance(0.2) ? 0.3 : 0;
 			ASSERT_TRUE(run.run()) << "it came to no end";
 			check(run, server, disk, options);
 			++tally.outcomes[run.report().Outcome];
 			tally.appended += run.appended;
 			tally.compared += run.compared;
+			tally.lost += run.lost;
 			tally.restarts += run.report().Restarts;
 			tally.takenOver += run.report().Outcome == Outcome::Succeeded && run.report().TakenOverBytes > 0;
 			ended = run.report().Outcome == Outcome::Ended;
@@ -115,7 +117,7 @@ TEST(DownloadMachine, EndsOnceAndNeverWithOtherBytesWhateverHappens)
 	{
 		EXPECT_GT(tally.outcomes[each], 10) << static_cast<int>(each);
 	}
-	for (const int number : {tally.appended, tally.compared, tally.restarts, tally.takenOver})
+	for (const int number : {tally.appended, tally.compared, tally.restarts, tally.takenOver, tally.lost})
 	{
 		EXPECT_GT(number, 100);
 	}
@@ -178,7 +180,7 @@ TEST(DownloadMachine, WaitsAsTheServerWishesButNoLongerThanTheCallerDoes)
 	EXPECT_DOUBLE_EQ(hand.end(3602, 0, "", ECorvaneExchangeEnd::NoConnection).WaitSeconds, 4); // half of 4 * 2
 	hand.machine.OnWaitOver(3606);
 	EXPECT_EQ(hand.end(3607, 429, "3601").Action, Action::Close) << "longer than the longest wait";
-	EXPECT_EQ(hand.machine.OnClosed(3607).Action, Action::Tell);
+	EXPECT_EQ(hand.machine.OnClosed(3607, 10).Action, Action::Tell);
 	const FCorvaneTransferReport& report = hand.machine.GetReport();
 	EXPECT_EQ(report.Outcome, Outcome::ServerError);
 	EXPECT_NE(utf8(report.Sentence).find("3601 seconds"), std::string::npos);
@@ -259,7 +261,7 @@ TEST(DownloadMachine, LeavesTheTargetAloneWhereItShall)
 		if (rule == If::OnlyIfNewer)
 		{
 			EXPECT_EQ(hand.end(1, 304).Action, Action::Discard);
-			EXPECT_EQ(hand.machine.OnClosed(1).Action, Action::Tell);
+			EXPECT_EQ(hand.machine.OnClosed(1, 0).Action, Action::Tell);
 			EXPECT_TRUE(hand.machine.GetReport().bTargetKept);
 		}
 	}
@@ -353,7 +355,7 @@ TEST(DownloadMachine, ObeysInEveryState)
 	EXPECT_EQ(paused.machine.Continue(9000).Question.OnDisk, 10);
 	EXPECT_EQ(paused.machine.EndOfProgram(9001).Action, Action::Stop);
 	EXPECT_EQ(paused.end(9001, 0, "", ECorvaneExchangeEnd::Cancelled).Action, Action::Close);
-	EXPECT_EQ(paused.machine.OnClosed(9001).Action, Action::Tell);
+	EXPECT_EQ(paused.machine.OnClosed(9001, 10).Action, Action::Tell);
 	EXPECT_EQ(paused.machine.GetReport().Outcome, Outcome::Ended);
 	EXPECT_DOUBLE_EQ(paused.machine.GetReport().SecondsWorked, 2) << "a pause is no work";
 	ByHand whole;

@@ -186,7 +186,7 @@ bool ModelRun::run()
 	}
 	++told;
 	// Nothing more may come of it, whatever is called.
-	const FCorvaneDownloadStep after[] = {Machine.Cancel(Now), Machine.OnClosed(Now), Machine.OnWaitOver(Now), Machine.Continue(Now),
+	const FCorvaneDownloadStep after[] = {Machine.Cancel(Now), Machine.OnClosed(Now, 0), Machine.OnWaitOver(Now), Machine.Continue(Now),
 		Machine.Pause(Now), Machine.OnAttemptEnded(Now, {}), Machine.Start(Now, FString())};
 	told += static_cast<int>(
 		std::count_if(std::begin(after), std::end(after), [](const auto& each) { return each.Action != ECorvaneDownloadAction::None; }));
@@ -208,6 +208,7 @@ FCorvaneDownloadStep ModelRun::follow(const FCorvaneDownloadStep& step)
 	case ECorvaneDownloadAction::Wait:
 		return wait(step.WaitSeconds);
 	case ECorvaneDownloadAction::Hold:
+		secure();
 		Now += 3600;
 		return Chances.chance(cancels) ? Machine.Cancel(Now) : Machine.Continue(Now);
 	case ECorvaneDownloadAction::Finish:
@@ -215,9 +216,10 @@ FCorvaneDownloadStep ModelRun::follow(const FCorvaneDownloadStep& step)
 		return Machine.OnFinished(Now, {});
 	case ECorvaneDownloadAction::Discard:
 		Disk.part.clear();
-		return Machine.OnClosed(Now);
+		return Machine.OnClosed(Now, 0);
 	default:
-		return Machine.OnClosed(Now);
+		secure();
+		return Machine.OnClosed(Now, static_cast<int64>(Disk.part.size()));
 	}
 }
 
@@ -259,6 +261,7 @@ FCorvaneDownloadStep ModelRun::interrupt()
 FCorvaneDownloadStep ModelRun::wait(double seconds)
 {
 	longestWait = std::max(longestWait, seconds);
+	secure();
 	const FCorvaneDownloadStep step = interrupt();
 	if (step.Action != ECorvaneDownloadAction::None)
 	{
@@ -270,8 +273,14 @@ FCorvaneDownloadStep ModelRun::wait(double seconds)
 
 FCorvaneDownloadStep ModelRun::exchange(const FCorvaneDownloadQuestion& question)
 {
-	questions.push_back(question);
 	FCorvaneAttemptEnd end;
+	if (question.OnDisk > 0 && question.OnDisk != static_cast<int64>(Disk.part.size()))
+	{
+		++lost;
+		end.Length = static_cast<int64>(Disk.part.size());
+		return Machine.OnAttemptEnded(Now, end);
+	}
+	questions.push_back(question);
 	end.Random = Chances.fraction() * 0.999;
 	ModelServer::Answer answer = Server.answer(CorvaneDownload::MakeHeaders(question, Options), Chances);
 	const bool stopped = interrupt().Action == ECorvaneDownloadAction::Stop;
@@ -339,6 +348,14 @@ void ModelRun::take(const FCorvaneDownloadQuestion& question, const std::string&
 	appended += question.OnDisk > 0 && !end.bStartedOver && !bytes.empty();
 	Disk.part += bytes;
 	end.Written = static_cast<int64>(bytes.size());
+}
+
+void ModelRun::secure()
+{
+	if (Chances.chance(losses))
+	{
+		Disk.part.resize(static_cast<size_t>(Chances.upTo(static_cast<int64>(Disk.part.size()))));
+	}
 }
 
 void ModelRun::replaceTarget()

@@ -85,6 +85,8 @@ public:
 
 	/** How often, 0 to 1, a wait or an exchange is interrupted by a pause, a cancel or the end of the program. */
 	double pauses = 0, cancels = 0, ends = 0, diskFull = 0;
+	/** How often the disk loses bytes when it shall secure them. */
+	double losses = 0;
 
 	/** Runs until the report; false when it does not come. */
 	bool run();
@@ -93,6 +95,7 @@ public:
 	int told = 0;
 	int compared = 0; // tails that were compared and found the same
 	int appended = 0; // answers that went behind what was there
+	int lost = 0; // times that the disk had lost bytes before a try
 	double longestWait = 0;
 	std::vector<FCorvaneDownloadQuestion> questions;
 
@@ -104,6 +107,7 @@ private:
 	FCorvaneDownloadStep interrupt();
 	FCorvaneDownloadStep wait(double seconds);
 	void replaceTarget();
+	void secure();
 
 	ModelServer& Server;
 	ModelDisk& Disk;

@@ -52,14 +52,9 @@ FCorvaneFinished FCorvaneDownloadFiles::FinishNow(const FCorvaneFinishWish& Wish
 	return Part.Finish(Wish);
 }
 
-void FCorvaneDownloadFiles::Close(TUniqueFunction<void()> Tell)
+void FCorvaneDownloadFiles::Close(TUniqueFunction<void(int64)> Tell)
 {
-	Do(
-		[Tell = MoveTemp(Tell)](FCorvaneDownloadFiles& Self)
-		{
-			Self.Part.Close();
-			Tell();
-		});
+	Do([Tell = MoveTemp(Tell)](FCorvaneDownloadFiles& Self) { Tell(Self.Part.Close()); });
 }
 
 void FCorvaneDownloadFiles::Discard(TUniqueFunction<void()> Tell)

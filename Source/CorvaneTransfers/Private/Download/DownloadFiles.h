@@ -34,18 +34,21 @@ public:
 	void LookForRest(const FString& Target, const FString& Address, TUniqueFunction<void(int64, int64)> Tell);
 	void Open(const FString& Target, const FString& Address, bool bResume, ECorvaneHashKind HashKind,
 		TUniqueFunction<void(const FCorvaneOpenedPart&)> Tell);
-	/** Vouches for what is there. */
+	/** Vouches for what is there. What the disk does not take is there no longer: GetLength tells it to the next try. */
 	void Secure();
 	void Finish(const FCorvaneFinishWish& Wish, TUniqueFunction<void(const FCorvaneFinished&)> Tell);
 	/** The same inside this call. Thread: that of the steps. */
 	FCorvaneFinished FinishNow(const FCorvaneFinishWish& Wish);
-	void Close(TUniqueFunction<void()> Tell);
+	/** Tells how many bytes are kept. */
+	void Close(TUniqueFunction<void(int64)> Tell);
 	void Discard(TUniqueFunction<void()> Tell);
 
 	/** Tells the last bytes on disk. @param Compare  how many of them. */
 	void ReadTail(int64 Compare, TUniqueFunction<void(TArray<uint8>&&, const FCorvaneFileResult&)> Tell);
 	/** Does something else when the steps before it are done. */
 	void Then(TUniqueFunction<void()> Step) { Strand->Add(MoveTemp(Step)); }
+	/** @return bytes in the part file now. Thread: that of the steps. */
+	int64 GetLength() const { return Part.GetLength(); }
 	/** Begins a try. Thread: that of the steps. */
 	void BeginAttempt();
 	/** The bytes that follow are the file from its beginning. */

@@ -207,6 +207,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::OnFinished(double Now, const FCorv
 	}
 	bOpen = false; // whatever came of it
 	Report.Hash = Finished.Hash;
+	Length = Finished.Outcome == ECorvaneTransferOutcome::Succeeded ? Length : Finished.KeptBytes;
 	if (Finished.Outcome == ECorvaneTransferOutcome::Cancelled)
 	{
 		return EndAsWanted(Now);
@@ -248,9 +249,14 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::LetGo(double Now, bool bKeepBytes)
 	return Do(EPhase::Closing, Now, bDiscard ? ECorvaneDownloadAction::Discard : ECorvaneDownloadAction::Close);
 }
 
-FCorvaneDownloadStep FCorvaneDownloadMachine::OnClosed(double Now)
+FCorvaneDownloadStep FCorvaneDownloadMachine::OnClosed(double Now, int64 KeptBytes)
 {
-	return Phase == EPhase::Closing ? Tell(Now) : FCorvaneDownloadStep();
+	if (Phase != EPhase::Closing)
+	{
+		return {};
+	}
+	Length = KeptBytes;
+	return Tell(Now);
 }
 
 FCorvaneDownloadStep FCorvaneDownloadMachine::Tell(double Now)

@@ -28,7 +28,7 @@ enum class ECorvaneDownloadAction : uint8
 	Stop,
 	/** Wait for WaitSeconds: OnWaitOver. Other calls may end the wait earlier. */
 	Wait,
-	/** Secure what is on disk: the download is paused, maybe for long. Nothing is told. */
+	/** Secure what is on disk: the download is paused, maybe for long. Nothing is told; the next try ends at once if bytes were lost. */
 	Hold,
 	/** Check the part file, put it in the target's place, and let go of it: OnFinished. */
 	Finish,
@@ -73,13 +73,15 @@ struct FCorvaneDownloadFinished
 	ECorvaneTransferOutcome Outcome = ECorvaneTransferOutcome::Succeeded;
 	FString Sentence;
 	FString Hash;
+	/** Of a failure: bytes that are kept beside the target. */
+	int64 KeptBytes = 0;
 };
 
 /** What came of one exchange, all of whose bytes are in the file. */
 struct FCorvaneAttemptEnd
 {
 	FCorvaneExchangeResult Exchange;
-	/** Bytes in the part file now. */
+	/** Bytes in the part file now. Fewer than the question goes on behind: the disk has lost them, and nothing was asked. */
 	int64 Length = 0;
 	/** Bytes that were written into it. */
 	int64 Written = 0;
@@ -127,7 +129,8 @@ public:
 	FCorvaneDownloadStep OnAttemptEnded(double Now, const FCorvaneAttemptEnd& End);
 	FCorvaneDownloadStep OnWaitOver(double Now);
 	FCorvaneDownloadStep OnFinished(double Now, const FCorvaneDownloadFinished& Finished);
-	FCorvaneDownloadStep OnClosed(double Now);
+	/** @param KeptBytes  that are left beside the target. */
+	FCorvaneDownloadStep OnClosed(double Now, int64 KeptBytes);
 
 	/** Stops after what cannot be stopped; the bytes stay. */
 	FCorvaneDownloadStep Pause(double Now);

@@ -26,6 +26,7 @@ namespace CorvaneDownloadRun
 		Finished.Outcome = Part.Result.IsOk() ? ECorvaneTransferOutcome::Succeeded : Part.Result.Failure;
 		Finished.Sentence = Part.Result.Sentence;
 		Finished.Hash = Part.Hash;
+		Finished.KeptBytes = Part.KeptBytes;
 		return Finished;
 	}
 } // namespace CorvaneDownloadRun
@@ -80,17 +81,17 @@ void FCorvaneDownloadRun::Follow(const FCorvaneDownloadStep& Step)
 	case ECorvaneDownloadAction::StopFinishing:
 		return Files->StopReading();
 	case ECorvaneDownloadAction::Close:
-		return Files->Close([Self = AsShared()] { Self->PostClosed(); });
+		return Files->Close([Self = AsShared()](int64 KeptBytes) { Self->PostClosed(KeptBytes); });
 	case ECorvaneDownloadAction::Discard:
-		return Files->Discard([Self = AsShared()] { Self->PostClosed(); });
+		return Files->Discard([Self = AsShared()] { Self->PostClosed(0); });
 	case ECorvaneDownloadAction::Tell:
 		return TellEnd();
 	}
 }
 
-void FCorvaneDownloadRun::PostClosed()
+void FCorvaneDownloadRun::PostClosed(int64 KeptBytes)
 {
-	Post([](FCorvaneDownloadRun& Self) { Self.FollowLetter(Self.Machine.OnClosed(Now())); });
+	Post([KeptBytes](FCorvaneDownloadRun& Self) { Self.FollowLetter(Self.Machine.OnClosed(Now(), KeptBytes)); });
 }
 
 void FCorvaneDownloadRun::Look()
@@ -192,7 +193,8 @@ void FCorvaneDownloadRun::Launch(const FCorvaneDownloadQuestion& Question, const
 	Asked.Headers = CorvaneDownload::MakeHeaders(Question, Options);
 	Asked.SilenceSeconds = static_cast<float>(Options.SilenceSeconds);
 	Files->BeginAttempt();
-	Route->Start(Asked, Taker);
+	const bool bHasWhatIsGoneOnBehind = Question.OnDisk == 0 || Question.OnDisk == Files->GetLength();
+	bHasWhatIsGoneOnBehind ? Route->Start(Asked, Taker) : Taker->OnEnd(FCorvaneExchangeResult());
 }
 
 /** What is all there goes to its place at once: the game thread has nothing to say to that. Thread: that of the files. */

@@ -50,7 +50,7 @@ private:
 	void Stop();
 	void Finish();
 	FCorvaneFinishWish MakeWish(const FCorvaneVersion& Version) const;
-	void PostClosed();
+	void PostClosed(int64 KeptBytes);
 
 	void OnTried(const FCorvaneDownloadQuestion& Question, FCorvaneAttemptEnd&& End);
 	void OnSent(FCorvaneAttemptEnd&& End);

@@ -65,6 +65,11 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::OnAttemptEnded(double Now, const F
 	{
 		return Fail(Now, ECorvaneTransferOutcome::Refused, TEXT("The HTTP module does not send this request."));
 	}
+	if (End.Length < Question.OnDisk && !End.bStartedOver)
+	{
+		--Report.Attempts; // nothing was asked
+		return GoOn(Now, 0);
+	}
 	return End.Exchange.bAnswerIsWhole ? FollowAnswer(Now, End) : FollowBreak(Now, End);
 }
 

@@ -275,7 +275,7 @@ FCorvaneFileResult FCorvanePartFile::ReadTail(int64 Count, TArray<uint8>& Tail) 
 																			  : CorvaneFileFaults::CannotRead(PartName());
 }
 
-void FCorvanePartFile::Close()
+int64 FCorvanePartFile::Close()
 {
 	if (Part.IsValid())
 	{
@@ -286,6 +286,7 @@ void FCorvanePartFile::Close()
 		}
 	}
 	LetGo();
+	return VouchedLength;
 }
 
 void FCorvanePartFile::Discard()
@@ -301,6 +302,7 @@ void FCorvanePartFile::Discard()
 		EarlyFlush.Stop();
 		CorvaneHeldFile::Delete(Part, PartName());
 	}
+	VouchedLength = 0;
 	LetGo();
 }
 

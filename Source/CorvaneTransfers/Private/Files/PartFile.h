@@ -46,6 +46,8 @@ struct FCorvaneFinished
 	FCorvaneFileResult Result;
 	/** Lower case hexadecimal; empty when none was asked for. */
 	FString Hash;
+	/** With a failure: bytes that a later Open finds. */
+	int64 KeptBytes = 0;
 };
 
 /**
@@ -83,7 +85,7 @@ public:
 	/** Adds bytes at the end, and vouches for them now and then. */
 	FCorvaneFileResult Append(const uint8* Bytes, int64 Count);
 
-	/** Waits until the disk has all bytes, and vouches for them. */
+	/** Waits until the disk has all bytes, and vouches for them. What the disk does not take is cut off: GetLength tells what is left. */
 	FCorvaneFileResult Checkpoint();
 
 	/** @return bytes in the part file now. */
@@ -101,8 +103,11 @@ public:
 	/** Finish reads the whole file no further, and ends with Cancelled then. Thread: any. */
 	void StopReading() { bStopReading = true; }
 
-	/** Vouches for all bytes and lets go of the files; they stay, unless there is nothing in them. */
-	void Close();
+	/**
+	 * Vouches for all bytes and lets go of the files; they stay, unless there is nothing in them.
+	 * @return bytes that are vouched for: a later Open finds so many.
+	 */
+	int64 Close();
 
 	/** Deletes part file and journal and lets go of them; a target that is whole already stays. */
 	void Discard();

@@ -32,7 +32,7 @@ FCorvaneFinished FCorvanePartFile::Finish(const FCorvaneFinishWish& Wish)
 	{
 		Finished.Result = Replace(Wish);
 	}
-	Close();
+	Finished.KeptBytes = Close();
 	return Finished;
 }
 
