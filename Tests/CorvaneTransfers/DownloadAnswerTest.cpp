@@ -1,4 +1,5 @@
 #include "Download/DownloadAnswer.h"
+#include "Download/DownloadMachine.h"
 #include "Download/DownloadOptions.h"
 #include "TextSupport.h"
 
@@ -138,6 +139,50 @@ TEST(DownloadAnswer, BeginsAFileOnlyAtItsBeginning)
 	EXPECT_EQ(judged(judgedAnswer(304, "", none)).Verdict, Verdict::Unchanged);
 	question.IfNewerThan = FDateTime(629197085770000000 - 10'000'000);
 	EXPECT_EQ(judged(judgedAnswer(200, "", dated, 6)).Verdict, Verdict::StartOverWithThis);
+}
+
+TEST(DownloadAnswer, BringsTheWholeFileOnlyIfNothingTellsOfMore)
+{
+	struct Row
+	{
+		FCorvaneVersion before, told;
+		bool tellsEnd; // the answer, which tells no length: by chunks
+		int64 came; // of 300 that were told before
+		bool isWhole;
+	};
+	const FCorvaneVersion other{TEXT("\"b\""), TEXT(""), false};
+	for (const Row& row : {Row{strong, strong, false, 200, false}, {strong, strong, false, 300, true}, {strong, strong, true, 200, false},
+			 {dated, dated, false, 200, false}, {weak, weak, false, 200, false}, {weak, weak, false, 300, true},
+			 {weak, weak, true, 200, true}, {none, none, false, 200, false}, {strong, other, false, 200, true}})
+	{
+		for (const int64 onDisk : {0, 100})
+		{
+			FCorvaneDownloadQuestion question = rest(row.before);
+			question.OnDisk = onDisk;
+			FCorvaneAttemptEnd end;
+			end.Exchange.End = ECorvaneExchangeEnd::Done;
+			end.Exchange.Answer = judgedAnswer(200, "", row.told);
+			end.Exchange.Answer.bTellsEnd = row.tellsEnd;
+			end.Exchange.bAnswerIsWhole = end.bStartedOver = true;
+			end.Length = row.came;
+			const FCorvaneDownloadJudgement judged = CorvaneDownload::JudgeAnswer(question, end.Exchange.Answer);
+			EXPECT_EQ(CorvaneDownload::BringsWholeFile(question, judged, end), row.isWhole)
+				<< row.came << " bytes after " << onDisk << " of " << utf8(row.told.ETag) << utf8(row.told.LastModified);
+		}
+	}
+	for (const bool isCompared : {false, true}) // all that was told is on disk
+	{
+		FCorvaneDownloadQuestion question = rest(weak);
+		question.OnDisk = question.Compare = 300;
+		FCorvaneAttemptEnd end;
+		end.Exchange.End = ECorvaneExchangeEnd::Dropped;
+		end.Exchange.Answer = judgedAnswer(206, "bytes 0-299/300", weak);
+		end.Exchange.bAnswerIsWhole = true;
+		end.bTailPassed = isCompared;
+		end.Length = 300;
+		const FCorvaneDownloadJudgement judged = CorvaneDownload::JudgeAnswer(question, end.Exchange.Answer);
+		EXPECT_EQ(CorvaneDownload::BringsWholeFile(question, judged, end), isCompared);
+	}
 }
 
 TEST(DownloadQuestion, SaysInItsHeadersWhatItIsAbout)

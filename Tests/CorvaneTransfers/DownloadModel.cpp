@@ -342,6 +342,7 @@ void ModelRun::take(const FCorvaneDownloadQuestion& question, const std::string&
 		FCorvaneTailCheck check(std::move(tail));
 		bytes.erase(0, static_cast<size_t>(check.Take(reinterpret_cast<const uint8*>(bytes.data()), static_cast<int64>(bytes.size()))));
 		end.bTailDiffers = check.Differs();
+		end.bTailPassed = check.IsPassed();
 		compared += check.IsPassed();
 		bytes.resize(check.IsPassed() ? bytes.size() : 0);
 	}

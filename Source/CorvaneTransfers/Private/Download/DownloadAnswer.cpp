@@ -52,6 +52,30 @@ namespace CorvaneDownloadAnswer
 		return Changed > 0 && Changed <= Question.IfNewerThan.GetTicks();
 	}
 
+	/** @return whether the answer is of the very version that the question knows, so that what was told of that holds. */
+	static bool IsSameFile(const FCorvaneDownloadQuestion& Question, const FCorvaneAnswer& Answer)
+	{
+		const FString Known = Question.Version.ForIfRange();
+		return !Known.IsEmpty() && Known.Equals(Answer.Version.ForIfRange(), ESearchCase::CaseSensitive);
+	}
+
+	/** Where an answer does not tell how long the file is, an earlier one may have. */
+	static void RememberTotal(const FCorvaneDownloadQuestion& Question, const FCorvaneAnswer& Answer, FCorvaneDownloadJudgement& Judged)
+	{
+		if (Judged.Total >= 0 || Question.Total < 0)
+		{
+			return;
+		}
+		if (IsSameFile(Question, Answer))
+		{
+			Judged.Total = Question.Total;
+		}
+		else if (!Answer.bTellsEnd && Question.Version.MayBe(Answer.Version))
+		{
+			Judged.LeastBytes = Question.Total;
+		}
+	}
+
 	static FCorvaneDownloadJudgement Begin(const FCorvaneDownloadQuestion& Question, const FCorvaneAnswer& Answer)
 	{
 		const int64 Told = Answer.ToldTotal();
@@ -65,7 +89,8 @@ namespace CorvaneDownloadAnswer
 		}
 		FCorvaneDownloadJudgement Judged = Make(ECorvaneDownloadVerdict::StartOverWithThis, FString());
 		Judged.Total = Told;
-		Judged.MostBytes = Answer.Code == 206 ? Answer.Range.Last + 1 : Told < 0 ? Question.ExpectedSize : Told;
+		RememberTotal(Question, Answer, Judged);
+		Judged.MostBytes = Answer.Code == 206 ? Answer.Range.Last + 1 : Judged.Total < 0 ? Question.ExpectedSize : Judged.Total;
 		if (!Answer.bEncoded)
 		{
 			Judged.Version = Answer.Version;

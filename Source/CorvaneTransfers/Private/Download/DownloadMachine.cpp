@@ -133,11 +133,15 @@ FCorvaneDownloadQuestion FCorvaneDownloadMachine::MakeQuestion() const
 	const int64 Part = bNoRanges ? 0 : PartBytes();
 	FCorvaneDownloadQuestion Next;
 	Next.ExpectedSize = Options.ExpectedSize;
-	if (!bFromStart && !bPacked && Length > 0)
+	const bool bKnowsFile = !bFromStart && !bPacked;
+	if (bKnowsFile)
 	{
-		Next.OnDisk = Length;
 		Next.Total = Total;
 		Next.Version = Version;
+	}
+	if (bKnowsFile && Length > 0)
+	{
+		Next.OnDisk = Length;
 		Next.Compare = Version.ForIfRange().IsEmpty() ? FMath::Min<int64>(CorvaneDownload::TailBytes, Length) : 0;
 	}
 	else

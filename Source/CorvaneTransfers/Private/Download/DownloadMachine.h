@@ -89,6 +89,8 @@ struct FCorvaneAttemptEnd
 	bool bStartedOver = false;
 	/** The bytes that were to be compared are others. */
 	bool bTailDiffers = false;
+	/** All of them came, and are the same. */
+	bool bTailPassed = false;
 	/** There were more bytes than MostBytes; those behind are not in the file. */
 	bool bTooLong = false;
 	/** Running = all files could be written. */

@@ -19,7 +19,7 @@ struct FCorvaneDownloadQuestion
 	/** The whole file's, as far as known; -1 = unknown. */
 	int64 Total = -1;
 	int64 ExpectedSize = -1;
-	/** Of what is on disk. */
+	/** Of what is on disk, or was told before a first byte came. */
 	FCorvaneVersion Version;
 	/** UTC; a file that is not newer is not wanted. MinValue = any is. */
 	FDateTime IfNewerThan = FDateTime::MinValue();

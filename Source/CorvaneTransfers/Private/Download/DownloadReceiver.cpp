@@ -62,6 +62,7 @@ bool FCorvaneDownloadReceiver::TakeBody(const uint8* Bytes, int64 Number)
 	{
 		Compared = TailCheck.Take(Bytes, Number);
 		End.bTailDiffers = TailCheck.Differs();
+		End.bTailPassed = TailCheck.IsPassed();
 	}
 	if (End.bTailDiffers || (Number > Compared && !Files->Put(Bytes + Compared, Number - Compared)))
 	{

@@ -21,10 +21,18 @@ namespace CorvaneDownloadTries
 		return Judged.Verdict == ECorvaneDownloadVerdict::StartOverWithThis && !End.bStartedOver;
 	}
 
+	/** Whether nothing has told yet that what is on disk belongs to the server's file. */
+	static bool IsUncompared(const FCorvaneDownloadJudgement& Judged, const FCorvaneAttemptEnd& End)
+	{
+		return Judged.Verdict == ECorvaneDownloadVerdict::CompareThenAppend && !End.bTailPassed;
+	}
+
 	static bool IsWhole(const FCorvaneDownloadJudgement& Judged, const FCorvaneAttemptEnd& End)
 	{
-		const bool bAllOfUnknown = Judged.Total < 0 && End.Exchange.End == ECorvaneExchangeEnd::Done && End.Exchange.Answer.Code != 206;
-		return !BodyIsMissing(Judged, End) && (bAllOfUnknown || (Judged.Total >= 0 && End.Length == Judged.Total));
+		const bool bAllOfUnknown = Judged.Total < 0 && End.Length >= Judged.LeastBytes && End.Exchange.End == ECorvaneExchangeEnd::Done &&
+								   End.Exchange.Answer.Code != 206;
+		const bool bIsOfTotal = Judged.Total >= 0 && End.Length == Judged.Total;
+		return !BodyIsMissing(Judged, End) && !IsUncompared(Judged, End) && (bAllOfUnknown || bIsOfTotal);
 	}
 } // namespace CorvaneDownloadTries
 
