@@ -134,14 +134,14 @@ namespace
 		}
 
 		/** To the first question, with so much on disk of a file with a tag. */
-		FCorvaneDownloadStep begin(int64 onDisk, int64 total)
+		FCorvaneDownloadStep begin(int64 onDisk, int64 total, const char* tag = "\"a\"")
 		{
 			machine.Start(0, FString());
 			machine.OnLooked(0, false, FDateTime());
 			FCorvaneDownloadOpened opened;
 			opened.Length = length = onDisk;
 			opened.Total = total;
-			opened.Version.ETag = TEXT("\"a\"");
+			opened.Version.ETag = text(tag);
 			return machine.OnOpened(0, opened);
 		}
 
@@ -240,6 +240,42 @@ TEST(DownloadMachine, StartsOverThreeTimesWhenWhatCameIsOfNoUse)
 		}
 		EXPECT_EQ(hand.machine.OnAttemptEnded(4, ended).Action, Action::Close);
 		EXPECT_EQ(hand.machine.GetReport().Outcome, outcome);
+	}
+}
+
+TEST(DownloadMachine, AsksInPartsThatAreMoreThanWhatIsComparedBeforeThem)
+{
+	constexpr int64 total = 1'100'000;
+	for (const char* tag : {"\"a\"", "W/\"a\""})
+	{
+		FCorvaneDownloadOptions options;
+		options.BytesPerSecond = 200'000;
+		ByHand hand(options);
+		hand.machine.LimitParts(10'000); // of its queue
+		FCorvaneDownloadStep step = hand.begin(100'000, total, tag);
+		int64 moved = 0;
+		double waited = 0;
+		while (step.Action == Action::Ask)
+		{
+			FCorvaneAttemptEnd ended;
+			ended.Exchange.End = ECorvaneExchangeEnd::Done;
+			ended.Exchange.Answer.Code = 206;
+			ended.Exchange.Answer.Range = {true, step.Question.From(), std::min(step.Question.Until, total) - 1, total};
+			ended.Exchange.bAnswerIsWhole = ended.bTailPassed = true;
+			ended.Length = std::min(step.Question.Until, total);
+			ended.Exchange.BodyBytes = ended.Length - step.Question.From();
+			EXPECT_GE(step.Question.MostBytes(), ended.Exchange.BodyBytes);
+			moved += ended.Exchange.BodyBytes;
+			step = hand.machine.OnAttemptEnded(0, ended);
+			waited += step.WaitSeconds;
+			if (step.Action != Action::Finish)
+			{
+				EXPECT_NEAR(waited, static_cast<double>(moved) / 200'000, 1e-6) << "compared bytes move, too";
+				step = hand.machine.OnWaitOver(0);
+			}
+		}
+		EXPECT_EQ(step.Action, Action::Finish) << tag;
+		EXPECT_LE(moved, 1'300'000) << tag;
 	}
 }
 

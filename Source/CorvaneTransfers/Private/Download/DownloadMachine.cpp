@@ -130,7 +130,6 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::OnOpened(double Now, const FCorvan
 
 FCorvaneDownloadQuestion FCorvaneDownloadMachine::MakeQuestion() const
 {
-	const int64 Part = bNoRanges ? 0 : PartBytes();
 	FCorvaneDownloadQuestion Next;
 	Next.ExpectedSize = Options.ExpectedSize;
 	const bool bKnowsFile = !bFromStart && !bPacked;
@@ -148,18 +147,23 @@ FCorvaneDownloadQuestion FCorvaneDownloadMachine::MakeQuestion() const
 	{
 		Next.IfNewerThan = IfNewerThan;
 	}
+	const int64 Part = PartBytes(Next.Compare);
 	Next.bRange = Part > 0 || Next.OnDisk > 0;
 	Next.Until = Part > 0 ? Next.OnDisk + Part : -1;
 	return Next;
 }
 
-/** @return bytes of the next part, by its own limit and that of its queue; 0 = all that there are. */
-int64 FCorvaneDownloadMachine::PartBytes() const
+/** @return new bytes of the next part, by its own limit and that of its queue; 0 = all that there are. */
+int64 FCorvaneDownloadMachine::PartBytes(int64 Compare) const
 {
 	const int64 Own = Options.BytesPerSecond > 0 ? CorvanePace::PartBytes(Options.BytesPerSecond) : MAX_int64;
 	const int64 Shared = MostOfPart > 0 ? MostOfPart : MAX_int64;
 	const int64 Part = FMath::Min(Own, Shared);
-	return Part < MAX_int64 ? Part : 0;
+	if (bNoRanges || Part == MAX_int64)
+	{
+		return 0;
+	}
+	return Compare > 0 ? FMath::Max(Part, CorvaneDownload::PartBytesWithTail) : Part;
 }
 
 FCorvaneDownloadStep FCorvaneDownloadMachine::Ask(double Now)

@@ -198,7 +198,7 @@ private:
 	FCorvaneDownloadStep FollowBody(double Now, const FCorvaneAttemptEnd& End, const FCorvaneDownloadJudgement& Judged);
 	FCorvaneDownloadStep FollowBreak(double Now, const FCorvaneAttemptEnd& End);
 
-	int64 PartBytes() const;
+	int64 PartBytes(int64 Compare) const;
 
 	const FString Target;
 	const FCorvaneDownloadOptions Options;

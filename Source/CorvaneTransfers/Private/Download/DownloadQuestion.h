@@ -25,12 +25,20 @@ struct FCorvaneDownloadQuestion
 	FDateTime IfNewerThan = FDateTime::MinValue();
 
 	int64 From() const { return OnDisk - Compare; }
+	/** @return bytes that are asked for, those that are compared among them; 0 = any number. */
+	int64 MostBytes() const { return Until < 0 ? 0 : Until - From(); }
 };
 
 namespace CorvaneDownload
 {
 	/** Bytes that are asked for again where nothing else tells whether the file is still the same. */
 	constexpr int64 TailBytes = 64 * 1024;
+
+	/**
+	 * New bytes of a part that such a tail comes with: smaller ones would move the tail more often than the file, larger ones would
+	 * come in a burst that a low limit is not meant to have.
+	 */
+	constexpr int64 PartBytesWithTail = 4 * TailBytes;
 
 	/** @return the headers of a try. Thread: any. */
 	TMap<FString, FString> MakeHeaders(const FCorvaneDownloadQuestion& Question, const FCorvaneDownloadOptions& Options);

@@ -136,8 +136,7 @@ void FCorvaneDownloadRun::OnOpened(const FCorvaneDownloadOpened& Opened)
 void FCorvaneDownloadRun::Ask(const FCorvaneDownloadQuestion& Question)
 {
 	Route->Prepare();
-	const int64 MostBytes = FMath::Max<int64>(Question.Until - Question.OnDisk, 0);
-	Turn.Ask(MostBytes, [Self = AsShared(), Question] { Self->CompareAndSend(Question); });
+	Turn.Ask(Question.MostBytes(), [Self = AsShared(), Question] { Self->CompareAndSend(Question); });
 }
 
 void FCorvaneDownloadRun::CompareAndSend(const FCorvaneDownloadQuestion& Question)

@@ -178,7 +178,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::FollowBody(double Now, const FCorv
 	{
 		return Retry(Now, End, ECorvaneTransferOutcome::Dropped, TEXT("the server sends no more of the file, although it is not whole"));
 	}
-	return GoOn(Now, CorvanePace::WaitAfter(End.Written, Now - PhaseBegan, Options.BytesPerSecond));
+	return GoOn(Now, CorvanePace::WaitAfter(End.Exchange.BodyBytes, Now - PhaseBegan, Options.BytesPerSecond));
 }
 
 FCorvaneDownloadStep FCorvaneDownloadMachine::FollowBreak(double Now, const FCorvaneAttemptEnd& End)
