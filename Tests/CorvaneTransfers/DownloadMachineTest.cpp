@@ -394,6 +394,17 @@ TEST(DownloadMachine, ObeysInEveryState)
 	EXPECT_EQ(paused.machine.OnClosed(9001, 10).Action, Action::Tell);
 	EXPECT_EQ(paused.machine.GetReport().Outcome, Outcome::Ended);
 	EXPECT_DOUBLE_EQ(paused.machine.GetReport().SecondsWorked, 2) << "a pause is no work";
+	ByHand limited; // in its middle
+	EXPECT_EQ(limited.begin(10, 100).Question.Until, -1);
+	EXPECT_EQ(limited.machine.AskInParts().Action, Action::None) << "without a limit";
+	limited.machine.LimitParts(20);
+	EXPECT_EQ(limited.machine.AskInParts().Action, Action::Stop);
+	EXPECT_EQ(limited.end(1, 0, "", ECorvaneExchangeEnd::Cancelled).Question.Until, 30);
+	EXPECT_EQ(limited.machine.AskInParts().Action, Action::None) << "it does";
+	ByHand lost; // all that was on disk; what was told of the file holds
+	lost.begin(10, 100);
+	lost.length = 0;
+	EXPECT_EQ(lost.end(1, 0, "", ECorvaneExchangeEnd::Cancelled).Question.Total, 100);
 	ByHand whole;
 	finishing(whole);
 	FCorvaneDownloadFinished wrong;

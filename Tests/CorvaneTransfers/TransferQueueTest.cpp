@@ -5,6 +5,8 @@
 #include "CorvaneUploadFile.h"
 #include "CorvaneUploadResumable.h"
 #include "GameLoop.h"
+#include "Lab/Behaviours/Faults.h"
+#include "Lab/Behaviours/Files.h"
 #include "Lab/Behaviours/Tus.h"
 #include "Lab/Behaviours/Uploads.h"
 #include "Lab/Origin.h"
@@ -407,6 +409,24 @@ TEST_F(TransferQueue, SharesBytesPerSecond)
 	}
 	expectShared();
 	EXPECT_GT(told, 12'000'000);
+}
+
+TEST_F(TransferQueue, ALimitHoldsForWhatRunsToo)
+{
+	Lab::Origin origin;
+	origin.at("/", Lab::file(queuedFile), Lab::onlyFirst(2, Lab::stall({.at = {.share = 0.5}})));
+	UCorvaneDownloadFile* const begun = add(origin.url(), "begun");
+	waitForBytes(1'000'000);
+	begun->Pause();
+	ASSERT_TRUE(loop.WaitFor([&] { return begun->IsPaused() && queue->GetReport().Running == 0; }, patienceSeconds));
+	begun->Continue();
+	waitForBytes(1'500'000); // and the rest of it is stuck
+	queue->SetLimits(8, 6, sharedLimit);
+	finish();
+	EXPECT_EQ(reports["begun"].Outcome, Outcome::Succeeded);
+	EXPECT_EQ(reports["begun"].TransferredBytes, 2'000'000);
+	const std::string rest(origin.log().at(2).request->header("Range"));
+	EXPECT_TRUE(rest.starts_with("bytes=1500000-") && rest.back() != '-') << rest;
 }
 
 TEST_F(TransferQueue, SharesBytesPerSecondAmongUploads)

@@ -19,6 +19,8 @@ public:
 	virtual void Continue() = 0;
 	/** Ends it soon; what has arrived is kept. One that comes before Start is kept for it, and nothing is sent. */
 	virtual void Cancel() = 0;
+	/** The limit of the pace that it shares is another one. */
+	virtual void OnPaceChanged() {}
 	virtual bool IsPaused() const = 0;
 	/** @param Tell  is called when a pause has stopped all, maybe inside Pause, and maybe several times. */
 	virtual void WhenPaused(TFunction<void()> Tell) = 0;

@@ -310,6 +310,12 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::Continue(double Now)
 	return Phase == EPhase::Paused ? Ask(Now) : FCorvaneDownloadStep();
 }
 
+FCorvaneDownloadStep FCorvaneDownloadMachine::AskInParts()
+{
+	const bool bAsksForAll = (Phase == EPhase::Opening || Phase == EPhase::Asking) && Question.Until < 0;
+	return bAsksForAll && PartBytes(0) > 0 ? StopAsking() : FCorvaneDownloadStep();
+}
+
 FCorvaneDownloadStep FCorvaneDownloadMachine::EndWith(double Now, ECorvaneTransferOutcome Outcome)
 {
 	const bool bTooLate = Phase == EPhase::Closing || Phase == EPhase::Over;

@@ -144,6 +144,8 @@ public:
 
 	/** @param Bytes  that a try asks for at most, from the next one on; 0 = any number. */
 	void LimitParts(int64 Bytes) { MostOfPart = Bytes; }
+	/** A limit has come: a try that asked for all that follow is stopped, and asks anew. */
+	FCorvaneDownloadStep AskInParts();
 
 	bool IsPaused() const { return Phase == EPhase::Paused; }
 	bool IsOver() const { return Phase == EPhase::Over; }

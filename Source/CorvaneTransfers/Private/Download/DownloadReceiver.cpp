@@ -18,6 +18,14 @@ namespace CorvaneDownloadReceiver
 		Source.Total = Judged.Total;
 		return Source;
 	}
+
+	static const TCHAR* const AcceptRanges = TEXT("Accept-Ranges");
+
+	static bool CanSendParts(const FCorvaneAnswer& Answer)
+	{
+		const FString* const Told = Answer.Kept.Find(AcceptRanges);
+		return !Answer.bEncoded && (Answer.Code == 206 || (Told && *Told == TEXT("bytes")));
+	}
 } // namespace CorvaneDownloadReceiver
 
 FCorvaneDownloadReceiver::FCorvaneDownloadReceiver(FPlan&& InPlan, const TSharedRef<FCorvaneDownloadFiles>& InFiles, FTell InTell)
@@ -28,11 +36,17 @@ FCorvaneDownloadReceiver::FCorvaneDownloadReceiver(FPlan&& InPlan, const TShared
 {
 }
 
+TArray<FString> FCorvaneDownloadReceiver::HeadersOfInterest()
+{
+	return {CorvaneDownloadReceiver::AcceptRanges};
+}
+
 bool FCorvaneDownloadReceiver::OnAnswer(const FCorvaneAnswer& Answer)
 {
 	Judged = CorvaneDownload::JudgeAnswer(Plan.Question, Answer);
 	bTakesBody = Judged.TakesBody();
-	bTakesPart = Answer.Code == 206;
+	bTakesPart = Answer.Code == 206 && Plan.Question.Until >= 0;
+	bCanGoOnBehind = bTakesBody && CorvaneDownloadReceiver::CanSendParts(Answer);
 	Total = Judged.Total;
 	BodyBegan = FPlatformTime::Seconds();
 	if (Judged.Verdict == ECorvaneDownloadVerdict::StartOverWithThis)

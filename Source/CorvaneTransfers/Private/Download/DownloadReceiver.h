@@ -33,6 +33,9 @@ public:
 
 	FCorvaneDownloadReceiver(FPlan&& InPlan, const TSharedRef<FCorvaneDownloadFiles>& InFiles, FTell InTell);
 
+	/** @return what an exchange should keep of the answer. */
+	static TArray<FString> HeadersOfInterest();
+
 	virtual bool OnAnswer(const FCorvaneAnswer& Answer) override;
 	virtual bool OnBytes(const uint8* Bytes, int64 Number) override;
 	virtual void OnEnd(const FCorvaneExchangeResult& Result) override;
@@ -41,6 +44,8 @@ public:
 	int64 ToldTotal() const { return Total; }
 	/** @return bytes for the file that came so far, on disk or on their way there. Thread: any. */
 	int64 BroughtBytes() const { return Brought; }
+	/** @return whether the server has said that it would send what is still missing as a part. Thread: any. */
+	bool CanGoOnBehind() const { return bCanGoOnBehind; }
 
 private:
 	bool TakeBody(const uint8* Bytes, int64 Number);
@@ -58,4 +63,5 @@ private:
 	double BodyBegan = 0;
 	std::atomic<int64> Total{-1};
 	std::atomic<int64> Brought{0};
+	std::atomic<bool> bCanGoOnBehind{false};
 };

@@ -55,6 +55,16 @@ void FCorvaneDownloadRun::Start()
 	BeginWith(Machine.Start(Now(), WayFault.IsEmpty() ? CorvaneDownload::FindFault(URL, Target, Options, bHashIsReadable) : WayFault));
 }
 
+void FCorvaneDownloadRun::OnPaceChanged()
+{
+	Machine.LimitParts(Turn.PartBytes());
+	const bool bLosesBytes = Receiver.IsValid() && Receiver->BroughtBytes() > 0 && !Receiver->CanGoOnBehind();
+	if (!bLosesBytes)
+	{
+		Follow(Machine.AskInParts());
+	}
+}
+
 void FCorvaneDownloadRun::Follow(const FCorvaneDownloadStep& Step)
 {
 	switch (Step.Action)
@@ -190,6 +200,7 @@ void FCorvaneDownloadRun::Launch(const FCorvaneDownloadQuestion& Question, const
 	FCorvaneExchangeRequest Asked;
 	Asked.URL = URL;
 	Asked.Headers = CorvaneDownload::MakeHeaders(Question, Options);
+	Asked.HeadersToKeep = FCorvaneDownloadReceiver::HeadersOfInterest();
 	Asked.SilenceSeconds = static_cast<float>(Options.SilenceSeconds);
 	Files->BeginAttempt();
 	const bool bHasWhatIsGoneOnBehind = Question.OnDisk == 0 || Question.OnDisk == Files->GetLength();

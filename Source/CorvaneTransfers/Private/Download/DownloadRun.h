@@ -29,6 +29,9 @@ public:
 	/** @return how it stands, with the bytes of the try that runs. */
 	virtual FCorvaneTransferReport GetReport() const override;
 
+	/** What runs without an end goes on in parts, unless the server may send none: then what came would be lost, and it is held up only. */
+	virtual void OnPaceChanged() override;
+
 	virtual void Abandon() override { Files->Abandon(); }
 
 private:

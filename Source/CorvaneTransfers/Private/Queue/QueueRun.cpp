@@ -31,6 +31,10 @@ void FCorvaneQueueRun::SetLimits(int32 MostAtOnce, int32 MostPerHost, int64 Byte
 {
 	Machine.SetLimits(MostAtOnce, MostPerHost);
 	Pace->SetLimit(BytesPerSecond);
+	for (const int64 Ticket : TArray<int64>(Begun))
+	{
+		Entries.Find(Ticket)->Run->OnPaceChanged();
+	}
 	Fill();
 }
 
