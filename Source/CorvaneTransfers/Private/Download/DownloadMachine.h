@@ -155,8 +155,6 @@ public:
 	const FCorvaneDownloadOptions& GetOptions() const { return Options; }
 	/** Of what is on disk. */
 	const FCorvaneVersion& GetVersion() const { return Version; }
-	/** -1 = unknown. */
-	int64 GetTotal() const { return Total; }
 	/** As it is so far; complete with Tell. */
 	const FCorvaneTransferReport& GetReport() const { return Report; }
 

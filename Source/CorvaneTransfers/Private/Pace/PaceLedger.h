@@ -12,7 +12,6 @@ class FCorvanePaceLedger
 public:
 	/** @param BytesPerSecond  0 = no limit. */
 	void SetLimit(double Now, int64 BytesPerSecond);
-	bool IsLimited() const { return Limit > 0; }
 
 	/** @param SecondsOfLast  that the last part took. @return bytes of one part; 0 = no limit. */
 	int64 PartBytes(double SecondsOfLast) const;

@@ -1,7 +1,6 @@
 #include "Containers/Ticker.h"
 #include "GameLoop.h"
 #include "HAL/PlatformTime.h"
-#include "Threads/ByteBuffer.h"
 #include "Waiting.h"
 
 #include <gtest/gtest.h>
@@ -38,19 +37,4 @@ TEST(Ticker, IsCalledByTheLoopAfterItsDelayUntilItWantsNoMore)
 	EXPECT_EQ(calls, 2);
 	EXPECT_EQ(removed, 0);
 	FTSTicker::RemoveTicker(handle); // harmless
-}
-
-TEST(ByteBuffer, GivesUpWhenNobodyTakesAndTakesAgainWhenSomebodyHas)
-{
-	FCorvaneByteBuffer buffer;
-	const std::vector<uint8> full(FCorvaneByteBuffer::Limit);
-	TArray<uint8> taken;
-	bool isFirst = false;
-	EXPECT_TRUE(buffer.Put(full.data(), FCorvaneByteBuffer::Limit, isFirst, 1) && isFirst);
-	EXPECT_FALSE(buffer.Put(full.data(), 1, isFirst, 1));
-	EXPECT_TRUE(buffer.Take(taken));
-	EXPECT_EQ(taken.Num(), FCorvaneByteBuffer::Limit);
-	EXPECT_TRUE(buffer.Put(full.data(), 1, isFirst, 1) && buffer.Put(full.data(), 1, isFirst, 1) && !isFirst);
-	buffer.Close();
-	EXPECT_FALSE(buffer.Put(full.data(), 1, isFirst, 1) || buffer.Take(taken));
 }
