@@ -182,8 +182,7 @@ TEST_F(Download, ThatIsResumedNeverMixesTwoVersions)
 		}
 		// Who answers to If-Range need not repeat what he was asked about, and what was kept stays of the version that it was.
 		const LogCapture log;
-		const Lab::Behaviour silent =
-			Lab::file(content, {.validator = Lab::Validator::None, .tellsTime = false, .heedsIfRange = false});
+		const Lab::Behaviour silent = Lab::file(content, {.validator = Lab::Validator::None, .tellsTime = false, .heedsIfRange = false});
 		origin.at("/silent", silent).at("/silent-drops", silent, Lab::dropAfter(1000));
 		for (const auto& [next, code, result] : {std::tuple("/silent", 206, content), {"/changed", 200, second}})
 		{
