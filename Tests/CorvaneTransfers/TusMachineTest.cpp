@@ -306,8 +306,9 @@ namespace
 	{
 		const char* what;
 		/**
-		 * "open" begins with a file of 1000 bytes, "noted" with one of which an earlier run has begun an upload; "start" does no more than that. "204@400+checksum" is an
-		 * answer with an offset and the extensions of the server, the two others are ends without one.
+		 * "open" begins with a file of 1000 bytes, "noted" with one of which an earlier run has begun an upload;
+		 * "start" looks at no file. "204@400+checksum" is an answer with an offset and the extensions of the server, the two others
+		 * are ends without one.
 		 */
 		const char* happens;
 		const char* does; // "send@400" begins with that byte

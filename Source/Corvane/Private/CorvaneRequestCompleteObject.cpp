@@ -100,7 +100,7 @@ void UCorvaneRequestCompleteObject::requestBodyHandedOut(FHttpRequestPtr, uint64
 	requestProgressUpload(parts->run.request(), InBytesSent, 0);
 }
 
-void UCorvaneRequestCompleteObject::requestBodyBroken(FHttpRequestPtr, uint64, uint64)
+void UCorvaneRequestCompleteObject::requestBodyBroken()
 {
 	parts->upload.setBroken();
 	if (const FHttpRequestPtr Request = parts->run.request())

@@ -55,7 +55,7 @@ public:
 	/** The body of the request, a stream of the module's own, has been read so far. */
 	void requestBodyHandedOut(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
 	/** The body of the request cannot be read any further: the request is cancelled, and fails whatever the server answers. */
-	void requestBodyBroken(FHttpRequestPtr request, uint64 bytesSent, uint64 bytesReceived);
+	void requestBodyBroken();
 
 	// Thread: request worker.
 	void requestCompleteInternal(FHttpRequestPtr request, FHttpResponsePtr response, bool bWasSuccessful);

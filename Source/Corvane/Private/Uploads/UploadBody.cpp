@@ -94,7 +94,7 @@ namespace CorvaneUploadBody
 			{
 				SetError();
 				UE_LOG(LogTemp, Error, TEXT("UCorvaneBPLibrary: Can't read File: %s"), *path);
-				broken.ExecuteIfBound(nullptr, static_cast<uint64>(position), 0);
+				broken.ExecuteIfBound();
 			}
 		}
 
@@ -102,7 +102,7 @@ namespace CorvaneUploadBody
 		const FString path;
 		int64 position = 0;
 		FHttpRequestProgressDelegate64 handedOut; // holds the object weakly, like every callback
-		FHttpRequestProgressDelegate64 broken;
+		TDelegate<void()> broken;
 	};
 
 	static bool reportsUpload(const FhttpRequest& Record)

@@ -39,7 +39,7 @@ struct FCorvaneDownloadJudgement
 	int64 MostBytes = -1;
 	/** The whole file's; -1 = unknown. */
 	int64 Total = -1;
-	/** Without a total: a body that is shorter may have been cut, although its connection ended in order. 0 = none is told apart from that. */
+	/** Without a total: a body that is shorter may have been cut, although its connection ended in order. 0 = nobody can tell. */
 	int64 LeastBytes = 0;
 	/** Of what will be on disk, to be asked by later. Nothing of an answer that nobody can go on behind. */
 	FCorvaneVersion Version;

@@ -4,8 +4,9 @@
 
 /**
  * How a limit of bytes per second is kept. The HTTP module cannot pause a request, so a limited download asks for parts of half
- * a second's worth, or what pays where bytes are compared, and waits between them. A server that ignores ranges sends all at once: its bytes are held up, but
- * for 20 ms a block at most, because that holds up every other exchange too; a lower limit is not kept with it.
+ * a second's worth, or more where each has bytes to compare before it, and waits between them. A server that ignores ranges sends
+ * all at once: its bytes are held up, but for 20 ms a block at most, because that holds up every other exchange too; a lower limit
+ * is not kept with it.
  * Thread: any.
  */
 namespace CorvanePace

@@ -4,8 +4,8 @@
 
 /**
  * What may move when under a limit of bytes per second, as a machine of values. A part is booked before its size is known, and
- * corrected when it is. Parts are a twentieth of a second's worth, so that no second has a tenth too many,
- * unless whoever moves them has to take larger ones. Now is in seconds from any beginning. Thread: one at a time.
+ * corrected when it is. Parts are a twentieth of a second's worth, so that no second has a tenth too many, unless whoever moves
+ * them has to take larger ones. Now is in seconds from any beginning. Thread: one at a time.
  */
 class FCorvanePaceLedger
 {
