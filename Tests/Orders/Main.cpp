@@ -83,7 +83,7 @@ int main(int count, char** arguments)
 	bool found = false;
 	for (const Scenario& scenario : scenarios())
 	{
-		const bool fits = scenario.kind.isSmall ? !wishes.onlyLarge : !wishes.onlySmall;
+		const bool fits = scenario.isSmall() ? !wishes.onlyLarge : !wishes.onlySmall;
 		if (fits && scenario.name.starts_with(wishes.scenario))
 		{
 			found = true;

@@ -23,7 +23,7 @@ struct Kind
 	void (*play)(World& world);
 	/** Looks at what is left when the program has ended; null = at nothing. */
 	void (*look)(const World& world);
-	/** So few points that every order can be tried. */
+	/** So few points that every order can be tried, unless it is started twice. */
 	bool isSmall;
 	unsigned without;
 	/** Every start has its outcome, even though the program ends. */
@@ -41,6 +41,7 @@ struct Scenario
 	std::string name;
 	Disturbance disturbance;
 	Kind kind;
+	bool isSmall() const { return kind.isSmall && disturbance != Disturbance::CancelAndAgain; }
 };
 
 std::vector<Scenario> scenarios();
