@@ -20,6 +20,9 @@ namespace Program
 
 	EventTap::~EventTap()
 	{
-		event.Get(owner.Get()).RemoveHandler(handler);
+		if (UObject* const alive = owner.Get()) // else the game loop has ended, and with it all objects
+		{
+			event.Get(alive).RemoveHandler(handler);
+		}
 	}
 } // namespace Program

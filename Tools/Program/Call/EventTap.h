@@ -8,7 +8,7 @@
 
 namespace Program
 {
-	/** Hears an event of an object while it lives, and holds the object. Thread: game thread. */
+	/** Hears an event of an object while it lives, and holds the object until the game loop ends. Thread: game thread. */
 	class EventTap
 	{
 	public:

@@ -124,7 +124,8 @@ void FCorvaneAnswerReader::TakeHeader(const FString& Name, const FString& Value)
 {
 	if (NamesToKeep.Contains(Name))
 	{
-		Answer.Kept.Add(Name, Value);
+		FString& Kept = Answer.Kept.FindOrAdd(Name);
+		Kept = Kept.IsEmpty() ? Value : Kept + TEXT(", ") + Value;
 	}
 	if (Name == TEXT("Content-Length"))
 	{

@@ -127,6 +127,10 @@ void FCorvaneExchange::Complete(const FHttpRequestPtr& Done, const FHttpResponse
 			Reader.TakeStatus(Response->GetResponseCode()); // redirects, and what has not changed, show nothing before
 		}
 	}
+	if (Reader.Get().Code < 200)
+	{
+		Reader.TakeStatus(0); // an interim answer is none
+	}
 	if (Result.End == ECorvaneExchangeEnd::Done && MayBeCutInItsLines())
 	{
 		Result.End = ECorvaneExchangeEnd::Dropped;

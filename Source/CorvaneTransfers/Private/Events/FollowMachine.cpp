@@ -174,7 +174,8 @@ FCorvaneFollowStep FCorvaneFollowMachine::Retry(double Now, const FCorvaneFollow
 	{
 		return Do(EPhase::Paused, Now, ECorvaneFollowAction::None);
 	}
-	const bool bOpened = OpenedAt >= 0;
+	// A stream may be quiet: then its lines are all that has come of it.
+	const bool bOpened = OpenedAt >= 0 || CorvaneFollow::JudgeAnswer(End.Exchange.Answer) == CorvaneFollow::EVerdict::Stream;
 	const bool bBehind = bOpened && End.Exchange.End == ECorvaneExchangeEnd::StoppedByUs; // else it was a page's body
 	if (bStopping || (bBehind && Options.bReconnect))
 	{
@@ -188,7 +189,8 @@ FCorvaneFollowStep FCorvaneFollowMachine::Retry(double Now, const FCorvaneFollow
 	{
 		return CloseForGood(Now, End.Exchange.End);
 	}
-	const bool bGood = EventsOfTry > 0 || (bOpened && Now - OpenedAt >= CorvaneFollowMachine::SecondsOfGoodStream);
+	const double OpenSeconds = Now - (OpenedAt >= 0 ? OpenedAt : PhaseBegan);
+	const bool bGood = EventsOfTry > 0 || (bOpened && OpenSeconds >= CorvaneFollowMachine::SecondsOfGoodStream);
 	IdleInARow = bGood ? 0 : IdleInARow + 1;
 	ClosedInARow = bOpened ? 0 : ClosedInARow + 1;
 	if (Options.Attempts > 0 && ClosedInARow >= Options.Attempts)

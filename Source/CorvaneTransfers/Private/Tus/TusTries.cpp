@@ -30,7 +30,7 @@ FCorvaneTusStep FCorvaneTusMachine::OnExchangeEnded(double Now, const FCorvaneTu
 	Count(End);
 	if (End.FileFailure != ECorvaneTransferOutcome::Running)
 	{
-		return Fail(Now, End.FileFailure, End.FileSentence, false);
+		return Fail(Now, End.FileFailure, End.FileSentence);
 	}
 	if (End.Exchange.End == ECorvaneExchangeEnd::NotSent)
 	{
@@ -171,7 +171,7 @@ FCorvaneTusStep FCorvaneTusMachine::TakeOffset(double Now, const FCorvaneTusEnd&
 	{
 		return EndAsWanted(Now);
 	}
-	if (bAsked || bNew)
+	if (bAsked || bNew || Told > Sent.Start) // of a server that had gone back, bytes that it had before
 	{
 		return GoOn(Now, ENext::Send);
 	}

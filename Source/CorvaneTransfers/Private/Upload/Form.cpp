@@ -67,6 +67,14 @@ FString CorvaneForm::Quote(const FString& Name)
 		.Replace(TEXT("\n"), TEXT("%0A"), ESearchCase::CaseSensitive);
 }
 
+/** Of a field, whose line ends become CR LF first; a file's name stays as it is. */
+static FString QuoteField(const FString& Name)
+{
+	return CorvaneForm::Quote(Name.Replace(TEXT("\r\n"), TEXT("\n"), ESearchCase::CaseSensitive)
+								  .Replace(TEXT("\r"), TEXT("\n"), ESearchCase::CaseSensitive)
+								  .Replace(TEXT("\n"), TEXT("\r\n"), ESearchCase::CaseSensitive));
+}
+
 TArray<FCorvaneBodySegment> CorvaneForm::Compose(
 	const TArray<FCorvaneFormFile>& Files, const TArray<FCorvaneFormField>& Fields, const FString& Boundary)
 {
