@@ -48,7 +48,8 @@ def parse(build):
     roots += [*build.glob("Source/*/Generated/*/"), build / "Host/Engine/Generated/Engine"]
     definitions = [f"-D{other.name.upper()}_API=" for other in (ROOT / "Source").iterdir()]
     unit = "".join(f'#include "{file}"\n' for file in module_files())
-    parsed = cindex.Index.create().parse("unit.cpp", ["-std=c++20", *definitions, "-DCORVANE_HTTP_SENDS_ALL_VERBS=0", *(f"-I{root}" for root in roots)],
+    definitions += ["-DCORVANE_HTTP_SENDS_ALL_VERBS=0", "-DCORVANE_FLUSHES_READ_FILES=0"]
+    parsed = cindex.Index.create().parse("unit.cpp", ["-std=c++20", *definitions, *(f"-I{root}" for root in roots)],
         [("unit.cpp", unit)], cindex.TranslationUnit.PARSE_DETAILED_PROCESSING_RECORD)
     faults = [d for d in parsed.diagnostics if d.severity >= cindex.Diagnostic.Error]
     if faults:

@@ -8,5 +8,8 @@ public class CorvaneTransfers : ModuleRules
 		IWYUSupport = IWYUSupport.Full;
 
 		PublicDependencyModuleNames.AddRange(new[] { "Core", "CoreUObject", "Engine", "HTTP", "Corvane" });
+
+		// Whether a handle of OpenRead can be flushed: that of Windows takes the attempt for a mistake.
+		PrivateDefinitions.Add("CORVANE_FLUSHES_READ_FILES=" + (Target.Platform == UnrealTargetPlatform.Win64 ? "0" : "1"));
 	}
 }

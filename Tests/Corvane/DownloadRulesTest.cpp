@@ -80,10 +80,12 @@ TEST(DownloadRules, MeasureTheSpeedOnceASecond)
 TEST(DownloadRules, ShowNoSecretsOfAnAddress)
 {
 	for (const auto& [url, shown] : {std::pair("http://h/a?b=c", "http://h/a"), {"https://u:p@h:1/a/b@c#d", "https://h:1/a/b@c"},
-			 {"http://u@x@h", "http://h"}, {"abc", "abc"}, {"u:p@h/a", "h/a"}, {"", ""}})
+			 {"http://u@x@h", "http://h"}, {"abc", "abc"}, {"u:p@h/a", "h/a"}, {"", ""}, {"http://h/a\r\nb", "http://h/a\uFFFD\uFFFDb"}})
 	{
 		EXPECT_EQ(utf8(CorvaneRules::shownAddress(url)), shown);
 	}
+	EXPECT_EQ(utf8(CorvaneRules::shownAddress(text(std::string(4 << 20, '@') + "h"))), "h"); // a page of them is no hour's work
+	EXPECT_EQ(utf8(CorvaneRules::shownAddress(text(std::string(5000, 'a')))), std::string(1000, 'a') + "...");
 }
 
 TEST(DownloadRules, KeepStepSizesUsable)

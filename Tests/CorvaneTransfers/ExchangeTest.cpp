@@ -142,6 +142,7 @@ TEST_F(Exchange, KnowsItsEnds)
 		{"a chunk that is too short", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nabc", End::Dropped, 200, 3, true},
 		{"lines that break off", "HTTP/1.1 200 OK\r\nContent-Le", End::Dropped, 200, 0, false},
 		{"no answer", "", End::Dropped, 0, 0, false},
+		{"an interim answer alone", "HTTP/1.1 102 Processing\r\nETag: \"late\"\r\n\r\n", End::Dropped, 0, 0, false},
 	};
 	for (const Case& each : cases)
 	{

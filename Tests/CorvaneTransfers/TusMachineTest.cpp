@@ -308,7 +308,7 @@ namespace
 		/**
 		 * "open" begins with a file of 1000 bytes, "noted" with one of which an earlier run has begun an upload;
 		 * "start" looks at no file. "204@400+checksum" is an answer with an offset and the extensions of the server, the two others
-		 * are ends without one.
+		 * are ends without one; "unread" and "changed" are of the file.
 		 */
 		const char* happens;
 		const char* does; // "send@400" begins with that byte
@@ -341,6 +341,8 @@ namespace
 			FCorvaneTusEnd ended;
 			ended.Random = 0.5;
 			ended.Exchange.End = word == "stopped" ? ECorvaneExchangeEnd::Cancelled : ECorvaneExchangeEnd::Dropped;
+			ended.bFileChanged = word == "changed";
+			ended.FileFailure = ended.bFileChanged || word == "unread" ? Outcome::CannotRead : Outcome::Running;
 			if (std::isdigit(word[0]) != 0)
 			{
 				const size_t offset = word.find('@'), extensions = word.find('+');
@@ -398,6 +400,10 @@ TEST(TusMachine, DoesWhatFollows)
 			"ask send@0 wait ask send@0 wait ask send@0 close", "broke off"},
 		{"and others are not", "noted 200@0 broken waited 200@1 broken waited 200@2 broken waited 200@3 broken waited",
 			"ask send@0 wait ask send@1 wait ask send@2 wait ask send@3 wait ask"},
+		{"a server that has gone back takes what it had before", "noted 200@800 broken waited 200@0 204@400 204@800 204@1000",
+			"ask send@800 wait ask send@0 send@400 send@800 discard"},
+		{"a file that cannot be read may be there later", "noted 200@400 unread", "ask send@400 close"},
+		{"one that changes is another one", "noted 200@400 changed", "ask send@400 discard"},
 		{"a cancel throws away what was begun", "open 201 begun cancel stopped 204 closed",
 			"create begin send@0 stop terminate discard tell", "has thrown it away"},
 		{"the same while it is begun", "open 201 cancel begun 404", "create begin - terminate discard", "has thrown it away"},

@@ -118,7 +118,7 @@ TEST_F(Upload, FormsArriveAsTheyWereGivenAndTouchNoFile)
 	FCorvaneUploadOptions options = patient();
 	options.Hash = TEXT("md5");
 	form("/form", {fileOf("a", path), fileOf("a", path, "say \"hi\"\r\n.bin", "text/x-own"), fileOf("none", empty)},
-		{fieldOf("first", "ä\nö\r\n"), fieldOf("twice", "1"), fieldOf("twice", ""), fieldOf("q\"uote", "--corvane-form-")}, options);
+		{fieldOf("first", "ä\nö\r\n"), fieldOf("twice", "1"), fieldOf("twice", ""), fieldOf("q\"uo\nte", "--corvane-form-")}, options);
 	const FCorvaneTransferReport report = finish();
 	ASSERT_EQ(report.Outcome, Outcome::Succeeded) << utf8(report.Sentence);
 	EXPECT_EQ(report.Code, 200);
@@ -132,7 +132,7 @@ TEST_F(Upload, FormsArriveAsTheyWereGivenAndTouchNoFile)
 	EXPECT_EQ(parts[0], field("first", "ä\nö\r\n"));
 	EXPECT_EQ(parts[1], field("twice", "1"));
 	EXPECT_EQ(parts[2], field("twice", ""));
-	EXPECT_EQ(parts[3], field("q%22uote", "--corvane-form-"));
+	EXPECT_EQ(parts[3], field("q%22uo%0D%0Ate", "--corvane-form-"));
 	EXPECT_EQ(parts[4]["fileName"], "größe.png");
 	EXPECT_EQ(parts[4]["type"], "image/png");
 	EXPECT_EQ(parts[4]["bytes"], bytes.size());

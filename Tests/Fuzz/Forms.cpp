@@ -5,6 +5,7 @@
 #include "Fuzz.h"
 #include "Rules/Multipart.h"
 
+#include <regex>
 #include <vector>
 
 namespace
@@ -66,6 +67,11 @@ namespace
 	{
 		return Quoted(utf8(Name));
 	}
+	/** As they write those of fields: each end of a line is CR LF first. */
+	std::string QuotedField(const FString& Name)
+	{
+		return Quoted(std::regex_replace(utf8(Name), std::regex("\r\n|\r|\n"), "\r\n"));
+	}
 
 	/** The second module chooses a boundary that stands nowhere; its files are put in by the path, which is their content here. */
 	void ComposeAndRead(const TArray<FCorvaneFormFile>& Files, const TArray<FCorvaneFormField>& Fields)
@@ -81,11 +87,11 @@ namespace
 		std::vector<FPart> Expected;
 		for (const FCorvaneFormField& Field : Fields)
 		{
-			Expected.push_back({Quoted(Field.Name), "", "", utf8(Field.Value)});
+			Expected.push_back({QuotedField(Field.Name), "", "", utf8(Field.Value)});
 		}
 		for (const FCorvaneFormFile& File : Files)
 		{
-			Expected.push_back({Quoted(File.FieldName), Quoted(File.FileName), utf8(File.ContentType), utf8(File.FilePath)});
+			Expected.push_back({QuotedField(File.FieldName), Quoted(File.FileName), utf8(File.ContentType), utf8(File.FilePath)});
 		}
 		HOST_CHECK(ReadBody(Body, utf8(Boundary)) == Expected);
 	}

@@ -42,7 +42,8 @@ class Finder:
         others = sorted(tree.glob("Source/*"))
         roots = [self.room, *(other / "Public" for other in others), *(tree / "Host" / room / "Public" for room in ("Core", "CoreUObject", "Engine", "HTTP"))]
         roots += [*build.glob("Source/*/Generated/*/"), build / "Host/Engine/Generated/Engine"]
-        options = ["-std=c++20", "-DCORVANE_HTTP_SENDS_ALL_VERBS=1", *(f"-D{other.name.upper()}_API=" for other in others), *(f"-I{root}" for root in roots)]
+        options = ["-std=c++20", "-DCORVANE_HTTP_SENDS_ALL_VERBS=1", "-DCORVANE_FLUSHES_READ_FILES=1"]
+        options += [*(f"-D{other.name.upper()}_API=" for other in others), *(f"-I{root}" for root in roots)]
         unit = cindex.Index.create().parse("unit.cpp", options, [("unit.cpp", "".join(f'#include "{path}"\n' for path in self.files))],
             cindex.TranslationUnit.PARSE_DETAILED_PROCESSING_RECORD)
         faults = [str(fault) for fault in unit.diagnostics if fault.severity >= cindex.Diagnostic.Error]

@@ -96,6 +96,7 @@ int64 FFileHandle::Tell()
 
 bool FFileHandle::Seek(int64 NewPosition)
 {
+	HOST_CHECK(NewPosition >= 0 && NewPosition <= Size()); // on Windows the engine takes anything else for a mistake
 	return lseek(Descriptor, NewPosition, SEEK_SET) >= 0;
 }
 

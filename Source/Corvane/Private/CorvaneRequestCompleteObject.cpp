@@ -34,6 +34,7 @@ bool UCorvaneRequestCompleteObject::initCorv()
 
 void UCorvaneRequestCompleteObject::requestComplete(FHttpRequestPtr InRequest, FHttpResponsePtr InResponse, bool bInWasSuccessful)
 {
+	parts->upload.closeBody();
 	addCompletionJob(ECorvJobType::Complete, InRequest, InResponse, bInWasSuccessful && !parts->upload.isBroken());
 }
 
@@ -335,6 +336,11 @@ uint64 UCorvaneRequestCompleteObject::getUploadSize() const
 void UCorvaneRequestCompleteObject::setUploadSize(uint64 InSize)
 {
 	parts->upload.uploadSize = InSize;
+}
+
+void UCorvaneRequestCompleteObject::setUploadBody(TSharedPtr<FArchive, ESPMode::ThreadSafe> InBody)
+{
+	parts->upload.body = MoveTemp(InBody);
 }
 
 int64 UCorvaneRequestCompleteObject::getHTMLFileSize() const

@@ -1,5 +1,6 @@
 #include "CorvaneTransfers.h"
 
+#include "HttpModule.h"
 #include "Misc/CoreDelegates.h"
 #include "Modules/ModuleManager.h"
 #include "Queue/Queues.h"
@@ -8,6 +9,7 @@
 
 void FCorvaneTransfersModule::StartupModule()
 {
+	FHttpModule::Get(); // downloads ask for it on other threads, which must not be the first
 	// At the end of a program the modules go after the objects: too late for transfers that still have bytes to write.
 	FCoreDelegates::OnPreExit.AddRaw(this, &FCorvaneTransfersModule::EndTransfers);
 }

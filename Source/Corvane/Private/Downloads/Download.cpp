@@ -79,7 +79,8 @@ FCorvCompletion FCorvDownload::writeBody(const FHttpRequestPtr& InRequest, const
 	{
 		if (!CorvaneStatus::isDone(Answer.statusCode))
 		{
-			file.tellIncomplete(FString::Printf(TEXT("the server answered %d"), Answer.statusCode));
+			const FString Reason = FString::Printf(TEXT("the server answered %d"), Answer.statusCode);
+			Action == ECorvDownloadAction::Complete ? file.tellLeftAlone(Reason) : file.tellIncomplete(Reason);
 		}
 		return CorvaneDownload::resultOf(*InResponse, Action == ECorvDownloadAction::Nothing);
 	}

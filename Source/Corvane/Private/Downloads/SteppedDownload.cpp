@@ -107,7 +107,8 @@ void FCorvSteppedDownload::takeProbeAnswer(const FHttpRequestPtr& InRequest, con
 	else if (download.file.size() >= Answer.range.total)
 	{
 		UE_LOG(LogTemp, Error, TEXT("File Download: File size equal to or larger than on the server. Cancel Download"));
-		end(InRequest, run.failureOf(InResponse));
+		download.file.tellLeftAlone(FString::Printf(TEXT("the server has %lld bytes"), Answer.range.total));
+		deliver(InRequest, run.failureOf(InResponse));
 	}
 	else if (!download.file.isOfKeptVersion(*InResponse)) // it would go after the bytes of another one
 	{
@@ -170,6 +171,11 @@ void FCorvSteppedDownload::end(const FHttpRequestPtr& InRequest, FCorvCompletion
 		download.file.tellIncomplete(
 			FString::Printf(TEXT("status %d, and %lld bytes are on disk"), InResult.statusCode, download.file.size()));
 	}
+	deliver(InRequest, MoveTemp(InResult));
+}
+
+void FCorvSteppedDownload::deliver(const FHttpRequestPtr& InRequest, FCorvCompletion InResult)
+{
 	download.file.release();
 	run.deliver(InRequest, MoveTemp(InResult));
 }

@@ -48,6 +48,7 @@ private:
 	bool writeStep(const IHttpResponse& response, const FCorvDownloadAnswer& answer);
 	void startStep(const IHttpResponse& response, int64 total, int64 start);
 	void end(const FHttpRequestPtr& request, FCorvCompletion result);
+	void deliver(const FHttpRequestPtr& request, FCorvCompletion result);
 	int64 mostBytes() const;
 
 	FCorvRun& run;

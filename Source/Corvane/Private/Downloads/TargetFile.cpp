@@ -105,6 +105,12 @@ void FCorvTargetFile::tellIncomplete(const FString& InReason) const
 		*CorvaneRules::shownAddress(run.httpRequest.url));
 }
 
+void FCorvTargetFile::tellLeftAlone(const FString& InReason) const
+{
+	UE_LOG(LogTemp, Error, TEXT("File Download: %s is left as it is: %s, and %lld bytes are on disk. Request %s, %s"), *path, *InReason,
+		size(), *run.requestID, *CorvaneRules::shownAddress(run.httpRequest.url));
+}
+
 FCorvCompletion FCorvTargetFile::failure(const FString& InReason) const
 {
 	tellIncomplete(InReason);

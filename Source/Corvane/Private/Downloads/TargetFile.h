@@ -46,6 +46,8 @@ public:
 
 	/** Tells the log why the file is not complete. */
 	void tellIncomplete(const FString& reason) const;
+	/** Tells it why nothing is written to one that may well be complete. */
+	void tellLeftAlone(const FString& reason) const;
 	/** The same, and the result that comes of it. */
 	FCorvCompletion failure(const FString& reason) const;
 

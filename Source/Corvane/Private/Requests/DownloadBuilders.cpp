@@ -30,7 +30,7 @@ namespace CorvaneDownloadBuilder
 		}
 		Target.path =
 			UFileFunctionsCorv::getCleanDirectory(static_cast<EFileFunctionsCorvDirectoryType>(Target.directoryType), Target.path);
-		if (!FPaths::DirectoryExists(FPaths::GetPath(Target.path)))
+		if (!FPaths::DirectoryExists(FPaths::GetPath(Target.path) + TEXT("/"))) // the root's own path is empty without it
 		{
 			UE_LOG(LogTemp, Error, TEXT("%s: Directory does not exist."), Target.builder);
 			return false;

@@ -16,7 +16,7 @@ struct FCorvFileInfo
  */
 namespace CorvaneRules
 {
-	/** Reads the list after "itemJson:"; not readable when there is none, it has fewer than 28 fields or tells a size below 0. */
+	/** Reads the list after "itemJson:"; not readable when there is none, or it has fewer than 28 fields. */
 	FCorvFileInfo readFileInfo(const FString& page);
 
 	/** @return the token of a confirmation page, empty when the page asks for none. */

@@ -1,5 +1,21 @@
 #include "Rules/ShownAddress.h"
 
+namespace CorvaneShownAddress
+{
+	/** In characters: a page may stand where an address should. */
+	static constexpr int32 longest = 1000;
+
+	static FString forOneLine(const FString& Address)
+	{
+		FString Line;
+		for (int32 Index = 0; Index < Address.Len() && Index < longest; ++Index)
+		{
+			Line.AppendChar(Address[Index] < TEXT(' ') ? TEXT('\uFFFD') : Address[Index]);
+		}
+		return Line.Len() < Address.Len() ? Line + TEXT("...") : Line;
+	}
+} // namespace CorvaneShownAddress
+
 FString CorvaneRules::shownAddress(const FString& Url)
 {
 	int32 End = 0;
@@ -16,8 +32,8 @@ FString CorvaneRules::shownAddress(const FString& Url)
 	FString Path;
 	const bool bHasPath = Rest.Split(TEXT("/"), &Host, &Path);
 	FString Secret;
-	while (Host.Split(TEXT("@"), &Secret, &Host)) // the last one ends it
-	{
-	}
-	return (bHasScheme ? Scheme + TEXT("://") : FString()) + Host + (bHasPath ? TEXT("/") + Path : FString());
+	const FString Authority = Host;
+	Authority.Split(TEXT("@"), &Secret, &Host, ESearchCase::CaseSensitive, ESearchDir::FromEnd);
+	return CorvaneShownAddress::forOneLine(
+		(bHasScheme ? Scheme + TEXT("://") : FString()) + Host + (bHasPath ? TEXT("/") + Path : FString()));
 }

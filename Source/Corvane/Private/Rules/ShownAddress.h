@@ -4,6 +4,6 @@
 
 namespace CorvaneRules
 {
-	/** @return an address as a log may show it: without user, password, query and fragment. */
+	/** @return an address as a log may show it: without user, password, query and fragment, in one line of bounded length. */
 	FString shownAddress(const FString& url);
 } // namespace CorvaneRules

@@ -59,21 +59,24 @@ namespace CorvaneUploadBody
 			}
 		}
 
-		virtual int64 TotalSize() override { return source->TotalSize(); }
+		virtual int64 TotalSize() override { return source.IsValid() ? source->TotalSize() : 0; }
 		virtual int64 Tell() override { return position; }
 		virtual void Seek(int64 InPosition) override
 		{
-			source->Seek(InPosition);
+			if (source.IsValid())
+			{
+				source->Seek(InPosition);
+			}
 			position = InPosition;
 		}
 		virtual void Serialize(void* Out, int64 Number) override
 		{
-			if (!IsError())
+			if (!IsError() && source.IsValid())
 			{
 				source->Serialize(Out, Number);
 			}
 			position += Number;
-			if (source->IsError())
+			if (!source.IsValid() || source->IsError())
 			{
 				fail(Out, Number);
 			}
@@ -81,6 +84,13 @@ namespace CorvaneUploadBody
 			{
 				handedOut.ExecuteIfBound(nullptr, static_cast<uint64>(position), 0);
 			}
+		}
+
+		/** Behind the end of the request there is nothing more to read. */
+		virtual bool Close() override
+		{
+			source.Reset();
+			return !IsError();
 		}
 
 	private:
@@ -98,7 +108,7 @@ namespace CorvaneUploadBody
 			}
 		}
 
-		const TUniquePtr<FArchive> source;
+		TUniquePtr<FArchive> source; // none = it is closed
 		const FString path;
 		int64 position = 0;
 		FHttpRequestProgressDelegate64 handedOut; // holds the object weakly, like every callback
@@ -115,8 +125,9 @@ namespace CorvaneUploadBody
 	{
 		UCorvaneRequestCompleteObject* Object = Record.requestCompleteObject();
 		Object->setUploadSize(static_cast<uint64>(Source->TotalSize()));
-		FArchive* Body = new FWatched(MoveTemp(Source), Path, Object, reportsUpload(Record));
-		HttpRequest.SetContentFromStream(TSharedPtr<FArchive, ESPMode::ThreadSafe>(Body).ToSharedRef());
+		const TSharedPtr<FArchive, ESPMode::ThreadSafe> Body(new FWatched(MoveTemp(Source), Path, Object, reportsUpload(Record)));
+		Object->setUploadBody(Body);
+		HttpRequest.SetContentFromStream(Body.ToSharedRef());
 	}
 } // namespace CorvaneUploadBody
 

@@ -60,12 +60,12 @@ namespace CorvaneUploadLeftovers
 
 	static void tellCopies(const FString& Path)
 	{
-		const FString Directory = FPaths::GetPath(Path);
+		const FString Directory = FPaths::GetPath(Path) + TEXT("/"); // the root's own path is empty without it
 		TArray<FString> Names;
 		IFileManager::Get().FindFiles(Names, *Directory, nullptr);
 		for (const FString& Name : Names)
 		{
-			const FString Copy = Directory + TEXT("/") + FPaths::GetCleanFilename(Name);
+			const FString Copy = Directory + FPaths::GetCleanFilename(Name);
 			if (CorvaneRules::isUploadCopyOf(FPaths::GetCleanFilename(Name), Path) && !isBeingUploaded(Copy))
 			{
 				UE_LOG(LogTemp, Display, TEXT("UCorvaneBPLibrary: upload copy has been left behind: %s"), *Copy);

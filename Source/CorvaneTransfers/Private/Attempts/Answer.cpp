@@ -124,8 +124,8 @@ void FCorvaneAnswerReader::TakeHeader(const FString& Name, const FString& Value)
 {
 	if (NamesToKeep.Contains(Name))
 	{
-		FString& Kept = Answer.Kept.FindOrAdd(Name);
-		Kept = Kept.IsEmpty() ? Value : Kept + TEXT(", ") + Value;
+		const FString* const Before = Answer.Kept.Find(Name); // a list may come in several lines
+		Answer.Kept.Add(Name, Before && !Before->Equals(Value, ESearchCase::CaseSensitive) ? *Before + TEXT(", ") + Value : Value);
 	}
 	if (Name == TEXT("Content-Length"))
 	{

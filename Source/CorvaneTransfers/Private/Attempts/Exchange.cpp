@@ -5,6 +5,19 @@
 #include "Interfaces/IHttpResponse.h"
 #include "Misc/ScopeLock.h"
 
+namespace CorvaneExchangeLimits
+{
+	/** How long the engine tries to get a connection. */
+	static constexpr float ConnectSeconds = 30;
+	/** What ends so near to it is not told from it. */
+	static constexpr float Near = 1;
+
+	static bool IsNearConnectLimit(double Seconds)
+	{
+		return Seconds > ConnectSeconds - Near && Seconds < ConnectSeconds + Near;
+	}
+} // namespace CorvaneExchangeLimits
+
 FCorvaneExchange::FCorvaneExchange(const TSharedRef<FCorvaneExchangeReceiver>& InReceiver)
 	: Receiver(InReceiver)
 {
@@ -15,12 +28,15 @@ TSharedRef<FCorvaneExchange> FCorvaneExchange::Start(
 {
 	const TSharedRef<FCorvaneExchange> Self = MakeShared<FCorvaneExchange>(InReceiver);
 	const FHttpRequestRef Made = FHttpModule::Get().CreateRequest();
+	const bool bMistakable = CorvaneExchangeLimits::IsNearConnectLimit(Asked.SilenceSeconds);
+	const float SilenceSeconds = bMistakable ? CorvaneExchangeLimits::ConnectSeconds + CorvaneExchangeLimits::Near : Asked.SilenceSeconds;
 	Fill(Asked, *Made);
+	Made->SetActivityTimeout(SilenceSeconds);
 	Bind(Self, *Made);
 	Self->bAsksForBody = Asked.Verb == TEXT("GET");
 	Self->Sent = Asked.Stream;
 	Self->Reader.Keep(Asked.HeadersToKeep);
-	Self->Send(Made, Asked.SilenceSeconds);
+	Self->Send(Made, SilenceSeconds);
 	return Self;
 }
 
@@ -41,7 +57,6 @@ void FCorvaneExchange::Fill(const FCorvaneExchangeRequest& Asked, IHttpRequest& 
 		OutRequest.SetContentAsString(Asked.Body);
 	}
 	OutRequest.SetHeader(TEXT("Accept-Encoding"), TEXT("identity"));
-	OutRequest.SetActivityTimeout(Asked.SilenceSeconds);
 	OutRequest.SetDelegateThreadPolicy(EHttpRequestDelegateThreadPolicy::CompleteOnHttpThread);
 }
 
@@ -177,9 +192,11 @@ bool FCorvaneExchange::MayBeCutInItsLines() const
 	return bAsksForBody && bLinesMatter && BodyBytes == 0 && !Answer.bTellsEnd;
 }
 
-/** The engine has one reason for "no way there" and "silence": only that silence takes its time tells them apart. */
+/** The engine has one reason for "no way there" and "silence": only the time that each takes tells them apart. */
 ECorvaneExchangeEnd FCorvaneExchange::JudgeConnectionError() const
 {
-	const bool bSilent = Reader.Get().Code != 0 || FPlatformTime::Seconds() - StartedAt >= static_cast<double>(SilenceSeconds);
+	const double Seconds = FPlatformTime::Seconds() - StartedAt;
+	const bool bTookItsTime = Seconds >= static_cast<double>(SilenceSeconds) && !CorvaneExchangeLimits::IsNearConnectLimit(Seconds);
+	const bool bSilent = Reader.Get().Code != 0 || bTookItsTime;
 	return bSilent ? ECorvaneExchangeEnd::Stalled : ECorvaneExchangeEnd::NoConnection;
 }

@@ -76,7 +76,7 @@ FCorvaneEarlyFlush::~FCorvaneEarlyFlush()
 void FCorvaneEarlyFlush::Note(const FString& File, int64 Bytes)
 {
 	Unflushed += Bytes;
-	if (Unflushed >= CorvaneEarlyFlush::BytesPerFlush && Work->Ask())
+	if (CORVANE_FLUSHES_READ_FILES != 0 && Unflushed >= CorvaneEarlyFlush::BytesPerFlush && Work->Ask())
 	{
 		Unflushed = 0;
 		AsyncTask(ENamedThreads::AnyBackgroundThreadNormalTask, [Shared = Work, File] { Shared->Do(File); });

@@ -5,7 +5,8 @@
 
 /**
  * Has the disk begin with the bytes of a file while more of them are written, so that the wait for it at the end is short. It is
- * a hint and vouches for nothing: where a file that is open for reading cannot be flushed, nothing comes of it.
+ * a hint and vouches for nothing: where a file that is open for reading cannot be flushed (CORVANE_FLUSHES_READ_FILES is 0), it
+ * does nothing.
  * Thread: one at a time.
  */
 class FCorvaneEarlyFlush

@@ -34,7 +34,13 @@ FCorvaneFileResult CorvaneFileFaults::CannotRead(const FString& File)
 
 FCorvaneFileResult CorvaneFileFaults::ChangedWhileSent(const FString& File)
 {
-	return Failed(ECorvaneTransferOutcome::CannotRead, FString::Printf(TEXT("%s changed while it was sent."), *File));
+	if (!FPlatformFileManager::Get().GetPlatformFile().FileExists(*File))
+	{
+		return CannotRead(File);
+	}
+	FCorvaneFileResult Result = Failed(ECorvaneTransferOutcome::CannotRead, FString::Printf(TEXT("%s changed while it was sent."), *File));
+	Result.bChanged = true;
+	return Result;
 }
 
 FCorvaneFileResult CorvaneFileFaults::OpenFailed(const FString& File)

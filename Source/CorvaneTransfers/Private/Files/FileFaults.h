@@ -16,7 +16,7 @@ namespace CorvaneFileFaults
 
 	FCorvaneFileResult CannotRead(const FString& File);
 
-	/** @param File  is not what it was when it was found. */
+	/** @param File  is not what it was when it was found; one that has gone can only not be read. */
 	FCorvaneFileResult ChangedWhileSent(const FString& File);
 
 	/** @param File  could not be opened for writing. */

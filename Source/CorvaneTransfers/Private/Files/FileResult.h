@@ -10,6 +10,8 @@ struct FCorvaneFileResult
 	ECorvaneTransferOutcome Failure = ECorvaneTransferOutcome::Running;
 	/** Says to people what went wrong; empty when nothing did. */
 	FString Sentence;
+	/** A file is not what it was: what was begun with it is of no use. */
+	bool bChanged = false;
 
 	bool IsOk() const { return Failure == ECorvaneTransferOutcome::Running; }
 };

@@ -75,6 +75,8 @@ struct FCorvaneTusEnd
 	/** Running = all bytes of the file could be read, and it is still the same file. */
 	ECorvaneTransferOutcome FileFailure = ECorvaneTransferOutcome::Running;
 	FString FileSentence;
+	/** It is another file by now. */
+	bool bFileChanged = false;
 	/** From 0 up to, but without, 1. */
 	double Random = 0;
 	FDateTime NowUtc = FDateTime::MinValue();

@@ -27,6 +27,7 @@ namespace CorvaneTusRun
 		FCorvaneTusEnd End;
 		End.FileFailure = Result.Failure;
 		End.FileSentence = Result.Sentence;
+		End.bFileChanged = Result.bChanged;
 		return End;
 	}
 } // namespace CorvaneTusRun

@@ -30,7 +30,7 @@ FCorvaneTusStep FCorvaneTusMachine::OnExchangeEnded(double Now, const FCorvaneTu
 	Count(End);
 	if (End.FileFailure != ECorvaneTransferOutcome::Running)
 	{
-		return Fail(Now, End.FileFailure, End.FileSentence);
+		return Fail(Now, End.FileFailure, End.FileSentence, !End.bFileChanged);
 	}
 	if (End.Exchange.End == ECorvaneExchangeEnd::NotSent)
 	{

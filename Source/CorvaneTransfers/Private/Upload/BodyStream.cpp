@@ -131,11 +131,16 @@ bool FCorvaneBodyStream::Open(const FCorvaneBodySegment& Segment)
 {
 	constexpr bool bWhileItIsWritten = true;
 	File.Reset(FPlatformFileManager::Get().GetPlatformFile().OpenRead(*Segment.File.Path, bWhileItIsWritten));
-	if (!File.IsValid() || !File->Seek(Segment.Start + Within))
+	if (!File.IsValid())
 	{
 		return Fail(CorvaneFileFaults::CannotRead(Segment.File.Path));
 	}
-	return Segment.File.IsUnchanged() || Fail(CorvaneFileFaults::ChangedWhileSent(Segment.File.Path));
+	const int64 Place = Segment.Start + Within;
+	if (!Segment.File.IsUnchanged() || File->Size() < Place) // a place behind the end must not be sought
+	{
+		return Fail(CorvaneFileFaults::ChangedWhileSent(Segment.File.Path));
+	}
+	return File->Seek(Place) || Fail(CorvaneFileFaults::CannotRead(Segment.File.Path));
 }
 
 /** Goes on to the next segment that has bytes, as soon as the current one has none left: before its last bytes are handed out. */

@@ -67,7 +67,7 @@ FString CorvaneForm::Quote(const FString& Name)
 		.Replace(TEXT("\n"), TEXT("%0A"), ESearchCase::CaseSensitive);
 }
 
-/** Of a field, whose line ends become CR LF first; a file's name stays as it is. */
+/** Of a field, whose line ends become CR LF first; those of a file's name stay as they are. */
 static FString QuoteField(const FString& Name)
 {
 	return CorvaneForm::Quote(Name.Replace(TEXT("\r\n"), TEXT("\n"), ESearchCase::CaseSensitive)
@@ -83,11 +83,11 @@ TArray<FCorvaneBodySegment> CorvaneForm::Compose(
 	FString Text; // what has come since the last file
 	for (const FCorvaneFormField& Field : Fields)
 	{
-		Text += Begin + Quote(Field.Name) + TEXT("\"\r\n\r\n") + Field.Value + TEXT("\r\n");
+		Text += Begin + QuoteField(Field.Name) + TEXT("\"\r\n\r\n") + Field.Value + TEXT("\r\n");
 	}
 	for (const FCorvaneFormFile& File : Files)
 	{
-		Text += Begin + Quote(File.FieldName) + TEXT("\"; filename=\"") + Quote(File.FileName) + TEXT("\"\r\nContent-Type: ") +
+		Text += Begin + QuoteField(File.FieldName) + TEXT("\"; filename=\"") + Quote(File.FileName) + TEXT("\"\r\nContent-Type: ") +
 				File.ContentType + TEXT("\r\n\r\n");
 		Segments.Add(FCorvaneBodySegment::OfText(Text));
 		FCorvaneSentFile Sent;
