@@ -97,7 +97,7 @@ TEST_F(Download, LeavesTheWholeFileATruePrefixOrWhatWasThere)
 		const LogCapture log;
 		expectOutcome(fault, DownloadKind::Whole);
 		const bool bTold = fault.statusCode > 400;
-		const bool bIsWhole = fault.statusCode == 416 && fault.name != "has lost the file's end";
+		const bool bIsWhole = fault.statusCode == 416 && std::string(fault.name) != "has lost the file's end";
 		const auto count = [&](const char* words)
 		{ return log.count("LogTemp", ELogVerbosity::Error, "File Download: " + targetPath + words); };
 		EXPECT_EQ(count(" is not complete: "), bTold && !bIsWhole) << fault.name;
