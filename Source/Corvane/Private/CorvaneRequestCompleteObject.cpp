@@ -338,9 +338,9 @@ void UCorvaneRequestCompleteObject::setUploadSize(uint64 InSize)
 	parts->upload.uploadSize = InSize;
 }
 
-void UCorvaneRequestCompleteObject::setUploadBody(TSharedPtr<FArchive, ESPMode::ThreadSafe> InBody)
+void UCorvaneRequestCompleteObject::setUploadBody(const TSharedPtr<FArchive, ESPMode::ThreadSafe>& InBody)
 {
-	parts->upload.body = MoveTemp(InBody);
+	parts->upload.body = InBody;
 }
 
 int64 UCorvaneRequestCompleteObject::getHTMLFileSize() const

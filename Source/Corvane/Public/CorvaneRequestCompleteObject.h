@@ -106,7 +106,7 @@ public:
 	uint64 getUploadSize() const;
 	void setUploadSize(uint64 size);
 	/** The stream that carries that body; it is closed when the request ends. */
-	void setUploadBody(TSharedPtr<FArchive, ESPMode::ThreadSafe> body);
+	void setUploadBody(const TSharedPtr<FArchive, ESPMode::ThreadSafe>& body);
 	/** Bytes; the size of a Drive file, as a page showed it or the script knows it. */
 	int64 getHTMLFileSize() const;
 	void setHTMLFileSize(int64 size);

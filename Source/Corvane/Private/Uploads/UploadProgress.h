@@ -18,8 +18,8 @@ public:
 	/** Bytes of the body; 0 = the request has none of the module's own. Set before the start. */
 	uint64 uploadSize = 0;
 
-	/** The stream that carries the body, if it is the module's own. Set before the start. */
-	TSharedPtr<FArchive, ESPMode::ThreadSafe> body;
+	/** The request's stream that carries the body, if it is the module's own. Set before the start. */
+	TWeakPtr<FArchive, ESPMode::ThreadSafe> body;
 
 	/** A run begins. Thread: game thread. */
 	void begin()
@@ -36,9 +36,9 @@ public:
 	 */
 	void closeBody()
 	{
-		if (const TSharedPtr<FArchive, ESPMode::ThreadSafe> Closed = MoveTemp(body))
+		if (const TSharedPtr<FArchive, ESPMode::ThreadSafe> Held = body.Pin())
 		{
-			Closed->Close();
+			Held->Close();
 		}
 	}
 	/** @param bytesSent  as the body or the HTTP layer tells it, in any order. Thread: request worker. */
