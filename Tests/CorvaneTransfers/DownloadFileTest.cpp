@@ -1,6 +1,7 @@
 #include "CorvaneDownloadFile.h"
 #include "FileSizeLimit.h"
 #include "ForwardingFiles.h"
+#include "Host/Directories.h"
 #include "LogCapture.h"
 #include "LoopbackListener.h"
 #include "RandomBytes.h"
@@ -198,6 +199,12 @@ TEST_F(DownloadFile, EndsWithOneReasonAndTouchesNothing)
 		EXPECT_EQ(folder.read("file.bin"), "old");
 		expectNothingBeside();
 	}
+	HostDirectories::Set("", folder.path());
+	FCorvaneDownloadOptions keep = patient();
+	keep.IfTargetExists = ECorvaneIfTargetExists::Keep;
+	UCorvaneDownloadFile::Start(text(origin.url()), TEXT("file.bin"), keep, note());
+	EXPECT_TRUE(finish().bTargetKept) << "a relative path starts at the base directory";
+	HostDirectories::Set("", "");
 }
 
 TEST_F(DownloadFile, HasItsTargetForItselfAndEndsInOrderWithTheProgram)

@@ -1,11 +1,12 @@
 #include "Download/DownloadFiles.h"
 
 #include "HAL/PlatformFileManager.h"
+#include "Misc/Paths.h"
 
 void FCorvaneDownloadFiles::Look(const FString& Target, TUniqueFunction<void(bool, FDateTime)> Tell)
 {
 	Do(
-		[Target = FString(Target), Tell = MoveTemp(Tell)](FCorvaneDownloadFiles&)
+		[Target = FPaths::ConvertRelativePathToFull(Target), Tell = MoveTemp(Tell)](FCorvaneDownloadFiles&)
 		{
 			IPlatformFile& Files = FPlatformFileManager::Get().GetPlatformFile();
 			const bool bExists = Files.FileExists(*Target);
