@@ -116,6 +116,9 @@ TEST_F(DownloadFile, GoesOnAfterAPauseAndInALaterStartWithoutAByteTwice)
 	EXPECT_EQ(report.Outcome, ECorvaneTransferOutcome::Cancelled);
 	EXPECT_EQ(report.BytesLeft, 2'250'000);
 	EXPECT_FALSE(folder.exists("file.bin"));
+	Lab::Origin other; // which brings not one byte of the file, so that the rest stays
+	start(other.url());
+	EXPECT_EQ(finish().Outcome, ECorvaneTransferOutcome::ServerError);
 
 	FCorvaneDownloadOptions options = patient();
 	options.Hash = text("sha256");

@@ -248,7 +248,8 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::Fail(double Now, ECorvaneTransferO
 FCorvaneDownloadStep FCorvaneDownloadMachine::LetGo(double Now, bool bKeepBytes)
 {
 	const bool bSucceeded = Report.Outcome == ECorvaneTransferOutcome::Succeeded && !Report.bTargetKept;
-	const bool bDiscard = !bSucceeded && (!bKeepBytes || bPacked || Length == 0);
+	// Without a byte of this run, or one that it took over, there may be some of another address: Close tells those from an empty file.
+	const bool bDiscard = !bSucceeded && Length > 0 && (!bKeepBytes || bPacked);
 	Length = bDiscard ? 0 : Length;
 	if (!bOpen)
 	{

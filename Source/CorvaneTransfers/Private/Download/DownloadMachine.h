@@ -34,7 +34,7 @@ enum class ECorvaneDownloadAction : uint8
 	Finish,
 	/** Finish reads the file no further; it ends through OnFinished. */
 	StopFinishing,
-	/** Secure what is on disk and let go of it: OnClosed. */
+	/** Secure what is on disk, if there is anything, and let go of it: OnClosed. */
 	Close,
 	/** Delete part file and journal: OnClosed. */
 	Discard,
