@@ -296,7 +296,8 @@ TEST(DownloadMachine, LeavesTheTargetAloneWhereItShall)
 		EXPECT_EQ(asked.Question.IfNewerThan.GetTicks() > 0, rule == If::OnlyIfNewer);
 		if (rule == If::OnlyIfNewer)
 		{
-			EXPECT_EQ(hand.end(1, 304).Action, Action::Close) << "there may be bytes of another address";
+			EXPECT_EQ(hand.end(1, 304).Action, Action::Look);
+			EXPECT_EQ(hand.machine.OnLooked(1, true, FDateTime()).Action, Action::Close) << "there may be bytes of another address";
 			EXPECT_EQ(hand.machine.OnClosed(1, 0).Action, Action::Tell);
 			EXPECT_TRUE(hand.machine.GetReport().bTargetKept);
 		}
@@ -306,9 +307,28 @@ TEST(DownloadMachine, LeavesTheTargetAloneWhereItShall)
 	ByHand begun(newer); // what is on disk is of no use, and the target is new enough
 	begun.machine.Start(0, FString());
 	begun.machine.OnLooked(0, true, FDateTime(700000000000000000));
-	begun.begin(10, 100);
+	EXPECT_GT(begun.begin(10, 100).Question.IfNewerThan.GetTicks(), 0);
 	EXPECT_EQ(begun.end(1, 412).Question.OnDisk, 0);
-	EXPECT_EQ(begun.end(2, 304).Action, Action::Discard);
+	EXPECT_EQ(begun.end(2, 304).Action, Action::Look);
+	EXPECT_EQ(begun.machine.OnLooked(2, true, FDateTime()).Action, Action::Discard);
+	for (const int code : {206, 304}) // a newer one's bytes have come, or the target has gone meanwhile
+	{
+		ByHand hand(newer);
+		hand.machine.Start(0, FString());
+		hand.machine.OnLooked(0, true, FDateTime(700000000000000000));
+		hand.begin(10, 100);
+		FCorvaneAttemptEnd ended;
+		ended.Exchange.End = ECorvaneExchangeEnd::Done;
+		ended.Exchange.Answer.Code = code;
+		ended.Exchange.Answer.Range = {true, 10, 99, 100};
+		ended.Exchange.bAnswerIsWhole = true;
+		ended.Length = 11;
+		FCorvaneDownloadStep step = hand.machine.OnAttemptEnded(1, ended);
+		step = step.Action == Action::Look ? hand.machine.OnLooked(1, false, FDateTime()) : step;
+		EXPECT_EQ(step.Action, Action::Ask);
+		EXPECT_EQ(step.Question.OnDisk, 11);
+		EXPECT_EQ(step.Question.IfNewerThan.GetTicks(), 0) << code;
+	}
 	ByHand refused;
 	EXPECT_EQ(refused.machine.Start(0, TEXT("No.")).Action, Action::Tell);
 	EXPECT_EQ(refused.machine.GetReport().Outcome, Outcome::Refused);

@@ -61,6 +61,10 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::OnLooked(double Now, bool bTargetE
 	{
 		return EndAsWanted(Now);
 	}
+	if (bOpen)
+	{
+		return OnLookedAgain(Now, bTargetExists);
+	}
 	if (bTargetExists && Options.IfTargetExists == ECorvaneIfTargetExists::Keep)
 	{
 		return KeepTarget(Now, TEXT("The file is there already; nothing was asked for."));
@@ -74,6 +78,17 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::OnLooked(double Now, bool bTargetE
 		IfNewerThan = TargetTime;
 	}
 	return Open(Now);
+}
+
+/** The server has nothing newer than the target was; one that has gone since is fetched, however old. */
+FCorvaneDownloadStep FCorvaneDownloadMachine::OnLookedAgain(double Now, bool bTargetExists)
+{
+	if (bTargetExists)
+	{
+		return KeepTarget(Now, TEXT("The server has nothing newer than the file that is there."));
+	}
+	IfNewerThan = FDateTime::MinValue();
+	return GoOn(Now, 0);
 }
 
 FCorvaneDownloadStep FCorvaneDownloadMachine::OnRestFound(double Now, int64 Bytes, int64 InTotal)
@@ -143,7 +158,7 @@ FCorvaneDownloadQuestion FCorvaneDownloadMachine::MakeQuestion() const
 		Next.OnDisk = Length;
 		Next.Compare = Version.ForIfRange().IsEmpty() ? FMath::Min<int64>(CorvaneDownload::TailBytes, Length) : 0;
 	}
-	else
+	if (Next.OnDisk == 0 || !bIsNewer)
 	{
 		Next.IfNewerThan = IfNewerThan;
 	}

@@ -174,6 +174,7 @@ private:
 
 	void MoveTo(EPhase Next, double Now);
 	FCorvaneDownloadStep Do(EPhase Next, double Now, ECorvaneDownloadAction Action);
+	FCorvaneDownloadStep OnLookedAgain(double Now, bool bTargetExists);
 	FCorvaneDownloadStep Open(double Now);
 	FCorvaneDownloadStep StopAsking();
 	FCorvaneDownloadStep EndWith(double Now, ECorvaneTransferOutcome Outcome);
@@ -212,6 +213,7 @@ private:
 
 	FCorvaneDownloadQuestion Question; // of the try that runs, or ran last
 	FDateTime IfNewerThan = FDateTime::MinValue();
+	bool bIsNewer = false; // an answer has brought bytes in spite of that
 	FCorvaneVersion Version; // of what is on disk, as the next
 	int64 Length = 0;
 	int64 Total = -1;

@@ -125,7 +125,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::FollowAnswer(double Now, const FCo
 	case ECorvaneDownloadVerdict::Fail:
 		return Fail(Now, Judged.Outcome, SentenceOf(Judged.Reason));
 	case ECorvaneDownloadVerdict::Unchanged:
-		return KeepTarget(Now, TEXT("The server has nothing newer than the file that is there."));
+		return Do(EPhase::Looking, Now, ECorvaneDownloadAction::Look); // whether that still is there
 	default:
 		TakeOver(End, Judged);
 		return FollowBody(Now, End, Judged);
@@ -139,6 +139,7 @@ void FCorvaneDownloadMachine::TakeOver(const FCorvaneAttemptEnd& End, const FCor
 	{
 		return;
 	}
+	bIsNewer = true;
 	Version = Judged.Version;
 	Total = Report.TotalBytes = Judged.Total;
 	if (bThrewAway)
