@@ -333,13 +333,19 @@ TEST_F(PartFile, ATargetThatLooksLikeTheNewFileIsNotTakenForIt)
 		bool MoveFile(const TCHAR*, const TCHAR*) override { return false; }
 	};
 	const std::string Alike = randomBytes(100'000, 1) + source.Bytes.substr(100'000);
-	for (const std::string& Old : {std::string("old"), Alike})
+	for (const std::string& Old : {std::string("old"), Alike, std::string()}) // the last is none
 	{
 		Dir.write("file", Old);
 		leaveTwoCheckpoints();
 		{
 			const FilesThatStay Files;
-			EXPECT_EQ(goOn().Result.Failure, EOutcome::CannotWrite);
+			if (Old.empty())
+			{
+				fs::remove(Dir.path("file"));
+			}
+			const FCorvaneFinished Stayed = goOn();
+			EXPECT_EQ(Stayed.Result.Failure, EOutcome::CannotWrite);
+			EXPECT_EQ(Stayed.KeptBytes, 200'000);
 		}
 		fs::copy_file(Dir.path("file.corvjournal"), Dir.path("kept"));
 		fs::remove(Dir.path("file.corvpart"));
