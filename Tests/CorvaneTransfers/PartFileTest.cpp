@@ -296,6 +296,29 @@ TEST_F(PartFile, FinishChecksBeforeItReplaces)
 	}
 }
 
+TEST_F(PartFile, BytesThatAHandlePutsElsewhereAreNoSuccess)
+{
+	struct FilesThatErr : ForwardingFiles
+	{
+		struct Handle : ForwardingHandle
+		{
+			using ForwardingHandle::ForwardingHandle;
+			int64 Size() override { return FMath::Max<int64>(Lower->Size() - 1, 0); }
+			bool Seek(int64 Place) override { return Lower->Seek(Place + 1); }
+		};
+		IFileHandle* OpenWrite(const TCHAR* Name, bool bAppend, bool bAllowRead) override
+		{
+			IFileHandle* const Opened = Lower.OpenWrite(Name, bAppend, bAllowRead);
+			return utf8(Name).ends_with(".corvpart") ? new Handle(Opened) : Opened;
+		}
+	};
+	const FilesThatErr Files;
+	FCorvanePartFile File;
+	begin(File, source.Bytes.size());
+	EXPECT_EQ(File.Finish({}).Result.Failure, EOutcome::CannotWrite);
+	EXPECT_TRUE(names().empty());
+}
+
 TEST_F(PartFile, TheHashIsMadeWhileTheBytesCome)
 {
 	struct FilesThatCount : ForwardingFiles

@@ -260,12 +260,20 @@ FCorvaneFileResult FCorvanePartFile::FlushPart()
 {
 	if (Part->Flush(true))
 	{
-		return FCorvaneFileResult();
+		return CheckSizeOnDisk();
 	}
 	// The system may count lost bytes as written from here on, so a later flush would vouch for them.
 	const int64 LostBytes = Length - VouchedLength;
 	Shorten(VouchedLength);
 	return CorvaneFileFaults::WriteFailed(PartName(), LostBytes);
+}
+
+/** Behind a flush: a handle that is wrong about where it has written must not vouch for it. */
+FCorvaneFileResult FCorvanePartFile::CheckSizeOnDisk() const
+{
+	const int64 OnDisk = CorvanePartFile::Files().FileSize(*PartName());
+	const bool bIsKnown = OnDisk >= 0;
+	return bIsKnown && OnDisk != Part->Size() ? CorvaneFileFaults::WriteFailed(PartName(), 0) : FCorvaneFileResult();
 }
 
 FCorvaneFileResult FCorvanePartFile::ReadTail(int64 Count, TArray<uint8>& Tail) const

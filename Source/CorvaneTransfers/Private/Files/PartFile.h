@@ -130,6 +130,7 @@ private:
 	void ClosePart();
 	bool IsCheckpointDue() const;
 	FCorvaneFileResult FlushPart();
+	FCorvaneFileResult CheckSizeOnDisk() const;
 	FCorvaneFileResult CheckSize();
 	FCorvaneFileResult SecureBeforeFinish(const FCorvaneHashWish& Wish);
 	FCorvaneFileResult CheckHash(const FString& File, const FCorvaneHashWish& Wish, FString& OutHash);
