@@ -243,6 +243,29 @@ TEST(DownloadMachine, StartsOverThreeTimesWhenWhatCameIsOfNoUse)
 	}
 }
 
+TEST(DownloadMachine, PausesAtAServerWithoutRangesAreNotItsFault)
+{
+	ByHand hand;
+	hand.begin(10, 100);
+	FCorvaneAttemptEnd ended;
+	ended.Exchange.Answer.Code = 200;
+	ended.Exchange.Answer.ContentLength = 100;
+	ended.Exchange.bAnswerIsWhole = ended.bStartedOver = true;
+	ended.Length = 10;
+	for (int pauses = 0; pauses < 5; ++pauses)
+	{
+		hand.machine.Pause(0);
+		ended.Exchange.End = ECorvaneExchangeEnd::Cancelled;
+		EXPECT_EQ(hand.machine.OnAttemptEnded(0, ended).Action, Action::Hold);
+		hand.machine.Continue(0);
+	}
+	ended.Exchange.End = ECorvaneExchangeEnd::Dropped;
+	for (const Action next : {Action::Ask, Action::Ask, Action::Ask, Action::Close}) // it began with a restart that was
+	{
+		EXPECT_EQ(hand.machine.OnAttemptEnded(0, ended).Action, next);
+	}
+}
+
 TEST(DownloadMachine, AsksInPartsThatAreMoreThanWhatIsComparedBeforeThem)
 {
 	constexpr int64 total = 1'100'000;

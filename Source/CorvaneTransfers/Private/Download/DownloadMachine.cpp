@@ -184,6 +184,7 @@ int64 FCorvaneDownloadMachine::PartBytes(int64 Compare) const
 FCorvaneDownloadStep FCorvaneDownloadMachine::Ask(double Now)
 {
 	Question = MakeQuestion();
+	bStoppedLast = bStopping;
 	bStopping = false;
 	++Report.Attempts;
 	FCorvaneDownloadStep Step = Do(EPhase::Asking, Now, ECorvaneDownloadAction::Ask);

@@ -209,6 +209,7 @@ private:
 	double PhaseBegan = 0;
 	bool bWantsPause = false;
 	bool bStopping = false; // the try that runs was told to stop
+	bool bStoppedLast = false; // the one before it was
 	ECorvaneTransferOutcome WantedEnd = ECorvaneTransferOutcome::Running; // Running = none
 
 	FCorvaneDownloadQuestion Question; // of the try that runs, or ran last
@@ -227,4 +228,5 @@ private:
 	bool bGotNew = false; // the last try brought a new byte
 	int64 MostOfPart = 0; // 0 = any number
 	int32 FailuresInARow = 0; // tries without one
+	int32 RestartsOfServer = 0; // those that do not follow a stop of ours, such as a pause
 };

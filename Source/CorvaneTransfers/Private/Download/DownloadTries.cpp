@@ -165,7 +165,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::FollowBody(double Now, const FCorv
 	{
 		return Finish(Now);
 	}
-	if (Report.Restarts > MostRestarts && !bStopping)
+	if (RestartsOfServer > MostRestarts && !bStopping)
 	{
 		const ECorvaneTransferOutcome Outcome =
 			bChangedLast ? ECorvaneTransferOutcome::Changed : CorvaneTryEnd::OutcomeOf(End.Exchange.End);
@@ -195,6 +195,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::FollowBreak(double Now, const FCor
 void FCorvaneDownloadMachine::NoteRestart(const FString& Reason)
 {
 	++Report.Restarts;
+	RestartsOfServer += bStoppedLast ? 0 : 1;
 	Report.RestartReasons.Add(Reason);
 }
 
@@ -203,7 +204,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::StartOver(double Now, const FStrin
 	using namespace CorvaneDownloadTries;
 	NoteRestart(Reason);
 	bFromStart = true;
-	return Report.Restarts > MostRestarts ? Fail(Now, Outcome, SentenceOf(Reason)) : GoOn(Now, 0);
+	return RestartsOfServer > MostRestarts ? Fail(Now, Outcome, SentenceOf(Reason)) : GoOn(Now, 0);
 }
 
 FCorvaneDownloadStep FCorvaneDownloadMachine::Retry(
