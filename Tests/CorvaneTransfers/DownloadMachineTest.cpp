@@ -306,7 +306,7 @@ TEST(DownloadMachine, LeavesTheTargetAloneWhereItShall)
 {
 	using If = ECorvaneIfTargetExists;
 	for (const auto& [rule, first, outcome] :
-		{std::tuple(If::Keep, Action::Tell, Outcome::Succeeded), {If::Fail, Action::Tell, Outcome::Refused},
+		{std::tuple(If::Keep, Action::Tell, Outcome::Succeeded), {If::Fail, Action::LookForRest, Outcome::Refused},
 			{If::OnlyIfNewer, Action::Open, Outcome::Running}, {If::Replace, Action::Open, Outcome::Running}})
 	{
 		FCorvaneDownloadOptions options;
@@ -411,6 +411,30 @@ TEST(DownloadMachine, ObeysInEveryState)
 		EXPECT_EQ(early.machine.Start(0, FString()).Action, resumes ? Action::LookForRest : Action::Tell);
 		EXPECT_EQ(early.machine.OnRestFound(1, 10, 100).Action, resumes ? Action::Tell : Action::None);
 		EXPECT_EQ(early.machine.GetReport().BytesLeft, resumes ? 10 : 0);
+	}
+	for (const bool cancels : {false, true}) // what ends before the part file is opened, or because it cannot be, tells of its bytes
+	{
+		FCorvaneDownloadOptions options;
+		options.IfTargetExists = ECorvaneIfTargetExists::Fail;
+		ByHand looking(options);
+		looking.machine.Start(0, FString());
+		if (cancels)
+		{
+			looking.machine.Cancel(0);
+		}
+		EXPECT_EQ(looking.machine.OnLooked(1, true, FDateTime()).Action, Action::LookForRest);
+		EXPECT_EQ(looking.machine.OnRestFound(1, 10, 100).Action, Action::Tell);
+		EXPECT_EQ(looking.machine.GetReport().Outcome, cancels ? Outcome::Cancelled : Outcome::Refused);
+		ByHand full;
+		full.machine.Start(0, FString());
+		FCorvaneDownloadOpened opened;
+		opened.Failure = Outcome::DiskFull;
+		opened.Length = 10;
+		EXPECT_EQ(full.machine.OnOpened(1, opened).Action, Action::Tell);
+		for (const ByHand& each : {looking, full})
+		{
+			EXPECT_EQ(each.machine.GetReport().BytesLeft, 10);
+		}
 	}
 	for (const Outcome late : {Outcome::Cancelled, Outcome::Succeeded}) // the whole file was being read, or was in its place already
 	{

@@ -225,6 +225,13 @@ TEST_F(PartFile, AFullDiskTakesNothingThatIsThere)
 	FCorvaneSourceFacts Huge = factsOf(source);
 	Huge.Total = int64(1) << 60;
 	EXPECT_EQ(File.StartOver(Huge).Failure, EOutcome::DiskFull);
+	File.Close();
+	const std::string Journal = Dir.read("file.corvjournal");
+	Dir.write("file.corvjournal", bytesOf(FCorvaneJournal::SourceLine(Huge)) + bytesOf(FCorvaneJournal::KeptLine(journal().Kept)));
+	EXPECT_EQ(open(File).Result.Failure, EOutcome::DiskFull);
+	EXPECT_EQ(open(File).Length, 120'000) << "they are kept";
+	Dir.write("file.corvjournal", Journal);
+	ASSERT_EQ(open(File).Length, 120'000);
 	{
 		const FileSizeLimit Limit(205'000);
 		EXPECT_TRUE(append(File, source.Bytes.substr(120'000, 70'000)));

@@ -25,7 +25,7 @@ void FCorvaneDownloadFiles::LookForRest(const FString& Target, const FString& Ad
 				Found = Self.Part.Open(Target, Address, true);
 				Self.Part.Close();
 			}
-			const bool bBeside = Found.Result.IsOk() && Found.Length > 0 && !Found.bWholeAlready;
+			const bool bBeside = Found.Length > 0 && !Found.bWholeAlready;
 			Tell(bBeside ? Found.Length : 0, bBeside ? Found.Source.Total : -1);
 		});
 }

@@ -46,7 +46,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::Start(double Now, const FString& F
 	}
 	if (IsToEnd())
 	{
-		return Options.bResume ? Do(EPhase::Looking, Now, ECorvaneDownloadAction::LookForRest) : EndAsWanted(Now);
+		return EndAsWanted(Now);
 	}
 	return Options.IfTargetExists == ECorvaneIfTargetExists::Replace ? Open(Now) : Do(EPhase::Looking, Now, ECorvaneDownloadAction::Look);
 }
@@ -71,7 +71,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::OnLooked(double Now, bool bTargetE
 	}
 	if (bTargetExists && Options.IfTargetExists == ECorvaneIfTargetExists::Fail)
 	{
-		return Fail(Now, ECorvaneTransferOutcome::Refused, TEXT("There is a file of this name already: ") + Target);
+		return FailBeforeOpen(Now, ECorvaneTransferOutcome::Refused, TEXT("There is a file of this name already: ") + Target);
 	}
 	if (bTargetExists && Options.IfTargetExists == ECorvaneIfTargetExists::OnlyIfNewer)
 	{
@@ -93,13 +93,13 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::OnLookedAgain(double Now, bool bTa
 
 FCorvaneDownloadStep FCorvaneDownloadMachine::OnRestFound(double Now, int64 Bytes, int64 InTotal)
 {
-	if (Phase != EPhase::Looking)
+	if (Phase != EPhase::Looking || Report.Outcome == ECorvaneTransferOutcome::Running)
 	{
 		return {};
 	}
 	Length = Report.TakenOverBytes = Bytes;
 	Report.TotalBytes = InTotal;
-	return EndAsWanted(Now);
+	return Tell(Now);
 }
 
 /** Most part files are new: their first try need not come back here, and wait for a frame, between the file and the request. */
@@ -119,14 +119,14 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::OnOpened(double Now, const FCorvan
 		return {};
 	}
 	Report.Attempts = 0;
+	Length = Mark = Report.TakenOverBytes = Opened.Length;
+	Total = Report.TotalBytes = Opened.Total;
+	Version = Opened.Version;
 	if (Opened.Failure != ECorvaneTransferOutcome::Running)
 	{
 		return Fail(Now, Opened.Failure, Opened.Sentence);
 	}
 	bOpen = true;
-	Length = Mark = Report.TakenOverBytes = Opened.Length;
-	Total = Report.TotalBytes = Opened.Total;
-	Version = Opened.Version;
 	if (Opened.bWholeAlready)
 	{
 		return Finish(Now); // an earlier run got so far; its journal, and the hash, are still to be dealt with
@@ -261,6 +261,14 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::Fail(double Now, ECorvaneTransferO
 	return LetGo(Now, bKeepBytes);
 }
 
+/** What an earlier run has left is told of, too. */
+FCorvaneDownloadStep FCorvaneDownloadMachine::FailBeforeOpen(double Now, ECorvaneTransferOutcome Outcome, const FString& Sentence)
+{
+	Report.Outcome = Outcome;
+	Report.Sentence = Sentence;
+	return Options.bResume ? Do(EPhase::Looking, Now, ECorvaneDownloadAction::LookForRest) : Tell(Now);
+}
+
 FCorvaneDownloadStep FCorvaneDownloadMachine::LetGo(double Now, bool bKeepBytes)
 {
 	const bool bSucceeded = Report.Outcome == ECorvaneTransferOutcome::Succeeded && !Report.bTargetKept;
@@ -358,5 +366,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::EndWith(double Now, ECorvaneTransf
 FCorvaneDownloadStep FCorvaneDownloadMachine::EndAsWanted(double Now)
 {
 	const bool bEnded = WantedEnd == ECorvaneTransferOutcome::Ended;
-	return Fail(Now, WantedEnd, bEnded ? TEXT("The program came to its end.") : TEXT("The download was cancelled."));
+	const FString Sentence = bEnded ? TEXT("The program came to its end.") : TEXT("The download was cancelled.");
+	const bool bBeforeOpen = !bOpen && (Phase == EPhase::New || Phase == EPhase::Looking);
+	return bBeforeOpen ? FailBeforeOpen(Now, WantedEnd, Sentence) : Fail(Now, WantedEnd, Sentence);
 }

@@ -16,8 +16,8 @@ enum class ECorvaneDownloadAction : uint8
 	/** Look whether the target exists: OnLooked. */
 	Look,
 	/**
-	 * Look what an earlier run has left, and keep nothing open: OnRestFound. It was ended before its start, and so may be thousands
-	 * that wait beside it.
+	 * Look what an earlier run has left, and keep nothing open: OnRestFound. It ends before its part file was opened, and so may
+	 * thousands that wait beside it.
 	 */
 	LookForRest,
 	/** Open the part file and lock the target: OnOpened. With bAskIfNew, and nothing on disk, it may go on with an exchange at once. */
@@ -57,7 +57,7 @@ struct FCorvaneDownloadOpened
 	/** Running = it is open. */
 	ECorvaneTransferOutcome Failure = ECorvaneTransferOutcome::Running;
 	FString Sentence;
-	/** Bytes that the journal vouches for. */
+	/** Bytes that the journal vouches for; of a failure, those that are left. */
 	int64 Length = 0;
 	/** Of what is on disk: FCorvaneVersion::FromDisk. */
 	FCorvaneVersion Version;
@@ -188,6 +188,7 @@ private:
 	FCorvaneDownloadStep Finish(double Now);
 	FCorvaneDownloadStep KeepTarget(double Now, const FString& Sentence);
 	FCorvaneDownloadStep Fail(double Now, ECorvaneTransferOutcome Outcome, const FString& Sentence, bool bKeepBytes = true);
+	FCorvaneDownloadStep FailBeforeOpen(double Now, ECorvaneTransferOutcome Outcome, const FString& Sentence);
 	FCorvaneDownloadStep LetGo(double Now, bool bKeepBytes);
 	FCorvaneDownloadStep Tell(double Now);
 

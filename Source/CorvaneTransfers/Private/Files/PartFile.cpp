@@ -121,6 +121,8 @@ void FCorvanePartFile::Resume(const FString& Address, FCorvaneOpenedPart& Opened
 	{
 		return;
 	}
+	Opened.Length = Told.Kept.Length;
+	Opened.Source = Told.Source;
 	Opened.Result = bHasPart ? TakePart() : FCorvaneFileResult();
 	if (!Opened.Result.IsOk())
 	{
@@ -129,8 +131,6 @@ void FCorvanePartFile::Resume(const FString& Address, FCorvaneOpenedPart& Opened
 	bWholeAlready = bHasWhole;
 	Source = Told.Source;
 	Length = VouchedLength = Told.Kept.Length;
-	Opened.Length = Length;
-	Opened.Source = Told.Source;
 	Opened.bWholeAlready = bWholeAlready;
 }
 

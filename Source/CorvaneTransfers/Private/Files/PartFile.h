@@ -16,9 +16,9 @@
 /** What stands on disk of a download that is about to begin. */
 struct FCorvaneOpenedPart
 {
-	/** A failure: nothing is open, nothing was changed. */
+	/** A failure: nothing is open, no byte that was vouched for is lost. */
 	FCorvaneFileResult Result;
-	/** Bytes to go on behind; 0 = begin with StartOver. */
+	/** Bytes to go on behind, now or after a failure; 0 = begin with StartOver. */
 	int64 Length = 0;
 	/** Where they come from; without a meaning when there are none. */
 	FCorvaneSourceFacts Source;
