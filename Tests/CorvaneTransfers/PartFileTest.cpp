@@ -215,6 +215,11 @@ TEST_F(PartFile, WhatTheJournalDoesNotVouchForIsFetchedAgain)
 	TArray<uint8> Tail;
 	EXPECT_TRUE(File.ReadTail(1000, Tail).IsOk());
 	EXPECT_EQ(bytesOf(Tail), source.Bytes.substr(119'000, 1000));
+	File.Close();
+	Dir.write("file.corvjournal", bytesOf(FCorvaneJournal::SourceLine(factsOf(source))));
+	EXPECT_EQ(open(File).Length, 0);
+	File.Close();
+	EXPECT_EQ(names(), std::set<std::string>{"file"}) << "what nobody ever vouched for";
 }
 
 TEST_F(PartFile, AFullDiskTakesNothingThatIsThere)

@@ -288,13 +288,20 @@ int64 FCorvanePartFile::Close()
 	if (Part.IsValid())
 	{
 		Checkpoint();
-		if (VouchedLength == 0)
-		{
-			Discard();
-		}
+	}
+	if (VouchedLength == 0 && (Part.IsValid() || IsEmptyRest()))
+	{
+		Discard();
 	}
 	LetGo();
 	return VouchedLength;
+}
+
+/** Whether an earlier run has begun and got no further; bytes of another address, or of a journal that cannot be read, are not ours. */
+bool FCorvanePartFile::IsEmptyRest() const
+{
+	const FCorvaneJournal& Told = Journal.Told();
+	return Journal.IsOpen() && Told.bHasSource && Told.Kept.Length == 0 && !Told.bWhole;
 }
 
 void FCorvanePartFile::Discard()

@@ -128,6 +128,7 @@ private:
 	FCorvaneFileResult OpenPart(int64 NewLength);
 	bool Shorten(int64 NewLength);
 	void ClosePart();
+	bool IsEmptyRest() const;
 	bool IsCheckpointDue() const;
 	FCorvaneFileResult FlushPart();
 	FCorvaneFileResult CheckSizeOnDisk() const;
