@@ -147,4 +147,9 @@ TEST(Address, HasAHostAndShowsNoSecret)
 		EXPECT_EQ(utf8(CorvaneAddress::WithoutUser(text(url))), withoutUser);
 		EXPECT_EQ(utf8(CorvaneAddress::ForLog(text(url))), forLog);
 	}
+	for (const auto& [url, host] : {std::pair("http://u@h:80/a", "http://h"), {"https://h:443", "https://h"},
+			 {"http://h:443/a", "http://h:443"}, {"https://h/a:443", "https://h"}})
+	{
+		EXPECT_EQ(utf8(CorvaneAddress::OriginWithoutUsualPort(text(url))), host);
+	}
 }

@@ -109,6 +109,17 @@ TEST(DownloadAnswer, GoesBehindWhatIsOnDiskOnlyIfItFits)
 	EXPECT_EQ(judge(all, judgedAnswer(416, "bytes */100", none)), there);
 	EXPECT_EQ(judge(all, judgedAnswer(416, "bytes */100", otherTag)), again);
 	EXPECT_EQ(judge(all, judgedAnswer(416, "bytes */99", strong)), again);
+	for (const bool newer : {false, true}) // than the target; whoever knows no If-Modified-Since sends the rest of the old file
+	{
+		FCorvaneDownloadQuestion question = rest(strong);
+		question.IfNewerThan = FDateTime(629197085770000000 - (newer ? 10'000'000 : 0));
+		const FCorvaneVersion tagAndDate{TEXT("\"a\""), text(changed), false};
+		EXPECT_EQ(judge(question, judgedAnswer(206, "bytes 100-299/300", tagAndDate)), newer ? append : Verdict::Unchanged);
+		question.Version.LastModified = text(changed);
+		EXPECT_EQ(judge(question, judgedAnswer(206, "bytes 100-299/300", strong)), newer ? append : Verdict::Unchanged);
+		question.Total = question.OnDisk;
+		EXPECT_EQ(judge(question, judgedAnswer(416, "bytes */100", strong)), newer ? there : Verdict::Unchanged);
+	}
 }
 
 TEST(DownloadAnswer, BeginsAFileOnlyAtItsBeginning)

@@ -1,6 +1,7 @@
 #include "CorvaneDownloadFile.h"
 #include "FileSizeLimit.h"
 #include "ForwardingFiles.h"
+#include "Host/Directories.h"
 #include "LogCapture.h"
 #include "LoopbackListener.h"
 #include "RandomBytes.h"
@@ -115,6 +116,9 @@ TEST_F(DownloadFile, GoesOnAfterAPauseAndInALaterStartWithoutAByteTwice)
 	EXPECT_EQ(report.Outcome, ECorvaneTransferOutcome::Cancelled);
 	EXPECT_EQ(report.BytesLeft, 2'250'000);
 	EXPECT_FALSE(folder.exists("file.bin"));
+	Lab::Origin other; // which brings not one byte of the file, so that the rest stays
+	start(other.url());
+	EXPECT_EQ(finish().Outcome, ECorvaneTransferOutcome::ServerError);
 
 	FCorvaneDownloadOptions options = patient();
 	options.Hash = text("sha256");
@@ -198,6 +202,12 @@ TEST_F(DownloadFile, EndsWithOneReasonAndTouchesNothing)
 		EXPECT_EQ(folder.read("file.bin"), "old");
 		expectNothingBeside();
 	}
+	HostDirectories::Set("", folder.path());
+	FCorvaneDownloadOptions keep = patient();
+	keep.IfTargetExists = ECorvaneIfTargetExists::Keep;
+	UCorvaneDownloadFile::Start(text(origin.url()), TEXT("file.bin"), keep, note());
+	EXPECT_TRUE(finish().bTargetKept) << "a relative path starts at the base directory";
+	HostDirectories::Set("", "");
 }
 
 TEST_F(DownloadFile, HasItsTargetForItselfAndEndsInOrderWithTheProgram)

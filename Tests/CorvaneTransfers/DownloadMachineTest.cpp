@@ -243,6 +243,29 @@ TEST(DownloadMachine, StartsOverThreeTimesWhenWhatCameIsOfNoUse)
 	}
 }
 
+TEST(DownloadMachine, PausesAtAServerWithoutRangesAreNotItsFault)
+{
+	ByHand hand;
+	hand.begin(10, 100);
+	FCorvaneAttemptEnd ended;
+	ended.Exchange.Answer.Code = 200;
+	ended.Exchange.Answer.ContentLength = 100;
+	ended.Exchange.bAnswerIsWhole = ended.bStartedOver = true;
+	ended.Length = 10;
+	for (int pauses = 0; pauses < 5; ++pauses)
+	{
+		hand.machine.Pause(0);
+		ended.Exchange.End = ECorvaneExchangeEnd::Cancelled;
+		EXPECT_EQ(hand.machine.OnAttemptEnded(0, ended).Action, Action::Hold);
+		hand.machine.Continue(0);
+	}
+	ended.Exchange.End = ECorvaneExchangeEnd::Dropped;
+	for (const Action next : {Action::Ask, Action::Ask, Action::Ask, Action::Close}) // it began with a restart that was
+	{
+		EXPECT_EQ(hand.machine.OnAttemptEnded(0, ended).Action, next);
+	}
+}
+
 TEST(DownloadMachine, AsksInPartsThatAreMoreThanWhatIsComparedBeforeThem)
 {
 	constexpr int64 total = 1'100'000;
@@ -283,7 +306,7 @@ TEST(DownloadMachine, LeavesTheTargetAloneWhereItShall)
 {
 	using If = ECorvaneIfTargetExists;
 	for (const auto& [rule, first, outcome] :
-		{std::tuple(If::Keep, Action::Tell, Outcome::Succeeded), {If::Fail, Action::Tell, Outcome::Refused},
+		{std::tuple(If::Keep, Action::Tell, Outcome::Succeeded), {If::Fail, Action::LookForRest, Outcome::Refused},
 			{If::OnlyIfNewer, Action::Open, Outcome::Running}, {If::Replace, Action::Open, Outcome::Running}})
 	{
 		FCorvaneDownloadOptions options;
@@ -296,7 +319,8 @@ TEST(DownloadMachine, LeavesTheTargetAloneWhereItShall)
 		EXPECT_EQ(asked.Question.IfNewerThan.GetTicks() > 0, rule == If::OnlyIfNewer);
 		if (rule == If::OnlyIfNewer)
 		{
-			EXPECT_EQ(hand.end(1, 304).Action, Action::Discard);
+			EXPECT_EQ(hand.end(1, 304).Action, Action::Look);
+			EXPECT_EQ(hand.machine.OnLooked(1, true, FDateTime()).Action, Action::Close) << "there may be bytes of another address";
 			EXPECT_EQ(hand.machine.OnClosed(1, 0).Action, Action::Tell);
 			EXPECT_TRUE(hand.machine.GetReport().bTargetKept);
 		}
@@ -306,9 +330,28 @@ TEST(DownloadMachine, LeavesTheTargetAloneWhereItShall)
 	ByHand begun(newer); // what is on disk is of no use, and the target is new enough
 	begun.machine.Start(0, FString());
 	begun.machine.OnLooked(0, true, FDateTime(700000000000000000));
-	begun.begin(10, 100);
+	EXPECT_GT(begun.begin(10, 100).Question.IfNewerThan.GetTicks(), 0);
 	EXPECT_EQ(begun.end(1, 412).Question.OnDisk, 0);
-	EXPECT_EQ(begun.end(2, 304).Action, Action::Discard);
+	EXPECT_EQ(begun.end(2, 304).Action, Action::Look);
+	EXPECT_EQ(begun.machine.OnLooked(2, true, FDateTime()).Action, Action::Discard);
+	for (const int code : {206, 304}) // a newer one's bytes have come, or the target has gone meanwhile
+	{
+		ByHand hand(newer);
+		hand.machine.Start(0, FString());
+		hand.machine.OnLooked(0, true, FDateTime(700000000000000000));
+		hand.begin(10, 100);
+		FCorvaneAttemptEnd ended;
+		ended.Exchange.End = ECorvaneExchangeEnd::Done;
+		ended.Exchange.Answer.Code = code;
+		ended.Exchange.Answer.Range = {true, 10, 99, 100};
+		ended.Exchange.bAnswerIsWhole = true;
+		ended.Length = 11;
+		FCorvaneDownloadStep step = hand.machine.OnAttemptEnded(1, ended);
+		step = step.Action == Action::Look ? hand.machine.OnLooked(1, false, FDateTime()) : step;
+		EXPECT_EQ(step.Action, Action::Ask);
+		EXPECT_EQ(step.Question.OnDisk, 11);
+		EXPECT_EQ(step.Question.IfNewerThan.GetTicks(), 0) << code;
+	}
 	ByHand refused;
 	EXPECT_EQ(refused.machine.Start(0, TEXT("No.")).Action, Action::Tell);
 	EXPECT_EQ(refused.machine.GetReport().Outcome, Outcome::Refused);
@@ -356,7 +399,7 @@ TEST(DownloadMachine, ObeysInEveryState)
 		EXPECT_TRUE(hand.machine.Start(0, FString()).bAskIfNew);
 		EXPECT_EQ(hand.machine.Cancel(1).Action, Action::Stop);
 		const auto cancelled = asked ? hand.end(2, 0, "", ECorvaneExchangeEnd::Cancelled) : hand.machine.OnOpened(2, {});
-		EXPECT_EQ(cancelled.Action, Action::Discard);
+		EXPECT_EQ(cancelled.Action, Action::Close);
 		EXPECT_EQ(hand.machine.GetReport().Attempts, asked ? 1 : 0);
 	}
 	for (const bool resumes : {false, true}) // a queue ends so what waits: nothing is opened, or thousands would be
@@ -368,6 +411,30 @@ TEST(DownloadMachine, ObeysInEveryState)
 		EXPECT_EQ(early.machine.Start(0, FString()).Action, resumes ? Action::LookForRest : Action::Tell);
 		EXPECT_EQ(early.machine.OnRestFound(1, 10, 100).Action, resumes ? Action::Tell : Action::None);
 		EXPECT_EQ(early.machine.GetReport().BytesLeft, resumes ? 10 : 0);
+	}
+	for (const bool cancels : {false, true}) // what ends before the part file is opened, or because it cannot be, tells of its bytes
+	{
+		FCorvaneDownloadOptions options;
+		options.IfTargetExists = ECorvaneIfTargetExists::Fail;
+		ByHand looking(options);
+		looking.machine.Start(0, FString());
+		if (cancels)
+		{
+			looking.machine.Cancel(0);
+		}
+		EXPECT_EQ(looking.machine.OnLooked(1, true, FDateTime()).Action, Action::LookForRest);
+		EXPECT_EQ(looking.machine.OnRestFound(1, 10, 100).Action, Action::Tell);
+		EXPECT_EQ(looking.machine.GetReport().Outcome, cancels ? Outcome::Cancelled : Outcome::Refused);
+		ByHand full;
+		full.machine.Start(0, FString());
+		FCorvaneDownloadOpened opened;
+		opened.Failure = Outcome::DiskFull;
+		opened.Length = 10;
+		EXPECT_EQ(full.machine.OnOpened(1, opened).Action, Action::Tell);
+		for (const ByHand& each : {looking, full})
+		{
+			EXPECT_EQ(each.machine.GetReport().BytesLeft, 10);
+		}
 	}
 	for (const Outcome late : {Outcome::Cancelled, Outcome::Succeeded}) // the whole file was being read, or was in its place already
 	{

@@ -215,6 +215,11 @@ TEST_F(PartFile, WhatTheJournalDoesNotVouchForIsFetchedAgain)
 	TArray<uint8> Tail;
 	EXPECT_TRUE(File.ReadTail(1000, Tail).IsOk());
 	EXPECT_EQ(bytesOf(Tail), source.Bytes.substr(119'000, 1000));
+	File.Close();
+	Dir.write("file.corvjournal", bytesOf(FCorvaneJournal::SourceLine(factsOf(source))));
+	EXPECT_EQ(open(File).Length, 0);
+	File.Close();
+	EXPECT_EQ(names(), std::set<std::string>{"file"}) << "what nobody ever vouched for";
 }
 
 TEST_F(PartFile, AFullDiskTakesNothingThatIsThere)
@@ -225,6 +230,13 @@ TEST_F(PartFile, AFullDiskTakesNothingThatIsThere)
 	FCorvaneSourceFacts Huge = factsOf(source);
 	Huge.Total = int64(1) << 60;
 	EXPECT_EQ(File.StartOver(Huge).Failure, EOutcome::DiskFull);
+	File.Close();
+	const std::string Journal = Dir.read("file.corvjournal");
+	Dir.write("file.corvjournal", bytesOf(FCorvaneJournal::SourceLine(Huge)) + bytesOf(FCorvaneJournal::KeptLine(journal().Kept)));
+	EXPECT_EQ(open(File).Result.Failure, EOutcome::DiskFull);
+	EXPECT_EQ(open(File).Length, 120'000) << "they are kept";
+	Dir.write("file.corvjournal", Journal);
+	ASSERT_EQ(open(File).Length, 120'000);
 	{
 		const FileSizeLimit Limit(205'000);
 		EXPECT_TRUE(append(File, source.Bytes.substr(120'000, 70'000)));
@@ -296,6 +308,29 @@ TEST_F(PartFile, FinishChecksBeforeItReplaces)
 	}
 }
 
+TEST_F(PartFile, BytesThatAHandlePutsElsewhereAreNoSuccess)
+{
+	struct FilesThatErr : ForwardingFiles
+	{
+		struct Handle : ForwardingHandle
+		{
+			using ForwardingHandle::ForwardingHandle;
+			int64 Size() override { return FMath::Max<int64>(Lower->Size() - 1, 0); }
+			bool Seek(int64 Place) override { return Lower->Seek(Place + 1); }
+		};
+		IFileHandle* OpenWrite(const TCHAR* Name, bool bAppend, bool bAllowRead) override
+		{
+			IFileHandle* const Opened = Lower.OpenWrite(Name, bAppend, bAllowRead);
+			return utf8(Name).ends_with(".corvpart") ? new Handle(Opened) : Opened;
+		}
+	};
+	const FilesThatErr Files;
+	FCorvanePartFile File;
+	begin(File, source.Bytes.size());
+	EXPECT_EQ(File.Finish({}).Result.Failure, EOutcome::CannotWrite);
+	EXPECT_TRUE(names().empty());
+}
+
 TEST_F(PartFile, TheHashIsMadeWhileTheBytesCome)
 {
 	struct FilesThatCount : ForwardingFiles
@@ -333,13 +368,19 @@ TEST_F(PartFile, ATargetThatLooksLikeTheNewFileIsNotTakenForIt)
 		bool MoveFile(const TCHAR*, const TCHAR*) override { return false; }
 	};
 	const std::string Alike = randomBytes(100'000, 1) + source.Bytes.substr(100'000);
-	for (const std::string& Old : {std::string("old"), Alike})
+	for (const std::string& Old : {std::string("old"), Alike, std::string()}) // the last is none
 	{
 		Dir.write("file", Old);
 		leaveTwoCheckpoints();
 		{
 			const FilesThatStay Files;
-			EXPECT_EQ(goOn().Result.Failure, EOutcome::CannotWrite);
+			if (Old.empty())
+			{
+				fs::remove(Dir.path("file"));
+			}
+			const FCorvaneFinished Stayed = goOn();
+			EXPECT_EQ(Stayed.Result.Failure, EOutcome::CannotWrite);
+			EXPECT_EQ(Stayed.KeptBytes, 200'000);
 		}
 		fs::copy_file(Dir.path("file.corvjournal"), Dir.path("kept"));
 		fs::remove(Dir.path("file.corvpart"));

@@ -56,7 +56,7 @@ UCorvaneDownloadFile* UCorvaneDownloadFile::Resume(
 
 UCorvaneTransfer::FQueueWish UCorvaneDownloadFile::GetQueueWish() const
 {
-	return {Wishes.Queue, Wishes.Priority, CorvaneAddress::Origin(Address)};
+	return {Wishes.Queue, Wishes.Priority, CorvaneAddress::OriginWithoutUsualPort(Address)};
 }
 
 TSharedPtr<FCorvaneTransferRun> UCorvaneDownloadFile::MakeRun(FTell InOnEnd, TFunction<void()> InOnMove)

@@ -20,7 +20,7 @@ void UCorvaneUpload::Begin(FTell&& OnEnd, FTell&& OnMove)
 
 UCorvaneTransfer::FQueueWish UCorvaneUpload::GetQueueWish() const
 {
-	return {Wishes.Queue, Wishes.Priority, CorvaneAddress::Origin(Address)};
+	return {Wishes.Queue, Wishes.Priority, CorvaneAddress::OriginWithoutUsualPort(Address)};
 }
 
 TSharedPtr<FCorvaneTransferRun> UCorvaneUpload::MakeRun(FTell OnEnd, TFunction<void()> OnMove)

@@ -26,7 +26,7 @@ UCorvaneUploadResumable* UCorvaneUploadResumable::Start(
 
 UCorvaneTransfer::FQueueWish UCorvaneUploadResumable::GetQueueWish() const
 {
-	return {Wishes.Queue, Wishes.Priority, CorvaneAddress::Origin(Address)};
+	return {Wishes.Queue, Wishes.Priority, CorvaneAddress::OriginWithoutUsualPort(Address)};
 }
 
 TSharedPtr<FCorvaneTransferRun> UCorvaneUploadResumable::MakeRun(FTell OnEnd, TFunction<void()> OnMove)

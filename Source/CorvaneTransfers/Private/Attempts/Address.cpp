@@ -57,14 +57,6 @@ namespace CorvaneAddressParts
 		return Slash < Host ? Base + TEXT("/") : Base.Left(Slash + 1);
 	}
 
-	/** @return the origin without the port that everybody takes when none is told. */
-	static FString FullOrigin(const FString& URL)
-	{
-		const FString Origin = CorvaneAddress::Origin(URL);
-		const FString UsualPort = Origin.StartsWith(TEXT("https:"), ESearchCase::IgnoreCase) ? TEXT(":443") : TEXT(":80");
-		return Origin.EndsWith(UsualPort, ESearchCase::CaseSensitive) ? Origin.LeftChop(UsualPort.Len()) : Origin;
-	}
-
 	static FString Trim(const FString& Text)
 	{
 		int32 Begin = 0;
@@ -124,9 +116,16 @@ FString CorvaneAddress::Origin(const FString& URL)
 	return Shown.Left(CorvaneAddressParts::FindRest(Shown, CorvaneAddressParts::AuthorityBegin(Shown)));
 }
 
+FString CorvaneAddress::OriginWithoutUsualPort(const FString& URL)
+{
+	const FString Whole = Origin(URL);
+	const FString UsualPort = Whole.StartsWith(TEXT("https:"), ESearchCase::IgnoreCase) ? TEXT(":443") : TEXT(":80");
+	return Whole.EndsWith(UsualPort, ESearchCase::CaseSensitive) ? Whole.LeftChop(UsualPort.Len()) : Whole;
+}
+
 bool CorvaneAddress::IsSameOrigin(const FString& A, const FString& B)
 {
-	return CorvaneAddressParts::FullOrigin(A).Equals(CorvaneAddressParts::FullOrigin(B), ESearchCase::IgnoreCase);
+	return OriginWithoutUsualPort(A).Equals(OriginWithoutUsualPort(B), ESearchCase::IgnoreCase);
 }
 
 FString CorvaneAddress::WithUserOf(const FString& URL, const FString& Other)

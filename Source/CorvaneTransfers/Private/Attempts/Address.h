@@ -13,6 +13,8 @@ namespace CorvaneAddress
 	FString ForLog(const FString& URL);
 	/** @return scheme, host and port, as they are written: letters of another case are the same. */
 	FString Origin(const FString& URL);
+	/** @return the same without the port that everybody takes when none is told. */
+	FString OriginWithoutUsualPort(const FString& URL);
 	/** Whether both are of one scheme, host and port, told or usual. */
 	bool IsSameOrigin(const FString& A, const FString& B);
 	/** @return the address with the user and password of another one, which has to be of the same origin; without any if it is not. */

@@ -42,14 +42,26 @@ namespace CorvaneDownloadAnswer
 	}
 
 	/** A server that knows no If-Modified-Since sends the old file. */
-	static bool IsNoNewer(const FCorvaneDownloadQuestion& Question, const FCorvaneAnswer& Answer)
+	static bool IsNoNewer(const FCorvaneDownloadQuestion& Question, const FString& LastModified)
 	{
 		if (Question.IfNewerThan.GetTicks() == 0)
 		{
 			return false;
 		}
-		const int64 Changed = CorvaneHttpDate::Parse(Answer.Version.LastModified).GetTicks();
+		const int64 Changed = CorvaneHttpDate::Parse(LastModified).GetTicks();
 		return Changed > 0 && Changed <= Question.IfNewerThan.GetTicks();
+	}
+
+	/** The same of an answer that fits what is on disk: it need not repeat the date that was told with that. */
+	static bool IsRestNoNewer(const FCorvaneDownloadQuestion& Question, const FCorvaneAnswer& Answer)
+	{
+		const FString& Told = Answer.Version.LastModified;
+		return IsNoNewer(Question, Told.IsEmpty() ? Question.Version.LastModified : Told);
+	}
+
+	static FCorvaneDownloadJudgement Unchanged()
+	{
+		return Make(ECorvaneDownloadVerdict::Unchanged, TEXT("the server has nothing newer"));
 	}
 
 	/** @return whether the answer is of the very version that the question knows, so that what was told of that holds. */
@@ -79,9 +91,9 @@ namespace CorvaneDownloadAnswer
 	static FCorvaneDownloadJudgement Begin(const FCorvaneDownloadQuestion& Question, const FCorvaneAnswer& Answer)
 	{
 		const int64 Told = Answer.ToldTotal();
-		if (IsNoNewer(Question, Answer))
+		if (IsNoNewer(Question, Answer.Version.LastModified))
 		{
-			return Make(ECorvaneDownloadVerdict::Unchanged, TEXT("the server has nothing newer"));
+			return Unchanged();
 		}
 		if (IsUnexpectedSize(Question, Told))
 		{
@@ -139,6 +151,10 @@ namespace CorvaneDownloadAnswer
 		{
 			return Begin(Question, Answer);
 		}
+		if (IsRestNoNewer(Question, Answer))
+		{
+			return Unchanged();
+		}
 		if (IsUnexpectedSize(Question, Answer.Range.Total))
 		{
 			return Fail(ECorvaneTransferOutcome::WrongSize, UnexpectedSize(Question, Answer.Range.Total));
@@ -163,6 +179,10 @@ namespace CorvaneDownloadAnswer
 		{
 			return Again(Question.OnDisk > 0 ? TEXT("the file is not as long as what is on disk") : TEXT("the file has no first part"));
 		}
+		if (IsRestNoNewer(Question, Answer))
+		{
+			return Unchanged();
+		}
 		FCorvaneDownloadJudgement Judged = Make(ECorvaneDownloadVerdict::AllThere, FString());
 		Judged.Total = Question.OnDisk;
 		Judged.Version = Question.Version;
@@ -182,7 +202,7 @@ FCorvaneDownloadJudgement CorvaneDownload::JudgeAnswer(const FCorvaneDownloadQue
 		return JudgePart(Question, Answer);
 	case 304:
 		return Question.IfNewerThan.GetTicks() > 0
-				   ? Make(ECorvaneDownloadVerdict::Unchanged, TEXT("the server has nothing newer"))
+				   ? Unchanged()
 				   : Fail(ECorvaneTransferOutcome::ServerError, TEXT("the server said that nothing has changed, which was not asked"));
 	case 412:
 		return Again(TEXT("the file is another version than before"));

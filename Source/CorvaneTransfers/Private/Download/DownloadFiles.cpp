@@ -1,11 +1,12 @@
 #include "Download/DownloadFiles.h"
 
 #include "HAL/PlatformFileManager.h"
+#include "Misc/Paths.h"
 
 void FCorvaneDownloadFiles::Look(const FString& Target, TUniqueFunction<void(bool, FDateTime)> Tell)
 {
 	Do(
-		[Target = FString(Target), Tell = MoveTemp(Tell)](FCorvaneDownloadFiles&)
+		[Target = FPaths::ConvertRelativePathToFull(Target), Tell = MoveTemp(Tell)](FCorvaneDownloadFiles&)
 		{
 			IPlatformFile& Files = FPlatformFileManager::Get().GetPlatformFile();
 			const bool bExists = Files.FileExists(*Target);
@@ -24,7 +25,7 @@ void FCorvaneDownloadFiles::LookForRest(const FString& Target, const FString& Ad
 				Found = Self.Part.Open(Target, Address, true);
 				Self.Part.Close();
 			}
-			const bool bBeside = Found.Result.IsOk() && Found.Length > 0 && !Found.bWholeAlready;
+			const bool bBeside = Found.Length > 0 && !Found.bWholeAlready;
 			Tell(bBeside ? Found.Length : 0, bBeside ? Found.Source.Total : -1);
 		});
 }

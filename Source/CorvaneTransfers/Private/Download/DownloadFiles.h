@@ -28,7 +28,7 @@ public:
 	/** Is told when writing fails, on a background thread: the server need not go on. Set it before anything else. */
 	void WhenWritingFails(TUniqueFunction<void()> Tell) { TellFailure = MoveTemp(Tell); }
 
-	/** Tells whether a file stands there, and when it was changed (UTC). */
+	/** Tells whether a file stands there, and when it was changed (UTC). Relative paths start at the base directory. */
 	void Look(const FString& Target, TUniqueFunction<void(bool, FDateTime)> Tell);
 	/** Tells how many bytes an open would find, and of how many (-1 = unknown). Nothing is open behind it. */
 	void LookForRest(const FString& Target, const FString& Address, TUniqueFunction<void(int64, int64)> Tell);

@@ -46,7 +46,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::Start(double Now, const FString& F
 	}
 	if (IsToEnd())
 	{
-		return Options.bResume ? Do(EPhase::Looking, Now, ECorvaneDownloadAction::LookForRest) : EndAsWanted(Now);
+		return EndAsWanted(Now);
 	}
 	return Options.IfTargetExists == ECorvaneIfTargetExists::Replace ? Open(Now) : Do(EPhase::Looking, Now, ECorvaneDownloadAction::Look);
 }
@@ -61,13 +61,17 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::OnLooked(double Now, bool bTargetE
 	{
 		return EndAsWanted(Now);
 	}
+	if (bOpen)
+	{
+		return OnLookedAgain(Now, bTargetExists);
+	}
 	if (bTargetExists && Options.IfTargetExists == ECorvaneIfTargetExists::Keep)
 	{
 		return KeepTarget(Now, TEXT("The file is there already; nothing was asked for."));
 	}
 	if (bTargetExists && Options.IfTargetExists == ECorvaneIfTargetExists::Fail)
 	{
-		return Fail(Now, ECorvaneTransferOutcome::Refused, TEXT("There is a file of this name already: ") + Target);
+		return FailBeforeOpen(Now, ECorvaneTransferOutcome::Refused, TEXT("There is a file of this name already: ") + Target);
 	}
 	if (bTargetExists && Options.IfTargetExists == ECorvaneIfTargetExists::OnlyIfNewer)
 	{
@@ -76,15 +80,26 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::OnLooked(double Now, bool bTargetE
 	return Open(Now);
 }
 
+/** The server has nothing newer than the target was; one that has gone since is fetched, however old. */
+FCorvaneDownloadStep FCorvaneDownloadMachine::OnLookedAgain(double Now, bool bTargetExists)
+{
+	if (bTargetExists)
+	{
+		return KeepTarget(Now, TEXT("The server has nothing newer than the file that is there."));
+	}
+	IfNewerThan = FDateTime::MinValue();
+	return GoOn(Now, 0);
+}
+
 FCorvaneDownloadStep FCorvaneDownloadMachine::OnRestFound(double Now, int64 Bytes, int64 InTotal)
 {
-	if (Phase != EPhase::Looking)
+	if (Phase != EPhase::Looking || Report.Outcome == ECorvaneTransferOutcome::Running)
 	{
 		return {};
 	}
 	Length = Report.TakenOverBytes = Bytes;
 	Report.TotalBytes = InTotal;
-	return EndAsWanted(Now);
+	return Tell(Now);
 }
 
 /** Most part files are new: their first try need not come back here, and wait for a frame, between the file and the request. */
@@ -104,14 +119,14 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::OnOpened(double Now, const FCorvan
 		return {};
 	}
 	Report.Attempts = 0;
+	Length = Mark = Report.TakenOverBytes = Opened.Length;
+	Total = Report.TotalBytes = Opened.Total;
+	Version = Opened.Version;
 	if (Opened.Failure != ECorvaneTransferOutcome::Running)
 	{
 		return Fail(Now, Opened.Failure, Opened.Sentence);
 	}
 	bOpen = true;
-	Length = Mark = Report.TakenOverBytes = Opened.Length;
-	Total = Report.TotalBytes = Opened.Total;
-	Version = Opened.Version;
 	if (Opened.bWholeAlready)
 	{
 		return Finish(Now); // an earlier run got so far; its journal, and the hash, are still to be dealt with
@@ -143,7 +158,7 @@ FCorvaneDownloadQuestion FCorvaneDownloadMachine::MakeQuestion() const
 		Next.OnDisk = Length;
 		Next.Compare = Version.ForIfRange().IsEmpty() ? FMath::Min<int64>(CorvaneDownload::TailBytes, Length) : 0;
 	}
-	else
+	if (Next.OnDisk == 0 || !bIsNewer)
 	{
 		Next.IfNewerThan = IfNewerThan;
 	}
@@ -169,6 +184,7 @@ int64 FCorvaneDownloadMachine::PartBytes(int64 Compare) const
 FCorvaneDownloadStep FCorvaneDownloadMachine::Ask(double Now)
 {
 	Question = MakeQuestion();
+	bStoppedLast = bStopping;
 	bStopping = false;
 	++Report.Attempts;
 	FCorvaneDownloadStep Step = Do(EPhase::Asking, Now, ECorvaneDownloadAction::Ask);
@@ -245,10 +261,19 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::Fail(double Now, ECorvaneTransferO
 	return LetGo(Now, bKeepBytes);
 }
 
+/** What an earlier run has left is told of, too. */
+FCorvaneDownloadStep FCorvaneDownloadMachine::FailBeforeOpen(double Now, ECorvaneTransferOutcome Outcome, const FString& Sentence)
+{
+	Report.Outcome = Outcome;
+	Report.Sentence = Sentence;
+	return Options.bResume ? Do(EPhase::Looking, Now, ECorvaneDownloadAction::LookForRest) : Tell(Now);
+}
+
 FCorvaneDownloadStep FCorvaneDownloadMachine::LetGo(double Now, bool bKeepBytes)
 {
 	const bool bSucceeded = Report.Outcome == ECorvaneTransferOutcome::Succeeded && !Report.bTargetKept;
-	const bool bDiscard = !bSucceeded && (!bKeepBytes || bPacked || Length == 0);
+	// Without a byte of this run, or one that it took over, there may be some of another address: Close tells those from an empty file.
+	const bool bDiscard = !bSucceeded && Length > 0 && (!bKeepBytes || bPacked);
 	Length = bDiscard ? 0 : Length;
 	if (!bOpen)
 	{
@@ -341,5 +366,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::EndWith(double Now, ECorvaneTransf
 FCorvaneDownloadStep FCorvaneDownloadMachine::EndAsWanted(double Now)
 {
 	const bool bEnded = WantedEnd == ECorvaneTransferOutcome::Ended;
-	return Fail(Now, WantedEnd, bEnded ? TEXT("The program came to its end.") : TEXT("The download was cancelled."));
+	const FString Sentence = bEnded ? TEXT("The program came to its end.") : TEXT("The download was cancelled.");
+	const bool bBeforeOpen = !bOpen && (Phase == EPhase::New || Phase == EPhase::Looking);
+	return bBeforeOpen ? FailBeforeOpen(Now, WantedEnd, Sentence) : Fail(Now, WantedEnd, Sentence);
 }

@@ -16,8 +16,8 @@ enum class ECorvaneDownloadAction : uint8
 	/** Look whether the target exists: OnLooked. */
 	Look,
 	/**
-	 * Look what an earlier run has left, and keep nothing open: OnRestFound. It was ended before its start, and so may be thousands
-	 * that wait beside it.
+	 * Look what an earlier run has left, and keep nothing open: OnRestFound. It ends before its part file was opened, and so may
+	 * thousands that wait beside it.
 	 */
 	LookForRest,
 	/** Open the part file and lock the target: OnOpened. With bAskIfNew, and nothing on disk, it may go on with an exchange at once. */
@@ -34,7 +34,7 @@ enum class ECorvaneDownloadAction : uint8
 	Finish,
 	/** Finish reads the file no further; it ends through OnFinished. */
 	StopFinishing,
-	/** Secure what is on disk and let go of it: OnClosed. */
+	/** Secure what is on disk, if there is anything, and let go of it: OnClosed. */
 	Close,
 	/** Delete part file and journal: OnClosed. */
 	Discard,
@@ -57,7 +57,7 @@ struct FCorvaneDownloadOpened
 	/** Running = it is open. */
 	ECorvaneTransferOutcome Failure = ECorvaneTransferOutcome::Running;
 	FString Sentence;
-	/** Bytes that the journal vouches for. */
+	/** Bytes that the journal vouches for; of a failure, those that are left. */
 	int64 Length = 0;
 	/** Of what is on disk: FCorvaneVersion::FromDisk. */
 	FCorvaneVersion Version;
@@ -174,6 +174,7 @@ private:
 
 	void MoveTo(EPhase Next, double Now);
 	FCorvaneDownloadStep Do(EPhase Next, double Now, ECorvaneDownloadAction Action);
+	FCorvaneDownloadStep OnLookedAgain(double Now, bool bTargetExists);
 	FCorvaneDownloadStep Open(double Now);
 	FCorvaneDownloadStep StopAsking();
 	FCorvaneDownloadStep EndWith(double Now, ECorvaneTransferOutcome Outcome);
@@ -187,6 +188,7 @@ private:
 	FCorvaneDownloadStep Finish(double Now);
 	FCorvaneDownloadStep KeepTarget(double Now, const FString& Sentence);
 	FCorvaneDownloadStep Fail(double Now, ECorvaneTransferOutcome Outcome, const FString& Sentence, bool bKeepBytes = true);
+	FCorvaneDownloadStep FailBeforeOpen(double Now, ECorvaneTransferOutcome Outcome, const FString& Sentence);
 	FCorvaneDownloadStep LetGo(double Now, bool bKeepBytes);
 	FCorvaneDownloadStep Tell(double Now);
 
@@ -208,10 +210,12 @@ private:
 	double PhaseBegan = 0;
 	bool bWantsPause = false;
 	bool bStopping = false; // the try that runs was told to stop
+	bool bStoppedLast = false; // the one before it was
 	ECorvaneTransferOutcome WantedEnd = ECorvaneTransferOutcome::Running; // Running = none
 
 	FCorvaneDownloadQuestion Question; // of the try that runs, or ran last
 	FDateTime IfNewerThan = FDateTime::MinValue();
+	bool bIsNewer = false; // an answer has brought bytes in spite of that
 	FCorvaneVersion Version; // of what is on disk, as the next
 	int64 Length = 0;
 	int64 Total = -1;
@@ -225,4 +229,5 @@ private:
 	bool bGotNew = false; // the last try brought a new byte
 	int64 MostOfPart = 0; // 0 = any number
 	int32 FailuresInARow = 0; // tries without one
+	int32 RestartsOfServer = 0; // those that do not follow a stop of ours, such as a pause
 };

@@ -21,7 +21,7 @@ struct FCorvaneDownloadQuestion
 	int64 ExpectedSize = -1;
 	/** Of what is on disk, or was told before a first byte came. */
 	FCorvaneVersion Version;
-	/** UTC; a file that is not newer is not wanted. MinValue = any is. */
+	/** UTC; a file that is not newer is not wanted, nor a rest of it. MinValue = any is. */
 	FDateTime IfNewerThan = FDateTime::MinValue();
 
 	int64 From() const { return OnDisk - Compare; }

@@ -125,7 +125,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::FollowAnswer(double Now, const FCo
 	case ECorvaneDownloadVerdict::Fail:
 		return Fail(Now, Judged.Outcome, SentenceOf(Judged.Reason));
 	case ECorvaneDownloadVerdict::Unchanged:
-		return KeepTarget(Now, TEXT("The server has nothing newer than the file that is there."));
+		return Do(EPhase::Looking, Now, ECorvaneDownloadAction::Look); // whether that still is there
 	default:
 		TakeOver(End, Judged);
 		return FollowBody(Now, End, Judged);
@@ -139,6 +139,7 @@ void FCorvaneDownloadMachine::TakeOver(const FCorvaneAttemptEnd& End, const FCor
 	{
 		return;
 	}
+	bIsNewer = true;
 	Version = Judged.Version;
 	Total = Report.TotalBytes = Judged.Total;
 	if (bThrewAway)
@@ -164,7 +165,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::FollowBody(double Now, const FCorv
 	{
 		return Finish(Now);
 	}
-	if (Report.Restarts > MostRestarts && !bStopping)
+	if (RestartsOfServer > MostRestarts && !bStopping)
 	{
 		const ECorvaneTransferOutcome Outcome =
 			bChangedLast ? ECorvaneTransferOutcome::Changed : CorvaneTryEnd::OutcomeOf(End.Exchange.End);
@@ -194,6 +195,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::FollowBreak(double Now, const FCor
 void FCorvaneDownloadMachine::NoteRestart(const FString& Reason)
 {
 	++Report.Restarts;
+	RestartsOfServer += bStoppedLast ? 0 : 1;
 	Report.RestartReasons.Add(Reason);
 }
 
@@ -202,7 +204,7 @@ FCorvaneDownloadStep FCorvaneDownloadMachine::StartOver(double Now, const FStrin
 	using namespace CorvaneDownloadTries;
 	NoteRestart(Reason);
 	bFromStart = true;
-	return Report.Restarts > MostRestarts ? Fail(Now, Outcome, SentenceOf(Reason)) : GoOn(Now, 0);
+	return RestartsOfServer > MostRestarts ? Fail(Now, Outcome, SentenceOf(Reason)) : GoOn(Now, 0);
 }
 
 FCorvaneDownloadStep FCorvaneDownloadMachine::Retry(

@@ -121,6 +121,8 @@ void FCorvanePartFile::Resume(const FString& Address, FCorvaneOpenedPart& Opened
 	{
 		return;
 	}
+	Opened.Length = Told.Kept.Length;
+	Opened.Source = Told.Source;
 	Opened.Result = bHasPart ? TakePart() : FCorvaneFileResult();
 	if (!Opened.Result.IsOk())
 	{
@@ -129,8 +131,6 @@ void FCorvanePartFile::Resume(const FString& Address, FCorvaneOpenedPart& Opened
 	bWholeAlready = bHasWhole;
 	Source = Told.Source;
 	Length = VouchedLength = Told.Kept.Length;
-	Opened.Length = Length;
-	Opened.Source = Told.Source;
 	Opened.bWholeAlready = bWholeAlready;
 }
 
@@ -260,12 +260,20 @@ FCorvaneFileResult FCorvanePartFile::FlushPart()
 {
 	if (Part->Flush(true))
 	{
-		return FCorvaneFileResult();
+		return CheckSizeOnDisk();
 	}
 	// The system may count lost bytes as written from here on, so a later flush would vouch for them.
 	const int64 LostBytes = Length - VouchedLength;
 	Shorten(VouchedLength);
 	return CorvaneFileFaults::WriteFailed(PartName(), LostBytes);
+}
+
+/** Behind a flush: a handle that is wrong about where it has written must not vouch for it. */
+FCorvaneFileResult FCorvanePartFile::CheckSizeOnDisk() const
+{
+	const int64 OnDisk = CorvanePartFile::Files().FileSize(*PartName());
+	const bool bIsKnown = OnDisk >= 0;
+	return bIsKnown && OnDisk != Part->Size() ? CorvaneFileFaults::WriteFailed(PartName(), 0) : FCorvaneFileResult();
 }
 
 FCorvaneFileResult FCorvanePartFile::ReadTail(int64 Count, TArray<uint8>& Tail) const
@@ -280,13 +288,20 @@ int64 FCorvanePartFile::Close()
 	if (Part.IsValid())
 	{
 		Checkpoint();
-		if (VouchedLength == 0)
-		{
-			Discard();
-		}
+	}
+	if (VouchedLength == 0 && (Part.IsValid() || IsEmptyRest()))
+	{
+		Discard();
 	}
 	LetGo();
 	return VouchedLength;
+}
+
+/** Whether an earlier run has begun and got no further; bytes of another address, or of a journal that cannot be read, are not ours. */
+bool FCorvanePartFile::IsEmptyRest() const
+{
+	const FCorvaneJournal& Told = Journal.Told();
+	return Journal.IsOpen() && Told.bHasSource && Told.Kept.Length == 0 && !Told.bWhole;
 }
 
 void FCorvanePartFile::Discard()

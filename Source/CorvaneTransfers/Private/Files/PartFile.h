@@ -16,9 +16,9 @@
 /** What stands on disk of a download that is about to begin. */
 struct FCorvaneOpenedPart
 {
-	/** A failure: nothing is open, nothing was changed. */
+	/** A failure: nothing is open, no byte that was vouched for is lost. */
 	FCorvaneFileResult Result;
-	/** Bytes to go on behind; 0 = begin with StartOver. */
+	/** Bytes to go on behind, now or after a failure; 0 = begin with StartOver. */
 	int64 Length = 0;
 	/** Where they come from; without a meaning when there are none. */
 	FCorvaneSourceFacts Source;
@@ -128,8 +128,10 @@ private:
 	FCorvaneFileResult OpenPart(int64 NewLength);
 	bool Shorten(int64 NewLength);
 	void ClosePart();
+	bool IsEmptyRest() const;
 	bool IsCheckpointDue() const;
 	FCorvaneFileResult FlushPart();
+	FCorvaneFileResult CheckSizeOnDisk() const;
 	FCorvaneFileResult CheckSize();
 	FCorvaneFileResult SecureBeforeFinish(const FCorvaneHashWish& Wish);
 	FCorvaneFileResult CheckHash(const FString& File, const FCorvaneHashWish& Wish, FString& OutHash);

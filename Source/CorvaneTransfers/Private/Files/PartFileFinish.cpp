@@ -101,8 +101,10 @@ FCorvaneFileResult FCorvanePartFile::VouchForWhole()
 	{
 		return CorvaneFileFaults::CannotRead(PartName());
 	}
-	const FCorvaneFileResult Fault = NeedJournal(Source);
-	return Fault.IsOk() ? Journal.Append(FCorvaneJournal::WholeLine(Whole, !CorvaneFileBlocks::IsFile(Target, Whole))) : Fault;
+	FCorvaneFileResult Fault = NeedJournal(Source);
+	Fault = Fault.IsOk() ? Journal.Append(FCorvaneJournal::WholeLine(Whole, !CorvaneFileBlocks::IsFile(Target, Whole))) : Fault;
+	VouchedLength = Fault.IsOk() ? Length : VouchedLength;
+	return Fault;
 }
 
 FCorvaneFileResult FCorvanePartFile::PutInPlace(const FDateTime& FileTime)
@@ -137,6 +139,10 @@ FCorvaneFileResult FCorvanePartFile::MoveClosed(const FDateTime& FileTime)
 	if (!CorvaneTargetReplacement::Replace(
 			Target, PartName(), [this] { return Length >= CorvanePartFile::LongFile || VouchForWhole().IsOk(); }))
 	{
+		if (VouchedLength < Length)
+		{
+			VouchForWhole(); // or the next run would fetch it all again
+		}
 		return CorvaneFileFaults::Failed(
 			ECorvaneTransferOutcome::CannotWrite, FString::Printf(TEXT("The new file cannot take the place of %s."), *Target));
 	}
