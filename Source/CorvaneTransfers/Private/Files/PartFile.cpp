@@ -271,9 +271,9 @@ FCorvaneFileResult FCorvanePartFile::FlushPart()
 /** Behind a flush: a handle that is wrong about where it has written must not vouch for it. */
 FCorvaneFileResult FCorvanePartFile::CheckSizeOnDisk() const
 {
-	const int64 OnDisk = CorvanePartFile::Files().FileSize(*PartName());
-	const bool bIsKnown = OnDisk >= 0;
-	return bIsKnown && OnDisk != Part->Size() ? CorvaneFileFaults::WriteFailed(PartName(), 0) : FCorvaneFileResult();
+	// A shorter one may be what a file server remembers of it.
+	const bool bIsLonger = CorvanePartFile::Files().FileSize(*PartName()) > Part->Size();
+	return bIsLonger ? CorvaneFileFaults::WriteFailed(PartName(), 0) : FCorvaneFileResult();
 }
 
 FCorvaneFileResult FCorvanePartFile::ReadTail(int64 Count, TArray<uint8>& Tail) const
