@@ -20,6 +20,9 @@ namespace Program
 
 	EventTap::~EventTap()
 	{
-		event.Get(owner.Get()).RemoveHandler(handler);
+		if (UObject* const held = owner.Get()) // none is left when the game loop has ended
+		{
+			event.Get(held).RemoveHandler(handler);
+		}
 	}
 } // namespace Program
