@@ -30,7 +30,7 @@ namespace
 	{
 		std::int64_t rate = 0;
 		const bool isNumber = std::from_chars(bytes.data(), bytes.data() + bytes.size(), rate).ec == std::errc();
-		return isNumber && rate >= 0 ? "" : "it is no number of bytes that can be";
+		return isNumber && rate >= 0 ? "" : "no rate is below 0, or that large";
 	}
 
 	struct CommandLine
