@@ -6,8 +6,6 @@
 #include "PinOutput.h"
 #include "Reflection.h"
 
-#include <fmt/format.h>
-
 namespace Program
 {
 	namespace
