@@ -5,6 +5,7 @@
 #include <csignal>
 #include <gmock/gmock.h>
 
+using ::testing::_;
 using ::testing::HasSubstr;
 using ::testing::Matcher;
 using ::testing::MatchesRegex;
@@ -48,20 +49,27 @@ TEST(Follow, PrintsEventsAndSaysHowItEnded)
 	const std::string none;
 	const std::string all = "e1\x1b\ne2\x1b\ne3\x1b\ne4\x1b\ne5\x1b\ne6\x1b\n";
 	const Case cases[] = {
-		{"$u/events", 0, all,
+		{"follow $u/events", 0, all,
 			"corvane: connected\ncorvane: connected again, behind the event 2\ncorvane: connected again, behind the event 4\n"
 			"corvane: The server has no more events.\n"},
-		{"-q $u/events --last-id 4 --event odd", 0, "e5\x1b\n", none},
-		{"$u/events --max 3 -q --json", 0, MatchesRegex(R"(\{"ID":"1","Type":"odd","Data":"e1\\u001b"\}.\{"ID":"2".*\}.\{"ID":"3".*\}.)"),
-			none},
-		{"$u/events --no-reconnect", 0, "e1\x1b\ne2\x1b\n", "corvane: connected\ncorvane: The stream came to its end.\n"},
-		{"-q $u/events -d '{}' --max 1", 0, "application/json\n{}\n", none},
-		{"-q $u/events -d @- -H 'content-type: text/x' --no-reconnect < body", 0, "text/x\nfrom a file\n", none},
-		{"$u/page", 1, none, HasSubstr("corvane: The server sent no events")},
-		{"$u/missing", 1, none, "corvane: The server answered with status 404.\n"},
-		{"nowhere", 2, none, HasSubstr("the scheme is missing")},
-		{"$u/events --max 0", 2, none, HasSubstr("--max")},
-		{"$u/events -H x", 2, none, HasSubstr("'x' is no header")},
+		{"follow -q $u/events --last-id 4 --event odd", 0, "e5\x1b\n", none},
+		{"follow $u/events --max 3 -q --json", 0,
+			MatchesRegex(R"(\{"ID":"1","Type":"odd","Data":"e1\\u001b"\}.\{"ID":"2".*\}.\{"ID":"3".*\}.)"), none},
+		{"follow $u/events --no-reconnect", 0, "e1\x1b\ne2\x1b\n", "corvane: connected\ncorvane: The stream came to its end.\n"},
+		{"follow -q $u/events -d '{}' --max 1", 0, "application/json\n{}\n", none},
+		{"follow -q $u/events -d @- -H 'content-type: text/x' --no-reconnect < body", 0, "text/x\nfrom a file\n", none},
+		{"follow $u/page", 1, none, HasSubstr("corvane: The server sent no events")},
+		{"follow $u/missing", 1, none, "corvane: The server answered with status 404.\n"},
+		{"follow nowhere", 2, none, HasSubstr("the scheme is missing")},
+		{"follow $u/events --max 0", 2, none, HasSubstr("--max")},
+		{"follow $u/events -H x", 2, none, HasSubstr("'x' is no header")},
+		{"call FollowEvents URL=$u/events", 0, MatchesRegex(R"((event: e[1-6]\\u001b.){6}ID: 6.Type: .Data: .Report.Outcome: Ended.*)"), _},
+		{"call --json FollowEvents URL=$u/events | head -1", 0,
+			R"({"event":"OnEvent","ID":"1","Type":"odd","Data":"e1\u001b"})"
+			"\n",
+			_},
+		{"call FollowEvents URL=$u/missing", 1, HasSubstr("Report.Sentence: The server answered with status 404."), _},
+		{"call FollowEvents URL=$u/events --body", 2, none, HasSubstr("a stream of events has no body")},
 	};
 	const RawServer server(
 		[](Connection& connection)
@@ -74,7 +82,7 @@ TEST(Follow, PrintsEventsAndSaysHowItEnded)
 	for (const Case& tested : cases)
 	{
 		SCOPED_TRACE(tested.words);
-		const ProcessRun run = runProcess({"/bin/sh", "-c", std::string("cd $0; u=$2; exec $1 follow ") + tested.words, directory.path(),
+		const ProcessRun run = runProcess({"/bin/sh", "-c", std::string("cd $0; u=$2; $1 ") + tested.words, directory.path(),
 			CORVANE_PROGRAM, "http://" + server.authority()});
 		EXPECT_EQ(run.status, tested.status);
 		EXPECT_THAT(run.out, tested.out);

@@ -62,11 +62,18 @@ TEST(Get, PutsFilesWhereTheyBelongAndTellsTheirEnd)
 		{"$u/a.bin $u/b.bin -o x", 2, none, HasSubstr("-o names one file"), {}, {"x"}},
 		{"$u/a.bin $u/x/a.bin", 2, none, "corvane: two addresses lead to the file 'a.bin'\n", {}, {"a.bin"}},
 		{"$u/a.bin --limit-rate 2X", 2, none, HasSubstr("--limit-rate"), {}, {"a.bin"}},
+		{"$u/a.bin --limit-rate -1", 2, none, HasSubstr("--limit-rate"), {}, {"a.bin"}},
 		{"", 2, none, HasSubstr("URL is required"), {}},
 		{"-i list -d new", 0, HasSubstr("new/b c.bin: The file is there: 6 bytes.\n"), none,
 			{{"new/a.bin", "/a.bin"}, {"new/b c.bin", "/b.bin"}, {"new/sub/d", "/d.bin"}}},
 		{"-q -i - $u/e.bin < list", 0, none, none, {{"e.bin", "/e.bin"}, {"b c.bin", "/b.bin"}}},
 		{"-i bad", 2, none, "corvane: bad:3: '../up' is no file below the folder\n", {}, {"one"}},
+		{"-i back", 2, none, "corvane: back:1: '..\\up' is no file below the folder\n", {}},
+		{"-i twice", 2, none, "corvane: two addresses lead to the file 'here/one'\n", {}, {"one"}},
+		{"-d 'a\\b' $u/a.bin", 2, none, HasSubstr("'a\\b/a.bin' lies at '/"), {}, {"a"}},
+		{"-o pipe $u/a.bin", 2, none, "corvane: 'pipe' is there, and no file: it is not replaced by one\n", {}},
+		{"-o lost $u/a.bin", 2, none, HasSubstr("'lost' is there, and no file"), {}},
+		{"-q -o link $u/a.bin", 0, none, none, {{"old", "/a.bin"}}},
 		{"-i list -o x", 2, none, HasSubstr("-o names one file"), {}},
 		{"-i none", 2, none, HasSubstr("cannot read 'none'"), {}},
 	};
@@ -82,9 +89,13 @@ TEST(Get, PutsFilesWhereTheyBelongAndTellsTheirEnd)
 		directory.write("old", "old");
 		directory.write("list", "# some files\n\n$u/a.bin\r\n  $u/b.bin\tb c.bin \n$u/d.bin sub/d");
 		directory.write("bad", "$u/a.bin one\n\n$u/b.bin ../up\n");
-		const ProcessRun run =
-			runProcess({"/bin/sh", "-c", std::string("cd $0; u=$2; sed -i \"s|\\$u|$u|\" list bad; exec $1 get ") + tested.words,
-				directory.path(), CORVANE_PROGRAM, "http://" + server.authority()});
+		directory.write("back", "$u/a.bin ..\\up\n");
+		directory.write("twice", "\xef\xbb\xbf$u/a.bin one\n$u/b.bin here/one\n");
+		const ProcessRun run = runProcess({"/bin/sh", "-c",
+			std::string("cd $0; mkfifo pipe; ln -s . here; ln -s old link; ln -s none lost; u=$2; "
+						"sed -i \"s|\\$u|$u|\" list bad back twice; exec $1 get ") +
+				tested.words,
+			directory.path(), CORVANE_PROGRAM, "http://" + server.authority()});
 		EXPECT_EQ(run.status, tested.status);
 		EXPECT_THAT(run.out, tested.out);
 		EXPECT_THAT(run.err, tested.err);

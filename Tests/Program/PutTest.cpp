@@ -33,6 +33,7 @@ TEST(Put, SendsFilesWhereTheyBelongAndTellsTheirEnd)
 		{"-q -X post a.png $u/size -H 'Content-Type: x/y'", 0, none, none, {"POST /size x/y 6"}},
 		{"a.png 'sub/b c' $u/form --form f --field 'n=v=w' --field e=", 0,
 			MatchesRegex(R"(a.png, sub/b c: It is uploaded.*"n",.*"v=w".*"e",.*"".*"f",.*"a.png".*"f",.*"b c".*)"), none, {"POST /form"}},
+		{"-q link/../name.png $u/size", 0, none, none, {"PUT /size image/png 2"}},
 		{"$u/form --field n=v", 0, HasSubstr("the form: It is uploaded"), none, {"POST /form"}},
 		{"--json a.png $u/size", 0, MatchesRegex(R"(\{"Files":\["a.png"\],"Outcome":"Succeeded",.*"Answer":"6".*\}.)"), none,
 			{"PUT /size image/png 6"}},
@@ -66,9 +67,11 @@ TEST(Put, SendsFilesWhereTheyBelongAndTellsTheirEnd)
 		const TempDir directory;
 		directory.write("a.png", "abcdef");
 		directory.write("sub/b c", "gh");
-		const ProcessRun run =
-			runProcess({"/bin/sh", "-c", std::string("cd $0; u=$2; export XDG_STATE_HOME=$0/state; exec $1 put ") + tested.words,
-				directory.path(), CORVANE_PROGRAM, origin.url("")});
+		directory.write("sub/deep/name.png", "another file");
+		const ProcessRun run = runProcess({"/bin/sh", "-c",
+			std::string("cd $0; ln -s sub/deep link; ln -s 'b c' sub/name.png; u=$2; export XDG_STATE_HOME=$0/state; exec $1 put ") +
+				tested.words,
+			directory.path(), CORVANE_PROGRAM, origin.url("")});
 		EXPECT_EQ(run.status, tested.status);
 		EXPECT_THAT(run.out, tested.out);
 		EXPECT_THAT(run.err, tested.err);

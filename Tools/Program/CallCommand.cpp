@@ -23,6 +23,18 @@ namespace Program
 {
 	namespace
 	{
+		/** Every other event of a node is. */
+		bool isOutcome(std::string_view event)
+		{
+			return event != "OnProgress" && event != "OnBeforeAttempt" && event != "OnOpen" && event != "OnEvent";
+		}
+
+		/** A stream has come to its end in order, or to none. */
+		bool isBad(std::string_view outcome, const Json& pins)
+		{
+			return outcome == "OnFail" || (outcome == "OnClose" && pins.at("Report").at("Outcome") != "Ended");
+		}
+
 		/** One call from its arguments to its outcome. */
 		class Call
 		{
@@ -94,11 +106,11 @@ namespace Program
 			{
 				const RequestResults results;
 				ProgressBar progress(options.progress);
-				const EventLines events(body ? &*body : nullptr, options.json);
+				EventLines events(body ? &*body : nullptr, options.json);
 				frame.invoke();
 				if (Reflect::nodeClassOf(*function.function))
 				{
-					return runNode(results, progress);
+					return runNode(results, progress, events);
 				}
 				const TArray<FhttpRequest>* const records = builtRecords();
 				return records ? runRequests(results, *records) : finishedOutputs();
@@ -122,7 +134,7 @@ namespace Program
 				return outcome ? std::optional(*outcome) : std::nullopt;
 			}
 
-			std::optional<Json> runNode(const RequestResults& results, ProgressBar& progress)
+			std::optional<Json> runNode(const RequestResults& results, ProgressBar& progress, EventLines& events)
 			{
 				auto* const node = Cast<UBlueprintAsyncActionBase>(frame.returnedObject());
 				if (!node)
@@ -133,18 +145,19 @@ namespace Program
 				std::list<EventTap> taps; // they hold the node
 				for (const FMulticastDelegateProperty* event : Reflect::eventsOf(node->GetClass()))
 				{
-					if (std::string_view(event->Name) != "OnProgress")
+					const std::string_view name = event->Name;
+					if (isOutcome(name))
 					{
-						const bool isBad = std::string_view(event->Name) == "OnFail";
 						taps.emplace_back(*node, *event,
-							[this, &outcome, isBad](const Json& pins)
+							[this, &outcome, name](const Json& pins)
 							{
-								hasFailed = hasFailed || (isBad && !outcome);
+								hasFailed = hasFailed || (!outcome && isBad(name, pins));
 								outcome = outcome.value_or(pins);
 							});
 					}
 				}
 				progress.watch(*node);
+				events.watch(*node);
 				node->Activate();
 				runToIdle();
 				const Json* const refusal = results.first(); // a refusing builder answers before anybody hears the node

@@ -7,6 +7,7 @@
 #include "CorvaneTransferQueue.h"
 #include "EndSignals.h"
 #include "FileContent.h"
+#include "FilePaths.h"
 #include "HeaderLine.h"
 #include "InputError.h"
 #include "JsonValues.h"
@@ -34,6 +35,7 @@ namespace Program
 		{
 			std::string address;
 			std::string path; // as people know it
+			std::string target; // the same in full
 			FCorvaneTransferReport report = {};
 			ProgressTable::Row* row = nullptr; // while its bytes move and several files are told of
 		};
@@ -81,14 +83,15 @@ namespace Program
 		{
 			checkSeveral(options);
 			std::vector<File> files;
-			std::set<std::string> paths;
+			std::set<std::string> targets;
 			for (const ListedAddress& wanted : wantedBy(options))
 			{
 				const std::string name = wanted.file.empty() ? fileNameOf(wanted.address) : wanted.file;
-				files.push_back({wanted.address, (fs::path(options.folder) / name).string()});
-				if (!paths.insert(files.back().path).second)
+				const std::string path = (fs::path(options.folder) / name).string();
+				files.push_back({wanted.address, path, targetPath(path)});
+				if (!targets.insert(files.back().target).second)
 				{
-					throw Reflect::InputError(fmt::format("two addresses lead to the file '{}'", files.back().path));
+					throw Reflect::InputError(fmt::format("two addresses lead to the file '{}'", path));
 				}
 			}
 			return files;
@@ -190,8 +193,7 @@ namespace Program
 					file.report = report;
 					finish(file);
 				};
-				const std::string target = fs::absolute(file.path).lexically_normal().string();
-				UCorvaneDownloadFile::Start(Reflect::toFString(file.address), Reflect::toFString(target), download, end, note);
+				UCorvaneDownloadFile::Start(Reflect::toFString(file.address), Reflect::toFString(file.target), download, end, note);
 			}
 
 			void finish(File& file)

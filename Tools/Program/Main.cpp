@@ -7,6 +7,8 @@
 #include <CLI/CLI.hpp>
 #include <fmt/core.h>
 
+#include <charconv>
+
 namespace
 {
 	/** The parser knows nothing of words that it leaves to the script, nor of the last one of several. */
@@ -22,6 +24,14 @@ namespace
 	private:
 		const std::string words;
 	};
+
+	/** The parser takes a number below 0 for a very large one. */
+	std::string rateFault(const std::string& bytes)
+	{
+		std::int64_t rate = 0;
+		const bool isNumber = std::from_chars(bytes.data(), bytes.data() + bytes.size(), rate).ec == std::errc();
+		return isNumber && rate >= 0 ? "" : "no rate is below 0, or that large";
+	}
 
 	struct CommandLine
 	{
@@ -113,7 +123,8 @@ namespace
 			getFiles->add_option("-H,--header", get.headers, "A header of the requests: -H 'Accept: text/plain'")->allow_extra_args(false);
 			getFiles->add_option("--hash", get.hash, "What the file must have: sha256:HEX, or sha1, md5; sha256 alone tells it");
 			getFiles->add_option("--limit-rate", get.bytesPerSecond, "Bytes per second of all files together: 500k, 2M")
-				->transform(CLI::AsSizeValue(false));
+				->transform(CLI::AsSizeValue(false))
+				->check(rateFault);
 			getFiles->add_option(
 				"--if-exists", get.ifExists, "What becomes of a file that is there: Replace (the default), Keep, Fail, OnlyIfNewer");
 			getFiles->add_option("-j,--jobs", get.atOnce, "How many files at once, 4 by default")->check(CLI::Range(1, 64));

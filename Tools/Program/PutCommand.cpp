@@ -5,6 +5,7 @@
 #include "CorvaneUploadForm.h"
 #include "CorvaneUploadResumable.h"
 #include "EndSignals.h"
+#include "FilePaths.h"
 #include "HeaderLine.h"
 #include "InputError.h"
 #include "JsonValues.h"
@@ -30,6 +31,7 @@ namespace Program
 		{
 			std::vector<std::string> files; // as people know them
 			std::string address;
+			std::vector<std::string> paths = {}; // of the files, in full
 			FCorvaneTransferReport report = {};
 
 			std::string name() const { return files.empty() ? "the form" : fmt::format("{}", fmt::join(files, ", ")); }
@@ -38,11 +40,6 @@ namespace Program
 		bool isForm(const PutOptions& options)
 		{
 			return !options.formField.empty() || !options.fields.empty();
-		}
-
-		FString fullPath(const std::string& file)
-		{
-			return Reflect::toFString(fs::absolute(file).lexically_normal().string());
 		}
 
 		/** One for each file, each to an address of its own. */
@@ -171,17 +168,10 @@ namespace Program
 			return json;
 		}
 
-		/** Nothing is thrown from here into the event: what cannot be written is told at the end of the program. */
-		void writeUploadLine(const std::string& line)
+		/** @return a text as lines behind another one; one without a letter stays empty. */
+		std::string asFurtherLines(const std::string& text)
 		{
-			std::fwrite(line.data(), 1, line.size(), stdout);
-			std::fflush(stdout);
-		}
-
-		/** @return a text with a line end behind it; one without a letter stays empty. */
-		std::string asLines(const std::string& text)
-		{
-			return text.empty() || text.ends_with('\n') ? text : text + '\n';
+			return text.empty() ? "" : "\n" + text.substr(0, text.size() - (text.ends_with('\n') ? 1 : 0));
 		}
 
 		/** Some uploads, one after the other, from the first start to the last report. */
@@ -195,6 +185,13 @@ namespace Program
 				, fields(fieldsOf(putOptions))
 				, uploads(uploadsOf(putOptions))
 			{
+				for (Upload& upload : uploads)
+				{
+					for (const std::string& file : upload.files)
+					{
+						upload.paths.push_back(sourcePath(file));
+					}
+				}
 				if (!options.quiet)
 				{
 					progress.emplace(false);
@@ -242,7 +239,7 @@ namespace Program
 				const FString address = Reflect::toFString(upload.address);
 				if (options.resumable)
 				{
-					UCorvaneUploadResumable::Start(address, fullPath(upload.files.front()), resumableOptions(options), end, note);
+					UCorvaneUploadResumable::Start(address, Reflect::toFString(upload.paths.front()), resumableOptions(options), end, note);
 				}
 				else if (isForm(options))
 				{
@@ -250,16 +247,16 @@ namespace Program
 				}
 				else
 				{
-					UCorvaneUploadFile::Start(address, fullPath(upload.files.front()), wishes, end, note);
+					UCorvaneUploadFile::Start(address, Reflect::toFString(upload.paths.front()), wishes, end, note);
 				}
 			}
 
 			TArray<FCorvaneFormFile> formFiles(const Upload& upload) const
 			{
 				TArray<FCorvaneFormFile> files;
-				for (const std::string& file : upload.files)
+				for (const std::string& path : upload.paths)
 				{
-					files.Add({Reflect::toFString(options.formField), fullPath(file), {}, {}});
+					files.Add({Reflect::toFString(options.formField), Reflect::toFString(path), {}, {}});
 				}
 				return files;
 			}
@@ -274,7 +271,7 @@ namespace Program
 				}
 				if (options.json)
 				{
-					writeUploadLine(asJsonLine(toJson(upload)));
+					printLine(asJsonText(toJson(upload)));
 				}
 				else if (isThere && !options.quiet)
 				{
@@ -300,9 +297,8 @@ namespace Program
 			static void tellGood(const Upload& upload)
 			{
 				const std::string hash = Reflect::toUtf8(upload.report.Hash);
-				const std::string told =
-					fmt::format("{}: {}{}{}\n", upload.name(), Reflect::toUtf8(upload.report.Sentence), hash.empty() ? "" : " ", hash);
-				writeUploadLine(fitFor(stdout, told + asLines(Reflect::toUtf8(upload.report.Answer))));
+				printLine(fmt::format("{}: {}{}{}{}", upload.name(), Reflect::toUtf8(upload.report.Sentence), hash.empty() ? "" : " ", hash,
+					asFurtherLines(Reflect::toUtf8(upload.report.Answer))));
 			}
 
 			void tellProgress(const FCorvaneTransferReport& report)

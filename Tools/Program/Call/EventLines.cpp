@@ -1,50 +1,64 @@
 #include "EventLines.h"
 
+#include "Console.h"
 #include "CorvaneBPLibrary.h"
+#include "InputError.h"
 #include "PinOutput.h"
 #include "Reflection.h"
-
-#include <fmt/format.h>
 
 namespace Program
 {
 	namespace
 	{
-		/** Nothing is thrown from here into the event: what cannot be written is told at the end of the program. */
-		void writeLine(const std::string& line)
+		/** A text in one line, its own ends of lines spelt out. */
+		std::string asLine(const Json& text)
 		{
-			std::fwrite(line.data(), 1, line.size(), stdout);
-			std::fflush(stdout); // a reader waits for it
+			const std::string quoted = asJsonText(text);
+			return "event: " + quoted.substr(1, quoted.size() - 2);
 		}
 
-		/** A piece in one line, its own ends of lines spelt out. */
-		std::string asLine(const Json& pins)
+		Json named(const char* event, const Json& pins)
 		{
-			const std::string quoted = asJsonLine(pins.at("response"));
-			return fmt::format("event: {}\n", quoted.substr(1, quoted.size() - 3)); // without quotes and end of line
-		}
-
-		Json named(const Json& pins)
-		{
-			Json line = {{"event", "onhttpServerSendEventDelegate"}};
+			Json line = {{"event", event}};
 			line.update(pins);
 			return line;
 		}
 	} // namespace
 
-	EventLines::EventLines(BodyOutput* body, bool asJson)
+	EventLines::EventLines(BodyOutput* bodyOutput, bool inJson)
+		: body(bodyOutput)
+		, asJson(inJson)
 	{
 		UObject* const target = UCorvaneBPLibrary::getCorvaneTarget();
 		const FMulticastDelegateProperty* const event = Reflect::findEvent(target->GetClass(), "onhttpServerSendEventDelegate");
 		HOST_CHECK(event);
-		tap.emplace(*target, *event,
-			[body, asJson](const Json& pins)
+		taps.emplace_back(*target, *event,
+			[this, event](const Json& pins)
 			{
 				if (body)
 				{
 					return body->write(pins.at("response").get_ref<const std::string&>());
 				}
-				writeLine(asJson ? asJsonLine(named(pins)) : asLine(pins));
+				printLine(asJson ? asJsonText(named(event->Name, pins)) : asLine(pins.at("response")));
+			});
+	}
+
+	void EventLines::watch(UObject& node)
+	{
+		const FMulticastDelegateProperty* const event = Reflect::findEvent(node.GetClass(), "OnEvent");
+		if (!event)
+		{
+			return;
+		}
+		if (body)
+		{
+			throw Reflect::InputError("a stream of events has no body, each event is a line");
+		}
+		taps.emplace_back(node, *event,
+			[this, event](Json pins)
+			{
+				pins.erase("Report"); // how the stream stands is no part of an event
+				printLine(asJson ? asJsonText(named(event->Name, pins)) : asLine(pins.at("Data")));
 			});
 	}
 } // namespace Program

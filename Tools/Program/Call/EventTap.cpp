@@ -20,9 +20,9 @@ namespace Program
 
 	EventTap::~EventTap()
 	{
-		if (UObject* const alive = owner.Get()) // else the game loop has ended, and with it all objects
+		if (UObject* const held = owner.Get()) // none is left when the game loop has ended
 		{
-			event.Get(alive).RemoveHandler(handler);
+			event.Get(held).RemoveHandler(handler);
 		}
 	}
 } // namespace Program

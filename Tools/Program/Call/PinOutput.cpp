@@ -59,11 +59,6 @@ namespace Program
 		}
 	} // namespace
 
-	std::string asJsonLine(const Json& value)
-	{
-		return fitFor(stdout, asJsonText(value)) + "\n";
-	}
-
 	std::string asJsonText(const Json& value)
 	{
 		return value.dump(-1, ' ', false, Json::error_handler_t::replace);
@@ -89,7 +84,7 @@ namespace Program
 		}
 		if (asJson)
 		{
-			fmt::print("{}", asJsonLine(printable));
+			fmt::print("{}\n", fitFor(stdout, asJsonText(printable)));
 		}
 	}
 

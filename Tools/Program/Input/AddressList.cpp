@@ -24,14 +24,15 @@ namespace Program
 		{
 			const std::filesystem::path path = std::filesystem::path(name).lexically_normal();
 			const bool isBelow = name.empty() || (path.is_relative() && *path.begin() != ".." && path.has_filename() && path != ".");
-			return isBelow ? "" : fmt::format("'{}' is no file below the folder", name);
+			return isBelow && name.find('\\') == name.npos ? "" : fmt::format("'{}' is no file below the folder", name);
 		}
 	} // namespace
 
 	std::vector<ListedAddress> readAddressList(const std::string& text, const std::string& name)
 	{
+		constexpr std::string_view mark = "\xef\xbb\xbf"; // of UTF-8, which some editors write
 		std::vector<ListedAddress> all;
-		std::istringstream lines(text);
+		std::istringstream lines(text.substr(text.starts_with(mark) ? mark.size() : 0));
 		std::string line;
 		for (int number = 1; std::getline(lines, line); ++number)
 		{
