@@ -316,7 +316,10 @@ TEST_F(PartFile, BytesThatAHandlePutsElsewhereAreNoSuccess)
 		{
 			using ForwardingHandle::ForwardingHandle;
 			int64 Size() override { return FMath::Max<int64>(Lower->Size() - 1, 0); }
-			bool Seek(int64 Place) override { return Lower->Seek(Place + 1); }
+			bool Seek(int64 Place) override
+			{
+				return Lower->Seek(Place) && (Place > 0 || Lower->Write(reinterpret_cast<const uint8*>("x"), 1));
+			}
 		};
 		IFileHandle* OpenWrite(const TCHAR* Name, bool bAppend, bool bAllowRead) override
 		{
