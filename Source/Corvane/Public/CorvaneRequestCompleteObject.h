@@ -3,6 +3,8 @@
 #include "CoreMinimal.h"
 #include "CorvaneBPLibrary.h"
 #include "Interfaces/IHttpRequest.h"
+#include "Serialization/Archive.h"
+#include "Templates/SharedPointer.h"
 #include "UObject/Object.h"
 #include "UObject/UObjectGlobals.h"
 

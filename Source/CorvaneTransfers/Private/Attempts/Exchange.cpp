@@ -29,14 +29,14 @@ TSharedRef<FCorvaneExchange> FCorvaneExchange::Start(
 	const TSharedRef<FCorvaneExchange> Self = MakeShared<FCorvaneExchange>(InReceiver);
 	const FHttpRequestRef Made = FHttpModule::Get().CreateRequest();
 	const bool bMistakable = CorvaneExchangeLimits::IsNearConnectLimit(Asked.SilenceSeconds);
-	const float SilenceSeconds = bMistakable ? CorvaneExchangeLimits::ConnectSeconds + CorvaneExchangeLimits::Near : Asked.SilenceSeconds;
+	const float Limit = bMistakable ? CorvaneExchangeLimits::ConnectSeconds + CorvaneExchangeLimits::Near : Asked.SilenceSeconds;
 	Fill(Asked, *Made);
-	Made->SetActivityTimeout(SilenceSeconds);
+	Made->SetActivityTimeout(Limit);
 	Bind(Self, *Made);
 	Self->bAsksForBody = Asked.Verb == TEXT("GET");
 	Self->Sent = Asked.Stream;
 	Self->Reader.Keep(Asked.HeadersToKeep);
-	Self->Send(Made, SilenceSeconds);
+	Self->Send(Made, Limit);
 	return Self;
 }
 
