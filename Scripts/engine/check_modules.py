@@ -85,7 +85,8 @@ def options_of(module, folder):
         rules = (ROOT / "Source" / other / f"{other}.Build.cs").read_text()
         definitions += re.findall(r'PublicDefinitions\.Add\("([^"]+)"\)', rules)
         definitions += re.findall(r'PrivateDefinitions\.Add\("([^"]+)"\)', rules) if other == module else []
-    return [*(f"-D{text}" for text in definitions), *(f"-I{root}" for root in roots)]
+    chosen = dict(text.partition("=")[::2] for text in definitions) # where a platform decides, that of Windows stands last
+    return [*(f"-D{name}={value}" for name, value in chosen.items()), *(f"-I{root}" for root in roots)]
 
 
 def compile_all(folder):

@@ -10,6 +10,13 @@ public class CorvaneTransfers : ModuleRules
 		PublicDependencyModuleNames.AddRange(new[] { "Core", "CoreUObject", "Engine", "HTTP", "Corvane" });
 
 		// Whether a handle of OpenRead can be flushed: that of Windows takes the attempt for a mistake.
-		PrivateDefinitions.Add("CORVANE_FLUSHES_READ_FILES=" + (Target.Platform == UnrealTargetPlatform.Win64 ? "0" : "1"));
+		if (Target.Platform != UnrealTargetPlatform.Win64)
+		{
+			PrivateDefinitions.Add("CORVANE_FLUSHES_READ_FILES=1");
+		}
+		else
+		{
+			PrivateDefinitions.Add("CORVANE_FLUSHES_READ_FILES=0");
+		}
 	}
 }
