@@ -70,7 +70,8 @@ namespace
 	/** As they write those of fields: each end of a line is CR LF first. */
 	std::string QuotedField(const FString& Name)
 	{
-		return Quoted(std::regex_replace(utf8(Name), std::regex("\r\n|\r|\n"), "\r\n"));
+		static const std::regex lineEnd("\\r\\n|\\r|\\n");
+		return Quoted(std::regex_replace(utf8(Name), lineEnd, "\r\n"));
 	}
 
 	/** The second module chooses a boundary that stands nowhere; its files are put in by the path, which is their content here. */
