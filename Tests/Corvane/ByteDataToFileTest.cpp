@@ -42,7 +42,7 @@ TEST_F(ByteDataToFile, WritesOverwritesAndRefusesInTheOrderOfCalls)
 	drain();
 	EXPECT_EQ(dir.read("new/sub/a.bin"), std::string("a\0b", 3)) << "the first creates the file, the second is refused";
 	EXPECT_EQ(log.count("LogTemp", ELogVerbosity::Warning, "UCorvaneBPLibrary: File exist. Cancel write to file."), 1);
-	for (int number = 0; number < 200; ++number)
+	for (int number = 0; number <= 200; ++number)
 	{
 		write(EAction::E_OVERWRITE, std::to_string(number), path);
 	}
@@ -50,7 +50,7 @@ TEST_F(ByteDataToFile, WritesOverwritesAndRefusesInTheOrderOfCalls)
 	HostDirectories::Set(dir.path(), "");
 	write(EAction::E_OVERWRITE, "game", "Saved/a.txt", EHTTPCorvFileUpload::E_gd);
 	drain();
-	EXPECT_EQ(dir.read("new/sub/a.bin") + dir.read("Saved/a.txt"), "199game");
+	EXPECT_EQ(dir.read("new/sub/a.bin") + dir.read("Saved/a.txt"), "200game");
 }
 
 TEST_F(ByteDataToFile, LogsWhatItCannotDo)

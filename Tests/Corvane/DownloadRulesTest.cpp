@@ -79,8 +79,9 @@ TEST(DownloadRules, MeasureTheSpeedOnceASecond)
 
 TEST(DownloadRules, ShowNoSecretsOfAnAddress)
 {
-	for (const auto& [url, shown] : {std::pair("http://h/a?b=c", "http://h/a"), {"https://u:p@h:1/a/b@c#d", "https://h:1/a/b@c"},
-			 {"http://u@x@h", "http://h"}, {"abc", "abc"}, {"u:p@h/a", "h/a"}, {"", ""}, {"http://h/a\r\nb", "http://h/a\uFFFD\uFFFDb"}})
+	for (const auto& [url, shown] :
+		{std::pair("http://h/a?b=c", "http://h/a"), {"https://u:p@h:1/a/b@c#d", "https://h:1/a/b@c"}, {"http://u@x@h", "http://h"},
+			{"abc", "abc"}, {"u:p@h/a", "h/a"}, {"u:p@h/a://b", "h/a://b"}, {"", ""}, {"http://h/a\r\nb", "http://h/a\uFFFD\uFFFDb"}})
 	{
 		EXPECT_EQ(utf8(CorvaneRules::shownAddress(url)), shown);
 	}

@@ -13,7 +13,7 @@ TEST(ByteBuffer, GivesUpWhenNobodyTakesAndTakesAgainWhenSomebodyHas)
 	EXPECT_FALSE(buffer.Put(full.data(), 1, isFirst, 1));
 	EXPECT_TRUE(buffer.Take(taken));
 	EXPECT_EQ(taken.Num(), FCorvaneByteBuffer::Limit);
-	EXPECT_TRUE(buffer.Put(full.data(), 1, isFirst, 1) && buffer.Put(full.data(), 1, isFirst, 1) && !isFirst);
+	EXPECT_TRUE(buffer.Put(full.data(), 1, isFirst, 1) && buffer.Put(full.data(), FCorvaneByteBuffer::Limit - 1, isFirst, 1) && !isFirst);
 	buffer.Close();
 	EXPECT_FALSE(buffer.Put(full.data(), 1, isFirst, 1) || buffer.Take(taken));
 }

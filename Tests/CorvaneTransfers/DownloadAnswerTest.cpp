@@ -114,7 +114,9 @@ TEST(DownloadAnswer, GoesBehindWhatIsOnDiskOnlyIfItFits)
 		FCorvaneDownloadQuestion question = rest(strong);
 		question.IfNewerThan = FDateTime(629197085770000000 - (newer ? 10'000'000 : 0));
 		const FCorvaneVersion tagAndDate{TEXT("\"a\""), text(changed), false};
-		EXPECT_EQ(judge(question, judgedAnswer(206, "bytes 100-299/300", tagAndDate)), newer ? append : Verdict::Unchanged);
+		const FCorvaneDownloadJudgement judged = CorvaneDownload::JudgeAnswer(question, judgedAnswer(206, "bytes 100-299/300", tagAndDate));
+		EXPECT_EQ(judged.Verdict, newer ? append : Verdict::Unchanged);
+		EXPECT_EQ(utf8(judged.Version.LastModified), newer ? changed : ""); // it may go onto the file
 		question.Version.LastModified = text(changed);
 		EXPECT_EQ(judge(question, judgedAnswer(206, "bytes 100-299/300", strong)), newer ? append : Verdict::Unchanged);
 		question.Total = question.OnDisk;

@@ -193,12 +193,14 @@ TEST_F(FollowEvents, EndWithOneReason)
 		std::string url;
 		std::function<void(FCorvaneFollowOptions&)> change;
 		Outcome outcome;
+		int32 code = 0;
+		const char* says = "";
 	};
 	const Case cases[] = {
-		{server.url("/none"), {}, Outcome::Ended},
-		{server.url("/page"), {}, Outcome::ServerError},
-		{server.url("/gone"), {}, Outcome::ServerError},
-		{server.url("/long"), [](auto& o) { o.MostEventBytes = 100; }, Outcome::WrongSize},
+		{server.url("/none"), [](auto& o) { o.Attempts = 0; }, Outcome::Ended, 204},
+		{server.url("/page"), {}, Outcome::ServerError, 200, "sent no events (text/event-stream) but text/html."},
+		{server.url("/gone"), {}, Outcome::ServerError, 404, "status 404"},
+		{server.url("/long"), [](auto& o) { o.MostEventBytes = 100; }, Outcome::WrongSize, 200},
 		{"http://127.0.0.1:1/", [](auto& o) { o.Attempts = 2; }, Outcome::NoConnection},
 		{"ftp://host/", {}, Outcome::Refused},
 		{server.url(), [](auto& o) { o.Attempts = -1; }, Outcome::Refused},
@@ -219,6 +221,8 @@ TEST_F(FollowEvents, EndWithOneReason)
 		EXPECT_EQ(reports.size() + 1, expected); // not inside the call
 		const FCorvaneTransferReport report = finish();
 		EXPECT_EQ(report.Outcome, each.outcome) << utf8(report.Sentence);
+		EXPECT_EQ(report.Code, each.code);
+		EXPECT_NE(utf8(report.Sentence).find(each.says), std::string::npos) << utf8(report.Sentence);
 		EXPECT_TRUE(texts.empty());
 	}
 

@@ -243,6 +243,39 @@ TEST_F(TransferQueue, KeepsItsLimitsAndEndsEachOnce)
 	finish();
 }
 
+TEST_F(TransferQueue, StartsByPriorityThenHostInTurnThenArrival)
+{
+	CountingServer one, other;
+	const RawServer server(one.script()), second(other.script());
+	queue->SetLimits(1, 1);
+	queue->Pause();
+	for (const char* name : {"a1", "a2", "a3"})
+	{
+		add(server.url(), name);
+	}
+	add(second.url(), "b1");
+	add(server.url(), "urgent", 1);
+	queue->Continue();
+	finish();
+	EXPECT_EQ(order, (std::vector<std::string>{"urgent", "b1", "a1", "a2", "a3"}));
+}
+
+TEST_F(TransferQueue, TellsWhatHasComeOfAFileWithoutALength)
+{
+	const RawServer server(
+		[](Connection& connection)
+		{
+			connection.readHead();
+			connection.send("HTTP/1.1 200 OK\r\n\r\nhello");
+			connection.waitForPeer();
+		});
+	add(server.url(), "endless");
+	waitForBytes(5);
+	EXPECT_EQ(queue->GetReport().TotalBytes, -1);
+	queue->CancelAll();
+	finish();
+}
+
 TEST_F(TransferQueue, PausesWithoutMovingAByteTwice)
 {
 	CountingServer counting;

@@ -1,4 +1,4 @@
-// Small texts: UTF-8, base64, hashes that are wished for, moments. What is read is written as what was read.
+// Small texts: UTF-8, lines, base64, hashes that are wished for, moments. What is read is written as what was read.
 
 #include "Attempts/Headers.h"
 #include "Attempts/Utf8Text.h"
@@ -6,6 +6,23 @@
 #include "Fuzz.h"
 #include "Misc/Base64.h"
 #include "Misc/DateTime.h"
+#include "Runs/Result.h"
+
+namespace
+{
+	/** What stands between each two CR LF, unless it is nothing. */
+	TArray<FString> CutLines(std::string_view Bytes)
+	{
+		TArray<FString> Lines;
+		for (size_t End = 0; End != Bytes.npos; Bytes.remove_prefix(End == Bytes.npos ? 0 : End + 2))
+		{
+			End = Bytes.find("\r\n");
+			const std::string_view Line = Bytes.substr(0, End);
+			Line.empty() ? void() : void(Lines.Add(text(Line)));
+		}
+		return Lines;
+	}
+} // namespace
 
 FUZZ(Input)
 {
@@ -17,6 +34,10 @@ FUZZ(Input)
 	HOST_CHECK(utf8(Decoded) == Bytes || Decoded.Contains(TEXT("\uFFFD")));
 	HOST_CHECK(IsSame(text(utf8(Decoded)), Decoded) && IsSame(text(utf8(Text)), Text));
 	HOST_CHECK(utf8(Text) != Bytes || IsSame(Decoded, Text)); // where nothing is exchanged, both decoders agree
+
+	const FString Told = CorvaneResult::toText(Array);
+	HOST_CHECK(IsSame(Told, Text));
+	HOST_CHECK(CorvaneResult::toLines(Told) == CutLines(utf8(Told)));
 
 	TArray<uint8> Read;
 	HOST_CHECK(FBase64::Decode(FBase64::Encode(Array), Read) && Read == Array);
