@@ -27,6 +27,7 @@ namespace
 		FCorvaneSourceFacts Source;
 		Source.Address = text(Address);
 		Source.ETag = text("\"a b%\u00fc\"");
+		Source.LastModified = text("a day");
 		Source.Total = 5'000'000'000;
 		return Source;
 	}
@@ -57,10 +58,10 @@ namespace
 
 TEST(TransferJournal, TellsWhatWasWrittenLast)
 {
-	const std::string First = "http://host/first?a=b c|\"a b%\u00fc\"||5000000000|";
+	const std::string First = "http://host/first?a=b c|\"a b%\u00fc\"|a day|5000000000|";
 	const std::string Expected[] = {"|||-1|0", First + "0|source", First + "0abcdef|source", First + "4300000000abcdef|source",
-		First + "4300000001abcdef|source|whole|apart", "http://host/2|\"a b%\u00fc\"||5000000000|0|source",
-		"http://host/2|\"a b%\u00fc\"||5000000000|7abcdef|source"};
+		First + "4300000001abcdef|source|whole|apart", "http://host/2|\"a b%\u00fc\"|a day|5000000000|0|source",
+		"http://host/2|\"a b%\u00fc\"|a day|5000000000|7abcdef|source"};
 	for (size_t Number = 0; Number <= lines.size(); ++Number)
 	{
 		const FCorvaneJournal Journal = readJournal(joined(Number));
