@@ -278,6 +278,26 @@ TEST_F(FollowEvents, GoOnWithATokenThatIsNewEachTime)
 	EXPECT_EQ(waits, 3);
 }
 
+TEST_F(FollowEvents, AskBehindAnyIDAndBehindNoneThatIsTakenBack)
+{
+	const std::string id = "a\tb \xE2\x80\xA6";
+	const std::string events[] = {"retry:1\nid:" + id + "\ndata:x\n\n", "id:\ndata:y\n\n"};
+	std::atomic<size_t> asked{0};
+	const RawServer server(
+		[&](Connection& connection)
+		{
+			connection.readHead();
+			const size_t number = asked++;
+			connection.send(number < 2 ? head + events[number] : noMore);
+		});
+	start(server.url());
+	EXPECT_EQ(finish().Outcome, Outcome::Ended);
+	EXPECT_EQ(ids, (std::vector<std::string>{id, ""}));
+	ASSERT_EQ(server.requests().size(), 3u);
+	EXPECT_EQ(headerOf(server.requests()[1], "Last-Event-ID"), id);
+	EXPECT_EQ(server.requests()[2].find("Last-Event-ID"), std::string::npos);
+}
+
 TEST_F(FollowEvents, TakeHeadersBeforeTheirStartAndStartOnce)
 {
 	const RawServer server(answering([](const std::string&) { return noMore; }));

@@ -1,5 +1,6 @@
 #include "Chooser.h"
 
+#include <algorithm>
 #include <sstream>
 
 int RandomChooser::choose(Choice kind, int options)
@@ -27,7 +28,7 @@ int EveryOrder::choose(Choice kind, int options)
 	{
 		path.push_back({options, 0});
 	}
-	const int taken = path[at++].taken;
+	const int taken = std::min(path[at++].taken, options - 1); // a path of another scenario asks for what is not there
 	preemptions += kind == Choice::Preempt && taken > 0;
 	return taken;
 }

@@ -3,6 +3,7 @@
 #include "Schedule.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 
@@ -70,7 +71,7 @@ int main(int count, char** arguments)
 {
 	Wishes wishes;
 	CLI::App program("Runs the modules in every order that a scheduler can think of: one thread at a time, changed at its points");
-	program.add_option("--scenario", wishes.scenario, "Only those whose names begin so");
+	program.add_option("--scenario", wishes.scenario, "The one of this name, or those whose names begin so");
 	program.add_option("--runs", wishes.runs, "Random orders of each scenario");
 	program.add_option("--seed", wishes.seed, "Of the first random order; the others follow")->capture_default_str();
 	program.add_option("--every", wishes.preemptions, "All orders in which a turn is taken away so often at most");
@@ -81,10 +82,12 @@ int main(int count, char** arguments)
 	CLI11_PARSE(program, count, arguments);
 	HostLog::SetSink([](const char*, ELogVerbosity::Type, const FString&) {});
 	bool found = false;
-	for (const Scenario& scenario : scenarios())
+	const std::vector<Scenario> all = scenarios();
+	const bool isOne = std::ranges::any_of(all, [&wishes](const Scenario& each) { return each.name == wishes.scenario; });
+	for (const Scenario& scenario : all)
 	{
 		const bool fits = scenario.isSmall() ? !wishes.onlyLarge : !wishes.onlySmall;
-		if (fits && scenario.name.starts_with(wishes.scenario))
+		if (fits && (isOne ? scenario.name == wishes.scenario : scenario.name.starts_with(wishes.scenario)))
 		{
 			found = true;
 			play(scenario, wishes);

@@ -6,7 +6,8 @@
 
 namespace
 {
-	const Answer eventStream{200, {{"Content-Type", "text/event-stream"}}, {"id: 1\ndata: a\n\n", "data: b\n", "\n"}};
+	const Answer eventStream{
+		200, {{"Content-Type", "text/event-stream"}}, {eventContent.substr(0, 15), eventContent.substr(15, 8), eventContent.substr(23)}};
 	const Answer page{200, {{"Content-Type", "text/html"}}, {"<a href=\"/uc?id=1&amp;", "x;confirm=t&amp;\">go on</a>"}};
 	const Answer information = [] // the name is field 1 of a list, and the size field 27
 	{

@@ -7,6 +7,7 @@
 
 /** The bytes that servers have, and get. */
 inline const std::string fileContent = "abcdefghijkl";
+inline const std::string eventContent = "id: 1\ndata: a\n\ndata: b\n\n";
 
 /** The server of one run; how its answers end is open, until it has been asked twice. */
 class Origin

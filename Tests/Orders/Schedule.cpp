@@ -156,7 +156,8 @@ void Schedule::pass(Thread& next)
 
 void Schedule::fail(std::string_view what)
 {
-	std::fprintf(stderr, "%s: %s\nRun it again with: %s --trace\n", title.c_str(), std::string(what).c_str(), chooser->inWords().c_str());
+	std::fprintf(stderr, "%s: %s\nRun it again with: --scenario %s %s --trace\n", title.c_str(), std::string(what).c_str(), title.c_str(),
+		chooser->inWords().c_str());
 	printTrace();
 	for (const Thread* thread : threads)
 	{

@@ -32,7 +32,8 @@ struct CORVANETRANSFERS_API FCorvaneFollowOptions
 
 	/**
 	 * Connects again when a stream ends or breaks off, or its events are not taken for 10 seconds; else that is its outcome: Ended,
-	 * or why it broke off. Tries that did not get at a stream are repeated all the same, and so is one that was paused.
+	 * or why it broke off. Tries that did not get at a stream are repeated all the same, and so is one that was paused; of POST only
+	 * those that no server can have taken: without a connection, or answered with 425, 429 or 503.
 	 */
 	UPROPERTY(EditAnywhere, BlueprintReadWrite, Category = "Corvane|Transfers")
 	bool bReconnect = true;

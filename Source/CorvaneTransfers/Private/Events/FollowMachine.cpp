@@ -18,6 +18,14 @@ namespace CorvaneFollowMachine
 		ContentType.Split(TEXT(";"), &Type, &Parameters, ESearchCase::CaseSensitive, ESearchDir::FromStart);
 		return Type.TrimEnd().Equals(TEXT("text/event-stream"), ESearchCase::IgnoreCase);
 	}
+
+	/** Whether the server may have begun to work on a question. */
+	static bool MayBeTaken(const FCorvaneExchangeResult& Exchange)
+	{
+		const int32 Code = Exchange.Answer.Code;
+		const bool bPutOff = Exchange.bAnswerIsWhole && (Code == 425 || Code == 429 || Code == 503);
+		return !bPutOff && Exchange.End != ECorvaneExchangeEnd::NoConnection;
+	}
 } // namespace CorvaneFollowMachine
 
 CorvaneFollow::EVerdict CorvaneFollow::JudgeAnswer(const FCorvaneAnswer& Answer)
@@ -189,15 +197,17 @@ FCorvaneFollowStep FCorvaneFollowMachine::Retry(double Now, const FCorvaneFollow
 	{
 		return CloseForGood(Now, End.Exchange.End);
 	}
+	if (Options.bPost && !Options.bReconnect && CorvaneFollowMachine::MayBeTaken(End.Exchange))
+	{
+		return Close(Now, OutcomeOf(End), FString::Printf(TEXT("It is not asked again, since %s."), *ReasonOf(End)));
+	}
 	const double OpenSeconds = Now - (OpenedAt >= 0 ? OpenedAt : PhaseBegan);
 	const bool bGood = EventsOfTry > 0 || (bOpened && OpenSeconds >= CorvaneFollowMachine::SecondsOfGoodStream);
 	IdleInARow = bGood ? 0 : IdleInARow + 1;
 	ClosedInARow = bOpened ? 0 : ClosedInARow + 1;
 	if (Options.Attempts > 0 && ClosedInARow >= Options.Attempts)
 	{
-		const bool bAnswered = End.Exchange.bAnswerIsWhole;
-		return Close(Now, bAnswered ? ECorvaneTransferOutcome::ServerError : CorvaneTryEnd::OutcomeOf(End.Exchange.End),
-			FString::Printf(TEXT("Given up after %d tries: %s."), ClosedInARow, *ReasonOf(End)));
+		return Close(Now, OutcomeOf(End), FString::Printf(TEXT("Given up after %d tries: %s."), ClosedInARow, *ReasonOf(End)));
 	}
 	FCorvaneFollowStep Step = Do(EPhase::Waiting, Now, ECorvaneFollowAction::Wait);
 	Step.WaitSeconds = WaitAfter(End);
@@ -214,6 +224,11 @@ FCorvaneFollowStep FCorvaneFollowMachine::CloseForGood(double Now, ECorvaneExcha
 							   ? FString::Printf(TEXT("its events were not taken for %d seconds"), CorvaneFollow::PatienceSeconds)
 							   : CorvaneTryEnd::ReasonOf(End);
 	return Close(Now, CorvaneTryEnd::OutcomeOf(End), TEXT("The stream broke off: ") + Reason + TEXT("."));
+}
+
+ECorvaneTransferOutcome FCorvaneFollowMachine::OutcomeOf(const FCorvaneFollowTryEnd& End) const
+{
+	return End.Exchange.bAnswerIsWhole ? ECorvaneTransferOutcome::ServerError : CorvaneTryEnd::OutcomeOf(End.Exchange.End);
 }
 
 FString FCorvaneFollowMachine::ReasonOf(const FCorvaneFollowTryEnd& End) const

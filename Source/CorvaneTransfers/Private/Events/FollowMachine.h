@@ -125,6 +125,7 @@ private:
 	FCorvaneFollowStep CloseForAnswer(double Now, const FCorvaneAnswer& Answer);
 	FCorvaneFollowStep Retry(double Now, const FCorvaneFollowTryEnd& End);
 	FCorvaneFollowStep CloseForGood(double Now, ECorvaneExchangeEnd End);
+	ECorvaneTransferOutcome OutcomeOf(const FCorvaneFollowTryEnd& End) const;
 	FString ReasonOf(const FCorvaneFollowTryEnd& End) const;
 	double WaitAfter(const FCorvaneFollowTryEnd& End) const;
 

@@ -60,7 +60,7 @@ FCorvaneExchangeRequest CorvaneFollow::MakeRequest(
 	{
 		Asked.Headers.Add(Header.Key, Header.Value);
 	}
-	if (!LastEventID.IsEmpty() && !CorvaneHeaders::HasControl(LastEventID))
+	if (!LastEventID.IsEmpty() && !CorvaneHeaders::HasControl(LastEventID.Replace(TEXT("\t"), TEXT(" ")))) // tabs are no harm there
 	{
 		Asked.Headers.Add(TEXT("Last-Event-ID"), LastEventID);
 	}
