@@ -41,5 +41,18 @@ finish()
 assert(report.Outcome == ECorvaneTransferOutcome.Succeeded, report.Sentence)
 assert(report.TakenOverBytes > 0 and report.TakenOverBytes + report.TransferredBytes == report.TotalBytes)
 print(report.TakenOverBytes .. " bytes were there, " .. report.TransferredBytes .. " were sent")
+
+-- At the next start of the game a queue takes up all that were begun and not ended.
+local second = upload{}
+assert(wait(function() return report or second:GetReport().TransferredBytes > 0 end, 60), "no byte goes")
+second:Cancel()
+finish()
+local queue = CorvaneTransferQueue.GetTransferQueue{ Name = "uploads" }.ReturnValue
+local isIdle = false
+queue.OnIdle:Add(function() isIdle = true end)
+queue:ResumeUploads{ Options = { JournalFolder = path .. ".notes" }, OnlyOrigin = arg[1] }
+assert(wait(function() return isIdle end, 60), "the server takes too long")
+assert(queue:GetReport().Failed == 0)
+print(queue:GetReport().Done .. " taken up")
 os.remove(path)
 os.remove(path .. ".notes")

@@ -8,6 +8,7 @@
 #include "Lab/Behaviours/Tus.h"
 #include "Lab/Behaviours/Uploads.h"
 #include "Lab/Origin.h"
+#include "Listen.h"
 #include "LogCapture.h"
 #include "LoopbackListener.h"
 #include "QuickPlace.h"
@@ -298,6 +299,36 @@ TEST_F(Resumable, GoesOnWithWhatAnEarlierStartHasBroughtUnlessItIsNotTheSame)
 		EXPECT_TRUE(stored(fresh.url(fresh.log().back().request->target)) == folder.read("file.bin"));
 		EXPECT_TRUE(nothingIsNoted());
 	}
+}
+
+TEST_F(Resumable, IsTakenUpByAQueueAfterARestartUnlessItsEndpointHasASecret)
+{
+	const Lab::Behaviour server = Lab::tus();
+	origin.at("/files*", server);
+	FCorvaneResumableOptions options = patient();
+	options.Attempts = 1;
+	const std::string path = folder.write("file.bin", uploadedFile);
+	for (const char* endpoint : {"/files", "/files?key=1"})
+	{
+		origin.at("PATCH /files*", Lab::inTurn({server, Lab::upload({.hangsUpAfter = 1000})}));
+		ASSERT_EQ(send(origin.url(endpoint), path, options).Outcome, Outcome::Dropped);
+	}
+	origin.at("PATCH /files*", server);
+
+	UCorvaneTransferQueue* const queue = UCorvaneTransferQueue::GetTransferQueue(text("uploads"));
+	int idle = 0;
+	std::vector<FCorvaneTransferReport> reports;
+	Listen(queue->OnTransferEnd, [&](UCorvaneTransfer*, const FCorvaneTransferReport& report) { reports.push_back(report); });
+	Listen(queue->OnIdle, [&](const FCorvaneQueueReport&) { ++idle; });
+	queue->ResumeUploads(options, text("http://elsewhere"));
+	EXPECT_TRUE(loop.WaitFor([&] { return idle == 1; }, patienceSeconds));
+	EXPECT_TRUE(reports.empty());
+	queue->ResumeUploads(options, text(origin.url("/")));
+	EXPECT_TRUE(loop.WaitFor([&] { return idle == 2; }, patienceSeconds));
+	ASSERT_EQ(reports.size(), 1u);
+	EXPECT_EQ(reports[0].Outcome, Outcome::Succeeded) << utf8(reports[0].Sentence);
+	EXPECT_EQ(reports[0].TakenOverBytes, 20'000);
+	EXPECT_FALSE(nothingIsNoted()) << "of the other";
 }
 
 TEST_F(Resumable, StartsOverWhenTheServerHasLetTheUploadExpire)

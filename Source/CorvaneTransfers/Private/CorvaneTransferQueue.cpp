@@ -62,7 +62,17 @@ void UCorvaneTransferQueue::ResumeFolder(const FString& InFolder, const FCorvane
 	{
 		FCorvaneDownloadOptions InQueue = InOptions;
 		InQueue.Queue = OwnName;
-		CorvaneFolderResume::Start(Run.ToSharedRef(), InFolder, InQueue, InOnlyOrigin);
+		CorvaneFolderResume::Downloads(Run.ToSharedRef(), InFolder, InQueue, InOnlyOrigin);
+	}
+}
+
+void UCorvaneTransferQueue::ResumeUploads(const FCorvaneResumableOptions& InOptions, const FString& InOnlyOrigin)
+{
+	if (Run.IsValid())
+	{
+		FCorvaneResumableOptions InQueue = InOptions;
+		InQueue.Queue = OwnName;
+		CorvaneFolderResume::Uploads(Run.ToSharedRef(), InQueue, InOnlyOrigin);
 	}
 }
 

@@ -3,6 +3,7 @@
 #include "CoreMinimal.h"
 #include "CorvaneDownloadOptions.h"
 #include "CorvaneQueueReport.h"
+#include "CorvaneResumableOptions.h"
 #include "CorvaneTransfer.h"
 #include "Templates/SharedPointer.h"
 #include "UObject/Object.h"
@@ -84,6 +85,16 @@ public:
 	 */
 	UFUNCTION(BlueprintCallable, Category = "Corvane|Transfers", meta = (AutoCreateRefTerm = "Options"))
 	void ResumeFolder(const FString& Folder, const FCorvaneDownloadOptions& Options, const FString& OnlyOrigin);
+
+	/**
+	 * Goes on, in this queue, with the resumable uploads that earlier runs of the program have begun: their notes tell endpoint and
+	 * file. Those whose endpoint has a query, which may be a key, are taken up only by starting them again. OnTransferEnd and OnIdle
+	 * tell as those of ResumeFolder do.
+	 * @param Options  for all of them: where the notes are kept, and what none of them holds, such as headers with keys.
+	 * @param OnlyOrigin  such as https://example.com: others stay as they are, and get to see no headers; empty = all.
+	 */
+	UFUNCTION(BlueprintCallable, Category = "Corvane|Transfers", meta = (AutoCreateRefTerm = "Options"))
+	void ResumeUploads(const FCorvaneResumableOptions& Options, const FString& OnlyOrigin);
 
 	/** Tells how it stands. */
 	UFUNCTION(BlueprintPure, Category = "Corvane|Transfers")

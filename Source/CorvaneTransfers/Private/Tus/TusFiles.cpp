@@ -9,11 +9,6 @@ namespace CorvaneTusFiles
 {
 	static constexpr int64 BlockBytes = 1024 * 1024;
 
-	static FString FolderOf(const FString& Wanted)
-	{
-		return FPaths::ConvertRelativePathToFull(Wanted.IsEmpty() ? FPaths::ProjectSavedDir() + TEXT("Corvane/Uploads") : Wanted);
-	}
-
 	static bool SumUp(const FString& Path, int64 Start, int64 Number, FCorvaneFileHash& Hash)
 	{
 		TArray<uint8> Block;
@@ -28,6 +23,11 @@ namespace CorvaneTusFiles
 		return true;
 	}
 } // namespace CorvaneTusFiles
+
+FString FCorvaneTusFiles::JournalFolder(const FString& Wanted)
+{
+	return FPaths::ConvertRelativePathToFull(Wanted.IsEmpty() ? FPaths::ProjectSavedDir() + TEXT("Corvane/Uploads") : Wanted);
+}
 
 void FCorvaneTusFiles::Do(TUniqueFunction<void(FCorvaneTusFiles&)> Step)
 {
@@ -79,7 +79,7 @@ FCorvaneFileResult FCorvaneTusFiles::Find(const FWish& Wish, FCorvaneTusFound& F
 
 FCorvaneFileResult FCorvaneTusFiles::OpenJournal(const FWish& Wish)
 {
-	const FString Folder = CorvaneTusFiles::FolderOf(Wish.Folder);
+	const FString Folder = JournalFolder(Wish.Folder);
 	const FString Path = Folder + TEXT("/") + FCorvaneTusJournal::FileName(Wish.Address, File.Path);
 	if (!Claim.Take(Path))
 	{

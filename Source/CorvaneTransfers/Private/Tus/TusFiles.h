@@ -43,6 +43,9 @@ public:
 		bool bResume = true;
 	};
 
+	/** @param Wanted  empty = the usual one. @return where journals stand. */
+	static FString JournalFolder(const FString& Wanted);
+
 	void Open(const FWish& Wish, TUniqueFunction<void(const FCorvaneTusFound&)> Tell);
 	/** Notes an upload that the server has begun. */
 	void Begin(const FCorvaneTusUpload& Upload, TUniqueFunction<void(const FCorvaneFileResult&)> Tell);
