@@ -1,6 +1,6 @@
 #include "CorvaneTransferQueue.h"
 
-#include "Queue/FolderResume.h"
+#include "FolderResume.h"
 #include "Queue/QueueRun.h"
 #include "Queue/Queues.h"
 #include "UObject/UObjectGlobals.h"

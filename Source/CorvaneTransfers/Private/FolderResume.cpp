@@ -1,4 +1,4 @@
-#include "Queue/FolderResume.h"
+#include "FolderResume.h"
 
 #include "Async/Async.h"
 #include "Attempts/Address.h"
