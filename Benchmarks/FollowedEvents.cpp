@@ -1,3 +1,4 @@
+#include "Containers/StringConv.h"
 #include "CorvaneFollowEvents.h"
 #include "CorvaneTransfer.h"
 #include "Events/EventParser.h"
@@ -10,6 +11,8 @@
 #include "Kit/Stamps.h"
 #include "Kit/Statistics.h"
 #include "Kit/ThreadHandOver.h"
+#include "Lab/Behaviours/Answers.h"
+#include "Lab/Behaviours/Faults.h"
 #include "Lab/Origin.h"
 #include "Misc/CString.h"
 #include "NginxServer.h"
@@ -21,6 +24,7 @@
 #include <fmt/format.h>
 #include <fstream>
 #include <future>
+#include <optional>
 #include <stdexcept>
 #include <thread>
 
@@ -113,16 +117,32 @@ namespace
 		return options;
 	}
 
-	/** Follows a stream to its end, in this process. */
-	void follow(FGameLoop& loop, const std::string& url, const TFunction<void(const FString&)>& onData)
+	FCorvaneFollowOptions overDrops()
+	{
+		FCorvaneFollowOptions options;
+		options.ReconnectSeconds = 0.001;
+		return options;
+	}
+
+	/** Follows a stream until the server ends it, in this process. @return the connections that it came over. */
+	int follow(FGameLoop& loop, const std::string& url, const FCorvaneFollowOptions& options,
+		const TFunction<void(const FString& id, const FString& data)>& onEvent)
 	{
 		constexpr double longEnough = 600;
-		bool isOver = false;
+		int connections = 0;
+		std::optional<FCorvaneTransferReport> report;
 		UCorvaneFollowEvents::FHandlers handlers;
-		handlers.OnEvent = [&](const FString&, const FString&, const FString& data) { onData(data); };
-		handlers.OnClose = [&](const FCorvaneTransferReport&) { isOver = true; };
-		UCorvaneFollowEvents::Start(FString(url.c_str()), onlyOnce(), handlers);
-		loop.WaitFor([&] { return isOver; }, longEnough);
+		handlers.OnOpen = [&](const FCorvaneTransferReport&) { ++connections; };
+		handlers.OnEvent = [&](const FString& id, const FString&, const FString& data) { onEvent(id, data); };
+		handlers.OnClose = [&](const FCorvaneTransferReport& told) { report = told; };
+		UCorvaneFollowEvents::Start(FString(url.c_str()), options, handlers);
+		loop.WaitFor([&] { return report.has_value(); }, longEnough);
+		if (!report || report->Outcome != ECorvaneTransferOutcome::Ended)
+		{
+			throw std::runtime_error(
+				report ? "followed stream: " + std::string(FTCHARToUTF8(*report->Sentence).Get()) : "a followed stream that does not end");
+		}
+		return connections;
 	}
 
 	std::vector<Figure> streamFigures(std::int64_t bytes, const StopWatch& watch, std::int64_t residentBefore)
@@ -133,18 +153,22 @@ namespace
 	}
 
 	/** Memory is compared with that after a first stream: threads, buffers and the allocator have what they keep. */
-	Figures measureFollowing(const std::string& url, int number, std::int64_t bytes)
+	Figures measureFollowing(const std::string& url, const FCorvaneFollowOptions& options, int number, std::int64_t bytes)
 	{
 		HostLog::SetSink([](const char*, ELogVerbosity::Type, const FString&) {});
 		FGameLoop loop;
 		int events = 0;
-		follow(loop, url + "first", [](const FString&) {});
+		int inOrder = 0;
+		follow(loop, url + "first", options, [](const FString&, const FString&) {});
 		ProcessFigures::forgetPeak();
 		const std::int64_t before = ProcessFigures::residentBytes();
 		const StopWatch watch;
-		follow(loop, url + "events", [&](const FString&) { ++events; });
-		const Figures taken = streamFigures(bytes, watch, before);
+		const int connections =
+			follow(loop, url + "events", options, [&](const FString& id, const FString&) { inOrder += FCString::Atoi64(*id) == ++events; });
+		Figures taken = streamFigures(bytes, watch, before);
+		taken.push_back({"connections", "", static_cast<double>(connections)});
 		expect(events, number, "events");
+		expect(inOrder, number, "events in their places");
 		return taken;
 	}
 
@@ -164,9 +188,27 @@ namespace
 		return taken;
 	}
 
-	Figures latencies(const std::vector<double>& all, int number)
+	/** Goes on behind the event that the client saw last, and breaks off in the middle of one until no more are left. */
+	Lab::Behaviour breakingOff(std::string all, std::size_t bytesOfEvent, std::size_t breaks)
 	{
-		expect(static_cast<std::int64_t>(all.size()), number, "events");
+		const std::size_t each = all.size() / bytesOfEvent / (breaks + 1) + 1;
+		return Lab::Behaviour(
+			[all = std::move(all), bytesOfEvent, each](const Lab::Request& request) -> Lab::Behaviour
+			{
+				const std::string_view last = request.header("Last-Event-ID");
+				const std::size_t from = last.empty() ? 0 : std::stoul(std::string(last)) * bytesOfEvent;
+				const std::size_t bytes = (each + 1) * bytesOfEvent;
+				if (from >= all.size())
+				{
+					return Lab::status({.code = 204});
+				}
+				return std::vector{Lab::text(all.substr(from, bytes), "text/event-stream"), Lab::dropAfter(bytes - bytesOfEvent / 2)};
+			});
+	}
+
+	Figures latencies(const std::vector<double>& all, int number, const char* what)
+	{
+		expect(static_cast<std::int64_t>(all.size()), number, what);
 		return {{"latency, p50", "us", Statistics::quantile(all, 0.5)}, {"latency, p99", "us", Statistics::quantile(all, 0.99)}};
 	}
 
@@ -186,15 +228,17 @@ namespace
 		CLI::App* addTo(CLI::App& program) override
 		{
 			CLI::App* command = program.add_subcommand("followed-events", "Server-sent events through the node that follows a stream");
-			command->add_option("--kind", wanted, "Only these: PARSER, STREAM, LATENCY");
-			command->add_option("--events", number, "Of PARSER and STREAM, of 100 bytes each")
+			command->add_option("--kind", wanted, "Only these: PARSER, STREAM, RECONNECTS, LATENCY");
+			command->add_option("--events", number, "Of all but LATENCY, of 100 bytes each")
 				->capture_default_str()
 				->check(CLI::PositiveNumber);
+			command->add_option("--breaks", breaks, "Of RECONNECTS, how often the stream breaks off")->capture_default_str();
 			command->add_option("--rate", rate, "Of LATENCY, events a second")->capture_default_str()->check(CLI::PositiveNumber);
 			command->add_option("--seconds", seconds, "Of LATENCY, length of one run")->capture_default_str()->check(CLI::PositiveNumber);
 			addPairs(*command, pairs, "Pairs of runs after one warm-up pair");
 			command->add_option("--url", url)->group(""); // for fresh processes alone, like the next
 			command->add_flag("--bare", isBare)->group("");
+			command->add_flag("--reconnect", reconnects)->group("");
 			return command;
 		}
 
@@ -203,7 +247,8 @@ namespace
 			if (!url.empty())
 			{
 				const std::int64_t bytes = static_cast<std::int64_t>(number) * eventBytes;
-				printForParent(isBare ? measureBareStream(url, bytes) : measureFollowing(url, number, bytes));
+				printForParent(
+					isBare ? measureBareStream(url, bytes) : measureFollowing(url, reconnects ? overDrops() : onlyOnce(), number, bytes));
 				return {};
 			}
 			std::vector<Comparison> results;
@@ -237,6 +282,21 @@ namespace
 				WarmUp::OnePair, [&] { return runSelf(words); }, [&] { return runSelf(words + " --bare"); });
 		}
 
+		Comparison compareReconnects()
+		{
+			Lab::Origin server({.keepsLog = false});
+			server.at("/whole/first", breakingOff(eventsOf(number / 20, eventBytes), eventBytes, 0));
+			server.at("/whole/events", breakingOff(eventsOf(number, eventBytes), eventBytes, 0));
+			server.at("/broken/first", breakingOff(eventsOf(number / 20, eventBytes), eventBytes, 5));
+			server.at("/broken/events", breakingOff(eventsOf(number, eventBytes), eventBytes, breaks));
+			const auto words = [&](const char* place)
+			{ return fmt::format("followed-events --reconnect --events {} --url {}", number, server.url(place)); };
+			return alternate(
+				Comparison(fmt::format("followed-events: RECONNECTS, {} events, breaks off {} times", number, breaks),
+					"the same over one connection"),
+				pairs, WarmUp::OnePair, [&] { return runSelf(words("/broken/")); }, [&] { return runSelf(words("/whole/")); });
+		}
+
 		Comparison compareLatency()
 		{
 			const int events = static_cast<int>(rate * seconds);
@@ -247,10 +307,12 @@ namespace
 			const auto both = [&] // at the same time: what the machine does for a while then meets both
 			{
 				StampReader reader;
-				auto bare = std::async(std::launch::async, [&] { return latencies(readBare(server.url()), events); });
-				follow(loop, server.url(), [&](const FString& data) { reader.takeStamp(FCString::Atoi64(*data)); });
+				auto bare =
+					std::async(std::launch::async, [&] { return latencies(readBare(server.url()), events, "events of the bare loop"); });
+				follow(loop, server.url(), onlyOnce(),
+					[&](const FString&, const FString& data) { reader.takeStamp(FCString::Atoi64(*data)); });
 				beside = bare.get();
-				return latencies(reader.latencies(), events);
+				return latencies(reader.latencies(), events, "followed events");
 			};
 			return alternate(Comparison(fmt::format("followed-events: LATENCY, {} events, {} a second", events, rate),
 								 "bare libcurl and a second thread"),
@@ -259,15 +321,18 @@ namespace
 
 		static constexpr int eventBytes = 100;
 		static constexpr std::pair<const char*, Comparison (FollowedEvents::*)()> kinds[] = {{"PARSER", &FollowedEvents::compareParser},
-			{"STREAM", &FollowedEvents::compareStream}, {"LATENCY", &FollowedEvents::compareLatency}};
+			{"STREAM", &FollowedEvents::compareStream}, {"RECONNECTS", &FollowedEvents::compareReconnects},
+			{"LATENCY", &FollowedEvents::compareLatency}};
 
 		std::vector<std::string> wanted;
 		int number = 1'000'000;
+		std::size_t breaks = 100;
 		double rate = 500;
 		double seconds = 4;
 		int pairs = 5;
 		std::string url;
 		bool isBare = false;
+		bool reconnects = false;
 	};
 } // namespace
 

@@ -9,8 +9,14 @@
 
 namespace
 {
+	bool isAnything()
+	{
+		return true;
+	}
+
+	/** @param isDone  whether a success has done what it tells of. */
 	template <class Node>
-	void playNode(World& world, const std::function<Node*()>& make)
+	void playNode(World& world, const std::function<Node*()>& make, const std::function<bool()>& isDone = &isAnything)
 	{
 		std::vector<TStrongObjectPtr<Node>> graph;
 		FString id;
@@ -24,10 +30,13 @@ namespace
 					{
 						const int own = world.begin();
 						Node* const node = make();
-						for (FMulticastScriptDelegate* output : {&node->OnSuccess, &node->OnFail})
-						{
-							output->AddHandler([&world, own](void* const*) { world.end(own); });
-						}
+						node->OnFail.AddHandler([&world, own](void* const*) { world.end(own); });
+						node->OnSuccess.AddHandler(
+							[&world, own, isDone](void* const*)
+							{
+								world.end(own);
+								world.expect(isDone(), "a node's success of something that is not done");
+							});
 						id = node->requestID;
 						graph.emplace_back(node);
 						node->Activate();
@@ -42,14 +51,48 @@ namespace
 			world, [] { return UAsyncNodeHttpRequest::AsyncExecuteHTTP_GET_REQUEST("http://host/file", {}, "one", false); });
 	}
 
-	void playDownload(World& world)
+	void playDriveNode(World& world)
 	{
-		playNode<UAsyncNodeHttpDownloadUpload>(world,
-			[&world]
+		UCorvaneBPLibrary::setGoogleDriveBase("http://host");
+		playNode<UAsyncNodeHttpRequest>(world, [] { return UAsyncNodeHttpRequest::AsyncExecuteHTTP_GoogleDrive_REQUEST("1", "one", 0); });
+	}
+
+	template <bool isStepped>
+	void playDownloadNode(World& world)
+	{
+		playNode<UAsyncNodeHttpDownloadUpload>(
+			world,
+			[path = text(world.folder.path("file"))]
 			{
-				return UAsyncNodeHttpDownloadUpload::AsyncExecuteHTTP_Download_REQUEST("http://host/file", {},
-					EHTTPCorvFileDownloadResumeType::E_RESUME, EHTTPCorvFileUpload::E_ad, text(world.folder.path("file")), "one");
-			});
+				using Node = UAsyncNodeHttpDownloadUpload;
+				constexpr auto resume = EHTTPCorvFileDownloadResumeType::E_RESUME;
+				constexpr auto absolute = EHTTPCorvFileUpload::E_ad;
+				return isStepped ? Node::AsyncExecuteHTTP_Low_RAM_Download_REQUEST("http://host/file", {}, resume, absolute, path, "one", 5)
+								 : Node::AsyncExecuteHTTP_Download_REQUEST("http://host/file", {}, resume, absolute, path, "one");
+			},
+			[&world] { return world.starts > 1 || world.read("file") == fileContent; });
+	}
+
+	void playUploadNode(World& world)
+	{
+		playNode<UAsyncNodeHttpDownloadUpload>(
+			world,
+			[path = text(world.folder.write("up", fileContent))]
+			{
+				return UAsyncNodeHttpDownloadUpload::AsyncExecuteHTTP_Upload_PUT_REQUEST(
+					"http://host/put", {}, EHTTPCorvFileUpload::E_ad, path, "field", EHTTPCorvFileUploadType::PUT_STREAM_MP, "one");
+			},
+			[&world] { return world.origin.has(fileContent); });
+	}
+
+	void lookAtNodesDownload(const World& world)
+	{
+		world.expectPrefix("file");
+	}
+
+	void lookAtNodesUpload(const World& world)
+	{
+		world.expect(world.read("up") == fileContent, "the file is not what it was");
 	}
 
 	void playInfo(World& world)
@@ -64,7 +107,10 @@ std::vector<Kind> nodeKinds()
 {
 	return {
 		{"node", &playGet, nullptr, true, OfNode},
-		{"node-download", &playDownload, [](const World& world) { world.expectPrefix("file"); }, true, OfNode},
+		{"node-drive", &playDriveNode, nullptr, true, OfNode},
+		{"node-download", &playDownloadNode<false>, &lookAtNodesDownload, true, OfNode},
+		{"node-stepped", &playDownloadNode<true>, &lookAtNodesDownload, false, OfNode},
+		{"node-upload", &playUploadNode, &lookAtNodesUpload, false, OfNode},
 		{"node-info", &playInfo, nullptr, true, OfNode},
 	};
 }
