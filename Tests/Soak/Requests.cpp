@@ -240,7 +240,8 @@ std::vector<Kind> requestKinds()
 	add("upload body", 4, file, Topic::Upload, alone, "CreateHttpRequestIndividual", individualFile);
 	add("node upload post", 4, file, Topic::Upload, alone, "AsyncExecuteHTTP_Upload_POST_REQUEST", upload());
 	add("node upload stream", 4, file, Topic::Upload, alone, "AsyncExecuteHTTP_Upload_PUT_REQUEST", upload(Way::PUT_STREAM_MP));
-	add("node upload several", 4, file, Topic::Upload, alone, "AsyncExecuteHTTP_Multi_Upload_POST_REQUEST", upload());
+	add("node upload several post", 4, file, Topic::Upload, alone, "AsyncExecuteHTTP_Multi_Upload_POST_REQUEST", upload());
+	add("node upload several put", 4, file, Topic::Upload, alone, "AsyncExecuteHTTP_Multi_Upload_PUT_REQUEST", upload());
 	kinds.push_back({"bytes to file", 4, file, Topic::Download, {None}, false, writeAndRead});
 	return kinds;
 }
