@@ -36,7 +36,13 @@ public:
 	T* operator->() const { return Get(); }
 	bool IsValid() const { return Get() != nullptr; }
 	explicit operator bool() const { return IsValid(); }
-	void Reset() { ObjectLifetime::Release(std::exchange(Handle, {})); }
+	void Reset()
+	{
+		if (Handle.Index != INDEX_NONE) // an empty one is let go of without a lock
+		{
+			ObjectLifetime::Release(std::exchange(Handle, {}));
+		}
+	}
 
 private:
 	template <class>

@@ -31,7 +31,7 @@ FhttpRequest CorvaneBuilder::makeRecord(EHTTPCorvRequestType Type, FString Url, 
 }
 
 UCorvaneRequestCompleteObject* CorvaneBuilder::append(
-	FhttpRequest Record, const FString& RequestID, TArray<FhttpRequest>& OtherHttpRequests, TArray<FhttpRequest>& HttpRequests)
+	FhttpRequest&& Record, const FString& RequestID, TArray<FhttpRequest>& OtherHttpRequests, TArray<FhttpRequest>& HttpRequests)
 {
 	UCorvaneRequestCompleteObject* Object = NewObject<UCorvaneRequestCompleteObject>();
 	Object->setRequestID(RequestID, Record, UCorvaneBPLibrary::getCorvaneTarget());
@@ -45,7 +45,7 @@ UCorvaneRequestCompleteObject* CorvaneBuilder::append(
 	return Object;
 }
 
-int32 CorvaneBuilder::checkAndAppend(FhttpRequest Record, const FString& OptionalRequestID, TArray<FhttpRequest>& OtherHttpRequests,
+int32 CorvaneBuilder::checkAndAppend(FhttpRequest&& Record, const FString& OptionalRequestID, TArray<FhttpRequest>& OtherHttpRequests,
 	TArray<FhttpRequest>& HttpRequests, FString& RequestID)
 {
 	RequestID = idOrNew(OptionalRequestID);

@@ -19,7 +19,7 @@ namespace CorvaneBuilder
 	 * @return the completion object, so that the builder can set what else it needs.
 	 */
 	UCorvaneRequestCompleteObject* append(
-		FhttpRequest record, const FString& requestID, TArray<FhttpRequest>& otherHttpRequests, TArray<FhttpRequest>& httpRequests);
+		FhttpRequest&& record, const FString& requestID, TArray<FhttpRequest>& otherHttpRequests, TArray<FhttpRequest>& httpRequests);
 
 	/**
 	 * The whole of a builder that checks nothing but the URL.
@@ -27,6 +27,6 @@ namespace CorvaneBuilder
 	 * @param requestID  takes the ID, also when the request is refused.
 	 * @return 0, or 400 when it was refused.
 	 */
-	int32 checkAndAppend(FhttpRequest record, const FString& optionalRequestID, TArray<FhttpRequest>& otherHttpRequests,
+	int32 checkAndAppend(FhttpRequest&& record, const FString& optionalRequestID, TArray<FhttpRequest>& otherHttpRequests,
 		TArray<FhttpRequest>& httpRequests, FString& requestID);
 } // namespace CorvaneBuilder
