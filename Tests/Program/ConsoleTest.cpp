@@ -49,8 +49,6 @@ namespace
 			done)sh",
 			0, "20 0 0\n80 1 0\n200 1 0\n", IsEmpty()},
 		{"$tty '$c get $url/file -o f; echo $?' | tail -1", 0, MatchesRegex("(.\\[K)?0\n"), IsEmpty()},
-		{"truncate -s 20M f; $tty '$c put f $url/size; echo $?'", 0,
-			MatchesRegex(".* sent.*\x1b\\[K\x1b\\[Kf: It is uploaded[^\n]*\n20971520\n(.\\[K)?0\n"), IsEmpty()},
 		{"$get/file -o /dev/null", 0, IsEmpty(), IsEmpty()},
 		{"$get/file -o /dev/null --progress", 0, IsEmpty(), HasSubstr("100 % received of 1.0 MiB")},
 		// Events as they come, from streams without an end.

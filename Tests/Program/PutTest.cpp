@@ -88,6 +88,22 @@ TEST(Put, SendsFilesWhereTheyBelongAndTellsTheirEnd)
 	}
 }
 
+TEST(Put, ShowsOnATerminalHowFarItIs)
+{
+	Lab::Gate gate;
+	Lab::Origin origin;
+	origin.at("/size", Lab::upload(), Lab::hold(gate));
+	const TempDir directory;
+	directory.write("f", std::string(20 << 20, 'x'));
+	RunningProcess process({"/bin/sh", "-c", "cd \"$0\" && exec script -qec \"$1 put f $2\" /dev/null", directory.path(), CORVANE_PROGRAM,
+		origin.url("/size")});
+	EXPECT_TRUE(waitFor([&] { return process.out().find(" sent of 20.0 MiB") != std::string::npos; })) << process.out();
+	gate.open();
+	const ProcessRun run = process.end(0);
+	EXPECT_EQ(run.status, 0);
+	EXPECT_THAT(run.out, MatchesRegex(".* sent of 20.0 MiB\x1b\\[K\r\x1b\\[Kf: It is uploaded[^\n]*\n20971520\r\n(\r\x1b\\[K)?"));
+}
+
 TEST(Put, GoesOnAfterItWasEnded)
 {
 	const Lab::Behaviour server = Lab::tus();
